@@ -1,0 +1,45 @@
+# Every target of ours links one of the two option targets below: product code is built without exceptions
+# and RTTI, tests with them (GoogleTest needs both).
+add_library(tw_options INTERFACE)
+target_include_directories(tw_options INTERFACE ${PROJECT_SOURCE_DIR}/src)
+target_compile_options(tw_options INTERFACE -Wall -Wextra -Wconversion -Wshadow -Werror)
+if(TW_SANITIZE)
+  target_compile_options(tw_options INTERFACE -fsanitize=${TW_SANITIZE} -fno-omit-frame-pointer
+                                              -fno-sanitize-recover=all)
+  target_link_options(tw_options INTERFACE -fsanitize=${TW_SANITIZE})
+endif()
+if(WIN32)
+  target_compile_definitions(tw_options INTERFACE UNICODE _UNICODE WIN32_LEAN_AND_MEAN NOMINMAX
+                                                  _WIN32_WINNT=0x0601)
+  target_link_options(tw_options INTERFACE -static)
+endif()
+
+add_library(tw_product_options INTERFACE)
+target_link_libraries(tw_product_options INTERFACE tw_options)
+target_compile_options(tw_product_options INTERFACE -fno-exceptions -fno-rtti)
+
+# tw_library(NAME SOURCES… LINK libraries…): one product library; arrows between libraries point one way.
+function(tw_library name)
+  cmake_parse_arguments(arg "" "" "SOURCES;LINK" ${ARGN})
+  add_library(${name} STATIC ${arg_SOURCES})
+  target_link_libraries(${name} PUBLIC ${arg_LINK} PRIVATE tw_product_options)
+  target_include_directories(${name} PUBLIC ${PROJECT_SOURCE_DIR}/src)
+endfunction()
+
+# tw_test(NAME SOURCES… LINK libraries… [THREADED]): one GoogleTest program, its cases listed one by one.
+# THREADED ones run real threads on the real clock and are built for the race detector too.
+function(tw_test name)
+  cmake_parse_arguments(arg "THREADED" "" "SOURCES;LINK" ${ARGN})
+  if(TW_THREADED_TESTS_ONLY AND NOT arg_THREADED)
+    return()
+  endif()
+  add_executable(${name} ${arg_SOURCES})
+  target_link_libraries(${name} PRIVATE ${arg_LINK} tw_options tw_gtest)
+  target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
+  if(CMAKE_CROSSCOMPILING)
+    add_test(NAME ${TW_TEST_PREFIX}${name} COMMAND ${name})
+  else()
+    gtest_discover_tests(${name} TEST_PREFIX ${TW_TEST_PREFIX} DISCOVERY_TIMEOUT 60
+                         PROPERTIES TIMEOUT 300)
+  endif()
+endfunction()

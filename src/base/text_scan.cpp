@@ -1,0 +1,108 @@
+#include "base/text_scan.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <limits>
+
+namespace tw {
+namespace {
+
+constexpr bool IsWhiteSpace(char c) {
+  return c == ' ' || (c >= '\t' && c <= '\r');
+}
+constexpr bool IsDigit(char c) {
+  return c >= '0' && c <= '9';
+}
+
+// from_chars reads a minus sign but no plus sign; "+-5" must not slip through when the plus is taken off.
+bool TakePlus(std::string_view& text) {
+  if (text.empty() || text.front() != '+') return true;
+  text.remove_prefix(1);
+  return text.empty() || text.front() != '-';
+}
+
+template <typename T>
+bool ScanWhole(std::string_view& text, size_t width, T& value) {
+  std::string_view rest = text;
+  SkipWhiteSpace(rest);
+  const size_t available = std::min(width, rest.size());
+  const std::string_view field = rest.substr(0, available);
+  std::string_view digits = field;
+  T result = 0;
+  if (!TakePlus(digits)) return false;
+  const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), result);
+  if (error != std::errc()) return false;
+  rest.remove_prefix(static_cast<size_t>(end - field.data()));
+  text = rest;
+  value = result;
+  return true;
+}
+
+}  // namespace
+
+bool ScanInt(std::string_view& text, int32_t& value) {
+  return ScanWhole(text, text.size(), value);
+}
+
+bool ScanUint(std::string_view& text, uint32_t& value) {
+  return ScanWhole(text, text.size(), value);
+}
+
+bool ScanIntWidth(std::string_view& text, size_t width, int32_t& value) {
+  return ScanWhole(text, width, value);
+}
+
+bool ScanFloat(std::string_view& text, float& value) {
+  std::string_view rest = text;
+  SkipWhiteSpace(rest);
+  std::string_view number = rest;
+  if (!TakePlus(number)) return false;
+  const std::string_view magnitude = !number.empty() && number.front() == '-' ? number.substr(1) : number;
+  const bool startsWithDigit =
+      !magnitude.empty() &&
+      (IsDigit(magnitude[0]) || (magnitude[0] == '.' && magnitude.size() > 1 && IsDigit(magnitude[1])));
+  if (!startsWithDigit) return false;
+  double wide = 0;
+  const auto [end, error] = std::from_chars(number.data(), number.data() + number.size(), wide);
+  if (error == std::errc::invalid_argument) return false;
+  // Out of range: from_chars does not tell too large from too small. A number whose exponent is negative is
+  // the small one.
+  if (error == std::errc::result_out_of_range) {
+    const std::string_view read(number.data(), static_cast<size_t>(end - number.data()));
+    const bool small =
+        read.find("e-") != read.npos || read.find("E-") != read.npos || read.find("0.0") != read.npos;
+    if (!small) return false;
+    wide = 0;
+  }
+  const auto result = static_cast<float>(wide);
+  if (!(std::fabs(wide) <= static_cast<double>(std::numeric_limits<float>::max()))) return false;
+  rest.remove_prefix(static_cast<size_t>(end - rest.data()));
+  text = rest;
+  value = result;
+  return true;
+}
+
+bool ScanHex(std::string_view& text, size_t width, uint32_t& value) {
+  const size_t available = std::min({width, text.size(), size_t{8}});
+  uint32_t result = 0;
+  if (available == 0 || text.front() == '-') return false;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + available, result, 16);
+  if (error != std::errc()) return false;
+  text.remove_prefix(static_cast<size_t>(end - text.data()));
+  value = result;
+  return true;
+}
+
+bool ScanLiteral(std::string_view& text, std::string_view literal) {
+  if (!text.starts_with(literal)) return false;
+  text.remove_prefix(literal.size());
+  return true;
+}
+
+void SkipWhiteSpace(std::string_view& text) {
+  const auto first = std::find_if_not(text.begin(), text.end(), IsWhiteSpace);
+  text.remove_prefix(static_cast<size_t>(first - text.begin()));
+}
+
+}  // namespace tw

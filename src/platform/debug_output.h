@@ -1,0 +1,9 @@
+// The debugger's output window; on a system without one the text goes nowhere unless a test listens.
+#pragma once
+
+namespace tw {
+
+// Any thread. The text carries its own line end.
+void WriteDebugText(const wchar_t* text);
+
+}  // namespace tw

@@ -1,0 +1,57 @@
+// Files and folders, named by wide text. One thread uses a file at a time. Functions that can fail return
+// false or Handle::invalid, and LastSystemError() tells why.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+#include "platform/handle.h"
+
+namespace tw {
+
+// Creates the file anew (an existing one loses its content) for reading and writing; others may read it
+// meanwhile, not write it.
+[[nodiscard]] Handle CreateFileAnew(const wchar_t* path);
+
+enum class WriteSharing : uint8_t { denied, allowed };
+
+// Opens an existing file for reading. With `denied` the open fails while somebody has it open for writing.
+[[nodiscard]] Handle OpenFileForReading(const wchar_t* path, WriteSharing sharing);
+
+// Reads up to `size` bytes at the file's position; `got` 0 is the end of the file.
+[[nodiscard]] bool ReadFileBytes(Handle file, void* bytes, uint32_t size, uint32_t& got);
+
+// Writes at the file's position. `written` says how many bytes the system took, also on failure; true only
+// when that is all of them.
+[[nodiscard]] bool WriteFileBytes(Handle file, const void* bytes, uint32_t size, uint32_t& written);
+
+[[nodiscard]] bool SeekFile(Handle file, uint64_t position);
+[[nodiscard]] bool FilePosition(Handle file, uint64_t& position);
+[[nodiscard]] bool FileSize(Handle file, uint64_t& size);
+
+// Cuts or extends the file to `size` bytes and puts the position there.
+[[nodiscard]] bool TruncateFile(Handle file, uint64_t size);
+
+// Flushes the system's buffers of the file to the disk.
+[[nodiscard]] bool FlushFile(Handle file);
+
+// The full path of an open file, with a terminating zero. False when the system cannot tell or it does not
+// fit.
+[[nodiscard]] bool PathOfFile(Handle file, std::span<wchar_t> path);
+
+// Closes the file; Handle::null and Handle::invalid are ignored.
+void CloseFile(Handle file);
+
+[[nodiscard]] bool RemoveFile(const wchar_t* path);
+// Gives a file another name in one step; an existing file of that name is replaced.
+[[nodiscard]] bool RenameFile(const wchar_t* from, const wchar_t* to);
+
+[[nodiscard]] bool IsFolder(const wchar_t* path);
+// Creates one folder; its parent must exist.
+[[nodiscard]] bool CreateFolder(const wchar_t* path);
+
+// The user's documents folder, with a terminating zero.
+[[nodiscard]] bool DocumentsFolder(std::span<wchar_t> path);
+
+}  // namespace tw
