@@ -1,0 +1,186 @@
+// The application state record and the process-wide values beside it.
+//
+// One AppState exists, zero-filled, from the main window's creation to the end of the process; it is never
+// freed, because workers may outlive the message loop. Each worker gets its address as only parameter. The
+// fields say who writes them; "shared" fields go through LoadShared / StoreShared.
+#pragma once
+
+#include <cstdint>
+
+#include "device/device_settings.h"
+#include "display/palette.h"
+#include "gps/gps_fix.h"
+#include "platform/handle.h"
+#include "platform/sync.h"
+
+namespace tw {
+
+struct PingRing;
+
+inline constexpr size_t kWorkingFolderSize = 260;
+inline constexpr size_t kMaxPorts = 256;
+inline constexpr size_t kPortNameSize = 256;
+inline constexpr uint32_t kPlaybackPace_ms = 16;
+inline constexpr int32_t kPlaybackSpan = 320;
+
+// One serial port of the list; the list ends at the first entry with number 0.
+struct PortEntry {
+  uint32_t number;
+  wchar_t name[kPortNameSize];
+};
+
+// What is stored as "MainWindowPosition".
+struct WindowPlacement {
+  uint32_t style;
+  uint32_t extendedStyle;
+  int32_t fullScreen;
+  int32_t maximised;
+  int32_t left;
+  int32_t top;
+  int32_t right;
+  int32_t bottom;
+};
+static_assert(sizeof(WindowPlacement) == 32);
+
+enum RunEvent : uint8_t { kStopPlayback, kPause, kBack20, kBack100, kStepSecond, kRunEvents };
+
+struct AppState {
+  Handle mainWindow;
+  Handle statusBar;
+  wchar_t workingFolder[kWorkingFolderSize];
+  Handle inputFileA;
+  Handle inputFileB;
+  Handle fileWorkerA;
+  Handle fileWorkerB;
+  Event runEvents[kRunEvents];
+  Handle recordFileA;  // guarded by recordLock; see acquisition/record_file.h
+  Handle recordFileB;
+  Handle segyCompanionA;
+  Handle segyCompanionB;
+  int32_t playbackPace;
+  Handle devicePort;         // shared: GUI opens and closes, the acquisition worker reads
+  Handle gpsPort;            // shared: GUI opens and closes, the GPS worker reads and invalidates
+  Handle acquisitionThread;  // GUI thread
+  Handle gpsThread;          // GUI thread
+  Event recordingEvent;
+  DeviceSettings settings;  // GUI thread while no worker runs; workers read
+  DeviceSettings appliedSettings;
+  WindowPlacement windowPlacement;
+  int32_t initialised;
+  PingRing* ringA;
+  PingRing* ringB;
+  int32_t ringIndexA;  // ringLockA
+  int32_t ringIndexB;  // ringLockB
+  Lock ringLockA;
+  Lock gpsLock;
+  Event stopEvent;
+  Lock ringLockB;
+  Event stopEventB;
+  DisplayPalette palette;
+  int32_t displayRangeUpper;  // mm; GUI thread
+  int32_t displayRangeLower;  // mm
+  int32_t timeScaleUpper;     // s
+  int32_t timeScaleLower;     // s
+  int32_t echogramEnabled;    // shared
+  Handle sliderWindow;
+  int32_t playbackSpan;
+  int32_t conversionKind;  // 0 none, 1 SEG-Y, 2 binary to text; shared
+
+  // Fields that the table above has no names for.
+  int32_t playbackActive;  // GUI thread
+  int32_t linkLost;        // shared: workers set it, the GUI clears it before each worker start
+  int32_t pendingRange;    // changes of range and output that timer 7 will send; GUI thread
+  int32_t pendingOutput;
+  int32_t fullWindow;  // the controls are hidden; GUI thread
+  int32_t fullScreen;  // the window's style is changed; nothing sets it today
+  Lock recordLock;     // recordFileA, recordFileB and the two busy fields
+  Handle recordBusyA;  // the file that the worker is writing to right now, else invalid
+  Handle recordBusyB;
+  uint32_t runNumber;           // shared: raised at each worker start and at each stop; a worker whose number
+                                // is stale touches nothing any more
+  PortEntry ports[kMaxPorts];   // GUI thread
+  wchar_t rememberedRange[64];  // combo texts at the last Start or Apply; GUI thread
+  wchar_t rememberedRangeDual[64];
+  wchar_t rememberedOutput[64];
+  wchar_t rememberedInterval[64];
+};
+
+inline constexpr size_t kMarkTextSize = 27;  // "%04d M %04d-%02d-%02d %02d:%02d:%02d" and its zero
+inline constexpr size_t kMaxMarks = 1'490;
+
+// The time marks of one channel: one entry per ping while "Timestamp" is ticked, newest first. The entries
+// stand in a circle: entry i of the list is texts[(newest + i) % kMaxMarks].
+struct MarkList {
+  Lock lock;
+  char texts[kMaxMarks][kMarkTextSize];
+  int32_t newest;
+  int32_t count;
+  int32_t pingsSinceMark;
+  int32_t markNumber;
+  int32_t interval_pings;  // N
+  int32_t changed;
+};
+
+// Process-wide values, one instance. No destructor: workers may outlive main.
+struct Globals {
+  Handle instance;
+  int32_t deviceBaud;
+  int32_t deviceFamily;  // 1, 2 or 0; shared
+  int32_t dualMode;      // shared
+  int32_t devicePortNumber;
+  int32_t gpsPortNumber;  // -1 = none
+  int32_t gpsBaud;
+  int32_t lowKHz;
+  int32_t highKHz;
+  int32_t screenshotRequested;  // shared
+  int32_t playbackEnded;        // shared
+  uint8_t segyTextHeader[3200];
+  char titleText[256];
+  wchar_t debugText[256];
+
+  // Device link.
+  int32_t interfaceType;  // 0 RS-232, 1 RS-485, 2 USB
+  float firmwareVersion;
+  int32_t presetCapable;
+  int32_t currentPreset;
+  int32_t smoothingSupported;
+  int32_t highChannelActive;
+  int32_t measuredLowFrequency_hz;  // channel frequencies that name files
+  int32_t measuredHighFrequency_hz;
+
+  // Acquisition, read by the echogram view; shared.
+  uint32_t pingCounter;
+  float latestAltitudeHigh_m;
+  float latestAltitudeLow_m;
+  int32_t attitudePresent;
+  float pingInterval_ms;          // set interval at Start
+  float measuredPingInterval_ms;  // 0 until two pings have come
+  int32_t timestampTicked;        // GUI thread writes
+  int32_t autoCaptureTicked;
+  int32_t autoCaptureRequested;
+  int32_t marksAtStart;  // 30 s in pings of the set interval
+  MarkList marksA;
+  MarkList marksB;
+  int64_t autoCaptureSince_s;   // seconds since 1970 when "Auto Capture" was ticked
+  int64_t lastCapture_s;        // -1 = none yet
+  int32_t playedFrequencyA_hz;  // of played files; 0 = none
+  int32_t playedFrequencyB_hz;
+
+  // GPS: the fix and what is derived from it, guarded by gpsLock.
+  GpsFix fix;
+  int32_t gpsTalkerGn;  // the last sentence applied was a GNRMC
+  float gpsLatitude_rad;
+  float gpsLongitude_rad;
+  int32_t gpsQuality;  // 0 = no position
+  int32_t gpsFixType;  // 1 none, 2 2D, 3 3D
+  float gpsPdop;
+  uint32_t gpsTime_s;
+  float gpsLongitudeDdmm;
+  uint32_t gpsUpdates;  // number of updates of the fix
+
+  int32_t sliderQuarterWidth;  // a quarter of the client width, in pixels
+};
+
+extern Globals globals;
+
+}  // namespace tw

@@ -1,0 +1,74 @@
+// Ids of the main window's controls, menu entries, dialogs, strings and timers. The resource script includes
+// this file, so it holds plain numbers only.
+#pragma once
+
+// Dialogs, menus, icons
+#define ID_DIALOG_ABOUT 103
+#define ID_MENU 109
+#define ID_ACCELERATORS 109
+#define ID_ICON 107
+#define ID_DIALOG_MAIN 129
+#define ID_DIALOG_FOLDER 130
+#define ID_DIALOG_SHORTCUTS 131
+#define ID_DIALOG_SINGLE 132
+#define ID_DIALOG_DUAL 133
+#define ID_DIALOG_BAUD 134
+#define ID_DIALOG_DETAIL 135
+
+// Strings
+#define ID_STRING_TITLE 103
+#define ID_STRING_CLASS 109
+#define ID_STRING_SINGLE_ATTITUDE 104
+#define ID_STRING_SINGLE 114
+#define ID_STRING_DUAL 117
+#define ID_STRING_DUAL_ATTITUDE 140
+
+// Controls of the main window
+#define ID_DEVICE_PORT 1001
+#define ID_DEVICE_SPEED 1002
+#define ID_GPS_PORT 1003
+#define ID_GPS_SPEED 1004
+#define ID_START 1005
+#define ID_INTERVAL 1012
+#define ID_ECHOGRAM 1013
+#define ID_RANGE 1014
+#define ID_STOP 1015
+#define ID_OUTPUT 1020
+#define ID_APPLY 1022
+#define ID_DETAIL 1023
+#define ID_DEFAULT 1025
+#define ID_LOW_FREQUENCY 1033
+#define ID_HIGH_FREQUENCY 1034
+#define ID_PRESET_LABEL 1035
+#define ID_PRESET 1036
+#define ID_PLAYBACK 1056
+#define ID_RESUME 1058
+#define ID_RECORD 1059
+#define ID_SAVE_ADDITIONAL 1060
+#define ID_DUAL_MODE 1062
+#define ID_TIMESTAMP 1064
+#define ID_BACK 1065
+#define ID_FAST_BACK 1066
+#define ID_AUTO_CAPTURE 1067
+#define ID_SHOW_SETTINGS 1068
+#define ID_PAUSE 1071
+#define ID_SEGY_CONVERT 1072
+#define ID_MEASURED_INTERVAL 1085
+
+// Menu entries
+#define ID_MENU_ABOUT 104
+#define ID_MENU_EXIT 105
+#define ID_MENU_FOLDER 32771
+#define ID_MENU_SHORTCUTS 32773
+#define ID_MENU_BAUD 32775
+#define ID_MENU_BIN_TO_TXT 32778
+#define ID_MENU_SEGY 32782
+
+// Timers of the main window
+#define ID_TIMER_PORTS 0
+#define ID_TIMER_REPAINT 1
+#define ID_TIMER_SPARE 2
+#define ID_TIMER_PLAYBACK_END 5
+#define ID_TIMER_CAPTURE 6
+#define ID_TIMER_CHANGES 7
+#define ID_TIMER_LINK 8

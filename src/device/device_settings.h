@@ -1,0 +1,72 @@
+// The program's copy of the device's parameter set. A plain record: copying it is a whole-record copy, and
+// all zeroes is a valid "nothing known". Most values exist twice, for the low and the high transducer
+// frequency. Written by the GUI thread while no acquisition worker runs; workers only read it.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace tw {
+
+inline constexpr size_t kIdentitySize = 96;
+inline constexpr int32_t kNoPreset = 255;
+inline constexpr int32_t kAutomaticPreset = 10;
+
+// Ranges and maximum ranges are millimetres, as the device sends them; see RangeInMillimetres for firmware
+// that reports metres.
+struct DeviceSettings {
+  int32_t identifierWord;  // families with a numeric identity
+  int32_t unused1;
+  char identity[kIdentitySize];  // zero-terminated, "#iden"
+  int32_t frequencyInUse_hz;
+  int32_t lowFrequency_hz;
+  int32_t highFrequency_hz;
+  int32_t rangeLow_mm;
+  int32_t rangeHigh_mm;
+  int32_t txLengthLow;
+  int32_t txLengthHigh;
+  float txPower;
+  float reservedPower;      // the binary information block sets it to 100.0
+  int32_t pingInterval_ms;  // 0 = automatic
+  int32_t tvgMode;
+  float tvgSpreadingLow;
+  float tvgSpreadingHigh;
+  float tvgAbsorptionLow;
+  float tvgAbsorptionHigh;
+  float gainLow;
+  float gainHigh;
+  int32_t attenuationLow;
+  int32_t attenuationHigh;
+  int32_t deadZoneLow_mm;
+  int32_t deadZoneHigh_mm;
+  int32_t offsetLow_mm;
+  int32_t offsetHigh_mm;
+  int32_t thresholdLow_percent;
+  int32_t thresholdHigh_percent;
+  float soundSpeed_mps;
+  int32_t outputMode;  // its meaning depends on the device family
+  int32_t unused2;
+  int32_t samplingFrequency_hz;
+  int32_t simultaneous;  // 0 = one frequency at a time, else both
+  int32_t virtualLowFrequency_hz;
+  int32_t virtualHighFrequency_hz;
+  int32_t medianFilter;
+  int32_t movingAverageFilter;
+  int32_t unused3;
+  int32_t maxRangeHigh_mm;
+  int32_t maxRangeLow_mm;
+  int32_t maxLengthHigh;
+  int32_t maxLengthLow;
+  int32_t smoothing;
+  float outputRate;
+  int32_t automaticMode;
+  int32_t preset;
+};
+
+// The one guard for firmware that reports ranges in metres: 1 to 999 are metres (valid ranges are 1 to
+// 200 m or 1,000 to 200,000 mm, so the two cannot collide); other values stand as they are.
+[[nodiscard]] constexpr int32_t RangeInMillimetres(int32_t reported) {
+  return reported >= 1 && reported <= 999 ? reported * 1000 : reported;
+}
+
+}  // namespace tw
