@@ -1,0 +1,53 @@
+#!/usr/bin/env bash
+# Checks of the source text: formatting, the boundary of the Windows layer, the simulator's independence, the
+# direction of includes, and that each header compiles alone.
+set -uo pipefail
+cd "$(dirname "$0")/.."
+status=0
+fail() {
+  printf '%s\n' "$1" "$2"
+  status=1
+}
+
+sources=$(find src tools tests fuzz bench -name '*.cpp' -o -name '*.h' | sort)
+
+if command -v clang-format >/dev/null && clang-format --version | grep -q ' version 14\.'; then
+  # shellcheck disable=SC2086
+  unformatted=$(clang-format --dry-run $sources 2>&1 | grep -o '^[^:]*' | sort -u)
+  [ -n "$unformatted" ] && fail "Not formatted (clang-format -i):" "$unformatted"
+else
+  echo "clang-format 14 is not here; formatting is not checked"
+fi
+
+loose=$(grep -rliE '#include <(windows|windowsx|commctrl|shlobj|objidl|gdiplus|commdlg)' src |
+  grep -vE '^src/platform/win32/|_win32\.(cpp|h)$')
+[ -n "$loose" ] && fail "Windows headers outside the Windows layer:" "$loose"
+
+coupled=$(grep -nE '#include "(device|acquisition|gps|app|display|playback|platform)/' src/simulator/* /dev/null)
+[ -n "$coupled" ] && fail "The simulator is written a second time on purpose, but includes:" "$coupled"
+
+upward=$(grep -rnE '#include "app/' src/device src/acquisition src/gps src/display src/playback |
+  grep -vE '"app/(app_state|file_naming|posts|control_ids)\.h"')
+[ -n "$upward" ] && fail "Only the state record, file names and posts of app/ are for others:" "$upward"
+
+# arrows LIBRARY FORBIDDEN…: LIBRARY includes nothing from the folders above it.
+arrows() {
+  local from=$1 pattern
+  shift
+  pattern=$(IFS='|'; echo "$*")
+  local hits
+  hits=$(grep -rnE "#include \"($pattern)/" "src/$from")
+  [ -n "$hits" ] && fail "src/$from includes what stands above it:" "$hits"
+}
+arrows base platform app device acquisition display gps playback simulator
+arrows platform app device acquisition display gps playback simulator
+arrows device acquisition display gps playback simulator
+arrows gps acquisition display device playback simulator
+arrows acquisition display playback simulator
+
+for header in $(find src -name '*.h' ! -name '*_win32.h' ! -path 'src/platform/win32/*' ! -name 'control_ids.h'); do
+  printf '#include "%s"\n' "${header#src/}" |
+    g++ -std=c++20 -fsyntax-only -Wall -Wextra -I src -x c++ - >/dev/null 2>&1 ||
+    fail "Does not compile alone:" "$header"
+done
+exit "$status"
