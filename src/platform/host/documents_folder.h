@@ -1,0 +1,9 @@
+// The documents folder of the host side.
+#pragma once
+
+namespace tw {
+
+// What DocumentsFolder() answers from now on; null goes back to the user's home folder.
+void SetDocumentsFolder(const char* path);
+
+}  // namespace tw

@@ -1,0 +1,40 @@
+#include "platform/memory.h"
+
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include "base/text_scan.h"
+#include "platform/host/fault_points.h"
+#include "platform/host/last_error.h"
+
+namespace tw {
+
+void* AllocateZeroed(size_t size_bytes) {
+  if (FaultAt(FaultPoint::allocate, {})) return nullptr;
+  constexpr int kFlags = MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE;
+  void* const block = mmap(nullptr, size_bytes, PROT_READ | PROT_WRITE, kFlags, -1, 0);
+  if (block != MAP_FAILED) return block;
+  FailWithErrno();
+  return nullptr;
+}
+
+void FreeZeroed(void* block, size_t size_bytes) {
+  if (block != nullptr) munmap(block, size_bytes);
+}
+
+size_t ResidentBytes() {
+  const int file = open("/proc/self/statm", O_RDONLY | O_CLOEXEC);
+  if (file < 0) return 0;
+  char text[128];
+  const ssize_t got = read(file, text, sizeof(text));
+  close(file);
+  if (got <= 0) return 0;
+  std::string_view rest(text, static_cast<size_t>(got));
+  uint32_t totalPages = 0;
+  uint32_t residentPages = 0;
+  if (!ScanUint(rest, totalPages) || !ScanUint(rest, residentPages)) return 0;
+  return size_t{residentPages} * static_cast<size_t>(sysconf(_SC_PAGESIZE));
+}
+
+}  // namespace tw

@@ -1,0 +1,35 @@
+#include "platform/system_error.h"
+
+#include <cerrno>
+#include <cstring>
+
+#include "base/text_format.h"
+#include "platform/host/last_error.h"
+
+namespace tw {
+namespace {
+
+thread_local uint32_t lastError = 0;
+
+}  // namespace
+
+void SetSystemError(uint32_t code) {
+  lastError = code;
+}
+
+bool FailWithErrno() {
+  lastError = static_cast<uint32_t>(errno);
+  return false;
+}
+
+uint32_t LastSystemError() {
+  return lastError;
+}
+
+size_t SystemErrorText(uint32_t code, std::span<wchar_t> out) {
+  char buffer[256];
+  // The GNU form: it has a text for unknown codes too and may answer with a constant instead of the buffer.
+  return WidenText(out, strerror_r(static_cast<int>(code), buffer, sizeof(buffer)));
+}
+
+}  // namespace tw
