@@ -30,19 +30,19 @@ enum class BlockFault : uint8_t {
 };
 
 struct SounderFaults {
-  InstrumentFaults instrument;
+  InstrumentFaults instrument = {};
   int32_t replyDelay_ms = 0;  // 0 to 60,000, before each reply at the prompt
   PromptStyle prompt = PromptStyle::whole;
   bool splitEndMark = false;   // "Data", a pause, "End"
   int32_t splitPause_ms = 50;  // 0 to 60,000, of a split prompt or end mark
   BlockFault block = BlockFault::none;
-  int32_t blockEvery = 1;            // 1 to 1,000,000: each how-manieth block has the block fault
-  std::string missingKey;            // as it stands in the block: "#Altitude"
-  int32_t garbageBytes = 0;          // 0 to 65,536, behind each block
-  bool deaf = false;                 // streams on, whatever it is told
-  bool chatter = false;              // sends a line of noise every 100 ms while it is at the prompt
-  std::vector<std::string> refused;  // keywords that are answered with "Error"
-  std::vector<std::string> mute;     // keywords that get no answer at all
+  int32_t blockEvery = 1;                 // 1 to 1,000,000: each how-manieth block has the block fault
+  std::string missingKey = {};            // as it stands in the block: "#Altitude"
+  int32_t garbageBytes = 0;               // 0 to 65,536, behind each block
+  bool deaf = false;                      // streams on, whatever it is told
+  bool chatter = false;                   // sends a line of noise every 100 ms while it is at the prompt
+  std::vector<std::string> refused = {};  // keywords that are answered with "Error"
+  std::vector<std::string> mute = {};     // keywords that get no answer at all
 };
 
 struct SounderOptions {
@@ -64,7 +64,7 @@ struct SounderOptions {
   bool streaming = false;                 // pings at power-on instead of standing at its prompt
   uint32_t startTime_s = 1'700'000'000;   // the device's clock at time 0, seconds since 1970
   size_t logSize = 16'384;                // entries kept of each log
-  SounderFaults faults;
+  SounderFaults faults = {};
 };
 
 }  // namespace tw::sim
