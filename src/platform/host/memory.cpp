@@ -4,6 +4,8 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
+#include <algorithm>
+
 #include "base/text_scan.h"
 #include "platform/host/fault_points.h"
 #include "platform/host/last_error.h"
@@ -30,10 +32,11 @@ size_t ResidentBytes() {
   const ssize_t got = read(file, text, sizeof(text));
   close(file);
   if (got <= 0) return 0;
+  // "total resident …", in pages; the total may exceed 32 bits.
   std::string_view rest(text, static_cast<size_t>(got));
-  uint32_t totalPages = 0;
+  rest.remove_prefix(std::min(rest.find(' '), rest.size()));
   uint32_t residentPages = 0;
-  if (!ScanUint(rest, totalPages) || !ScanUint(rest, residentPages)) return 0;
+  if (!ScanUint(rest, residentPages)) return 0;
   return size_t{residentPages} * static_cast<size_t>(sysconf(_SC_PAGESIZE));
 }
 

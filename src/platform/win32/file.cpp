@@ -1,0 +1,144 @@
+#include "platform/file.h"
+
+#include <shlobj.h>
+
+#include <array>
+#include <string_view>
+
+#include "base/text_format.h"
+#include "platform/win32/handle_win32.h"
+
+namespace tw {
+namespace {
+
+constexpr size_t kPathUnits = 32'768;  // the longest path that the system knows
+
+[[nodiscard]] Handle Open(const wchar_t* path, DWORD access, DWORD sharing, DWORD disposition) {
+  return FromSystem(CreateFileW(path, access, sharing, nullptr, disposition, FILE_ATTRIBUTE_NORMAL, nullptr));
+}
+
+[[nodiscard]] bool MoveTo(Handle file, int64_t distance, DWORD from, int64_t& position) {
+  LARGE_INTEGER by;
+  LARGE_INTEGER at;
+  by.QuadPart = distance;
+  if (!SetFilePointerEx(ToSystem(file), by, &at, from)) return false;
+  position = at.QuadPart;
+  return true;
+}
+
+// The system's own spelling without its prefix: "\\?\C:\a" is "C:\a", "\\?\UNC\server\a" is "\\server\a".
+[[nodiscard]] bool CopyWithoutPrefix(std::wstring_view full, std::span<wchar_t> path) {
+  constexpr std::wstring_view kNetwork = L"\\\\?\\UNC\\";
+  constexpr std::wstring_view kLocal = L"\\\\?\\";
+  const bool network = full.starts_with(kNetwork);
+  const std::wstring_view start = network ? L"\\\\" : L"";
+  if (network) {
+    full.remove_prefix(kNetwork.size());
+  } else if (full.starts_with(kLocal)) {
+    full.remove_prefix(kLocal.size());
+  }
+  if (start.size() + full.size() >= path.size()) {
+    SetLastError(ERROR_INSUFFICIENT_BUFFER);
+    return false;
+  }
+  const size_t units = CopyWide(path, start);
+  CopyWide(path.subspan(units), full);
+  return true;
+}
+
+}  // namespace
+
+Handle CreateFileAnew(const wchar_t* path) {
+  return Open(path, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ, CREATE_ALWAYS);
+}
+
+Handle OpenFileForReading(const wchar_t* path, WriteSharing sharing) {
+  const DWORD others =
+      sharing == WriteSharing::allowed ? FILE_SHARE_READ | FILE_SHARE_WRITE : FILE_SHARE_READ;
+  return Open(path, GENERIC_READ, others, OPEN_EXISTING);
+}
+
+bool ReadFileBytes(Handle file, void* bytes, uint32_t size, uint32_t& got) {
+  DWORD count = 0;
+  const bool read = ReadFile(ToSystem(file), bytes, size, &count, nullptr) != 0;
+  got = read ? count : 0;
+  return read;
+}
+
+bool WriteFileBytes(Handle file, const void* bytes, uint32_t size, uint32_t& written) {
+  DWORD count = 0;
+  const bool wrote = WriteFile(ToSystem(file), bytes, size, &count, nullptr) != 0;
+  written = count;
+  return wrote && count == size;
+}
+
+bool SeekFile(Handle file, uint64_t position) {
+  if (position > INT64_MAX) {
+    SetLastError(ERROR_INVALID_PARAMETER);
+    return false;
+  }
+  int64_t at = 0;
+  return MoveTo(file, static_cast<int64_t>(position), FILE_BEGIN, at);
+}
+
+bool FilePosition(Handle file, uint64_t& position) {
+  int64_t at = 0;
+  if (!MoveTo(file, 0, FILE_CURRENT, at)) return false;
+  position = static_cast<uint64_t>(at);
+  return true;
+}
+
+bool FileSize(Handle file, uint64_t& size) {
+  LARGE_INTEGER value;
+  if (!GetFileSizeEx(ToSystem(file), &value)) return false;
+  size = static_cast<uint64_t>(value.QuadPart);
+  return true;
+}
+
+bool TruncateFile(Handle file, uint64_t size) {
+  return SeekFile(file, size) && SetEndOfFile(ToSystem(file)) != 0;
+}
+
+bool FlushFile(Handle file) {
+  return FlushFileBuffers(ToSystem(file)) != 0;
+}
+
+bool PathOfFile(Handle file, std::span<wchar_t> path) {
+  std::array<wchar_t, kPathUnits> full;
+  const DWORD length =
+      GetFinalPathNameByHandleW(ToSystem(file), full.data(), kPathUnits, FILE_NAME_NORMALIZED);
+  return length > 0 && length < kPathUnits && CopyWithoutPrefix({full.data(), length}, path);
+}
+
+void CloseFile(Handle file) {
+  CloseIfOpen(file);
+}
+
+bool RemoveFile(const wchar_t* path) {
+  return DeleteFileW(path) != 0;
+}
+
+bool RenameFile(const wchar_t* from, const wchar_t* to) {
+  return MoveFileExW(from, to, MOVEFILE_REPLACE_EXISTING) != 0;
+}
+
+bool IsFolder(const wchar_t* path) {
+  const DWORD attributes = GetFileAttributesW(path);
+  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+}
+
+bool CreateFolder(const wchar_t* path) {
+  return CreateDirectoryW(path, nullptr) != 0;
+}
+
+bool DocumentsFolder(std::span<wchar_t> path) {
+  wchar_t folder[MAX_PATH] = {};
+  const HRESULT result = SHGetFolderPathW(nullptr, CSIDL_PERSONAL, nullptr, SHGFP_TYPE_CURRENT, folder);
+  if (FAILED(result)) {
+    SetLastError(static_cast<DWORD>(HRESULT_CODE(result)));
+    return false;
+  }
+  return CopyWithoutPrefix(folder, path);
+}
+
+}  // namespace tw

@@ -1,0 +1,30 @@
+// A serial line for the contract tests whose far end sends back what it gets: a pseudo terminal of this
+// process, or, for a Windows program under Wine, the port that the environment names.
+#pragma once
+
+#include <memory>
+#include <string>
+
+namespace tw {
+
+class EchoLine {
+ public:
+  EchoLine();
+  ~EchoLine();
+  EchoLine(const EchoLine&) = delete;
+  EchoLine& operator=(const EchoLine&) = delete;
+
+  // As it is opened: "\\.\COM7". Empty when there is no such line here.
+  [[nodiscard]] const std::wstring& Name() const { return name_; }
+  // As it is listed: "COM7".
+  [[nodiscard]] std::wstring ListedName() const { return name_.substr(4); }
+  // Whether the system keeps a second program from opening the line; Wine does not.
+  [[nodiscard]] static bool IsExclusive();
+
+ private:
+  struct Terminal;
+  std::unique_ptr<Terminal> terminal_;
+  std::wstring name_;
+};
+
+}  // namespace tw
