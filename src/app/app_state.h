@@ -121,6 +121,8 @@ struct MarkList {
   int32_t changed;
 };
 
+inline constexpr size_t kSlotsOfRing = 10'000;
+
 // Process-wide values, one instance. No destructor: workers may outlive main.
 struct Globals {
   Handle instance;
@@ -161,6 +163,8 @@ struct Globals {
   int32_t marksAtStart;  // 30 s in pings of the set interval
   MarkList marksA;
   MarkList marksB;
+  uint16_t slotReachA[kSlotsOfRing];  // bytes in use of each slot of the rings; the ring's writer only
+  uint16_t slotReachB[kSlotsOfRing];
   int64_t autoCaptureSince_s;   // seconds since 1970 when "Auto Capture" was ticked
   int64_t lastCapture_s;        // -1 = none yet
   int32_t playedFrequencyA_hz;  // of played files; 0 = none

@@ -27,4 +27,12 @@ requires std::is_trivially_copyable_v<T>
   return std::atomic_ref<T>(field).exchange(value);
 }
 
+// Puts `value` into the field when `expected` stands there; tells whether it did.
+template <typename T>
+requires std::is_trivially_copyable_v<T>
+[[nodiscard]] bool CompareExchangeShared(T& field, std::type_identity_t<T> expected,
+                                         std::type_identity_t<T> value) {
+  return std::atomic_ref<T>(field).compare_exchange_strong(expected, value);
+}
+
 }  // namespace tw

@@ -53,7 +53,7 @@ bool ScanIntWidth(std::string_view& text, size_t width, int32_t& value) {
   return ScanWhole(text, width, value);
 }
 
-bool ScanFloat(std::string_view& text, float& value) {
+bool ScanDouble(std::string_view& text, double& value) {
   std::string_view rest = text;
   SkipWhiteSpace(rest);
   std::string_view number = rest;
@@ -75,11 +75,19 @@ bool ScanFloat(std::string_view& text, float& value) {
     if (!small) return false;
     wide = 0;
   }
-  const auto result = static_cast<float>(wide);
-  if (!(std::fabs(wide) <= static_cast<double>(std::numeric_limits<float>::max()))) return false;
   rest.remove_prefix(static_cast<size_t>(end - rest.data()));
   text = rest;
-  value = result;
+  value = wide;
+  return true;
+}
+
+bool ScanFloat(std::string_view& text, float& value) {
+  std::string_view rest = text;
+  double wide = 0;
+  if (!ScanDouble(rest, wide)) return false;
+  if (!(std::fabs(wide) <= static_cast<double>(std::numeric_limits<float>::max()))) return false;
+  text = rest;
+  value = static_cast<float>(wide);
   return true;
 }
 

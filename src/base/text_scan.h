@@ -21,6 +21,8 @@ namespace tw {
 // "%f": optional sign, digits with at most one point, optional exponent. Infinity and NaN, as words or as
 // the result of an overflow, are no value; what is too small for a float is 0.
 [[nodiscard]] bool ScanFloat(std::string_view& text, float& value);
+// The same in double precision.
+[[nodiscard]] bool ScanDouble(std::string_view& text, double& value);
 
 // "%2X" and the like: at most `width` hexadecimal digits, no prefix.
 [[nodiscard]] bool ScanHex(std::string_view& text, size_t width, uint32_t& value);

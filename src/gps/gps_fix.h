@@ -25,6 +25,13 @@ struct GpsSatellite {
 
 inline constexpr int32_t kMaxSatellites = 64;
 
+// Bits of GpsFix::presence: which sentences have contributed.
+inline constexpr uint32_t kHasGga = 1;
+inline constexpr uint32_t kHasGsa = 2;
+inline constexpr uint32_t kHasGsv = 4;
+inline constexpr uint32_t kHasRmc = 8;
+inline constexpr uint32_t kHasVtg = 16;
+
 struct GpsFix {
   uint32_t presence;  // one bit per kind of data received
   GpsTime utc;
@@ -47,5 +54,8 @@ struct GpsFix {
   double differentialAge_s;  // of the last GGA
   int32_t differentialStation;
 };
+
+// Zeroes the fix, takes the time from the system clock (UTC) and sets the quality to 1.
+void ClearFix(GpsFix& fix);
 
 }  // namespace tw

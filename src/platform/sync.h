@@ -42,7 +42,7 @@ void Signal(Event& event);
 void Reset(Event& event);
 
 // True when the event is signalled, at once or within the time; kWaitForever waits without limit. A wait of
-// 0 is a poll. An event that was never made is never signalled.
+// 0 is a poll. An event that was never made is never signalled, and a wait for it ends at once.
 [[nodiscard]] bool WaitForEvent(Event& event, uint32_t timeout_ms);
 
 }  // namespace tw

@@ -120,6 +120,13 @@ TEST_F(SerialPeerLine, ADeviceThatPromisesBytesAndHasNoneDoesNotStopTheTime) {
   CloseSerialLine(line);
 }
 
+TEST_F(SerialPeerLine, TryingAgainForEverOnADeadLineTakesTime) {
+  const VirtualClock clock(0);
+  const uint32_t start = MillisecondClock();
+  while (MillisecondClock() - start < 60) EXPECT_EQ(Read(Handle::null, 1), "failed");
+  EXPECT_EQ(VirtualNow_us() / 1000, 60);
+}
+
 // A reader that counts until its line fails.
 struct Reader {
   Handle line;

@@ -77,6 +77,12 @@ void Discard(Line& line) {
   return true;
 }
 
+// Failing costs time as any other call that does not wait does, so that whoever tries again for ever ends.
+[[nodiscard]] bool Fail() {
+  baton::Poll();
+  return false;
+}
+
 [[nodiscard]] std::shared_ptr<Line> FindLine(Handle handle) {
   std::shared_ptr<Line> line = Lines().Find(handle);
   if (line == nullptr) SetSystemError(EBADF);
@@ -146,14 +152,15 @@ Handle OpenSerialLine(const wchar_t* name, const char* mode, uint32_t readConsta
 bool ReadSerialLine(Handle handle, void* bytes, uint32_t size, uint32_t& got) {
   got = 0;
   const std::shared_ptr<Line> line = FindLine(handle);
-  if (line == nullptr || FaultAt(FaultPoint::readLine, line->Name())) return false;
+  if (line == nullptr || FaultAt(FaultPoint::readLine, line->Name())) return Fail();
   const std::span<uint8_t> out(static_cast<uint8_t*>(bytes), size);
   const int64_t deadline_us = DeadlineAfter_us(line->ReadConstant_ms());
   if (line->ReadConstant_ms() == 0) baton::Poll();
   for (;;) {
     const int64_t taken = TakeAllowed(*line, out);
     got = static_cast<uint32_t>(std::max<int64_t>(taken, 0));
-    if (taken != 0 || size == 0) return taken >= 0;
+    if (taken < 0) return Fail();
+    if (taken > 0 || size == 0) return true;
     if (HostNow_us() >= deadline_us) return true;
     line->Await(deadline_us);
   }
@@ -161,16 +168,16 @@ bool ReadSerialLine(Handle handle, void* bytes, uint32_t size, uint32_t& got) {
 
 bool WriteSerialLine(Handle handle, const void* bytes, uint32_t size) {
   const std::shared_ptr<Line> line = FindLine(handle);
-  if (line == nullptr) return false;
+  if (line == nullptr) return Fail();
   const std::span<const uint8_t> in(static_cast<const uint8_t*>(bytes), size);
   uint32_t taken = 0;
   if (FaultAt(FaultPoint::writeLine, line->Name(), &taken)) {
     const uint32_t code = LastSystemError();
-    if (taken != 0 && !line->Put(in.first(std::min(taken, size)))) return false;
-    SetSystemError(code);
-    return false;
+    if (taken == 0 || line->Put(in.first(std::min(taken, size)))) SetSystemError(code);
+    return Fail();
   }
-  return !HasFailed(*line, AllowedOnLine(line->Name(), 0)) && line->Put(in);
+  if (HasFailed(*line, AllowedOnLine(line->Name(), 0)) || !line->Put(in)) return Fail();
+  return true;
 }
 
 uint32_t BytesWaiting(Handle handle, uint32_t* overruns) {

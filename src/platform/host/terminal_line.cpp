@@ -121,8 +121,7 @@ bool TerminalLine::Put(std::span<const uint8_t> bytes) {
       SetSystemError(EIO);
       return false;
     }
-    pollfd ends[] = {{terminal_, POLLOUT, 0}, {wakeUp_, POLLIN, 0}};
-    ::poll(ends, 2, -1);
+    WaitFor(POLLOUT, -1);
   }
   return true;
 }
@@ -133,10 +132,16 @@ uint32_t TerminalLine::Waiting() {
 }
 
 void TerminalLine::Await(int64_t deadline_us) {
-  pollfd ends[] = {{terminal_, POLLIN, 0}, {wakeUp_, POLLIN, 0}};
-  ::poll(ends, 2, PollTimeout_ms(deadline_us));
+  WaitFor(POLLIN, PollTimeout_ms(deadline_us));
+}
+
+void TerminalLine::WaitFor(short events, int timeout_ms) {
+  pollfd ends[] = {{terminal_, events, 0}, {wakeUp_, POLLIN, 0}};
+  ::poll(ends, 2, timeout_ms);
+  const bool woken = (ends[1].revents & POLLIN) != 0;
   uint64_t count = 0;
-  if ((ends[1].revents & POLLIN) != 0 && !Closed() && ::read(wakeUp_, &count, sizeof(count)) < 0) return;
+  // A closed line stays awake for good.
+  if (woken && !Closed() && ::read(wakeUp_, &count, sizeof(count)) < 0) return;
 }
 
 void TerminalLine::Wake() {

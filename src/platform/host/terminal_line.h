@@ -25,6 +25,9 @@ class TerminalLine final : public Line {
   void Shut() override { Wake(); }
 
  private:
+  // Waits for the terminal to be ready for `events`, a Wake, or the end of the time (negative: none).
+  void WaitFor(short events, int timeout_ms);
+
   const int terminal_;  // non-blocking
   const int wakeUp_;    // an eventfd that ends a wait
 };

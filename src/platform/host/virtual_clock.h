@@ -4,9 +4,10 @@
 //
 // One of these threads runs at a time, until it waits (a sleep, an event, a thread's end, a serial read with
 // nothing there, a held lock). When all wait, the time jumps to the earliest deadline, ties by thread number.
-// Calls that would take no time (asking a clock, a zero wait, BytesWaiting, an empty read) cost 1 us, so a
-// loop that spins ends, and others get their turn. Reading what waits, writing, files and free locks cost
-// nothing. When all wait without limit, the program aborts and says who waits for what.
+// Calls that would take no time (asking a clock, looking at an event or a thread, BytesWaiting, an empty or a
+// failing read) cost 1 us, so a loop that spins ends, and others get their turn. Reading what waits, writing,
+// files and free locks cost nothing. When all wait without limit, the program aborts and says who waits for
+// what.
 //
 // Other threads must not use the platform layer meanwhile. Serial lines that are terminals cannot be opened
 // under this clock.

@@ -1,0 +1,119 @@
+#include "acquisition/block_reader.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace tw {
+namespace {
+
+constexpr size_t kPiece = 4096;  // bytes copied at once: what stands behind a block is copied in vain
+constexpr size_t kStride = 32;
+
+// The end mark has the same byte at 0 and 2 (CR LF CR). Lines of text never do, so whole strides are passed
+// over by that test alone, which compilers turn into a few vector instructions.
+bool MayHoldRepeat(const uint8_t* bytes, uint8_t first) {
+  uint8_t any = 0;
+  for (size_t i = 0; i < kStride; ++i) {
+    any = static_cast<uint8_t>(any | ((bytes[i] == first) & (bytes[i + 2] == first)));
+  }
+  return any != 0;
+}
+
+// The offset behind the first end mark in [from, length), or 0 when there is none.
+size_t FindEnd(const uint8_t* bytes, size_t from, size_t length, std::string_view mark) {
+  const auto first = static_cast<uint8_t>(mark[0]);
+  const bool repeats = mark.size() > 2 && mark[2] == mark[0];
+  size_t at = from;
+  while (at + mark.size() <= length) {
+    if (repeats && at + kStride + 2 <= length && !MayHoldRepeat(bytes + at, first)) {
+      at += kStride;
+      continue;
+    }
+    const size_t stop = std::min(at + kStride, length - mark.size() + 1);
+    for (; at < stop; ++at) {
+      if (bytes[at] == first && std::memcmp(bytes + at, mark.data(), mark.size()) == 0)
+        return at + mark.size();
+    }
+  }
+  return 0;
+}
+
+}  // namespace
+
+BlockReader::BlockReader(const BlockMarks& marks, size_t bufferSize)
+    : marks_(marks), buffer_(std::max(bufferSize, marks.start.size() + marks.end.size() + 1)) {}
+
+bool BlockReader::Feed(std::span<const uint8_t>& input) {
+  if (complete_) BeginHunt();
+  while (!input.empty()) {
+    if (!collecting_) {
+      Hunt(input);
+    } else if (Collect(input)) {
+      return true;
+    }
+  }
+  return false;
+}
+
+void BlockReader::BeginHunt() {
+  collecting_ = false;
+  complete_ = false;
+  matched_ = 0;
+  length_ = 0;
+}
+
+void BlockReader::Hunt(std::span<const uint8_t>& input) {
+  const auto first = static_cast<uint8_t>(marks_.start[0]);
+  while (!input.empty()) {
+    if (matched_ == 0) {
+      const void* found = std::memchr(input.data(), first, input.size());
+      if (found == nullptr) {
+        input = {};
+        return;
+      }
+      input = input.subspan(static_cast<size_t>(static_cast<const uint8_t*>(found) - input.data()));
+    }
+    const uint8_t byte = input[0];
+    input = input.subspan(1);
+    if (byte == static_cast<uint8_t>(marks_.start[matched_])) {
+      ++matched_;
+    } else {
+      matched_ = byte == first ? 1 : 0;
+    }
+    if (matched_ == marks_.start.size()) {
+      std::memcpy(buffer_.data(), marks_.start.data(), matched_);
+      length_ = matched_;
+      collecting_ = true;
+      return;
+    }
+  }
+}
+
+// Copies a piece behind what was gathered and looks for the end mark in it, beginning where one could still
+// stand across the seam.
+bool BlockReader::Collect(std::span<const uint8_t>& input) {
+  const size_t room = buffer_.size() - 1 - length_;
+  if (room == 0) {
+    ++oversized_;
+    BeginHunt();
+    return false;
+  }
+  const size_t before = length_;
+  const size_t count = std::min({input.size(), room, kPiece});
+  std::memcpy(buffer_.data() + before, input.data(), count);
+  const size_t seam = marks_.end.size() - 1;
+  const size_t from = std::max(marks_.start.size(), before > seam ? before - seam : 0);
+  const size_t end = FindEnd(buffer_.data(), from, before + count, marks_.end);
+  if (end == 0) {
+    length_ = before + count;
+    input = input.subspan(count);
+    return false;
+  }
+  input = input.subspan(end - before);
+  length_ = end;
+  buffer_[length_] = 0;
+  complete_ = true;
+  return true;
+}
+
+}  // namespace tw

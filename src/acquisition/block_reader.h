@@ -1,0 +1,60 @@
+// Finds blocks in a byte stream: a start mark, anything, an end mark. Echo text of the first device family:
+//
+//   ...noise...#DeviceID KT-1042<CR><LF>#TimeWork 12.034<CR><LF>...##DataStart<CR><LF>
+//   17<CR><LF>23<CR><LF>...<CR><LF><CR><LF><CR><LF>
+//
+// Getting back in step: bytes outside a block are dropped; a mismatch inside a mark restarts the comparison,
+// counting the byte as a first match when it equals the mark's first byte; a block that outgrows the buffer
+// is dropped whole and the hunt for the next start begins. A pure state machine; one thread at a time.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string_view>
+#include <vector>
+
+namespace tw {
+
+// The marks must be such that the restart rule finds every occurrence (no proper prefix of more than one byte
+// is also a suffix of a longer prefix after the mismatch); both echo text forms are.
+struct BlockMarks {
+  std::string_view start;
+  std::string_view end;
+};
+
+inline constexpr BlockMarks kEchoTextMarks{"#DeviceID ", "\r\n\r\n\r\n"};
+inline constexpr size_t kBlockBufferSize = 256'000;  // a block and its terminating zero
+
+class BlockReader {
+ public:
+  explicit BlockReader(const BlockMarks& marks, size_t bufferSize = kBlockBufferSize);
+
+  // Takes bytes off the front of `input` until a block is complete or the input is used up. True: Block()
+  // holds it, from its start mark through its end mark, until the next call; the rest of the input is still
+  // to be fed.
+  [[nodiscard]] bool Feed(std::span<const uint8_t>& input);
+
+  // The last complete block. A zero follows its last byte.
+  [[nodiscard]] std::string_view Block() const {
+    return {reinterpret_cast<const char*>(buffer_.data()), length_};
+  }
+
+  // Blocks that were dropped because they outgrew the buffer.
+  [[nodiscard]] uint64_t Oversized() const { return oversized_; }
+
+ private:
+  void Hunt(std::span<const uint8_t>& input);
+  bool Collect(std::span<const uint8_t>& input);
+  void BeginHunt();
+
+  BlockMarks marks_;
+  std::vector<uint8_t> buffer_;
+  size_t length_ = 0;
+  size_t matched_ = 0;  // of the start mark, while hunting
+  bool collecting_ = false;
+  bool complete_ = false;
+  uint64_t oversized_ = 0;
+};
+
+}  // namespace tw

@@ -1,0 +1,68 @@
+#include "acquisition/echo_text_worker.h"
+
+#include <algorithm>
+
+#include "acquisition/echo_text.h"
+
+namespace tw {
+namespace {
+
+constexpr int32_t kTenBitMode = 2;
+constexpr uint16_t kTenBitFactor = 4;
+
+// The values of the last block of this mode stand in the ping's header; those that the header has no place
+// for do not outlive a block.
+EchoTextHeader PreviousValues(const PingHeader& header) {
+  EchoTextHeader values{};
+  values.deviceSeconds = header.deviceSeconds;
+  values.deviceMilliseconds = header.deviceMilliseconds;
+  values.sampleCount = static_cast<int32_t>(header.sampleCount);
+  values.samplingFrequency_hz = static_cast<int32_t>(header.samplingFrequency_hz);
+  values.altitude_m = header.altitude_m;
+  values.temperature_c = header.temperature_c;
+  values.pitch_deg = header.pitch_deg;
+  values.roll_deg = header.roll_deg;
+  values.ping = header.ping;
+  values.txFrequency_hz = header.txFrequency_hz;
+  return values;
+}
+
+void TakeValues(const EchoTextHeader& values, PingHeader& header) {
+  header.sampleCount = static_cast<uint32_t>(values.sampleCount);
+  header.samplingFrequency_hz = static_cast<uint32_t>(std::max(values.samplingFrequency_hz, 0));
+  header.altitude_m = values.altitude_m;
+  header.temperature_c = values.temperature_c;
+  header.pitch_deg = values.pitch_deg;
+  header.roll_deg = values.roll_deg;
+  header.ping = values.ping;
+  header.txFrequency_hz = values.txFrequency_hz;
+}
+
+bool ParseBlock(std::string_view block, const LiveContext& context, LivePing& ping) {
+  EchoTextHeader values = PreviousValues(ping.header);
+  const ParsedEchoText parsed =
+      ParseEchoTextHeader(block, context.configuredSampling_hz, context.configuredTx_hz, values);
+  if (context.dual && !parsed.hasTxFrequency) return false;
+  ping.secondChannel = context.dual && (values.txFrequency_hz == context.lowFrequency_hz ||
+                                        values.txFrequency_hz == context.virtualLowFrequency_hz);
+  TakeValues(values, ping.header);
+
+  const std::span<uint16_t> samples(ping.buffers[ping.secondChannel ? 1 : 0], ping.header.sampleCount);
+  std::fill(samples.begin(), samples.end(), uint16_t{0});
+  static_cast<void>(ReadSampleLines(parsed.dataLines, samples));
+  ping.samples = samples;
+  ping.factor = context.outputMode == kTenBitMode ? kTenBitFactor : 1;
+  return true;
+}
+
+}  // namespace
+
+static_assert(kMaxPingSamples == kMaxTextSamples);
+
+const LiveMode kFirstFamilyEchoText{kEchoTextMarks, ParseBlock};
+
+void EchoTextWorker(void* state) {
+  RunLiveWorker(*static_cast<AppState*>(state), kFirstFamilyEchoText);
+}
+
+}  // namespace tw

@@ -1,0 +1,30 @@
+// What a live worker tells the operator: the size of the recording or, without one, the ping line, at most
+// once a second; losses of input go to the debug output. Acquisition worker only.
+#pragma once
+
+#include <cstdint>
+
+#include "acquisition/ping_record.h"
+#include "app/app_state.h"
+#include "app/posts.h"
+
+namespace tw {
+
+class LiveReport {
+ public:
+  explicit LiveReport(AppState& state) : state_(state) {}
+
+  // After each ping; `recorded` is the number of bytes recorded in this run.
+  void Show(const PingHeader& ping, uint64_t recorded, uint32_t now_ms);
+
+  // The line's losses of input so far.
+  void NoteOverruns(uint32_t overruns);
+
+ private:
+  AppState& state_;
+  uint32_t last_ms_ = 0;
+  bool begun_ = false;
+  uint32_t overruns_ = 0;
+};
+
+}  // namespace tw

@@ -1,0 +1,229 @@
+#include "acquisition/live_worker.h"
+
+#include <algorithm>
+#include <cstring>
+#include <memory>
+#include <new>
+
+#include "acquisition/byte_source.h"
+#include "acquisition/live_report.h"
+#include "acquisition/record_file.h"
+#include "acquisition/store_ping.h"
+#include "acquisition/time_marks.h"
+#include "base/shared_value.h"
+#include "gps/nmea_build.h"
+#include "platform/clock.h"
+
+namespace tw {
+namespace {
+
+constexpr uint32_t kSilenceLimit_ms = 60'000;
+constexpr size_t kSentenceSize = 256;
+constexpr std::string_view kPingEnd = "\r\n\r\n";
+constexpr size_t kRecordBufferSize = kBlockBufferSize + 2 * kSentenceSize + kPingEnd.size();
+
+// What the worker knows of one channel.
+struct Channel {
+  RecordChannel record;
+  RingWriter ring;
+  MarkList& marks;
+  uint32_t previous_ms = 0;
+  uint32_t interval_ms = 0;  // measured; 0 until two pings have come
+  bool begun = false;
+};
+
+LiveContext ContextOf(const AppState& state) {
+  const DeviceSettings& settings = state.settings;
+  return {LoadShared(globals.dualMode) != 0, settings.outputMode,      settings.samplingFrequency_hz,
+          settings.frequencyInUse_hz,        settings.lowFrequency_hz, settings.virtualLowFrequency_hz};
+}
+
+// One run of the worker, from its start to its end. On the heap, since a worker that hangs may still be there
+// when the next one starts.
+class LiveRun {
+ public:
+  LiveRun(AppState& state, const LiveMode& mode)
+      : state_(state),
+        mode_(mode),
+        context_(ContextOf(state)),
+        runNumber_(LoadShared(state.runNumber)),
+        source_(LoadShared(state.devicePort)),
+        reader_(mode.marks),
+        channels_{{RecordChannel::a,
+                   {state.ringA, &state.ringIndexA, &state.ringLockA, globals.slotReachA},
+                   globals.marksA},
+                  {RecordChannel::b,
+                   {state.ringB, &state.ringIndexB, &state.ringLockB, globals.slotReachB},
+                   globals.marksB}},
+        report_(state) {
+    // A stream that sends no attitude shows none.
+    ping_.header.pitch_deg = kNoAttitude;
+  }
+
+  void Run() {
+    Begin();
+    while (!StopAsked() && Pass()) {
+    }
+    End();
+  }
+
+ private:
+  void Begin() {
+    int32_t index = 0;
+    {
+      Locked held(state_.ringLockA);
+      index = state_.ringIndexA;
+    }
+    Locked held(state_.ringLockB);
+    state_.ringIndexB = index;
+    StoreShared(globals.attitudePresent, 1);
+  }
+
+  // The event is auto-reset, so a poll that sees it must remember it.
+  bool StopAsked() {
+    stopped_ = stopped_ || WaitForEvent(state_.stopEvent, 0);
+    return stopped_;
+  }
+
+  [[nodiscard]] bool Stale() const { return LoadShared(state_.runNumber) != runNumber_; }
+
+  // One pass of the loop; false ends it.
+  bool Pass() {
+    if (Stale()) return false;
+    const ReadResult result = ReadBlock(source_, reader_);
+    if (Stale()) return false;
+    report_.NoteOverruns(source_.Overruns());
+    switch (result) {
+      case ReadResult::failed:
+        StoreShared(state_.linkLost, 1);
+        return false;
+      case ReadResult::nothing:
+        NoteSilence();
+        return true;
+      case ReadResult::pending:
+        return true;
+      case ReadResult::complete:
+        fresh_ = true;
+        TakeBlock(reader_.Block());
+        return true;
+    }
+    return false;
+  }
+
+  void NoteSilence() {
+    const uint32_t now_ms = MillisecondClock();
+    if (fresh_) {
+      silentSince_ms_ = now_ms;
+      fresh_ = false;
+    } else if (now_ms - silentSince_ms_ > kSilenceLimit_ms && LoadShared(state_.linkLost) == 0) {
+      StoreShared(state_.linkLost, 1);
+    }
+  }
+
+  void TakeBlock(std::string_view block) {
+    if (!mode_.parse(block, context_, ping_)) return;
+    Channel& channel = channels_[ping_.secondChannel ? 1 : 0];
+    const uint32_t now_ms = MillisecondClock();
+    MeasureInterval(channel, now_ms);
+    ping_.header.timeOfWork_s = static_cast<uint32_t>(UnixMilliseconds() / 1000);
+    ping_.header.range_m = RangeOf(channel);
+    const size_t sentences = TakePosition();
+    image_.Build(ping_.header, ping_.samples, ping_.factor);
+    StorePing(channel.ring, image_, now_ms);
+    Publish(channel);
+    if (LoadShared(globals.timestampTicked) != 0) {
+      AddMark(channel.marks, MarksOf(channel), ping_.header.timeOfWork_s);
+    }
+    Record(channel, block, sentences);
+    report_.Show(ping_.header, recorded_, now_ms);
+  }
+
+  void MeasureInterval(Channel& channel, uint32_t now_ms) {
+    if (channel.begun && now_ms != channel.previous_ms) channel.interval_ms = now_ms - channel.previous_ms;
+    channel.begun = true;
+    channel.previous_ms = now_ms;
+    StoreShared(globals.measuredPingInterval_ms, static_cast<float>(channel.interval_ms));
+  }
+
+  // Until two pings have come the interval that was set stands for the measured one.
+  [[nodiscard]] int32_t MarksOf(const Channel& channel) const {
+    if (channel.interval_ms == 0) return LoadShared(globals.marksAtStart);
+    return MarkInterval(context_.dual ? kDualMarkPeriod_s : kSingleMarkPeriod_s, channel.interval_ms);
+  }
+
+  [[nodiscard]] float RangeOf(const Channel& channel) const {
+    const DeviceSettings& settings = state_.settings;
+    const bool low = context_.dual ? channel.record == RecordChannel::b
+                                   : settings.frequencyInUse_hz == settings.lowFrequency_hz;
+    return static_cast<float>(RangeInMillimetres(low ? settings.rangeLow_mm : settings.rangeHigh_mm)) /
+           1000.0f;
+  }
+
+  // Copies the position into the ping and builds its sentences at the place behind the block; returns their
+  // length.
+  size_t TakePosition() {
+    Locked held(state_.gpsLock);
+    PingHeader& header = ping_.header;
+    header.gpsLatitude_rad = globals.gpsLatitude_rad;
+    header.gpsLongitude_rad = globals.gpsLongitude_rad;
+    header.gpsAltitude_m = static_cast<float>(globals.fix.elevation_m);
+    header.gpsTime_s = globals.gpsTime_s;
+    header.gpsPdop = globals.gpsPdop;
+    header.gpsValid = globals.gpsQuality > 0 ? 1 : 0;
+    const bool gn = globals.gpsTalkerGn != 0;
+    const size_t gga = BuildGga({sentences_, kSentenceSize}, globals.fix, gn);
+    return gga + BuildRmc({sentences_ + gga, kSentenceSize}, globals.fix, gn);
+  }
+
+  void Publish(const Channel& channel) const {
+    StoreShared(globals.pingCounter, ping_.header.ping);
+    StoreShared(
+        channel.record == RecordChannel::a ? globals.latestAltitudeHigh_m : globals.latestAltitudeLow_m,
+        ping_.header.altitude_m);
+  }
+
+  // Block, sentences and line ends in one write, so that nothing can come between them.
+  void Record(const Channel& channel, std::string_view block, size_t sentences) {
+    if (!WaitForEvent(state_.recordingEvent, 0)) return;
+    char* out = std::copy(block.begin(), block.end(), record_);
+    out = std::copy_n(sentences_, sentences, out);
+    out = std::copy(kPingEnd.begin(), kPingEnd.end(), out);
+    recorded_ += WriteRecord(state_, channel.record, {record_, static_cast<size_t>(out - record_)});
+  }
+
+  void End() {
+    if (Stale()) return;
+    if (recorded_ == 0) DeleteEmptyRecordFiles(state_);
+    CloseBothRecordFiles(state_);
+  }
+
+  AppState& state_;
+  const LiveMode& mode_;
+  const LiveContext context_;
+  const uint32_t runNumber_;
+  ByteSource source_;
+  BlockReader reader_;
+  Channel channels_[2];
+  LiveReport report_;
+  bool stopped_ = false;
+  bool fresh_ = true;
+  uint32_t silentSince_ms_ = 0;
+  uint64_t recorded_ = 0;
+  LivePing ping_{};
+  SlotImage image_{};
+  char sentences_[2 * kSentenceSize];
+  char record_[kRecordBufferSize];
+};
+
+}  // namespace
+
+void RunLiveWorker(AppState& state, const LiveMode& mode) {
+  const std::unique_ptr<LiveRun> run(new (std::nothrow) LiveRun(state, mode));
+  if (run == nullptr) {
+    StoreShared(state.linkLost, 1);  // the operator hears of it as of a dead line
+    return;
+  }
+  run->Run();
+}
+
+}  // namespace tw

@@ -1,0 +1,38 @@
+// Output modes: what a device can be told to stream. A code means something only together with the device
+// family. Pure; any thread.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string_view>
+
+namespace tw {
+
+using OutputMode = int32_t;
+
+inline constexpr OutputMode kAltimeterNmea = 3;
+inline constexpr OutputMode kPlayedBinary = 102;  // what 100 and 101 become when they are read from a file
+
+struct OutputModeName {
+  OutputMode code;
+  std::wstring_view name;
+};
+
+// The modes that the selector offers for a family (2, 0 or 1), in its order.
+[[nodiscard]] std::span<const OutputModeName> OfferedModes(int32_t family);
+
+// The code behind a name of the family's list: exact, case-sensitive, the first match. False when the list
+// has no such name.
+[[nodiscard]] bool ModeOfName(int32_t family, std::wstring_view name, OutputMode& mode);
+
+// The name in the family's list; empty when the list has no such code.
+[[nodiscard]] std::wstring_view NameOfMode(int32_t family, OutputMode mode);
+
+// The mode that a run is started with: the given one when the family accepts it, else 3. Families 2 and 0
+// share their list, so 100 and 101 are accepted from family 0 although they are not offered there.
+[[nodiscard]] OutputMode AcceptedMode(int32_t family, OutputMode mode);
+
+// True when the mode's stream carries echo samples.
+[[nodiscard]] bool CarriesEchoSamples(int32_t family, OutputMode mode);
+
+}  // namespace tw

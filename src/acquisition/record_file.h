@@ -1,0 +1,42 @@
+// The record files of a run, shared by the GUI thread, which opens and closes them, and the acquisition
+// worker, which writes. Nobody waits for a disk and no handle is used after it was closed: the worker says
+// which file it is writing to (the busy field); who closes a file takes it out of the state record and leaves
+// the closing to the worker when that file is busy. The fields are those of the state record, under
+// recordLock.
+#pragma once
+
+#include <cstdint>
+#include <span>
+
+#include "app/app_state.h"
+
+namespace tw {
+
+enum class RecordChannel : uint8_t { a, b };
+
+// Puts an open file into the field; a file that stood there is closed. GUI thread.
+void PutRecordFile(AppState& state, RecordChannel channel, Handle file);
+
+// Closes the channel's file and marks it invalid. Any thread.
+void CloseRecordFile(AppState& state, RecordChannel channel);
+
+// Both files.
+void CloseBothRecordFiles(AppState& state);
+
+[[nodiscard]] bool IsRecordFileOpen(AppState& state, RecordChannel channel);
+
+// Writes one whole ping in one write and returns the bytes recorded: all of them, or 0. When there is no open
+// file nothing happens. When the disk takes less than all, the file is cut back to the last whole ping and
+// closed, silently. Acquisition worker only.
+[[nodiscard]] uint32_t WriteRecord(AppState& state, RecordChannel channel, std::span<const char> ping);
+
+// The end of a run that recorded nothing: writes one CR into each open file (a file of length 0 has no name
+// to be found), looks up its name, closes and deletes it. Acquisition worker only.
+void DeleteEmptyRecordFiles(AppState& state);
+
+inline constexpr size_t kSizeTextSize = 64;
+
+// "File size: %llu%s": Bytes to 1,024, KB to 10,485,760, then MB; integer division. Pure.
+void FormatFileSize(std::span<wchar_t> text, uint64_t size_bytes);
+
+}  // namespace tw

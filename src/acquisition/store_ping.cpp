@@ -1,0 +1,84 @@
+#include "acquisition/store_ping.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "base/bytes.h"
+
+namespace tw {
+namespace {
+
+// The view reads slots while they are written, on purpose and without a lock; so this is a loop of our own
+// that the race detector does not watch.
+__attribute__((no_sanitize("thread"))) void CopyToSlot(uint8_t* slot, const uint8_t* bytes, size_t count,
+                                                       size_t oldReach) {
+#if defined(__SANITIZE_THREAD__)
+  for (size_t i = 0; i < count; ++i) static_cast<volatile uint8_t*>(slot)[i] = bytes[i];
+  for (size_t i = count; i < oldReach; ++i) static_cast<volatile uint8_t*>(slot)[i] = 0;
+#else
+  std::memcpy(slot, bytes, count);
+  if (oldReach > count) std::memset(slot + count, 0, oldReach - count);
+#endif
+}
+
+void FillSlot(RingWriter& writer, int32_t index, const SlotImage& image) {
+  uint16_t& reach = writer.reach[index];
+  CopyToSlot(writer.ring->slots[index], image.bytes, image.reach, reach);
+  reach = static_cast<uint16_t>(image.reach);
+}
+
+uint32_t TakeTicks(RingWriter& writer, uint32_t now_ms) {
+  if (!writer.begun) {
+    writer.begun = true;
+    writer.last_ms = now_ms;
+    writer.remainder_ms = 0;
+    return 1;
+  }
+  const uint32_t difference_ms = now_ms - writer.last_ms;
+  writer.last_ms = now_ms;
+  if (static_cast<int32_t>(difference_ms) < 0) return 0;
+  const uint64_t elapsed_ms = uint64_t{difference_ms} + writer.remainder_ms;
+  writer.remainder_ms = static_cast<uint32_t>(elapsed_ms % kTick_ms);
+  return static_cast<uint32_t>(elapsed_ms / kTick_ms);
+}
+
+}  // namespace
+
+static_assert(kSlotSize <= UINT16_MAX);
+
+void SlotImage::Build(const PingHeader& header, std::span<const uint16_t> samples, uint16_t factor) {
+  StorePingHeader(bytes, header);
+  std::memset(bytes + frame::kWrittenHeaderLength, 0, frame::kSampleGap);
+  reach = kSlotSamples;
+  const uint32_t frequency_hz = header.samplingFrequency_hz;
+  if (frequency_hz == 0 || frequency_hz > kGridFrequency_hz) return;
+  const size_t repeat = kGridFrequency_hz / frequency_hz;
+  const size_t room = kMaxSlotSamples;
+  uint8_t* out = bytes + kSlotSamples;
+  size_t used = 0;
+  for (const uint16_t sample : samples) {
+    const auto value = static_cast<uint16_t>(std::min<uint32_t>(uint32_t{sample} * factor, UINT16_MAX));
+    const size_t end = std::min(used + repeat, room);
+    for (; used < end; ++used) StoreLe(out + 2 * used, value);
+    if (used == room) break;
+  }
+  reach += 2 * used;
+}
+
+void StorePing(RingWriter& writer, const SlotImage& image, uint32_t now_ms) {
+  int32_t index = 0;
+  {
+    Locked held(*writer.lock);
+    index = *writer.index;
+  }
+  const uint32_t ticks = TakeTicks(writer, now_ms);
+  FillSlot(writer, index, image);
+  const uint32_t copies = std::min<uint32_t>(ticks, kRingSlots - 1);
+  for (uint32_t i = 1; i <= copies; ++i) {
+    FillSlot(writer, static_cast<int32_t>((static_cast<uint32_t>(index) + i) % kRingSlots), image);
+  }
+  Locked held(*writer.lock);
+  *writer.index = static_cast<int32_t>((static_cast<uint64_t>(index) + ticks) % kRingSlots);
+}
+
+}  // namespace tw

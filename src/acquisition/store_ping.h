@@ -1,0 +1,43 @@
+// Putting pings into a ring: one function for live and played pings. The record is built aside and copied
+// once, so that the slot on view never flickers. Called by the one worker that writes the ring.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+#include "acquisition/ping_ring.h"
+#include "platform/sync.h"
+
+namespace tw {
+
+// A ring as its writer sees it, and the writer's place in time.
+struct RingWriter {
+  PingRing* ring;
+  int32_t* index;  // published under `lock`
+  Lock* lock;
+  uint16_t* reach;  // kRingSlots entries: bytes of each slot that are in use
+  uint32_t last_ms = 0;
+  uint32_t remainder_ms = 0;
+  bool begun = false;
+};
+
+// One slot's bytes, built aside.
+struct SlotImage {
+  uint8_t bytes[kSlotSize];
+  size_t reach = 0;  // bytes in use, from the front
+
+  // Header and samples on the 100 kHz grid: each sample is repeated 100,000 / Fs times, multiplied by
+  // `factor` (cut at 65,535). A sampling frequency of 0 or above 100,000 gives no samples; what lies beyond
+  // the slot is cut.
+  void Build(const PingHeader& header, std::span<const uint16_t> samples, uint16_t factor);
+};
+
+// Puts the ping into the slot at the write index, advances the index by the 100-ms ticks that have passed
+// since the last advance (the remainder carries over; the first ping counts as one tick), puts a copy into
+// each slot stepped over, the new one included, and publishes the index. `now_ms` is a millisecond clock that
+// may wrap; when it goes backwards no tick passes and time counts from there. From 10,000 ticks on each slot
+// is filled once.
+void StorePing(RingWriter& writer, const SlotImage& image, uint32_t now_ms);
+
+}  // namespace tw

@@ -1,0 +1,28 @@
+// The time marks of one channel: a numbered text per ping, drawn across the echogram while "Timestamp" is
+// ticked. The list belongs to the process; its lock guards it between the worker and the view.
+#pragma once
+
+#include <cstdint>
+#include <span>
+
+#include "app/app_state.h"
+
+namespace tw {
+
+inline constexpr float kSingleMarkPeriod_s = 30.0f;
+inline constexpr float kDualMarkPeriod_s = 15.0f;
+
+// How many pings lie between two marks: the period over the interval, truncated; 0 for an interval of 0.
+[[nodiscard]] int32_t MarkInterval(float period_s, uint32_t pingInterval_ms);
+
+void ClearMarks(MarkList& marks);
+
+// Counts a ping: when `interval_pings` have come since the last mark the number rises. The ping's text goes
+// to the head of the list, which keeps the newest 1,490.
+void AddMark(MarkList& marks, int32_t interval_pings, uint32_t time_s);
+
+// Copies the text of the ping that came `age` pings ago (0 = newest). False when the list does not reach so
+// far.
+[[nodiscard]] bool CopyMark(MarkList& marks, int32_t age, std::span<char, kMarkTextSize> text);
+
+}  // namespace tw

@@ -1,0 +1,55 @@
+#include "gps/position_text.h"
+
+#include <cmath>
+#include <numbers>
+
+#include "base/text_format.h"
+
+namespace tw {
+namespace {
+
+constexpr double kRadiansPerDegree = 0.017453292519943295;
+
+struct DegreesMinutes {
+  int degrees;
+  double minutes;
+};
+
+DegreesMinutes Split(float radians) {
+  const double angle_deg = std::fabs(static_cast<double>(radians)) * 180.0 / std::numbers::pi;
+  if (!(angle_deg < 1'000'000.0)) return {0, 0.0};
+  const int degrees = static_cast<int>(angle_deg);
+  return {degrees, (angle_deg - degrees) * 60.0};
+}
+
+const char* FixWord(int32_t fixType) {
+  return fixType == 1 ? "N/A" : fixType == 2 ? "2D" : "3D";
+}
+
+}  // namespace
+
+double RadiansFromDegreesMinutes(double ddmm) {
+  const double degrees = std::trunc(ddmm / 100.0);
+  return (degrees + (ddmm - degrees * 100.0) / 60.0) * kRadiansPerDegree;
+}
+
+const char* PdopWord(float pdop) {
+  if (pdop == 0.0f) return "N/A";
+  if (pdop < 1.0f) return "Ideal";
+  if (pdop < 2.0f) return "Excellent";
+  if (pdop < 5.0f) return "Good";
+  if (pdop < 10.0f) return "Moderate";
+  if (pdop < 20.0f) return "Fair";
+  return "Poor";
+}
+
+void FormatPosition(std::span<wchar_t> text, const PositionValues& values) {
+  const DegreesMinutes latitude = Split(values.latitude_rad);
+  const DegreesMinutes longitude = Split(values.longitude_rad);
+  FormatWide(text, "Position(%s): %3d° %07.4f′ %s, %3d° %07.4f′ %s, PDOP: %4.1f (%s)",
+             FixWord(values.fixType), latitude.degrees, latitude.minutes, values.latitude_rad > 0 ? "N" : "S",
+             longitude.degrees, longitude.minutes, values.longitude_rad > 0 ? "E" : "W",
+             static_cast<double>(values.pdop), PdopWord(values.pdop));
+}
+
+}  // namespace tw

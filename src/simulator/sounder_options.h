@@ -1,0 +1,70 @@
+// How a virtual echosounder is built and what is wrong with it. Values outside the ranges given are brought
+// to the nearest bound when the device is made.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "simulator/instrument.h"
+
+namespace tw::sim {
+
+// The generations of the device; each has its own keywords and streams.
+enum class DeviceFamily : uint8_t { first = 1 };
+
+enum class InterfaceWord : uint8_t { rs232, rs485, usb };
+
+enum class PromptStyle : uint8_t {
+  whole,          // CR LF >
+  missing,        // nothing
+  split,          // CR LF, a pause, >
+  doubledReturn,  // CR CR LF >
+};
+
+enum class BlockFault : uint8_t {
+  none,
+  noEndMark,   // the two empty lines are left out
+  missingKey,  // the line with one key is left out
+  oversize,    // the samples go on until the block is longer than 256,000 bytes
+};
+
+struct SounderFaults {
+  InstrumentFaults instrument = {};
+  int32_t replyDelay_ms = 0;  // 0 to 60,000, before each reply at the prompt
+  PromptStyle prompt = PromptStyle::whole;
+  bool splitEndMark = false;   // "Data", a pause, "End"
+  int32_t splitPause_ms = 50;  // 0 to 60,000, of a split prompt or end mark
+  BlockFault block = BlockFault::none;
+  int32_t blockEvery = 1;                 // 1 to 1,000,000: each how-manieth block has the block fault
+  std::string missingKey = {};            // as it stands in the block: "#Altitude"
+  int32_t garbageBytes = 0;               // 0 to 65,536, behind each block
+  bool deaf = false;                      // streams on, whatever it is told
+  bool chatter = false;                   // sends a line of noise every 100 ms while it is at the prompt
+  std::vector<std::string> refused = {};  // keywords that are answered with "Error"
+  std::vector<std::string> mute = {};     // keywords that get no answer at all
+};
+
+struct SounderOptions {
+  uint64_t seed = 1;
+  DeviceFamily family = DeviceFamily::first;
+  std::string identity = "VIRTUAL-0001";  // at most 95 characters
+  InterfaceWord interfaceWord = InterfaceWord::rs232;
+  int32_t baud = 115'200;                 // 300 to 12,000,000
+  int64_t delivery_us = 0;                // 0: byte by byte; else bytes arrive in bursts at its multiples
+  int32_t outputMode = 2;                 // one that the family can stream, else 2
+  double pingsPerSecond = 0.0;            // 0: automatic, 10 a second; else 1 to 50
+  int32_t sampleCount = 0;                // 0: follows range and sampling frequency; else 100 to 12,000
+  int32_t samplingFrequency_hz = 25'000;  // 1,000 to 100,000
+  int32_t range_mm = 30'000;              // 1,000 to 200,000, both channels
+  double depth_m = 12.0;                  // 0.5 to 200, of the sea bed
+  double relief_m = 2.5;                  // 0 to half the depth
+  bool lowFrequency = false;              // the channel in use at power-on
+  bool dual = false;                      // both channels at power-on
+  bool streaming = false;                 // pings at power-on instead of standing at its prompt
+  uint32_t startTime_s = 1'700'000'000;   // the device's clock at time 0, seconds since 1970
+  size_t logSize = 16'384;                // entries kept of each log
+  SounderFaults faults = {};
+};
+
+}  // namespace tw::sim

@@ -1,0 +1,356 @@
+#include "simulator/virtual_echosounder.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "simulator/seeded_noise.h"
+
+namespace tw::sim {
+namespace {
+
+constexpr int64_t kAutomaticInterval_us = 100'000;
+constexpr int64_t kShortestInterval_us = 20'000;
+constexpr int64_t kChatterPeriod_us = 100'000;
+constexpr int64_t kMicrosecondsPerMillisecond = 1'000;
+constexpr size_t kLeastSamples = 100;
+constexpr size_t kMostSamples = 12'000;
+constexpr size_t kMostUntaken = 8 << 20;
+constexpr size_t kLongestIdentity = 95;
+
+double Within(double value, double least, double most) {
+  return value >= least ? std::min(value, most) : least;  // what is not a number is the least
+}
+
+SounderOptions WithinBounds(SounderOptions options) {
+  options.identity.resize(std::min(options.identity.size(), kLongestIdentity));
+  options.baud = std::clamp(options.baud, 300, 12'000'000);
+  options.delivery_us = std::clamp<int64_t>(options.delivery_us, 0, 1'000'000);
+  if (FindStreamMode(options.family, options.outputMode) == nullptr) options.outputMode = 2;
+  const bool automatic = !(options.pingsPerSecond > 0.0);
+  options.pingsPerSecond = automatic ? 0.0 : Within(options.pingsPerSecond, 1.0, 50.0);
+  if (options.sampleCount != 0) {
+    options.sampleCount = std::clamp(options.sampleCount, static_cast<int32_t>(kLeastSamples),
+                                     static_cast<int32_t>(kMostSamples));
+  }
+  options.samplingFrequency_hz = std::clamp(options.samplingFrequency_hz, 1'000, 100'000);
+  options.range_mm = std::clamp(options.range_mm, 1'000, 200'000);
+  options.depth_m = Within(options.depth_m, 0.5, 200.0);
+  options.relief_m = Within(options.relief_m, 0.0, options.depth_m / 2);
+  options.logSize = std::min<size_t>(options.logSize, 1 << 20);
+  SounderFaults& faults = options.faults;
+  faults.replyDelay_ms = std::clamp(faults.replyDelay_ms, 0, 60'000);
+  faults.splitPause_ms = std::clamp(faults.splitPause_ms, 0, 60'000);
+  faults.blockEvery = std::clamp(faults.blockEvery, 1, 1'000'000);
+  faults.garbageBytes = std::clamp(faults.garbageBytes, 0, 65'536);
+  return options;
+}
+
+bool Holds(const std::vector<std::string>& words, std::string_view word) {
+  return std::find(words.begin(), words.end(), word) != words.end();
+}
+
+int32_t Centi(double value) {
+  return static_cast<int32_t>(std::lround(value * 100.0));
+}
+
+}  // namespace
+
+uint64_t HashOf(std::span<const uint8_t> bytes) {
+  uint64_t hash = 0xCBF29CE484222325u;
+  for (const uint8_t byte : bytes) hash = (hash ^ byte) * 0x100000001B3u;
+  return hash;
+}
+
+VirtualEchosounder::VirtualEchosounder(const SounderOptions& options, PingObserver* observer)
+    : options_(WithinBounds(options)),
+      observer_(observer),
+      prompt_(options_),
+      seaBed_{options_.seed, options_.depth_m, options_.relief_m},
+      line_(options_.baud, options_.delivery_us),
+      streaming_(options_.streaming),
+      pings_(options_.logSize),
+      bytes_(options_.logSize),
+      commands_(options_.logSize) {
+  samples_.reserve(kMostSamples);
+}
+
+// Sending.
+
+size_t VirtualEchosounder::Send(std::span<uint8_t> out, int64_t now_us) {
+  Advance(now_us);
+  return line_.Take(out, now_us);
+}
+
+size_t VirtualEchosounder::Waiting(int64_t now_us) {
+  Advance(now_us);
+  return line_.Ready(now_us);
+}
+
+bool VirtualEchosounder::HungUp(int64_t now_us) const {
+  return options_.faults.instrument.HungUpAt(now_us);
+}
+
+int64_t VirtualEchosounder::NextSend_us(int64_t now_us) const {
+  const int64_t ready_us = line_.NextReady_us(now_us);
+  if (ready_us != kNever) return ready_us;
+  const int64_t begins_us = std::min(NextPing_us(), NextChatter_us());
+  if (HungUp(now_us) || begins_us == kNever || HungUp(begins_us)) return kNever;
+  return std::max(now_us, line_.FirstVisible_us(begins_us));
+}
+
+// Makes everything that begins by now, in the order of time.
+void VirtualEchosounder::Advance(int64_t now_us) {
+  if (hungUp_) return;
+  const bool ends = HungUp(now_us);
+  const int64_t until_us = ends ? options_.faults.instrument.hangUpAt_us : now_us;
+  for (int64_t at_us; (at_us = NextPing_us()) <= until_us;) {
+    if (line_.Untaken() > kMostUntaken) {
+      due_us_ = until_us + Interval_us();
+      break;
+    }
+    Ping(at_us);
+    due_us_ = at_us + Interval_us();
+  }
+  for (int64_t at_us; (at_us = NextChatter_us()) <= until_us;) {
+    if (line_.Untaken() <= kMostUntaken) Say("~?\r\n", at_us);
+    chatter_us_ = std::max(at_us, until_us - kChatterPeriod_us * 100) + kChatterPeriod_us;
+  }
+  EndPings(until_us);
+  if (!ends) return;
+  line_.CutUnsent(until_us);
+  EndPings(until_us);
+  hungUp_ = true;
+}
+
+int64_t VirtualEchosounder::Interval_us() const {
+  const int64_t interval_us = Settings().Thousandths(Setting::interval) * 1'000;
+  return interval_us == 0 ? kAutomaticInterval_us : std::max(interval_us, kShortestInterval_us);
+}
+
+int64_t VirtualEchosounder::NextPing_us() const {
+  if (!streaming_) return kNever;
+  return options_.faults.instrument.AfterSilence_us(std::max(due_us_, line_.Idle_us()));
+}
+
+int64_t VirtualEchosounder::NextChatter_us() const {
+  if (streaming_ || !options_.faults.chatter) return kNever;
+  return options_.faults.instrument.AfterSilence_us(chatter_us_);
+}
+
+// One ping.
+
+void VirtualEchosounder::Ping(int64_t start_us) {
+  ++number_;
+  ++pingIndex_;
+  sailed_s_ += static_cast<double>(Interval_us()) * 1e-6;
+  const SeaState sea = seaBed_.At(sailed_s_);
+  const bool both = Settings().Whole(Setting::simultaneous) != 0;
+  const bool low =
+      !both && Settings().Whole(Setting::frequencyInUse) == Settings().Whole(Setting::frequencyLow);
+  SendBlock(low, sea, start_us);
+  if (both) SendBlock(true, sea, line_.Idle_us());
+}
+
+double VirtualEchosounder::SamplesPerMetre() const {
+  const double sound_mps = static_cast<double>(Settings().Thousandths(Setting::sound)) / kThousand;
+  return 2.0 * static_cast<double>(Settings().Whole(Setting::samplingFrequency)) / sound_mps;
+}
+
+size_t VirtualEchosounder::SampleCount(bool low) const {
+  if (options_.sampleCount != 0) return static_cast<size_t>(options_.sampleCount);
+  const auto range_mm = Settings().Whole(low ? Setting::rangeLow : Setting::rangeHigh);
+  const auto count = static_cast<size_t>(static_cast<double>(range_mm) / 1'000.0 * SamplesPerMetre());
+  return std::clamp(count, kLeastSamples, kMostSamples);
+}
+
+void VirtualEchosounder::FillSamples(bool low, int32_t bottomIndex, int32_t bits) {
+  samples_.resize(SampleCount(low));
+  PaintEcho({.seed = options_.seed,
+             .pingIndex = pingIndex_,
+             .sailed_s = sailed_s_,
+             .samplesPerMetre = SamplesPerMetre(),
+             .bottomIndex = bottomIndex,
+             .lowFrequency = low},
+            samples_);
+  if (bits >= 12) return;
+  for (uint16_t& sample : samples_) sample = static_cast<uint16_t>(sample >> (12 - bits));
+}
+
+void VirtualEchosounder::SendBlock(bool low, const SeaState& sea, int64_t start_us) {
+  const auto mode = static_cast<int32_t>(Settings().Whole(Setting::output));
+  const StreamMode* stream = FindStreamMode(options_.family, mode);
+  if (stream == nullptr) return;
+  const auto bottom = static_cast<int32_t>(std::lround(sea.depth_m * SamplesPerMetre()));
+  FillSamples(low, bottom, stream->sampleBits);
+  const bool heard = static_cast<size_t>(bottom) < samples_.size();
+  const int64_t clock_ms = prompt_.Clock_ms(start_us);
+  const auto frequency = low ? Setting::frequencyLow : Setting::frequencyHigh;
+  const PingReport report = {
+      .identity = options_.identity,
+      .time_s = static_cast<uint32_t>(clock_ms / 1'000),
+      .time_ms = static_cast<uint32_t>(clock_ms % 1'000),
+      .outputMode = mode,
+      .samplingFrequency_hz = static_cast<int32_t>(Settings().Whole(Setting::samplingFrequency)),
+      .altitude_mm = heard ? static_cast<int32_t>(std::lround(bottom / SamplesPerMetre() * 1'000.0)) : 0,
+      .temperature_centi = Centi(sea.temperature_c),
+      .pitch_centi = Centi(sea.pitch_deg),
+      .roll_centi = Centi(sea.roll_deg),
+      .number = number_,
+      .txFrequency_hz = static_cast<int32_t>(Settings().Whole(frequency)),
+      .samples = samples_,
+  };
+  const SounderFaults& faults = options_.faults;
+  const bool faulty =
+      faults.block != BlockFault::none && ++blockIndex_ % static_cast<uint64_t>(faults.blockEvery) == 0;
+  BlockShape shape;
+  if (faulty) shape.fault = faults.block;
+  if (shape.fault == BlockFault::missingKey) shape.missingKey = faults.missingKey;
+  block_.clear();
+  stream->append(report, shape, block_);
+  Log({
+      .number = report.number,
+      .time_us = start_us,
+      .deviceTime_s = report.time_s,
+      .deviceTime_ms = report.time_ms,
+      .altitude_m = static_cast<float>(report.altitude_mm / 1'000.0),
+      .temperature_c = static_cast<float>(report.temperature_centi / 100.0),
+      .pitch_deg = static_cast<float>(report.pitch_centi / 100.0),
+      .roll_deg = static_cast<float>(report.roll_centi / 100.0),
+      .txFrequency_hz = report.txFrequency_hz,
+      .samplingFrequency_hz = report.samplingFrequency_hz,
+      .outputMode = report.outputMode,
+      .sampleCount = static_cast<uint32_t>(samples_.size()),
+      .bottomIndex = heard ? bottom : -1,
+      .offset = line_.End(),
+      .size = block_.size(),
+      .hash = HashOf(block_),
+      .faulty = faulty,
+      .whole = false,
+  });
+  line_.Put(block_, start_us);
+  SendGarbage();
+}
+
+void VirtualEchosounder::Log(SentPing ping) {
+  leaving_.push_back(ping);
+  if (observer_ != nullptr) observer_->PingMade(ping, samples_);
+}
+
+// Noise with starts of the marks that a reader hunts for.
+void VirtualEchosounder::SendGarbage() {
+  constexpr std::string_view kPieces[] = {"#Dev",      "\r\n\r\n", "#Device", "##DataStart\r\n",
+                                          "\xFF\x80~", "4095\r\n"};
+  const auto wanted = static_cast<size_t>(options_.faults.garbageBytes);
+  if (wanted == 0) return;
+  Dice dice(options_.seed ^ Mix(pingIndex_));
+  std::vector<uint8_t> garbage;
+  while (garbage.size() < wanted) {
+    const std::string_view piece = kPieces[dice.Below(std::size(kPieces))];
+    garbage.insert(garbage.end(), piece.begin(), piece.end());
+    garbage.push_back(static_cast<uint8_t>(dice.Below(256)));
+  }
+  garbage.resize(wanted);
+  line_.Put(garbage, 0);
+}
+
+// Moves the pings that have left, or that have been cut, into the log.
+void VirtualEchosounder::EndPings(int64_t now_us) {
+  const uint64_t left = line_.Left(now_us);
+  const uint64_t end = line_.End();
+  while (!leaving_.empty()) {
+    SentPing& ping = leaving_.front();
+    ping.whole = ping.offset + ping.size <= left;
+    const bool cut = ping.offset + ping.size > end;
+    if (!ping.whole && !cut) break;
+    if (cut) ping.size = end > ping.offset ? end - ping.offset : 0;
+    if (observer_ != nullptr) observer_->PingEnded(ping);
+    pings_.Add(ping);
+    leaving_.pop_front();
+  }
+}
+
+// Receiving.
+
+void VirtualEchosounder::Receive(std::span<const uint8_t> bytes, int64_t now_us) {
+  Advance(now_us);
+  if (hungUp_) return;
+  for (const uint8_t byte : bytes) {
+    bytes_.Add({now_us, byte});
+    if (!options_.faults.instrument.dead && !options_.faults.deaf) TakeByte(byte, now_us);
+  }
+}
+
+void VirtualEchosounder::TakeByte(uint8_t byte, int64_t now_us) {
+  if (streaming_) {
+    if (byte == ' ') Stop(now_us);
+    return;
+  }
+  const auto line = prompt_.Take(byte);
+  if (!line) return;
+  TakeLine(*line, now_us);
+}
+
+void VirtualEchosounder::TakeLine(const std::string& line, int64_t now_us) {
+  const int64_t answer_us = now_us + options_.faults.replyDelay_ms * kMicrosecondsPerMillisecond;
+  if (line.empty()) {
+    SayPrompt(answer_us);
+    return;
+  }
+  const std::string_view keyword = KeywordOf(line);
+  PromptAnswer answer{line + "\r\nError\r\n", PromptEffect::none, true};
+  const bool mute = Holds(options_.faults.mute, keyword);
+  if (!mute && !Holds(options_.faults.refused, keyword)) answer = prompt_.Answer(line, now_us);
+  commands_.Add({now_us, line, answer.refused});
+  if (mute) return;
+  Say(answer.text, answer_us);
+  if (answer.effect == PromptEffect::go) {
+    streaming_ = true;
+    due_us_ = answer_us;
+    return;
+  }
+  SayPrompt(answer_us);
+  if (answer.effect == PromptEffect::reset) {
+    number_ = 0;
+    line_.SetBaud(static_cast<int32_t>(Settings().Whole(Setting::speed)));
+  }
+}
+
+void VirtualEchosounder::Stop(int64_t now_us) {
+  streaming_ = false;
+  chatter_us_ = now_us + kChatterPeriod_us;
+  line_.CutAfterLine(now_us);
+  EndPings(now_us);
+  const SounderFaults& faults = options_.faults;
+  if (faults.splitEndMark) {
+    Say("Data", now_us);
+    Say("End\r\n", line_.Idle_us() + faults.splitPause_ms * kMicrosecondsPerMillisecond);
+  } else {
+    Say("DataEnd\r\n", now_us);
+  }
+  SayPrompt(now_us);
+}
+
+void VirtualEchosounder::Say(std::string_view text, int64_t notBefore_us) {
+  if (options_.faults.instrument.SilentAt(notBefore_us)) return;
+  line_.Put({reinterpret_cast<const uint8_t*>(text.data()), text.size()}, notBefore_us);
+}
+
+void VirtualEchosounder::SayPrompt(int64_t notBefore_us) {
+  switch (options_.faults.prompt) {
+    case PromptStyle::whole:
+      Say("\r\n>", notBefore_us);
+      return;
+    case PromptStyle::missing:
+      return;
+    case PromptStyle::split:
+      Say("\r\n", notBefore_us);
+      Say(">", std::max(notBefore_us, line_.Idle_us()) +
+                   options_.faults.splitPause_ms * kMicrosecondsPerMillisecond);
+      return;
+    case PromptStyle::doubledReturn:
+      Say("\r\r\n>", notBefore_us);
+      return;
+  }
+}
+
+}  // namespace tw::sim
