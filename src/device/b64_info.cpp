@@ -1,0 +1,199 @@
+// The B64INFO block of the third family: binary values in base64 behind "B64INFO[", ended by "]" CR LF, then
+// the prompt. Offsets are into the decoded bytes, little-endian.
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+
+#include "base/bytes.h"
+#include "base/text_scan.h"
+#include "device/base64.h"
+#include "device/settings_readers.h"
+#include "platform/clock.h"
+#include "platform/serial_line.h"
+
+namespace tw {
+namespace {
+
+constexpr size_t kTextLimit = 256;
+constexpr uint32_t kIdleLimit_ms = 2000;
+constexpr uint32_t kWholeLimit_ms = 10'000;
+constexpr uint32_t kPause_ms = 2000;
+constexpr size_t kFrequencyReads = 1024;
+constexpr std::string_view kBlockStart = "B64INFO[";
+constexpr std::string_view kBlockEnd = "]\r\n";
+constexpr std::string_view kFrequencyStart = "Tx Frequency";
+
+namespace field {
+constexpr size_t kIdentifier = 4;   // int32
+constexpr size_t kRange = 8;        // int32
+constexpr size_t kTxLength = 12;    // int16
+constexpr size_t kInterval = 14;    // float, seconds
+constexpr size_t kDeadZone = 18;    // int16
+constexpr size_t kOffset = 20;      // int16
+constexpr size_t kThreshold = 22;   // int16
+constexpr size_t kGain = 24;        // float
+constexpr size_t kOutputMode = 34;  // int16
+constexpr size_t kSoundSpeed = 36;  // int16
+}  // namespace field
+
+void EndProgram(const char* what) {
+  std::fputs(what, stderr);
+  std::abort();
+}
+
+// Bytes of one answer, with its time limits.
+class Answer {
+ public:
+  explicit Answer(Handle port) : port_(port), begin_ms_(MillisecondClock()), last_ms_(begin_ms_) {}
+
+  LinkResult Next(char& c) {
+    for (;;) {
+      uint8_t byte = 0;
+      uint32_t got = 0;
+      if (!ReadSerialLine(port_, &byte, 1, got)) return LinkResult::portFailed;
+      const uint32_t now_ms = MillisecondClock();
+      if (now_ms - begin_ms_ > kWholeLimit_ms) return LinkResult::noPrompt;
+      if (got != 0) {
+        last_ms_ = now_ms;
+        c = static_cast<char>(byte);
+        return LinkResult::success;
+      }
+      if (now_ms - last_ms_ > kIdleLimit_ms) return LinkResult::noPrompt;
+    }
+  }
+
+  // Reads behind the next occurrence of the mark; at most `limit` bytes.
+  LinkResult Find(std::string_view mark, size_t limit) {
+    size_t matched = 0;
+    for (size_t i = 0; i < limit; ++i) {
+      char c = 0;
+      const LinkResult result = Next(c);
+      if (result != LinkResult::success) return result;
+      matched = c == mark[matched] ? matched + 1 : c == mark[0] ? 1 : 0;
+      if (matched == mark.size()) return LinkResult::success;
+    }
+    return LinkResult::invalid;
+  }
+
+  // Collects the text before the mark, at most what `text` holds. `length` counts what came, kept or not.
+  LinkResult Collect(std::string_view mark, std::span<char> text, size_t& length) {
+    size_t matched = 0;
+    length = 0;
+    while (matched < mark.size()) {
+      char c = 0;
+      const LinkResult result = Next(c);
+      if (result != LinkResult::success) return result;
+      if (length < text.size()) text[length] = c;
+      ++length;
+      matched = c == mark[matched] ? matched + 1 : c == mark[0] ? 1 : 0;
+    }
+    length -= mark.size();
+    return LinkResult::success;
+  }
+
+ private:
+  Handle port_;
+  uint32_t begin_ms_;
+  uint32_t last_ms_;
+};
+
+template <typename T>
+void Take(std::span<const uint8_t> bytes, size_t offset, int32_t& target) {
+  if (offset + sizeof(T) <= bytes.size()) target = LoadLe<T>(bytes.data() + offset);
+}
+
+void TakeInterval(std::span<const uint8_t> bytes, DeviceSettings& settings) {
+  if (field::kInterval + 4 > bytes.size()) return;
+  const float interval_ms = LoadLeFloat(bytes.data() + field::kInterval) * 1000.0f;
+  if (interval_ms >= 0.0f && interval_ms <= 3'600'000.0f) {
+    settings.pingInterval_ms = static_cast<int32_t>(interval_ms);
+  }
+}
+
+void TakeGain(std::span<const uint8_t> bytes, DeviceSettings& settings) {
+  if (field::kGain + 4 > bytes.size()) return;
+  const float gain = LoadLeFloat(bytes.data() + field::kGain);
+  if (gain >= -1000.0f && gain <= 1000.0f) settings.gainHigh = gain;
+}
+
+LinkResult ReadBlock(Handle port, DeviceSettings& settings) {
+  const LinkResult sent = SendCommandNoValue(port, CommandId::info);
+  if (sent != LinkResult::success) return sent;
+  Answer answer(port);
+  LinkResult result = answer.Find(kBlockStart, SIZE_MAX);
+  if (result != LinkResult::success) return result;
+  char text[kTextLimit];
+  size_t length = 0;
+  result = answer.Collect(kBlockEnd, text, length);
+  if (result != LinkResult::success) return result;
+  result = answer.Find(">", SIZE_MAX);
+  if (result != LinkResult::success) return result;
+  if (length >= kTextLimit) {
+    fatalError("The device's information block is too long.\n");
+    return LinkResult::invalid;
+  }
+  DecodeB64Info({text, length}, settings);
+  return LinkResult::success;
+}
+
+// The frequency is not in the block; without this line the program goes on with what it knows.
+void ReadFrequency(Handle port, DeviceSettings& settings) {
+  if (SendCommandNoValue(port, CommandId::info) != LinkResult::success) return;
+  Answer answer(port);
+  char line[128] = "Tx Frequency";
+  size_t length = 0;
+  if (answer.Find(kFrequencyStart, kFrequencyReads) != LinkResult::success) return;
+  if (answer.Collect("\r\n", std::span(line).subspan(kFrequencyStart.size()), length) != LinkResult::success)
+    return;
+  const size_t whole = std::min(length + kFrequencyStart.size(), sizeof line);
+  int32_t frequency_hz = 0;
+  if (!ParseTxFrequency({line, whole}, frequency_hz)) return;
+  settings.frequencyInUse_hz = frequency_hz;
+  settings.virtualHighFrequency_hz = frequency_hz;
+}
+
+}  // namespace
+
+void (*fatalError)(const char* what) = EndProgram;
+
+void DecodeB64Info(std::string_view text, DeviceSettings& settings) {
+  uint8_t decoded[kTextLimit];
+  const std::span<const uint8_t> bytes(decoded, DecodeBase64(text, decoded));
+  Take<int32_t>(bytes, field::kIdentifier, settings.identifierWord);
+  Take<int32_t>(bytes, field::kRange, settings.rangeHigh_mm);
+  Take<int16_t>(bytes, field::kTxLength, settings.txLengthHigh);
+  TakeInterval(bytes, settings);
+  Take<int16_t>(bytes, field::kDeadZone, settings.deadZoneHigh_mm);
+  Take<int16_t>(bytes, field::kOffset, settings.offsetHigh_mm);
+  Take<int16_t>(bytes, field::kThreshold, settings.thresholdHigh_percent);
+  TakeGain(bytes, settings);
+  Take<int16_t>(bytes, field::kOutputMode, settings.outputMode);
+  int32_t sound = 0;
+  Take<int16_t>(bytes, field::kSoundSpeed, sound);
+  if (sound != 0) settings.soundSpeed_mps = static_cast<float>(sound);
+  settings.reservedPower = 100.0f;
+  settings.smoothing = 0;
+}
+
+bool ParseTxFrequency(std::string_view line, int32_t& frequency_hz) {
+  int32_t value = 0;
+  if (!ScanLiteral(line, kFrequencyStart)) return false;
+  SkipWhiteSpace(line);
+  if (!ScanIntWidth(line, 7, value)) return false;
+  SkipWhiteSpace(line);
+  if (!ScanLiteral(line, "Hz")) return false;
+  frequency_hz = value;
+  return true;
+}
+
+LinkResult ReadSettingsFromB64Info(Handle port, DeviceSettings& settings) {
+  DeviceSettings read = settings;
+  const LinkResult result = ReadBlock(port, read);
+  if (result != LinkResult::success) return result;
+  SleepMilliseconds(kPause_ms);
+  ReadFrequency(port, read);
+  settings = read;
+  return LinkResult::success;
+}
+
+}  // namespace tw

@@ -1,0 +1,163 @@
+#include "device/command_link.h"
+
+#include <algorithm>
+
+#include "base/text_format.h"
+#include "base/text_scan.h"
+#include "platform/clock.h"
+#include "platform/serial_line.h"
+
+namespace tw {
+namespace {
+
+constexpr int kPromptAttempts = 10;
+constexpr uint32_t kPause_ms = 10;
+constexpr char kReturn = '\r';
+
+// One buffer for the replies of all queries; the device link belongs to the GUI thread.
+char replyBuffer[kReplySize];
+
+bool Write(Handle port, std::string_view text) {
+  return WriteSerialLine(port, text.data(), static_cast<uint32_t>(text.size()));
+}
+
+// Reads until the prompt, giving each byte to `take`.
+template <typename Take>
+LinkResult AwaitPrompt(Handle port, Take take) {
+  PromptMatcher matcher;
+  const uint32_t begin = MillisecondClock();
+  do {
+    uint8_t byte = 0;
+    uint32_t got = 0;
+    if (!ReadSerialLine(port, &byte, 1, got)) return LinkResult::portFailed;
+    if (got == 0) continue;
+    take(static_cast<char>(byte));
+    if (matcher.Take(byte)) return LinkResult::success;
+  } while (MillisecondClock() - begin <= kReplyLimit_ms);
+  return LinkResult::noPrompt;
+}
+
+bool IsLineEnd(char c) {
+  return c == '\r' || c == '\n';
+}
+
+bool IsNumber(std::string_view line, bool point) {
+  if (!line.empty() && (line[0] == '+' || line[0] == '-')) line.remove_prefix(1);
+  const bool digits = std::any_of(line.begin(), line.end(), [](char c) { return c >= '0' && c <= '9'; });
+  const bool clean = std::all_of(line.begin(), line.end(),
+                                 [&](char c) { return (c >= '0' && c <= '9') || (point && c == '.'); });
+  return digits && clean && std::count(line.begin(), line.end(), '.') <= 1;
+}
+
+// Query, reply, and its value line.
+LinkResult Ask(Handle port, CommandId id, std::string_view& line) {
+  const LinkResult sent = SendCommandNoValue(port, id);
+  if (sent != LinkResult::success) return sent;
+  size_t length = 0;
+  const LinkResult answered = ReadReply(port, replyBuffer, length);
+  if (answered != LinkResult::success) return answered;
+  return FindValueLine({replyBuffer, length}, line) ? LinkResult::success : LinkResult::invalid;
+}
+
+template <typename T>
+LinkResult Query(Handle port, CommandId id, bool (*parse)(std::string_view, T&), T& target) {
+  std::string_view line;
+  const LinkResult result = Ask(port, id, line);
+  if (result != LinkResult::success) return result;
+  return parse(line, target) ? LinkResult::success : LinkResult::invalid;
+}
+
+}  // namespace
+
+bool PromptMatcher::Take(uint8_t byte) {
+  constexpr uint8_t kPrompt[] = {'\r', '\n', '>'};
+  seen_ = byte == kPrompt[seen_] ? seen_ + 1 : byte == kPrompt[0] ? 1 : 0;
+  if (seen_ < sizeof kPrompt) return false;
+  seen_ = 0;
+  return true;
+}
+
+LinkResult SendCommand(Handle port, CommandId id, std::string_view value) {
+  const std::string_view keyword = KeywordOf(id);
+  if (keyword.empty()) return LinkResult::invalid;
+  const bool written =
+      Write(port, keyword) && Write(port, " ") && Write(port, value) && Write(port, {&kReturn, 1});
+  return written ? LinkResult::success : LinkResult::portFailed;
+}
+
+LinkResult SendCommandNoValue(Handle port, CommandId id) {
+  const std::string_view keyword = KeywordOf(id);
+  if (keyword.empty()) return LinkResult::invalid;
+  return Write(port, keyword) && Write(port, {&kReturn, 1}) ? LinkResult::success : LinkResult::portFailed;
+}
+
+LinkResult ReadReply(Handle port, std::span<char> buffer, size_t& length) {
+  length = 0;
+  const LinkResult result = AwaitPrompt(port, [&](char c) {
+    if (length + 1 < buffer.size()) buffer[length++] = c;
+  });
+  if (!buffer.empty()) buffer[length] = '\0';
+  return result;
+}
+
+LinkResult SkipReply(Handle port) {
+  return AwaitPrompt(port, [](char) {});
+}
+
+LinkResult RequestPrompt(Handle port) {
+  LinkResult result = LinkResult::noPrompt;
+  for (int attempt = 0; attempt < kPromptAttempts; ++attempt) {
+    result = Write(port, {&kReturn, 1}) ? SkipReply(port) : LinkResult::portFailed;
+    SleepMilliseconds(kPause_ms);
+    if (result == LinkResult::success) break;
+  }
+  return result;
+}
+
+LinkResult Exchange(Handle port, CommandId id, std::string_view value) {
+  const LinkResult sent = SendCommand(port, id, value);
+  return sent == LinkResult::success ? SkipReply(port) : sent;
+}
+
+LinkResult Exchange(Handle port, CommandId id) {
+  const LinkResult sent = SendCommandNoValue(port, id);
+  return sent == LinkResult::success ? SkipReply(port) : sent;
+}
+
+LinkResult QueryInt(Handle port, CommandId id, int32_t& target) {
+  return Query(port, id, ParseIntLine, target);
+}
+
+LinkResult QueryFloat(Handle port, CommandId id, float& target) {
+  return Query(port, id, ParseFloatLine, target);
+}
+
+LinkResult QueryString(Handle port, std::span<char> target) {
+  std::string_view line;
+  const LinkResult result = Ask(port, CommandId::identity, line);
+  if (result != LinkResult::success || target.empty()) return result;
+  const size_t count = std::min(line.size(), target.size() - 1);
+  std::copy_n(line.begin(), count, target.begin());
+  target[count] = '\0';
+  return LinkResult::success;
+}
+
+bool FindValueLine(std::string_view reply, std::string_view& line) {
+  const auto echoEnd = std::find_if(reply.begin(), reply.end(), IsLineEnd);
+  const auto begin = std::find_if_not(echoEnd, reply.end(), IsLineEnd);
+  if (begin == reply.end()) return false;
+  const auto end = std::find_if(begin, reply.end(), IsLineEnd);
+  if (end == reply.end() && *begin == '>') return false;  // the prompt itself
+  line = reply.substr(static_cast<size_t>(begin - reply.begin()), static_cast<size_t>(end - begin));
+  return true;
+}
+
+bool ParseIntLine(std::string_view line, int32_t& value) {
+  return IsNumber(line, false) && ScanInt(line, value);
+}
+
+bool ParseFloatLine(std::string_view line, float& value) {
+  return IsNumber(line, true) && ScanFloat(line, value);
+}
+
+}  // namespace tw

@@ -1,0 +1,69 @@
+// Command lines to the device and their replies. The device echoes each line, answers, and prints its prompt:
+// CR LF '>'. All of this runs on the GUI thread while no worker owns the port.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string_view>
+
+#include "device/command_table.h"
+#include "platform/handle.h"
+
+namespace tw {
+
+enum class LinkResult : uint8_t {
+  success = 0,
+  invalid = 1,      // unknown command, or a reply without a valid value
+  portFailed = 2,   // a read or write failed
+  noPrompt = 3,     // the prompt did not come in time
+  stopTimeOut = 4,  // the device did not stop
+};
+
+inline constexpr size_t kReplySize = 64 * 1024;
+inline constexpr uint32_t kReplyLimit_ms = 2000;
+
+// Recognises the prompt byte by byte.
+class PromptMatcher {
+ public:
+  // True when this byte completes the prompt.
+  bool Take(uint8_t byte);
+
+ private:
+  uint32_t seen_ = 0;
+};
+
+// Writes keyword, blank, value and CR, each on its own; no line feed. `invalid` (and nothing written) for an
+// id without keyword.
+[[nodiscard]] LinkResult SendCommand(Handle port, CommandId id, std::string_view value);
+// Writes keyword and CR.
+[[nodiscard]] LinkResult SendCommandNoValue(Handle port, CommandId id);
+
+// Collects the reply through its prompt, at most 2,000 ms in all. `length` bytes and a zero stand in
+// `buffer`, on failure those that came. What does not fit is only matched against the prompt.
+[[nodiscard]] LinkResult ReadReply(Handle port, std::span<char> buffer, size_t& length);
+
+// The same for a reply that nobody looks at.
+[[nodiscard]] LinkResult SkipReply(Handle port);
+
+// Sends a bare CR and waits for the prompt, up to 10 times; the result is that of the last attempt.
+[[nodiscard]] LinkResult RequestPrompt(Handle port);
+
+// Command and reply; the reply must end in the prompt.
+[[nodiscard]] LinkResult Exchange(Handle port, CommandId id, std::string_view value);
+[[nodiscard]] LinkResult Exchange(Handle port, CommandId id);
+
+// Queries. On any failure the target keeps its value. A value line that is valid but too large for the target
+// is `invalid` too.
+[[nodiscard]] LinkResult QueryInt(Handle port, CommandId id, int32_t& target);
+[[nodiscard]] LinkResult QueryFloat(Handle port, CommandId id, float& target);
+// Always "#iden"; the line as it stands, cut to fit, with a terminating zero.
+[[nodiscard]] LinkResult QueryString(Handle port, std::span<char> target);
+
+// The line behind the echoed command line; false when the reply has none. Pure.
+[[nodiscard]] bool FindValueLine(std::string_view reply, std::string_view& line);
+// Strict: digits, a sign only as the first character, for a float at most one point. Pure.
+[[nodiscard]] bool ParseIntLine(std::string_view line, int32_t& value);
+[[nodiscard]] bool ParseFloatLine(std::string_view line, float& value);
+
+}  // namespace tw

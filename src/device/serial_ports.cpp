@@ -1,0 +1,103 @@
+#include "device/serial_ports.h"
+
+#include <algorithm>
+#include <cinttypes>
+
+#include "base/text_format.h"
+#include "base/text_scan.h"
+#include "platform/clock.h"
+#include "platform/serial_line.h"
+
+namespace tw {
+namespace {
+
+constexpr uint32_t kReadConstant_ms = 100;
+constexpr uint32_t kFastReadConstant_ms = 200;
+constexpr uint32_t kAnyByteLimit_ms = 4000;
+constexpr std::wstring_view kPrefix = L"COM";
+
+Handle Open(int32_t number, const char* mode, uint32_t readConstant_ms) {
+  wchar_t name[32];
+  FormatWide(name, "\\\\.\\COM%" PRId32, number);
+  return OpenSerialLine(name, mode, readConstant_ms);
+}
+
+struct Listing {
+  std::span<PortEntry> entries;
+  size_t used;
+};
+
+// The digits behind "COM", as a C library reads an integer: none, or too many, are 0.
+uint32_t NumberOf(std::wstring_view name) {
+  char digits[16];
+  std::string_view text(digits, NarrowText(digits, name.substr(kPrefix.size())));
+  uint32_t number = 0;
+  return ScanUint(text, number) ? number : 0;
+}
+
+void TakePort(void* context, const wchar_t* name) {
+  Listing& listing = *static_cast<Listing*>(context);
+  if (!std::wstring_view(name).starts_with(kPrefix) || listing.used == listing.entries.size()) return;
+  PortEntry& entry = listing.entries[listing.used++];
+  entry.number = NumberOf(name);
+  CopyWide(entry.name, name);
+}
+
+}  // namespace
+
+Handle OpenDevicePort(int32_t number, int32_t baud) {
+  char mode[64];
+  FormatText(mode, "baud=%" PRId32 " parity=N data=8 stop=1", baud);
+  return Open(number, mode, kReadConstant_ms);
+}
+
+Handle OpenFastDevicePort(int32_t number) {
+  return Open(number, "baud=3000000 parity=N data=8 stop=1 octs=on rts=on", kFastReadConstant_ms);
+}
+
+bool WaitForAnyByte(Handle port) {
+  const uint32_t begin = MillisecondClock();
+  do {
+    uint8_t byte = 0;
+    uint32_t got = 0;
+    if (!ReadSerialLine(port, &byte, 1, got)) return false;
+    if (got != 0) return true;
+  } while (MillisecondClock() - begin <= kAnyByteLimit_ms);
+  return false;
+}
+
+void ClearPortList(std::span<PortEntry> entries) {
+  for (PortEntry& entry : entries) {
+    if (entry.number == 0) return;
+    entry.number = 0;
+    entry.name[0] = L'\0';
+  }
+}
+
+bool EnumerateSerialPorts(std::span<PortEntry> entries) {
+  Listing listing{entries, 0};
+  return ListSerialLines(TakePort, &listing);
+}
+
+size_t CountPorts(std::span<const PortEntry> entries) {
+  const auto end =
+      std::find_if(entries.begin(), entries.end(), [](const PortEntry& entry) { return entry.number == 0; });
+  return static_cast<size_t>(end - entries.begin());
+}
+
+void SortPorts(std::span<PortEntry> entries) {
+  std::stable_sort(entries.begin(), entries.begin() + static_cast<ptrdiff_t>(CountPorts(entries)),
+                   [](const PortEntry& a, const PortEntry& b) { return a.number < b.number; });
+}
+
+int FindPort(std::span<const PortEntry> entries, std::wstring_view text) {
+  const size_t count = CountPorts(entries);
+  for (size_t i = 0; i < count; ++i) {
+    wchar_t name[32];
+    FormatWide(name, "COM%" PRIu32, entries[i].number);
+    if (text == name) return static_cast<int>(i);
+  }
+  return -1;
+}
+
+}  // namespace tw

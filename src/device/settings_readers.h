@@ -1,0 +1,34 @@
+// Reading the whole parameter set of a device, in the forms of the three device families. GUI thread, while
+// no worker owns the port. The caller gives a copy of its settings and takes it over only on success.
+#pragma once
+
+#include "device/command_link.h"
+#include "device/device_settings.h"
+
+namespace tw {
+
+// First family: all queries in a fixed order. `invalid` when one that every device knows fails
+// ("##maxrangel",
+// "#rangeh", "#swversion", "#getfreq", "#rangel"); a failure of any other ends the reading with success,
+// since older firmware lacks the later commands. Sets the preset, smoothing, high-channel and firmware values
+// of `globals`.
+[[nodiscard]] LinkResult ReadAllSettings(Handle port, DeviceSettings& settings);
+
+// Second family, an older command set: "#iden" as a number and "#range" must succeed.
+[[nodiscard]] LinkResult ReadSecondFamilySettings(Handle port, DeviceSettings& settings);
+
+// Third family: the B64INFO block of the "#info" answer and, 2 s later, its "Tx Frequency" line. noPrompt
+// when the device is silent for 2 s or takes longer than 10 s for the block. A text of 256 characters or more
+// ends the program.
+[[nodiscard]] LinkResult ReadSettingsFromB64Info(Handle port, DeviceSettings& settings);
+
+// Takes the text between "B64INFO[" and "]". Only fields whose bytes are all there are set. Pure.
+void DecodeB64Info(std::string_view text, DeviceSettings& settings);
+
+// Reads the frequency out of a line "Tx Frequency     %7d Hz  ". Pure.
+[[nodiscard]] bool ParseTxFrequency(std::string_view line, int32_t& frequency_hz);
+
+// What ends the program after a fatal error; tests put their own in its place.
+extern void (*fatalError)(const char* what);
+
+}  // namespace tw
