@@ -14,10 +14,13 @@
 #include <string_view>
 #include <vector>
 
+#include "acquisition/stream_reader.h"
+
 namespace tw {
 
-// The marks must be such that the restart rule finds every occurrence (no proper prefix of more than one byte
-// is also a suffix of a longer prefix after the mismatch); both echo text forms are.
+// With these marks the restart rule finds every occurrence, so that a search may stand in for it: the first
+// byte of the start mark comes only once in it, and the end mark is one pair of bytes, repeated. Other marks
+// must have one of these two forms.
 struct BlockMarks {
   std::string_view start;
   std::string_view end;
@@ -26,17 +29,14 @@ struct BlockMarks {
 inline constexpr BlockMarks kEchoTextMarks{"#DeviceID ", "\r\n\r\n\r\n"};
 inline constexpr size_t kBlockBufferSize = 256'000;  // a block and its terminating zero
 
-class BlockReader {
+class BlockReader final : public StreamReader {
  public:
   explicit BlockReader(const BlockMarks& marks, size_t bufferSize = kBlockBufferSize);
 
-  // Takes bytes off the front of `input` until a block is complete or the input is used up. True: Block()
-  // holds it, from its start mark through its end mark, until the next call; the rest of the input is still
-  // to be fed.
-  [[nodiscard]] bool Feed(std::span<const uint8_t>& input);
+  [[nodiscard]] bool Feed(std::span<const uint8_t>& input) override;
 
-  // The last complete block. A zero follows its last byte.
-  [[nodiscard]] std::string_view Block() const {
+  // From the start mark through the end mark. A zero follows its last byte.
+  [[nodiscard]] std::string_view Block() const override {
     return {reinterpret_cast<const char*>(buffer_.data()), length_};
   }
 

@@ -17,7 +17,7 @@ ReadResult ByteSource::Fill() {
   return got == 0 ? ReadResult::nothing : ReadResult::complete;
 }
 
-ReadResult ReadBlock(ByteSource& source, BlockReader& reader) {
+ReadResult ReadBlock(ByteSource& source, StreamReader& reader) {
   const uint32_t begin = MillisecondClock();
   do {
     const ReadResult result = source.Fill();

@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <span>
 
-#include "acquisition/block_reader.h"
+#include "acquisition/stream_reader.h"
 #include "platform/handle.h"
 
 namespace tw {
@@ -41,6 +41,6 @@ class ByteSource {
 };
 
 // Reads until the reader has a whole block.
-[[nodiscard]] ReadResult ReadBlock(ByteSource& source, BlockReader& reader);
+[[nodiscard]] ReadResult ReadBlock(ByteSource& source, StreamReader& reader);
 
 }  // namespace tw

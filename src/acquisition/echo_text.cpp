@@ -1,7 +1,11 @@
 #include "acquisition/echo_text.h"
 
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
+#include <algorithm>
 #include <bit>
-#include <cstring>
 
 #include "base/bytes.h"
 #include "base/text_scan.h"
@@ -42,23 +46,119 @@ void ReadSampleCount(std::string_view text, EchoTextHeader& header) {
   }
 }
 
-// The usual line, 1 to 5 digits and CR LF at the front of 8 readable bytes, without a branch per digit: the
-// digits are found by their upper bits, shifted to the top of a word so that leading bytes are zero digits,
-// and added up pairwise. Returns the line's length with its line end, 0 for any other form.
-size_t TakePlainLine(const char* bytes, uint32_t& value) {
-  const auto word = LoadLe<uint64_t>(reinterpret_cast<const uint8_t*>(bytes));
-  const uint64_t digits = word ^ 0x3030303030303030u;
-  const uint64_t others = (digits | (digits + 0x7676767676767676u)) & 0x8080808080808080u;
-  const auto count = static_cast<unsigned>(std::countr_zero(others)) / 8;
-  if (count - 1u > 4u || ((word >> (8 * count)) & 0xFFFF) != 0x0A0D) return 0;
-  uint64_t sum = digits << (64 - 8 * count);
-  sum = sum * 10 + (sum >> 8);
-  sum = (((sum & 0x000000FF000000FFu) * 0x000F424000000064u) +
-         (((sum >> 16) & 0x000000FF000000FFu) * 0x0000271000000001u)) >>
-        32;
-  value = static_cast<uint32_t>(sum);
-  return count + 2;
+constexpr size_t kStride = 64;
+
+// Where things stand in 64 bytes, the first byte in the lowest bit.
+struct StrideMasks {
+  uint64_t returns;
+  uint64_t feeds;
+  uint64_t digits;
+};
+
+StrideMasks MasksOf(const char* bytes) {
+  StrideMasks masks{};
+#if defined(__SSE2__)
+  const auto bits = [](__m128i equal) { return uint64_t{static_cast<uint32_t>(_mm_movemask_epi8(equal))}; };
+  for (size_t i = 0; i < kStride; i += 16) {
+    const __m128i part = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes + i));
+    const __m128i digit = _mm_xor_si128(part, _mm_set1_epi8('0'));
+    masks.returns |= bits(_mm_cmpeq_epi8(part, _mm_set1_epi8('\r'))) << i;
+    masks.feeds |= bits(_mm_cmpeq_epi8(part, _mm_set1_epi8('\n'))) << i;
+    masks.digits |= bits(_mm_cmpeq_epi8(_mm_min_epu8(digit, _mm_set1_epi8(9)), digit)) << i;
+  }
+#else
+  for (size_t i = 0; i < kStride; ++i) {
+    masks.returns |= uint64_t{bytes[i] == '\r'} << i;
+    masks.feeds |= uint64_t{bytes[i] == '\n'} << i;
+    masks.digits |= uint64_t{bytes[i] >= '0' && bytes[i] <= '9'} << i;
+  }
+#endif
+  return masks;
 }
+
+constexpr size_t kShortLine = 4;
+constexpr uint32_t kDigitsOf[kShortLine + 1] = {0, 0x0F000000, 0x0F0F0000, 0x0F0F0F00, 0x0F0F0F0F};
+
+// The number in the `length` (1 to 4) digits before `end`, where four bytes are readable: the line's own
+// digits stand at the top of a word and the bytes in front of it count as zeroes; neighbours are added up to
+// pairs, and the pairs to the number.
+uint16_t ShortNumber(const char* end, size_t length) {
+  const auto word = LoadLe<uint32_t>(reinterpret_cast<const uint8_t*>(end) - kShortLine);
+  const uint32_t digits = word & kDigitsOf[length];
+  const uint32_t pairs = (digits * 10 + (digits >> 8)) & 0x00FF00FF;
+  return static_cast<uint16_t>((pairs * 0x00640001u) >> 16);
+}
+
+void ReadAnyLine(std::string_view line, uint16_t& sample) {
+  int32_t number = 0;
+  if (ScanInt(line, number) && number >= 0 && number <= UINT16_MAX) sample = static_cast<uint16_t>(number);
+}
+
+// Reads sample lines one after another.
+class SampleLines {
+ public:
+  SampleLines(std::string_view text, size_t start, std::span<uint16_t> samples)
+      : text_(text), start_(start), samples_(samples) {}
+
+  // Strides of 64 bytes that hold nothing but digits and whole line ends: all ends of a stride are known
+  // before its lines are read, so no line waits for the one before it. Everything else goes line by line.
+  size_t Read() {
+    size_t stride = start_;
+    uint64_t carry = 0;  // the last byte of the stride before was a CR
+    while (stride + kStride <= text_.size() && samples_.size() - count_ >= kStride / kLineEnd.size()) {
+      const StrideMasks masks = MasksOf(text_.data() + stride);
+      const bool plain = masks.feeds == (masks.returns << 1 | carry) &&
+                         (masks.returns | masks.feeds | masks.digits) == ~uint64_t{0};
+      if (plain) {
+        ReadStride(stride, masks.returns);
+        carry = masks.returns >> 63;
+        stride += kStride;
+        continue;
+      }
+      while (start_ < stride + kStride && ReadOne()) {
+      }
+      stride = start_;
+      carry = 0;
+    }
+    while (ReadOne()) {
+    }
+    return count_;
+  }
+
+ private:
+  void ReadStride(size_t stride, uint64_t ends) {
+    const char* const text = text_.data();
+    uint16_t* sample = samples_.data() + count_;
+    size_t start = start_;
+    for (; ends != 0; ends &= ends - 1) {
+      const size_t end = stride + static_cast<size_t>(std::countr_zero(ends));
+      const size_t length = end - start;
+      if (length - 1 < kShortLine && end >= kShortLine) {
+        *sample = ShortNumber(text + end, length);
+      } else {
+        ReadAnyLine(text_.substr(start, length), *sample);
+      }
+      ++sample;
+      start = end + kLineEnd.size();
+    }
+    count_ = static_cast<size_t>(sample - samples_.data());
+    start_ = start;
+  }
+
+  bool ReadOne() {
+    if (count_ == samples_.size() || start_ >= text_.size()) return false;
+    const size_t end = std::min(text_.find(kLineEnd, start_), text_.size());
+    ReadAnyLine(text_.substr(start_, end - start_), samples_[count_]);
+    ++count_;
+    start_ = end + kLineEnd.size();
+    return true;
+  }
+
+  std::string_view text_;
+  size_t start_;  // of the line that is next
+  std::span<uint16_t> samples_;
+  size_t count_ = 0;
+};
 
 }  // namespace
 
@@ -85,30 +185,9 @@ ParsedEchoText ParseEchoTextHeader(std::string_view block, int32_t configuredSam
 }
 
 size_t ReadSampleLines(std::string_view dataLines, std::span<uint16_t> samples) {
-  size_t at = dataLines.find(kLineEnd);
-  size_t count = 0;
-  if (at == dataLines.npos) return 0;
-  at += kLineEnd.size();
-  while (count < samples.size() && at < dataLines.size()) {
-    uint32_t value = 0;
-    const size_t plain = at + 8 <= dataLines.size() ? TakePlainLine(dataLines.data() + at, value) : 0;
-    if (plain != 0) {
-      if (value <= UINT16_MAX) samples[count] = static_cast<uint16_t>(value);
-      at += plain;
-      ++count;
-      continue;
-    }
-    const size_t end = dataLines.find(kLineEnd, at);
-    std::string_view line = dataLines.substr(at, end == dataLines.npos ? end : end - at);
-    int32_t number = 0;
-    if (ScanInt(line, number) && number >= 0 && number <= UINT16_MAX) {
-      samples[count] = static_cast<uint16_t>(number);
-    }
-    ++count;
-    if (end == dataLines.npos) break;
-    at = end + kLineEnd.size();
-  }
-  return count;
+  const size_t first = dataLines.find(kLineEnd);
+  if (first == dataLines.npos) return 0;
+  return SampleLines(dataLines, first + kLineEnd.size(), samples).Read();
 }
 
 }  // namespace tw

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "acquisition/block_reader.h"
 #include "acquisition/echo_text.h"
 
 namespace tw {
@@ -9,6 +10,8 @@ namespace {
 
 constexpr int32_t kTenBitMode = 2;
 constexpr uint16_t kTenBitFactor = 4;
+constexpr std::string_view kRecordEnd = "\r\n\r\n";
+constexpr size_t kMaxSentences = 512;
 
 // The values of the last block of this mode stand in the ping's header; those that the header has no place
 // for do not outlive a block.
@@ -43,8 +46,7 @@ bool ParseBlock(std::string_view block, const LiveContext& context, LivePing& pi
   const ParsedEchoText parsed =
       ParseEchoTextHeader(block, context.configuredSampling_hz, context.configuredTx_hz, values);
   if (context.dual && !parsed.hasTxFrequency) return false;
-  ping.secondChannel = context.dual && (values.txFrequency_hz == context.lowFrequency_hz ||
-                                        values.txFrequency_hz == context.virtualLowFrequency_hz);
+  ping.secondChannel = context.IsSecondChannel(values.txFrequency_hz);
   TakeValues(values, ping.header);
 
   const std::span<uint16_t> samples(ping.buffers[ping.secondChannel ? 1 : 0], ping.header.sampleCount);
@@ -55,11 +57,25 @@ bool ParseBlock(std::string_view block, const LiveContext& context, LivePing& pi
   return true;
 }
 
+std::unique_ptr<StreamReader> MakeReader() {
+  return std::make_unique<BlockReader>(kEchoTextMarks);
+}
+
+// The block as it came, its position, and an empty line.
+size_t LayOutRecord(std::string_view block, const LivePing&, std::string_view sentences,
+                    std::span<char, kMaxRecordSize> record) {
+  auto out = std::copy(block.begin(), block.end(), record.begin());
+  out = std::copy(sentences.begin(), sentences.end(), out);
+  out = std::copy(kRecordEnd.begin(), kRecordEnd.end(), out);
+  return static_cast<size_t>(out - record.begin());
+}
+
 }  // namespace
 
 static_assert(kMaxPingSamples == kMaxTextSamples);
+static_assert(kBlockBufferSize + kMaxSentences + kRecordEnd.size() <= kMaxRecordSize);
 
-const LiveMode kFirstFamilyEchoText{kEchoTextMarks, ParseBlock};
+const LiveMode kFirstFamilyEchoText{MakeReader, ParseBlock, LayOutRecord};
 
 void EchoTextWorker(void* state) {
   RunLiveWorker(*static_cast<AppState*>(state), kFirstFamilyEchoText);

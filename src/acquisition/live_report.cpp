@@ -16,24 +16,35 @@ constexpr uint32_t kReportPeriod_ms = 1000;
 // One set for all live workers: one runs at a time, and one that hangs no longer reports.
 constinit StatusTexts liveTexts{};
 
+void FormatLine(std::span<wchar_t> text, const PingHeader& ping, bool dual) {
+  PingLineValues values{ping.timeOfWork_s,  ping.ping,      ping.altitude_m, 0.0f,
+                        ping.temperature_c, ping.pitch_deg, ping.roll_deg};
+  const bool attitude = LoadShared(globals.attitudePresent) != 0 && ping.pitch_deg < kNoAttitude;
+  if (!dual) {
+    FormatPingLine(text, values, attitude);
+    return;
+  }
+  values.altitude_m = LoadShared(globals.latestAltitudeHigh_m);
+  values.altitudeLow_m = LoadShared(globals.latestAltitudeLow_m);
+  FormatDualPingLine(text, values, attitude);
+}
+
 }  // namespace
 
-void LiveReport::Show(const PingHeader& ping, uint64_t recorded, uint32_t now_ms) {
-  if (!begun_) {
-    begun_ = true;
-    last_ms_ = now_ms;
-  }
-  if (now_ms - last_ms_ <= kReportPeriod_ms) return;
+bool LiveReport::IsDue(uint32_t now_ms) {
+  if (begun_ && now_ms - last_ms_ <= kReportPeriod_ms) return false;
+  begun_ = true;
   last_ms_ = now_ms;
+  return true;
+}
+
+void LiveReport::Show(const PingHeader& ping, bool dual, uint64_t recorded, uint32_t now_ms) {
+  if (!IsDue(now_ms)) return;
   auto& text = liveTexts.Next();
   if (WaitForEvent(state_.recordingEvent, 0)) {
     FormatFileSize(text, recorded);
   } else {
-    const bool attitude = LoadShared(globals.attitudePresent) != 0 && ping.pitch_deg < kNoAttitude;
-    FormatPingLine(text,
-                   {ping.timeOfWork_s, ping.ping, ping.altitude_m, 0.0f, ping.temperature_c, ping.pitch_deg,
-                    ping.roll_deg},
-                   attitude);
+    FormatLine(text, ping, dual);
   }
   PostStatusText(state_, StatusPart::pingLine, text);
 }

@@ -1,7 +1,5 @@
 #include "acquisition/live_worker.h"
 
-#include <algorithm>
-#include <cstring>
 #include <memory>
 #include <new>
 
@@ -13,14 +11,13 @@
 #include "base/shared_value.h"
 #include "gps/nmea_build.h"
 #include "platform/clock.h"
+#include "platform/file.h"
 
 namespace tw {
 namespace {
 
 constexpr uint32_t kSilenceLimit_ms = 60'000;
 constexpr size_t kSentenceSize = 256;
-constexpr std::string_view kPingEnd = "\r\n\r\n";
-constexpr size_t kRecordBufferSize = kBlockBufferSize + 2 * kSentenceSize + kPingEnd.size();
 
 // What the worker knows of one channel.
 struct Channel {
@@ -48,7 +45,7 @@ class LiveRun {
         context_(ContextOf(state)),
         runNumber_(LoadShared(state.runNumber)),
         source_(LoadShared(state.devicePort)),
-        reader_(mode.marks),
+        reader_(mode.makeReader()),
         channels_{{RecordChannel::a,
                    {state.ringA, &state.ringIndexA, &state.ringLockA, globals.slotReachA},
                    globals.marksA},
@@ -62,7 +59,7 @@ class LiveRun {
 
   void Run() {
     Begin();
-    while (!StopAsked() && Pass()) {
+    while (!Stale() && !StopAsked() && Pass()) {
     }
     End();
   }
@@ -79,7 +76,8 @@ class LiveRun {
     StoreShared(globals.attitudePresent, 1);
   }
 
-  // The event is auto-reset, so a poll that sees it must remember it.
+  // The event is auto-reset, so a poll that sees it must remember it, and a stale worker must not poll: the
+  // event is the next one's.
   bool StopAsked() {
     stopped_ = stopped_ || WaitForEvent(state_.stopEvent, 0);
     return stopped_;
@@ -89,8 +87,7 @@ class LiveRun {
 
   // One pass of the loop; false ends it.
   bool Pass() {
-    if (Stale()) return false;
-    const ReadResult result = ReadBlock(source_, reader_);
+    const ReadResult result = ReadBlock(source_, *reader_);
     if (Stale()) return false;
     report_.NoteOverruns(source_.Overruns());
     switch (result) {
@@ -104,7 +101,7 @@ class LiveRun {
         return true;
       case ReadResult::complete:
         fresh_ = true;
-        TakeBlock(reader_.Block());
+        TakeBlock(reader_->Block());
         return true;
     }
     return false;
@@ -135,7 +132,7 @@ class LiveRun {
       AddMark(channel.marks, MarksOf(channel), ping_.header.timeOfWork_s);
     }
     Record(channel, block, sentences);
-    report_.Show(ping_.header, recorded_, now_ms);
+    report_.Show(ping_.header, context_.dual, recorded_, now_ms);
   }
 
   void MeasureInterval(Channel& channel, uint32_t now_ms) {
@@ -182,19 +179,18 @@ class LiveRun {
         ping_.header.altitude_m);
   }
 
-  // Block, sentences and line ends in one write, so that nothing can come between them.
+  // All of a ping in one write, so that nothing can come between its parts.
   void Record(const Channel& channel, std::string_view block, size_t sentences) {
     if (!WaitForEvent(state_.recordingEvent, 0)) return;
-    char* out = std::copy(block.begin(), block.end(), record_);
-    out = std::copy_n(sentences_, sentences, out);
-    out = std::copy(kPingEnd.begin(), kPingEnd.end(), out);
-    recorded_ += WriteRecord(state_, channel.record, {record_, static_cast<size_t>(out - record_)});
+    const size_t size = mode_.layOutRecord(block, ping_, {sentences_, sentences}, std::span(record_));
+    recorded_ += WriteRecord(state_, channel.record, std::span(record_).first(size));
   }
 
   void End() {
     if (Stale()) return;
     if (recorded_ == 0) DeleteEmptyRecordFiles(state_);
     CloseBothRecordFiles(state_);
+    CloseFile(ExchangeShared(state_.segyCompanionB, Handle::invalid));
   }
 
   AppState& state_;
@@ -202,7 +198,7 @@ class LiveRun {
   const LiveContext context_;
   const uint32_t runNumber_;
   ByteSource source_;
-  BlockReader reader_;
+  const std::unique_ptr<StreamReader> reader_;
   Channel channels_[2];
   LiveReport report_;
   bool stopped_ = false;
@@ -212,7 +208,7 @@ class LiveRun {
   LivePing ping_{};
   SlotImage image_{};
   char sentences_[2 * kSentenceSize];
-  char record_[kRecordBufferSize];
+  char record_[kMaxRecordSize];
 };
 
 }  // namespace

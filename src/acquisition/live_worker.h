@@ -1,16 +1,18 @@
 // The live acquisition worker: one loop for every output mode, from the bytes of the device port to rings,
 // record files, time marks and status texts. It is the only writer of rings and record files while it runs.
 //
-// A mode is a LiveMode: which blocks its stream consists of, how a block becomes a ping, and what is recorded
-// of it. The loop itself knows no format.
+// A mode is a row of type LiveMode: which reader cuts its stream into blocks, how a block becomes a ping of
+// which channel, and what is recorded of it. The loop itself knows no format.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <span>
 #include <string_view>
 
-#include "acquisition/block_reader.h"
 #include "acquisition/ping_record.h"
+#include "acquisition/stream_reader.h"
 #include "app/app_state.h"
 
 namespace tw {
@@ -21,8 +23,13 @@ struct LiveContext {
   int32_t outputMode;
   int32_t configuredSampling_hz;
   int32_t configuredTx_hz;
-  int32_t lowFrequency_hz;  // a block with one of these two belongs to the second channel
+  int32_t lowFrequency_hz;
   int32_t virtualLowFrequency_hz;
+
+  // Which channel of a dual run a ping belongs to.
+  [[nodiscard]] bool IsSecondChannel(int32_t tx_hz) const {
+    return dual && (tx_hz == lowFrequency_hz || tx_hz == virtualLowFrequency_hz);
+  }
 };
 
 inline constexpr size_t kMaxPingSamples = 50'000;
@@ -37,10 +44,17 @@ struct LivePing {
   uint16_t buffers[2][kMaxPingSamples];
 };
 
+inline constexpr size_t kMaxRecordSize = 257'000;  // the longest text block, two sentences and line ends
+
 struct LiveMode {
-  BlockMarks marks;
+  std::unique_ptr<StreamReader> (*makeReader)();
+
   // False: the block is dropped. Touches nothing but `ping`.
   bool (*parse)(std::string_view block, const LiveContext& context, LivePing& ping);
+
+  // Lays out what is recorded of a ping, `sentences` being its GGA and RMC; returns the length.
+  size_t (*layOutRecord)(std::string_view block, const LivePing& ping, std::string_view sentences,
+                         std::span<char, kMaxRecordSize> record);
 };
 
 // The body of an acquisition thread. Runs until stopEvent is signalled, the device port fails, or the run

@@ -3,44 +3,62 @@
 // that the bytes exist.
 #pragma once
 
+#include <algorithm>
+#include <array>
 #include <bit>
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
-#include <type_traits>
 
 namespace tw {
 
+namespace bytes_detail {
+
+// The value whose bytes stand in memory in the order asked for, or the reverse.
+template <std::integral T, std::endian order>
+constexpr T Ordered(T value) {
+  if constexpr (order == std::endian::native || sizeof(T) == 1) {
+    return value;
+  } else {
+    auto bytes = std::bit_cast<std::array<uint8_t, sizeof(T)>>(value);
+    std::reverse(bytes.begin(), bytes.end());
+    return std::bit_cast<T>(bytes);
+  }
+}
+
+template <std::integral T, std::endian order>
+[[nodiscard]] constexpr T Load(const uint8_t* bytes) {
+  std::array<uint8_t, sizeof(T)> copy{};
+  std::copy_n(bytes, sizeof(T), copy.begin());
+  return Ordered<T, order>(std::bit_cast<T>(copy));
+}
+
+template <std::integral T, std::endian order>
+constexpr void Store(uint8_t* bytes, T value) {
+  const auto copy = std::bit_cast<std::array<uint8_t, sizeof(T)>>(Ordered<T, order>(value));
+  std::copy_n(copy.begin(), sizeof(T), bytes);
+}
+
+}  // namespace bytes_detail
+
 template <std::integral T>
 [[nodiscard]] constexpr T LoadLe(const uint8_t* bytes) {
-  std::make_unsigned_t<T> value = 0;
-  for (size_t i = 0; i < sizeof(T); ++i) {
-    value = static_cast<std::make_unsigned_t<T>>(value | static_cast<std::make_unsigned_t<T>>(bytes[i])
-                                                             << (8 * i));
-  }
-  return static_cast<T>(value);
+  return bytes_detail::Load<T, std::endian::little>(bytes);
 }
 
 template <std::integral T>
 constexpr void StoreLe(uint8_t* bytes, T value) {
-  const auto bits = static_cast<std::make_unsigned_t<T>>(value);
-  for (size_t i = 0; i < sizeof(T); ++i) bytes[i] = static_cast<uint8_t>(bits >> (8 * i));
+  bytes_detail::Store<T, std::endian::little>(bytes, value);
 }
 
 template <std::integral T>
 [[nodiscard]] constexpr T LoadBe(const uint8_t* bytes) {
-  std::make_unsigned_t<T> value = 0;
-  for (size_t i = 0; i < sizeof(T); ++i) {
-    value = static_cast<std::make_unsigned_t<T>>(value | static_cast<std::make_unsigned_t<T>>(bytes[i])
-                                                             << (8 * (sizeof(T) - 1 - i)));
-  }
-  return static_cast<T>(value);
+  return bytes_detail::Load<T, std::endian::big>(bytes);
 }
 
 template <std::integral T>
 constexpr void StoreBe(uint8_t* bytes, T value) {
-  const auto bits = static_cast<std::make_unsigned_t<T>>(value);
-  for (size_t i = 0; i < sizeof(T); ++i) bytes[i] = static_cast<uint8_t>(bits >> (8 * (sizeof(T) - 1 - i)));
+  bytes_detail::Store<T, std::endian::big>(bytes, value);
 }
 
 // IEEE-754 single precision, the bytes in little-endian order.

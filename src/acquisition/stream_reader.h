@@ -1,0 +1,23 @@
+// What all readers of a device's stream have in common: state machines that take bytes as they come and cut
+// them into blocks, one ping or epoch each. No clock, no I/O; one thread at a time.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string_view>
+
+namespace tw {
+
+class StreamReader {
+ public:
+  virtual ~StreamReader() = default;
+
+  // Takes bytes off the front of `input` until a block is complete or the input is used up. True: Block()
+  // holds it until the next call; the rest of the input is still to be fed.
+  [[nodiscard]] virtual bool Feed(std::span<const uint8_t>& input) = 0;
+
+  // The last complete block.
+  [[nodiscard]] virtual std::string_view Block() const = 0;
+};
+
+}  // namespace tw
