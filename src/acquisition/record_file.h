@@ -31,7 +31,8 @@ void CloseBothRecordFiles(AppState& state);
 [[nodiscard]] uint32_t WriteRecord(AppState& state, RecordChannel channel, std::span<const char> ping);
 
 // The end of a run that recorded nothing: writes one CR into each open file (a file of length 0 has no name
-// to be found), looks up its name, closes and deletes it. Acquisition worker only.
+// to be found), looks up its name, closes and deletes it. Acquisition worker, or the GUI thread when there is
+// none.
 void DeleteEmptyRecordFiles(AppState& state);
 
 inline constexpr size_t kSizeTextSize = 64;

@@ -96,8 +96,8 @@ struct AppState {
   Lock recordLock;     // recordFileA, recordFileB and the two busy fields
   Handle recordBusyA;  // the file that the worker is writing to right now, else invalid
   Handle recordBusyB;
-  uint32_t runNumber;           // shared: raised at each worker start and at each stop; a worker whose number
-                                // is stale touches nothing any more
+  uint32_t runNumber;           // shared: raised at each Start and at each Stop; a worker whose number is
+                                // stale touches nothing any more
   PortEntry ports[kMaxPorts];   // GUI thread
   wchar_t rememberedRange[64];  // combo texts at the last Start or Apply; GUI thread
   wchar_t rememberedRangeDual[64];

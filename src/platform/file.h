@@ -10,6 +10,13 @@
 
 namespace tw {
 
+// Between the components of a path.
+#ifdef _WIN32
+inline constexpr wchar_t kPathSeparator = L'\\';
+#else
+inline constexpr wchar_t kPathSeparator = L'/';
+#endif
+
 // Creates the file anew (an existing one loses its content) for reading and writing; others may read it
 // meanwhile, not write it.
 [[nodiscard]] Handle CreateFileAnew(const wchar_t* path);

@@ -1,0 +1,175 @@
+#include "app/connection.h"
+
+#include <cinttypes>
+
+#include "app/control_ids.h"
+#include "app/port_selectors.h"
+#include "app/ui.h"
+#include "base/shared_value.h"
+#include "base/text_format.h"
+#include "device/command_link.h"
+#include "device/serial_ports.h"
+#include "device/settings_readers.h"
+#include "device/stop_device.h"
+#include "platform/clock.h"
+#include "platform/serial_line.h"
+#include "platform/system_error.h"
+
+namespace tw {
+namespace {
+
+constexpr int32_t kFastSpeed_bps = 3'000'000;
+constexpr uint32_t kPause_ms = 10;
+constexpr wchar_t kGpsDisconnected[] = L"GPS: Disconnected";
+
+struct FamilyReader {
+  int32_t family;
+  LinkResult (*read)(Handle port, DeviceSettings& settings);
+};
+
+// In the order in which they are tried.
+constexpr FamilyReader kFamilyReaders[] = {
+    {1, ReadAllSettings},
+    {2, ReadSecondFamilySettings},
+    {0, ReadSettingsFromB64Info},
+};
+
+bool OpenDevice(AppState& state, WaitPointer& pointer) {
+  const Handle port = globals.deviceBaud == kFastSpeed_bps
+                          ? OpenFastDevicePort(globals.devicePortNumber)
+                          : OpenDevicePort(globals.devicePortNumber, globals.deviceBaud);
+  const uint32_t error = LastSystemError();
+  StoreShared(state.devicePort, port);
+  if (port != Handle::invalid) return true;
+  pointer.Restore();
+  ShowSystemError(state, error);
+  return false;
+}
+
+bool BringToPrompt(AppState& state, WaitPointer& pointer, const ElapsedLog& log) {
+  if (StopDevice(state.devicePort) == LinkResult::success) return true;
+  pointer.Restore();
+  ShowBox(state, L"Echosounder is not connected", L"Error", BoxIcon::error);
+  CloseDevicePort(state);
+  log.Write("After Stop Fail time :  ");
+  return false;
+}
+
+bool OpenGps(AppState& state, WaitPointer& pointer) {
+  if (globals.gpsPortNumber == kNoGpsPort) return true;
+  const Handle port = OpenDevicePort(globals.gpsPortNumber, globals.gpsBaud);
+  const uint32_t error = LastSystemError();
+  StoreShared(state.gpsPort, port);
+  if (port != Handle::invalid) return true;
+  CloseDevicePort(state);
+  pointer.Restore();
+  ShowSystemError(state, error);
+  return false;
+}
+
+// Reads into a copy, so that a form that fails half-way leaves nothing behind.
+const FamilyReader* ReadSettings(Handle port, const DeviceSettings& known, DeviceSettings& settings) {
+  for (const FamilyReader& reader : kFamilyReaders) {
+    globals.presetCapable = 0;
+    globals.smoothingSupported = 0;
+    globals.highChannelActive = 0;
+    settings = known;
+    if (reader.read(port, settings) == LinkResult::success) return &reader;
+  }
+  return nullptr;
+}
+
+// What each family needs once it is known. A device that does not answer the reset any more shows as a
+// silent line.
+void SettleFamily(Handle port, int32_t family, DeviceSettings& settings) {
+  switch (family) {
+    case 1:
+      static_cast<void>(Exchange(port, CommandId::reset));
+      if (ProbeInterface(port) != LinkResult::success) globals.interfaceType = 0;
+      return;
+    case 2:
+      static_cast<void>(Exchange(port, CommandId::reset));
+      settings.simultaneous = 0;
+      return;
+    default:
+      globals.smoothingSupported = 0;
+      settings.simultaneous = 0;
+      return;
+  }
+}
+
+}  // namespace
+
+void CloseDevicePort(AppState& state) {
+  CloseSerialLine(ExchangeShared(state.devicePort, Handle::invalid));
+}
+
+void CloseGpsPort(AppState& state) {
+  CloseSerialLine(ExchangeShared(state.gpsPort, Handle::invalid));
+}
+
+void ReadCommunication(AppState& state) {
+  CommunicationSettings chosen{globals.devicePortNumber, globals.deviceBaud, globals.gpsPortNumber,
+                               globals.gpsBaud};
+  ReadCommunicationCombos(state, chosen);
+  globals.devicePortNumber = chosen.devicePort;
+  globals.deviceBaud = chosen.deviceSpeed_bps;
+  globals.gpsPortNumber = chosen.gpsPort;
+  globals.gpsBaud = chosen.gpsSpeed_bps;
+}
+
+bool ConnectPorts(AppState& state, WaitPointer& pointer, const ElapsedLog& log) {
+  if (!OpenDevice(state, pointer)) return false;
+  log.Write("After Connect Time :  ");
+  if (!BringToPrompt(state, pointer, log)) return false;
+  // A prompt that comes late would shift each later reply by one; without one this costs the reply's limit.
+  static_cast<void>(SkipReply(state.devicePort));
+  SleepMilliseconds(kPause_ms);
+  StopTimer(state, ID_TIMER_LINK);
+  log.Write("After Stop Time   ");
+  return OpenGps(state, pointer);
+}
+
+bool IdentifyDevice(AppState& state, WaitPointer& pointer) {
+  DeviceSettings settings{};
+  const FamilyReader* reader = ReadSettings(state.devicePort, state.settings, settings);
+  if (reader == nullptr) {
+    pointer.Restore();
+    ShowBox(state, L"Unable to read settings form the Echosounder", L"Error", BoxIcon::error);
+    CloseDevicePort(state);
+    if (globals.gpsPortNumber != kNoGpsPort) CloseGpsPort(state);
+    return false;
+  }
+  SettleFamily(state.devicePort, reader->family, settings);
+  StoreShared(globals.deviceFamily, reader->family);
+  globals.measuredLowFrequency_hz = settings.virtualLowFrequency_hz;
+  globals.measuredHighFrequency_hz = settings.virtualHighFrequency_hz;
+  state.appliedSettings = settings;
+  state.settings = settings;
+  return true;
+}
+
+void ShowConnection(AppState& state) {
+  wchar_t text[kStatusTextSize];
+  if (LoadShared(globals.deviceFamily) == 1) {
+    FormatWide(text, "Device: COM%" PRId32 ",%" PRId32 "bps, ID: %s", globals.devicePortNumber,
+               globals.deviceBaud, state.settings.identity);
+  } else {
+    FormatWide(text, "Device: COM%" PRId32 ",%" PRId32 "bps, ID: %04" PRId32, globals.devicePortNumber,
+               globals.deviceBaud, state.settings.identifierWord);
+  }
+  SetStatusText(state, StatusPart::device, text);
+  if (globals.gpsPortNumber == kNoGpsPort) {
+    SetStatusText(state, StatusPart::gps, kGpsDisconnected);
+    return;
+  }
+  FormatWide(text, "GPS: COM%" PRId32 ",%" PRId32 "bps", globals.gpsPortNumber, globals.gpsBaud);
+  SetStatusText(state, StatusPart::gps, text);
+}
+
+void ShowDisconnected(AppState& state) {
+  SetStatusText(state, StatusPart::device, L"Device: Disconnected");
+  SetStatusText(state, StatusPart::gps, kGpsDisconnected);
+}
+
+}  // namespace tw

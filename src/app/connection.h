@@ -1,0 +1,30 @@
+// Opening the ports, finding out what answers, closing them. GUI thread.
+#pragma once
+
+#include "app/app_state.h"
+#include "app/elapsed_log.h"
+#include "app/wait_pointer.h"
+
+namespace tw {
+
+// Reads the communication selectors into the process-wide values.
+void ReadCommunication(AppState& state);
+
+// Opens the device port and brings the device to its prompt, then opens the GPS port when one is chosen. On
+// failure the operator has been told, the ports are closed, and the result is false.
+[[nodiscard]] bool ConnectPorts(AppState& state, WaitPointer& pointer, const ElapsedLog& log);
+
+// Reads the device's settings in the forms of the three families, in their order; the first that succeeds
+// decides the family and fills `appliedSettings` and `settings`. On failure the operator has been told, the
+// ports are closed, what was known of the device is unchanged, and the result is false.
+[[nodiscard]] bool IdentifyDevice(AppState& state, WaitPointer& pointer);
+
+// Shows in the status bar what is connected, or that nothing is.
+void ShowConnection(AppState& state);
+void ShowDisconnected(AppState& state);
+
+// Closed at once and marked invalid; a worker that is in a read of theirs gets a failure.
+void CloseDevicePort(AppState& state);
+void CloseGpsPort(AppState& state);
+
+}  // namespace tw

@@ -1,0 +1,28 @@
+// The selectors of serial ports and speeds in the main window. GUI thread.
+#pragma once
+
+#include "app/app_state.h"
+#include "app/persistent_settings.h"
+
+namespace tw {
+
+inline constexpr wchar_t kNoPortText[] = L"N/A";
+
+// Refill a port selector from a fresh enumeration, in the order of the port numbers, and keep its selection;
+// when the selected port has gone, the first item is selected. The GPS selector starts with "N/A".
+void FillDevicePortCombo(AppState& state);
+void FillGpsPortCombo(AppState& state);
+
+// Both, but a selector whose list is dropped down is left alone.
+void RefreshPortCombos(AppState& state);
+
+// Selects stored ports in selectors that are already filled; the first item where a port is not listed.
+void SelectStoredPorts(AppState& state, const CommunicationSettings& stored);
+
+// Fills both speed selectors and selects the stored speeds; the first item where a speed is not listed.
+void FillSpeedCombos(AppState& state, const CommunicationSettings& stored);
+
+// Reads the four selectors. A text that holds no number leaves its value as it was.
+void ReadCommunicationCombos(AppState& state, CommunicationSettings& settings);
+
+}  // namespace tw

@@ -1,0 +1,72 @@
+#include "app/record_opening.h"
+
+#include "acquisition/record_file.h"
+#include "base/shared_value.h"
+#include "base/text_format.h"
+#include "device/info_line.h"
+#include "platform/clock.h"
+#include "platform/file.h"
+
+namespace tw {
+namespace {
+
+NamingFacts CollectFacts(const AppState& state, NamingMoment moment) {
+  const DeviceSettings& settings = state.settings;
+  return {
+      .moment = moment,
+      .family = LoadShared(globals.deviceFamily),
+      .dual = LoadShared(globals.dualMode) != 0,
+      .outputMode = settings.outputMode,
+      .frequencyInUse_hz = settings.frequencyInUse_hz,
+      .lowFrequency_hz = settings.lowFrequency_hz,
+      .highFrequency_hz = settings.highFrequency_hz,
+      .measuredLow_hz = globals.measuredLowFrequency_hz,
+      .measuredHigh_hz = globals.measuredHighFrequency_hz,
+      .identity = settings.identity,
+      .identifierWord = settings.identifierWord,
+      .segyCompanions = LoadShared(state.conversionKind) == 1,
+      .localTime = LocalNow(),
+  };
+}
+
+Handle CreateNamed(const AppState& state, const char* name) {
+  if (name[0] == '\0') return Handle::invalid;
+  wchar_t wide[kRecordNameSize];
+  WidenText(wide, name);
+  return CreateInFolder(state.workingFolder, wide);
+}
+
+// Creates one record file with its settings line(s). The worker sees the handle only when they are written.
+void OpenOne(AppState& state, const RecordFileName& name, RecordChannel channel, Handle& companion) {
+  Handle file = CreateNamed(state, name.record);
+  if (file != Handle::invalid) WriteInfoLine(state, file, name.channelFrequency_hz);
+  PutRecordFile(state, channel, file);
+  companion = CreateNamed(state, name.segy);
+}
+
+void CloseCompanion(Handle& companion) {
+  CloseFile(ExchangeShared(companion, Handle::invalid));
+}
+
+}  // namespace
+
+void OpenRecordFiles(AppState& state, NamingMoment moment) {
+  CloseRecordFiles(state);
+  const bool first = LoadShared(globals.deviceFamily) == 1;
+  if (first && moment == NamingMoment::start && state.settings.outputMode == 5) state.settings.outputMode = 6;
+
+  const RecordFileNames names = NameRecordFiles(CollectFacts(state, moment));
+  globals.lowKHz = NameKHz(globals.measuredLowFrequency_hz);
+  globals.highKHz = NameKHz(globals.measuredHighFrequency_hz);
+  OpenOne(state, names.a, RecordChannel::a, state.segyCompanionA);
+  OpenOne(state, names.b, RecordChannel::b, state.segyCompanionB);
+  FormatRecordTitle(globals.titleText, names.a.record, names.b.record);
+}
+
+void CloseRecordFiles(AppState& state) {
+  CloseBothRecordFiles(state);
+  CloseCompanion(state.segyCompanionA);
+  CloseCompanion(state.segyCompanionB);
+}
+
+}  // namespace tw

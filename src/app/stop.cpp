@@ -1,0 +1,55 @@
+#include "app/connection.h"
+#include "app/control_ids.h"
+#include "app/record_opening.h"
+#include "app/run_control.h"
+#include "app/ui.h"
+#include "app/wait_pointer.h"
+#include "app/worker_control.h"
+#include "base/shared_value.h"
+#include "platform/thread.h"
+
+namespace tw {
+namespace {
+
+constexpr uint32_t kStopLimit_ms = 3000;
+
+// The GPS worker is not waited for: it ends when its port closes. Its run number is stale by then, so the
+// position is taken back here.
+void EndGps(AppState& state) {
+  CloseThread(state.gpsThread);
+  state.gpsThread = Handle::null;
+  CloseGpsPort(state);
+  Locked held(state.gpsLock);
+  globals.fix.quality = 0;
+  globals.gpsQuality = 0;
+}
+
+void ShowIdle(AppState& state) {
+  ShowDisconnected(state);
+  // Posted, so that they come behind what the workers have posted.
+  PostStatusText(state, StatusPart::position, L"");
+  PostStatusText(state, StatusPart::pingLine, L"");
+  Reset(state.recordingEvent);
+  EnableControl(state, ID_RECORD, true);
+  EnableControl(state, ID_SAVE_ADDITIONAL, true);
+  EnableControl(state, ID_START, true);
+  StopTimer(state, ID_TIMER_LINK);
+}
+
+}  // namespace
+
+void StopRun(AppState& state) {
+  EndFileWorkers(state);
+  if (LoadShared(state.devicePort) != Handle::invalid) {
+    WaitPointer pointer;
+    EndAcquisition(state, kStopLimit_ms);
+    RaiseRunNumber(state);
+    EndGps(state);
+    CloseDevicePort(state);
+    CloseRecordFiles(state);
+  }
+  StoreShared(state.linkLost, 0);
+  ShowIdle(state);
+}
+
+}  // namespace tw

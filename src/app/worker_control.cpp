@@ -1,0 +1,123 @@
+#include "app/worker_control.h"
+
+#include <algorithm>
+
+#include "acquisition/echo_text_worker.h"
+#include "acquisition/output_mode.h"
+#include "app/ui.h"
+#include "base/shared_value.h"
+#include "device/start_sequence.h"
+#include "gps/gps_worker.h"
+#include "platform/clock.h"
+#include "platform/thread.h"
+
+namespace tw {
+namespace {
+
+constexpr uint32_t kWaitSlice_ms = 100;
+
+// Which worker serves an output mode. A mode of a family's list that has no row here cannot be run.
+struct WorkerRow {
+  int32_t family;
+  OutputMode mode;
+  ThreadBody worker;
+};
+
+constexpr WorkerRow kWorkers[] = {
+    {1, 2, EchoTextWorker},
+    {1, 4, EchoTextWorker},
+};
+
+ThreadBody WorkerOf(int32_t family, OutputMode mode) {
+  const auto* row = std::find_if(std::begin(kWorkers), std::end(kWorkers), [&](const WorkerRow& each) {
+    return each.family == family && each.mode == mode;
+  });
+  return row == std::end(kWorkers) ? nullptr : row->worker;
+}
+
+// Waits for a thread in slices. False when it is still alive after the limit.
+bool WaitInSlices(Handle thread, uint32_t limit_ms) {
+  const uint32_t begin = MillisecondClock();
+  while (WaitForThread(thread, kWaitSlice_ms) == ThreadWait::timedOut) {
+    if (limit_ms != kWaitForever && MillisecondClock() - begin >= limit_ms) return false;
+  }
+  return true;
+}
+
+// A file worker closes its own thread handle and clears the field when it ends, so the field is read anew
+// for each slice.
+void EndFileWorker(Handle& thread, Event& stop) {
+  if (LoadShared(thread) == Handle::null) return;
+  Signal(stop);
+  for (;;) {
+    const Handle now = LoadShared(thread);
+    if (now == Handle::null || WaitForThread(now, kWaitSlice_ms) != ThreadWait::timedOut) break;
+  }
+  StoreShared(thread, Handle::null);
+}
+
+bool StartAcquisition(AppState& state, ThreadBody worker) {
+  Reset(state.stopEvent);
+  Reset(state.stopEventB);
+  StoreShared(state.linkLost, 0);
+  state.acquisitionThread = StartThread(worker, &state);
+  return state.acquisitionThread != Handle::null;
+}
+
+// kept: before the first Stop the GPS port is the null handle, not the invalid one, so a run without a GPS
+// port then starts a GPS worker all the same; its first read fails and it ends.
+bool StartGps(AppState& state) {
+  if (state.gpsThread != Handle::null || LoadShared(state.gpsPort) == Handle::invalid) return true;
+  state.gpsThread = StartThread(GpsWorker, &state);
+  return state.gpsThread != Handle::null;
+}
+
+}  // namespace
+
+WorkerStart StartWorkers(AppState& state) {
+  const int32_t family = LoadShared(globals.deviceFamily);
+  const OutputMode mode = AcceptedMode(family, state.settings.outputMode);
+  state.settings.outputMode = mode;
+  const ThreadBody worker = WorkerOf(family, mode);
+  if (worker == nullptr) return WorkerStart::unsupportedOutput;
+  StoreShared(state.echogramEnabled, CarriesEchoSamples(family, mode) ? 1 : 0);
+  StartDevice(state);
+  if (!StartAcquisition(state, worker)) return WorkerStart::noAcquisitionThread;
+  return StartGps(state) ? WorkerStart::started : WorkerStart::noGpsThread;
+}
+
+void ReportWorkerStart(AppState& state, WorkerStart failure) {
+  switch (failure) {
+    case WorkerStart::started:
+      return;
+    case WorkerStart::unsupportedOutput:
+      ShowBox(state, L"Unsupported output", L"Error", BoxIcon::error);
+      return;
+    case WorkerStart::noAcquisitionThread:
+      ShowBox(state, L"Unable to run working thread", L"Error", BoxIcon::error);
+      EndProcess(1);
+    case WorkerStart::noGpsThread:
+      ShowBox(state, L"Unable to run GPS working thread", L"Error", BoxIcon::error);
+      return;
+  }
+}
+
+void RaiseRunNumber(AppState& state) {
+  StoreShared(state.runNumber, LoadShared(state.runNumber) + 1);
+}
+
+void EndAcquisition(AppState& state, uint32_t limit_ms) {
+  if (state.acquisitionThread == Handle::null) return;
+  Signal(state.stopEvent);
+  static_cast<void>(WaitInSlices(state.acquisitionThread, limit_ms));
+  CloseThread(state.acquisitionThread);
+  state.acquisitionThread = Handle::null;
+}
+
+void EndFileWorkers(AppState& state) {
+  EndFileWorker(state.fileWorkerA, state.stopEvent);
+  EndFileWorker(state.fileWorkerB, state.stopEventB);
+  state.playbackActive = 0;
+}
+
+}  // namespace tw
