@@ -63,7 +63,8 @@ BOOL CALLBACK LookAtWindow(HWND window, LPARAM parameter) {
   auto& search = *reinterpret_cast<OwnWindowSearch*>(parameter);
   DWORD process = 0;
   GetWindowThreadProcessId(window, &process);
-  if (process != search.process || !IsWindowVisible(window) || ClassName(window) != search.className) return TRUE;
+  if (process != search.process || !IsWindowVisible(window) || ClassName(window) != search.className)
+    return TRUE;
   search.found = window;
   return FALSE;
 }
@@ -85,7 +86,8 @@ Program::Program() {
   std::wstring command = L"\"" + std::wstring(path) + L"\"";
   STARTUPINFOW info{};
   info.cb = sizeof(info);
-  if (!CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &info, &process_)) {
+  if (!CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &info,
+                      &process_)) {
     throw std::runtime_error("the program does not start");
   }
   if (!WaitUntil([this] { return (window_ = FindOwnWindow(kMainClass)) != nullptr; }, 60)) {
@@ -144,8 +146,8 @@ std::wstring Program::Status(int part) const {
 std::vector<ControlPlace> Program::Controls() const {
   std::vector<ControlPlace> controls;
   for (HWND child = GetWindow(window_, GW_CHILD); child != nullptr; child = GetWindow(child, GW_HWNDNEXT)) {
-    ControlPlace control{GetDlgCtrlID(child) & 0xFFFF, child, ClassName(child), ControlText(child), {},
-                         GetWindowLongW(child, GWL_STYLE)};
+    ControlPlace control{GetDlgCtrlID(child) & 0xFFFF, child, ClassName(child),
+                         ControlText(child),           {},    GetWindowLongW(child, GWL_STYLE)};
     GetWindowRect(child, &control.place);
     MapWindowPoints(nullptr, window_, reinterpret_cast<POINT*>(&control.place), 2);
     controls.push_back(control);

@@ -1,5 +1,5 @@
-// The program under test, seen from outside: a process with a window that is clicked and read like an operator
-// would. Times are limits for what happens by itself; nothing is asserted about how long it takes.
+// The program under test, seen from outside: a process with a window that is clicked and read like an
+// operator would. Times are limits for what happens by itself; nothing is asserted about how long it takes.
 #pragma once
 
 #include <windows.h>

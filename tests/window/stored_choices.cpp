@@ -33,7 +33,8 @@ void StoreChoice(const wchar_t* name, const std::wstring& text) {
 std::optional<uint32_t> StoredNumber(const wchar_t* name) {
   DWORD value = 0;
   DWORD size = sizeof(value);
-  if (RegGetValueW(HKEY_CURRENT_USER, kKey, name, RRF_RT_REG_DWORD, nullptr, &value, &size) != ERROR_SUCCESS) {
+  if (RegGetValueW(HKEY_CURRENT_USER, kKey, name, RRF_RT_REG_DWORD, nullptr, &value, &size) !=
+      ERROR_SUCCESS) {
     return std::nullopt;
   }
   return value;
@@ -78,7 +79,8 @@ OwnFolder::~OwnFolder() {
 
 std::vector<std::wstring> OwnFolder::Files() const {
   std::vector<std::wstring> files;
-  for (const auto& entry : std::filesystem::directory_iterator(path_)) files.push_back(entry.path().wstring());
+  for (const auto& entry : std::filesystem::directory_iterator(path_))
+    files.push_back(entry.path().wstring());
   return files;
 }
 

@@ -16,7 +16,7 @@ void StoreChoice(const wchar_t* name, uint32_t value);
 void StoreChoice(const wchar_t* name, const std::wstring& text);
 
 [[nodiscard]] std::optional<uint32_t> StoredNumber(const wchar_t* name);
-[[nodiscard]] std::wstring StoredText(const wchar_t* name);       // empty when there is none
+[[nodiscard]] std::wstring StoredText(const wchar_t* name);           // empty when there is none
 [[nodiscard]] std::optional<size_t> StoredSize(const wchar_t* name);  // of a value of any kind, in bytes
 
 // Stores ports, speeds and working folder for a run with the instruments on COM5 and COM6.
