@@ -16,6 +16,7 @@
 #include "platform/serial_line.h"
 #include "platform/thread.h"
 #include "simulator/virtual_gps.h"
+#include "tests/simulator_peer.h"
 
 namespace tw {
 
@@ -34,19 +35,11 @@ constexpr char kMode[] = "baud=4800 parity=N data=8 stop=1";
 constexpr int64_t kStart_ms = 1'700'000'000'000;
 
 // The virtual receiver behind a line in this process.
-class Receiver : public SerialPeer {
- public:
-  explicit Receiver(const sim::GpsOptions& options) : gps(options) {}
-
-  void Close() override { ++closed; }
-  void Receive(std::span<const uint8_t> bytes, int64_t now_us) override { gps.Receive(bytes, now_us); }
-  size_t Send(std::span<uint8_t> out, int64_t now_us) override { return gps.Send(out, now_us); }
-  int64_t NextSend_us(int64_t now_us) override { return gps.NextSend_us(now_us); }
-  size_t Waiting(int64_t now_us) override { return gps.Waiting(now_us); }
-  bool HungUp(int64_t now_us) override { return gps.HungUp(now_us); }
+struct Receiver {
+  explicit Receiver(const sim::GpsOptions& options) : gps(options), peer(gps) {}
 
   sim::VirtualGps gps;
-  int closed = 0;
+  test::SimulatorPeer peer;
 };
 
 class GpsWorkerTest : public testing::Test {
@@ -64,7 +57,7 @@ class GpsWorkerTest : public testing::Test {
   }
 
   void Start(Receiver& receiver) {
-    AttachPeer(kName, &receiver);
+    AttachPeer(kName, &receiver.peer);
     state_->gpsPort = OpenSerialLine(kName, kMode, 100);
     ASSERT_NE(state_->gpsPort, Handle::invalid);
     thread_ = StartThread(GpsWorker, state_.get());
@@ -111,7 +104,7 @@ TEST_F(GpsWorkerTest, KeepsTheFixAndWhatIsDerivedFromIt) {
   }
   Stop();
   WaitForEnd();
-  EXPECT_EQ(receiver.closed, 1);
+  EXPECT_EQ(receiver.peer.Closed(), 1);
 }
 
 TEST_F(GpsWorkerTest, BeforeTheFirstSentenceTheTimeIsTheSystems) {
@@ -138,12 +131,12 @@ TEST_F(GpsWorkerTest, APulledPlugClosesThePortOnceAndLeavesNoQuality) {
   SleepMilliseconds(1'000);
   WaitForEnd();
   EXPECT_EQ(state_->gpsPort, Handle::invalid);
-  EXPECT_EQ(receiver.closed, 1);
+  EXPECT_EQ(receiver.peer.Closed(), 1);
   EXPECT_EQ(globals.gpsQuality, 0);
   EXPECT_EQ(globals.fix.quality, 0);
   EXPECT_NE(globals.gpsLatitude_rad, 0.0f);
   Stop();
-  EXPECT_EQ(receiver.closed, 1);
+  EXPECT_EQ(receiver.peer.Closed(), 1);
 }
 
 TEST_F(GpsWorkerTest, AFailedReadEndsIt) {
@@ -154,7 +147,7 @@ TEST_F(GpsWorkerTest, AFailedReadEndsIt) {
   SleepMilliseconds(5'000);
   WaitForEnd();
   EXPECT_EQ(state_->gpsPort, Handle::invalid);
-  EXPECT_EQ(receiver.closed, 1);
+  EXPECT_EQ(receiver.peer.Closed(), 1);
   EXPECT_EQ(CallCount(FaultPoint::readLine), 20u);
 }
 
@@ -202,7 +195,7 @@ TEST_F(GpsWorkerTest, OvertakenByAnotherStartItTouchesNothing) {
     const uint32_t updates = globals.gpsUpdates;
     WaitForEnd();
     EXPECT_EQ(state_->gpsPort, other);
-    EXPECT_EQ(receiver.closed, 0);
+    EXPECT_EQ(receiver.peer.Closed(), 0);
     EXPECT_EQ(globals.fix.quality, 5);
     EXPECT_EQ(globals.fix.presence, 0u);
     EXPECT_EQ(globals.gpsQuality, 5);
@@ -252,7 +245,7 @@ TEST_F(GpsWorkerTest, ReadersUnderTheLockSeeWholeValues) {
   }
   Stop();
   WaitForEnd();
-  EXPECT_EQ(receiver.closed, 1);
+  EXPECT_EQ(receiver.peer.Closed(), 1);
 }
 
 }  // namespace
