@@ -1,5 +1,7 @@
 #include "tests/app/run_control_fixture.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <fstream>
 #include <iterator>
@@ -63,8 +65,8 @@ RunControlTest::~RunControlTest() {
   FreeZeroed(state_, sizeof *state_);
 }
 
-void RunControlTest::ConnectSounder(const sim::SounderOptions& options) {
-  sounder_ = std::make_unique<sim::VirtualEchosounder>(options);
+void RunControlTest::ConnectSounder(const sim::SounderOptions& options, sim::PingObserver* observer) {
+  sounder_ = std::make_unique<sim::VirtualEchosounder>(options, observer);
   sounderPeer_ = std::make_unique<SimulatorPeer>(*sounder_);
   AttachPeer(kDeviceLine, sounderPeer_.get());
 }

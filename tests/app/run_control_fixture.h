@@ -31,7 +31,7 @@ class RunControlTest : public testing::Test {
   ~RunControlTest() override;
 
   // Puts an instrument behind its line. Not more than once a test.
-  void ConnectSounder(const sim::SounderOptions& options);
+  void ConnectSounder(const sim::SounderOptions& options, sim::PingObserver* observer = nullptr);
   void ConnectGps(const sim::GpsOptions& options);
   void ChooseGps() { Ui().Choose(ID_GPS_PORT, L"COM6"); }
 
