@@ -22,6 +22,14 @@ bool TakePlus(std::string_view& text) {
   return text.empty() || text.front() != '-';
 }
 
+// Of an unsigned number that is out of range: true when it is too small, not too large. The exponent's sign
+// tells; without an exponent, a number below 1 is the small one.
+bool IsTiny(std::string_view magnitude) {
+  const size_t exponent = magnitude.find_first_of("eE");
+  if (exponent != magnitude.npos) return magnitude.substr(exponent + 1).starts_with('-');
+  return magnitude.substr(0, magnitude.find('.')).find_first_not_of('0') == magnitude.npos;
+}
+
 template <typename T>
 bool ScanWhole(std::string_view& text, size_t width, T& value) {
   std::string_view rest = text;
@@ -66,13 +74,9 @@ bool ScanDouble(std::string_view& text, double& value) {
   double wide = 0;
   const auto [end, error] = std::from_chars(number.data(), number.data() + number.size(), wide);
   if (error == std::errc::invalid_argument) return false;
-  // Out of range: from_chars does not tell too large from too small. A number whose exponent is negative is
-  // the small one.
+  // Out of range: from_chars does not tell too large from too small.
   if (error == std::errc::result_out_of_range) {
-    const std::string_view read(number.data(), static_cast<size_t>(end - number.data()));
-    const bool small =
-        read.find("e-") != read.npos || read.find("E-") != read.npos || read.find("0.0") != read.npos;
-    if (!small) return false;
+    if (!IsTiny({magnitude.data(), static_cast<size_t>(end - magnitude.data())})) return false;
     wide = 0;
   }
   rest.remove_prefix(static_cast<size_t>(end - rest.data()));

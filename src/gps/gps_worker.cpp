@@ -16,6 +16,16 @@ namespace {
 constexpr uint32_t kReadSize = 64;
 constexpr size_t kParserCapacity = 4096;
 
+// What a worker began with. The system uses handles again, so the number counts too.
+struct GpsRun {
+  Handle port;
+  uint32_t number;
+
+  [[nodiscard]] bool IsCurrent(const AppState& state) const {
+    return LoadShared(state.runNumber) == number && LoadShared(state.gpsPort) == port;
+  }
+};
+
 uint32_t FixTime(const GpsTime& utc) {
   const CalendarTime time{utc.year + 1900, utc.month + 1, utc.day, utc.hour, utc.minute, utc.second, 0};
   return static_cast<uint32_t>(std::clamp<int64_t>(UnixSecondsFromCalendar(time), 0, UINT32_MAX));
@@ -40,18 +50,36 @@ bool ReadSome(Handle port, uint8_t (&bytes)[kReadSize], uint32_t& got) {
   return ReadSerialLine(port, bytes, wanted, got);
 }
 
-void TakeBytes(AppState& state, NmeaParser& parser, const uint8_t* bytes, uint32_t count) {
-  Locked held(state.gpsLock);
-  ParserPush(parser, bytes, count);
+// False when the run is over.
+bool TakeBytes(AppState& state, const GpsRun& run, NmeaParser& parser, const uint8_t* bytes, uint32_t count) {
+  const Locked held(state.gpsLock);
+  if (!run.IsCurrent(state)) return false;
+  static_cast<void>(ParserPush(parser, bytes, count));
   const int applied = ApplyPackets(parser, globals.fix);
   DeriveValues(parser);
   StoreShared(globals.gpsUpdates, LoadShared(globals.gpsUpdates) + static_cast<uint32_t>(applied));
+  return true;
 }
 
-// The port is closed here, since nobody else will find its handle once the field is invalid.
-void GiveUpPort(AppState& state, Handle port) {
-  if (CompareExchangeShared(state.gpsPort, port, Handle::invalid)) CloseSerialLine(port);
-  Locked held(state.gpsLock);
+// The talker flag outlives the parser: it changes only with a sentence that is applied.
+bool BeginRun(AppState& state, const GpsRun& run, NmeaParser& parser) {
+  const Locked held(state.gpsLock);
+  if (!run.IsCurrent(state)) return false;
+  ClearFix(globals.fix);
+  parser.talkerGn = globals.gpsTalkerGn != 0;
+  return MakeParser(parser, kParserCapacity);
+}
+
+// The port is closed by whoever takes it out of the record, this thread or Stop. Without a port nobody else
+// owns the fix: its quality becomes 0 even after a Stop, or the next run without a receiver would record this
+// run's position as a valid one.
+void EndRun(AppState& state, const GpsRun& run) {
+  const Locked held(state.gpsLock);
+  if (LoadShared(state.runNumber) == run.number &&
+      CompareExchangeShared(state.gpsPort, run.port, Handle::invalid)) {
+    CloseSerialLine(run.port);
+  }
+  if (LoadShared(state.gpsPort) != Handle::invalid) return;
   globals.fix.quality = 0;
   globals.gpsQuality = 0;
 }
@@ -60,34 +88,29 @@ void GiveUpPort(AppState& state, Handle port) {
 
 void GpsWorker(void* argument) {
   AppState& state = *static_cast<AppState*>(argument);
-  const uint32_t runNumber = LoadShared(state.runNumber);
-  const Handle port = LoadShared(state.gpsPort);
+  const GpsRun run{.port = LoadShared(state.gpsPort), .number = LoadShared(state.runNumber)};
   NmeaParser parser{};
-  if (!MakeParser(parser, kParserCapacity)) return;
-  {
-    Locked held(state.gpsLock);
-    ClearFix(globals.fix);
-  }
-  for (;;) {
+  if (BeginRun(state, run, parser)) {
     uint8_t bytes[kReadSize];
     uint32_t got = 0;
-    const bool alive = ReadSome(port, bytes, got);
-    if (LoadShared(state.runNumber) != runNumber) return;
-    if (!alive) return GiveUpPort(state, port);
-    if (got != 0) TakeBytes(state, parser, bytes, got);
+    while (run.IsCurrent(state) && ReadSome(run.port, bytes, got)) {
+      if (got != 0 && !TakeBytes(state, run, parser, bytes, got)) break;
+    }
   }
+  EndRun(state, run);
 }
 
 void FormatPositionStatus(AppState& state) {
-  static constinit StatusTexts texts{};
-  PositionValues values;
+  static constinit StatusTexts texts{};  // which one is next: under gpsLock
+  const wchar_t* posted = nullptr;
   {
-    Locked held(state.gpsLock);
-    values = {globals.gpsFixType, globals.gpsLatitude_rad, globals.gpsLongitude_rad, globals.gpsPdop};
+    const Locked held(state.gpsLock);
+    auto& text = texts.Next();
+    FormatPosition(text,
+                   {globals.gpsFixType, globals.gpsLatitude_rad, globals.gpsLongitude_rad, globals.gpsPdop});
+    posted = text;
   }
-  auto& text = texts.Next();
-  FormatPosition(text, values);
-  PostStatusText(state, StatusPart::position, text);
+  PostStatusText(state, StatusPart::position, posted);
 }
 
 }  // namespace tw

@@ -5,8 +5,9 @@
 
 namespace tw {
 
-// Thread body; `state` is the state record. Ends when the port fails or is closed, or when the run number has
-// become stale. A port that failed is closed and marked invalid, and the quality becomes 0.
+// Thread body; `state` is the state record. Reads `gpsPort` until a read fails, or the port is no longer the
+// one that it began with (Stop, another Start). A port that failed is closed and marked invalid. Quality 0 is
+// left behind, unless another port is open by then, whose worker owns the fix.
 void GpsWorker(void* state);
 
 // Posts the position text to the status bar. GUI thread and playback workers.

@@ -12,7 +12,11 @@ namespace {
 constexpr double kKmhPerKnot = 1.852;
 
 size_t AppendChecksum(std::span<char> text, size_t length) {
-  if (length == 0) return 0;
+  constexpr size_t kEndSize = 6;  // "*", two digits, CR, LF and the zero
+  if (length == 0 || length + kEndSize > text.size()) {
+    if (!text.empty()) text[0] = '\0';
+    return 0;
+  }
   const unsigned sum = XorChecksum(std::string_view(text.data() + 1, length - 1));
   return length + FormatText(text.subspan(length), "*%02x\r\n", sum);
 }

@@ -2,249 +2,253 @@
 
 #include <algorithm>
 #include <cmath>
-#include <string>
+#include <initializer_list>
+#include <iterator>
 
 #include "gps/nmea_scan.h"
 
 namespace tw {
 namespace {
 
-constexpr ParseFailure kParsed{nullptr, nullptr};
-constexpr char kTimeFormatError[] = "Parse of time error (format error)!";
+constexpr double kMaxLatitude = 9000;    // ddmm.mmmm
+constexpr double kMaxLongitude = 18000;  // dddmm.mmmm
+constexpr double kMaxFigure = 1e6;       // metres, seconds, knots, degrees, dilution
 constexpr double kKmhPerKnot = 1.852;
+constexpr int32_t kMaxGsvSentences = kMaxSatellites / 4;
 
-// Bounds that no receiver's values reach; a sentence beyond them is damaged.
-constexpr double kMaxDegreesMinutes = 36'000.0;
-constexpr double kMaxMetres = 1'000'000.0;
-constexpr double kMaxSpeed = 100'000.0;
-constexpr double kMaxDop = 10'000.0;
-constexpr double kMaxAge_s = 1'000'000.0;
-constexpr int32_t kMaxCount = 9'999;
-
-bool Within(double value, double bound) {
-  return std::fabs(value) <= bound;
-}
-bool IsCount(int32_t value) {
-  return value >= 0 && value <= kMaxCount;
-}
-double Signed(double value, char letter, char negative) {
-  return letter == negative ? -std::fabs(value) : std::fabs(value);
-}
-
-// The texts of one sentence type, so that GP and GN share their parsers.
-struct Texts {
-  const char* parse;
-  const char* time;
+enum class ReadResult : uint8_t {
+  complete,
+  parseError,
+  secondError,      // the row's second text
+  timeFormatError,  // the time has a wrong length
 };
 
-template <size_t N>
-int Scan(std::string_view sentence, std::string_view format, const ScanTarget (&targets)[N]) {
-  return ScanSentence(sentence, format, targets);
+struct SentenceRow {
+  SentenceType type;
+  std::string_view word;
+  ReadResult (*read)(std::string_view sentence, const SentenceRow& row, Packet& packet);
+  std::string_view format;
+  int least;  // conversions
+  int most;
+  const char* parseError;
+  const char* secondError;
+
+  [[nodiscard]] bool Accepts(int converted) const { return converted >= least && converted <= most; }
+};
+
+template <typename... Targets>
+int Scan(std::string_view sentence, std::string_view format, Targets&... targets) {
+  const ScanTarget list[] = {&targets...};
+  return ScanSentence(sentence, format, list);
 }
 
-ParseFailure ParseGga(std::string_view sentence, std::string_view format, const Texts& texts,
-                      Packet& packet) {
+bool AreFigures(std::initializer_list<double> figures) {
+  return std::all_of(figures.begin(), figures.end(), [](double f) { return std::fabs(f) <= kMaxFigure; });
+}
+
+bool IsBetween(int32_t value, int32_t low, int32_t high) {
+  return value >= low && value <= high;
+}
+
+// Makes `value` negative on the southern or western side. False when it is none of a globe.
+bool ApplySide(double& value, char side, char negativeSide, double most) {
+  if (!(value >= 0 && value <= most)) return false;
+  if (side == negativeSide) value = -value;
+  return true;
+}
+
+// kept: the digits after the point are a number of their own, so ".5" is 5 hundredths and ".123" is 123.
+ReadResult ReadTime(std::string_view field, TimeOfDay& time) {
+  TimeOfDay read{};
+  int missing = 0;
+  if (field.size() == 6) {
+    missing = 3 - Scan(field, "%2d%2d%2d", read.hour, read.minute, read.second);
+  } else if (field.size() >= 8 && field.size() <= 10) {
+    missing = 4 - Scan(field, "%2d%2d%2d.%d", read.hour, read.minute, read.second, read.hundredth);
+  } else {
+    return ReadResult::timeFormatError;
+  }
+  const bool valid = missing == 0 && IsBetween(read.hour, 0, 23) && IsBetween(read.minute, 0, 59) &&
+                     IsBetween(read.second, 0, 60) && IsBetween(read.hundredth, 0, 999);
+  if (!valid) return ReadResult::secondError;
+  time = read;
+  return ReadResult::complete;
+}
+
+ReadResult ReadGga(std::string_view sentence, const SentenceRow& row, Packet& packet) {
   GgaPacket gga{};
   std::string_view time;
-  char ns = 0;
-  char ew = 0;
-  char elevationUnit = 0;
-  char geoidUnit = 0;
-  const ScanTarget targets[] = {&time,
-                                &gga.latitude,
-                                &ns,
-                                &gga.longitude,
-                                &ew,
-                                &gga.quality,
-                                &gga.satellitesInUse,
-                                &gga.hdop,
-                                &gga.elevation_m,
-                                &elevationUnit,
-                                &gga.geoidHeight_m,
-                                &geoidUnit,
-                                &gga.differentialAge_s,
-                                &gga.differentialStation};
-  if (Scan(sentence, format, targets) != 14) return {texts.parse, nullptr};
-  if (!ParseTimeOfDay(time, gga.time)) return {texts.time, kTimeFormatError};
-  const bool sane = Within(gga.latitude, kMaxDegreesMinutes) && Within(gga.longitude, kMaxDegreesMinutes) &&
-                    IsCount(gga.quality) && IsCount(gga.satellitesInUse) && Within(gga.hdop, kMaxDop) &&
-                    Within(gga.elevation_m, kMaxMetres) && Within(gga.geoidHeight_m, kMaxMetres) &&
-                    Within(gga.differentialAge_s, kMaxAge_s) && IsCount(gga.differentialStation);
-  if (!sane) return {texts.parse, nullptr};
-  gga.latitude = Signed(gga.latitude, ns, 'S');
-  gga.longitude = Signed(gga.longitude, ew, 'W');
-  packet = gga;
-  return kParsed;
+  char northSouth = 0, eastWest = 0, unit = 0, geoidUnit = 0;
+  const int converted = Scan(sentence, row.format, time, gga.latitude, northSouth, gga.longitude, eastWest,
+                             gga.quality, gga.satellitesInUse, gga.hdop, gga.elevation_m, unit,
+                             gga.geoidHeight_m, geoidUnit, gga.differentialAge_s, gga.differentialStation);
+  if (!row.Accepts(converted)) return ReadResult::parseError;
+  const bool valid = ApplySide(gga.latitude, northSouth, 'S', kMaxLatitude) &&
+                     ApplySide(gga.longitude, eastWest, 'W', kMaxLongitude) && IsBetween(gga.quality, 0, 9) &&
+                     IsBetween(gga.satellitesInUse, 0, 99) && IsBetween(gga.differentialStation, 0, 9999) &&
+                     AreFigures({gga.hdop, gga.elevation_m, gga.geoidHeight_m, gga.differentialAge_s});
+  if (!valid) return ReadResult::parseError;
+  const ReadResult result = ReadTime(time, gga.time);
+  if (result == ReadResult::complete) packet = gga;
+  return result;
 }
 
-ParseFailure ParseGsa(std::string_view sentence, Packet& packet) {
-  constexpr ParseFailure kFailed{"GPGSA parse error!", nullptr};
+ReadResult ReadGsa(std::string_view sentence, const SentenceRow& row, Packet& packet) {
   GsaPacket gsa{};
-  char mode = 0;
+  char selection = 0;
   int32_t used[12] = {};
-  const ScanTarget targets[] = {&mode,     &gsa.fixType, &used[0],  &used[1],  &used[2], &used[3],
-                                &used[4],  &used[5],     &used[6],  &used[7],  &used[8], &used[9],
-                                &used[10], &used[11],    &gsa.pdop, &gsa.hdop, &gsa.vdop};
-  if (Scan(sentence, "$GPGSA,%C,%d,%d,%d,%d,%d,%d,%d,%d,%d,%d,%d,%d,%d,%f,%f,%f*", targets) != 17)
-    return kFailed;
-  if (!IsCount(gsa.fixType) || !Within(gsa.pdop, kMaxDop) || !Within(gsa.hdop, kMaxDop) ||
-      !Within(gsa.vdop, kMaxDop)) {
-    return kFailed;
+  const int converted =
+      Scan(sentence, row.format, selection, gsa.fixType, used[0], used[1], used[2], used[3], used[4], used[5],
+           used[6], used[7], used[8], used[9], used[10], used[11], gsa.pdop, gsa.hdop, gsa.vdop);
+  if (!row.Accepts(converted)) return ReadResult::parseError;
+  if (!IsBetween(gsa.fixType, 0, 3) || !AreFigures({gsa.pdop, gsa.hdop, gsa.vdop})) {
+    return ReadResult::parseError;
   }
   packet = gsa;
-  return kParsed;
+  return ReadResult::complete;
 }
 
-ParseFailure ParseGsv(std::string_view sentence, Packet& packet) {
-  constexpr ParseFailure kFailed{"GPGSV parse error!", nullptr};
+ReadResult ReadGsv(std::string_view sentence, const SentenceRow& row, Packet& packet) {
   GsvPacket gsv{};
   int32_t sentences = 0;
-  GpsSatellite* s = gsv.satellites;
-  const ScanTarget targets[] = {&sentences,          &gsv.sentenceIndex, &gsv.satellitesInView, &s[0].id,
-                                &s[0].elevation_deg, &s[0].azimuth_deg,  &s[0].signal_db,       &s[1].id,
-                                &s[1].elevation_deg, &s[1].azimuth_deg,  &s[1].signal_db,       &s[2].id,
-                                &s[2].elevation_deg, &s[2].azimuth_deg,  &s[2].signal_db,       &s[3].id,
-                                &s[3].elevation_deg, &s[3].azimuth_deg,  &s[3].signal_db};
-  const int converted =
-      Scan(sentence, "$GPGSV,%d,%d,%d,%d,%d,%d,%d,%d,%d,%d,%d,%d,%d,%d,%d,%d,%d,%d,%d*", targets);
-  if (converted < 3 || gsv.sentenceIndex < 1 || !IsCount(gsv.sentenceIndex) ||
-      !IsCount(gsv.satellitesInView)) {
-    return kFailed;
+  auto& s = gsv.satellites;
+  const int converted = Scan(sentence, row.format, sentences, gsv.sentenceIndex, gsv.satellitesInView,
+                             s[0].id, s[0].elevation_deg, s[0].azimuth_deg, s[0].signal_db,  //
+                             s[1].id, s[1].elevation_deg, s[1].azimuth_deg, s[1].signal_db,  //
+                             s[2].id, s[2].elevation_deg, s[2].azimuth_deg, s[2].signal_db,  //
+                             s[3].id, s[3].elevation_deg, s[3].azimuth_deg, s[3].signal_db);
+  if (!row.Accepts(converted)) return ReadResult::parseError;
+  if (!IsBetween(sentences, 1, kMaxGsvSentences) || !IsBetween(gsv.sentenceIndex, 1, sentences) ||
+      !IsBetween(gsv.satellitesInView, 0, kMaxSatellites)) {
+    return ReadResult::parseError;
   }
   gsv.count = std::clamp(gsv.satellitesInView - 4 * (gsv.sentenceIndex - 1), 0, 4);
-  if (converted < 3 + 4 * gsv.count) return kFailed;
+  if (converted < row.least + 4 * gsv.count) return ReadResult::parseError;
   packet = gsv;
-  return kParsed;
+  return ReadResult::complete;
 }
 
-int32_t ModeCode(char letter) {
-  constexpr std::string_view kLetters = "ADEM";
-  const size_t at = letter == '\0' ? kLetters.npos : kLetters.find(letter);
-  return at == kLetters.npos ? 4 : static_cast<int32_t>(at);
+int32_t ModeCode(char mode) {
+  const size_t place = std::string_view("ADEM").find(mode);
+  return place == std::string_view::npos ? 4 : static_cast<int32_t>(place);
 }
 
-ParseFailure ParseRmc(std::string_view sentence, std::string_view format, const Texts& texts,
-                      Packet& packet) {
-  RmcPacket rmc{};
-  std::string_view time;
-  char status = 0;
-  char ns = 0;
-  char ew = 0;
-  char declinationSide = 0;
-  char mode = 0;
-  double speed_knots = 0;
-  int32_t month = 0;
-  int32_t year = 0;
-  const ScanTarget targets[] = {&time,
-                                &status,
-                                &rmc.latitude,
-                                &ns,
-                                &rmc.longitude,
-                                &ew,
-                                &speed_knots,
-                                &rmc.direction_deg,
-                                &rmc.day,
-                                &month,
-                                &year,
-                                &rmc.declination_deg,
-                                &declinationSide,
-                                &mode};
-  if (Scan(sentence, format, targets) < 13) return {texts.parse, nullptr};
-  if (!ParseTimeOfDay(time, rmc.time)) return {texts.time, kTimeFormatError};
-  if (!Within(rmc.latitude, kMaxDegreesMinutes) || !Within(rmc.longitude, kMaxDegreesMinutes) ||
-      !Within(speed_knots, kMaxSpeed) || !Within(rmc.direction_deg, kMaxSpeed) ||
-      !Within(rmc.declination_deg, kMaxSpeed)) {
-    return {texts.parse, nullptr};
-  }
-  rmc.latitude = Signed(rmc.latitude, ns, 'S');
-  rmc.longitude = Signed(rmc.longitude, ew, 'W');
-  rmc.declination_deg = Signed(rmc.declination_deg, declinationSide, 'W');
-  rmc.speed_kmh = speed_knots * kKmhPerKnot;
-  rmc.hasDate = month >= 1 && month <= 12 && rmc.day >= 1 && rmc.day <= 31 && year >= 0 && year <= 99;
+// Day, month and two-digit year as sent. An empty date, or one of zeros alone, is none.
+bool ReadDate(int32_t day, int32_t month, int32_t year, RmcPacket& rmc) {
+  if (day == 0 && month == 0 && year == 0) return true;
+  if (!IsBetween(day, 1, 31) || !IsBetween(month, 1, 12) || !IsBetween(year, 0, 99)) return false;
+  rmc.hasDate = true;
+  rmc.day = day;
   rmc.month = month - 1;
   rmc.year = year >= 90 ? year : year + 100;
-  rmc.modeCode = ModeCode(mode);
-  packet = rmc;
-  return kParsed;
+  return true;
 }
 
-ParseFailure ParseVtg(std::string_view sentence, Packet& packet) {
-  constexpr ParseFailure kFailed{"GPVTG parse error!", nullptr};
-  VtgPacket vtg{};
-  double magnetic = 0;
-  double knots = 0;
-  char units[4] = {};
-  const ScanTarget targets[] = {&vtg.direction_deg, &units[0],      &magnetic, &units[1], &knots,
-                                &units[2],          &vtg.speed_kmh, &units[3]};
-  if (Scan(sentence, "$GPVTG,%f,%C,%f,%C,%f,%C,%f,%C*", targets) != 8) return kFailed;
-  if (std::string_view(units, 4) != "TMNK") return {"GPVTG parse error (format error)!", nullptr};
-  if (!Within(vtg.direction_deg, kMaxSpeed) || !Within(vtg.speed_kmh, kMaxSpeed)) return kFailed;
-  packet = vtg;
-  return kParsed;
+ReadResult ReadRmc(std::string_view sentence, const SentenceRow& row, Packet& packet) {
+  RmcPacket rmc{};
+  std::string_view time;
+  char status = 0, northSouth = 0, eastWest = 0, declinationSide = 0, mode = 0;
+  int32_t day = 0, month = 0, year = 0;
+  double speed_kn = 0;
+  const int converted =
+      Scan(sentence, row.format, time, status, rmc.latitude, northSouth, rmc.longitude, eastWest, speed_kn,
+           rmc.direction_deg, day, month, year, rmc.declination_deg, declinationSide, mode);
+  if (!row.Accepts(converted)) return ReadResult::parseError;
+  const bool valid = ApplySide(rmc.latitude, northSouth, 'S', kMaxLatitude) &&
+                     ApplySide(rmc.longitude, eastWest, 'W', kMaxLongitude) &&
+                     ReadDate(day, month, year, rmc) &&
+                     AreFigures({speed_kn, rmc.direction_deg, rmc.declination_deg});
+  if (!valid) return ReadResult::parseError;
+  rmc.speed_kmh = speed_kn * kKmhPerKnot;
+  if (declinationSide == 'W') rmc.declination_deg = -rmc.declination_deg;
+  rmc.modeCode = ModeCode(mode);
+  const ReadResult result = ReadTime(time, rmc.time);
+  if (result == ReadResult::complete) packet = rmc;
+  return result;
 }
+
+ReadResult ReadVtg(std::string_view sentence, const SentenceRow& row, Packet& packet) {
+  VtgPacket vtg{};
+  double magnetic_deg = 0;
+  double speed_kn = 0;
+  char units[4] = {};
+  const int converted = Scan(sentence, row.format, vtg.direction_deg, units[0], magnetic_deg, units[1],
+                             speed_kn, units[2], vtg.speed_kmh, units[3]);
+  if (!row.Accepts(converted)) return ReadResult::parseError;
+  if (std::string_view(units, 4) != "TMNK") return ReadResult::secondError;
+  if (!AreFigures({vtg.direction_deg, vtg.speed_kmh})) return ReadResult::parseError;
+  packet = vtg;
+  return ReadResult::complete;
+}
+
+// kept: the format holds seven conversions and the row asks for 14, so each GLL is rejected; the position
+// comes from GGA and RMC alone.
+ReadResult ReadGll(std::string_view sentence, const SentenceRow& row, Packet&) {
+  double latitude = 0, longitude = 0;
+  char northSouth = 0, eastWest = 0, status = 0, mode = 0;
+  std::string_view time;
+  TimeOfDay timeOfDay{};
+  const int converted =
+      Scan(sentence, row.format, latitude, northSouth, longitude, eastWest, time, status, mode);
+  return row.Accepts(converted) ? ReadTime(time, timeOfDay) : ReadResult::parseError;
+}
+
+// In the order of the type codes.
+constexpr SentenceRow kRows[] = {
+    {SentenceType::gpgga, "GPGGA", ReadGga, "$GPGGA,%s,%f,%C,%f,%C,%d,%d,%f,%f,%C,%f,%C,%f,%d*", 14, 14,
+     "GPGGA parse error!", "GPGGA time parse error!"},
+    {SentenceType::gpgsa, "GPGSA", ReadGsa, "$GPGSA,%C,%d,%d,%d,%d,%d,%d,%d,%d,%d,%d,%d,%d,%d,%f,%f,%f*", 17,
+     17, "GPGSA parse error!", nullptr},
+    {SentenceType::gpgsv, "GPGSV", ReadGsv,
+     "$GPGSV,%d,%d,%d,%d,%d,%d,%d,%d,%d,%d,%d,%d,%d,%d,%d,%d,%d,%d,%d*", 3, 19, "GPGSV parse error!",
+     nullptr},
+    {SentenceType::gprmc, "GPRMC", ReadRmc, "$GPRMC,%s,%C,%f,%C,%f,%C,%f,%f,%2d%2d%2d,%f,%C,%C*", 13, 14,
+     "GPRMC parse error!", "GPRMC time parse error!"},
+    {SentenceType::gpvtg, "GPVTG", ReadVtg, "$GPVTG,%f,%C,%f,%C,%f,%C,%f,%C*", 8, 8, "GPVTG parse error!",
+     "GPVTG parse error (format error)!"},
+    {SentenceType::gngga, "GNGGA", ReadGga, "$GNGGA,%s,%f,%C,%f,%C,%d,%d,%f,%f,%C,%f,%C,%f,%d*", 14, 14,
+     "GNGGA parse error!", "GNGGA time parse error!"},
+    {SentenceType::gnrmc, "GNRMC", ReadRmc, "$GNRMC,%s,%C,%f,%C,%f,%C,%f,%f,%2d%2d%2d,%f,%C,%C*", 13, 14,
+     "GNRMC parse error!", "GNRMC time parse error!"},
+    {SentenceType::gpgll, "GPGLL", ReadGll, "$GPGLL,%f,%C,%f,%C,%s, %C, %C*", 14, 14, "GPGLL parse error!",
+     "GPGLL time parse error!"},
+    {SentenceType::gngll, "GNGLL", ReadGll, "$GNGLL,%f,%C,%f,%C,%s, %C, %C*", 14, 14, "GNGLL parse error!",
+     "GNGLL time parse error!"},
+};
+
+constexpr bool TypesRise() {
+  for (size_t i = 1; i < std::size(kRows); ++i) {
+    if (kRows[i - 1].type >= kRows[i].type) return false;
+  }
+  return true;
+}
+static_assert(std::size(kRows) == 9 && TypesRise());
 
 }  // namespace
 
 SentenceType TypeOfSentence(std::string_view sentence) {
-  constexpr struct {
-    std::string_view name;
-    SentenceType type;
-  } kTypes[] = {
-      {"GPGGA", SentenceType::gpgga}, {"GPGSA", SentenceType::gpgsa}, {"GPGSV", SentenceType::gpgsv},
-      {"GPRMC", SentenceType::gprmc}, {"GPVTG", SentenceType::gpvtg}, {"GNGGA", SentenceType::gngga},
-      {"GNRMC", SentenceType::gnrmc}, {"GPGLL", SentenceType::gpgll}, {"GNGLL", SentenceType::gngll},
-  };
   if (sentence.size() < 6) return SentenceType::other;
-  for (const auto& row : kTypes) {
-    if (sentence.substr(1, 5) == row.name) return row.type;
+  for (const SentenceRow& row : kRows) {
+    if (sentence.substr(1, 5) == row.word) return row.type;
   }
   return SentenceType::other;
 }
 
-bool ParseTimeOfDay(std::string_view field, TimeOfDay& time) {
-  TimeOfDay read{};
-  const ScanTarget targets[] = {&read.hour, &read.minute, &read.second, &read.hundredth};
-  const bool whole = field.size() == 6;
-  if (!whole && (field.size() < 8 || field.size() > 10)) return false;
-  const int wanted = whole ? 3 : 4;
-  const int converted =
-      ScanSentence(field, whole ? "%2d%2d%2d" : "%2d%2d%2d.%d", {targets, static_cast<size_t>(wanted)});
-  if (converted != wanted || std::min({read.hour, read.minute, read.second, read.hundredth}) < 0)
-    return false;
-  time = read;
-  return true;
-}
-
 ParseFailure ParseSentence(SentenceType type, std::string_view sentence, Packet& packet) {
-  switch (type) {
-    case SentenceType::gpgga:
-      return ParseGga(sentence, "$GPGGA,%s,%f,%C,%f,%C,%d,%d,%f,%f,%C,%f,%C,%f,%d*",
-                      {"GPGGA parse error!", "GPGGA time parse error!"}, packet);
-    case SentenceType::gngga:
-      return ParseGga(sentence, "$GNGGA,%s,%f,%C,%f,%C,%d,%d,%f,%f,%C,%f,%C,%f,%d*",
-                      {"GNGGA parse error!", "GNGGA time parse error!"}, packet);
-    case SentenceType::gpgsa:
-      return ParseGsa(sentence, packet);
-    case SentenceType::gpgsv:
-      return ParseGsv(sentence, packet);
-    case SentenceType::gprmc:
-      return ParseRmc(sentence, "$GPRMC,%s,%C,%f,%C,%f,%C,%f,%f,%2d%2d%2d,%f,%C,%C*",
-                      {"GPRMC parse error!", "GPRMC time parse error!"}, packet);
-    case SentenceType::gnrmc:
-      return ParseRmc(sentence, "$GNRMC,%s,%C,%f,%C,%f,%C,%f,%f,%2d%2d%2d,%f,%C,%C*",
-                      {"GNRMC parse error!", "GNRMC time parse error!"}, packet);
-    case SentenceType::gpvtg:
-      return ParseVtg(sentence, packet);
-    // kept: the form of a GLL sentence holds seven conversions while fourteen are asked for, so a GLL
-    // sentence never contributes to the fix.
-    case SentenceType::gpgll:
-      return {"GPGLL parse error!", nullptr};
-    case SentenceType::gngll:
-      return {"GNGLL parse error!", nullptr};
-    case SentenceType::other:
+  const auto row = std::find_if(std::begin(kRows), std::end(kRows),
+                                [&](const SentenceRow& candidate) { return candidate.type == type; });
+  if (row == std::end(kRows)) return {"", nullptr};
+  switch (row->read(sentence, *row, packet)) {
+    case ReadResult::complete:
       break;
+    case ReadResult::parseError:
+      return {row->parseError, nullptr};
+    case ReadResult::secondError:
+      return {row->secondError, nullptr};
+    case ReadResult::timeFormatError:
+      return {row->secondError, "Parse of time error (format error)!"};
   }
-  return {"", nullptr};
+  return {nullptr, nullptr};
 }
 
 }  // namespace tw

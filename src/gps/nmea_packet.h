@@ -1,4 +1,9 @@
 // The sentences that contribute to the fix, as parsed. Pure; any thread.
+//
+//   $GPGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,*
+//
+// A packet is handed out only when each of its numbers is one that a receiver can mean; any other drops the
+// sentence.
 #pragma once
 
 #include <cstdint>
@@ -25,34 +30,34 @@ enum class SentenceType : int8_t {
 struct TimeOfDay {
   int32_t hour;
   int32_t minute;
-  int32_t second;
-  int32_t hundredth;  // the digits behind the point as they stand, at most three
+  int32_t second;     // 60 in a leap second
+  int32_t hundredth;  // the digits behind the point as they stand, 0 to 999
 };
 
 struct GgaPacket {
   TimeOfDay time;
-  double latitude;  // ddmm.mmmm, south negative
-  double longitude;
-  int32_t quality;
-  int32_t satellitesInUse;
+  double latitude;          // ddmm.mmmm, south negative, 9000 at most
+  double longitude;         // dddmm.mmmm, west negative, 18000 at most
+  int32_t quality;          // 0 to 9
+  int32_t satellitesInUse;  // 0 to 99
   double hdop;
   double elevation_m;
   double geoidHeight_m;
   double differentialAge_s;
-  int32_t differentialStation;
+  int32_t differentialStation;  // 0 to 9999
 };
 
 struct GsaPacket {
-  int32_t fixType;
+  int32_t fixType;  // 1 none, 2 2D, 3 3D, 0 not told
   double pdop;
   double hdop;
   double vdop;
 };
 
 struct GsvPacket {
-  int32_t sentenceIndex;  // from 1
-  int32_t satellitesInView;
-  int32_t count;  // of the entries below
+  int32_t sentenceIndex;     // 1 to 16
+  int32_t satellitesInView;  // 0 to kMaxSatellites
+  int32_t count;             // of the entries below; they are satellites 4 * (sentenceIndex - 1) and on
   GpsSatellite satellites[4];
 };
 
@@ -80,15 +85,14 @@ using Packet = std::variant<GgaPacket, GsaPacket, GsvPacket, RmcPacket, VtgPacke
 // The type by the five characters behind '$'.
 [[nodiscard]] SentenceType TypeOfSentence(std::string_view sentence);
 
-// Parses a sentence, '$' to '*' inclusive, whose checksum has been verified. On failure the texts for the
-// error callback are returned (the second may be null) and `packet` is unchanged; null means success.
+// The texts for the error callback; a null `sentence` means success.
 struct ParseFailure {
   const char* sentence;  // "GPGGA parse error!"
   const char* detail;    // what led to it, reported first; or null
 };
-[[nodiscard]] ParseFailure ParseSentence(SentenceType type, std::string_view sentence, Packet& packet);
 
-// Reads a time field: 6 characters, or 8 to 10 with a point. False for any other.
-[[nodiscard]] bool ParseTimeOfDay(std::string_view field, TimeOfDay& time);
+// Parses a sentence of this type (not `other`), '$' to '*' inclusive, whose checksum has been verified. On
+// failure `packet` is unchanged.
+[[nodiscard]] ParseFailure ParseSentence(SentenceType type, std::string_view sentence, Packet& packet);
 
 }  // namespace tw

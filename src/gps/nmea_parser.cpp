@@ -11,9 +11,13 @@
 namespace tw {
 namespace {
 
-constexpr char kNoMemory[] = "Insufficient memory!";
+constexpr std::string_view kNoMemory = "Insufficient memory!";
 
-void Silence(void*, const char*) {}
+void Silence(void*, std::string_view) {}
+
+std::unique_ptr<uint8_t[]> MakeBuffer(size_t size) {
+  return std::unique_ptr<uint8_t[]>(new (std::nothrow) uint8_t[size]);
+}
 
 std::unique_ptr<PacketNode> MakeNode() {
   return std::unique_ptr<PacketNode>(new (std::nothrow) PacketNode{});
@@ -65,6 +69,7 @@ bool Enqueue(NmeaParser& parser, SentenceType type, const Packet& packet) {
 }
 
 bool TakeSentence(NmeaParser& parser, std::string_view sentence) {
+  parser.trace(parser.context, sentence);
   const SentenceType type = TypeOfSentence(sentence);
   if (type == SentenceType::other) return false;
   Packet packet;
@@ -108,9 +113,7 @@ void Apply(const GsvPacket& gsv, GpsFix& fix) {
   fix.presence |= kHasGsv;
   fix.satellitesInView = gsv.satellitesInView;
   const int32_t begin = 4 * (gsv.sentenceIndex - 1);
-  for (int32_t i = 0; i < gsv.count && begin + i < kMaxSatellites; ++i) {
-    fix.satellites[begin + i] = gsv.satellites[i];
-  }
+  std::copy_n(gsv.satellites, std::min(gsv.count, kMaxSatellites - begin), fix.satellites + begin);
 }
 
 void Apply(const RmcPacket& rmc, GpsFix& fix) {
@@ -138,15 +141,13 @@ void Apply(const VtgPacket& vtg, GpsFix& fix) {
 }  // namespace
 
 bool MakeParser(NmeaParser& parser, size_t capacity) {
-  parser.trace = Silence;
+  if (parser.trace == nullptr) parser.trace = Silence;
   if (parser.error == nullptr) parser.error = Silence;
-  parser.makeNode = MakeNode;
+  if (parser.makeBuffer == nullptr) parser.makeBuffer = MakeBuffer;
+  if (parser.makeNode == nullptr) parser.makeNode = MakeNode;
   parser.capacity = std::max(capacity, kMinParserCapacity);
   parser.length = 0;
-  parser.first.reset();
-  parser.last = nullptr;
-  parser.talkerGn = false;
-  parser.buffer.reset(new (std::nothrow) uint8_t[parser.capacity]);
+  parser.buffer = parser.makeBuffer(parser.capacity);
   if (parser.buffer != nullptr) return true;
   parser.error(parser.context, kNoMemory);
   return false;

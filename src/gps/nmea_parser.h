@@ -11,7 +11,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
-#include <span>
+#include <string_view>
 
 #include "gps/gps_fix.h"
 #include "gps/nmea_packet.h"
@@ -28,11 +28,12 @@ struct PacketNode {
 };
 
 struct NmeaParser {
-  // Texts about sentences that were taken or refused; both must be set.
-  void (*trace)(void* context, const char* text);
-  void (*error)(void* context, const char* text);
+  // Get each sentence whose checksum is right ("$" to "*"), and each error text.
+  void (*trace)(void* context, std::string_view text);
+  void (*error)(void* context, std::string_view text);
   void* context;
-  // Gives a packet's node; null when there is no memory.
+  // Give the buffer and a packet's node; null when there is no memory.
+  std::unique_ptr<uint8_t[]> (*makeBuffer)(size_t size);
   std::unique_ptr<PacketNode> (*makeNode)();
 
   std::unique_ptr<uint8_t[]> buffer;
@@ -40,18 +41,19 @@ struct NmeaParser {
   size_t length;
   std::unique_ptr<PacketNode> first;
   PacketNode* last;
-  bool talkerGn;  // the last sentence applied to the fix was a GNRMC
+  bool talkerGn;  // the last sentence applied to the fix was a GNRMC; outlives the parser, see GpsWorker
 };
 
-// A parser with silent callbacks and a buffer of at least 256 bytes. False when there is no memory
-// ("Insufficient memory!" goes to `error` when that is set already).
+// Makes a parser ready whose fields are zero but for those of the function pointers and `talkerGn` that the
+// caller has set: silence and the heap stand in for the others. The buffer has at least 256 bytes. False when
+// there is no memory: "Insufficient memory!" has been reported, and the parser must not be used.
 [[nodiscard]] bool MakeParser(NmeaParser& parser, size_t capacity);
 
 // Appends the bytes and parses all whole sentences. When length and count would reach the capacity, the
 // buffer is emptied first; of a push as large as the buffer its tail is kept. Returns the sentences parsed.
 int ParserPush(NmeaParser& parser, const uint8_t* bytes, size_t count);
 
-// Applies the parsed sentences to the fix in the order of their arrival, and forgets them. Returns how many.
+// Applies the parsed sentences to the fix in the order of their arrival, and frees them. Returns how many.
 int ApplyPackets(NmeaParser& parser, GpsFix& fix);
 
 }  // namespace tw

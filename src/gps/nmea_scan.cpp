@@ -27,14 +27,17 @@ Conversion TakeConversion(std::string_view& format) {
 
 bool TakeNumber(std::string_view& field, const Conversion& conversion, const ScanTarget& target) {
   if (int32_t* const* whole = std::get_if<int32_t*>(&target)) {
-    **whole = 0;
-    if (field.empty()) return true;
+    if (field.empty()) {
+      **whole = 0;
+      return true;
+    }
     return conversion.width == 0 ? ScanInt(field, **whole) : ScanIntWidth(field, conversion.width, **whole);
   }
   double* const* real = std::get_if<double*>(&target);
   if (real == nullptr) return false;
+  if (!field.empty()) return ScanDouble(field, **real);
   **real = 0.0;
-  return field.empty() || ScanDouble(field, **real);
+  return true;
 }
 
 bool TakeText(std::string_view& field, const Conversion& conversion, const ScanTarget& target) {
@@ -58,6 +61,11 @@ int ScanSentence(std::string_view sentence, std::string_view format, std::span<c
   int converted = 0;
   bool fieldBegun = false;  // the last conversion took a part of this field
   while (!format.empty()) {
+    if (format[0] == ' ') {
+      sentence.remove_prefix(std::min(sentence.find_first_not_of(' '), sentence.size()));
+      format.remove_prefix(1);
+      continue;
+    }
     if (format[0] != '%') {
       if (sentence.empty() || sentence[0] != format[0]) break;
       sentence.remove_prefix(1);
@@ -66,7 +74,7 @@ int ScanSentence(std::string_view sentence, std::string_view format, std::span<c
       continue;
     }
     const Conversion conversion = TakeConversion(format);
-    if (static_cast<size_t>(converted) >= targets.size()) break;
+    if (sentence.empty() || static_cast<size_t>(converted) >= targets.size()) break;
     const size_t end = std::min(sentence.find_first_of(",*"), sentence.size());
     std::string_view field = sentence.substr(0, end);
     if (field.empty() && fieldBegun) break;

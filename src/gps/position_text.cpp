@@ -17,7 +17,7 @@ struct DegreesMinutes {
 
 DegreesMinutes Split(float radians) {
   const double angle_deg = std::fabs(static_cast<double>(radians)) * 180.0 / std::numbers::pi;
-  if (!(angle_deg < 1'000'000.0)) return {0, 0.0};
+  if (!(angle_deg <= 360.0)) return {0, 0.0};
   const int degrees = static_cast<int>(angle_deg);
   return {degrees, (angle_deg - degrees) * 60.0};
 }
@@ -46,10 +46,11 @@ const char* PdopWord(float pdop) {
 void FormatPosition(std::span<wchar_t> text, const PositionValues& values) {
   const DegreesMinutes latitude = Split(values.latitude_rad);
   const DegreesMinutes longitude = Split(values.longitude_rad);
+  const float pdop = std::isfinite(values.pdop) ? values.pdop : 0.0f;
   FormatWide(text, "Position(%s): %3d° %07.4f′ %s, %3d° %07.4f′ %s, PDOP: %4.1f (%s)",
              FixWord(values.fixType), latitude.degrees, latitude.minutes, values.latitude_rad > 0 ? "N" : "S",
              longitude.degrees, longitude.minutes, values.longitude_rad > 0 ? "E" : "W",
-             static_cast<double>(values.pdop), PdopWord(values.pdop));
+             static_cast<double>(pdop), PdopWord(pdop));
 }
 
 }  // namespace tw

@@ -22,7 +22,8 @@ struct PositionValues {
 };
 
 // "Position(3D):  52° 30.5000′ N,  13° 12.0000′ E, PDOP:  1.9 (Excellent)". kept: a latitude of exactly 0 is
-// S, a longitude of 0 is W, a fix type of 0 is 3D.
+// S, a longitude of 0 is W, a fix type of 0 is 3D. Played files may hold anything: what is no number, or no
+// angle, is shown as 0.
 void FormatPosition(std::span<wchar_t> text, const PositionValues& values);
 
 }  // namespace tw

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "platform/file.h"
+#include "tests/app/test_folder.h"
 
 namespace tw {
 namespace {
@@ -210,13 +211,8 @@ TEST(FileNaming, JoinedPathsAreBounded) {
 
 class FolderOfATest : public testing::Test {
  protected:
-  FolderOfATest() : root_(std::filesystem::temp_directory_path() / "tidewriter_file_naming_test") {
-    std::filesystem::remove_all(root_);
-    std::filesystem::create_directory(root_);
-  }
-  ~FolderOfATest() override { std::filesystem::remove_all(root_); }
-
-  const std::filesystem::path root_;
+  const test::TestFolder folder_;
+  const std::filesystem::path& root_ = folder_.Path();
 };
 
 TEST_F(FolderOfATest, AnAbsentFolderIsCreated) {

@@ -9,6 +9,7 @@
 #include "platform/host/documents_folder.h"
 #include "platform/host/faults.h"
 #include "platform/host/memory_registry.h"
+#include "tests/app/test_folder.h"
 
 namespace tw {
 namespace {
@@ -17,17 +18,13 @@ using Writes = std::vector<std::wstring>;
 
 class PersistentSettings : public testing::Test {
  protected:
-  PersistentSettings()
-      : documents_(std::filesystem::temp_directory_path() / "tidewriter_persistent_settings_test") {
+  PersistentSettings() {
     ClearRegistry();
     ClearFaults();
-    std::filesystem::remove_all(documents_);
-    std::filesystem::create_directory(documents_);
     SetDocumentsFolder(documents_.c_str());
   }
   ~PersistentSettings() override {
     SetDocumentsFolder(nullptr);
-    std::filesystem::remove_all(documents_);
     ClearFaults();
     ClearRegistry();
   }
@@ -60,7 +57,8 @@ class PersistentSettings : public testing::Test {
     return FindRegistryValue(kSettingsKey, name, value) ? value.text : L"(none)";
   }
 
-  const std::filesystem::path documents_;
+  const test::TestFolder folder_;
+  const std::filesystem::path& documents_ = folder_.Path();
   std::unique_ptr<AppState> state_ = std::make_unique<AppState>();
 };
 

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
+
 namespace tw {
 namespace {
 
@@ -73,6 +75,31 @@ TEST(TextScan, Floats) {
     EXPECT_EQ(ScanFloat(text, value), row.valid) << row.text;
     EXPECT_EQ(value, row.value) << row.text;
     EXPECT_EQ(text, row.rest) << row.text;
+  }
+}
+
+TEST(TextScan, DoublesKeepSixDecimalsOfAPosition) {
+  std::string_view text = "12311.123456,";
+  double value = 0;
+  EXPECT_TRUE(ScanDouble(text, value));
+  EXPECT_EQ(value, 12311.123456);
+  EXPECT_EQ(text, ",");
+}
+
+TEST(TextScan, OutOfRangeIsNoValueAndTooSmallIsZero) {
+  const std::string zeros(400, '0');
+  const struct {
+    std::string text;
+    bool valid;
+  } rows[] = {
+      {"10.0e999", false},       {"1" + zeros, false},       {"-1e400", false},
+      {"." + zeros + "1", true}, {"0." + zeros + "7", true}, {"-3E-400", true},
+  };
+  for (const auto& row : rows) {
+    std::string_view text = row.text;
+    double value = 9;
+    EXPECT_EQ(ScanDouble(text, value), row.valid) << row.text;
+    EXPECT_EQ(value, row.valid ? 0.0 : 9.0) << row.text;
   }
 }
 

@@ -1,0 +1,110 @@
+// The full echogram image of 1,770 x 960 pixels, against memcpy of the same warm image and against the plain
+// loop over rows and columns. Exits with 1 when a ratio misses its limit.
+
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <random>
+#include <vector>
+
+#include "base/bytes.h"
+#include "bench/measure.h"
+#include "display/echogram_image.h"
+#include "display/ring_view.h"
+
+namespace tw {
+namespace {
+
+constexpr int32_t kWidth = 1'770;
+constexpr int32_t kHeight = 960;
+
+// A ring (600 MB) whose pages are all touched: each slot has `samples` samples of noise below an echo.
+void FillRing(PingRing& ring, size_t samples) {
+  std::minstd_rand random(7);
+  for (uint8_t* slot = ring.slots[0]; slot < ring.slots[0] + kRingSize; slot += kSlotSize) {
+    std::memset(slot, 0, kSlotSize);
+    StoreLe<uint32_t>(slot + frame::kHeaderLength, frame::kWrittenHeaderLength);
+    for (size_t i = 0; i < samples; ++i) {
+      StoreLe<uint16_t>(slot + kSlotSamples + 2 * i, static_cast<uint16_t>(random() >> 4 & kMaxAmplitude));
+    }
+  }
+}
+
+// The rules as they stand, pixel by pixel: what the tiled rendering is measured against.
+void RenderRowByRow(const PingRing& ring, const EchogramScale& scale, const DisplayPalette& palette,
+                    const Canvas& image) {
+  for (int32_t y = 0; y < image.height; ++y) {
+    for (int32_t x = 0; x < image.width; ++x) {
+      const double sample = SamplePosition(y, scale, image.height);
+      const uint8_t* slot = ring.slots[SlotOfColumn(x, image.width, scale.newest, scale.timeScale_s)];
+      Pixel pixel = kBlack;
+      if (sample < kMaxSlotSamples) {
+        const auto amplitude = LoadLe<uint16_t>(slot + kSlotSamples + 2 * static_cast<size_t>(sample));
+        if (amplitude >= kFirstVisibleAmplitude) {
+          pixel = LoadLe<uint32_t>(palette.entries[amplitude > kMaxAmplitude ? kMaxAmplitude : amplitude]);
+        }
+      }
+      image.Row(y)[x] = pixel;
+    }
+  }
+}
+
+struct Picture {
+  std::vector<Pixel> pixels = std::vector<Pixel>(size_t{kWidth} * kHeight);
+  Canvas canvas{pixels.data(), kWidth, kHeight, kWidth};
+};
+
+bool Report(const char* what, double ratio, double limit, bool atMost) {
+  const bool kept = atMost ? ratio <= limit : ratio >= limit;
+  std::printf("  %-44s %6.2f  (%s %g)%s\n", what, ratio, atMost ? "at most" : "at least", limit,
+              kept ? "" : "  MISSED");
+  return kept;
+}
+
+bool Measure(const PingRing& ring, const DisplayPalette& palette, size_t samples, int32_t timeScale_s,
+             double limit) {
+  // The range at which the last row shows the last sample, at 1,500 m/s.
+  const auto range_mm = static_cast<int32_t>(static_cast<double>(samples) * 7.5);
+  const EchogramScale scale{9'000, timeScale_s, range_mm, 1'500.0f};
+  Picture tiled;
+  Picture plain;
+  Picture copy;
+  AmplitudeColours colours;
+  BuildAmplitudeColours(palette, colours);
+  const auto scratch = std::make_unique<EchogramScratch>();
+
+  const size_t bytes = tiled.pixels.size() * sizeof(Pixel);
+  std::memcpy(copy.pixels.data(), tiled.pixels.data(), bytes);
+  const double copied =
+      MedianMilliseconds([&] { std::memcpy(copy.pixels.data(), tiled.pixels.data(), bytes); });
+  const double full =
+      MedianMilliseconds([&] { RenderEchogram(ring, scale, colours, *scratch, tiled.canvas); });
+  const double naive = MedianMilliseconds([&] { RenderRowByRow(ring, scale, palette, plain.canvas); });
+  std::printf("%zu samples a slot, %d s: image %.2f ms, row by row %.2f ms, memcpy %.2f ms\n", samples,
+              timeScale_s, full, naive, copied);
+  if (std::memcmp(tiled.pixels.data(), plain.pixels.data(), bytes) != 0) {
+    std::printf("  the two pictures differ\n");
+    return false;
+  }
+  const bool fast = Report("image / memcpy", full / copied, limit, true);
+  return Report("row by row / image", naive / full, 2.5, false) && fast;
+}
+
+}  // namespace
+}  // namespace tw
+
+int main() {
+  const auto ring = std::make_unique<tw::PingRing>();
+  tw::DisplayPalette palette;
+  tw::BuildPalette(palette);
+  bool kept = true;
+  for (const auto& [samples, limit] : {std::pair{size_t{25'000}, 20.0}, std::pair{size_t{1'000}, 8.0}}) {
+    tw::FillRing(*ring, samples);
+    for (const int32_t timeScale_s : {150, 300}) {
+      kept = tw::Measure(*ring, palette, samples, timeScale_s, limit) && kept;
+    }
+  }
+  return kept ? 0 : 1;
+}

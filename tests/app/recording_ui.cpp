@@ -1,0 +1,121 @@
+#include "tests/app/recording_ui.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <mutex>
+
+#include "base/text_format.h"
+
+namespace tw {
+namespace {
+
+test::RecordingUi ui;
+std::mutex postLock;  // workers post from threads of their own
+
+}  // namespace
+
+namespace test {
+
+RecordingUi& Ui() {
+  return ui;
+}
+
+void ResetUi() {
+  ui = RecordingUi{};
+}
+
+void RecordingUi::Choose(int id, const std::wstring& text) {
+  Control& control = controls[id];
+  auto item = std::find(control.items.begin(), control.items.end(), text);
+  if (item == control.items.end()) item = control.items.insert(control.items.end(), text);
+  control.selected = static_cast<int>(item - control.items.begin());
+  control.text = text;
+}
+
+}  // namespace test
+
+using test::Ui;
+
+bool ShowBox(AppState&, const wchar_t* text, const wchar_t* caption, BoxIcon icon, BoxButtons buttons) {
+  Ui().boxes.push_back({text, caption, icon, buttons});
+  if (Ui().duringBox != nullptr) Ui().duringBox();
+  return Ui().answerOk;
+}
+
+void ShowSystemError(AppState&, uint32_t code) {
+  Ui().systemErrors.push_back(code);
+  if (Ui().duringBox != nullptr) Ui().duringBox();
+}
+
+void SetStatusText(AppState&, StatusPart part, const wchar_t* text) {
+  const std::lock_guard hold(postLock);
+  Ui().status[static_cast<size_t>(part)] = text;
+}
+
+void PostStatusText(AppState&, StatusPart part, const wchar_t* text) {
+  const std::lock_guard hold(postLock);
+  Ui().status[static_cast<size_t>(part)] = text;
+  Ui().posts[static_cast<size_t>(part)].emplace_back(text);
+}
+
+void ShowPointer(PointerShape shape) {
+  Ui().pointers.push_back(shape);
+}
+
+void EnableControl(AppState&, int id, bool enabled) {
+  Ui().controls[id].enabled = enabled;
+}
+void ShowControl(AppState&, int id, bool visible) {
+  Ui().controls[id].visible = visible;
+}
+bool IsChecked(AppState&, int id) {
+  return Ui().controls[id].checked;
+}
+void SetChecked(AppState&, int id, bool checked) {
+  Ui().controls[id].checked = checked;
+}
+
+void GetControlText(AppState&, int id, std::span<wchar_t> text) {
+  CopyWide(text, Ui().controls[id].text);
+}
+void SetControlText(AppState&, int id, const wchar_t* text) {
+  Ui().controls[id].text = text;
+}
+
+void ClearCombo(AppState& state, int id) {
+  Ui().controls[id].items.clear();
+  SelectComboItem(state, id, -1);
+}
+
+void AddComboItem(AppState&, int id, const wchar_t* text) {
+  Ui().controls[id].items.emplace_back(text);
+}
+
+void SelectComboItem(AppState&, int id, int index) {
+  test::Control& control = Ui().controls[id];
+  const bool exists = index >= 0 && static_cast<size_t>(index) < control.items.size();
+  control.selected = exists ? index : -1;
+  control.text = exists ? control.items[static_cast<size_t>(index)] : L"";
+}
+
+bool IsComboOpen(AppState&, int id) {
+  return Ui().controls[id].open;
+}
+
+void StartTimer(AppState&, int id, uint32_t period_ms) {
+  Ui().timers[id] = period_ms;
+}
+void StopTimer(AppState&, int id) {
+  Ui().timers.erase(id);
+}
+void SetWindowTitle(AppState&, const char* title) {
+  Ui().title = title;
+}
+void InvalidateEchogram(AppState&) {
+  ++Ui().repaints;
+}
+void EndProcess(int exitCode) {
+  std::_Exit(exitCode);
+}
+
+}  // namespace tw

@@ -1,0 +1,57 @@
+// A user interface that only remembers: it implements app/ui.h and app/posts.h in memory. Set its controls
+// as an operator would, run a command, then look at what was shown.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "app/ui.h"
+
+namespace tw::test {
+
+struct Box {
+  std::wstring text;
+  std::wstring caption;
+  BoxIcon icon;
+  BoxButtons buttons;
+  bool operator==(const Box&) const = default;
+};
+
+struct Control {
+  bool enabled = true;
+  bool visible = true;
+  bool checked = false;
+  bool open = false;
+  std::wstring text;
+  std::vector<std::wstring> items;
+  int selected = -1;
+};
+
+struct RecordingUi {
+  std::vector<Box> boxes;
+  std::vector<uint32_t> systemErrors;
+  std::wstring status[5];
+  std::vector<std::wstring> posts[5];
+  std::map<int, Control> controls;
+  std::map<int, uint32_t> timers;  // id and period of those that run
+  std::vector<PointerShape> pointers;
+  std::string title;
+  int repaints = 0;
+  bool answerOk = true;
+  // Called while a box is shown, as the message loop of a real box would go on.
+  void (*duringBox)() = nullptr;
+
+  // Puts a text into a combo and selects it, as if the operator had chosen it.
+  void Choose(int id, const std::wstring& text);
+  [[nodiscard]] bool PointerIsArrow() const {
+    return pointers.empty() || pointers.back() == PointerShape::arrow;
+  }
+};
+
+// The one user interface of the test program; a test begins with a fresh one.
+[[nodiscard]] RecordingUi& Ui();
+void ResetUi();
+
+}  // namespace tw::test

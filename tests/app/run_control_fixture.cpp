@@ -1,0 +1,120 @@
+#include "tests/app/run_control_fixture.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <fstream>
+#include <iterator>
+
+#include "acquisition/ping_ring.h"
+#include "app/run_control.h"
+#include "app/start_up.h"
+#include "platform/clock.h"
+#include "platform/host/documents_folder.h"
+#include "platform/host/faults.h"
+#include "platform/host/memory_registry.h"
+#include "platform/host/virtual_clock.h"
+#include "platform/memory.h"
+
+namespace tw::test {
+namespace {
+
+constexpr int64_t kBegin_ms = 1'741'944'605'000;  // 2025-03-14 09:30:05
+
+}  // namespace
+
+sim::SounderOptions QuickSounder() {
+  sim::SounderOptions options;
+  options.baud = 921'600;
+  options.sampleCount = 200;
+  return options;
+}
+
+RunControlTest::RunControlTest() {
+  SetDocumentsFolder(folder_.c_str());
+  ClearRegistry();
+  ClearFaults();
+  DetachSerialLines();
+  SetSerialLineList({L"COM6", L"COM5"});
+  globals = Globals{};
+  ResetUi();
+  StartVirtualClock(kBegin_ms);
+  state_ = AllocateState();
+  StartUp(*state_);
+  state_->initialised = 1;
+  Ui().Choose(ID_DEVICE_PORT, L"COM5");
+  Ui().Choose(ID_DEVICE_SPEED, L"921600");
+  Ui().Choose(ID_GPS_PORT, L"N/A");
+}
+
+RunControlTest::~RunControlTest() {
+  StopRun(*state_);
+  StopVirtualClock();
+  DetachSerialLines();
+  ClearFaults();
+  SetDocumentsFolder(nullptr);
+  for (Event& event : state_->runEvents) DestroyEvent(event);
+  for (Event* event : {&state_->recordingEvent, &state_->stopEvent, &state_->stopEventB})
+    DestroyEvent(*event);
+  for (Lock* lock : {&state_->ringLockA, &state_->ringLockB, &state_->gpsLock, &state_->recordLock,
+                     &globals.marksA.lock, &globals.marksB.lock}) {
+    DestroyLock(*lock);
+  }
+  FreeZeroed(state_->ringA, kRingSize);
+  FreeZeroed(state_->ringB, kRingSize);
+  FreeZeroed(state_, sizeof *state_);
+}
+
+void RunControlTest::ConnectSounder(const sim::SounderOptions& options, sim::PingObserver* observer) {
+  sounder_ = std::make_unique<sim::VirtualEchosounder>(options, observer);
+  sounderPeer_ = std::make_unique<SimulatorPeer>(*sounder_);
+  AttachPeer(kDeviceLine, sounderPeer_.get());
+}
+
+void RunControlTest::ConnectGps(const sim::GpsOptions& options) {
+  gps_ = std::make_unique<sim::VirtualGps>(options);
+  gpsPeer_ = std::make_unique<SimulatorPeer>(*gps_);
+  AttachPeer(kGpsLine, gpsPeer_.get());
+}
+
+void RunControlTest::Run(int seconds) {
+  for (int i = 0; i < seconds; ++i) {
+    SleepMilliseconds(1000);
+    if (Ui().timers.contains(ID_TIMER_LINK)) HandleTimer(*state_, ID_TIMER_LINK);
+  }
+}
+
+std::vector<std::string> RunControlTest::RecordFiles() const {
+  std::vector<std::string> names;
+  const std::filesystem::path records = folder_ / "TIDEWRITERR57_DATA";
+  for (const auto& entry : std::filesystem::directory_iterator(records)) {
+    names.push_back(entry.path().filename().string());
+  }
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+std::string RunControlTest::Content(const std::string& name) const {
+  std::ifstream file(folder_ / "TIDEWRITERR57_DATA" / name, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+void RunControlTest::ExpectIdle() const {
+  EXPECT_EQ(state_->devicePort, Handle::invalid);
+  EXPECT_EQ(state_->acquisitionThread, Handle::null);
+  EXPECT_EQ(state_->gpsThread, Handle::null);
+  EXPECT_EQ(state_->recordFileA, Handle::invalid);
+  EXPECT_EQ(state_->recordFileB, Handle::invalid);
+  EXPECT_TRUE(Ui().controls[ID_START].enabled);
+  EXPECT_TRUE(Ui().PointerIsArrow());
+  EXPECT_FALSE(Ui().timers.contains(ID_TIMER_LINK));
+  EXPECT_EQ(Ui().status[0], L"Device: Disconnected");
+  EXPECT_EQ(Ui().status[1], L"GPS: Disconnected");
+}
+
+void RunControlTest::ExpectBox(const wchar_t* text, const wchar_t* caption, BoxIcon icon) const {
+  ASSERT_EQ(Ui().boxes.size(), 1u);
+  EXPECT_EQ(Ui().boxes[0], (Box{text, caption, icon, BoxButtons::ok}));
+}
+
+}  // namespace tw::test

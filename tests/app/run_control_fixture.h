@@ -1,0 +1,59 @@
+// A started program under the virtual clock, without a window: a state record as the main window leaves it
+// after start-up, COM5 for a device and COM6 for a GPS receiver, a working folder of its own.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "app/app_state.h"
+#include "app/control_ids.h"
+#include "simulator/virtual_echosounder.h"
+#include "simulator/virtual_gps.h"
+#include "tests/app/recording_ui.h"
+#include "tests/app/test_folder.h"
+#include "tests/simulator_peer.h"
+
+namespace tw::test {
+
+inline constexpr wchar_t kDeviceLine[] = L"\\\\.\\COM5";
+inline constexpr wchar_t kGpsLine[] = L"\\\\.\\COM6";
+
+// A device that is asked little and pings ten times a second.
+[[nodiscard]] sim::SounderOptions QuickSounder();
+
+class RunControlTest : public testing::Test {
+ protected:
+  RunControlTest();
+  ~RunControlTest() override;
+
+  // Puts an instrument behind its line. Not more than once a test.
+  void ConnectSounder(const sim::SounderOptions& options, sim::PingObserver* observer = nullptr);
+  void ConnectGps(const sim::GpsOptions& options);
+  void ChooseGps() { Ui().Choose(ID_GPS_PORT, L"COM6"); }
+
+  // Lets the program run, its one-second timer included.
+  void Run(int seconds);
+
+  // The names of the record files, in their order; and the content of one.
+  [[nodiscard]] std::vector<std::string> RecordFiles() const;
+  [[nodiscard]] std::string Content(const std::string& name) const;
+
+  // What every failure leaves behind.
+  void ExpectIdle() const;
+  // The one message box of the test so far.
+  void ExpectBox(const wchar_t* text, const wchar_t* caption, BoxIcon icon) const;
+
+  const TestFolder testFolder_;
+  const std::filesystem::path& folder_ = testFolder_.Path();
+  AppState* state_;
+  std::unique_ptr<sim::VirtualEchosounder> sounder_;
+  std::unique_ptr<sim::VirtualGps> gps_;
+  std::unique_ptr<SimulatorPeer> sounderPeer_;
+  std::unique_ptr<SimulatorPeer> gpsPeer_;
+};
+
+}  // namespace tw::test

@@ -1,0 +1,244 @@
+#include <algorithm>
+#include <cerrno>
+
+#include "app/persistent_settings.h"
+#include "app/run_control.h"
+#include "platform/clock.h"
+#include "platform/host/debug_capture.h"
+#include "platform/host/faults.h"
+#include "platform/host/memory_registry.h"
+#include "tests/app/run_control_fixture.h"
+
+namespace tw::test {
+namespace {
+
+constexpr wchar_t kNotConnected[] = L"Echosounder is not connected";
+
+uint32_t StoredNumber(const wchar_t* name) {
+  RegistryValue value;
+  return FindRegistryValue(kSettingsKey, name, value) ? value.number : 0xDEAD;
+}
+
+class StartTest : public RunControlTest {};
+
+TEST_F(StartTest, ShowsTheDeviceAndRunsIt) {
+  ConnectSounder(QuickSounder());
+  StartRun(*state_);
+  EXPECT_TRUE(Ui().boxes.empty());
+  EXPECT_EQ(Ui().status[0], L"Device: COM5,921600bps, ID: VIRTUAL-0001");
+  EXPECT_EQ(Ui().status[1], L"GPS: Disconnected");
+  EXPECT_EQ(Ui().timers[ID_TIMER_LINK], 1000u);
+  EXPECT_FALSE(Ui().controls[ID_START].enabled);
+  EXPECT_TRUE(Ui().controls[ID_LOW_FREQUENCY].visible);
+  EXPECT_TRUE(Ui().controls[ID_DUAL_MODE].visible);
+  EXPECT_TRUE(Ui().PointerIsArrow());
+  EXPECT_EQ(sounderPeer_->Mode(), "baud=921600 parity=N data=8 stop=1");
+  EXPECT_EQ(StoredNumber(L"DeviceCOMPort"), 5u);
+  EXPECT_EQ(StoredNumber(L"DeviceCOMSpeed"), 921'600u);
+  EXPECT_EQ(StoredNumber(L"GPSCOMPort"), 0xFFFFFFFFu);
+  EXPECT_EQ(globals.deviceFamily, 1);
+  EXPECT_EQ(globals.dualMode, 0);
+  EXPECT_EQ(state_->displayRangeUpper, 30'000);
+  EXPECT_EQ(state_->echogramEnabled, 1);
+  EXPECT_TRUE(sounder_->Streaming());
+}
+
+TEST_F(StartTest, RecordsFromTheFirstPingOn) {
+  ConnectSounder(QuickSounder());
+  StartRun(*state_);
+  Run(5);
+  const std::vector<std::string> files = RecordFiles();
+  ASSERT_EQ(files.size(), 1u);
+  EXPECT_EQ(files[0].substr(0, 12), "20250314_093");
+  EXPECT_EQ(files[0].substr(15), "_Dual_450kHz_id_VIRTUAL-0001_txt10.log");
+  const std::string content = Content(files[0]);
+  EXPECT_EQ(content.substr(0, 7), "INFO:1,");
+  EXPECT_EQ(content.find("#DeviceID "), content.find("\r\n") + 2);
+  HandleTimer(*state_, ID_TIMER_REPAINT);
+  EXPECT_EQ(Ui().title, "Tidewriter Echosounder Control Software" + std::string(50, ' ') + files[0]);
+  StopRun(*state_);
+  HandleTimer(*state_, ID_TIMER_REPAINT);
+  EXPECT_EQ(Ui().title, "Tidewriter Echosounder Control Software");
+}
+
+TEST_F(StartTest, WritesItsTimesToTheDebugOutput) {
+  ConnectSounder(QuickSounder());
+  StartDebugCapture();
+  StartRun(*state_);
+  const std::vector<std::wstring> texts = TakeDebugTexts();
+  StopDebugCapture();
+  for (const wchar_t* label :
+       {L"Start  time : ", L"After Connect Time :  ", L"After Stop Time   ", L"After GetSetting Time ",
+        L"Before Start Device Time  ", L"After Start Device Time "}) {
+    EXPECT_EQ(std::count_if(texts.begin(), texts.end(),
+                            [&](const std::wstring& text) { return text.starts_with(label); }),
+              1);
+  }
+  EXPECT_EQ(texts.front(), L"Start  time : 0.000000\n");
+}
+
+TEST_F(StartTest, DualDeviceRecordsAPair) {
+  sim::SounderOptions options = QuickSounder();
+  options.dual = true;
+  ConnectSounder(options);
+  StartRun(*state_);
+  Run(3);
+  EXPECT_EQ(globals.dualMode, 1);
+  EXPECT_EQ(RecordFiles().size(), 2u);
+  EXPECT_EQ(globals.lowKHz, 200);
+  EXPECT_EQ(globals.highKHz, 450);
+}
+
+TEST_F(StartTest, WithoutRecordDataNoFileIsMade) {
+  ConnectSounder(QuickSounder());
+  Ui().controls[ID_RECORD].checked = false;
+  ToggleRecording(*state_);
+  StartRun(*state_);
+  Run(2);
+  EXPECT_TRUE(RecordFiles().empty());
+}
+
+TEST_F(StartTest, AFolderThatCannotBeMadeLosesOnlyTheRecording) {
+  ConnectSounder(QuickSounder());
+  std::filesystem::remove_all(folder_);
+  StartRun(*state_);
+  Run(2);
+  EXPECT_TRUE(Ui().boxes.empty());
+  EXPECT_EQ(state_->recordFileA, Handle::invalid);
+  EXPECT_NE(state_->acquisitionThread, Handle::null);
+  EXPECT_GT(state_->ringIndexA, 0);
+}
+
+TEST_F(StartTest, TheFastPortHasItsOwnForm) {
+  sim::SounderOptions options = QuickSounder();
+  options.baud = 3'000'000;
+  ConnectSounder(options);
+  Ui().Choose(ID_DEVICE_SPEED, L"3000000");
+  StartRun(*state_);
+  EXPECT_EQ(sounderPeer_->Mode(), "baud=3000000 parity=N data=8 stop=1 octs=on rts=on");
+}
+
+TEST_F(StartTest, AMissingPortShowsTheSystemsError) {
+  StartRun(*state_);
+  EXPECT_EQ(Ui().systemErrors, std::vector<uint32_t>{ENOENT});
+  EXPECT_TRUE(Ui().boxes.empty());
+  ExpectIdle();
+}
+
+TEST_F(StartTest, APortThatIsHeldShowsTheSystemsError) {
+  ConnectSounder(QuickSounder());
+  InjectFault({.point = FaultPoint::openLine, .code = EBUSY});
+  StartRun(*state_);
+  EXPECT_EQ(Ui().systemErrors, std::vector<uint32_t>{EBUSY});
+  ExpectIdle();
+  StartRun(*state_);  // usable again at once
+  EXPECT_NE(state_->acquisitionThread, Handle::null);
+}
+
+TEST_F(StartTest, NobodyAnswers) {
+  sim::SounderOptions options = QuickSounder();
+  options.faults.instrument.dead = true;
+  ConnectSounder(options);
+  StartDebugCapture();
+  StartRun(*state_);
+  const std::vector<std::wstring> texts = TakeDebugTexts();
+  StopDebugCapture();
+  ExpectBox(kNotConnected, L"Error", BoxIcon::error);
+  EXPECT_TRUE(texts.back().starts_with(L"After Stop Fail time :  "));
+  EXPECT_EQ(sounderPeer_->Closed(), 1);
+  ExpectIdle();
+}
+
+TEST_F(StartTest, ADeviceThatDoesNotStop) {
+  sim::SounderOptions options = QuickSounder();
+  options.streaming = true;
+  options.faults.deaf = true;
+  ConnectSounder(options);
+  StartRun(*state_);
+  ExpectBox(kNotConnected, L"Error", BoxIcon::error);
+  ExpectIdle();
+}
+
+TEST_F(StartTest, AStreamingDeviceIsTakenOver) {
+  sim::SounderOptions options = QuickSounder();
+  options.streaming = true;
+  ConnectSounder(options);
+  StartRun(*state_);
+  EXPECT_TRUE(Ui().boxes.empty());
+  EXPECT_NE(state_->acquisitionThread, Handle::null);
+}
+
+TEST_F(StartTest, GpsIsShownAndReadWhenItIsChosen) {
+  ConnectSounder(QuickSounder());
+  ConnectGps({});
+  ChooseGps();
+  StartRun(*state_);
+  EXPECT_EQ(Ui().status[1], L"GPS: COM6,4800bps");
+  EXPECT_EQ(gpsPeer_->Mode(), "baud=4800 parity=N data=8 stop=1");
+  Run(5);
+  EXPECT_EQ(globals.gpsQuality, 2);
+  StopRun(*state_);
+  EXPECT_EQ(globals.gpsQuality, 0);
+  EXPECT_EQ(gpsPeer_->Closed(), 1);
+}
+
+TEST_F(StartTest, AGpsPortThatFailsClosesTheDevicePortToo) {
+  ConnectSounder(QuickSounder());
+  ChooseGps();
+  StartRun(*state_);
+  EXPECT_EQ(Ui().systemErrors, std::vector<uint32_t>{ENOENT});
+  EXPECT_EQ(sounderPeer_->Closed(), 1);
+  ExpectIdle();
+}
+
+TEST_F(StartTest, FirstStartWithoutGpsRunsAWorkerOnTheNullHandleAndLaterOnesDoNot) {
+  ConnectSounder(QuickSounder());
+  EXPECT_EQ(state_->gpsPort, Handle::null);
+  StartRun(*state_);
+  EXPECT_NE(state_->gpsThread, Handle::null);
+  Run(1);
+  StopRun(*state_);
+  EXPECT_EQ(state_->gpsPort, Handle::invalid);
+  EXPECT_EQ(state_->gpsThread, Handle::null);
+
+  StartRun(*state_);
+  EXPECT_NE(state_->acquisitionThread, Handle::null);
+  EXPECT_EQ(state_->gpsThread, Handle::null);
+}
+
+TEST_F(StartTest, WithoutAnAcquisitionThreadTheProcessEnds) {
+  ConnectSounder(QuickSounder());
+  InjectFault({.point = FaultPoint::startThread});
+  EXPECT_EXIT(StartRun(*state_), testing::ExitedWithCode(1), "");
+}
+
+TEST_F(StartTest, WhileRunningDoesNothing) {
+  ConnectSounder(QuickSounder());
+  StartRun(*state_);
+  const Handle thread = state_->acquisitionThread;
+  StartRun(*state_);
+  EXPECT_EQ(state_->acquisitionThread, thread);
+  EXPECT_EQ(sounderPeer_->Opened(), 1);
+}
+
+TEST_F(StartTest, NoGpsThread) {
+  ConnectSounder(QuickSounder());
+  InjectFault({.point = FaultPoint::startThread, .call = 2});
+  StartRun(*state_);
+  ExpectBox(L"Unable to run GPS working thread", L"Error", BoxIcon::error);
+  EXPECT_EQ(state_->gpsPort, Handle::invalid);
+  ExpectIdle();
+}
+
+TEST_F(StartTest, ShortIntervalsBecomeTenMilliseconds) {
+  sim::SounderOptions options = QuickSounder();
+  options.pingsPerSecond = 50;
+  ConnectSounder(options);
+  StartRun(*state_);
+  EXPECT_EQ(state_->settings.pingInterval_ms, 20);
+  EXPECT_EQ(globals.marksAtStart, 1500);
+  EXPECT_EQ(globals.pingInterval_ms, 20.0f);
+}
+
+}  // namespace
+}  // namespace tw::test

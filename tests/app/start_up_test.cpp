@@ -1,0 +1,152 @@
+#include "app/start_up.h"
+
+#include <gtest/gtest.h>
+
+#include "app/persistent_settings.h"
+#include "app/port_selectors.h"
+#include "app/run_control.h"
+#include "platform/host/faults.h"
+#include "platform/host/memory_registry.h"
+#include "platform/memory.h"
+#include "tests/app/run_control_fixture.h"
+
+namespace tw::test {
+namespace {
+
+using Items = std::vector<std::wstring>;
+
+void PutNumber(const wchar_t* name, uint32_t number) {
+  RegistryValue value;
+  value.number = number;
+  PutRegistryValue(kSettingsKey, name, value);
+}
+
+class StartUpTest : public RunControlTest {
+ protected:
+  static Control& Of(int id) { return Ui().controls[id]; }
+};
+
+TEST_F(StartUpTest, FirstStartOfAll) {
+  FillCommunicationControls(*state_);
+  EXPECT_EQ(Of(ID_DEVICE_PORT).items, (Items{L"COM5", L"COM6"}));
+  EXPECT_EQ(Of(ID_GPS_PORT).items, (Items{L"N/A", L"COM5", L"COM6"}));
+  EXPECT_EQ(Of(ID_GPS_PORT).text, L"N/A");
+  EXPECT_EQ(Of(ID_DEVICE_SPEED).items, (Items{L"4800", L"9600", L"19200", L"38400", L"57600", L"115200",
+                                              L"230400", L"460800", L"921600", L"3000000"}));
+  EXPECT_EQ(Of(ID_DEVICE_SPEED).text, L"115200");
+  EXPECT_EQ(Of(ID_GPS_SPEED).items,
+            (Items{L"2400", L"4800", L"9600", L"19200", L"38400", L"57600", L"115200"}));
+  EXPECT_EQ(Of(ID_GPS_SPEED).text, L"4800");
+  EXPECT_TRUE(Of(ID_RECORD).checked);
+  EXPECT_TRUE(WaitForEvent(state_->recordingEvent, 0));
+  EXPECT_EQ(Ui().status[0], L"Device: Disconnected");
+  EXPECT_EQ(Ui().status[1], L"GPS: Disconnected");
+  EXPECT_EQ(Ui().timers, (std::map<int, uint32_t>{{0, 2000}, {1, 100}, {2, 1000}, {5, 1000}}));
+  EXPECT_EQ(state_->gpsPort, Handle::null);
+  EXPECT_EQ(state_->devicePort, Handle::invalid);
+  EXPECT_EQ(state_->settings.outputMode, 4);
+  EXPECT_EQ(state_->settings.unused2, 4);
+}
+
+TEST_F(StartUpTest, StoredChoicesAreSelectedByTheirExactText) {
+  SetSerialLineList({L"COM10", L"COM1", L"COM9", L"AUX2"});
+  PutNumber(L"DeviceCOMPort", 1);
+  PutNumber(L"DeviceCOMSpeed", 921'600);
+  PutNumber(L"GPSCOMPort", 9);
+  PutNumber(L"GPSCOMSpeed", 9'600);
+  FillCommunicationControls(*state_);
+  EXPECT_EQ(Of(ID_DEVICE_PORT).items, (Items{L"COM1", L"COM9", L"COM10"}));
+  EXPECT_EQ(Of(ID_DEVICE_PORT).text, L"COM1");
+  EXPECT_EQ(Of(ID_GPS_PORT).text, L"COM9");
+  EXPECT_EQ(Of(ID_DEVICE_SPEED).text, L"921600");
+  EXPECT_EQ(Of(ID_GPS_SPEED).text, L"9600");
+}
+
+TEST_F(StartUpTest, AStoredSpeedThatIsNotOfferedSelectsTheFirst) {
+  PutNumber(L"DeviceCOMPort", 77);
+  PutNumber(L"DeviceCOMSpeed", 128'000);
+  PutNumber(L"GPSCOMPort", 78);
+  PutNumber(L"GPSCOMSpeed", 0xFFFFFFFF);
+  FillCommunicationControls(*state_);
+  EXPECT_EQ(Of(ID_DEVICE_SPEED).text, L"4800");
+  EXPECT_EQ(Of(ID_GPS_SPEED).text, L"2400");
+  EXPECT_EQ(Of(ID_DEVICE_PORT).text, L"COM5");
+  EXPECT_EQ(Of(ID_GPS_PORT).text, L"N/A");
+}
+
+TEST_F(StartUpTest, TheTimerKeepsTheSelectionAndListsNewPorts) {
+  Ui().Choose(ID_GPS_PORT, L"COM6");
+  SetSerialLineList({L"COM12", L"COM6", L"COM3"});
+  HandleTimer(*state_, ID_TIMER_PORTS);
+  EXPECT_EQ(Of(ID_GPS_PORT).items, (Items{L"N/A", L"COM3", L"COM6", L"COM12"}));
+  EXPECT_EQ(Of(ID_GPS_PORT).text, L"COM6");
+  EXPECT_EQ(Of(ID_DEVICE_PORT).text, L"COM3");  // COM5 has gone
+
+  SetSerialLineList({});
+  HandleTimer(*state_, ID_TIMER_PORTS);
+  EXPECT_EQ(Of(ID_GPS_PORT).text, L"N/A");
+  EXPECT_TRUE(Of(ID_DEVICE_PORT).items.empty());
+}
+
+TEST_F(StartUpTest, TheTimerLeavesAnOpenListAlone) {
+  Of(ID_DEVICE_PORT).open = true;
+  SetSerialLineList({L"COM3"});
+  HandleTimer(*state_, ID_TIMER_PORTS);
+  EXPECT_EQ(Of(ID_DEVICE_PORT).text, L"COM5");
+  EXPECT_EQ(Of(ID_GPS_PORT).items, (Items{L"N/A", L"COM3"}));
+}
+
+TEST_F(StartUpTest, TimersDoNothingBeforeTheStartUpIsOver) {
+  state_->initialised = 0;
+  HandleTimer(*state_, ID_TIMER_REPAINT);
+  EXPECT_EQ(Ui().repaints, 0);
+}
+
+TEST_F(StartUpTest, AnAutomaticIntervalIsShownAsItIsMeasured) {
+  state_->devicePort = Handle{77};
+  globals.measuredPingInterval_ms = 104.0f;
+  HandleTimer(*state_, ID_TIMER_REPAINT);
+  EXPECT_EQ(Of(ID_MEASURED_INTERVAL).text, L"");
+  state_->settings.pingInterval_ms = 0;
+  HandleTimer(*state_, ID_TIMER_REPAINT);
+  EXPECT_EQ(Of(ID_MEASURED_INTERVAL).text, L"0.10");
+  EXPECT_EQ(Ui().repaints, 2);
+  state_->devicePort = Handle::invalid;
+}
+
+TEST_F(StartUpTest, RecordingSwitchedOffStaysOff) {
+  PutNumber(L"Recording", 0);
+  LoadRecordingChoices(*state_);
+  EXPECT_FALSE(Of(ID_RECORD).checked);
+  EXPECT_FALSE(WaitForEvent(state_->recordingEvent, 0));
+}
+
+TEST_F(StartUpTest, TheRingsTakeNoMemoryUntilTheyAreUsed) {
+  EXPECT_LT(ResidentBytes(), size_t{60} << 20);
+}
+
+TEST_F(StartUpTest, ClosingWhileRecordingClosesTheFileBeforeThePositionIsStored) {
+  ConnectSounder(QuickSounder());
+  StartRun(*state_);
+  Run(2);
+  BeginShutDown(*state_);
+  EXPECT_EQ(state_->recordFileA, Handle::invalid);
+  EXPECT_EQ(globals.screenshotRequested, 1);
+  FinishShutDown(*state_);
+  EXPECT_EQ(RegistryWrites().back(), L"MainWindowPosition");
+}
+
+void StartUpWithoutMemory() {
+  ClearRegistry();
+  ClearFaults();
+  auto* const state = AllocateState();
+  InjectFault({.point = FaultPoint::allocate, .call = 2});
+  StartUp(*state);
+}
+
+TEST(StartUpDeathTest, WithoutMemoryForTheRingsTheProcessEnds) {
+  EXPECT_EXIT(StartUpWithoutMemory(), testing::ExitedWithCode(1), "");
+}
+
+}  // namespace
+}  // namespace tw::test

@@ -1,0 +1,131 @@
+#include <algorithm>
+
+#include "app/run_control.h"
+#include "platform/clock.h"
+#include "platform/host/faults.h"
+#include "platform/host/virtual_clock.h"
+#include "platform/thread.h"
+#include "tests/app/run_control_fixture.h"
+
+namespace tw::test {
+namespace {
+
+class StopTest : public RunControlTest {};
+
+TEST_F(StopTest, WhileStreamingEndsTheRunAndLeavesTheDeviceStreaming) {
+  ConnectSounder(QuickSounder());
+  StartRun(*state_);
+  Run(3);
+  const uint32_t began = MillisecondClock();
+  StopRun(*state_);
+  EXPECT_LT(MillisecondClock() - began, 500u);
+  EXPECT_EQ(Ui().status[2], L"");
+  EXPECT_EQ(Ui().status[3], L"");
+  EXPECT_EQ(sounderPeer_->Closed(), 1);
+  EXPECT_TRUE(sounder_->Streaming());
+  EXPECT_EQ(RecordFiles().size(), 1u);
+  ExpectIdle();
+}
+
+TEST_F(StopTest, AndStartAgain) {
+  ConnectSounder(QuickSounder());
+  for (int run = 0; run < 3; ++run) {
+    StartRun(*state_);
+    ASSERT_TRUE(Ui().boxes.empty());
+    Run(2);
+    StopRun(*state_);
+    ExpectIdle();
+  }
+  EXPECT_EQ(RecordFiles().size(), 3u);
+}
+
+// Stands for an acquisition worker that does not come back: a call of the system that hangs.
+void SleepAMinute(void*) {
+  SleepMilliseconds(60'000);
+}
+
+TEST_F(StopTest, GivesAHangingWorkerThreeSeconds) {
+  ConnectSounder(QuickSounder());
+  StartRun(*state_);
+  Signal(state_->stopEvent);
+  ASSERT_EQ(WaitForThread(state_->acquisitionThread, 5000), ThreadWait::ended);
+  CloseThread(state_->acquisitionThread);
+  state_->acquisitionThread = StartThread(SleepAMinute, nullptr);
+  const uint32_t began = MillisecondClock();
+  const uint32_t number = state_->runNumber;
+  StopRun(*state_);
+  const uint32_t took = MillisecondClock() - began;
+  EXPECT_GE(took, 3000u);
+  EXPECT_LE(took, 3100u);
+  EXPECT_NE(state_->runNumber, number);
+  ExpectIdle();
+}
+
+TEST_F(StopTest, ARunWithoutAPingLeavesNoFile) {
+  sim::SounderOptions options = QuickSounder();
+  options.faults.refused = {"#go"};
+  ConnectSounder(options);
+  StartRun(*state_);
+  Run(2);
+  StopRun(*state_);
+  EXPECT_TRUE(RecordFiles().empty());
+}
+
+TEST_F(StopTest, WhileIdleDoesNoHarm) {
+  StopRun(*state_);
+  ExpectIdle();
+  EXPECT_EQ(state_->gpsPort, Handle::null);
+}
+
+TEST_F(StopTest, SilenceIsReportedOnceAndStopsTheRun) {
+  ConnectSounder(QuickSounder());
+  StartRun(*state_);
+  Run(2);
+  SilenceLine(kDeviceLine);
+  Run(59);
+  EXPECT_TRUE(Ui().boxes.empty());
+  Run(10);
+  ExpectBox(L"Connection lost!", L"Error", BoxIcon::error);
+  ExpectIdle();
+  Run(120);
+  EXPECT_EQ(Ui().boxes.size(), 1u);
+  EXPECT_EQ(state_->linkLost, 0);
+}
+
+TEST_F(StopTest, APulledPlugIsReportedAtOnce) {
+  ConnectSounder(QuickSounder());
+  StartRun(*state_);
+  Run(2);
+  HangUpLine(kDeviceLine);
+  Run(2);
+  ExpectBox(L"Connection lost!", L"Error", BoxIcon::error);
+  ExpectIdle();
+  EXPECT_EQ(RecordFiles().size(), 1u);
+}
+
+TEST_F(StopTest, RecordingSwitchedOffAndOnMakesASecondFile) {
+  ConnectSounder(QuickSounder());
+  StartRun(*state_);
+  Run(2);
+  Ui().controls[ID_RECORD].checked = false;
+  ToggleRecording(*state_);
+  EXPECT_EQ(state_->recordFileA, Handle::invalid);
+  ASSERT_EQ(RecordFiles().size(), 1u);
+  const size_t size = Content(RecordFiles()[0]).size();
+  Run(2);
+  EXPECT_EQ(Content(RecordFiles()[0]).size(), size);
+
+  Ui().controls[ID_RECORD].checked = true;
+  ToggleRecording(*state_);
+  Run(2);
+  StopRun(*state_);
+  const std::vector<std::string> files = RecordFiles();
+  ASSERT_EQ(files.size(), 2u);
+  const std::string second = Content(files[1]);
+  EXPECT_EQ(second.substr(0, 7), "INFO:1,");
+  EXPECT_TRUE(second.ends_with("\r\n\r\n"));
+  EXPECT_NE(second.find("#DeviceID "), second.npos);
+}
+
+}  // namespace
+}  // namespace tw::test

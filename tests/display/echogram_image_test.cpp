@@ -1,0 +1,165 @@
+#include "display/echogram_image.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <vector>
+
+#include "tests/display/test_ring.h"
+
+namespace tw {
+namespace {
+
+constexpr Pixel kGuard = 0x00DEAD00;
+
+// The rules of the image, one pixel at a time.
+Pixel ExpectedPixel(const PingRing& ring, const DisplayPalette& palette, int32_t x, int32_t y, int32_t width,
+                    int32_t height, int32_t newest, int32_t timeScale_s, double range_m, double soundSpeed) {
+  const double pingsPerColumn = timeScale_s * 10.0 / width;
+  const double difference = std::trunc(newest - (width - x) * pingsPerColumn);
+  // As an unsigned 32-bit number: a negative difference counts down from 2^32.
+  const double asUnsigned = difference < 0 ? difference + 4'294'967'296.0 : difference;
+  const auto index = static_cast<size_t>(std::fmod(asUnsigned, 10'000.0));
+  const double sample = std::floor(2.0 * y * range_m * 100'000.0 / (height * soundSpeed));
+  const uint8_t* slot = ring.slots[index];
+  const uint32_t headerLength = LoadLe<uint32_t>(slot + 4);
+  const size_t start = (headerLength == 0 ? 88 : headerLength) + 640;
+  if (sample >= 29'636 || static_cast<double>(start) + 2 * sample + 2 > 60'000) return 0;
+  uint32_t amplitude = LoadLe<uint16_t>(slot + start + 2 * static_cast<size_t>(sample));
+  if (amplitude > 4'095) amplitude = 4'095;
+  const uint8_t(&entry)[4] = palette.entries[amplitude];
+  return amplitude < 64 ? 0 : static_cast<Pixel>(entry[2] << 16 | entry[1] << 8 | entry[0]);
+}
+
+class EchogramImage : public testing::Test {
+ protected:
+  EchogramImage() {
+    BuildPalette(palette_);
+    BuildAmplitudeColours(palette_, colours_);
+  }
+
+  // Renders into a canvas with a guard column and row, which must stay as they are.
+  Canvas Render(const EchogramScale& scale, int32_t width, int32_t height) {
+    const ptrdiff_t stride = width + 1;
+    pixels_.assign(static_cast<size_t>(stride * (height + 1)), kGuard);
+    const Canvas image{pixels_.data(), width, height, stride};
+    RenderEchogram(*ring_, scale, colours_, *scratch_, image);
+    for (int32_t y = 0; y < height; ++y) EXPECT_EQ(image.Row(y)[width], kGuard) << y;
+    for (int32_t x = 0; x < width; ++x) EXPECT_EQ(image.Row(height)[x], kGuard) << x;
+    return image;
+  }
+
+  void ExpectRules(const EchogramScale& scale, int32_t width, int32_t height) {
+    const Canvas image = Render(scale, width, height);
+    int32_t wrong = 0;
+    for (int32_t y = 0; y < height; ++y) {
+      for (int32_t x = 0; x < width; ++x) {
+        const Pixel expected =
+            ExpectedPixel(*ring_, palette_, x, y, width, height, scale.newest, scale.timeScale_s,
+                          scale.range_mm / 1000.0, scale.soundSpeed_mps);
+        if (image.Row(y)[x] != expected && ++wrong == 1) {
+          ADD_FAILURE() << "first wrong pixel at " << x << ", " << y;
+        }
+      }
+    }
+    EXPECT_EQ(wrong, 0);
+  }
+
+  TestRing ring_ = MakeRing();
+  DisplayPalette palette_;
+  AmplitudeColours colours_;
+  std::unique_ptr<EchogramScratch> scratch_ = std::make_unique<EchogramScratch>();
+  std::vector<Pixel> pixels_;
+};
+
+struct ImageCase {
+  const char* what;
+  int32_t width;
+  int32_t height;
+  EchogramScale scale;
+};
+
+constexpr ImageCase kImages[] = {
+    {"one pixel", 1, 1, {500, 10, 10'000, 1'500.0f}},
+    {"three columns", 3, 7, {500, 10, 10'000, 1'500.0f}},
+    {"one column more than a tile", 17, 33, {500, 10, 10'000, 1'500.0f}},
+    {"each slot in many columns", 640, 200, {400, 10, 10'000, 1'500.0f}},
+    {"more pings than columns", 90, 200, {700, 60, 50'000, 1'500.0f}},
+    {"shallow range, slow sound", 100, 300, {300, 20, 1'000, 1'400.5f}},
+    {"rows beyond the slot are black", 50, 500, {300, 20, 250'000, 1'480.0f}},
+    {"more rows than a band", 20, 2'100, {300, 20, 200'000, 1'500.0f}},
+    {"the newest ping is at index 0", 120, 50, {0, 20, 10'000, 1'500.0f}},
+    {"old columns go below index 0", 333, 50, {40, 30, 10'000, 1'500.0f}},
+    {"the last slot of the ring", 100, 50, {9'999, 10, 10'000, 1'500.0f}},
+};
+
+TEST_F(EchogramImage, FollowsTheRulesPixelByPixel) {
+  for (int32_t i = 0; i < 800; ++i) FillSlot(*ring_, i, 88, 29'636);
+  for (int32_t i = 9'800; i < kRingSlots; ++i) FillSlot(*ring_, i, 88, 29'636);
+  // 2^32 modulo 10,000 is 7,296: where columns below index 0 are found.
+  for (int32_t i = 6'996; i < 7'296; ++i) FillSlot(*ring_, i, 88, 2'000);
+  for (const ImageCase& c : kImages) {
+    SCOPED_TRACE(c.what);
+    ExpectRules(c.scale, c.width, c.height);
+  }
+}
+
+TEST_F(EchogramImage, ShowsSlotsWithOtherHeaderLengthsAndZeroedOnes) {
+  constexpr uint32_t kLengths[] = {88, 36, 0, 4'096, 89, 1'000, 88, 88, 88, 88, 88};
+  for (int32_t i = 0; i < 300; ++i) {
+    FillSlot(*ring_, i, kLengths[static_cast<size_t>(i) % std::size(kLengths)], 29'636);
+  }
+  ExpectRules({250, 20, 222'000, 1'500.0f}, 203, 300);
+  ExpectRules({250, 20, 5'000, 1'500.0f}, 150, 100);
+}
+
+TEST_F(EchogramImage, ColumnsOlderThanIndexZeroAreNotRepaired) {
+  // 10 s over 100 columns are one ping a column: column x shows slot newest - (100 - x).
+  EXPECT_EQ(SlotOfColumn(99, 100, 50, 10), 49);
+  EXPECT_EQ(SlotOfColumn(50, 100, 50, 10), 0);
+  EXPECT_EQ(SlotOfColumn(49, 100, 50, 10), 7'295);  // 4,294,967,295 modulo 10,000
+  EXPECT_EQ(SlotOfColumn(0, 100, 50, 10), 7'246);
+}
+
+struct UndrawableCase {
+  const char* what;
+  int32_t range_mm;
+  float soundSpeed_mps;
+};
+
+TEST_F(EchogramImage, IsBlackWhenTheScaleCannotBeDrawn) {
+  for (int32_t i = 0; i < 200; ++i) FillSlot(*ring_, i, 88, 1'000);
+  constexpr float kInfinity = std::numeric_limits<float>::infinity();
+  constexpr UndrawableCase kScales[] = {
+      {"no range", 0, 1'500.0f},
+      {"negative range", -1, 1'500.0f},
+      {"no sound speed", 10'000, 0.0f},
+      {"negative sound speed", 10'000, -1'500.0f},
+      {"not a number", 10'000, std::numeric_limits<float>::quiet_NaN()},
+      {"infinite", 10'000, kInfinity},
+  };
+  for (const UndrawableCase& c : kScales) {
+    SCOPED_TRACE(c.what);
+    const Canvas image = Render({150, 10, c.range_mm, c.soundSpeed_mps}, 40, 30);
+    for (int32_t y = 0; y < 30; ++y) {
+      for (int32_t x = 0; x < 40; ++x) ASSERT_EQ(image.Row(y)[x], kBlack);
+    }
+  }
+  Render({150, 10, 10'000, 1'500.0f}, 0, 10);
+  Render({150, 10, 10'000, 1'500.0f}, 10, 0);
+}
+
+TEST_F(EchogramImage, SurvivesExtremeScales) {
+  for (int32_t i = 0; i < 200; ++i) FillSlot(*ring_, i, 88, 1'000);
+  constexpr int32_t kMax = std::numeric_limits<int32_t>::max();
+  constexpr int32_t kMin = std::numeric_limits<int32_t>::min();
+  for (const int32_t timeScale_s : {kMin, -1, 0, 1, kMax}) {
+    for (const float soundSpeed : {std::numeric_limits<float>::denorm_min(), 1e-30f, 1'500.0f, 3e38f}) {
+      Render({9'999, timeScale_s, kMax, soundSpeed}, 37, 21);
+    }
+  }
+}
+
+}  // namespace
+}  // namespace tw

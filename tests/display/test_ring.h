@@ -1,0 +1,40 @@
+// A ring for tests: zero-filled, and filled with seeded pings slot by slot where a test wants them.
+#pragma once
+
+#include <cstdlib>
+#include <memory>
+#include <random>
+
+#include "acquisition/ping_ring.h"
+#include "base/bytes.h"
+
+namespace tw {
+
+struct FreeRing {
+  void operator()(PingRing* ring) const { std::free(ring); }
+};
+using TestRing = std::unique_ptr<PingRing, FreeRing>;
+
+// Untouched pages cost nothing, so a test touches only the slots that it fills.
+inline TestRing MakeRing() {
+  return TestRing(static_cast<PingRing*>(std::calloc(1, sizeof(PingRing))));
+}
+
+inline void StoreSample(uint8_t* slot, size_t headerLength, size_t index, uint16_t amplitude) {
+  StoreLe<uint16_t>(slot + headerLength + 640 + 2 * index, amplitude);
+}
+
+// Amplitudes over the whole 16 bits now and then, mostly 12.
+inline void FillSlot(PingRing& ring, int32_t index, uint32_t headerLength, size_t samples) {
+  std::minstd_rand random(static_cast<uint32_t>(index) + 1);
+  uint8_t* slot = ring.slots[index];
+  StoreLe<uint32_t>(slot + 4, headerLength);
+  const size_t start = (headerLength == 0 ? 88 : headerLength) + 640;
+  for (size_t i = 0; i < samples && start + 2 * i + 2 <= kSlotSize; ++i) {
+    const auto value = static_cast<uint32_t>(random());
+    StoreLe<uint16_t>(slot + start + 2 * i,
+                      static_cast<uint16_t>(value % 50 == 0 ? value >> 8 : value >> 8 & 4'095));
+  }
+}
+
+}  // namespace tw

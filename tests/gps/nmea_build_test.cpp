@@ -1,0 +1,105 @@
+#include "gps/nmea_build.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace tw {
+namespace {
+
+using Builder = size_t (*)(std::span<char> text, const GpsFix& fix, bool gn);
+
+std::string Build(Builder builder, const GpsFix& fix, bool gn, size_t size = 256) {
+  std::string text(size, '#');
+  const size_t length = builder(text, fix, gn);
+  if (size > 0) {
+    EXPECT_EQ(text[length], '\0');
+  }
+  return text.substr(0, length);
+}
+
+GpsFix Munich() {
+  GpsFix fix{};
+  fix.utc = {.year = 94, .month = 2, .day = 23, .hour = 12, .minute = 35, .second = 19, .hundredth = 7};
+  fix.quality = 1;
+  fix.hdop = 0.9;
+  fix.latitude = 4807.038;
+  fix.longitude = 1131.0;
+  fix.elevation_m = 545.4;
+  fix.geoidHeight_m = 46.9;
+  fix.speed_kmh = 41.4848;  // 22.4 kn
+  fix.direction_deg = 84.4;
+  fix.declination_deg = -3.1;
+  fix.satellitesInUse = 8;
+  return fix;
+}
+
+GpsFix BuenosAires() {
+  GpsFix fix{};
+  fix.utc = {.year = 99, .month = 0, .day = 1, .hour = 0, .minute = 0, .second = 0, .hundredth = 0};
+  fix.quality = 4;
+  fix.hdop = 12.3;
+  fix.latitude = -3351.123456;
+  fix.longitude = -5812.4321;
+  fix.elevation_m = -3.25;
+  fix.geoidHeight_m = -10.125;
+  fix.differentialAge_s = 1.5;
+  fix.differentialStation = 42;
+  fix.speed_kmh = 18.52;
+  fix.direction_deg = 359.9;
+  fix.declination_deg = 20.3;
+  fix.modeCode = 4;
+  fix.satellitesInUse = 17;
+  return fix;
+}
+
+// The sentences were put together and their checksums counted by hand (a shell and another language).
+TEST(NmeaBuild, WholeSentences) {
+  EXPECT_EQ(Build(BuildGga, Munich(), false),
+            "$GPGGA,123519.07,4807.0380,N,1131.0000,E,1,08,0.9,545.400,M,46.900,M,0.0,0000*70\r\n");
+  EXPECT_EQ(Build(BuildRmc, Munich(), false),
+            "$GPRMC,123519.07,A,4807.0380,N,1131.0000,E,22.4,84.4,230394,3.1,W,A*1e\r\n");
+  GpsFix fix = BuenosAires();
+  EXPECT_EQ(Build(BuildGga, fix, true),
+            "$GNGGA,000000.00,3351.123456,S,5812.432100,W,4,17,12.3,-3.250,M,-10.125,M,1.5,0042*58\r\n");
+  fix.utc.hour = 23;
+  fix.utc.minute = fix.utc.second = 59;
+  fix.utc.hundredth = 99;
+  fix.quality = 0;
+  EXPECT_EQ(Build(BuildRmc, fix, true),
+            "$GNRMC,235959.99,V,3351.123456,S,5812.432100,W,10.0,359.9,010199,20.3,E,N*02\r\n");
+}
+
+TEST(NmeaBuild, AnEmptyFixIsSouthAndWest) {
+  EXPECT_EQ(Build(BuildGga, GpsFix{}, false),
+            "$GPGGA,000000.00,00.0000,S,00.0000,W,0,00,0.0,0.000,M,0.000,M,0.0,0000*4c\r\n");
+}
+
+TEST(NmeaBuild, YearsOfBothCenturies) {
+  GpsFix fix = Munich();
+  for (const auto& [year, digits] : {std::pair{99, "230399"}, {100, "230300"}, {125, "230325"}}) {
+    fix.utc.year = year;
+    EXPECT_NE(Build(BuildRmc, fix, false).find(digits), std::string::npos) << year;
+  }
+}
+
+TEST(NmeaBuild, ModeLetters) {
+  GpsFix fix = Munich();
+  for (const auto& [code, letter] :
+       {std::pair{0, 'A'}, {1, 'D'}, {2, 'E'}, {3, 'M'}, {4, 'N'}, {5, 'N'}, {-1, 'N'}}) {
+    fix.modeCode = code;
+    const std::string text = Build(BuildRmc, fix, false);
+    EXPECT_EQ(text[text.find('*') - 1], letter) << code;
+  }
+}
+
+TEST(NmeaBuild, WhatDoesNotFitIsNoSentence) {
+  const std::string whole = Build(BuildGga, Munich(), false);
+  EXPECT_EQ(Build(BuildGga, Munich(), false, whole.size() + 1), whole);
+  for (size_t size = 0; size <= whole.size(); ++size) {
+    EXPECT_EQ(Build(BuildGga, Munich(), false, size), "") << size;
+  }
+}
+
+}  // namespace
+}  // namespace tw

@@ -1,0 +1,86 @@
+#include "gps/nmea_scan.h"
+
+#include <gtest/gtest.h>
+
+namespace tw {
+namespace {
+
+TEST(NmeaScan, CountsWhatItConverts) {
+  const struct {
+    std::string_view text;
+    int converted;
+    std::string_view first;
+    double second;
+    char third;
+    int32_t fourth;
+  } rows[] = {
+      {"$X,ab,1.5,N,7*", 4, "ab", 1.5, 'N', 7},
+      {"$X,,,,*", 4, "", 0, '\0', 0},                // empty fields count
+      {"$X,ab,1.5,N,7,8,9*", 4, "ab", 1.5, 'N', 7},  // surplus ones do not
+      {"$X,ab,1.5,N*", 3, "ab", 1.5, 'N', -1},       // the sentence ended
+      {"$X,ab,1.5,N,", 3, "ab", 1.5, 'N', -1},
+      {"$X,ab,1.5,N", 3, "ab", 1.5, 'N', -1},
+      {"$X,ab,x,N,7*", 1, "ab", -1, '?', -1},  // no number
+      {"$X,ab,1.5x,N,7*", 2, "ab", 1.5, '?', -1},
+      {"$X,ab,1.5,NE,7*", 3, "ab", 1.5, 'N', -1},
+      {"$X,ab,1e999,N,7*", 1, "ab", -1, '?', -1},
+      {"$X,ab,1.5,N,99999999999*", 3, "ab", 1.5, 'N', -1},
+      {"$X*", 0, "-", -1, '?', -1},
+      {"$Y,ab,1.5,N,7*", 0, "-", -1, '?', -1},
+      {"", 0, "-", -1, '?', -1},
+  };
+  for (const auto& row : rows) {
+    std::string_view first = "-";
+    double second = -1;
+    char third = '?';
+    int32_t fourth = -1;
+    const ScanTarget targets[] = {&first, &second, &third, &fourth};
+    EXPECT_EQ(ScanSentence(row.text, "$X,%s,%f,%C,%d*", targets), row.converted) << row.text;
+    EXPECT_EQ(first, row.first) << row.text;
+    EXPECT_EQ(second, row.second) << row.text;
+    EXPECT_EQ(third, row.third) << row.text;
+    EXPECT_EQ(fourth, row.fourth) << row.text;
+  }
+}
+
+TEST(NmeaScan, NumbersThatShareAField) {
+  const struct {
+    std::string_view text;
+    int converted;
+    int32_t day, month, year;
+  } rows[] = {
+      {",230394,", 3, 23, 3, 94}, {",,", 3, 0, 0, 0},         {",*", 3, 0, 0, 0},   {",2303,", 2, 23, 3, -1},
+      {",23039x,", 3, 23, 3, 9},  {",2x0394,", 1, 2, -1, -1}, {",", 0, -1, -1, -1},
+  };
+  for (const auto& row : rows) {
+    int32_t day = -1, month = -1, year = -1;
+    const ScanTarget targets[] = {&day, &month, &year};
+    EXPECT_EQ(ScanSentence(row.text, ",%2d%2d%2d", targets), row.converted) << row.text;
+    EXPECT_EQ(day, row.day) << row.text;
+    EXPECT_EQ(month, row.month) << row.text;
+    EXPECT_EQ(year, row.year) << row.text;
+  }
+}
+
+TEST(NmeaScan, ABlankInTheFormatIsAnyNumberOfBlanks) {
+  for (const std::string_view text : {"1,A*", "1, A*", "1,   A*"}) {
+    int32_t number = 0;
+    char letter = '?';
+    const ScanTarget targets[] = {&number, &letter};
+    EXPECT_EQ(ScanSentence(text, "%d, %C*", targets), 2) << text;
+    EXPECT_EQ(letter, 'A') << text;
+  }
+}
+
+TEST(NmeaScan, AWrongOrMissingTargetEndsTheScan) {
+  int32_t whole = -1;
+  double real = -1;
+  const ScanTarget wrong[] = {&whole, &real};
+  EXPECT_EQ(ScanSentence("1,x", "%d,%C", wrong), 1);
+  EXPECT_EQ(real, -1);
+  EXPECT_EQ(ScanSentence("1,2,3", "%d,%f,%d", wrong), 2);
+  EXPECT_EQ(ScanSentence("1,2", "%d,%", wrong), 1);
+}
+
+}  // namespace
+}  // namespace tw
