@@ -1,0 +1,184 @@
+#include "app/main_window_win32.h"
+
+#include "app/control_ids.h"
+#include "app/dialogs_win32.h"
+#include "app/full_window_win32.h"
+#include "app/run_control.h"
+#include "app/start_up.h"
+#include "app/view_choices.h"
+#include "app/view_placement_win32.h"
+#include "app/window_handles_win32.h"
+
+namespace tw {
+namespace {
+
+constexpr wchar_t kSliderClass[] = L"EchoSliderbar class";
+
+// WM_CREATE: the controls do not exist yet. False ends the creation.
+bool OnCreate(HWND window) {
+  AppState* const state = AllocateState();
+  if (state == nullptr) return false;
+  state->mainWindow = FromWindow(window);
+  SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(state));
+  const HWND slider = CreateWindowExW(0, kSliderClass, L"", WS_CHILD, 0, 0, 0, 0, window, nullptr,
+                                      GetModuleHandleW(nullptr), nullptr);
+  state->sliderWindow = FromWindow(slider);
+  return slider != nullptr;
+}
+
+// May come before anything else exists.
+void OnGetMinMaxInfo(MINMAXINFO& info) {
+  const Scaler scaled = ScreenScaler();
+  info.ptMinTrackSize = {scaled(kSmallestWindowWidth), scaled(kSmallestWindowHeight)};
+}
+
+void OnSize(AppState& state) {
+  KeepWindowPlacement(state);
+  PlaceViews(state);
+}
+
+void OnMove(AppState& state) {
+  KeepWindowPlacement(state);
+}
+
+void OnTimer(AppState& state, WPARAM timer) {
+  if (state.initialised != 0) HandleTimer(state, static_cast<int>(timer));
+}
+
+// A click that waited while its control was disabled comes too late.
+bool IsDisabledControl(const AppState& state, int id) {
+  const HWND control = Control(state, id);
+  return control != nullptr && IsWindowEnabled(control) == FALSE;
+}
+
+void OnCommand(AppState& state, int id) {
+  if (state.initialised == 0 || IsDisabledControl(state, id)) return;
+  switch (id) {
+    case ID_MENU_ABOUT:
+      return ShowAboutDialog(state);
+    case ID_MENU_SHORTCUTS:
+      return ShowShortcutsDialog(state);
+    case ID_MENU_EXIT:
+      DestroyWindow(MainWindow(state));
+      return;
+    case ID_START:
+      return StartRun(state);
+    case ID_STOP:
+      return StopRun(state);
+    case ID_RECORD:
+      return ToggleRecording(state);
+    case ID_TIMESTAMP:
+      return ToggleTimestamp(state);
+    default:
+      return;
+  }
+}
+
+// The workers are not waited for: they end with the process.
+void OnDestroy(AppState& state) {
+  if (state.initialised != 0) {
+    BeginShutDown(state);
+    LeaveFullScreen(state);
+    FinishShutDown(state);
+  }
+  PostQuitMessage(0);
+}
+
+// Commands of buttons and menus have the code 0, those of accelerators 1; selectors tell more than we want
+// to know.
+constexpr WORD kLastCommandCode = 1;
+
+LRESULT CALLBACK MainWindowProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+  AppState* const state = StateOf(window);
+  switch (message) {
+    case WM_CREATE:
+      return OnCreate(window) ? 0 : -1;
+    case WM_GETMINMAXINFO:
+      OnGetMinMaxInfo(*reinterpret_cast<MINMAXINFO*>(lParam));
+      return 0;
+    default:
+      break;
+  }
+  if (state == nullptr) return DefWindowProcW(window, message, wParam, lParam);
+  switch (message) {
+    case WM_SIZE:
+      OnSize(*state);
+      return 0;
+    case WM_MOVE:
+      OnMove(*state);
+      return 0;
+    case WM_COMMAND:
+      if (HIWORD(wParam) <= kLastCommandCode) OnCommand(*state, LOWORD(wParam));
+      return 0;
+    case WM_TIMER:
+      OnTimer(*state, wParam);
+      return 0;
+    case WM_DESTROY:
+      OnDestroy(*state);
+      return 0;
+    default:
+      return DefWindowProcW(window, message, wParam, lParam);
+  }
+}
+
+// The arrows on the playback buttons: fonts of dialogs often lack them.
+void SetArrowFont(const AppState& state) {
+  LOGFONTW font{};
+  const auto dialogFont = reinterpret_cast<HFONT>(SendMessageW(Control(state, ID_RESUME), WM_GETFONT, 0, 0));
+  if (GetObjectW(dialogFont, sizeof(font), &font) == 0) return;
+  lstrcpynW(font.lfFaceName, L"Arial", LF_FACESIZE);
+  const HFONT arrows = CreateFontIndirectW(&font);  // as long as the window, which is as long as the process
+  constexpr int kArrowButtons[] = {ID_FAST_BACK, ID_BACK, ID_PAUSE, ID_RESUME};
+  for (const int id : kArrowButtons) {
+    SendMessageW(Control(state, id), WM_SETFONT, reinterpret_cast<WPARAM>(arrows), FALSE);
+  }
+}
+
+}  // namespace
+
+bool RegisterMainWindowClass(HINSTANCE instance, const wchar_t* className) {
+  WNDCLASSEXW windowClass{};
+  windowClass.cbSize = sizeof(windowClass);
+  windowClass.style = CS_HREDRAW | CS_VREDRAW;
+  windowClass.lpfnWndProc = MainWindowProcedure;
+  windowClass.cbWndExtra = DLGWINDOWEXTRA;  // a dialog template is made with this class
+  windowClass.hInstance = instance;
+  windowClass.hIcon = LoadIconW(instance, MAKEINTRESOURCEW(ID_ICON));
+  windowClass.hCursor = LoadCursorW(nullptr, IDC_ARROW);
+  windowClass.hbrBackground = reinterpret_cast<HBRUSH>(COLOR_BTNFACE + 1);
+  windowClass.lpszMenuName = MAKEINTRESOURCEW(ID_MENU);
+  windowClass.lpszClassName = className;
+  return RegisterClassExW(&windowClass) != 0;
+}
+
+AppState* CreateMainWindow(HINSTANCE instance) {
+  const HWND window = CreateDialogParamW(instance, MAKEINTRESOURCEW(ID_DIALOG_MAIN), nullptr, nullptr, 0);
+  if (window == nullptr) return nullptr;
+  AppState* const state = StateOf(window);
+  RememberHiddenControls(*state);
+  SetArrowFont(*state);
+  const HWND statusBar = CreateStatusBar(window);
+  if (statusBar == nullptr) return nullptr;
+  state->statusBar = FromWindow(statusBar);
+  PlaceViews(*state);
+  return state;
+}
+
+void ShowMainWindow(AppState& state, int showCommand) {
+  ShowWindow(MainWindow(state), showCommand);
+  UpdateWindow(MainWindow(state));
+  state.initialised = 1;
+}
+
+int RunMessageLoop(AppState& state, HINSTANCE instance) {
+  const HACCEL accelerators = LoadAcceleratorsW(instance, MAKEINTRESOURCEW(ID_ACCELERATORS));
+  MSG message{};
+  while (GetMessageW(&message, nullptr, 0, 0) > 0) {
+    if (TranslateAcceleratorW(MainWindow(state), accelerators, &message) != 0) continue;
+    TranslateMessage(&message);
+    DispatchMessageW(&message);
+  }
+  return static_cast<int>(message.wParam);
+}
+
+}  // namespace tw

@@ -1,0 +1,32 @@
+// The windows that the state record names, as the system knows them, and the way back. GUI thread.
+#pragma once
+
+#include <windows.h>
+
+#include "app/app_state.h"
+
+namespace tw {
+
+[[nodiscard]] inline HWND ToWindow(Handle handle) {
+  return reinterpret_cast<HWND>(static_cast<uintptr_t>(handle));
+}
+
+[[nodiscard]] inline Handle FromWindow(HWND window) {
+  return Handle{reinterpret_cast<uintptr_t>(window)};
+}
+
+[[nodiscard]] inline HWND MainWindow(const AppState& state) {
+  return ToWindow(state.mainWindow);
+}
+
+// Null when the main window has no such control (yet).
+[[nodiscard]] inline HWND Control(const AppState& state, int id) {
+  return GetDlgItem(MainWindow(state), id);
+}
+
+// The state record of the main window; null until WM_CREATE has made it.
+[[nodiscard]] inline AppState* StateOf(HWND mainWindow) {
+  return reinterpret_cast<AppState*>(GetWindowLongPtrW(mainWindow, GWLP_USERDATA));
+}
+
+}  // namespace tw

@@ -1,0 +1,40 @@
+// What the virtual echosounder says that it sent (echosim --log), and a record file taken apart ping by ping:
+// both for comparing the two.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tw {
+
+struct LoggedPing {
+  uint32_t number = 0;
+  double altitude_m = 0;
+  size_t size = 0;
+  uint64_t hash = 0;  // FNV-1a of the block
+  bool whole = false;
+};
+
+// The log that TW_PING_LOG names, as far as it is written, oldest first.
+[[nodiscard]] std::vector<LoggedPing> ReadPingLog();
+
+[[nodiscard]] std::string ReadWholeFile(const std::wstring& path);
+
+// The blocks of a record file, each with its two sentences and its end behind it. `fault` says what is not as
+// it should be, and where; empty when the file is whole from its first byte to its last.
+struct Recording {
+  std::string settings;  // what stands before the first block
+  std::vector<std::string_view> blocks;
+  std::string fault;
+};
+[[nodiscard]] Recording TakeApart(std::string_view file);
+
+[[nodiscard]] uint64_t Fnv1a(std::string_view bytes);
+
+// What is wrong with the recording, when the whole pings of the log should stand in it from the first one on,
+// none lost, none torn; empty when nothing is. The device goes on sending behind the last.
+[[nodiscard]] std::string CompareWithLog(const Recording& recording, const std::vector<LoggedPing>& log);
+
+}  // namespace tw

@@ -1,0 +1,71 @@
+// The program under test, seen from outside: a process with a window that is clicked and read like an
+// operator would. Times are limits for what happens by itself; nothing is asserted about how long it takes.
+#pragma once
+
+#include <windows.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace tw {
+
+// Polls until the condition holds; false when it does not within the time.
+[[nodiscard]] bool WaitUntil(const std::function<bool()>& condition, int limit_s);
+
+struct MessageBoxContent {
+  std::wstring caption;
+  std::wstring text;
+
+  bool operator==(const MessageBoxContent&) const = default;
+};
+
+struct ControlPlace {
+  int id;  // 0xFFFF for those without
+  HWND window;
+  std::wstring className;
+  std::wstring text;
+  RECT place;  // in client pixels of the main window
+  LONG style;
+};
+
+class Program {
+ public:
+  // Starts the program that TW_PROGRAM names and waits for its window.
+  Program();
+  // Ends it the hard way if it still runs.
+  ~Program();
+  Program(const Program&) = delete;
+  Program& operator=(const Program&) = delete;
+
+  [[nodiscard]] HWND Window() const { return window_; }
+  [[nodiscard]] HWND Control(int id) const { return GetDlgItem(window_, id); }
+  [[nodiscard]] std::wstring Title() const;
+  [[nodiscard]] std::wstring Text(int id) const;
+  [[nodiscard]] bool IsTicked(int id) const;
+  [[nodiscard]] bool IsEnabled(int id) const { return IsWindowEnabled(Control(id)) != FALSE; }
+  [[nodiscard]] std::vector<std::wstring> Items(int combo) const;
+  [[nodiscard]] std::wstring Status(int part) const;
+  [[nodiscard]] std::vector<ControlPlace> Controls() const;
+  [[nodiscard]] SIZE ClientSize() const;
+  [[nodiscard]] size_t ResidentBytes() const;
+
+  // Posted, because Start keeps the window busy for seconds.
+  void Click(int id) const;
+  void Choose(int menuEntry) const;
+  void Resize(int width, int height) const;
+
+  // The message box that is shown now or within the time; empty texts when none comes. It is closed with OK.
+  [[nodiscard]] MessageBoxContent AnswerBox(int limit_s) const;
+
+  // File, Exit; the exit code, or -1 when the process does not end.
+  [[nodiscard]] int Exit();
+
+ private:
+  [[nodiscard]] HWND FindOwnWindow(const wchar_t* className) const;
+
+  PROCESS_INFORMATION process_{};
+  HWND window_ = nullptr;
+};
+
+}  // namespace tw

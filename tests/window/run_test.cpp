@@ -1,0 +1,154 @@
+// The program at its work: a run against the virtual instruments, from Start to exit.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdlib>
+#include <optional>
+
+#include "app/control_ids.h"
+#include "tests/window/ping_log.h"
+#include "tests/window/program.h"
+#include "tests/window/stored_choices.h"
+#include "tests/window/view_picture.h"
+
+namespace tw {
+namespace {
+
+constexpr wchar_t kTitle[] = L"Tidewriter Echosounder Control Software";
+constexpr int kStart_s = 60;
+constexpr size_t kTenSecondsOfPings = 100;  // at ten a second
+
+class Run : public ::testing::Test {
+ protected:
+  Run() { StoreRunChoices(folder_.Path()); }
+
+  [[nodiscard]] static size_t WholePings() {
+    size_t count = 0;
+    for (const LoggedPing& ping : ReadPingLog()) count += ping.whole ? 1 : 0;
+    return count;
+  }
+
+  // Presses Start and waits until pings come.
+  void Start() {
+    program_.emplace();
+    program_->Click(ID_START);
+    ASSERT_TRUE(WaitUntil([] { return WholePings() > 0; }, kStart_s));
+    ASSERT_TRUE(WaitUntil([this] { return !program_->IsEnabled(ID_START); }, kStart_s));
+  }
+
+  void Stop() {
+    program_->Click(ID_STOP);
+    ASSERT_TRUE(WaitUntil([this] { return program_->IsEnabled(ID_START); }, 20));
+  }
+
+  // The one file of the working folder, taken apart.
+  void ReadRecording() {
+    const std::vector<std::wstring> files = folder_.Files();
+    ASSERT_EQ(files.size(), 1u);
+    file_ = ReadWholeFile(files.front());
+    recording_ = TakeApart(file_);
+  }
+
+  OwnFolder folder_;
+  std::optional<Program> program_;
+  std::string file_;
+  Recording recording_;
+};
+
+TEST_F(Run, TenSecondsFromStartToExit) {
+  Start();
+  EXPECT_EQ(program_->Status(0), L"Device: COM5,921600bps, ID: VIRTUAL-0001");
+  EXPECT_EQ(program_->Status(1), L"GPS: COM6,4800bps");
+
+  ASSERT_TRUE(WaitUntil([] { return WholePings() >= kTenSecondsOfPings; }, 60));
+  EXPECT_TRUE(program_->Status(2).starts_with(L"GPS")) << "position";
+  EXPECT_TRUE(program_->Status(3).starts_with(L"File size: ")) << "size of the record file";
+  EXPECT_GT(program_->Title().size(), std::wstring(kTitle).size()) << "the title names the file";
+
+  Stop();
+  EXPECT_EQ(program_->Status(0), L"Device: Disconnected");
+  EXPECT_EQ(program_->Status(1), L"GPS: Disconnected");
+  EXPECT_TRUE(WaitUntil([this] { return program_->Status(2).empty() && program_->Status(3).empty(); }, 10));
+  EXPECT_TRUE(WaitUntil([this] { return program_->Title() == kTitle; }, 10));
+  EXPECT_EQ(program_->Exit(), 0);
+
+  ReadRecording();
+  EXPECT_GE(recording_.blocks.size(), kTenSecondsOfPings);
+  EXPECT_TRUE(recording_.settings.starts_with("INFO")) << recording_.settings;
+  EXPECT_EQ(CompareWithLog(recording_, ReadPingLog()), "");
+}
+
+TEST_F(Run, ExitWhileRecordingLeavesAWholeFile) {
+  Start();
+  ASSERT_TRUE(WaitUntil([] { return WholePings() >= kTenSecondsOfPings / 4; }, 60));
+  EXPECT_EQ(program_->Exit(), 0);
+  ReadRecording();
+  EXPECT_EQ(recording_.fault, "");
+  EXPECT_FALSE(recording_.blocks.empty());
+}
+
+TEST_F(Run, RecordTickOpensAndClosesFilesWhileRunning) {
+  StoreChoice(L"Recording", 0);
+  Start();
+  EXPECT_TRUE(folder_.Files().empty());
+  program_->Click(ID_RECORD);
+  ASSERT_TRUE(WaitUntil([this] { return program_->Status(3).starts_with(L"File size: "); }, 20));
+  program_->Click(ID_RECORD);
+  ASSERT_TRUE(WaitUntil([] { return StoredNumber(L"Recording") == 0u; }, 10));
+  Stop();
+  ReadRecording();
+  EXPECT_EQ(recording_.fault, "");
+  EXPECT_FALSE(recording_.blocks.empty());
+}
+
+// The depth that the picture shows is the depth that was sent.
+TEST_F(Run, BottomStandsAtTheSentDepth) {
+  constexpr double kRange_m = 30.0;
+  constexpr int kTolerance_px = 2;
+  constexpr int kScale_s = 150;
+  Start();
+  program_->Resize(1900, 1000);
+  ASSERT_TRUE(WaitUntil([] { return WholePings() >= 2 * kTenSecondsOfPings; }, 60));
+  Sleep(300);  // three repaints
+  const Picture view = PictureOf(program_->Control(ID_ECHOGRAM));
+  const std::vector<LoggedPing> log = ReadPingLog();
+  const std::vector<int> rows = StrongestRows(view);
+
+  const double pingsPerColumn = kScale_s * 10.0 / static_cast<double>(rows.size());
+  size_t compared = 0;
+  size_t right = 0;
+  for (size_t age = 1; age <= rows.size(); ++age) {
+    const auto pingsAgo = static_cast<int>(static_cast<double>(age) * pingsPerColumn);
+    const int row = rows[rows.size() - age];
+    if (row < 0 || pingsAgo + 5 >= static_cast<int>(log.size())) continue;
+    bool found = false;
+    for (int shift = -3; shift <= 5; ++shift) {  // the picture is a few pings older than the log
+      const auto index =
+          static_cast<size_t>(static_cast<int>(log.size()) - 1 - std::max(0, pingsAgo + shift));
+      const double sent = log[index].altitude_m / kRange_m * ImageHeight(view);
+      found = found || std::abs(sent - row) <= kTolerance_px;
+    }
+    ++compared;
+    right += found ? 1 : 0;
+  }
+  EXPECT_GE(right, 100u);
+  EXPECT_GE(right * 10, compared * 9) << right << " of " << compared;
+}
+
+// The instruments of this test fall silent for good while they stream.
+class LostLink : public Run {};
+
+TEST_F(LostLink, SilentDeviceEndsTheRun) {
+  Start();
+  const MessageBoxContent box = program_->AnswerBox(120);
+  EXPECT_EQ(box, (MessageBoxContent{L"Error", L"Connection lost!"}));
+  EXPECT_TRUE(WaitUntil([this] { return program_->IsEnabled(ID_START); }, 20));
+  EXPECT_EQ(program_->Status(0), L"Device: Disconnected");
+  EXPECT_EQ(program_->Exit(), 0);
+  ReadRecording();
+  EXPECT_EQ(recording_.fault, "");
+  EXPECT_FALSE(recording_.blocks.empty());
+}
+
+}  // namespace
+}  // namespace tw

@@ -1,0 +1,129 @@
+// What the program shows, stores and takes when it starts, and how it ends.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+
+#include "app/control_ids.h"
+#include "tests/window/program.h"
+#include "tests/window/stored_choices.h"
+
+namespace tw {
+namespace {
+
+constexpr size_t kMegabyte = 1'000'000;
+
+class StartUp : public ::testing::Test {
+ protected:
+  StartUp() { ForgetStoredChoices(); }
+};
+
+TEST_F(StartUp, FirstStartStoresTheDefaults) {
+  Program program;
+  ASSERT_TRUE(WaitUntil([&] { return !program.Status(0).empty(); }, 10));
+  EXPECT_EQ(program.Title(), L"Tidewriter Echosounder Control Software");
+  EXPECT_EQ(program.Status(0), L"Device: Disconnected");
+  EXPECT_EQ(program.Status(1), L"GPS: Disconnected");
+  EXPECT_EQ(program.Text(ID_DEVICE_SPEED), L"115200");
+  EXPECT_EQ(program.Text(ID_GPS_PORT), L"N/A");
+  EXPECT_EQ(program.Text(ID_GPS_SPEED), L"4800");
+  EXPECT_TRUE(program.IsTicked(ID_RECORD));
+  EXPECT_EQ(program.Exit(), 0);
+
+  EXPECT_EQ(StoredNumber(L"DeviceCOMPort"), 1u);
+  EXPECT_EQ(StoredNumber(L"DeviceCOMSpeed"), 115'200u);
+  EXPECT_EQ(StoredNumber(L"GPSCOMPort"), 0xFFFFFFFFu);
+  EXPECT_EQ(StoredNumber(L"GPSCOMSpeed"), 4'800u);
+  EXPECT_EQ(StoredNumber(L"Recording"), 1u);
+  EXPECT_EQ(StoredSize(L"MainWindowPosition"), 32u);
+  const std::filesystem::path folder = StoredText(L"WorkingFolder");
+  EXPECT_EQ(folder.filename().wstring(), L"TIDEWRITERR57_DATA");
+  EXPECT_TRUE(std::filesystem::is_directory(folder));
+}
+
+// The machine may have more ports than the two of the instruments.
+TEST_F(StartUp, OffersThePortsThatExist) {
+  Program program;
+  const std::vector<std::wstring> ports = program.Items(ID_DEVICE_PORT);
+  const auto first = std::find(ports.begin(), ports.end(), L"COM5");
+  ASSERT_NE(first, ports.end());
+  EXPECT_EQ(*(first + 1), L"COM6");
+  std::vector<std::wstring> withNone{L"N/A"};
+  withNone.insert(withNone.end(), ports.begin(), ports.end());
+  EXPECT_EQ(program.Items(ID_GPS_PORT), withNone);
+}
+
+TEST_F(StartUp, TakesTheStoredChoices) {
+  StoreChoice(L"DeviceCOMPort", 6);
+  StoreChoice(L"DeviceCOMSpeed", 921'600);
+  StoreChoice(L"GPSCOMPort", 5);
+  StoreChoice(L"GPSCOMSpeed", 38'400);
+  StoreChoice(L"Recording", 0);
+  Program program;
+  EXPECT_EQ(program.Text(ID_DEVICE_PORT), L"COM6");
+  EXPECT_EQ(program.Text(ID_DEVICE_SPEED), L"921600");
+  EXPECT_EQ(program.Text(ID_GPS_PORT), L"COM5");
+  EXPECT_EQ(program.Text(ID_GPS_SPEED), L"38400");
+  EXPECT_FALSE(program.IsTicked(ID_RECORD));
+}
+
+TEST_F(StartUp, StoredChoicesThatAreNotOnOfferSelectTheFirst) {
+  StoreChoice(L"DeviceCOMPort", 77);
+  StoreChoice(L"DeviceCOMSpeed", 12'345);
+  StoreChoice(L"GPSCOMPort", 77);
+  StoreChoice(L"GPSCOMSpeed", 1);
+  Program program;
+  EXPECT_EQ(program.Text(ID_DEVICE_PORT), program.Items(ID_DEVICE_PORT).front());
+  EXPECT_EQ(program.Text(ID_DEVICE_SPEED), L"4800");
+  EXPECT_EQ(program.Text(ID_GPS_PORT), L"N/A");
+  EXPECT_EQ(program.Text(ID_GPS_SPEED), L"2400");
+}
+
+TEST_F(StartUp, RingsAreNotResident) {
+  Program program;
+  ASSERT_TRUE(WaitUntil([&] { return program.IsTicked(ID_RECORD); }, 10));
+  const size_t resident = program.ResidentBytes();
+  EXPECT_GT(resident, 1 * kMegabyte);
+  EXPECT_LT(resident, 60 * kMegabyte);
+  RecordProperty("resident_kB", static_cast<int>(resident / 1000));
+}
+
+TEST_F(StartUp, RecordTickIsStoredAtOnce) {
+  Program program;
+  program.Click(ID_RECORD);
+  EXPECT_TRUE(WaitUntil([] { return StoredNumber(L"Recording") == 0u; }, 10));
+  program.Click(ID_RECORD);
+  EXPECT_TRUE(WaitUntil([] { return StoredNumber(L"Recording") == 1u; }, 10));
+}
+
+TEST_F(StartUp, WhatDoesNotExistYetIsGreyed) {
+  Program program;
+  const HMENU menu = GetMenu(program.Window());
+  ASSERT_NE(menu, nullptr);
+  for (const UINT id : {ID_MENU_FOLDER, ID_MENU_BAUD, ID_MENU_BIN_TO_TXT, ID_MENU_SEGY}) {
+    EXPECT_NE(GetMenuState(menu, id, MF_BYCOMMAND) & MF_GRAYED, 0u) << id;
+  }
+  for (const int id : {ID_APPLY, ID_DETAIL, ID_DEFAULT, ID_PLAYBACK, ID_SHOW_SETTINGS, ID_SEGY_CONVERT}) {
+    EXPECT_FALSE(program.IsEnabled(id)) << id;
+  }
+  EXPECT_TRUE(program.IsEnabled(ID_START));
+}
+
+TEST_F(StartUp, DialogsOpenAndClose) {
+  for (const int entry : {ID_MENU_ABOUT, ID_MENU_SHORTCUTS}) {
+    Program program;
+    program.Choose(entry);
+    const MessageBoxContent box = program.AnswerBox(10);
+    EXPECT_EQ(box.caption, entry == ID_MENU_ABOUT ? L"About Tidewriter" : L"Keyboard Shortcuts");
+    EXPECT_EQ(program.Exit(), 0);
+  }
+}
+
+TEST_F(StartUp, CloseBoxEndsTheProgram) {
+  Program program;
+  PostMessageW(program.Window(), WM_CLOSE, 0, 0);
+  EXPECT_EQ(program.Exit(), 0);
+}
+
+}  // namespace
+}  // namespace tw

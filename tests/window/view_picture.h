@@ -1,0 +1,30 @@
+// The echogram view as it stands on the screen.
+#pragma once
+
+#include <windows.h>
+
+#include <cstdint>
+#include <vector>
+
+namespace tw {
+
+struct Picture {
+  int width = 0;
+  int height = 0;
+  std::vector<uint32_t> pixels;  // 0x00RRGGBB, row by row from the top
+
+  [[nodiscard]] uint32_t At(int x, int y) const {
+    return pixels[static_cast<size_t>(y) * static_cast<size_t>(width) + static_cast<size_t>(x)];
+  }
+};
+
+// Taken from the screen, so it shows what an operator sees.
+[[nodiscard]] Picture PictureOf(HWND window);
+
+// The row of the strongest echo in each column of the image, counted from the image's top; -1 in columns
+// without an echo. The colour bar at the right says which colour is how strong.
+[[nodiscard]] std::vector<int> StrongestRows(const Picture& view);
+
+[[nodiscard]] int ImageHeight(const Picture& view);
+
+}  // namespace tw

@@ -1,0 +1,125 @@
+# A place for the Windows program to run in: a display, a Wine prefix of this project's own, and the virtual
+# instruments on its serial ports. Sourced by wine_run, window_session and demo.sh; all that is started here is
+# ended by session_end, by its process id.
+#
+# The prefix is $TW_WINEPREFIX, or build/wine; it is made on first use (15 s, several may come at once). In it
+# COM5 to COM8 are the terminals that the links PREFIX/ports/com5 … com8 point to, whoever puts them there. Only
+# those are listed as ports that exist when the prefix's first program starts.
+
+session_root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
+session_scratch=$(mktemp -d)
+session_display_pid=
+session_instruments_pid=
+session_alone=
+
+session_fail() {
+  echo "${0##*/}: $*" >&2
+  exit 1
+}
+
+# Ends a process that this script started, and waits for it.
+session_kill() {
+  [ -n "$1" ] || return 0
+  kill "$1" 2>/dev/null || true
+  wait "$1" 2>/dev/null || true
+}
+
+session_end() {
+  [ -z "$session_alone" ] || wineserver -k 8>&- || true
+  session_kill "$session_instruments_pid"
+  session_kill "$session_display_pid"
+  rm -rf "$session_scratch"
+}
+
+session_start_display() {
+  # The display ends with this script, even if the script is killed.
+  setpriv --pdeathsig TERM Xvfb -displayfd 3 -screen 0 2240x1260x24 -nolisten tcp \
+    3>"$session_scratch/display" >/dev/null 2>&1 8>&- &
+  session_display_pid=$!
+  for _ in $(seq 100); do
+    [ -s "$session_scratch/display" ] && break
+    kill -0 "$session_display_pid" 2>/dev/null || break
+    sleep 0.1
+  done
+  [ -s "$session_scratch/display" ] || session_fail "no virtual display"
+  DISPLAY=:$(<"$session_scratch/display")
+  export DISPLAY
+}
+
+session_registry_entries() {
+  local number font
+  printf 'REGEDIT4\n\n[HKEY_LOCAL_MACHINE\\Software\\Wine\\Ports]\n'
+  for number in 5 6 7 8; do
+    printf '"COM%d"="%s/ports/com%d"\n' "$number" "$WINEPREFIX" "$number"
+  done
+  printf '\n[HKEY_CURRENT_USER\\Software\\Wine\\Fonts\\Replacements]\n'
+  for font in 'Segoe UI' Tahoma 'MS Shell Dlg' 'MS Shell Dlg 2' 'Microsoft Sans Serif'; do
+    printf '"%s"="Open Sans"\n' "$font"
+  done
+}
+
+# Ports and fonts are looked at when the wineserver starts, so it is started again after they are set.
+session_make_prefix() {
+  WINEDLLOVERRIDES='mscoree,mshtml=' wineboot -i
+  wineserver -w
+  mkdir -p "$WINEPREFIX/ports"
+  session_registry_entries >"$WINEPREFIX/setup.reg"
+  wine regedit /S "$(winepath -w "$WINEPREFIX/setup.reg")"
+  wineserver -k
+  wineserver -w
+}
+
+session_ensure_prefix() {
+  [ -e "$WINEPREFIX/ready" ] && return 0
+  (
+    flock 9
+    [ -e "$WINEPREFIX/ready" ] && exit 0
+    session_make_prefix >"$WINEPREFIX/setup.log" 2>&1 </dev/null 8>&- 9>&-
+    touch "$WINEPREFIX/ready"
+  ) 9>"$WINEPREFIX/lock"
+}
+
+# session_begin: a display, if there is none, and the prefix.
+session_begin() {
+  trap session_end EXIT
+  trap 'exit 143' TERM INT HUP
+  export WINEPREFIX=${TW_WINEPREFIX:-$session_root/build/wine} WINEDEBUG=-all
+  mkdir -p "$WINEPREFIX"
+  WINEPREFIX=$(cd "$WINEPREFIX" && pwd)
+  [ -n "${DISPLAY:-}" ] || session_start_display
+  session_ensure_prefix
+}
+
+# session_be_alone: waits until no other session uses the prefix, keeps it for this one, and ends what still
+# runs in it, so that ports and registry are this session's own. The lock is descriptor 8, which no program
+# inherits.
+session_be_alone() {
+  exec 8>"$WINEPREFIX/session"
+  flock 8
+  session_alone=yes
+  wineserver -k 8>&- || true  # it fails when none runs
+  wineserver -w 8>&-
+}
+
+# session_instruments ECHOSIM [OPTIONS…]: the echosounder on COM5 and the GPS receiver on COM6, from before the
+# first program on. Needs session_be_alone. What they say goes to $session_scratch/instruments.
+session_instruments() {
+  local ports=$WINEPREFIX/ports
+  rm -f "$ports"/com[5-8]
+  setpriv --pdeathsig TERM "$1" --link "$ports/com5" --gps-link "$ports/com6" "${@:2}" \
+    >"$session_scratch/instruments" 2>&1 </dev/null 8>&- &
+  session_instruments_pid=$!
+  for _ in $(seq 100); do
+    [ -e "$ports/com5" ] && return 0
+    kill -0 "$session_instruments_pid" 2>/dev/null || break
+    sleep 0.1
+  done
+  cat "$session_scratch/instruments" >&2
+  session_fail "no instruments"
+}
+
+# session_instruments_end: lets them write their report, which is then in $session_scratch/instruments.
+session_instruments_end() {
+  session_kill "$session_instruments_pid"
+  session_instruments_pid=
+}
