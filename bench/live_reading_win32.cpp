@@ -11,6 +11,7 @@
 #include <memory>
 #include <span>
 
+#include "acquisition/block_reader.h"
 #include "acquisition/byte_source.h"
 #include "acquisition/echo_text.h"
 #include "acquisition/store_ping.h"

@@ -26,7 +26,7 @@ loose=$(grep -rliE '#include <(windows|windowsx|commctrl|shlobj|objidl|gdiplus|c
 coupled=$(grep -nE '#include "(device|acquisition|gps|app|display|playback|platform)/' src/simulator/* /dev/null)
 [ -n "$coupled" ] && fail "The simulator is written a second time on purpose, but includes:" "$coupled"
 
-upward=$(grep -rnE '#include "app/' src/device src/acquisition src/gps src/display src/playback |
+upward=$(grep -rnE '#include "app/' src/device src/acquisition src/gps src/display src/playback 2>/dev/null |
   grep -vE '"app/(app_state|file_naming|posts|control_ids)\.h"')
 [ -n "$upward" ] && fail "Only the state record, file names and posts of app/ are for others:" "$upward"
 

@@ -1,0 +1,164 @@
+#include "display/panel.h"
+
+#include <algorithm>
+#include <iterator>
+
+#include "base/bytes.h"
+#include "base/shared_value.h"
+#include "platform/sync.h"
+
+namespace tw {
+
+namespace {
+
+constexpr Pixel kAltitudeColour = 0xF00A0A;
+constexpr int32_t kAltitudeWidth = 4;
+
+bool IsOpen(const Handle& file) {
+  const Handle handle = LoadShared(file);
+  return handle != Handle::null && handle != Handle::invalid;
+}
+
+// A single-channel run that uses the low frequency shows that channel's values.
+bool ShowsLowChannel(const DeviceSettings& settings, PanelPlace place) {
+  if (place == PanelPlace::single) return settings.frequencyInUse_hz == settings.lowFrequency_hz;
+  return place == PanelPlace::lower;
+}
+
+// Background, and the image's place left out: that is painted whole anyway.
+void ClearMargins(const Canvas& canvas, const PanelLayout& layout) {
+  const Rect& panel = layout.panel;
+  const Rect& image = layout.image;
+  FillRect(canvas, {panel.left, panel.top, panel.right, image.top}, kBlack);
+  FillRect(canvas, {panel.left, image.top, image.left, image.bottom}, kBlack);
+  FillRect(canvas, {image.right, image.top, panel.right, image.bottom}, kBlack);
+  FillRect(canvas, {panel.left, image.bottom, panel.right, panel.bottom}, kBlack);
+}
+
+void DrawFrame(const Canvas& canvas, const Rect& rect) {
+  const Point corners[] = {{rect.left, rect.top},
+                           {rect.right, rect.top},
+                           {rect.right, rect.bottom},
+                           {rect.left, rect.bottom},
+                           {rect.left, rect.top}};
+  for (size_t i = 1; i < std::size(corners); ++i) DrawLine(canvas, corners[i - 1], corners[i], kGridColour);
+}
+
+void DrawColourBar(const Canvas& canvas, const PanelLayout& layout, const DisplayPalette& palette) {
+  const Rect& bar = layout.colourBar;
+  for (int32_t row = 0; row < bar.Height(); ++row) {
+    const int32_t y = bar.top + row;
+    DrawLine(canvas, {bar.left, y}, {bar.right, y},
+             LoadLe<uint32_t>(palette.entries[ColourBarEntry(row, bar.Height())]));
+  }
+}
+
+// kept: in modes without echo samples the altitudes are drawn in the client area's own coordinates, as if the
+// image began at its corner, and the black image then covers all but the left and upper margins.
+void DrawAltitudes(const PanelSource& source, const PanelLayout& layout, const Canvas& canvas) {
+  const double height = layout.image.Height();
+  const int32_t width = layout.image.Width();
+  if (source.scale.range_mm <= 0) return;
+  const double perMetre = height * 1'000 / source.scale.range_mm;
+  int32_t previous = -1;
+  for (int32_t x = 1; x < width; ++x) {
+    const int32_t slot = SlotOfColumn(x, width, source.scale.newest, source.scale.timeScale_s);
+    const double y = ReadShownPing(SlotAt(*source.ring, slot)).altitude_m * perMetre;
+    if (!(y >= 0) || y > kMaxCoordinate) {
+      previous = -1;
+      continue;
+    }
+    const auto row = static_cast<int32_t>(y);
+    if (previous < 0) previous = row;
+    const int32_t upper = std::min(previous, row) - kAltitudeWidth / 2;
+    const int32_t lower = std::max(previous, row) + kAltitudeWidth / 2;
+    FillRect(canvas, {x, layout.panel.top + upper, x + 1, layout.panel.top + lower}, kAltitudeColour);
+    previous = row;
+  }
+}
+
+}  // namespace
+
+PanelSource DescribePanel(AppState& state, PanelPlace place) {
+  const bool isLower = place == PanelPlace::lower;
+  const DeviceSettings& settings = state.settings;
+  const bool isLow = ShowsLowChannel(settings, place);
+  const bool isPlayed = IsOpen(isLower ? state.inputFileB : state.inputFileA);
+  const int32_t timeScale_s = isLower ? state.timeScaleLower : state.timeScaleUpper;
+  const bool sharesPings = place != PanelPlace::single && !isPlayed;  // two channels, one ping rate
+  PanelSource source{};
+  source.palette = &state.palette;
+  source.ring = isLower ? state.ringB : state.ringA;
+  {
+    const Locked locked(isLower ? state.ringLockB : state.ringLockA);
+    source.scale.newest = isLower ? state.ringIndexB : state.ringIndexA;
+  }
+  source.scale.timeScale_s = sharesPings ? timeScale_s / 2 : timeScale_s;
+  source.scale.range_mm = isLower ? state.displayRangeLower : state.displayRangeUpper;
+  source.scale.soundSpeed_mps = settings.soundSpeed_mps;
+  source.labelledTimeScale_s = timeScale_s;
+  source.frequency_hz = isLow ? settings.lowFrequency_hz : settings.highFrequency_hz;
+  if (isPlayed) {
+    source.frequency_hz = LoadShared(isLower ? globals.playedFrequencyB_hz : globals.playedFrequencyA_hz);
+  }
+  source.threshold_percent = isLow ? settings.thresholdLow_percent : settings.thresholdHigh_percent;
+  source.hasEchogram = LoadShared(state.echogramEnabled) != 0;
+  return source;
+}
+
+int32_t DeviceRangeOf(const DeviceSettings& settings, PanelPlace place) {
+  return RangeInMillimetres(ShowsLowChannel(settings, place) ? settings.rangeLow_mm : settings.rangeHigh_mm);
+}
+
+void DrawPanel(const PanelSource& source, const PanelLayout& layout, PanelScratch& scratch,
+               const Canvas& canvas) {
+  BuildAmplitudeColours(*source.palette, scratch.colours);
+  ClearMargins(canvas, layout);
+  DrawColourBar(canvas, layout, *source.palette);
+  DrawFrame(canvas, layout.colourBar);
+  DrawFrame(canvas, layout.profile);
+  const Canvas image = Part(canvas, layout.image);
+  if (source.ring != nullptr && source.hasEchogram) {
+    RenderEchogram(*source.ring, source.scale, scratch.colours, scratch.image, image);
+  } else {
+    if (source.ring != nullptr) DrawAltitudes(source, layout, canvas);
+    FillRect(canvas, layout.image, kBlack);
+  }
+  if (source.ring != nullptr) {
+    DrawProfile(*source.ring, source.scale, layout, source.threshold_percent, scratch.colours,
+                scratch.profile, canvas);
+  }
+  const GridLines grid = LayOutGrid(layout);
+  for (size_t i = 0; i < grid.count; ++i) {
+    DrawLine(canvas, grid.lines[i].from, grid.lines[i].to, kGridColour, LineStyle::dashDot);
+  }
+}
+
+Labels CollectLabels(const PanelSource& source, const PanelLayout& layout) {
+  Labels labels{};
+  AddDepthLabels(layout, source.scale.range_mm, labels);
+  AddTimeLabels(layout, source.labelledTimeScale_s, labels);
+  AddColourBarLabels(layout, labels);
+  AddFrequencyLabel(layout, source.frequency_hz, labels);
+  return labels;
+}
+
+Label CollectStatus(AppState& state, const PanelSource& newest, const PanelLayout& layout, bool isDual) {
+  char text[sizeof(Label::text)] = "";
+  if (newest.ring != nullptr) {
+    const ShownPing ping = ReadShownPing(SlotAt(*newest.ring, newest.scale.newest));
+    const uint32_t number = LoadShared(globals.pingCounter);
+    const bool hasPitch = ping.pitch_deg < kNoAttitude;
+    if (isDual) {
+      FormatDualStatus(
+          text, ping, number, LoadShared(globals.latestAltitudeHigh_m),
+          LoadShared(globals.latestAltitudeLow_m),
+          hasPitch && DualModeHasAttitude(LoadShared(globals.deviceFamily), state.settings.outputMode));
+    } else {
+      FormatSingleStatus(text, ping, number, hasPitch && LoadShared(globals.attitudePresent) == 1);
+    }
+  }
+  return StatusLabel(layout, text);
+}
+
+}  // namespace tw

@@ -1,0 +1,54 @@
+// One panel of the echogram view: what it shows, taken from the state record, and its picture, drawn into a
+// canvas. The single view is one panel; a dual view is two of them, one above the other. GUI thread.
+#pragma once
+
+#include <cstdint>
+
+#include "app/app_state.h"
+#include "display/canvas.h"
+#include "display/echogram_image.h"
+#include "display/layout.h"
+#include "display/marks_overlay.h"
+#include "display/profile.h"
+#include "display/status_line.h"
+
+namespace tw {
+
+enum class PanelPlace : uint8_t { single, upper, lower };
+
+struct PanelSource {
+  const DisplayPalette* palette;
+  const PingRing* ring;  // null: nothing to show yet
+  EchogramScale scale;
+  int32_t labelledTimeScale_s;
+  int32_t frequency_hz;
+  int32_t threshold_percent;
+  bool hasEchogram;
+};
+
+// Reads the write index under the ring's lock.
+[[nodiscard]] PanelSource DescribePanel(AppState& state, PanelPlace place);
+
+// The device range that limits the zoom of a panel, in mm.
+[[nodiscard]] int32_t DeviceRangeOf(const DeviceSettings& settings, PanelPlace place);
+
+// Work memory for painting; kept between paints.
+struct PanelScratch {
+  AmplitudeColours colours;
+  EchogramScratch image;
+  ProfileScratch profile;
+};
+
+// Draws all of the panel but its texts. The canvas is the whole client area; what stood in the panel before
+// is overwritten.
+void DrawPanel(const PanelSource& source, const PanelLayout& layout, PanelScratch& scratch,
+               const Canvas& canvas);
+
+// The panel's texts, status line and marks left out.
+[[nodiscard]] Labels CollectLabels(const PanelSource& source, const PanelLayout& layout);
+
+// The status line of the newest ping of ring A, at its place in the (lower) panel.
+[[nodiscard]] Label CollectStatus(AppState& state, const PanelSource& newest, const PanelLayout& layout,
+                                  bool isDual);
+
+}  // namespace tw

@@ -1,0 +1,167 @@
+#include "display/layout.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <string>
+#include <vector>
+
+#include "display/scaling.h"
+
+namespace tw {
+namespace {
+
+using Texts = std::vector<std::string>;
+
+struct At {
+  int32_t x;
+  int32_t y;
+};
+
+void ExpectLabels(const Labels& labels, const Texts& texts, const std::vector<At>& places) {
+  ASSERT_EQ(labels.count, texts.size());
+  for (size_t i = 0; i < labels.count; ++i) {
+    EXPECT_EQ(labels.labels[i].text, texts[i]);
+    if (i >= places.size()) continue;
+    EXPECT_EQ(labels.labels[i].at.x, places[i].x) << texts[i];
+    EXPECT_EQ(labels.labels[i].at.y, places[i].y) << texts[i];
+  }
+}
+
+// 794 x 714: the client area of a small window. The image is 644 x 674.
+TEST(Layout, PanelParts) {
+  const PanelLayout layout = LayOutPanel(0, 794, 714, 96);
+  EXPECT_EQ(layout.image.left, 30);
+  EXPECT_EQ(layout.image.right, 674);
+  EXPECT_EQ(layout.image.top, 20);
+  EXPECT_EQ(layout.image.bottom, 694);
+  EXPECT_EQ(layout.colourBar.left, 744);
+  EXPECT_EQ(layout.colourBar.right, 754);
+  EXPECT_EQ(layout.profile.left, 679);
+  EXPECT_EQ(layout.profile.right, 739);
+  EXPECT_EQ(layout.statusLine.y, 694);
+}
+
+TEST(Layout, LowerPanelIsTheSameOneFurtherDown) {
+  const PanelLayout upper = LayOutPanel(0, 900, 400, 96);
+  const PanelLayout lower = LayOutPanel(400, 900, 400, 96);
+  EXPECT_EQ(lower.image.top, upper.image.top + 400);
+  EXPECT_EQ(lower.image.bottom, upper.image.bottom + 400);
+  EXPECT_EQ(lower.image.left, upper.image.left);
+  Labels labels{};
+  AddTimeLabels(lower, 150, labels);
+  AddDepthLabels(lower, 10'000, labels);
+  AddColourBarLabels(lower, labels);
+  EXPECT_EQ(labels.labels[0].at.y, 400);
+  EXPECT_EQ(labels.labels[11].at.y, 400 + 8 + 72);
+  EXPECT_EQ(labels.labels[16].at.y, 400 + 400 - 34);
+}
+
+struct DepthCase {
+  const char* what;
+  int32_t height;  // of the panel
+  int32_t range_mm;
+  Texts texts;
+};
+
+const DepthCase kDepths[] = {
+    {"five divisions up to 700 rows", 740, 10'000, {"  2m", "  4m", "  6m", "  8m", " 10m"}},
+    {"ten above",
+     741,
+     10'000,
+     {"  1m", "  2m", "  3m", "  4m", "  5m", "  6m", "  7m", "  8m", "  9m", " 10m"}},
+    {"a decimal below 10 m", 500, 3'000, {"0.6m", "1.2m", "1.8m", "2.4m", "3.0m"}},
+    {"just below 10 m", 500, 9'999, {"2.0m", "4.0m", "6.0m", "8.0m", "10.0m"}},
+    {"three digits", 500, 200'000, {" 40m", " 80m", "120m", "160m", "200m"}},
+};
+
+TEST(Layout, DepthLabels) {
+  for (const DepthCase& c : kDepths) {
+    SCOPED_TRACE(c.what);
+    Labels labels{};
+    AddDepthLabels(LayOutPanel(0, 900, c.height, 96), c.range_mm, labels);
+    ExpectLabels(labels, c.texts, {});
+  }
+  Labels labels{};
+  AddDepthLabels(LayOutPanel(0, 900, 540, 96), 10'000, labels);
+  ExpectLabels(labels, {"  2m", "  4m", "  6m", "  8m", " 10m"}, {{2, 108}, {2, 208}, {2, 308}});
+  EXPECT_EQ(labels.labels[0].height_px, 10);
+  EXPECT_EQ(labels.labels[0].colour, 0xFFFA9Du);
+}
+
+TEST(Layout, TimeLabelsRunFromRightToLeft) {
+  Labels labels{};
+  AddTimeLabels(LayOutPanel(0, 1'150, 500, 96), 150, labels);
+  ExpectLabels(labels,
+               {"  0s", " 15s", " 30s", " 45s", " 60s", " 75s", " 90s", "105s", "120s", "135s", "150s"},
+               {{1'010, 0}, {910, 0}, {810, 0}});
+  Labels shorter{};
+  AddTimeLabels(LayOutPanel(0, 1'150, 500, 96), 15, shorter);
+  ExpectLabels(shorter,
+               {"  0s", "  1s", "  3s", "  4s", "  6s", "  7s", "  9s", " 10s", " 12s", " 13s", " 15s"}, {});
+}
+
+TEST(Layout, ColourBarLabelsRunUpwards) {
+  Labels labels{};
+  AddColourBarLabels(LayOutPanel(0, 900, 545, 96), labels);  // 505 rows
+  ExpectLabels(labels, {"0%", "10%", "20%", "30%", "40%", "50%", "60%", "70%", "80%", "90%", "100%"},
+               {{860, 511}, {860, 461}, {860, 411}});
+}
+
+TEST(Layout, ColourBarRows) {
+  EXPECT_EQ(ColourBarEntry(0, 500), 4'095);
+  EXPECT_EQ(ColourBarEntry(1, 500), 4'086);    // 4095 - 8.19
+  EXPECT_EQ(ColourBarEntry(250, 500), 2'047);  // 4095 - 2047.5
+  EXPECT_EQ(ColourBarEntry(499, 500), 8);      // 4095 - 4086.81
+}
+
+TEST(Layout, FrequencyLabel) {
+  Labels labels{};
+  const PanelLayout layout = LayOutPanel(0, 900, 500, 96);
+  AddFrequencyLabel(layout, 447'999, labels);
+  AddFrequencyLabel(layout, 1'200'000, labels);
+  ExpectLabels(labels, {" 447 kHz", "1200 kHz"}, {{800, 0}});
+  EXPECT_EQ(labels.labels[0].height_px, 14);
+}
+
+TEST(Layout, GridLines) {
+  const GridLines grid = LayOutGrid(LayOutPanel(0, 1'150, 540, 96));
+  ASSERT_EQ(grid.count, 4u + 9u);
+  EXPECT_EQ(grid.lines[0].from.x, 30);
+  EXPECT_EQ(grid.lines[0].to.x, 1'030);
+  EXPECT_EQ(grid.lines[3].from.y, 420);
+  EXPECT_EQ(grid.lines[4].from.x, 130);
+  EXPECT_EQ(grid.lines[12].to.x, 930);
+  EXPECT_EQ(grid.lines[12].to.y, 520);
+  EXPECT_EQ(LayOutGrid(LayOutPanel(0, 1'150, 741, 96)).count, 9u + 9u);
+}
+
+TEST(Layout, SurvivesHostileValues) {
+  constexpr int32_t kMax = std::numeric_limits<int32_t>::max();
+  for (const int32_t size : {0, 1, 39, 149, 151}) {
+    const PanelLayout layout = LayOutPanel(0, size, size, 96);
+    const GridLines grid = LayOutGrid(layout);
+    EXPECT_LE(grid.count, kMaxGridLines);
+    Labels labels{};
+    for (int i = 0; i < 3; ++i) {
+      AddDepthLabels(layout, kMax, labels);
+      AddTimeLabels(layout, kMax, labels);
+      AddColourBarLabels(layout, labels);
+      AddFrequencyLabel(layout, -kMax, labels);
+    }
+    EXPECT_EQ(labels.count, kMaxLabels);
+  }
+}
+
+TEST(Layout, ScalesWithTheScreensResolution) {
+  EXPECT_EQ(ScalePixels(30, 96), 30);
+  EXPECT_EQ(ScalePixels(30, 144), 45);
+  EXPECT_EQ(ScalePixels(13, 120), 16);  // 16.25
+  EXPECT_EQ(ScalePixels(10, 120), 13);  // 12.5
+  EXPECT_EQ(ScalePixels(-10, 120), -13);
+  EXPECT_EQ(ScalePixels(30, 0), 30);
+  EXPECT_EQ(LayOutPanel(0, 1'800, 1'000, 192).image.left, 60);
+}
+
+}  // namespace
+}  // namespace tw

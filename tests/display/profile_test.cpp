@@ -1,0 +1,111 @@
+#include "display/profile.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <vector>
+
+#include "tests/display/test_ring.h"
+
+namespace tw {
+namespace {
+
+// A panel 400 x 240: profile from x 285 to 345, image rows 20 to 220. At 1,500 m/s and 1.5 m the 200 rows
+// show the samples 0 to 199, one a row.
+constexpr int32_t kWidth = 400;
+constexpr int32_t kHeight = 240;
+constexpr EchogramScale kScale{3, 10, 1'500, 1'500.0f};
+constexpr Pixel kGrey = 0xAFAFAF;
+constexpr Pixel kMarker = 0xFFFA9D;
+
+class Profile : public testing::Test {
+ protected:
+  Profile() {
+    DisplayPalette palette;
+    BuildPalette(palette);
+    BuildAmplitudeColours(palette, colours_);
+  }
+
+  void Draw(const EchogramScale& scale, int32_t threshold_percent) {
+    pixels_.assign(size_t{kWidth} * kHeight, kBlack);
+    DrawProfile(*ring_, scale, layout_, threshold_percent, colours_, *scratch_, canvas_);
+  }
+  Pixel At(int32_t x, int32_t y) const { return pixels_[static_cast<size_t>(y * kWidth + x)]; }
+
+  TestRing ring_ = MakeRing();
+  std::unique_ptr<ProfileScratch> scratch_ = std::make_unique<ProfileScratch>();
+  AmplitudeColours colours_;
+  PanelLayout layout_ = LayOutPanel(0, kWidth, kHeight, 96);
+  std::vector<Pixel> pixels_ = std::vector<Pixel>(size_t{kWidth} * kHeight);
+  Canvas canvas_{pixels_.data(), kWidth, kHeight, kWidth};
+};
+
+struct PointCase {
+  const char* what;
+  int32_t index;
+  int32_t amplitude;
+  int32_t x;
+  int32_t y;
+};
+
+constexpr PointCase kPoints[] = {
+    {"first sample", 0, 0, 286, 21},       {"a quarter of the way to the next", 1, 250, 289, 21},
+    {"three quarters", 3, 750, 296, 21},   {"the next sample", 4, 1'000, 300, 22},
+    {"capped", 8, 4'095, 346, 23},         {"a quarter of the way down from 5,000", 9, 3'750, 340, 23},
+    {"half way down", 10, 2'500, 322, 23},
+};
+
+TEST_F(Profile, PointsLieBetweenSamples) {
+  *scratch_ = {};
+  scratch_->amplitudes[1] = 1'000;
+  scratch_->amplitudes[2] = 5'000;
+  for (const PointCase& c : kPoints) {
+    SCOPED_TRACE(c.what);
+    const ProfilePoint point = FindProfilePoint(c.index, *scratch_, kScale, layout_);
+    EXPECT_EQ(point.at.y, c.y);
+    EXPECT_EQ(point.amplitude, c.amplitude);
+    EXPECT_EQ(point.at.x, c.x);
+  }
+}
+
+TEST_F(Profile, StrongEchoesAreColouredWeakOnesGrey) {
+  uint8_t* slot = ring_->slots[3];
+  for (size_t i = 50; i < 100; ++i) StoreSample(slot, 88, i, 2'047);   // x 285 + 30
+  for (size_t i = 100; i < 150; ++i) StoreSample(slot, 88, i, 3'000);  // x 285 + 44
+  Draw(kScale, 50);
+  EXPECT_EQ(At(285 + 30, 120), kMarker);  // the threshold, drawn last
+  EXPECT_EQ(At(286, 40), kGrey);
+  EXPECT_EQ(At(285 + 44, 140), 0xABD700u);  // the palette's entry 3,000
+  EXPECT_EQ(At(285 + 44, 200), kBlack);
+  EXPECT_EQ(At(286, 200), kGrey);
+  EXPECT_EQ(At(285 + 30, 20), kMarker);
+  EXPECT_EQ(At(285 + 30, 220), kMarker);
+  EXPECT_EQ(At(285 + 30, 19), kBlack);
+  EXPECT_EQ(At(285 + 30, 221), kBlack);
+  Draw(kScale, 90);
+  EXPECT_EQ(At(285 + 44, 140), kGrey);
+}
+
+TEST_F(Profile, BehindTheLastSampleItIsZero) {
+  for (size_t i = 0; i < kMaxSlotSamples; ++i) StoreSample(ring_->slots[3], 88, i, 4'095);
+  Draw({3, 10, 444'540, 1'500.0f}, 0);  // 200 rows show the samples 0 to 59,271: twice the slot
+  EXPECT_EQ(At(286 + 60, 20 + 90), 0x0000FFu << 16);
+  EXPECT_EQ(At(286 + 60, 20 + 110), kBlack);
+}
+
+TEST_F(Profile, OnlyTheThresholdWhenTheScaleCannotBeDrawn) {
+  for (size_t i = 0; i < 300; ++i) StoreSample(ring_->slots[3], 88, i, 4'095);
+  Draw({3, 10, 1'500, 0.0f}, 50);
+  int32_t drawn = 0;
+  for (const Pixel pixel : pixels_) drawn += pixel != kBlack;
+  EXPECT_EQ(drawn, 201);
+}
+
+TEST_F(Profile, ThresholdIsBounded) {
+  EXPECT_EQ(ThresholdX(layout_, 20), 297);
+  EXPECT_EQ(ThresholdX(layout_, -5), 285);
+  EXPECT_EQ(ThresholdX(layout_, 2'000'000'000), 345);
+}
+
+}  // namespace
+}  // namespace tw
