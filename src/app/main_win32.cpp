@@ -5,6 +5,7 @@
 #include <commctrl.h>
 #include <objidl.h>
 #include <propidl.h>
+// Needs the types of all of them.
 #include <gdiplus.h>
 
 #include "app/control_ids.h"

@@ -8,6 +8,8 @@
 #include "app/view_choices.h"
 #include "app/view_placement_win32.h"
 #include "app/window_handles_win32.h"
+#include "app/window_layout.h"
+#include "display/scaling.h"
 
 namespace tw {
 namespace {
@@ -28,8 +30,8 @@ bool OnCreate(HWND window) {
 
 // May come before anything else exists.
 void OnGetMinMaxInfo(MINMAXINFO& info) {
-  const Scaler scaled = ScreenScaler();
-  info.ptMinTrackSize = {scaled(kSmallestWindowWidth), scaled(kSmallestWindowHeight)};
+  info.ptMinTrackSize = {ScalePixels(kSmallestWindowWidth, ScreenDpi()),
+                         ScalePixels(kSmallestWindowHeight, ScreenDpi())};
 }
 
 void OnSize(AppState& state) {

@@ -8,11 +8,13 @@
 #include "app/control_ids.h"
 #include "app/persistent_settings.h"
 #include "app/window_handles_win32.h"
+#include "app/window_layout.h"
+#include "display/scaling.h"
 
 namespace tw {
 namespace {
 
-int ScreenDpi() {
+int32_t ReadScreenDpi() {
   const HDC screen = GetDC(nullptr);
   const int dpi = GetDeviceCaps(screen, LOGPIXELSX);
   ReleaseDC(nullptr, screen);
@@ -25,9 +27,9 @@ void Place(HWND window, const Box& box) {
 
 }  // namespace
 
-Scaler ScreenScaler() {
-  static const int dpi = ScreenDpi();  // of the system, fixed while the program runs
-  return {dpi};
+int32_t ScreenDpi() {
+  static const int32_t dpi = ReadScreenDpi();
+  return dpi;
 }
 
 HWND CreateStatusBar(HWND mainWindow) {
@@ -35,7 +37,7 @@ HWND CreateStatusBar(HWND mainWindow) {
                                    0, mainWindow, nullptr, GetModuleHandleW(nullptr), nullptr);
   constexpr int kParts = static_cast<int>(std::size(kStatusEdges)) + 1;
   int edges[kParts];
-  for (int i = 0; i + 1 < kParts; ++i) edges[i] = ScreenScaler()(kStatusEdges[i]);
+  for (int i = 0; i + 1 < kParts; ++i) edges[i] = ScalePixels(kStatusEdges[i], ScreenDpi());
   edges[kParts - 1] = -1;  // up to the window's end
   if (bar != nullptr) SendMessageW(bar, SB_SETPARTS, kParts, reinterpret_cast<LPARAM>(edges));
   return bar;
@@ -45,12 +47,12 @@ void PlaceViews(AppState& state) {
   RECT client{};
   GetClientRect(MainWindow(state), &client);
   const bool playback = state.playbackActive != 0;
-  const WindowLayout layout{client.right, client.bottom, state.fullWindow != 0, playback};
+  const WindowLayout layout{client.right, client.bottom, state.fullWindow != 0, playback, ScreenDpi()};
   const HWND slider = ToWindow(state.sliderWindow);
 
   if (state.statusBar != Handle::null) SendMessageW(ToWindow(state.statusBar), WM_SIZE, 0, 0);
-  Place(Control(state, ID_ECHOGRAM), EchogramBox(layout, ScreenScaler()));
-  if (playback) Place(slider, SliderBox(layout, ScreenScaler()));
+  Place(Control(state, ID_ECHOGRAM), EchogramBox(layout));
+  if (playback) Place(slider, SliderBox(layout));
   ShowWindow(slider, playback ? SW_SHOWNA : SW_HIDE);
   globals.sliderQuarterWidth = client.right / 4;
 }

@@ -5,11 +5,11 @@
 #include <windows.h>
 
 #include "app/app_state.h"
-#include "app/window_layout.h"
 
 namespace tw {
 
-[[nodiscard]] Scaler ScreenScaler();
+// The system's resolution, fixed while the program runs.
+[[nodiscard]] int32_t ScreenDpi();
 
 // Creates the status bar with its five parts. Null when the system cannot.
 [[nodiscard]] HWND CreateStatusBar(HWND mainWindow);

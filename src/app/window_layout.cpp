@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "display/scaling.h"
+
 namespace tw {
 namespace {
 
@@ -17,22 +19,25 @@ struct Columns {
   int width;
 };
 
-Columns EchogramColumns(const WindowLayout& layout, Scaler scaled) {
+Columns EchogramColumns(const WindowLayout& layout) {
   const int left = layout.fullWindow ? kMargin : kControlsRight;
-  return {scaled(left), std::max(0, layout.clientWidth - scaled(left + kMargin))};
+  return {ScalePixels(left, layout.dpi),
+          std::max(0, layout.clientWidth - ScalePixels(left + kMargin, layout.dpi))};
 }
 
 }  // namespace
 
-Box EchogramBox(const WindowLayout& layout, Scaler scaled) {
-  const Columns columns = EchogramColumns(layout, scaled);
-  const int below = scaled(layout.playback ? kBelowPlayback : kBelowLive);
-  return {columns.x, scaled(kMargin), columns.width, std::max(0, layout.clientHeight - below)};
+Box EchogramBox(const WindowLayout& layout) {
+  const Columns columns = EchogramColumns(layout);
+  const int below = ScalePixels(layout.playback ? kBelowPlayback : kBelowLive, layout.dpi);
+  return {columns.x, ScalePixels(kMargin, layout.dpi), columns.width,
+          std::max(0, layout.clientHeight - below)};
 }
 
-Box SliderBox(const WindowLayout& layout, Scaler scaled) {
-  const Columns columns = EchogramColumns(layout, scaled);
-  return {columns.x, layout.clientHeight - scaled(kSliderFromBottom), columns.width, scaled(kSliderHeight)};
+Box SliderBox(const WindowLayout& layout) {
+  const Columns columns = EchogramColumns(layout);
+  return {columns.x, layout.clientHeight - ScalePixels(kSliderFromBottom, layout.dpi), columns.width,
+          ScalePixels(kSliderHeight, layout.dpi)};
 }
 
 }  // namespace tw

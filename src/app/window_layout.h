@@ -1,18 +1,11 @@
-// Where the main window's big parts stand: plain geometry, any thread. Figures are pixels at 96 dpi unless a
-// name says otherwise; Scaler turns them into the screen's.
+// Where the main window's big parts stand: plain geometry, any thread.
 #pragma once
 
 #include <cstdint>
 
 namespace tw {
 
-// The one place where pixel figures meet the screen's resolution.
-struct Scaler {
-  int32_t dpi = 96;
-
-  [[nodiscard]] constexpr int operator()(int pixels) const { return (pixels * dpi + 48) / 96; }
-};
-
+// Pixels at 96 dpi, to be scaled.
 inline constexpr int kSmallestWindowWidth = 980;  // of the whole window, frame included
 inline constexpr int kSmallestWindowHeight = 750;
 
@@ -31,10 +24,11 @@ struct WindowLayout {
   int clientHeight;
   bool fullWindow;  // the controls at the left are hidden
   bool playback;    // the slider stands below the echogram
+  int32_t dpi;      // of the screen
 };
 
 // In the screen's pixels. Sizes are never negative, however small the window is.
-[[nodiscard]] Box EchogramBox(const WindowLayout& layout, Scaler scaled);
-[[nodiscard]] Box SliderBox(const WindowLayout& layout, Scaler scaled);
+[[nodiscard]] Box EchogramBox(const WindowLayout& layout);
+[[nodiscard]] Box SliderBox(const WindowLayout& layout);
 
 }  // namespace tw
