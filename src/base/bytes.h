@@ -7,12 +7,22 @@
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <type_traits>
 
 namespace tw {
 
+// Where the machine's own order is the wanted one, a load or store is one instruction; compilers do not see
+// that through the loop.
+inline constexpr bool kNativeLittle = std::endian::native == std::endian::little;
+
 template <std::integral T>
 [[nodiscard]] constexpr T LoadLe(const uint8_t* bytes) {
+  if (kNativeLittle && !std::is_constant_evaluated()) {
+    T native;
+    std::memcpy(&native, bytes, sizeof native);
+    return native;
+  }
   std::make_unsigned_t<T> value = 0;
   for (size_t i = 0; i < sizeof(T); ++i) {
     value = static_cast<std::make_unsigned_t<T>>(value | static_cast<std::make_unsigned_t<T>>(bytes[i])
@@ -23,6 +33,10 @@ template <std::integral T>
 
 template <std::integral T>
 constexpr void StoreLe(uint8_t* bytes, T value) {
+  if (kNativeLittle && !std::is_constant_evaluated()) {
+    std::memcpy(bytes, &value, sizeof value);
+    return;
+  }
   const auto bits = static_cast<std::make_unsigned_t<T>>(value);
   for (size_t i = 0; i < sizeof(T); ++i) bytes[i] = static_cast<uint8_t>(bits >> (8 * i));
 }
