@@ -1,9 +1,11 @@
 #include "acquisition/echo_text.h"
 
+#include <algorithm>
 #include <bit>
 #include <cstring>
 
 #include "base/bytes.h"
+#include "base/digit_mask.h"
 #include "base/text_scan.h"
 
 namespace tw {
@@ -42,22 +44,56 @@ void ReadSampleCount(std::string_view text, EchoTextHeader& header) {
   }
 }
 
-// The usual line, 1 to 5 digits and CR LF at the front of 8 readable bytes, without a branch per digit: the
-// digits are found by their upper bits, shifted to the top of a word so that leading bytes are zero digits,
-// and added up pairwise. Returns the line's length with its line end, 0 for any other form.
-size_t TakePlainLine(const char* bytes, uint32_t& value) {
-  const auto word = LoadLe<uint64_t>(reinterpret_cast<const uint8_t*>(bytes));
-  const uint64_t digits = word ^ 0x3030303030303030u;
-  const uint64_t others = (digits | (digits + 0x7676767676767676u)) & 0x8080808080808080u;
-  const auto count = static_cast<unsigned>(std::countr_zero(others)) / 8;
-  if (count - 1u > 4u || ((word >> (8 * count)) & 0xFFFF) != 0x0A0D) return 0;
-  uint64_t sum = digits << (64 - 8 * count);
-  sum = sum * 10 + (sum >> 8);
-  sum = (((sum & 0x000000FF000000FFu) * 0x000F424000000064u) +
-         (((sum >> 16) & 0x000000FF000000FFu) * 0x0000271000000001u)) >>
-        32;
-  value = static_cast<uint32_t>(sum);
-  return count + 2;
+// Plain lines, 1 to 5 digits and CR LF, are read a window at a time: where the lines end stands in one word,
+// a bit for each byte, so that no line has to wait for the length of the one before it.
+constexpr size_t kWindow = kMaskedBytes;
+constexpr size_t kBefore = 8;  // bytes that must be readable ahead of a window
+constexpr size_t kMaxPlainDigits = 5;
+
+// The value of the 1 to 5 digits that end at `end`: neighbours are added up to pairs, and those to the
+// number.
+uint32_t ValueOfDigits(const uint8_t* end, size_t digits) {
+  constexpr size_t kAtOnce = 4;
+  const size_t unused = digits < kAtOnce ? 8 * (kAtOnce - digits) : 0;
+  uint32_t four = (LoadLe<uint32_t>(end - kAtOnce) ^ 0x30303030u) >> unused << unused;
+  four = ((four * (1 + (10 << 8))) >> 8) & 0x00FF00FFu;
+  four = (four * (1 + (100 << 16))) >> 16;
+  return digits <= kAtOnce ? four : four + 10'000u * (end[-5] - uint32_t{'0'});
+}
+
+struct Taken {
+  size_t bytes;
+  size_t lines;
+};
+
+// Reads the plain lines at the front of a window, as many as `samples` has room for; stops at the first line
+// of another form.
+Taken TakePlainLines(const uint8_t* window, std::span<uint16_t> samples) {
+  const uint64_t others = NonDigits(window);
+  uint64_t ends = others & (others << 1);  // the second of two bytes that are no digits
+  const uint64_t seen = ends == 0 ? 0 : ~uint64_t{0} >> std::countl_zero(ends);
+  Taken taken{};
+  if ((others & seen) != (ends | ends >> 1)) return taken;
+  for (; ends != 0 && taken.lines < samples.size(); ends &= ends - 1) {
+    const auto end = static_cast<size_t>(std::countr_zero(ends));
+    const size_t digits = end - 1 - taken.bytes;
+    const uint8_t* lineEnd = window + end - 1;
+    if (digits - 1 >= kMaxPlainDigits || LoadLe<uint16_t>(lineEnd) != 0x0A0D) break;
+    const uint32_t value = ValueOfDigits(lineEnd, digits);
+    if (value <= UINT16_MAX) samples[taken.lines] = static_cast<uint16_t>(value);
+    ++taken.lines;
+    taken.bytes = end + 1;
+  }
+  return taken;
+}
+
+// Reads a line of any form; returns its length with its line end.
+size_t TakeLine(std::string_view text, uint16_t& sample) {
+  const size_t end = text.find(kLineEnd);
+  std::string_view line = text.substr(0, end);
+  int32_t number = 0;
+  if (ScanInt(line, number) && number >= 0 && number <= UINT16_MAX) sample = static_cast<uint16_t>(number);
+  return end == text.npos ? text.size() : end + kLineEnd.size();
 }
 
 }  // namespace
@@ -89,24 +125,19 @@ size_t ReadSampleLines(std::string_view dataLines, std::span<uint16_t> samples) 
   size_t count = 0;
   if (at == dataLines.npos) return 0;
   at += kLineEnd.size();
+  uint8_t aside[kBefore + kWindow] = {};
   while (count < samples.size() && at < dataLines.size()) {
-    uint32_t value = 0;
-    const size_t plain = at + 8 <= dataLines.size() ? TakePlainLine(dataLines.data() + at, value) : 0;
-    if (plain != 0) {
-      if (value <= UINT16_MAX) samples[count] = static_cast<uint16_t>(value);
-      at += plain;
-      ++count;
-      continue;
+    const std::string_view rest = dataLines.substr(at);
+    const std::span<uint16_t> room = samples.subspan(count);
+    const auto* window = reinterpret_cast<const uint8_t*>(rest.data());
+    if (at < kBefore || rest.size() < kWindow) {
+      std::memset(aside, 0, sizeof aside);
+      std::memcpy(aside + kBefore, rest.data(), std::min(rest.size(), kWindow));
+      window = aside + kBefore;
     }
-    const size_t end = dataLines.find(kLineEnd, at);
-    std::string_view line = dataLines.substr(at, end == dataLines.npos ? end : end - at);
-    int32_t number = 0;
-    if (ScanInt(line, number) && number >= 0 && number <= UINT16_MAX) {
-      samples[count] = static_cast<uint16_t>(number);
-    }
-    ++count;
-    if (end == dataLines.npos) break;
-    at = end + kLineEnd.size();
+    const Taken plain = TakePlainLines(window, room);
+    at += plain.lines != 0 ? plain.bytes : TakeLine(rest, room.front());
+    count += plain.lines != 0 ? plain.lines : 1;
   }
   return count;
 }
