@@ -1,0 +1,158 @@
+#!/usr/bin/env bash
+# Shows the program at work, with the virtual instruments on its ports: what ./run does once all is built. See
+# ./run --help for the options. Everything it makes is in build/run.
+set -euo pipefail
+. "$(dirname "${BASH_SOURCE[0]}")/wine_session.sh"
+
+say() { printf '== %s\n' "$*"; }
+
+seconds=
+gps=yes
+headless=
+sounder=(--mode 4)
+while [ $# -gt 0 ]; do
+  case $1 in
+    --mode | --family) sounder+=("$1" "$2"); shift 2 ;;
+    --seconds) seconds=$2; shift 2 ;;
+    --dual) sounder+=(--dual); shift ;;
+    --no-gps) gps=; shift ;;
+    --headless) headless=yes; shift ;;
+    *) session_fail "unknown option $1" ;;
+  esac
+done
+[ -n "$gps" ] || sounder+=(--gps-off)
+
+program=$session_root/build/windows/src/app/Tidewriter.exe
+echosim=$session_root/build/native/tools/echosim/echosim
+run=$session_root/build/run
+records=$run/records
+log=$run/pings.log
+for file in "$program" "$echosim"; do
+  [ -e "$file" ] || session_fail "$file is not there; ./run builds it"
+done
+mkdir -p "$records"
+rm -f "$records"/* "$log" "$run/window.png"
+
+# Where the controls that the demonstration clicks stand in the window, with the prefix's fonts.
+start_button=(50 154)
+stop_button=(140 154)
+echogram=(500 400)
+
+# The program's choices for this run. Drive R: is build/run, so that the folder's name is short.
+store_choices() {
+  local gps_port=ffffffff
+  [ -z "$gps" ] || gps_port=00000006
+  ln -sfn "$run" "$WINEPREFIX/dosdevices/r:"
+  cat >"$session_scratch/choices.reg" <<EOF
+REGEDIT4
+
+[HKEY_CURRENT_USER\\Software\\Brin Ultrasonics\\EchoSounderControlProgram\\Settings]
+"DeviceCOMPort"=dword:00000005
+"DeviceCOMSpeed"=dword:000e1000
+"GPSCOMPort"=dword:$gps_port
+"GPSCOMSpeed"=dword:000012c0
+"WorkingFolder"="R:\\\\records"
+"Recording"=dword:00000001
+EOF
+  wine regedit /S "$(winepath -w "$session_scratch/choices.reg" 2>/dev/null)" >/dev/null 2>&1 8>&-
+}
+
+program_pid=
+start_program() {
+  wine "$program" >"$run/program.log" 2>&1 </dev/null 8>&- &
+  program_pid=$!
+}
+
+runs() { kill -0 "$program_pid" 2>/dev/null; }
+
+# until_true SECONDS COMMAND…
+until_true() {
+  local end=$((SECONDS + $1))
+  shift
+  until "$@"; do
+    [ "$SECONDS" -lt "$end" ] && runs || return 1
+    sleep 0.2
+  done
+}
+
+window=
+find_window() {
+  window=$(xdotool search --onlyvisible --name '^Tidewriter Echosounder' 2>/dev/null | head -n 1)
+  [ -n "$window" ]
+}
+
+point_at() { xdotool mousemove --window "$window" "$@"; }
+click_at() { point_at "$@" && sleep 0.2 && xdotool click 1; }
+
+sent_pings() { grep -c ' whole' "$log" 2>/dev/null || true; }
+has_sent() { [ "$(sent_pings)" -ge "$1" ]; }
+
+# From 150 s across the picture to 20 s, four steps.
+zoom_time_scale() {
+  point_at "${echogram[@]}"
+  xdotool mousemove_relative 1 1
+  sleep 0.3
+  xdotool keydown shift
+  for _ in 1 2 3 4; do
+    xdotool click 4
+    sleep 0.1
+  done
+  xdotool keyup shift
+  sleep 0.5
+}
+
+list_records() {
+  local file
+  say "Record files in ${records#"$session_root"/}:"
+  for file in "$records"/*.log; do
+    [ -e "$file" ] || { echo "   none"; return 1; }
+    printf '   %s: %s bytes, %s pings\n' "${file##*/}" "$(stat -c %s "$file")" "$(grep -ac '^#DeviceID ' "$file")"
+  done
+}
+
+close_program() {
+  xdotool windowfocus "$window" key alt+F4
+  until_true 10 eval '! runs' || ! runs || { kill "$program_pid"; return 1; }
+}
+
+watch_by_itself() {
+  until_true 60 find_window || session_fail "the program shows no window"
+  xdotool windowfocus "$window"
+  say "Pressing Start"
+  click_at "${start_button[@]}"
+  until_true 60 has_sent 1 || session_fail "the echosounder was not started"
+  if [ -n "$seconds" ]; then
+    say "Streaming for $seconds s"
+    sleep "$seconds"
+  else
+    say "Waiting for 200 pings"
+    until_true 60 has_sent 200 || session_fail "only $(sent_pings) pings in 60 s"
+  fi
+  zoom_time_scale
+  import -window "$window" "$run/window.png"
+  say "The window: build/run/window.png"
+  click_at "${stop_button[@]}"
+  sleep 1
+  close_program || session_fail "the program did not end"
+}
+
+if [ -n "$headless" ]; then unset DISPLAY; fi
+own_display=
+[ -n "${DISPLAY:-}" ] || own_display=yes
+say "Preparing Wine (15 s at the first time)"
+session_begin
+session_be_alone
+say "Starting the virtual instruments"
+session_instruments "$echosim" --speed 921600 --log "$log" "${sounder[@]}"
+store_choices
+say "Starting the program"
+start_program
+if [ -n "$own_display" ]; then
+  watch_by_itself
+else
+  say "The window is yours: press Start. This script ends when you close it."
+  wait "$program_pid" || true
+fi
+session_instruments_end
+sed 's/^/   /' "$session_scratch/instruments"
+list_records
