@@ -19,7 +19,7 @@ else
   echo "clang-format 14 is not here; formatting is not checked"
 fi
 
-loose=$(grep -rliE '#include <(windows|windowsx|commctrl|shlobj|objidl|gdiplus|commdlg)' src |
+loose=$(grep -rliE --include="*.h" --include="*.cpp" '#include <(windows|windowsx|commctrl|shlobj|objidl|gdiplus|commdlg)' src |
   grep -vE '^src/platform/win32/|_win32\.(cpp|h)$')
 [ -n "$loose" ] && fail "Windows headers outside the Windows layer:" "$loose"
 

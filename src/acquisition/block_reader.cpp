@@ -6,7 +6,7 @@
 namespace tw {
 namespace {
 
-constexpr size_t kPiece = 4096;  // bytes copied at once: what stands behind a block is copied in vain
+constexpr size_t kPiece = 1024;  // bytes copied at once: what stands behind a block is copied in vain
 constexpr size_t kStride = 32;
 
 // The end mark has the same byte at 0 and 2 (CR LF CR). Lines of text never do, so whole strides are passed
@@ -22,17 +22,20 @@ bool MayHoldRepeat(const uint8_t* bytes, uint8_t first) {
 // The offset behind the first end mark in [from, length), or 0 when there is none.
 size_t FindEnd(const uint8_t* bytes, size_t from, size_t length, std::string_view mark) {
   const auto first = static_cast<uint8_t>(mark[0]);
-  const bool repeats = mark.size() > 2 && mark[2] == mark[0];
+  const bool repeats = mark.size() > 2 && mark[2] == mark[0] && length >= kStride + 2;
   size_t at = from;
   while (at + mark.size() <= length) {
-    if (repeats && at + kStride + 2 <= length && !MayHoldRepeat(bytes + at, first)) {
-      at += kStride;
+    // The last stride may begin before `at`: it ends where the bytes end.
+    const size_t stride = repeats ? std::min(at, length - kStride - 2) : at;
+    if (repeats && !MayHoldRepeat(bytes + stride, first)) {
+      at = stride + kStride;
       continue;
     }
     const size_t stop = std::min(at + kStride, length - mark.size() + 1);
     for (; at < stop; ++at) {
-      if (bytes[at] == first && std::memcmp(bytes + at, mark.data(), mark.size()) == 0)
+      if (bytes[at] == first && std::memcmp(bytes + at, mark.data(), mark.size()) == 0) {
         return at + mark.size();
+      }
     }
   }
   return 0;

@@ -1,11 +1,11 @@
 // The program's entry: start-up in its order, the message loop, and the way out. Worker threads are not
 // joined; they end with the process, so nothing here has a destructor that they could miss.
 #include <windows.h>
-// Need the types of the line above.
+
 #include <commctrl.h>
 #include <objidl.h>
 #include <propidl.h>
-// Needs the types of all of them.
+
 #include <gdiplus.h>
 
 #include "app/control_ids.h"
