@@ -3,6 +3,7 @@
 #include "app/control_ids.h"
 #include "app/view_placement_win32.h"
 #include "app/window_handles_win32.h"
+#include "display/echogram_view_win32.h"
 
 namespace tw {
 namespace {

@@ -1,5 +1,5 @@
-// Full-window mode: the controls are hidden and the echogram takes their place; the status bar stays. GUI
-// thread.
+// Full-window mode: the controls are hidden and the echogram takes their place; the status bar stays. The
+// echogram view switches it by ToggleFullWindow, which is declared there. GUI thread.
 #pragma once
 
 #include <windows.h>
@@ -13,8 +13,5 @@ void RememberHiddenControls(AppState& state);
 
 // Shows or hides a control; in full-window mode it only comes back with the others.
 void WantControlVisible(AppState& state, HWND control, bool visible);
-
-// Hides the controls, or shows again those that are wanted.
-void ToggleFullWindow(AppState& state);
 
 }  // namespace tw
