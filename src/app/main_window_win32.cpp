@@ -2,6 +2,7 @@
 
 #include "app/control_ids.h"
 #include "app/dialogs_win32.h"
+#include "app/family_controls.h"
 #include "app/full_window_win32.h"
 #include "app/run_control.h"
 #include "app/start_up.h"
@@ -66,7 +67,8 @@ void OnCommand(AppState& state, int id) {
     case ID_START:
       return StartRun(state);
     case ID_STOP:
-      return StopRun(state);
+      StopRun(state);
+      return RefreshSettingsControls(state);
     case ID_RECORD:
       return ToggleRecording(state);
     case ID_TIMESTAMP:
