@@ -71,9 +71,9 @@ void AddDepthLabels(const PanelLayout& layout, int32_t range_mm, Labels& labels)
     Label& label = Add(labels, {ScalePixels(2, layout.dpi), y}, ScalePixels(10, layout.dpi), kYellow);
     const double depth_m = k * (range_m / divisions);
     if (range_m < 10) {
-      FormatText(label.text, "%.1fm", depth_m);
+      FormatWide(label.text, "%.1fm", depth_m);
     } else {
-      FormatText(label.text, "%3.0fm", depth_m);
+      FormatWide(label.text, "%3.0fm", depth_m);
     }
   }
 }
@@ -83,7 +83,7 @@ void AddTimeLabels(const PanelLayout& layout, int32_t timeScale_s, Labels& label
   for (int32_t k = 0; k <= kTimeDivisions; ++k) {
     const int32_t x = layout.panel.right - ScalePixels(140, layout.dpi) - k * step;
     Label& label = Add(labels, {x, layout.panel.top}, ScalePixels(12, layout.dpi), kYellow);
-    FormatText(label.text, "%3ds", static_cast<int32_t>(int64_t{k} * timeScale_s / kTimeDivisions));
+    FormatWide(label.text, "%3ds", static_cast<int32_t>(int64_t{k} * timeScale_s / kTimeDivisions));
   }
 }
 
@@ -93,19 +93,19 @@ void AddColourBarLabels(const PanelLayout& layout, Labels& labels) {
   for (int32_t k = 0; k <= kColourBarDivisions; ++k) {
     const int32_t y = layout.panel.bottom - ScalePixels(34, layout.dpi) - k * step;
     Label& label = Add(labels, {x, y}, ScalePixels(12, layout.dpi), kYellow);
-    FormatText(label.text, "%d%%", k * 100 / kColourBarDivisions);
+    FormatWide(label.text, "%d%%", k * 100 / kColourBarDivisions);
   }
 }
 
 void AddFrequencyLabel(const PanelLayout& layout, int32_t frequency_hz, Labels& labels) {
   Label& label = Add(labels, layout.frequency, ScalePixels(14, layout.dpi), kWhite);
-  FormatText(label.text, "%4d kHz", frequency_hz / 1'000);
+  FormatWide(label.text, "%4d kHz", frequency_hz / 1'000);
 }
 
-Label StatusLabel(const PanelLayout& layout, const char* text) {
+Label StatusLabel(const PanelLayout& layout, const wchar_t* text) {
   Label label{
       .at = layout.statusLine, .height_px = ScalePixels(13, layout.dpi), .colour = kWhite, .text = {}};
-  FormatText(label.text, "%s", text);
+  CopyWide(label.text, text);
   return label;
 }
 

@@ -51,7 +51,7 @@ struct Label {
   Point at;
   int32_t height_px;
   Pixel colour;
-  char text[160];  // UTF-8
+  wchar_t text[160];
 };
 
 // Depth labels (5 or 10), time labels (11), colour bar labels (11), the frequency.
@@ -66,6 +66,6 @@ void AddTimeLabels(const PanelLayout& layout, int32_t timeScale_s, Labels& label
 void AddColourBarLabels(const PanelLayout& layout, Labels& labels);
 void AddFrequencyLabel(const PanelLayout& layout, int32_t frequency_hz, Labels& labels);
 
-[[nodiscard]] Label StatusLabel(const PanelLayout& layout, const char* text);
+[[nodiscard]] Label StatusLabel(const PanelLayout& layout, const wchar_t* text);
 
 }  // namespace tw

@@ -2,7 +2,10 @@
 
 #include <algorithm>
 #include <iterator>
+#include <span>
+#include <type_traits>
 
+#include "acquisition/ping_line.h"
 #include "base/bytes.h"
 #include "base/shared_value.h"
 #include "platform/sync.h"
@@ -143,20 +146,34 @@ Labels CollectLabels(const PanelSource& source, const PanelLayout& layout) {
   return labels;
 }
 
+bool DualModeHasAttitude(int32_t deviceFamily, int32_t outputMode) {
+  static constexpr int32_t kFirstFamily[] = {2, 3, 4, 9, 100, 101};
+  static constexpr int32_t kOtherFamilies[] = {2, 3, 4, 5, 6, 10, 100, 101};
+  const auto contains = [outputMode](std::span<const int32_t> modes) {
+    return std::find(modes.begin(), modes.end(), outputMode) != modes.end();
+  };
+  return deviceFamily == 1 ? contains(kFirstFamily) : contains(kOtherFamilies);
+}
+
 Label CollectStatus(AppState& state, const PanelSource& newest, const PanelLayout& layout, bool isDual) {
-  char text[sizeof(Label::text)] = "";
-  if (newest.ring != nullptr) {
-    const ShownPing ping = ReadShownPing(SlotAt(*newest.ring, newest.scale.newest));
-    const uint32_t number = LoadShared(globals.pingCounter);
-    const bool hasPitch = ping.pitch_deg < kNoAttitude;
-    if (isDual) {
-      FormatDualStatus(
-          text, ping, number, LoadShared(globals.latestAltitudeHigh_m),
-          LoadShared(globals.latestAltitudeLow_m),
-          hasPitch && DualModeHasAttitude(LoadShared(globals.deviceFamily), state.settings.outputMode));
-    } else {
-      FormatSingleStatus(text, ping, number, hasPitch && LoadShared(globals.attitudePresent) == 1);
-    }
+  wchar_t text[std::extent_v<decltype(Label::text)>] = L"";
+  if (newest.ring == nullptr) return StatusLabel(layout, text);
+  const ShownPing ping = ReadShownPing(SlotAt(*newest.ring, newest.scale.newest));
+  PingLineValues values{.time_s = ping.time_s,
+                        .ping = LoadShared(globals.pingCounter),
+                        .altitude_m = ping.altitude_m,
+                        .altitudeLow_m = 0.0f,
+                        .temperature_c = ping.temperature_c,
+                        .pitch_deg = ping.pitch_deg,
+                        .roll_deg = ping.roll_deg};
+  const bool hasPitch = ping.pitch_deg < kNoAttitude;
+  if (isDual) {
+    values.altitude_m = LoadShared(globals.latestAltitudeHigh_m);
+    values.altitudeLow_m = LoadShared(globals.latestAltitudeLow_m);
+    const int32_t family = LoadShared(globals.deviceFamily);
+    FormatDualPingLine(text, values, hasPitch && DualModeHasAttitude(family, state.settings.outputMode));
+  } else {
+    FormatPingLine(text, values, hasPitch && LoadShared(globals.attitudePresent) == 1);
   }
   return StatusLabel(layout, text);
 }

@@ -11,7 +11,7 @@
 namespace tw {
 namespace {
 
-using Texts = std::vector<std::string>;
+using Texts = std::vector<std::wstring>;
 
 struct At {
   int32_t x;
@@ -23,8 +23,8 @@ void ExpectLabels(const Labels& labels, const Texts& texts, const std::vector<At
   for (size_t i = 0; i < labels.count; ++i) {
     EXPECT_EQ(labels.labels[i].text, texts[i]);
     if (i >= places.size()) continue;
-    EXPECT_EQ(labels.labels[i].at.x, places[i].x) << texts[i];
-    EXPECT_EQ(labels.labels[i].at.y, places[i].y) << texts[i];
+    EXPECT_EQ(labels.labels[i].at.x, places[i].x) << i;
+    EXPECT_EQ(labels.labels[i].at.y, places[i].y) << i;
   }
 }
 
@@ -65,14 +65,14 @@ struct DepthCase {
 };
 
 const DepthCase kDepths[] = {
-    {"five divisions up to 700 rows", 740, 10'000, {"  2m", "  4m", "  6m", "  8m", " 10m"}},
+    {"five divisions up to 700 rows", 740, 10'000, {L"  2m", L"  4m", L"  6m", L"  8m", L" 10m"}},
     {"ten above",
      741,
      10'000,
-     {"  1m", "  2m", "  3m", "  4m", "  5m", "  6m", "  7m", "  8m", "  9m", " 10m"}},
-    {"a decimal below 10 m", 500, 3'000, {"0.6m", "1.2m", "1.8m", "2.4m", "3.0m"}},
-    {"just below 10 m", 500, 9'999, {"2.0m", "4.0m", "6.0m", "8.0m", "10.0m"}},
-    {"three digits", 500, 200'000, {" 40m", " 80m", "120m", "160m", "200m"}},
+     {L"  1m", L"  2m", L"  3m", L"  4m", L"  5m", L"  6m", L"  7m", L"  8m", L"  9m", L" 10m"}},
+    {"a decimal below 10 m", 500, 3'000, {L"0.6m", L"1.2m", L"1.8m", L"2.4m", L"3.0m"}},
+    {"just below 10 m", 500, 9'999, {L"2.0m", L"4.0m", L"6.0m", L"8.0m", L"10.0m"}},
+    {"three digits", 500, 200'000, {L" 40m", L" 80m", L"120m", L"160m", L"200m"}},
 };
 
 TEST(Layout, DepthLabels) {
@@ -84,7 +84,7 @@ TEST(Layout, DepthLabels) {
   }
   Labels labels{};
   AddDepthLabels(LayOutPanel(0, 900, 540, 96), 10'000, labels);
-  ExpectLabels(labels, {"  2m", "  4m", "  6m", "  8m", " 10m"}, {{2, 108}, {2, 208}, {2, 308}});
+  ExpectLabels(labels, {L"  2m", L"  4m", L"  6m", L"  8m", L" 10m"}, {{2, 108}, {2, 208}, {2, 308}});
   EXPECT_EQ(labels.labels[0].height_px, 10);
   EXPECT_EQ(labels.labels[0].colour, 0xFFFA9Du);
 }
@@ -92,19 +92,23 @@ TEST(Layout, DepthLabels) {
 TEST(Layout, TimeLabelsRunFromRightToLeft) {
   Labels labels{};
   AddTimeLabels(LayOutPanel(0, 1'150, 500, 96), 150, labels);
-  ExpectLabels(labels,
-               {"  0s", " 15s", " 30s", " 45s", " 60s", " 75s", " 90s", "105s", "120s", "135s", "150s"},
-               {{1'010, 0}, {910, 0}, {810, 0}});
+  ExpectLabels(
+      labels,
+      {L"  0s", L" 15s", L" 30s", L" 45s", L" 60s", L" 75s", L" 90s", L"105s", L"120s", L"135s", L"150s"},
+      {{1'010, 0}, {910, 0}, {810, 0}});
   Labels shorter{};
   AddTimeLabels(LayOutPanel(0, 1'150, 500, 96), 15, shorter);
-  ExpectLabels(shorter,
-               {"  0s", "  1s", "  3s", "  4s", "  6s", "  7s", "  9s", " 10s", " 12s", " 13s", " 15s"}, {});
+  ExpectLabels(
+      shorter,
+      {L"  0s", L"  1s", L"  3s", L"  4s", L"  6s", L"  7s", L"  9s", L" 10s", L" 12s", L" 13s", L" 15s"},
+      {});
 }
 
 TEST(Layout, ColourBarLabelsRunUpwards) {
   Labels labels{};
   AddColourBarLabels(LayOutPanel(0, 900, 545, 96), labels);  // 505 rows
-  ExpectLabels(labels, {"0%", "10%", "20%", "30%", "40%", "50%", "60%", "70%", "80%", "90%", "100%"},
+  ExpectLabels(labels,
+               {L"0%", L"10%", L"20%", L"30%", L"40%", L"50%", L"60%", L"70%", L"80%", L"90%", L"100%"},
                {{860, 511}, {860, 461}, {860, 411}});
 }
 
@@ -120,7 +124,7 @@ TEST(Layout, FrequencyLabel) {
   const PanelLayout layout = LayOutPanel(0, 900, 500, 96);
   AddFrequencyLabel(layout, 447'999, labels);
   AddFrequencyLabel(layout, 1'200'000, labels);
-  ExpectLabels(labels, {" 447 kHz", "1200 kHz"}, {{800, 0}});
+  ExpectLabels(labels, {L" 447 kHz", L"1200 kHz"}, {{800, 0}});
   EXPECT_EQ(labels.labels[0].height_px, 14);
 }
 

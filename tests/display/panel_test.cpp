@@ -109,7 +109,7 @@ TEST_F(Panel, NothingButTheImageBeforeTheRingsExist) {
   PanelSource source = DescribePanel(*state_, PanelPlace::single);
   Draw(source);
   EXPECT_EQ(At(40, 40), kBlack);
-  EXPECT_STREQ(CollectStatus(*state_, source, LayOutPanel(0, kWidth, kHeight, 96), false).text, "");
+  EXPECT_STREQ(CollectStatus(*state_, source, LayOutPanel(0, kWidth, kHeight, 96), false).text, L"");
 }
 
 TEST_F(Panel, WithoutEchogramTheImageIsBlackAndAltitudesShowInTheMarginOnly) {
@@ -128,14 +128,44 @@ TEST_F(Panel, WithoutEchogramTheImageIsBlackAndAltitudesShowInTheMarginOnly) {
   }
 }
 
+TEST_F(Panel, StatusShowsTheNewestPing) {
+  uint8_t* slot = ringA_->slots[500];
+  StoreLe<uint32_t>(slot + 16, 1'709'211'845);
+  StoreLeFloat(slot + 48, 12.25f);
+  StoreLeFloat(slot + 52, 18.5f);
+  StoreLeFloat(slot + 56, 450.0f);
+  globals.pingCounter = 17;  // the program's own counter, not the number in the ping
+  globals.latestAltitudeHigh_m = 11.0f;
+  globals.latestAltitudeLow_m = 10.5f;
+  const PanelLayout layout = LayOutPanel(0, kWidth, kHeight, 96);
+  const PanelSource source = DescribePanel(*state_, PanelPlace::single);
+  EXPECT_STREQ(CollectStatus(*state_, source, layout, false).text,
+               L"Time:29.02.2024 13:04:05 UTC Ping:17, Altitude:12.250m, Temperature:18.5\u00B0C");
+  EXPECT_STREQ(CollectStatus(*state_, source, layout, true).text,
+               L"Time:29.02.2024 13:04:05, Ping:17, AltitudeH:11.00m, AltitudeL:10.50m, "
+               L"Temperature:18.5\u00B0C");
+}
+
+TEST_F(Panel, ModesWithAttitudeInADualRun) {
+  std::string first;
+  std::string second;
+  for (int32_t mode = -1; mode < 200; ++mode) {
+    if (DualModeHasAttitude(1, mode)) first += std::to_string(mode) + " ";
+    if (DualModeHasAttitude(2, mode)) second += std::to_string(mode) + " ";
+    EXPECT_EQ(DualModeHasAttitude(0, mode), DualModeHasAttitude(2, mode));
+  }
+  EXPECT_EQ(first, "2 3 4 9 100 101 ");
+  EXPECT_EQ(second, "2 3 4 5 6 10 100 101 ");
+}
+
 TEST_F(Panel, StatusDropsAttitudeAt450Degrees) {
   uint8_t* slot = ringA_->slots[500];
   StoreLeFloat(slot + 56, 449.9f);
   const PanelLayout layout = LayOutPanel(0, kWidth, kHeight, 96);
   const PanelSource source = DescribePanel(*state_, PanelPlace::single);
   const auto hasPitch = [&](bool isDual) {
-    const std::string text = CollectStatus(*state_, source, layout, isDual).text;
-    return text.find("Pitch") != std::string::npos;
+    const std::wstring text = CollectStatus(*state_, source, layout, isDual).text;
+    return text.find(L"Pitch") != std::wstring::npos;
   };
   EXPECT_FALSE(hasPitch(false));
   globals.attitudePresent = 1;

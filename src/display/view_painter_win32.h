@@ -1,0 +1,35 @@
+// Paints the echogram view into a picture in memory, from the state record. Everything that it draws with is
+// kept between paints; only a change of size makes new objects. GUI thread.
+#pragma once
+
+#include <windows.h>
+
+#include "app/app_state.h"
+#include "display/drawing_win32.h"
+#include "display/panel.h"
+#include "display/text_win32.h"
+
+namespace tw {
+
+class ViewPainter {
+ public:
+  // False when there is no memory for a picture of this size; then there is none.
+  [[nodiscard]] bool Paint(AppState& state, HDC like, int32_t width, int32_t height);
+
+  // The picture of the last Paint, until the next one.
+  [[nodiscard]] OffscreenPicture& Picture() { return picture_; }
+
+ private:
+  void PaintSingle(AppState& state, int32_t width, int32_t height, int32_t dpi);
+  void PaintDual(AppState& state, int32_t width, int32_t height, int32_t dpi);
+  PanelSource PaintPanel(AppState& state, PanelPlace place, const PanelLayout& layout);
+  void PaintLabels(const PanelSource& source, const PanelLayout& layout);
+  void PaintMarks(MarkList& marks, const PanelLayout& layout);
+
+  OffscreenPicture picture_;
+  LabelPainter labels_;
+  MarkPainter marks_;
+  PanelScratch scratch_;
+};
+
+}  // namespace tw

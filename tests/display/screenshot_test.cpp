@@ -1,0 +1,56 @@
+#include "display/screenshot.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+
+namespace tw {
+namespace {
+
+constexpr CalendarTime kNoon{2025, 3, 14, 12, 0, 5, 0};
+constexpr CalendarTime kLater{2025, 3, 14, 12, 2, 20, 0};
+
+class Screenshot : public testing::Test {
+ protected:
+  Screenshot() : folder_(testing::TempDir() + "tw_screenshot_test") { std::filesystem::remove_all(folder_); }
+  ~Screenshot() override { std::filesystem::remove_all(folder_); }
+
+  // The path below the working folder, or "none".
+  std::wstring Name(ShotKind kind, bool isDual, const CalendarTime& time) {
+    wchar_t path[1024] = L"";
+    const std::wstring folder = folder_.wstring();
+    const ShotFacts facts{folder.c_str(), isDual, kind, 447'000, time};
+    if (!NameScreenshot(path, facts, shots_)) return L"none";
+    return std::filesystem::path(path).lexically_relative(folder_).generic_wstring();
+  }
+
+  std::filesystem::path folder_;
+  AutomaticShots shots_{};
+};
+
+TEST_F(Screenshot, ManualShotsOfOneSecondAreOneFile) {
+  EXPECT_EQ(Name(ShotKind::manual, false, kNoon), L"20250314_120005_Dual_450kHz_ScreenShot(Manual)_1.png");
+  EXPECT_EQ(Name(ShotKind::manual, false, kNoon), L"20250314_120005_Dual_450kHz_ScreenShot(Manual)_1.png");
+  EXPECT_TRUE(std::filesystem::is_directory(folder_));
+}
+
+TEST_F(Screenshot, AutomaticShotsShareTheFirstOnesTime) {
+  EXPECT_EQ(Name(ShotKind::automatic, false, kNoon), L"20250314_120005_Dual_450kHz_ScreenShot(Auto)_1.png");
+  EXPECT_EQ(Name(ShotKind::manual, false, kLater), L"20250314_120220_Dual_450kHz_ScreenShot(Manual)_1.png");
+  EXPECT_EQ(Name(ShotKind::automatic, false, kLater), L"20250314_120005_Dual_450kHz_ScreenShot(Auto)_2.png");
+}
+
+TEST_F(Screenshot, DualShotsHaveAFolderOfTheirOwn) {
+  std::filesystem::create_directory(folder_);
+  EXPECT_EQ(Name(ShotKind::manual, true, kNoon), L"ScreenShot/20250314_120005_Dual_ScreenShot(Manual)_1.png");
+  EXPECT_TRUE(std::filesystem::is_directory(folder_ / "ScreenShot"));
+}
+
+TEST_F(Screenshot, NoneWithoutAFolder) {
+  EXPECT_EQ(Name(ShotKind::automatic, true, kNoon), L"none");  // the working folder is missing as well
+  EXPECT_EQ(shots_.count, 0);
+}
+
+}  // namespace
+}  // namespace tw
