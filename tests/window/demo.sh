@@ -23,7 +23,7 @@ done
 [ -n "$gps" ] || sounder+=(--gps-off)
 
 program=$session_root/build/windows/src/app/Tidewriter.exe
-echosim=$session_root/build/native/tools/echosim/echosim
+echosim=$session_root/build/windows/native/tools/echosim/echosim
 run=$session_root/build/run
 records=$run/records
 log=$run/pings.log

@@ -61,7 +61,7 @@ TEST_F(Run, TenSecondsFromStartToExit) {
   EXPECT_EQ(program_->Status(1), L"GPS: COM6,4800bps");
 
   ASSERT_TRUE(WaitUntil([] { return WholePings() >= kTenSecondsOfPings; }, 60));
-  EXPECT_TRUE(program_->Status(2).starts_with(L"GPS")) << "position";
+  EXPECT_TRUE(program_->Status(2).starts_with(L"Position(3D)")) << "a position";
   EXPECT_TRUE(program_->Status(3).starts_with(L"File size: ")) << "size of the record file";
   EXPECT_GT(program_->Title().size(), std::wstring(kTitle).size()) << "the title names the file";
 
