@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <memory>
@@ -10,6 +9,7 @@
 
 #include "platform/file.h"
 #include "platform/host/faults.h"
+#include "tests/app/test_folder.h"
 
 namespace tw {
 namespace {
@@ -37,21 +37,16 @@ class RecordFile : public testing::Test {
     MakeLock(state_->recordLock);
     state_->recordFileA = state_->recordFileB = Handle::invalid;
     state_->recordBusyA = state_->recordBusyB = Handle::invalid;
-    folder_ = std::filesystem::temp_directory_path() /
-              ("record_file_" + std::string(testing::UnitTest::GetInstance()->current_test_info()->name()));
-    std::filesystem::remove_all(folder_);
-    std::filesystem::create_directories(folder_);
   }
   ~RecordFile() override {
     CloseBothRecordFiles(*state_);
     ClearFaults();
-    std::filesystem::remove_all(folder_);
     DestroyLock(state_->recordLock);
   }
 
   // Opens a file that begins with a settings line, as run control does.
   void Open(RecordChannel channel, const wchar_t* name) {
-    const Handle file = CreateFileAnew((folder_ / name).wstring().c_str());
+    const Handle file = CreateFileAnew((folder_.Path() / name).wstring().c_str());
     ASSERT_NE(file, Handle::invalid);
     uint32_t written = 0;
     ASSERT_TRUE(WriteFileBytes(file, "INFO\r\n", 6, written));
@@ -59,7 +54,7 @@ class RecordFile : public testing::Test {
   }
   // "absent" when there is no such file.
   [[nodiscard]] std::string Content(const wchar_t* name) const {
-    std::ifstream file(folder_ / name, std::ios::binary);
+    std::ifstream file(folder_.Path() / name, std::ios::binary);
     if (!file) return "absent";
     return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
   }
@@ -69,7 +64,7 @@ class RecordFile : public testing::Test {
   static constexpr RecordChannel kA = RecordChannel::a;
   static constexpr RecordChannel kB = RecordChannel::b;
   const std::unique_ptr<AppState> state_ = std::make_unique<AppState>();
-  std::filesystem::path folder_;
+  const test::TestFolder folder_;
 };
 
 TEST_F(RecordFile, EachChannelHasItsOwn) {
