@@ -100,18 +100,21 @@ class SampleLines {
   SampleLines(std::string_view text, size_t start, std::span<uint16_t> samples)
       : text_(text), start_(start), samples_(samples) {}
 
-  // Strides of 64 bytes that hold nothing but digits and whole line ends: all ends of a stride are known
-  // before its lines are read, so no line waits for the one before it. Everything else goes line by line.
+  // Strides of 64 bytes that hold nothing but digits and whole line ends (the last one's LF may stand behind
+  // the stride): all ends of a stride are known before its lines are read, so no line waits for the one
+  // before it. Everything else goes line by line.
   size_t Read() {
     size_t stride = start_;
     uint64_t carry = 0;  // the last byte of the stride before was a CR
-    while (stride + kStride <= text_.size() && samples_.size() - count_ >= kStride / kLineEnd.size()) {
+    while (stride + kStride < text_.size() && samples_.size() - count_ >= kStride / kLineEnd.size()) {
       const StrideMasks masks = MasksOf(text_.data() + stride);
+      const uint64_t lastReturn = masks.returns >> 63;
       const bool plain = masks.feeds == (masks.returns << 1 | carry) &&
-                         (masks.returns | masks.feeds | masks.digits) == ~uint64_t{0};
+                         (masks.returns | masks.feeds | masks.digits) == ~uint64_t{0} &&
+                         (lastReturn == 0 || text_[stride + kStride] == '\n');
       if (plain) {
         ReadStride(stride, masks.returns);
-        carry = masks.returns >> 63;
+        carry = lastReturn;
         stride += kStride;
         continue;
       }

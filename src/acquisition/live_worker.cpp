@@ -145,7 +145,7 @@ class LiveRun {
   // Until two pings have come the interval that was set stands for the measured one.
   [[nodiscard]] int32_t MarksOf(const Channel& channel) const {
     if (channel.interval_ms == 0) return LoadShared(globals.marksAtStart);
-    return MarkInterval(context_.dual ? kDualMarkPeriod_s : kSingleMarkPeriod_s, channel.interval_ms);
+    return MarkInterval(context_.dual ? kDualMarkPeriod_ms : kSingleMarkPeriod_ms, channel.interval_ms);
   }
 
   [[nodiscard]] float RangeOf(const Channel& channel) const {

@@ -8,9 +8,9 @@
 
 namespace tw {
 
-int32_t MarkInterval(float period_s, uint32_t pingInterval_ms) {
+int32_t MarkInterval(uint32_t period_ms, uint32_t pingInterval_ms) {
   if (pingInterval_ms == 0) return 0;
-  return static_cast<int32_t>(period_s / (static_cast<float>(pingInterval_ms) / 1000.0f));
+  return static_cast<int32_t>(period_ms / pingInterval_ms);
 }
 
 void ClearMarks(MarkList& marks) {

@@ -9,11 +9,11 @@
 
 namespace tw {
 
-inline constexpr float kSingleMarkPeriod_s = 30.0f;
-inline constexpr float kDualMarkPeriod_s = 15.0f;
+inline constexpr uint32_t kSingleMarkPeriod_ms = 30'000;
+inline constexpr uint32_t kDualMarkPeriod_ms = 15'000;
 
 // How many pings lie between two marks: the period over the interval, truncated; 0 for an interval of 0.
-[[nodiscard]] int32_t MarkInterval(float period_s, uint32_t pingInterval_ms);
+[[nodiscard]] int32_t MarkInterval(uint32_t period_ms, uint32_t pingInterval_ms);
 
 void ClearMarks(MarkList& marks);
 

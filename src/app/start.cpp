@@ -52,7 +52,7 @@ void KeepInterval(const DeviceSettings& settings) {
   StoreShared(globals.pingInterval_ms, static_cast<float>(settings.pingInterval_ms));
   StoreShared(globals.measuredPingInterval_ms, 0.0f);
   const auto known_ms = static_cast<uint32_t>(std::max(settings.pingInterval_ms, 0));
-  StoreShared(globals.marksAtStart, MarkInterval(kSingleMarkPeriod_s, known_ms));
+  StoreShared(globals.marksAtStart, MarkInterval(kSingleMarkPeriod_ms, known_ms));
 }
 
 // The texts that a later change of the selectors is compared with.

@@ -1,0 +1,54 @@
+// As much of the program as the acquisition worker needs: state record, rings, an open device port, files.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "acquisition/ping_ring.h"
+#include "acquisition/record_file.h"
+#include "app/app_state.h"
+#include "platform/host/serial_peer.h"
+#include "tests/acquisition/posted_texts.h"
+#include "tests/app/test_folder.h"
+
+namespace tw::test {
+
+inline constexpr wchar_t kDeviceLine[] = L"\\\\.\\COM7";
+
+// A device of the first family in output mode 4, single, 12.5 and 40 m of range, 200 kHz in use. Make it
+// after the clock of the test has been started, if that is a virtual one.
+class LiveProgram {
+ public:
+  explicit LiveProgram(SerialPeer& device);
+  ~LiveProgram();
+  LiveProgram(const LiveProgram&) = delete;
+  LiveProgram& operator=(const LiveProgram&) = delete;
+
+  [[nodiscard]] AppState& State() { return *state_; }
+
+  void StartWorker();
+  // Asks the worker to end, and waits until it has.
+  void StopWorker();
+  void WaitForWorker();
+
+  // Puts a new record file, which begins with "INFO\r\n", into the channel.
+  void OpenFile(RecordChannel channel, const wchar_t* name);
+  // "absent" when there is no such file.
+  [[nodiscard]] std::string FileContent(const wchar_t* name) const;
+
+  [[nodiscard]] int32_t IndexA();
+  [[nodiscard]] int32_t IndexB();
+  [[nodiscard]] PingHeader HeaderA(int32_t slot) const;
+  [[nodiscard]] PingHeader HeaderB(int32_t slot) const;
+  // The first samples of a slot of ring A.
+  [[nodiscard]] std::vector<uint16_t> SamplesA(int32_t slot, size_t count) const;
+
+ private:
+  AppState* state_;
+  TestFolder folder_;
+};
+
+// An echo text block with these values and one sample, 25,000 Hz; no transmit frequency when `tx_hz` is 0.
+[[nodiscard]] std::string EchoBlock(uint32_t ping, int32_t tx_hz = 200'000);
+
+}  // namespace tw::test

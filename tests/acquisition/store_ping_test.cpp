@@ -1,0 +1,205 @@
+#include "acquisition/store_ping.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <memory>
+#include <vector>
+
+#include "platform/memory.h"
+
+namespace tw {
+namespace {
+
+TEST(PingHeader, EachFieldStandsAtItsOffset) {
+  const PingHeader header = {.deviceSeconds = 0x01020304,
+                             .deviceMilliseconds = 0x11,
+                             .timeOfWork_s = 0x655407F0,
+                             .ping = 0x21,
+                             .samplingFrequency_hz = 25'000,
+                             .sampleCount = 1'000,
+                             .range_m = 1.0f,
+                             .txFrequency_hz = -1,
+                             .altitude_m = 2.0f,
+                             .temperature_c = -2.0f,
+                             .pitch_deg = 450.0f,
+                             .roll_deg = 0.5f,
+                             .gpsLatitude_rad = 4.0f,
+                             .gpsLongitude_rad = 8.0f,
+                             .gpsAltitude_m = 16.0f,
+                             .gpsTime_s = 0x31,
+                             .gpsPdop = 32.0f,
+                             .gpsValid = 1};
+  const std::array<uint8_t, 88> expected = {
+      'T',  'R',  '5',  '7',  88,   0, 0,    0,     // magic, header length
+      4,    3,    2,    1,    0x11, 0, 0,    0,     // device time
+      0xF0, 0x07, 0x54, 0x65, 0x21, 0, 0,    0,     // time of work, ping
+      0xA8, 0x61, 0,    0,    0,    0, 0,    0,     // sampling frequency, reserved
+      0xE8, 0x03, 0,    0,    0,    0, 0x80, 0x3F,  // count, range 1.0
+      0xFF, 0xFF, 0xFF, 0xFF, 0,    0, 0,    0,     // transmit frequency, reserved
+      0,    0,    0,    0x40, 0,    0, 0,    0xC0,  // altitude 2.0, temperature -2.0
+      0,    0,    0xE1, 0x43, 0,    0, 0,    0x3F,  // pitch 450.0, roll 0.5
+      0,    0,    0x80, 0x40, 0,    0, 0,    0x41,  // latitude 4.0, longitude 8.0
+      0,    0,    0x80, 0x41, 0x31, 0, 0,    0,     // height 16.0, GPS time
+      0,    0,    0,    0x42, 1,    0, 0,    0,     // dilution 32.0, valid
+  };
+  std::array<uint8_t, 88> bytes;
+  bytes.fill(0xEE);
+  StorePingHeader(bytes.data(), header);
+  EXPECT_EQ(bytes, expected);
+  std::array<uint8_t, 88> again{};
+  StorePingHeader(again.data(), LoadPingHeader(bytes.data()));
+  EXPECT_EQ(again, expected);
+}
+
+// The samples of a slot that are in use.
+std::vector<uint16_t> SamplesOf(const uint8_t* slot, size_t count) {
+  std::vector<uint16_t> samples;
+  for (size_t i = 0; i < count; ++i) {
+    const uint8_t* sample = slot + 728 + 2 * i;
+    samples.push_back(static_cast<uint16_t>(sample[0] | sample[1] << 8));
+  }
+  return samples;
+}
+
+std::vector<uint16_t> Grid(uint32_t frequency_hz, std::vector<uint16_t> samples, uint16_t factor = 1) {
+  auto image = std::make_unique<SlotImage>();
+  std::fill(std::begin(image->bytes), std::end(image->bytes), uint8_t{0xEE});
+  PingHeader header{};
+  header.samplingFrequency_hz = frequency_hz;
+  image->Build(header, samples, factor);
+  for (size_t i = 88; i < 728; ++i) EXPECT_EQ(image->bytes[i], 0) << "the gap is zero";
+  return SamplesOf(image->bytes, (image->reach - 728) / 2);
+}
+
+TEST(SlotImage, SamplesAreRepeatedOntoTheGrid) {
+  using V = std::vector<uint16_t>;
+  EXPECT_EQ(Grid(100'000, {1, 2, 3}), (V{1, 2, 3}));
+  EXPECT_EQ(Grid(25'000, {1, 2}), (V{1, 1, 1, 1, 2, 2, 2, 2}));
+  EXPECT_EQ(Grid(30'000, {1, 2}), (V{1, 1, 1, 2, 2, 2})) << "100,000 / 30,000, truncated";
+  EXPECT_EQ(Grid(60'000, {1, 2}), (V{1, 2}));
+  EXPECT_EQ(Grid(0, {1, 2}), V{});
+  EXPECT_EQ(Grid(100'001, {1, 2}), V{});
+  EXPECT_EQ(Grid(UINT32_MAX, {1, 2}), V{});
+  EXPECT_EQ(Grid(50'000, {}), V{});
+}
+
+TEST(SlotImage, TenBitSamplesComeOntoTheTwelveBitScale) {
+  EXPECT_EQ(Grid(100'000, {0, 1, 1023, 16'383, 16'384, 65'535}, 4),
+            (std::vector<uint16_t>{0, 4, 4092, 65'532, 65'535, 65'535}));
+}
+
+TEST(SlotImage, WhatLiesBeyondTheSlotIsCut) {
+  EXPECT_EQ(Grid(100'000, std::vector<uint16_t>(50'000, 7)).size(), 29'636u);
+  EXPECT_EQ(Grid(33'333, std::vector<uint16_t>(9'879, 7)).size(), 29'636u) << "cut within a repetition";
+  EXPECT_EQ(Grid(1, {7, 8}).size(), 29'636u);
+}
+
+class Ring : public testing::Test {
+ protected:
+  Ring() {
+    MakeLock(lock_);
+    writer_.ring = static_cast<PingRing*>(AllocateZeroed(kRingSize));
+    writer_.index = &index_;
+    writer_.lock = &lock_;
+    writer_.reach = reach_.data();
+  }
+  ~Ring() override {
+    FreeZeroed(writer_.ring, kRingSize);
+    DestroyLock(lock_);
+  }
+
+  void Store(uint32_t ping, uint32_t now_ms, std::vector<uint16_t> samples = {1}) {
+    PingHeader header{};
+    header.ping = ping;
+    header.samplingFrequency_hz = 100'000;
+    image_->Build(header, samples, 1);
+    StorePing(writer_, *image_, now_ms);
+  }
+  // 0 where nothing was ever stored.
+  [[nodiscard]] uint32_t PingAt(int32_t slot) const { return LoadPingHeader(writer_.ring->slots[slot]).ping; }
+  [[nodiscard]] std::vector<uint32_t> PingsAt(int32_t first, int32_t count) const {
+    std::vector<uint32_t> pings;
+    for (int32_t i = 0; i < count; ++i) pings.push_back(PingAt((first + i) % kRingSlots));
+    return pings;
+  }
+
+  using V = std::vector<uint32_t>;
+  Lock lock_{};
+  int32_t index_ = 0;
+  std::vector<uint16_t> reach_ = std::vector<uint16_t>(kRingSlots);
+  RingWriter writer_{};
+  std::unique_ptr<SlotImage> image_ = std::make_unique<SlotImage>();
+};
+
+TEST_F(Ring, TheFirstPingCountsAsOneTick) {
+  index_ = 500;
+  Store(1, 123'456'789);
+  EXPECT_EQ(index_, 501);
+  EXPECT_EQ(PingsAt(499, 4), (V{0, 1, 1, 0}));
+}
+
+TEST_F(Ring, TwoPingsWithinATickShareASlotAndTheRemainderCarriesOver) {
+  Store(1, 1'000);
+  Store(2, 1'060);
+  EXPECT_EQ(index_, 1);
+  EXPECT_EQ(PingsAt(0, 3), (V{1, 2, 0}));
+  Store(3, 1'120);  // 60 ms were left over: the tick is full
+  EXPECT_EQ(index_, 2);
+  EXPECT_EQ(PingsAt(0, 4), (V{1, 3, 3, 0}));
+}
+
+TEST_F(Ring, APauseOfTwoSecondsFillsTwentySlots) {
+  Store(1, 1'000);
+  Store(2, 3'000);
+  EXPECT_EQ(index_, 21);
+  V expected(21, 2);
+  expected.insert(expected.begin(), 1);
+  expected.push_back(0);
+  EXPECT_EQ(PingsAt(0, 23), expected);
+}
+
+TEST_F(Ring, TheIndexWraps) {
+  index_ = 9'998;
+  Store(1, 0);
+  Store(2, 300);
+  EXPECT_EQ(index_, 2);
+  EXPECT_EQ(PingsAt(9'998, 6), (V{1, 2, 2, 2, 2, 0}));
+}
+
+TEST_F(Ring, TheClockWraps) {
+  Store(1, UINT32_MAX - 149);
+  Store(2, 50);  // 200 ms later
+  EXPECT_EQ(index_, 3);
+}
+
+TEST_F(Ring, TimeGoingBackwardsIsNoTickAndCountsFromThere) {
+  Store(1, 10'000);
+  Store(2, 4'000);
+  EXPECT_EQ(index_, 1);
+  EXPECT_EQ(PingAt(1), 2u);
+  Store(3, 4'100);
+  EXPECT_EQ(index_, 2);
+}
+
+TEST_F(Ring, ALongPauseFillsEverySlotOnce) {
+  Store(1, 0);
+  Store(2, 1'000'000);  // 10,000 ticks: all the way round
+  EXPECT_EQ(index_, 1);
+  for (int32_t slot = 0; slot < kRingSlots; ++slot) ASSERT_EQ(PingAt(slot), 2u) << slot;
+  Store(3, 2'147'483'647);  // 21,464,836 ticks
+  EXPECT_EQ(index_, (1 + 21'464'836) % 10'000);
+  for (int32_t slot = 0; slot < kRingSlots; ++slot) ASSERT_EQ(PingAt(slot), 3u) << slot;
+}
+
+TEST_F(Ring, AShorterPingLeavesNothingOfALongerOne) {
+  Store(1, 0, std::vector<uint16_t>(29'636, 0xFFFF));
+  Store(2, 0, {9, 8});
+  const uint8_t* slot = writer_.ring->slots[1];
+  EXPECT_EQ(SamplesOf(slot, 2), (std::vector<uint16_t>{9, 8}));
+  EXPECT_TRUE(std::all_of(slot + 728 + 4, slot + kSlotSize, [](uint8_t byte) { return byte == 0; }));
+}
+
+}  // namespace
+}  // namespace tw
