@@ -135,6 +135,24 @@ TEST_F(Layout, EchogramFillsTheRest) {
   }
 }
 
+TEST_F(Layout, ControlAndLeftButtonGiveTheEchogramAllTheWidth) {
+  ResizeTo(kSizes[1]);
+  const HWND echogram = program_->Control(ID_ECHOGRAM);
+  const HWND start = program_->Control(ID_START);
+  const auto width = [&] {
+    RECT place{};
+    GetWindowRect(echogram, &place);
+    return place.right - place.left;
+  };
+  const long client = program_->ClientSize().cx;
+
+  PostMessageW(echogram, WM_LBUTTONDOWN, MK_LBUTTON | MK_CONTROL, MAKELPARAM(50, 50));
+  EXPECT_TRUE(WaitUntil([&] { return !IsWindowVisible(start) && width() == client - 12; }, 10));
+  PostMessageW(echogram, WM_LBUTTONDOWN, MK_LBUTTON | MK_CONTROL, MAKELPARAM(50, 50));
+  EXPECT_TRUE(WaitUntil([&] { return IsWindowVisible(start) && width() == client - 192; }, 10));
+  EXPECT_FALSE(IsWindowVisible(program_->Control(ID_SAVE_ADDITIONAL))) << "it was hidden before";
+}
+
 TEST_F(Layout, WindowIsNeverSmallerThanItsControlsNeed) {
   ResizeTo(kSizes[1]);
   program_->Resize(300, 200);
