@@ -2,9 +2,11 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <iterator>
 
 #include "acquisition/time_marks.h"
 #include "base/shared_value.h"
+#include "display/ring_view.h"
 #include "platform/clock.h"
 #include "tests/acquisition/live_program.h"
 
@@ -54,7 +56,10 @@ TEST(LiveRace, FilesChangeAndEverythingIsReadWhileTheWorkerRuns) {
     while (LoadShared(globals.pingCounter) < begin + 3) {
       char text[kMarkTextSize];
       static_cast<void>(CopyMark(globals.marksA, 0, text));
-      static_cast<void>(program.IndexA() + program.IndexB());
+      const SlotSamples newest = FindSamples(SlotAt(*state.ringA, program.IndexA()));
+      uint16_t amplitudes[8];
+      CopyAmplitudes(newest, std::size(amplitudes), amplitudes);
+      EXPECT_GE(ReadShownPing(SlotAt(*state.ringB, program.IndexB())).altitude_m, 0.0f);
       {
         Locked held(state.gpsLock);
         globals.gpsLatitude_rad += 0.001f;

@@ -1,0 +1,69 @@
+// Any bytes as a device's stream: block reader and echo text parser. The first byte says in which pieces the
+// rest arrives; the blocks must be the same as in one piece.
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+#include "acquisition/block_reader.h"
+#include "acquisition/echo_text.h"
+
+namespace tw {
+namespace {
+
+constexpr size_t kSmallBuffer = 2'000;  // so that blocks outgrow it
+
+void Require(bool holds) {
+  if (!holds) std::abort();
+}
+
+std::vector<std::string> BlocksOf(std::span<const uint8_t> stream, size_t pieceSize) {
+  BlockReader reader(kEchoTextMarks, kSmallBuffer);
+  std::vector<std::string> blocks;
+  while (!stream.empty()) {
+    std::span<const uint8_t> piece = stream.first(std::min(pieceSize, stream.size()));
+    stream = stream.subspan(piece.size());
+    while (reader.Feed(piece)) {
+      Require(reader.Block().starts_with(kEchoTextMarks.start) &&
+              reader.Block().ends_with(kEchoTextMarks.end));
+      blocks.emplace_back(reader.Block());
+    }
+    Require(piece.empty());
+  }
+  return blocks;
+}
+
+void Parse(const std::string& text, EchoTextHeader& header) {
+  // Without the zero behind it, so that a read behind the end shows.
+  const std::vector<char> block(text.begin(), text.end());
+  const ParsedEchoText parsed = ParseEchoTextHeader({block.data(), block.size()}, 25'000, 200'000, header);
+  Require(header.sampleCount >= 0 && header.sampleCount <= kMaxTextSamples);
+  Require(std::isfinite(header.altitude_m) && std::isfinite(header.temperature_c));
+  Require(std::isfinite(header.pitch_deg) && std::isfinite(header.roll_deg));
+  std::vector<uint16_t> samples(static_cast<size_t>(header.sampleCount), 7);
+  const size_t lines = ReadSampleLines(parsed.dataLines, samples);
+  Require(lines <= samples.size());
+
+  // One sample at a time: what a line says does not depend on its neighbours.
+  std::string_view rest = parsed.dataLines;
+  for (size_t i = 0; i < lines; ++i) {
+    rest.remove_prefix(rest.find("\r\n"));
+    uint16_t sample = 7;
+    Require(ReadSampleLines(rest, {&sample, 1}) == 1 && sample == samples[i]);
+    rest.remove_prefix(2);
+  }
+}
+
+}  // namespace
+}  // namespace tw
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
+  if (size == 0) return 0;
+  const std::span<const uint8_t> stream(bytes + 1, size - 1);
+  const std::vector<std::string> blocks = tw::BlocksOf(stream, SIZE_MAX);
+  tw::Require(blocks == tw::BlocksOf(stream, size_t{1} + bytes[0]));
+  tw::EchoTextHeader header{};
+  for (const std::string& block : blocks) tw::Parse(block, header);
+  return 0;
+}
