@@ -1,0 +1,149 @@
+#include <gtest/gtest.h>
+
+#include "device/base64.h"
+#include "device/serial_ports.h"
+#include "device/settings_readers.h"
+#include "platform/host/faults.h"
+#include "platform/host/virtual_clock.h"
+#include "platform/serial_line.h"
+#include "tests/device/line_script.h"
+
+namespace tw {
+namespace {
+
+// 38 bytes, written out by hand and encoded with base64(1): identifier 1042, range 30000, transmit length 20,
+// interval 0.25 s, dead zone 150, offset -10, threshold 20, gain 3.5, output mode 4, sound speed 1500.
+constexpr std::string_view kBlock = "AAAAABIEAAAwdQAAFAAAAIA+lgD2/xQAAABgQAAAAAAAAAQA3AU=";
+
+TEST(Base64, KnownTexts) {
+  uint8_t out[16];
+  const struct {
+    std::string_view text;
+    std::string_view bytes;
+  } rows[] = {{"Zm9vYmFy", "foobar"},
+              {"Zm9vYmE=", std::string_view("fooba\0", 6)},
+              {"Zm9vYg==", std::string_view("foob\0\0", 6)},
+              {"", ""},
+              {"Zm9", ""},
+              {"Zm9vYm!y", "foo"}};
+  for (const auto& row : rows) {
+    const size_t length = DecodeBase64(row.text, out);
+    EXPECT_EQ(std::string_view(reinterpret_cast<const char*>(out), length), row.bytes) << row.text;
+  }
+  EXPECT_EQ(DecodeBase64("Zm9vYmFy", std::span(out).first(5)), 3u);
+}
+
+void ExpectWhole(const DeviceSettings& s) {
+  EXPECT_EQ(s.identifierWord, 1042);
+  EXPECT_EQ(s.rangeHigh_mm, 30'000);
+  EXPECT_EQ(s.txLengthHigh, 20);
+  EXPECT_EQ(s.pingInterval_ms, 250);
+  EXPECT_EQ(s.deadZoneHigh_mm, 150);
+  EXPECT_EQ(s.offsetHigh_mm, -10);
+  EXPECT_EQ(s.thresholdHigh_percent, 20);
+  EXPECT_EQ(s.gainHigh, 3.5f);
+  EXPECT_EQ(s.outputMode, 4);
+  EXPECT_EQ(s.soundSpeed_mps, 1500.f);
+  EXPECT_EQ(s.reservedPower, 100.f);
+  EXPECT_EQ(s.smoothing, 0);
+}
+
+TEST(B64Info, EveryFieldStandsAtItsOffset) {
+  DeviceSettings settings{};
+  settings.smoothing = 1;
+  DecodeB64Info(kBlock, settings);
+  ExpectWhole(settings);
+}
+
+TEST(B64Info, AShortBlockSetsOnlyWhatIsWhole) {
+  for (size_t length = 0; length < kBlock.size(); ++length) {
+    DeviceSettings settings{};
+    settings.rangeHigh_mm = -1;
+    settings.soundSpeed_mps = -1.f;
+    DecodeB64Info(kBlock.substr(0, length), settings);
+    const size_t bytes = length / 4 * 3;
+    EXPECT_EQ(settings.rangeHigh_mm, bytes >= 12 ? 30'000 : -1) << length;
+    EXPECT_EQ(settings.pingInterval_ms, bytes >= 18 ? 250 : 0) << length;
+    EXPECT_EQ(settings.soundSpeed_mps, bytes >= 38 ? 1500.f : -1.f) << length;
+  }
+}
+
+TEST(B64Info, TheFrequencyLine) {
+  int32_t frequency_hz = 7;
+  EXPECT_TRUE(ParseTxFrequency("Tx Frequency      450000 Hz  ", frequency_hz));
+  EXPECT_EQ(frequency_hz, 450'000);
+  for (const char* bad :
+       {"Tx Frequency", "Tx Frequency  x Hz", "Tx Frequency  450000 kHz", "tx frequency 1 Hz"}) {
+    EXPECT_FALSE(ParseTxFrequency(bad, frequency_hz)) << bad;
+  }
+  EXPECT_EQ(frequency_hz, 450'000);
+}
+
+int fatalErrors = 0;
+
+class B64InfoDialogue : public testing::Test {
+ protected:
+  B64InfoDialogue() {
+    fatalErrors = 0;
+    previous_ = fatalError;
+    fatalError = [](const char*) { ++fatalErrors; };
+    AttachPeer(L"\\\\.\\COM5", &device_);
+    port_ = OpenDevicePort(5, 115'200);
+  }
+  ~B64InfoDialogue() override {
+    fatalError = previous_;
+    CloseSerialLine(port_);
+    DetachSerialLines();
+    ClearFaults();
+  }
+
+  VirtualClock clock_{0};
+  test::LineScript device_;
+  Handle port_ = Handle::invalid;
+  DeviceSettings settings_{};
+  void (*previous_)(const char*);
+};
+
+TEST_F(B64InfoDialogue, BlockAndFrequency) {
+  device_.replies = {{"#info\r\nName X\r\nB6B64INFO[" + std::string(kBlock) + "]\r\n\r\n>"},
+                     {"#info\r\nTx FrTx Frequency      450000 Hz  \r\n\r\n>"}};
+  EXPECT_EQ(ReadSettingsFromB64Info(port_, settings_), LinkResult::success);
+  ExpectWhole(settings_);
+  EXPECT_EQ(settings_.frequencyInUse_hz, 450'000);
+  EXPECT_EQ(settings_.virtualHighFrequency_hz, 450'000);
+  EXPECT_EQ(device_.received, "#info\r#info\r");
+  EXPECT_GE(VirtualNow_us(), 2'000'000);
+}
+
+TEST_F(B64InfoDialogue, SilenceAndDribbleEndInTheirLimits) {
+  settings_.rangeHigh_mm = 5;
+  EXPECT_EQ(ReadSettingsFromB64Info(port_, settings_), LinkResult::noPrompt);
+  EXPECT_LE(VirtualNow_us(), 2'300'000);
+  const int64_t begin_us = VirtualNow_us();
+  device_.pace_us = 1'000'000;
+  device_.replies = {{"#info\r\nB64INFO[" + std::string(100, 'A')}};
+  EXPECT_EQ(ReadSettingsFromB64Info(port_, settings_), LinkResult::noPrompt);
+  EXPECT_LE(VirtualNow_us() - begin_us, 10'300'000);
+  EXPECT_EQ(settings_.rangeHigh_mm, 5);
+  EXPECT_EQ(fatalErrors, 0);
+}
+
+TEST_F(B64InfoDialogue, ATextOf256CharactersIsFatal) {
+  for (const size_t length : {255u, 256u, 5'000u}) {
+    fatalErrors = 0;
+    device_.replies = {{"B64INFO[" + std::string(length, 'A') + "]\r\n\r\n>"}};
+    static_cast<void>(ReadSettingsFromB64Info(port_, settings_));
+    EXPECT_EQ(fatalErrors, length >= 256 ? 1 : 0) << length;
+  }
+}
+
+TEST_F(B64InfoDialogue, AFailingLineChangesNothing) {
+  settings_.rangeHigh_mm = 5;
+  device_.replies = {{"B64INFO[" + std::string(kBlock) + "]\r\n\r\n>"}};
+  HangUpLine(L"\\\\.\\COM5", 30);
+  EXPECT_EQ(ReadSettingsFromB64Info(port_, settings_), LinkResult::portFailed);
+  EXPECT_EQ(settings_.rangeHigh_mm, 5);
+}
+
+}  // namespace
+}  // namespace tw

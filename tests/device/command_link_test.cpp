@@ -1,0 +1,199 @@
+#include "device/command_link.h"
+
+#include <gtest/gtest.h>
+
+#include <vector>
+
+#include "device/serial_ports.h"
+#include "platform/clock.h"
+#include "platform/host/faults.h"
+#include "platform/host/virtual_clock.h"
+#include "platform/serial_line.h"
+#include "tests/device/line_script.h"
+
+namespace tw {
+namespace {
+
+constexpr wchar_t kLine[] = L"\\\\.\\COM5";
+
+class CommandLinkTest : public testing::Test {
+ protected:
+  CommandLinkTest() {
+    ClearFaults();
+    AttachPeer(kLine, &device_);
+    port_ = OpenDevicePort(5, 115'200);
+  }
+  ~CommandLinkTest() override {
+    CloseSerialLine(port_);
+    DetachSerialLines();
+    ClearFaults();
+  }
+
+  void Answer(std::string text, int64_t delay_us = 0) {
+    device_.replies.push_back({std::move(text), delay_us});
+  }
+
+  VirtualClock clock_{1'700'000'000'000};
+  test::LineScript device_;
+  Handle port_ = Handle::invalid;
+};
+
+TEST(CommandTable, AliasesAndReusedKeywords) {
+  const struct {
+    uint32_t id;
+    std::string_view keyword;
+  } rows[] = {{0, "#range"},
+              {25, "#gainlow"},
+              {26, "#gainhigh"},
+              {28, "#tvgabslow"},
+              {30, "#setfreqlow"},
+              {33, "##freql"},
+              {34, "##freqh"},
+              {32, "#txpower"},
+              {86, "#txpower"},
+              {10, "#speed"},
+              {100, "#speed"},
+              {18, "#reset"},
+              {24, "#default"},
+              {73, "#getfreq"},
+              {95, "#setfreqdual"},
+              {101, "##maxlengthh"},
+              {106, "#preset"},
+              {44, ""},
+              {98, ""},
+              {99, ""},
+              {107, ""},
+              {0xFFFFFFFF, ""}};
+  for (const auto& row : rows) EXPECT_EQ(KeywordOf(static_cast<CommandId>(row.id)), row.keyword) << row.id;
+  EXPECT_EQ(std::size(CommandTable()), 114u);
+}
+
+TEST_F(CommandLinkTest, TheWireFormHasABlankAndACarriageReturnAlone) {
+  EXPECT_EQ(SendCommand(port_, CommandId::rangeLow, "30"), LinkResult::success);
+  EXPECT_EQ(SendCommandNoValue(port_, CommandId::go), LinkResult::success);
+  EXPECT_EQ(device_.received, "#rangel 30\r#go\r");
+  EXPECT_EQ(SendCommand(port_, static_cast<CommandId>(44), "1"), LinkResult::invalid);
+  EXPECT_EQ(SendCommandNoValue(port_, static_cast<CommandId>(99)), LinkResult::invalid);
+  EXPECT_EQ(device_.received, "#rangel 30\r#go\r");
+}
+
+TEST_F(CommandLinkTest, EachPieceIsAWriteOfItsOwnAndAFailureEndsTheCommand) {
+  for (uint64_t call = 1; call <= 4; ++call) {
+    device_.received.clear();
+    ClearFaults();
+    InjectFault({.point = FaultPoint::writeLine, .call = call});
+    EXPECT_EQ(SendCommand(port_, CommandId::rangeLow, "30"), LinkResult::portFailed);
+    const char* const written[] = {"", "#rangel", "#rangel ", "#rangel 30"};
+    EXPECT_EQ(device_.received, written[call - 1]);
+  }
+}
+
+TEST_F(CommandLinkTest, ValueLinesAreStrict) {
+  const struct {
+    std::string_view reply;
+    LinkResult whole;
+    int32_t wholeValue;
+    LinkResult real;
+    float realValue;
+  } rows[] = {
+      {"#q\r\n-12\r\n\r\n>", LinkResult::success, -12, LinkResult::success, -12.f},
+      {"#q\r\n+7\r\n\r\n>", LinkResult::success, 7, LinkResult::success, 7.f},
+      {"#q\r\n1-2\r\n\r\n>", LinkResult::invalid, 99, LinkResult::invalid, 9.f},
+      {"#q\r\n0.5.1\r\n\r\n>", LinkResult::invalid, 99, LinkResult::invalid, 9.f},
+      {"#q\r\n0.5\r\n\r\n>", LinkResult::invalid, 99, LinkResult::success, .5f},
+      {"#q\r\n.5\r\n\r\n>", LinkResult::invalid, 99, LinkResult::success, .5f},
+      {"#q\r\n10 \r\n\r\n>", LinkResult::invalid, 99, LinkResult::invalid, 9.f},
+      {"#q\r\n10m\r\n\r\n>", LinkResult::invalid, 99, LinkResult::invalid, 9.f},
+      {"#q\r\n 10\r\n\r\n>", LinkResult::invalid, 99, LinkResult::invalid, 9.f},
+      {"#q\r\nError\r\n\r\n>", LinkResult::invalid, 99, LinkResult::invalid, 9.f},
+      {"#q\r\n\r\n>", LinkResult::invalid, 99, LinkResult::invalid, 9.f},
+      {"#q\r\n\r\n\n42\r\n>", LinkResult::success, 42, LinkResult::success, 42.f},
+      {"42\r\n7\r\n>", LinkResult::success, 7, LinkResult::success, 7.f},
+      {"#q\r\n-\r\n\r\n>", LinkResult::invalid, 99, LinkResult::invalid, 9.f},
+      {"#q\r\n.\r\n\r\n>", LinkResult::invalid, 99, LinkResult::invalid, 9.f},
+      {"#q\r\n4294967296\r\n\r\n>", LinkResult::invalid, 99, LinkResult::success, 4294967296.f},
+      {"#q\r\n1e3\r\n\r\n>", LinkResult::invalid, 99, LinkResult::invalid, 9.f},
+  };
+  for (const auto& row : rows) {
+    int32_t whole = 99;
+    float real = 9.f;
+    Answer(std::string(row.reply));
+    Answer(std::string(row.reply));
+    EXPECT_EQ(QueryInt(port_, CommandId::rangeLow, whole), row.whole) << row.reply;
+    EXPECT_EQ(whole, row.wholeValue) << row.reply;
+    EXPECT_EQ(QueryFloat(port_, CommandId::sound, real), row.real) << row.reply;
+    EXPECT_EQ(real, row.realValue) << row.reply;
+  }
+}
+
+TEST_F(CommandLinkTest, TheIdentityIsTheLineAsItStands) {
+  char identity[8] = "old";
+  Answer("#iden\r\n KT-1 x,y\r\n\r\n>");
+  EXPECT_EQ(QueryString(port_, identity), LinkResult::success);
+  EXPECT_STREQ(identity, " KT-1 x");
+  EXPECT_EQ(device_.received, "#iden\r");
+  Answer("#iden\r\n\r\n>");
+  EXPECT_EQ(QueryString(port_, identity), LinkResult::invalid);
+  EXPECT_STREQ(identity, " KT-1 x");
+}
+
+TEST_F(CommandLinkTest, APromptIsRecognisedHoweverItComes) {
+  for (const char* reply : {"x\r\r\n>", "x\r\n\r\n>", "\r\n>", ">\r>\r\n>"}) {
+    Answer(reply);
+    EXPECT_EQ(Exchange(port_, CommandId::reset), LinkResult::success) << reply;
+  }
+  DeliverSingly(kLine);
+  Answer("x\r\n>");
+  EXPECT_EQ(Exchange(port_, CommandId::reset), LinkResult::success);
+  for (const char* reply : {"x\n\r>", "x\r\n\r>", "x>", "x\r\n"}) {
+    Answer(reply);
+    EXPECT_EQ(Exchange(port_, CommandId::reset), LinkResult::noPrompt) << reply;
+  }
+}
+
+TEST_F(CommandLinkTest, OneLimitOfTwoSecondsForTheWholeReply) {
+  Answer("x\r\n>", 1'900'000);
+  EXPECT_EQ(Exchange(port_, CommandId::reset), LinkResult::success);
+  const int64_t begin_us = VirtualNow_us();
+  Answer("x\r\n>", 2'300'000);
+  EXPECT_EQ(Exchange(port_, CommandId::reset), LinkResult::noPrompt);
+  const int64_t taken_us = VirtualNow_us() - begin_us;
+  EXPECT_GE(taken_us, 2'000'000);
+  EXPECT_LE(taken_us, 2'110'000);  // the limit and one read
+}
+
+TEST_F(CommandLinkTest, AReplyBeyondTheBufferStillEndsAtItsPrompt) {
+  Answer(std::string(kReplySize + 5'000, 'x') + "\r\n>");
+  std::vector<char> buffer(kReplySize);
+  size_t length = 0;
+  ASSERT_EQ(SendCommandNoValue(port_, CommandId::info), LinkResult::success);
+  EXPECT_EQ(ReadReply(port_, buffer, length), LinkResult::success);
+  EXPECT_EQ(length, kReplySize - 1);
+  EXPECT_EQ(buffer.back(), '\0');
+}
+
+TEST_F(CommandLinkTest, WhatCameBeforeATimeOutStaysInTheBuffer) {
+  Answer("half");
+  char buffer[16];
+  size_t length = 0;
+  ASSERT_EQ(SendCommandNoValue(port_, CommandId::info), LinkResult::success);
+  EXPECT_EQ(ReadReply(port_, buffer, length), LinkResult::noPrompt);
+  EXPECT_STREQ(buffer, "half");
+  HangUpLine(kLine);
+  EXPECT_EQ(ReadReply(port_, buffer, length), LinkResult::portFailed);
+}
+
+TEST_F(CommandLinkTest, ThePromptIsAskedForUpToTenTimes) {
+  for (int i = 0; i < 9; ++i) Answer("noise");
+  Answer("\r\n>");
+  EXPECT_EQ(RequestPrompt(port_), LinkResult::success);
+  EXPECT_EQ(device_.received, std::string(10, '\r'));
+  device_.received.clear();
+  EXPECT_EQ(RequestPrompt(port_), LinkResult::noPrompt);
+  EXPECT_EQ(device_.received, std::string(10, '\r'));
+  HangUpLine(kLine);
+  EXPECT_EQ(RequestPrompt(port_), LinkResult::portFailed);
+}
+
+}  // namespace
+}  // namespace tw

@@ -1,0 +1,124 @@
+#include "device/serial_ports.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "platform/host/faults.h"
+#include "platform/host/serial_peer.h"
+#include "platform/host/virtual_clock.h"
+#include "platform/serial_line.h"
+#include "platform/system_error.h"
+#include "tests/device/line_script.h"
+
+namespace tw {
+namespace {
+
+using PortList = std::vector<PortEntry>;
+
+PortList List(std::vector<std::wstring> names, size_t capacity = kMaxPorts) {
+  SetSerialLineList(std::move(names));
+  PortList entries(capacity);
+  EXPECT_TRUE(EnumerateSerialPorts(entries));
+  return entries;
+}
+
+std::vector<std::wstring> Names(const PortList& entries) {
+  std::vector<std::wstring> names;
+  for (size_t i = 0; i < CountPorts(entries); ++i) names.emplace_back(entries[i].name);
+  return names;
+}
+
+TEST(SerialPorts, NumericOrderAndOnlyComNames) {
+  PortList entries = List({L"COM9", L"LPT1", L"com4", L"COM3", L"COM12", L"XCOM5"});
+  EXPECT_EQ(Names(entries), (std::vector<std::wstring>{L"COM9", L"COM3", L"COM12"}));
+  SortPorts(entries);
+  EXPECT_EQ(Names(entries), (std::vector<std::wstring>{L"COM3", L"COM9", L"COM12"}));
+  EXPECT_EQ(entries[2].number, 12u);
+}
+
+TEST(SerialPorts, ANameWithoutANumberEndsTheList) {
+  const PortList entries = List({L"COM2", L"COM", L"COM7"});
+  EXPECT_EQ(Names(entries), std::vector<std::wstring>{L"COM2"});
+}
+
+TEST(SerialPorts, TheListStopsAtItsCapacity) {
+  std::vector<std::wstring> names;
+  for (int i = 1; i <= 300; ++i) names.push_back(L"COM" + std::to_wstring(i));
+  const PortList entries = List(names, 256);
+  EXPECT_EQ(CountPorts(entries), 256u);
+}
+
+TEST(SerialPorts, APortIsFoundByItsExactText) {
+  PortList entries = List({L"COM10", L"COM1"});
+  SortPorts(entries);
+  EXPECT_EQ(FindPort(entries, L"COM1"), 0);
+  EXPECT_EQ(FindPort(entries, L"COM10"), 1);
+  EXPECT_EQ(FindPort(entries, L"COM"), -1);
+  EXPECT_EQ(FindPort(entries, L"com1"), -1);
+  EXPECT_EQ(FindPort(entries, L"COM2"), -1);
+}
+
+TEST(SerialPorts, ClearingEndsAtTheFirstFreeEntry) {
+  PortList entries = List({L"COM2", L"COM3"});
+  ClearPortList(entries);
+  EXPECT_EQ(CountPorts(entries), 0u);
+  EXPECT_EQ(entries[0].name[0], L'\0');
+  EXPECT_EQ(entries[1].name[0], L'\0');
+}
+
+TEST(SerialPorts, AListThatCannotBeReadIsEmpty) {
+  InjectFault({.point = FaultPoint::listLines, .code = 13});
+  PortList entries(4);
+  EXPECT_FALSE(EnumerateSerialPorts(entries));
+  EXPECT_EQ(LastSystemError(), 13u);
+  EXPECT_EQ(CountPorts(entries), 0u);
+  ClearFaults();
+}
+
+class ModePeer : public test::LineScript {
+ public:
+  bool Open(const char* text) override {
+    mode = text;
+    return true;
+  }
+  std::string mode;
+};
+
+TEST(SerialPorts, TheModeStringsOfBothForms) {
+  VirtualClock clock(0);
+  ModePeer peer;
+  AttachPeer(L"\\\\.\\COM12", &peer);
+  Handle port = OpenDevicePort(12, 4800);
+  EXPECT_EQ(peer.mode, "baud=4800 parity=N data=8 stop=1");
+  CloseSerialLine(port);
+  port = OpenFastDevicePort(12);
+  EXPECT_EQ(peer.mode, "baud=3000000 parity=N data=8 stop=1 octs=on rts=on");
+  CloseSerialLine(port);
+  EXPECT_EQ(OpenDevicePort(13, 4800), Handle::invalid);
+  DetachSerialLines();
+}
+
+TEST(SerialPorts, WaitingForAnyByteTakesFourSecondsAndEatsTheByte) {
+  VirtualClock clock(0);
+  test::LineScript peer;
+  AttachPeer(L"\\\\.\\COM5", &peer);
+  const Handle port = OpenDevicePort(5, 115'200);
+  EXPECT_FALSE(WaitForAnyByte(port));
+  EXPECT_GE(VirtualNow_us(), 4'000'000);
+  EXPECT_LE(VirtualNow_us(), 4'110'000);
+  peer.replies = {{"xy"}};
+  ASSERT_TRUE(WriteSerialLine(port, "\r", 1));
+  EXPECT_TRUE(WaitForAnyByte(port));
+  EXPECT_EQ(BytesWaiting(port), 1u);
+  HangUpLine(L"\\\\.\\COM5");
+  EXPECT_FALSE(WaitForAnyByte(port));
+  CloseSerialLine(port);
+  ClearFaults();
+  DetachSerialLines();
+}
+
+}  // namespace
+}  // namespace tw

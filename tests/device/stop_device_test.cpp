@@ -1,0 +1,171 @@
+#include "device/stop_device.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "app/app_state.h"
+#include "device/serial_ports.h"
+#include "platform/clock.h"
+#include "platform/host/debug_capture.h"
+#include "platform/host/faults.h"
+#include "platform/host/virtual_clock.h"
+#include "platform/serial_line.h"
+#include "simulator/virtual_echosounder.h"
+#include "tests/simulator_peer.h"
+
+namespace tw {
+namespace {
+
+constexpr wchar_t kLine[] = L"\\\\.\\COM5";
+
+class StopDeviceTest : public testing::Test {
+ protected:
+  StopDeviceTest() {
+    options_.baud = 921'600;
+    options_.sampleCount = 200;
+    StartDebugCapture();
+  }
+  ~StopDeviceTest() override {
+    CloseSerialLine(port_);
+    DetachSerialLines();
+    ClearFaults();
+    StopDebugCapture();
+  }
+
+  void Connect() {
+    sounder_ = std::make_unique<sim::VirtualEchosounder>(options_);
+    peer_ = std::make_unique<test::SimulatorPeer>(*sounder_);
+    AttachPeer(kLine, peer_.get());
+    port_ = OpenDevicePort(5, 921'600);
+  }
+
+  // Stops the device; returns the milliseconds that it took.
+  int64_t Stop(LinkResult expected) {
+    const int64_t begin_us = VirtualNow_us();
+    EXPECT_EQ(StopDevice(port_), expected);
+    return (VirtualNow_us() - begin_us) / 1000;
+  }
+
+  [[nodiscard]] size_t StopKeys() const {
+    const auto& bytes = sounder_->Bytes().Entries();
+    return static_cast<size_t>(std::count_if(bytes.begin(), bytes.end(),
+                                             [](const sim::ReceivedByte& each) { return each.byte == ' '; }));
+  }
+
+  VirtualClock clock_{1'700'000'000'000};
+  sim::SounderOptions options_;
+  std::unique_ptr<sim::VirtualEchosounder> sounder_;
+  std::unique_ptr<test::SimulatorPeer> peer_;
+  Handle port_ = Handle::invalid;
+};
+
+TEST_F(StopDeviceTest, AnIdleDeviceIsOnlyPrompted) {
+  Connect();
+  const int64_t taken_ms = Stop(LinkResult::success);
+  EXPECT_GE(taken_ms, 4'000);
+  EXPECT_LE(taken_ms, 4'300);
+  EXPECT_EQ(StopKeys(), 0u);
+}
+
+TEST_F(StopDeviceTest, AStreamingDeviceStopsAtTheFirstKey) {
+  options_.streaming = true;
+  Connect();
+  EXPECT_LE(Stop(LinkResult::success), 1'300);
+  EXPECT_FALSE(sounder_->Streaming());
+  EXPECT_EQ(StopKeys(), 1u);
+  EXPECT_TRUE(TakeDebugTexts().empty());
+}
+
+TEST_F(StopDeviceTest, ASplitEndMarkIsRecognised) {
+  options_.streaming = true;
+  options_.faults.splitEndMark = true;
+  options_.faults.splitPause_ms = 300;
+  Connect();
+  EXPECT_LE(Stop(LinkResult::success), 1'900);
+  EXPECT_EQ(StopKeys(), 1u);
+}
+
+TEST_F(StopDeviceTest, AnEndMarkSplitOverTwoAttemptsIsRecognised) {
+  options_.streaming = true;
+  options_.faults.splitEndMark = true;
+  options_.faults.splitPause_ms = 1'500;
+  Connect();
+  EXPECT_LE(Stop(LinkResult::success), 4'500);
+  EXPECT_EQ(StopKeys(), 2u);
+}
+
+TEST_F(StopDeviceTest, ADeafDeviceIsGivenUpAfterThirtyAttempts) {
+  options_.streaming = true;
+  options_.faults.deaf = true;
+  Connect();
+  const int64_t taken_ms = Stop(LinkResult::stopTimeOut);
+  EXPECT_GE(taken_ms, 30'000);
+  EXPECT_LE(taken_ms, 34'000);
+  EXPECT_EQ(StopKeys(), 30u);
+  const std::vector<std::wstring> texts = TakeDebugTexts();
+  ASSERT_EQ(texts.size(), 60u);
+  EXPECT_EQ(texts[0], L"Stop command timeout\n");
+  EXPECT_EQ(texts[1], L"Stop Retry count : 0\n");
+  EXPECT_EQ(texts[59], L"Stop Retry count : 29\n");
+}
+
+TEST_F(StopDeviceTest, ADeadLineHasNoPrompt) {
+  options_.faults.instrument.dead = true;
+  Connect();
+  const int64_t taken_ms = Stop(LinkResult::noPrompt);
+  EXPECT_GE(taken_ms, 24'000);
+  EXPECT_LE(taken_ms, 26'500);
+}
+
+TEST_F(StopDeviceTest, AChatteringDeviceEndsInBoundedTime) {
+  options_.faults.chatter = true;
+  Connect();
+  const int64_t begin_us = VirtualNow_us();
+  static_cast<void>(StopDevice(port_));
+  EXPECT_LE(VirtualNow_us() - begin_us, 35'000'000);
+}
+
+TEST_F(StopDeviceTest, AFailingLineIsTriedThirtyTimes) {
+  options_.streaming = true;
+  Connect();
+  InjectFault({.point = FaultPoint::writeLine, .call = 1, .repeat = kEveryCall});
+  EXPECT_LE(Stop(LinkResult::portFailed), 5'000);
+}
+
+TEST_F(StopDeviceTest, TheProbeFindsTheInterface) {
+  const struct {
+    sim::InterfaceWord word;
+    int32_t type;
+  } rows[] = {{sim::InterfaceWord::rs232, 0}, {sim::InterfaceWord::rs485, 1}, {sim::InterfaceWord::usb, 2}};
+  for (const auto& row : rows) {
+    options_.interfaceWord = row.word;
+    Connect();
+    globals.interfaceType = -1;
+    const int64_t begin_us = VirtualNow_us();
+    EXPECT_EQ(ProbeInterface(port_), LinkResult::success);
+    EXPECT_EQ(globals.interfaceType, row.type);
+    EXPECT_LE(VirtualNow_us() - begin_us, 1'500'000);
+    CloseSerialLine(port_);
+    DetachSerialLines();
+  }
+}
+
+TEST_F(StopDeviceTest, AProbeOfAStreamEndsAfterThirtySeconds) {
+  options_.streaming = true;
+  options_.pingsPerSecond = 50;
+  options_.sampleCount = 400;
+  options_.faults.deaf = true;
+  Connect();
+  const int64_t begin_us = VirtualNow_us();
+  EXPECT_EQ(ProbeInterface(port_), LinkResult::success);
+  EXPECT_LE(VirtualNow_us() - begin_us, 30'200'000);
+  HangUpLine(kLine);
+  EXPECT_EQ(ProbeInterface(port_), LinkResult::portFailed);
+}
+
+}  // namespace
+}  // namespace tw
