@@ -11,6 +11,7 @@
 #include "platform/clock.h"
 #include "platform/memory.h"
 #include "platform/system_error.h"
+#include "playback/segy_text_header.h"
 
 namespace tw {
 namespace {
@@ -137,6 +138,7 @@ void StartUp(AppState& state) {
   AllocateRings(state);
   MakeLocks(state);
   LoadRecordingChoices(state);
+  BuildSegyTextHeader(globals.segyTextHeader);
 }
 
 void BeginShutDown(AppState& state) {
