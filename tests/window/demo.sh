@@ -101,12 +101,20 @@ zoom_time_scale() {
   sleep 0.5
 }
 
+# "220 pings, 1 to 220, none missing": by the device's own numbers.
+count_pings() {
+  tr -d '\r' <"$1" | awk '
+    $1 == "#Ping" { if (n++ == 0) first = $2; else missing += $2 - last - 1; last = $2 }
+    END { if (n == 0) print "0 pings"
+          else printf "%d pings, %d to %d, %s missing\n", n, first, last, missing ? missing : "none" }'
+}
+
 list_records() {
   local file
   say "Record files in ${records#"$session_root"/}:"
   for file in "$records"/*.log; do
     [ -e "$file" ] || { echo "   none"; return 1; }
-    printf '   %s: %s bytes, %s pings\n' "${file##*/}" "$(stat -c %s "$file")" "$(grep -ac '^#DeviceID ' "$file")"
+    printf '   %s: %s bytes, %s\n' "${file##*/}" "$(stat -c %s "$file")" "$(count_pings "$file")"
   done
 }
 
@@ -154,5 +162,6 @@ else
   wait "$program_pid" || true
 fi
 session_instruments_end
+say "The instruments say (bytes are dropped while nobody reads, as before Start and after Stop):"
 sed 's/^/   /' "$session_scratch/instruments"
 list_records
