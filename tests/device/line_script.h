@@ -1,4 +1,5 @@
-// A device that answers each line that ends in CR with the next reply of a script, after a delay.
+// A device that answers each line that ends in CR with the next reply of a script, and is silent after the
+// last one.
 #pragma once
 
 #include <algorithm>
@@ -12,6 +13,7 @@ namespace tw::test {
 struct ScriptedReply {
   std::string text;
   int64_t delay_us = 0;
+  int64_t spacing_us = 0;  // between its bytes; 0: all at once
 };
 
 class LineScript : public SerialPeer {
@@ -24,40 +26,41 @@ class LineScript : public SerialPeer {
     received.append(bytes.begin(), bytes.end());
     for (const uint8_t byte : bytes) {
       if (byte != '\r' || replies.empty()) continue;
-      waiting_.push_back({now_us + replies.front().delay_us, replies.front().text});
+      Say(replies.front(), now_us);
       replies.pop_front();
     }
   }
   size_t Send(std::span<uint8_t> out, int64_t now_us) override {
-    const size_t count = std::min(Waiting(now_us), out.size());
-    if (count == 0) return 0;
-    Pending& first = waiting_.front();
-    first.text.copy(reinterpret_cast<char*>(out.data()), count, first.sent);
-    first.sent += count;
-    if (first.sent == first.text.size()) waiting_.pop_front();
+    size_t count = 0;
+    for (; count < out.size() && !bytes_.empty() && bytes_.front().at_us <= now_us; ++count) {
+      out[count] = static_cast<uint8_t>(bytes_.front().byte);
+      bytes_.pop_front();
+    }
     return count;
   }
   int64_t NextSend_us(int64_t now_us) override {
-    if (waiting_.empty()) return kNever;
-    const Pending& first = waiting_.front();
-    return std::max(now_us, first.from_us + static_cast<int64_t>(first.sent) * pace_us);
+    return bytes_.empty() ? kNever : std::max(now_us, bytes_.front().at_us);
   }
   size_t Waiting(int64_t now_us) override {
-    if (waiting_.empty() || waiting_.front().from_us > now_us) return 0;
-    const Pending& first = waiting_.front();
-    const size_t left = first.text.size() - first.sent;
-    if (pace_us == 0) return left;
-    const auto due = static_cast<size_t>((now_us - first.from_us) / pace_us) + 1;
-    return std::min(left, due > first.sent ? due - first.sent : 0);
+    const auto later = [now_us](const TimedByte& each) { return each.at_us > now_us; };
+    return static_cast<size_t>(std::find_if(bytes_.begin(), bytes_.end(), later) - bytes_.begin());
+  }
+
+  // Says something unasked.
+  void Say(const ScriptedReply& reply, int64_t now_us) {
+    int64_t at_us = now_us + reply.delay_us;
+    for (const char byte : reply.text) {
+      bytes_.push_back({at_us, byte});
+      at_us += reply.spacing_us;
+    }
   }
 
  private:
-  struct Pending {
-    int64_t from_us;
-    std::string text;
-    size_t sent = 0;
+  struct TimedByte {
+    int64_t at_us;
+    char byte;
   };
-  std::deque<Pending> waiting_;
+  std::deque<TimedByte> bytes_;
 };
 
 }  // namespace tw::test
