@@ -41,12 +41,15 @@ void EndProgram(const char* what) {
   std::abort();
 }
 
-// Bytes of one answer, with its time limits.
+// Bytes of one answer, with its limits in time and number.
 class Answer {
  public:
-  explicit Answer(Handle port) : port_(port), begin_ms_(MillisecondClock()), last_ms_(begin_ms_) {}
+  explicit Answer(Handle port, size_t limit = SIZE_MAX)
+      : port_(port), left_(limit), begin_ms_(MillisecondClock()), last_ms_(begin_ms_) {}
 
   LinkResult Next(char& c) {
+    if (left_ == 0) return LinkResult::invalid;
+    --left_;
     for (;;) {
       uint8_t byte = 0;
       uint32_t got = 0;
@@ -62,17 +65,10 @@ class Answer {
     }
   }
 
-  // Reads behind the next occurrence of the mark; at most `limit` bytes.
-  LinkResult Find(std::string_view mark, size_t limit) {
-    size_t matched = 0;
-    for (size_t i = 0; i < limit; ++i) {
-      char c = 0;
-      const LinkResult result = Next(c);
-      if (result != LinkResult::success) return result;
-      matched = c == mark[matched] ? matched + 1 : c == mark[0] ? 1 : 0;
-      if (matched == mark.size()) return LinkResult::success;
-    }
-    return LinkResult::invalid;
+  // Reads behind the next occurrence of the mark.
+  LinkResult Find(std::string_view mark) {
+    size_t length = 0;
+    return Collect(mark, {}, length);
   }
 
   // Collects the text before the mark, at most what `text` holds. `length` counts what came, kept or not.
@@ -93,13 +89,14 @@ class Answer {
 
  private:
   Handle port_;
+  size_t left_;
   uint32_t begin_ms_;
   uint32_t last_ms_;
 };
 
-template <typename T>
-void Take(std::span<const uint8_t> bytes, size_t offset, int32_t& target) {
-  if (offset + sizeof(T) <= bytes.size()) target = LoadLe<T>(bytes.data() + offset);
+template <typename Wire, typename T>
+void Take(std::span<const uint8_t> bytes, size_t offset, T& target) {
+  if (offset + sizeof(Wire) <= bytes.size()) target = static_cast<T>(LoadLe<Wire>(bytes.data() + offset));
 }
 
 void TakeInterval(std::span<const uint8_t> bytes, DeviceSettings& settings) {
@@ -120,13 +117,13 @@ LinkResult ReadBlock(Handle port, DeviceSettings& settings) {
   const LinkResult sent = SendCommandNoValue(port, CommandId::info);
   if (sent != LinkResult::success) return sent;
   Answer answer(port);
-  LinkResult result = answer.Find(kBlockStart, SIZE_MAX);
+  LinkResult result = answer.Find(kBlockStart);
   if (result != LinkResult::success) return result;
   char text[kTextLimit];
   size_t length = 0;
   result = answer.Collect(kBlockEnd, text, length);
   if (result != LinkResult::success) return result;
-  result = answer.Find(">", SIZE_MAX);
+  result = answer.Find(">");
   if (result != LinkResult::success) return result;
   if (length >= kTextLimit) {
     fatalError("The device's information block is too long.\n");
@@ -139,10 +136,10 @@ LinkResult ReadBlock(Handle port, DeviceSettings& settings) {
 // The frequency is not in the block; without this line the program goes on with what it knows.
 void ReadFrequency(Handle port, DeviceSettings& settings) {
   if (SendCommandNoValue(port, CommandId::info) != LinkResult::success) return;
-  Answer answer(port);
+  Answer answer(port, kFrequencyReads);
   char line[128] = "Tx Frequency";
   size_t length = 0;
-  if (answer.Find(kFrequencyStart, kFrequencyReads) != LinkResult::success) return;
+  if (answer.Find(kFrequencyStart) != LinkResult::success) return;
   if (answer.Collect("\r\n", std::span(line).subspan(kFrequencyStart.size()), length) != LinkResult::success)
     return;
   const size_t whole = std::min(length + kFrequencyStart.size(), sizeof line);
@@ -168,9 +165,7 @@ void DecodeB64Info(std::string_view text, DeviceSettings& settings) {
   Take<int16_t>(bytes, field::kThreshold, settings.thresholdHigh_percent);
   TakeGain(bytes, settings);
   Take<int16_t>(bytes, field::kOutputMode, settings.outputMode);
-  int32_t sound = 0;
-  Take<int16_t>(bytes, field::kSoundSpeed, sound);
-  if (sound != 0) settings.soundSpeed_mps = static_cast<float>(sound);
+  Take<int16_t>(bytes, field::kSoundSpeed, settings.soundSpeed_mps);
   settings.reservedPower = 100.0f;
   settings.smoothing = 0;
 }

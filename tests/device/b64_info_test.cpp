@@ -68,6 +68,27 @@ TEST(B64Info, AShortBlockSetsOnlyWhatIsWhole) {
   }
 }
 
+TEST(B64Info, ASoundSpeedOfZeroIsTakenToo) {
+  DeviceSettings settings{};
+  settings.soundSpeed_mps = -1.f;
+  DecodeB64Info("AAAAABIEAAAwdQAAFAAAAIA+lgD2/xQAAABgQAAAAAAAAAQAAAA=", settings);
+  EXPECT_EQ(settings.soundSpeed_mps, 0.f);
+}
+
+TEST(B64Info, ValuesThatAreNoNumbersOrBeyondReasonLeaveTheirFields) {
+  // Interval and gain of the block above replaced: NaN and infinity, then -1 s and 1e9.
+  for (const char* text : {"AAAAABIEAAAwdQAAFAAAAMB/lgD2/xQAAACAfwAAAAAAAAQA3AU=",
+                           "AAAAABIEAAAwdQAAFAAAAIC/lgD2/xQAKGtuTgAAAAAAAAQA3AU="}) {
+    DeviceSettings settings{};
+    settings.pingInterval_ms = 42;
+    settings.gainHigh = 1.5f;
+    DecodeB64Info(text, settings);
+    EXPECT_EQ(settings.pingInterval_ms, 42) << text;
+    EXPECT_EQ(settings.gainHigh, 1.5f) << text;
+    EXPECT_EQ(settings.deadZoneHigh_mm, 150) << text;
+  }
+}
+
 TEST(B64Info, TheFrequencyLine) {
   int32_t frequency_hz = 7;
   EXPECT_TRUE(ParseTxFrequency("Tx Frequency      450000 Hz  ", frequency_hz));
@@ -95,6 +116,13 @@ class B64InfoDialogue : public testing::Test {
     CloseSerialLine(port_);
     DetachSerialLines();
     ClearFaults();
+  }
+
+  // Reads what an answer has left on the line.
+  void Empty() {
+    char scrap = 0;
+    uint32_t got = 1;
+    while (got != 0) ASSERT_TRUE(ReadSerialLine(port_, &scrap, 1, got));
   }
 
   VirtualClock clock_{0};
@@ -142,11 +170,42 @@ TEST_F(B64InfoDialogue, ATextOf256CharactersIsFatal) {
   }
 }
 
+TEST_F(B64InfoDialogue, TheFrequencyIsLookedForInTheFirstKilobyteOnly) {
+  const std::string line = "Tx Frequency      450000 Hz  \r\n";
+  for (const size_t before : {1024 - line.size(), 1025 - line.size()}) {
+    settings_ = DeviceSettings{};
+    // Nothing but blanks, so that the prompt of the first answer does not count among them.
+    device_.replies = {{"B64INFO[" + std::string(kBlock) + "]\r\n>"}, {std::string(before, ' ') + line}};
+    EXPECT_EQ(ReadSettingsFromB64Info(port_, settings_), LinkResult::success);
+    EXPECT_EQ(settings_.frequencyInUse_hz, before + line.size() <= 1024 ? 450'000 : 0) << before;
+    EXPECT_EQ(settings_.rangeHigh_mm, 30'000);
+    Empty();
+  }
+}
+
+TEST_F(B64InfoDialogue, WithoutAFrequencyLineTheBlockCounts) {
+  settings_.frequencyInUse_hz = 7;
+  for (const char* answer : {"", "#info\r\nTx Frequency    ? Hz\r\n>", "#info\r\nTx Freq\r\n>"}) {
+    device_.replies = {{"B64INFO[" + std::string(kBlock) + "]\r\n>"}, {answer}};
+    EXPECT_EQ(ReadSettingsFromB64Info(port_, settings_), LinkResult::success);
+    ExpectWhole(settings_);
+    EXPECT_EQ(settings_.frequencyInUse_hz, 7);
+    Empty();
+  }
+}
+
 TEST_F(B64InfoDialogue, AFailingLineChangesNothing) {
   settings_.rangeHigh_mm = 5;
   device_.replies = {{"B64INFO[" + std::string(kBlock) + "]\r\n\r\n>"}};
   HangUpLine(L"\\\\.\\COM5", 30);
   EXPECT_EQ(ReadSettingsFromB64Info(port_, settings_), LinkResult::portFailed);
+  EXPECT_EQ(settings_.rangeHigh_mm, 5);
+  ClearFaults();
+  for (uint64_t call = 1; call <= 2; ++call) {
+    InjectFault({.point = FaultPoint::writeLine, .call = call});
+    EXPECT_EQ(ReadSettingsFromB64Info(port_, settings_), LinkResult::portFailed);
+    ClearFaults();
+  }
   EXPECT_EQ(settings_.rangeHigh_mm, 5);
 }
 
