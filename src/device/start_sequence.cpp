@@ -70,8 +70,10 @@ void SendDual(AppState& state, Handle port) {
   Send(port, CommandId::nmeaEma, "1");
   SendOutput(state, port);
   SendNumber(port, CommandId::range, state.settings.rangeHigh_mm);
+  // One command for both channels.
   state.settings.rangeLow_mm = state.settings.rangeHigh_mm;
   state.appliedSettings.rangeLow_mm = state.settings.rangeHigh_mm;
+  state.appliedSettings.rangeHigh_mm = state.settings.rangeHigh_mm;
 }
 
 }  // namespace

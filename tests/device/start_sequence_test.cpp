@@ -62,6 +62,11 @@ TEST_F(StartSequenceTest, DualSendsTheHighRangeForBoth) {
   globals.dualMode = 1;
   EXPECT_EQ(Start(), (std::vector<std::string>{"#time 1741944605", "#nmeadpt 1", "#nmeaema 1", "#output 4",
                                                "#range 30000", "#go"}));
+  for (const DeviceSettings& held : {state_->settings, state_->appliedSettings}) {
+    EXPECT_EQ(held.rangeLow_mm, 30'000);
+    EXPECT_EQ(held.rangeHigh_mm, 30'000);
+    EXPECT_EQ(held.outputMode, 4);
+  }
 }
 
 TEST_F(StartSequenceTest, APresetInForceDecidesTheOutput) {
