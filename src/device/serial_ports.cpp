@@ -76,7 +76,10 @@ void ClearPortList(std::span<PortEntry> entries) {
 
 bool EnumerateSerialPorts(std::span<PortEntry> entries) {
   Listing listing{entries, 0};
-  return ListSerialLines(TakePort, &listing);
+  const bool listed = ListSerialLines(TakePort, &listing);
+  // Clearing stops at a name without a number, so older entries may still stand behind it.
+  if (listing.used < entries.size()) entries[listing.used] = PortEntry{};
+  return listed;
 }
 
 size_t CountPorts(std::span<const PortEntry> entries) {

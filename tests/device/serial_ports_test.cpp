@@ -44,6 +44,14 @@ TEST(SerialPorts, ANameWithoutANumberEndsTheList) {
   EXPECT_EQ(Names(entries), std::vector<std::wstring>{L"COM2"});
 }
 
+TEST(SerialPorts, APortBehindANameWithoutANumberDoesNotReturnLater) {
+  PortList entries = List({L"COM2", L"COM", L"COM7"});
+  ClearPortList(entries);
+  SetSerialLineList({L"COM2", L"COM3"});
+  EXPECT_TRUE(EnumerateSerialPorts(entries));
+  EXPECT_EQ(Names(entries), (std::vector<std::wstring>{L"COM2", L"COM3"}));
+}
+
 TEST(SerialPorts, TheListStopsAtItsCapacity) {
   std::vector<std::wstring> names;
   for (int i = 1; i <= 300; ++i) names.push_back(L"COM" + std::to_wstring(i));
