@@ -15,12 +15,28 @@
 #include "platform/host/virtual_clock.h"
 #include "platform/serial_line.h"
 #include "simulator/virtual_echosounder.h"
+#include "tests/device/line_script.h"
 #include "tests/simulator_peer.h"
 
 namespace tw {
 namespace {
 
 constexpr wchar_t kLine[] = L"\\\\.\\COM5";
+
+// A device that answers stop keys alone, each in its own way.
+class KeyPeer : public test::LineScript {
+ public:
+  std::vector<std::string> answers;
+  size_t keys = 0;
+  size_t returns = 0;
+
+  void Receive(std::span<const uint8_t> bytes, int64_t now_us) override {
+    for (const uint8_t byte : bytes) {
+      if (byte == '\r') ++returns;
+      if (byte == ' ' && keys++ < answers.size()) Say({answers[keys - 1]}, now_us);
+    }
+  }
+};
 
 class StopDeviceTest : public testing::Test {
  protected:
@@ -30,9 +46,7 @@ class StopDeviceTest : public testing::Test {
     StartDebugCapture();
   }
   ~StopDeviceTest() override {
-    CloseSerialLine(port_);
-    DetachSerialLines();
-    ClearFaults();
+    Disconnect();
     StopDebugCapture();
   }
 
@@ -41,6 +55,21 @@ class StopDeviceTest : public testing::Test {
     peer_ = std::make_unique<test::SimulatorPeer>(*sounder_);
     AttachPeer(kLine, peer_.get());
     port_ = OpenDevicePort(5, 921'600);
+  }
+
+  // The same with a device that streams one byte and then answers each stop key so.
+  void ConnectKeyPeer(const std::vector<std::string>& answers) {
+    keyPeer_ = KeyPeer();
+    keyPeer_.answers = answers;
+    AttachPeer(kLine, &keyPeer_);
+    port_ = OpenDevicePort(5, 921'600);
+    keyPeer_.Say({"x"}, VirtualNow_us());
+  }
+
+  void Disconnect() {
+    CloseSerialLine(port_);
+    DetachSerialLines();
+    ClearFaults();
   }
 
   // Stops the device; returns the milliseconds that it took.
@@ -60,6 +89,7 @@ class StopDeviceTest : public testing::Test {
   sim::SounderOptions options_;
   std::unique_ptr<sim::VirtualEchosounder> sounder_;
   std::unique_ptr<test::SimulatorPeer> peer_;
+  KeyPeer keyPeer_;
   Handle port_ = Handle::invalid;
 };
 
@@ -121,19 +151,74 @@ TEST_F(StopDeviceTest, ADeadLineHasNoPrompt) {
   EXPECT_LE(taken_ms, 26'500);
 }
 
-TEST_F(StopDeviceTest, AChatteringDeviceEndsInBoundedTime) {
+// Noise is no prompt, and the stop key alone makes no line that a device would answer.
+TEST_F(StopDeviceTest, AChatteringDeviceIsGivenUpAfterThirtyAttempts) {
   options_.faults.chatter = true;
   Connect();
-  const int64_t begin_us = VirtualNow_us();
-  static_cast<void>(StopDevice(port_));
-  EXPECT_LE(VirtualNow_us() - begin_us, 35'000'000);
+  const int64_t taken_ms = Stop(LinkResult::stopTimeOut);
+  EXPECT_GE(taken_ms, 30'000);
+  EXPECT_LE(taken_ms, 34'000);
+  EXPECT_EQ(StopKeys(), 30u);
 }
 
-TEST_F(StopDeviceTest, AFailingLineIsTriedThirtyTimes) {
+TEST_F(StopDeviceTest, ALineThatCannotBeWrittenIsTriedThirtyTimes) {
   options_.streaming = true;
   Connect();
   InjectFault({.point = FaultPoint::writeLine, .call = 1, .repeat = kEveryCall});
   EXPECT_LE(Stop(LinkResult::portFailed), 5'000);
+  const std::vector<std::wstring> texts = TakeDebugTexts();
+  ASSERT_EQ(texts.size(), 30u) << "no time-outs, only retries";
+  EXPECT_EQ(texts[29], L"Stop Retry count : 29\n");
+}
+
+TEST_F(StopDeviceTest, OneFailedAttemptIsMadeUpForByTheNext) {
+  for (const FaultPoint point : {FaultPoint::writeLine, FaultPoint::readLine}) {
+    options_.streaming = true;
+    Connect();
+    // The first read finds the stream; the second belongs to the first attempt.
+    InjectFault({.point = point, .call = point == FaultPoint::writeLine ? 1u : 2u});
+    EXPECT_LE(Stop(LinkResult::success), 2'000);
+    EXPECT_EQ(TakeDebugTexts(), std::vector<std::wstring>{L"Stop Retry count : 0\n"});
+    Disconnect();
+  }
+}
+
+TEST_F(StopDeviceTest, ALineThatHangsUpEndsWithoutAPrompt) {
+  Connect();
+  HangUpLine(kLine);
+  EXPECT_LE(Stop(LinkResult::noPrompt), 200);
+}
+
+TEST_F(StopDeviceTest, TheEndMarkCountsWithoutAPromptBehindIt) {
+  ConnectKeyPeer({"DataEnd"});
+  EXPECT_LE(Stop(LinkResult::success), 22'000);
+  EXPECT_EQ(keyPeer_.returns, 10u) << "the prompt is asked for, in vain";
+}
+
+TEST_F(StopDeviceTest, MarksAmongOtherBytesAndInPieces) {
+  const struct {
+    std::vector<std::string> answers;
+    size_t keys;
+  } rows[] = {{{"12 DataDataEnd\r\n"}, 1},
+              {{"12\r\n\r\n>"}, 1},
+              {{"dataend", "Data end", "\n\r>", "DataEnd"}, 4},
+              {{"DataE", "nd"}, 2},
+              {{"\r", "\n", ">"}, 3}};
+  for (const auto& row : rows) {
+    ConnectKeyPeer(row.answers);
+    static_cast<void>(Stop(LinkResult::success));
+    EXPECT_EQ(keyPeer_.keys, row.keys) << row.answers[0];
+    Disconnect();
+  }
+}
+
+TEST_F(StopDeviceTest, AnEndMarkSplitOverTwoCallsIsRecognised) {
+  ConnectKeyPeer({"DataEn"});
+  static_cast<void>(Stop(LinkResult::stopTimeOut));
+  Disconnect();
+  ConnectKeyPeer({"d"});
+  EXPECT_LE(Stop(LinkResult::success), 22'000);
+  EXPECT_EQ(keyPeer_.keys, 1u);
 }
 
 TEST_F(StopDeviceTest, TheProbeFindsTheInterface) {
@@ -149,15 +234,13 @@ TEST_F(StopDeviceTest, TheProbeFindsTheInterface) {
     EXPECT_EQ(ProbeInterface(port_), LinkResult::success);
     EXPECT_EQ(globals.interfaceType, row.type);
     EXPECT_LE(VirtualNow_us() - begin_us, 1'500'000);
-    CloseSerialLine(port_);
-    DetachSerialLines();
+    Disconnect();
   }
 }
 
 TEST_F(StopDeviceTest, AProbeOfAStreamEndsAfterThirtySeconds) {
   options_.streaming = true;
-  options_.pingsPerSecond = 50;
-  options_.sampleCount = 400;
+  options_.sampleCount = 100;
   options_.faults.deaf = true;
   Connect();
   const int64_t begin_us = VirtualNow_us();
