@@ -152,14 +152,27 @@ TEST_F(CommandLinkTest, APromptIsRecognisedHoweverItComes) {
 }
 
 TEST_F(CommandLinkTest, OneLimitOfTwoSecondsForTheWholeReply) {
-  Answer("x\r\n>", 1'900'000);
-  EXPECT_EQ(Exchange(port_, CommandId::reset), LinkResult::success);
-  const int64_t begin_us = VirtualNow_us();
-  Answer("x\r\n>", 2'300'000);
-  EXPECT_EQ(Exchange(port_, CommandId::reset), LinkResult::noPrompt);
-  const int64_t taken_us = VirtualNow_us() - begin_us;
-  EXPECT_GE(taken_us, 2'000'000);
-  EXPECT_LE(taken_us, 2'110'000);  // the limit and one read
+  const struct {
+    test::ScriptedReply reply;
+    LinkResult result;
+  } rows[] = {
+      {{"x\r\n>", 1'900'000}, LinkResult::success},
+      {{"x\r\n>", 2'100'000}, LinkResult::noPrompt},
+      {{"1234567\r\n>", 0, 200'000}, LinkResult::success},       // the last byte after 1,800 ms
+      {{"12345678901\r\n>", 0, 200'000}, LinkResult::noPrompt},  // never silent, but too long
+      {{""}, LinkResult::noPrompt},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.reply.text);
+    device_.replies = {row.reply};
+    const int64_t begin_us = VirtualNow_us();
+    EXPECT_EQ(Exchange(port_, CommandId::reset), row.result);
+    const int64_t taken_us = VirtualNow_us() - begin_us;
+    EXPECT_LE(taken_us, 2'110'000);  // the limit and one read
+    EXPECT_EQ(taken_us >= 2'000'000, row.result == LinkResult::noPrompt);
+    SleepMilliseconds(1'000);
+    while (BytesWaiting(port_) > 0) static_cast<void>(SkipReply(port_));
+  }
 }
 
 TEST_F(CommandLinkTest, AReplyBeyondTheBufferStillEndsAtItsPrompt) {
@@ -193,6 +206,14 @@ TEST_F(CommandLinkTest, ThePromptIsAskedForUpToTenTimes) {
   EXPECT_EQ(device_.received, std::string(10, '\r'));
   HangUpLine(kLine);
   EXPECT_EQ(RequestPrompt(port_), LinkResult::portFailed);
+}
+
+TEST_F(CommandLinkTest, AttemptsForThePromptAreCountedWhenTheLineCannotBeWritten) {
+  InjectFault({.point = FaultPoint::writeLine, .call = 1, .repeat = 3});
+  Answer("\r\n>");
+  EXPECT_EQ(RequestPrompt(port_), LinkResult::success);
+  EXPECT_EQ(CallCount(FaultPoint::writeLine), 4u);
+  EXPECT_EQ(VirtualNow_us() / 1000, 40) << "10 ms behind each attempt, the good one too";
 }
 
 }  // namespace

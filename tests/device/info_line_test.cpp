@@ -49,6 +49,8 @@ DeviceSettings Sample() {
 constexpr char kHighLine[] = "INFO:1,450000,30000,0.2,20,87.2,-4,20,0.14,2,100,25,5,1487.7,4\r\n";
 constexpr char kLowLine[] = "INFO:1,200000,60000,0.2,40,87.2,2,15,0.08,1,150,20,-10,1487.7,4\r\n";
 
+constexpr char kOlderLine[] = "INFO:450000,30000,0.5,20,0.0,0,15,0.14,0,150,20,0,1500.0,101\r\n";
+
 std::string Lines(const DeviceSettings& settings, int32_t family, int32_t frequency_hz) {
   InfoLine lines[2];
   const int count = MakeInfoLines(settings, family, frequency_hz, lines);
@@ -95,7 +97,7 @@ TEST(InfoLine, BothFormsAreReadBack) {
   EXPECT_EQ(info.frequency_hz, 450'000);
   EXPECT_EQ(info.gain, -4.f);
   EXPECT_EQ(info.outputMode, 4);
-  ASSERT_TRUE(ParseInfoLine("INFO:450000,30000,0.5,20,0.0,0,15,0.14,0,150,20,0,1500.0,101\r\n", info));
+  ASSERT_TRUE(ParseInfoLine(kOlderLine, info));
   EXPECT_EQ(info.kind, 1);
   EXPECT_EQ(info.frequency_hz, 450'000);
   EXPECT_EQ(info.range_mm, 30'000);
@@ -109,13 +111,49 @@ TEST(InfoLine, BothFormsAreReadBack) {
 }
 
 TEST(InfoLine, EveryTruncationIsNoLine) {
-  const std::string_view whole(kHighLine);
-  const size_t lastField = whole.rfind(',') + 1;
-  for (size_t length = 0; length <= lastField; ++length) {
+  for (const std::string_view whole : {std::string_view(kHighLine), std::string_view(kOlderLine)}) {
+    const size_t lastField = whole.rfind(',') + 1;
+    for (size_t length = 0; length <= lastField; ++length) {
+      InfoLine info{};
+      info.kind = 77;
+      EXPECT_FALSE(ParseInfoLine(whole.substr(0, length), info)) << whole.substr(0, length);
+      EXPECT_EQ(info.kind, 77);
+    }
+  }
+}
+
+TEST(InfoLine, TheLineEndsAtTheFirstLineEnd) {
+  InfoLine info{};
+  for (const char* text : {"INFO:1,200000,10000,0.1,20,0.0,0\r,15,0.08,0,150,20,0,1500.0,4\r\n",
+                           "INFO:1,200000,10000,0.1,20,0.0,0,15,0.08,0,150,20,0,1500.0,\n4\r\n",
+                           "info:1,200000,10000,0.1,20,0.0,0,15,0.08,0,150,20,0,1500.0,4\r\n",
+                           "INFO:1 ,200000,10000,0.1,20,0.0,0,15,0.08,0,150,20,0,1500.0,4\r\n",
+                           "INFO:1;200000,10000,0.1,20,0.0,0,15,0.08,0,150,20,0,1500.0,4\r\n"}) {
+    EXPECT_FALSE(ParseInfoLine(text, info)) << text;
+  }
+  ASSERT_TRUE(ParseInfoLine("INFO:2, 10,10000,.1,20,0,0,15,0.08,0,150,20,0,1500,4 and more", info));
+  EXPECT_EQ(info.kind, 2);
+  EXPECT_EQ(info.frequency_hz, 10);
+}
+
+TEST(InfoLine, AFirstNumberAboveTenIsAFrequency) {
+  InfoLine info{};
+  ASSERT_TRUE(ParseInfoLine("INFO:10,9,8,1,20,0,0,15,0,0,150,20,0,1500,4\r\n", info));
+  EXPECT_EQ(info.kind, 10);
+  EXPECT_EQ(info.range_mm, 8);
+  ASSERT_TRUE(ParseInfoLine("INFO:11,9,8,1,20,0,0,15,0,0,150,20,0,1500,4\r\n", info));
+  EXPECT_EQ(info.kind, 1);
+  EXPECT_EQ(info.frequency_hz, 11);
+  EXPECT_EQ(info.range_mm, 9);
+}
+
+TEST(InfoLine, TheBinaryModesAreReadBackAsOne) {
+  for (const int32_t mode : {2, 99, 100, 101, 102, 103}) {
     InfoLine info{};
-    info.kind = 77;
-    EXPECT_FALSE(ParseInfoLine(whole.substr(0, length), info)) << length;
-    EXPECT_EQ(info.kind, 77);
+    info.outputMode = mode;
+    DeviceSettings settings{};
+    ApplyInfoLine(info, settings);
+    EXPECT_EQ(settings.outputMode, mode == 100 || mode == 101 ? 102 : mode);
   }
 }
 
@@ -142,6 +180,11 @@ class InfoLineFile : public testing::Test {
     ClearFaults();
   }
 
+  [[nodiscard]] std::string Written() const {
+    std::ifstream written(folder_ / "record.log", std::ios::binary);
+    return {std::istreambuf_iterator<char>(written), {}};
+  }
+
   std::filesystem::path folder_;
   std::unique_ptr<AppState> state_ = std::make_unique<AppState>();
   Handle file_ = Handle::invalid;
@@ -150,14 +193,34 @@ class InfoLineFile : public testing::Test {
 TEST_F(InfoLineFile, TheLineStandsInTheFile) {
   ASSERT_NE(file_, Handle::invalid);
   WriteInfoLine(*state_, file_, 200'000);
-  std::ifstream written(folder_ / "record.log", std::ios::binary);
-  EXPECT_EQ(std::string(std::istreambuf_iterator<char>(written), {}), kLowLine);
+  EXPECT_NE(file_, Handle::invalid);
+  EXPECT_EQ(Written(), kLowLine);
+}
+
+TEST_F(InfoLineFile, BothChannelsHighFirst) {
+  state_->settings.outputMode = 7;
+  state_->settings.simultaneous = 1;
+  WriteInfoLine(*state_, file_, 200'000);
+  EXPECT_EQ(Written(),
+            "INFO:1,450000,30000,0.2,20,87.2,-4,20,0.14,2,100,25,5,1487.7,7\r\n"
+            "INFO:1,200000,60000,0.2,40,87.2,2,15,0.08,1,150,20,-10,1487.7,7\r\n");
+  EXPECT_EQ(CallCount(FaultPoint::writeFile), 2u) << "one write each";
 }
 
 TEST_F(InfoLineFile, AFailedWriteClosesTheFile) {
-  InjectFault({.point = FaultPoint::writeFile, .taken = 5});
-  WriteInfoLine(*state_, file_, 200'000);
-  EXPECT_EQ(file_, Handle::invalid);
+  state_->settings.outputMode = 6;
+  state_->settings.simultaneous = 1;
+  for (uint64_t call = 1; call <= 2; ++call) {
+    CloseFile(file_);
+    file_ = CreateFileAnew((folder_ / "record.log").wstring().c_str());
+    ASSERT_NE(file_, Handle::invalid);
+    ClearFaults();
+    InjectFault({.point = FaultPoint::writeFile, .call = call, .taken = 5});
+    WriteInfoLine(*state_, file_, 200'000);
+    EXPECT_EQ(file_, Handle::invalid);
+    EXPECT_EQ(CallCount(FaultPoint::writeFile), call) << "nothing is written after the failure";
+    EXPECT_TRUE(Written().ends_with("INFO:"));
+  }
 }
 
 }  // namespace
