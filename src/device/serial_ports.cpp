@@ -4,7 +4,6 @@
 #include <cinttypes>
 
 #include "base/text_format.h"
-#include "base/text_scan.h"
 #include "platform/clock.h"
 #include "platform/serial_line.h"
 
@@ -27,12 +26,20 @@ struct Listing {
   size_t used;
 };
 
-// The digits behind "COM", as a C library reads an integer: none, or too many, are 0.
+// The number behind "COM", as the C library reads a wide integer: white space, a sign, and digits up to the
+// first other character. No digits are 0, and what does not fit is the nearest bound.
 uint32_t NumberOf(std::wstring_view name) {
-  char digits[16];
-  std::string_view text(digits, NarrowText(digits, name.substr(kPrefix.size())));
-  uint32_t number = 0;
-  return ScanUint(text, number) ? number : 0;
+  std::wstring_view text = name.substr(kPrefix.size());
+  text.remove_prefix(std::min(text.find_first_not_of(L" \t\n\v\f\r"), text.size()));
+  const bool negative = text.starts_with(L'-');
+  if (negative || text.starts_with(L'+')) text.remove_prefix(1);
+  const int64_t bound = negative ? -int64_t{INT32_MIN} : INT32_MAX;
+  int64_t value = 0;
+  for (const wchar_t c : text) {
+    if (c < L'0' || c > L'9') break;
+    value = std::min(value * 10 + (c - L'0'), bound);
+  }
+  return static_cast<uint32_t>(negative ? -value : value);
 }
 
 void TakePort(void* context, const wchar_t* name) {
@@ -97,7 +104,7 @@ int FindPort(std::span<const PortEntry> entries, std::wstring_view text) {
   const size_t count = CountPorts(entries);
   for (size_t i = 0; i < count; ++i) {
     wchar_t name[32];
-    FormatWide(name, "COM%" PRIu32, entries[i].number);
+    FormatWide(name, "COM%" PRId32, static_cast<int32_t>(entries[i].number));
     if (text == name) return static_cast<int>(i);
   }
   return -1;

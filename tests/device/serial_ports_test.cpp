@@ -44,6 +44,25 @@ TEST(SerialPorts, ANameWithoutANumberEndsTheList) {
   EXPECT_EQ(Names(entries), std::vector<std::wstring>{L"COM2"});
 }
 
+TEST(SerialPorts, TheNumberIsReadAsTheCLibraryReadsAnInteger) {
+  const struct {
+    const wchar_t* name;
+    uint32_t number;
+  } rows[] = {{L"COM007", 7},
+              {L"COM12abc", 12},
+              {L"COM 5", 5},
+              {L"COM+6", 6},
+              {L"COM-3", 4'294'967'293},
+              {L"COM2147483648", 2'147'483'647},
+              {L"COM00000000000000000000000000000008", 8},
+              {L"COM99999999999999999999999999999999", 2'147'483'647},
+              {L"COM-99999999999", 2'147'483'648},
+              {L"COMx1", 0},
+              {L"COM - 1", 0}};
+  for (const auto& row : rows) EXPECT_EQ(List({row.name})[0].number, row.number);
+  EXPECT_EQ(FindPort(List({L"COM-3"}), L"COM-3"), 0);
+}
+
 TEST(SerialPorts, APortBehindANameWithoutANumberDoesNotReturnLater) {
   PortList entries = List({L"COM2", L"COM", L"COM7"});
   ClearPortList(entries);
