@@ -48,6 +48,16 @@ static_assert(std::none_of(std::begin(kTable), std::end(kTable), [](const Comman
   return command.id == Id(44) || command.id == Id(98) || command.id == Id(99);
 }));
 
+constexpr size_t CountRepeatedKeywords() {
+  size_t count = 0;
+  for (const Command& row : kTable) {
+    const auto sameKeyword = [&](const Command& other) { return other.keyword == row.keyword; };
+    count += std::find_if(std::begin(kTable), std::end(kTable), sameKeyword) != &row ? 1 : 0;
+  }
+  return count;
+}
+static_assert(CountRepeatedKeywords() == 2);
+
 }  // namespace
 
 const Command (&CommandTable())[kCommands] {
