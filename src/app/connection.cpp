@@ -8,6 +8,7 @@
 #include "base/shared_value.h"
 #include "base/text_format.h"
 #include "device/command_link.h"
+#include "device/probe_interface.h"
 #include "device/serial_ports.h"
 #include "device/settings_readers.h"
 #include "device/stop_device.h"

@@ -7,11 +7,11 @@
 
 namespace tw {
 
-// First family: all queries in a fixed order. `invalid` when one that every device knows fails
-// ("##maxrangel",
-// "#rangeh", "#swversion", "#getfreq", "#rangel"); a failure of any other ends the reading with success,
-// since older firmware lacks the later commands. Sets the preset, smoothing, high-channel and firmware values
-// of `globals`.
+// First family: all queries in a fixed order. `invalid` when one that every device knows fails:
+// "##maxrangel",
+// "#rangeh", "#swversion", "#getfreq" or "#rangel". A failure of any other but "#auto" and "#smooth" ends the
+// reading with success, since older firmware lacks the later commands. Sets the preset, smoothing,
+// high-channel and firmware values of `globals`.
 [[nodiscard]] LinkResult ReadAllSettings(Handle port, DeviceSettings& settings);
 
 // Second family, an older command set: "#iden" as a number and "#range" must succeed.

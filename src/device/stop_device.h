@@ -1,5 +1,4 @@
-// Bringing a device that may be streaming back to its prompt, and finding out how it is attached. GUI thread,
-// while no worker owns the port.
+// Bringing a device that may be streaming back to its prompt. GUI thread, while no worker owns the port.
 #pragma once
 
 #include "device/command_link.h"
@@ -10,9 +9,5 @@ namespace tw {
 // noPrompt). Otherwise sends the stop key, a blank, up to 30 times, each time waiting 1,000 ms for "DataEnd"
 // or the prompt. After 30 attempts the result is that of the last one: stopTimeOut or portFailed.
 [[nodiscard]] LinkResult StopDevice(Handle port);
-
-// Sends "#info" and takes the interface type from the words "RS232", "RS485" and "USB" in what follows, the
-// latest counts, into globals.interfaceType; at most 30 s, usually until the line has been idle for 11 reads.
-[[nodiscard]] LinkResult ProbeInterface(Handle port);
 
 }  // namespace tw

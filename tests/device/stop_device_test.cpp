@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "app/app_state.h"
+#include "device/probe_interface.h"
 #include "device/serial_ports.h"
 #include "platform/clock.h"
 #include "platform/host/debug_capture.h"
