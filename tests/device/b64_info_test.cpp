@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <cstring>
+#include <string>
+
 #include "device/base64.h"
 #include "device/serial_ports.h"
 #include "device/settings_readers.h"
@@ -149,6 +152,19 @@ TEST_F(B64InfoDialogue, ASilentDeviceIsGivenUpAfterTwoSeconds) {
   EXPECT_GE(VirtualNow_us(), 2'000'000);
   EXPECT_LE(VirtualNow_us(), 2'110'000);
   EXPECT_EQ(settings_.rangeHigh_mm, 5);
+}
+
+TEST_F(B64InfoDialogue, EveryTruncationLeavesTheRecordAsItWas) {
+  const std::string whole = "#info\r\nB64INFO[" + std::string(kBlock) + "]\r\n\r\n>";
+  for (size_t length = 0; length < whole.size(); ++length) {
+    SCOPED_TRACE(length);
+    std::memset(&settings_, 0x11, sizeof settings_);
+    const DeviceSettings before = settings_;
+    device_.replies = {{whole.substr(0, length)}};
+    EXPECT_EQ(ReadSettingsFromB64Info(port_, settings_), LinkResult::noPrompt);
+    EXPECT_EQ(std::memcmp(&settings_, &before, sizeof before), 0);
+  }
+  EXPECT_EQ(fatalErrors, 0);
 }
 
 TEST_F(B64InfoDialogue, ABlockThatDribblesIsGivenUpAfterTenSeconds) {
