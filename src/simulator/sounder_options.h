@@ -11,7 +11,7 @@
 namespace tw::sim {
 
 // The generations of the device; each has its own keywords and streams.
-enum class DeviceFamily : uint8_t { first = 1 };
+enum class DeviceFamily : uint8_t { third = 0, first = 1, second = 2 };
 
 enum class InterfaceWord : uint8_t { rs232, rs485, usb };
 
