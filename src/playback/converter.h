@@ -1,0 +1,58 @@
+// Conversions: what becomes of each ping of a recording, on its way into an output file. One thread.
+#pragma once
+
+#include <cstdint>
+#include <span>
+
+#include "acquisition/ping_record.h"
+#include "playback/output_file.h"
+#include "playback/segy_text_header.h"
+
+namespace tw {
+
+class PingConverter {
+ public:
+  virtual ~PingConverter() = default;
+
+  // Appends one ping: its header and its samples as they stand in the recording (at most 50,000). False when
+  // the output has failed.
+  [[nodiscard]] virtual bool Append(const PingHeader& ping, std::span<const uint16_t> samples) = 0;
+};
+
+struct SegyOptions {
+  uint32_t paddedLength = 0;  // samples of every trace, zeros behind the ping's own; 0: each trace its own
+  bool numbered = false;      // inline and crossline numbers in the trace headers
+};
+
+// One trace a ping, behind the file's headers. A ping without a sampling frequency gives no trace.
+class SegyConverter final : public PingConverter {
+ public:
+  SegyConverter(OutputFile& output, std::span<const uint8_t, kSegyTextHeaderSize> textHeader,
+                float soundSpeed_mps, const SegyOptions& options = {});
+
+  [[nodiscard]] bool Append(const PingHeader& ping, std::span<const uint16_t> samples) override;
+
+  [[nodiscard]] uint32_t Traces() const { return traces_; }
+
+ private:
+  [[nodiscard]] bool AppendFileHeaders(const PingHeader& ping, uint32_t length);
+
+  OutputFile& output_;
+  std::span<const uint8_t, kSegyTextHeaderSize> textHeader_;
+  float soundSpeed_mps_;
+  SegyOptions options_;
+  uint32_t traces_ = 0;
+};
+
+// One text block a ping.
+class TextConverter final : public PingConverter {
+ public:
+  explicit TextConverter(OutputFile& output) : output_(output) {}
+
+  [[nodiscard]] bool Append(const PingHeader& ping, std::span<const uint16_t> samples) override;
+
+ private:
+  OutputFile& output_;
+};
+
+}  // namespace tw

@@ -1,0 +1,123 @@
+#include "playback/text_block.h"
+
+#include <algorithm>
+#include <array>
+#include <cinttypes>
+#include <cmath>
+#include <cstring>
+#include <string_view>
+
+#include "base/calendar.h"
+#include "base/checksum.h"
+#include "base/text_format.h"
+
+namespace tw {
+namespace {
+
+constexpr uint32_t kGridFrequency_hz = 100'000;
+constexpr double kRadiansPerDegree = 0.017453292519943295;
+constexpr size_t kTailSize = kGllSize + 32;  // room kept for what stands behind the samples
+constexpr size_t kWidestLine = 8;            // five digits, CR LF, and room to copy eight bytes at once
+
+// A block as far as it has grown.
+class BlockText {
+ public:
+  explicit BlockText(std::span<char> room) : room_(room) {}
+
+  template <typename... Values>
+  void Line(const char* format, Values... values) {
+    size_ += FormatText(room_.subspan(size_), format, values...);
+  }
+  void Append(std::string_view text) {
+    std::memcpy(room_.data() + size_, text.data(), text.size());
+    size_ += text.size();
+  }
+  // Digits from the end of a small field: a formatted print of each sample would cost more than all else.
+  void Sample(uint16_t value) {
+    char digits[kWidestLine];
+    size_t at = sizeof digits;
+    do {
+      digits[--at] = static_cast<char>('0' + value % 10);
+      value = static_cast<uint16_t>(value / 10);
+    } while (value != 0);
+    Append({digits + at, sizeof digits - at});
+    Append("\r\n");
+  }
+  [[nodiscard]] size_t Size() const { return size_; }
+  [[nodiscard]] size_t Room() const { return room_.size() - size_; }
+
+ private:
+  std::span<char> room_;
+  size_t size_ = 0;
+};
+
+void AppendHeader(const PingHeader& ping, BlockText& out) {
+  out.Line("#DeviceID 000\r\n#TimeWork %" PRIu32 "\r\n#Ping %" PRIu32 "\r\n", ping.timeOfWork_s, ping.ping);
+  out.Line("#Altitude %.4f\r\n#Temperature %.2f\r\n", static_cast<double>(ping.altitude_m),
+           static_cast<double>(ping.temperature_c));
+  out.Line("#NSamples %" PRIu32 "\r\n#Sampling_Frequency,Hz %" PRIu32 "\r\n", ping.sampleCount,
+           ping.samplingFrequency_hz);
+  out.Line("#Tx_Frequency,Hz %" PRId32 "\r\n#Range,m %.1f\r\n#OutputMode 4\r\n", ping.txFrequency_hz,
+           static_cast<double>(ping.range_m));
+  out.Line("#Pitch,deg %.4f\r\n#Roll,deg %.4f\r\n", static_cast<double>(ping.pitch_deg),
+           static_cast<double>(ping.roll_deg));
+  out.Line("#gpsLatitude,radian %.9f\r\n#gpsLongitude,radian %.9f\r\n",
+           static_cast<double>(ping.gpsLatitude_rad), static_cast<double>(ping.gpsLongitude_rad));
+  out.Line("#gpsAltitude,m %f\r\n#gpsPDOP %f\r\n", static_cast<double>(ping.gpsAltitude_m),
+           static_cast<double>(ping.gpsPdop));
+  out.Line("#gpsvalid %" PRId32 "\r\n\r\n####DataStart\r\n", ping.gpsValid);
+}
+
+// kept: only pings on the grid have sample lines, and of them every second sample.
+void AppendSamples(const PingHeader& ping, std::span<const uint16_t> samples, BlockText& out) {
+  const uint32_t frequency_hz = ping.samplingFrequency_hz;
+  if (frequency_hz == 0 || kGridFrequency_hz / frequency_hz != 1) return;
+  for (size_t i = 1; i < samples.size() && out.Room() >= kTailSize + kWidestLine; i += 2) {
+    out.Sample(samples[i]);
+  }
+}
+
+bool HasPosition(const PingHeader& ping) {
+  if (!std::isfinite(ping.gpsLatitude_rad) || !std::isfinite(ping.gpsLongitude_rad)) return false;
+  return ping.gpsValid > 0 || ping.gpsLatitude_rad > 0.0f;
+}
+
+// Degrees and minutes in one number, the letter carrying the sign.
+double DegreesAndMinutes(float radians) {
+  const double degrees = std::fabs(static_cast<double>(radians) / kRadiansPerDegree);
+  const double whole = std::trunc(degrees);
+  return whole * 100.0 + (degrees - whole) * 60.0;
+}
+
+}  // namespace
+
+size_t BuildGll(const PingHeader& ping, std::span<char, kGllSize> text) {
+  const CalendarTime time = CalendarFromUnixSeconds(ping.gpsTime_s);
+  const size_t size =
+      FormatText(text, "GPGLL,%.7f,%s%.7f,%s%02" PRId32 "%02" PRId32 "%02" PRId32 ".%02d,%sA",
+                 DegreesAndMinutes(ping.gpsLatitude_rad), ping.gpsLatitude_rad < 0.0f ? "S," : "N,",
+                 DegreesAndMinutes(ping.gpsLongitude_rad), ping.gpsLongitude_rad < 0.0f ? "W," : "E,",
+                 time.hour, time.minute, time.second, 0, ping.gpsValid > 0 ? "A," : "V,");
+  const unsigned checksum = XorChecksum({text.data(), size});
+  return size + FormatText(std::span<char>(text).subspan(size), "*%02X", checksum);
+}
+
+size_t LayOutTextBlock(const PingHeader& ping, std::span<const uint16_t> samples,
+                       std::span<char, kTextBlockSize> block) {
+  BlockText out(block);
+  AppendHeader(ping, out);
+  AppendSamples(ping, samples, out);
+  out.Append("##DataEnd\r\n");
+  if (!HasPosition(ping)) {
+    out.Append("\r\n\r\n");
+    return out.Size();
+  }
+  char gll[kGllSize];
+  const size_t size = BuildGll(ping, gll);
+  out.Append("$");
+  out.Append({gll, size});
+  out.Append("\r\n\r\n\r\n");
+  return out.Size();
+}
+
+}  // namespace tw
