@@ -102,6 +102,9 @@ std::span<const Keyword> KeywordsOf(DeviceFamily family) {
   switch (family) {
     case DeviceFamily::first:
       return kFirstFamily;
+    case DeviceFamily::second:
+    case DeviceFamily::third:
+      return {};
   }
   return {};
 }
