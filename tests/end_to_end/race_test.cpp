@@ -1,0 +1,183 @@
+// The whole program but its window on the real clock, against echosim on pseudo terminals: acquisition, GPS
+// and painting at once, workers restarted every second, the run stopped and started every six. What the race
+// detector says is the result; the rest shows that there was something to race for.
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <filesystem>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "acquisition/echo_text_worker.h"
+#include "acquisition/time_marks.h"
+#include "app/control_ids.h"
+#include "app/run_control.h"
+#include "app/start_up.h"
+#include "app/worker_control.h"
+#include "base/shared_value.h"
+#include "display/panel.h"
+#include "platform/clock.h"
+#include "platform/host/documents_folder.h"
+#include "platform/host/memory_registry.h"
+#include "platform/host/serial_peer.h"
+#include "platform/thread.h"
+#include "tests/app/recording_ui.h"
+#include "tests/app/test_folder.h"
+
+extern char** environ;
+
+namespace tw::test {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+using std::chrono::milliseconds;
+using std::chrono::seconds;
+
+#ifdef __SANITIZE_THREAD__
+constexpr seconds kLength{60};
+#else
+constexpr seconds kLength{8};
+#endif
+constexpr milliseconds kFrame{50};
+
+// echosim as a process of its own, for as long as the object lives.
+class SimulatorProcess {
+ public:
+  SimulatorProcess(const std::filesystem::path& sounder, const std::filesystem::path& gps) {
+    std::vector<std::string> words{TW_ECHOSIM,  "--link",      sounder,  "--gps-link", gps,
+                                   "--samples", "400",         "--rate", "25",         "--mode",
+                                   "4",         "--speed",     "921600", "--dual",     "--gps-rate",
+                                   "10",        "--gps-speed", "115200"};
+    std::vector<char*> arguments;
+    for (std::string& word : words) arguments.push_back(word.data());
+    arguments.push_back(nullptr);
+    EXPECT_EQ(posix_spawn(&process_, TW_ECHOSIM, nullptr, nullptr, arguments.data(), environ), 0);
+    const auto deadline = Clock::now() + seconds(20);
+    while (!(std::filesystem::exists(sounder) && std::filesystem::exists(gps)) && Clock::now() < deadline) {
+      std::this_thread::sleep_for(milliseconds(10));
+    }
+  }
+  ~SimulatorProcess() {
+    kill(process_, SIGTERM);
+    int status = 0;
+    EXPECT_EQ(waitpid(process_, &status, 0), process_);
+  }
+  SimulatorProcess(const SimulatorProcess&) = delete;
+  SimulatorProcess& operator=(const SimulatorProcess&) = delete;
+
+ private:
+  pid_t process_ = -1;
+};
+
+// What the view does: both panels, the status line and the marks, from what the workers leave.
+class Painter {
+ public:
+  explicit Painter(AppState& state) : state_(state), pixels_(kWidth * kHeight) {}
+
+  void Paint() {
+    const Canvas canvas{pixels_.data(), kWidth, kHeight, kWidth};
+    for (const PanelPlace place : {PanelPlace::upper, PanelPlace::lower}) {
+      const int32_t top = place == PanelPlace::upper ? 0 : kHeight / 2;
+      const PanelLayout layout = LayOutPanel(top, kWidth, kHeight / 2, 96);
+      const PanelSource source = DescribePanel(state_, place);
+      DrawPanel(source, layout, *scratch_, canvas);
+      static_cast<void>(CollectLabels(source, layout));
+      if (place == PanelPlace::lower) static_cast<void>(CollectStatus(state_, source, layout, true));
+      char text[kMarkTextSize];
+      static_cast<void>(CopyMark(globals.marksA, 0, text));
+    }
+    ++frames_;
+  }
+  [[nodiscard]] int Frames() const { return frames_; }
+
+ private:
+  static constexpr int32_t kWidth = 640;
+  static constexpr int32_t kHeight = 480;
+
+  AppState& state_;
+  std::vector<Pixel> pixels_;
+  std::unique_ptr<PanelScratch> scratch_ = std::make_unique<PanelScratch>();
+  int frames_ = 0;
+};
+
+AppState& StartedProgram(const TestFolder& folder) {
+  SetDocumentsFolder(folder.Path().c_str());
+  ClearRegistry();
+  DetachSerialLines();
+  SetSerialLineList({L"COM5", L"COM6"});
+  AttachTerminal(L"\\\\.\\COM5", (folder.Path() / "sounder").c_str());
+  AttachTerminal(L"\\\\.\\COM6", (folder.Path() / "gps").c_str());
+  ResetUi();
+  AppState& state = *AllocateState();
+  StartUp(state);
+  state.initialised = 1;
+  Ui().Choose(ID_DEVICE_PORT, L"COM5");
+  Ui().Choose(ID_DEVICE_SPEED, L"921600");
+  Ui().Choose(ID_GPS_PORT, L"COM6");
+  Ui().Choose(ID_GPS_SPEED, L"115200");
+  StoreShared(globals.timestampTicked, 1);
+  return state;
+}
+
+// A second of the window's life: frames and the timers that come with them.
+void Live(AppState& state, Painter& painter) {
+  for (const auto end = Clock::now() + seconds(1); Clock::now() < end;) {
+    painter.Paint();
+    HandleTimer(state, ID_TIMER_REPAINT);
+    std::this_thread::sleep_for(kFrame);
+  }
+  HandleTimer(state, ID_TIMER_LINK);
+}
+
+int32_t NewestSlot(AppState& state) {
+  Locked held(state.ringLockA);
+  return state.ringIndexA;
+}
+
+// As Apply does with the worker, without a word to the device, which streams on.
+void RestartWorker(AppState& state) {
+  EndAcquisition(state, kWaitForever);
+  Reset(state.stopEvent);
+  state.acquisitionThread = StartThread(EchoTextWorker, &state);
+  ASSERT_NE(state.acquisitionThread, Handle::null);
+}
+
+TEST(Race, WorkersRestartWhileTheViewPaints) {
+  const TestFolder folder;
+  const SimulatorProcess simulator(folder.Path() / "sounder", folder.Path() / "gps");
+  AppState& state = StartedProgram(folder);
+  Painter painter(state);
+  int starts = 0;
+  int restarts = 0;
+  for (const auto end = Clock::now() + kLength; Clock::now() < end;) {
+    StartRun(state);
+    ASSERT_NE(state.acquisitionThread, Handle::null) << "start " << starts;
+    ++starts;
+    const int32_t before = NewestSlot(state);
+    for (int i = 0; i < 6; ++i) {
+      Live(state, painter);
+      if (i == 5) break;
+      RestartWorker(state);
+      ToggleRecording(state);
+      ++restarts;
+    }
+    EXPECT_NE(NewestSlot(state), before);
+    StopRun(state);
+  }
+  EXPECT_TRUE(Ui().boxes.empty());
+  EXPECT_GE(restarts, 5);
+  EXPECT_GT(painter.Frames(), 50);
+  EXPECT_GT(globals.gpsUpdates, 10u);
+  std::printf("%d starts, %d restarts, %d frames\n", starts, restarts, painter.Frames());
+  // As in the program, where a worker may outlive its Stop, the state record stays.
+  DetachSerialLines();
+  SetDocumentsFolder(nullptr);
+}
+
+}  // namespace
+}  // namespace tw::test
