@@ -38,11 +38,7 @@ using Clock = std::chrono::steady_clock;
 using std::chrono::milliseconds;
 using std::chrono::seconds;
 
-#ifdef __SANITIZE_THREAD__
 constexpr seconds kLength{60};
-#else
-constexpr seconds kLength{8};
-#endif
 constexpr milliseconds kFrame{50};
 
 // echosim as a process of its own, for as long as the object lives.
