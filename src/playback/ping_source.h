@@ -26,6 +26,8 @@ struct RecordingKind {
   int32_t outputMode;
   int32_t channels;
   bool hasSamples;
+  bool isText;           // lines and blocks; else binary frames
+  float soundSpeed_mps;  // of the settings that the recording begins with, else 1500
 };
 
 class PingSource {
