@@ -69,10 +69,16 @@ void OnCommand(AppState& state, int id) {
     case ID_STOP:
       StopRun(state);
       return RefreshSettingsControls(state);
+    case ID_APPLY:
+      return ApplySettings(state);
+    case ID_DEFAULT:
+      return RestoreDefaults(state);
     case ID_RECORD:
       return ToggleRecording(state);
     case ID_TIMESTAMP:
       return ToggleTimestamp(state);
+    case ID_AUTO_CAPTURE:
+      return ToggleAutoCapture(state);
     default:
       return;
   }

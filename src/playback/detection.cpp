@@ -1,0 +1,164 @@
+#include "playback/detection.h"
+
+#include <algorithm>
+#include <iterator>
+
+#include "acquisition/output_mode.h"
+#include "platform/clock.h"
+#include "platform/file.h"
+
+namespace tw {
+namespace {
+
+constexpr int kRetries = 5;
+constexpr uint32_t kPause_ms = 50;
+constexpr std::string_view kInfoMark = "INFO:";
+
+std::string_view AsText(std::span<const uint8_t> bytes) {
+  return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
+}
+
+bool Holds(std::string_view text, std::string_view mark) {
+  return text.find(mark) != std::string_view::npos;
+}
+
+struct ModeForm {
+  int32_t family;  // 1, or 2 for both others
+  int32_t outputMode;
+  StreamForm form;
+};
+
+constexpr ModeForm kModeForms[] = {
+    {1, 1, StreamForm::simple},
+    {1, 2, StreamForm::firstText},
+    {1, 3, StreamForm::firstNmea},
+    {1, 4, StreamForm::firstText},
+    {1, 6, StreamForm::deso},
+    {1, 7, StreamForm::dual},
+    {1, 8, StreamForm::dfx},
+    {1, 9, StreamForm::old},
+    {1, kPlayedBinary, StreamForm::frames},
+    {2, 1, StreamForm::simple},
+    {2, 2, StreamForm::secondText},
+    {2, 3, StreamForm::secondNmea},
+    {2, 4, StreamForm::secondText},
+    {2, 5, StreamForm::secondText},
+    {2, 6, StreamForm::secondText},
+    {2, 7, StreamForm::psa916},
+    {2, 8, StreamForm::altiTemp},
+    {2, 9, StreamForm::dfx},
+    {2, 10, StreamForm::old},
+    {2, kPlayedBinary, StreamForm::frames},
+};
+
+const ModeForm* FindMode(int32_t family, int32_t outputMode) {
+  const int32_t list = family == 1 ? 1 : 2;
+  const auto* const row = std::find_if(
+      std::begin(kModeForms), std::end(kModeForms),
+      [&](const ModeForm& each) { return each.family == list && each.outputMode == outputMode; });
+  return row == std::end(kModeForms) ? nullptr : row;
+}
+
+int32_t PlayedMode(int32_t outputMode) {
+  return outputMode == 100 || outputMode == 101 ? kPlayedBinary : outputMode;
+}
+
+// In the order in which they are looked for. kept: the mark of mode 1 comes before that of 10, which it
+// matches as well.
+struct ParameterMark {
+  std::string_view mark;
+  int32_t outputMode;
+};
+
+constexpr ParameterMark kParameterMarks[] = {
+    {"#OutputMode    2", 2}, {"#OutputMode    4", 4},   {"#OutputMode    5", 5}, {"#OutputMode    6", 6},
+    {"#OutputMode    1", 1}, {"#OutputMode    3", 3},   {"#OutputMode    7", 7}, {"#OutputMode    8", 8},
+    {"#OutputMode    9", 9}, {"#OutputMode    10", 10},
+};
+
+struct FormMark {
+  std::string_view mark;
+  StreamForm form;
+  int32_t family;
+  int32_t outputMode;
+  bool atStart;
+};
+
+constexpr FormMark kFormMarks[] = {
+    {"TR57", StreamForm::frames, 1, kPlayedBinary, false},
+    {"DUAL", StreamForm::dualFrames, 1, kPlayedBinary, false},
+    {"TIDEWRITEC", StreamForm::deviceBlocks, 1, kPlayedBinary, true},
+    {"#DeviceID", StreamForm::firstText, 1, 4, false},
+    {" m", StreamForm::deso, 1, 6, false},
+    {"$SDDBT", StreamForm::firstNmea, 1, 3, false},
+    {"$SDZDA", StreamForm::firstNmea, 1, 3, false},
+    {"$GPDBT", StreamForm::secondNmea, 2, 3, false},
+    {"$PGZDA", StreamForm::secondNmea, 2, 3, false},
+    {"Alt", StreamForm::simple, 1, 1, false},
+    {"Dual", StreamForm::dual, 1, 7, false},
+    {"DA", StreamForm::deso, 1, 6, false},
+    {"DB", StreamForm::deso, 1, 6, false},
+};
+
+int32_t CountInfoLines(std::string_view text) {
+  int32_t count = 0;
+  for (size_t at = text.find(kInfoMark); at != std::string_view::npos; at = text.find(kInfoMark, at + 1))
+    ++count;
+  return count;
+}
+
+std::optional<Detected> DetectByInfo(std::string_view text) {
+  InfoLine info{};
+  if (!ParseInfoLine(text, info)) return std::nullopt;
+  const int32_t family = info.kind == 1 || info.kind == 2 ? info.kind : 0;
+  const int32_t mode = PlayedMode(info.outputMode);
+  const int32_t known = FindMode(family, mode) == nullptr ? kAltimeterNmea : mode;
+  return Detected{FormOfMode(family, known), family, known, CountInfoLines(text) > 1 ? 2 : 1, info};
+}
+
+std::optional<Detected> DetectByMark(std::string_view text) {
+  if (Holds(text, "Parameters")) {
+    for (const ParameterMark& each : kParameterMarks) {
+      if (!Holds(text, each.mark)) continue;
+      return Detected{FormOfMode(2, each.outputMode), 2, each.outputMode, 1, std::nullopt};
+    }
+    return std::nullopt;
+  }
+  for (const FormMark& each : kFormMarks) {
+    if (each.atStart ? !text.starts_with(each.mark) : !Holds(text, each.mark)) continue;
+    const int32_t channels = each.form == StreamForm::deso || each.form == StreamForm::dual ? 2 : 1;
+    return Detected{each.form, each.family, each.outputMode, channels, std::nullopt};
+  }
+  return std::nullopt;
+}
+
+}  // namespace
+
+StreamForm FormOfMode(int32_t family, int32_t outputMode) {
+  const ModeForm* row = FindMode(family, PlayedMode(outputMode));
+  if (row == nullptr) row = FindMode(family, kAltimeterNmea);
+  return row->form;
+}
+
+std::optional<Detected> DetectRecording(std::span<const uint8_t> start) {
+  const std::string_view text = AsText(start.first(std::min(start.size(), kStartSize)));
+  const auto told = DetectByInfo(text);
+  return told ? told : DetectByMark(text);
+}
+
+bool HasParameters(std::span<const uint8_t> start) {
+  return Holds(AsText(start.first(std::min(start.size(), kStartSize))), "Parameters");
+}
+
+size_t ReadStart(Handle file, std::span<uint8_t, kStartSize> start) {
+  uint32_t size = 0;
+  for (int tries = 0; tries <= kRetries; ++tries) {
+    if (tries != 0) SleepMilliseconds(kPause_ms);
+    if (!SeekFile(file, 0) || !ReadFileBytes(file, start.data(), static_cast<uint32_t>(kStartSize), size))
+      size = 0;
+    if (DetectRecording(start.first(size))) break;
+  }
+  return SeekFile(file, 0) ? size : 0;
+}
+
+}  // namespace tw

@@ -1,0 +1,44 @@
+#include "playback/file_source.h"
+
+#include <new>
+
+#include "platform/file.h"
+
+namespace tw {
+namespace {
+
+constexpr uint32_t kBufferSize = 256 * 1024;
+
+}  // namespace
+
+FileSource::FileSource(Handle file) : file_(file), buffer_(new (std::nothrow) uint8_t[kBufferSize]) {}
+
+bool FileSource::Fill() {
+  if (!bytes_.empty()) return true;
+  uint32_t got = 0;
+  if (buffer_ == nullptr || !ReadFileBytes(file_, buffer_.get(), kBufferSize, got) || got == 0) return false;
+  bytes_ = {buffer_.get(), got};
+  behind_ += got;
+  return true;
+}
+
+bool FileSource::Seek(uint64_t position) {
+  if (!SeekFile(file_, position)) return false;
+  bytes_ = {};
+  behind_ = position;
+  return true;
+}
+
+uint64_t FileSource::Size() const {
+  uint64_t size = 0;
+  return FileSize(file_, size) ? size : 0;
+}
+
+bool ReadFileBlock(FileSource& source, StreamReader& reader) {
+  while (source.Fill()) {
+    if (reader.Feed(source.Bytes())) return true;
+  }
+  return false;
+}
+
+}  // namespace tw

@@ -1,0 +1,45 @@
+// A buffered source of bytes over a record file that knows the position of each byte. Used by one thread; the
+// file stays its opener's.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <span>
+
+#include "acquisition/stream_reader.h"
+#include "platform/handle.h"
+
+namespace tw {
+
+class FileSource {
+ public:
+  explicit FileSource(Handle file);
+
+  // Makes sure that Bytes() holds at least one byte. False at the end of the file, when the file cannot be
+  // read any further, and when there was no memory for the buffer.
+  [[nodiscard]] bool Fill();
+
+  // What has been read and not been used yet; whoever uses bytes takes them off the front.
+  [[nodiscard]] std::span<const uint8_t>& Bytes() { return bytes_; }
+
+  // The place in the file of the first byte of Bytes().
+  [[nodiscard]] uint64_t Position() const { return behind_ - bytes_.size(); }
+
+  // Goes on at another place; what stood in the buffer is dropped.
+  [[nodiscard]] bool Seek(uint64_t position);
+
+  // As the system tells it now: a file may still be growing. 0 when it cannot tell.
+  [[nodiscard]] uint64_t Size() const;
+
+ private:
+  Handle file_;
+  std::unique_ptr<uint8_t[]> buffer_;
+  std::span<const uint8_t> bytes_;
+  uint64_t behind_ = 0;  // the place behind the last byte read
+};
+
+// Reads until the reader has a whole block; false at the end of the file. The block's bytes stood in one
+// piece in the file, so that it began at source.Position() - reader.Block().size().
+[[nodiscard]] bool ReadFileBlock(FileSource& source, StreamReader& reader);
+
+}  // namespace tw

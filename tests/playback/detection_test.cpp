@@ -1,0 +1,130 @@
+#include "playback/detection.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace tw {
+namespace {
+
+std::optional<Detected> Detect(std::string_view start) {
+  return DetectRecording({reinterpret_cast<const uint8_t*>(start.data()), start.size()});
+}
+
+std::string Info(int kind, int mode) {
+  return "INFO:" + std::to_string(kind) + ",200000,10000,0.1,20,0.0,0,15,0.08,0,150,20,0,1490.5," +
+         std::to_string(mode) + "\r\n";
+}
+
+TEST(Detection, InfoLineDecides) {
+  using enum StreamForm;
+  const struct {
+    const char* what;
+    int kind;
+    int mode;
+    StreamForm form;
+    int32_t toldMode;
+  } rows[] = {
+      {"first family, simple", 1, 1, simple, 1},
+      {"first family, text of 10 bits", 1, 2, firstText, 2},
+      {"first family, NMEA", 1, 3, firstNmea, 3},
+      {"first family, text of 12 bits", 1, 4, firstText, 4},
+      {"a mode that it does not have", 1, 5, firstNmea, 3},
+      {"first family, DESO", 1, 6, deso, 6},
+      {"first family, dual lines", 1, 7, dual, 7},
+      {"first family, DFX", 1, 8, dfx, 8},
+      {"first family, OLD", 1, 9, old, 9},
+      {"another that it does not have", 1, 10, firstNmea, 3},
+      {"binary", 1, 100, frames, 102},
+      {"binary, companded", 1, 101, frames, 102},
+      {"binary as an older program told it", 1, 102, frames, 102},
+      {"a mode out of the world", 1, -2147483647, firstNmea, 3},
+      {"second family, fixed samples", 2, 6, secondText, 6},
+      {"second family, PSA-916", 2, 7, psa916, 7},
+      {"second family, depth and temperature", 2, 8, altiTemp, 8},
+      {"second family, DFX", 2, 9, dfx, 9},
+      {"second family, OLD", 2, 10, old, 10},
+      {"second family, NMEA", 2, 3, secondNmea, 3},
+      {"third family, text", 0, 2, secondText, 2},
+      {"third family, binary", 0, 101, frames, 102},
+  };
+  for (const auto& row : rows) {
+    // What follows the line would tell something else.
+    const auto told = Detect(Info(row.kind, row.mode) + "Alt : 1.0\r\nTR57");
+    ASSERT_TRUE(told) << row.what;
+    EXPECT_EQ(told->form, row.form) << row.what;
+    EXPECT_EQ(told->family, row.kind) << row.what;
+    EXPECT_EQ(told->outputMode, row.toldMode) << row.what;
+    EXPECT_EQ(told->channels, 1) << row.what;
+    ASSERT_TRUE(told->info) << row.what;
+    EXPECT_FLOAT_EQ(told->info->soundSpeed_mps, 1490.5f) << row.what;
+  }
+  EXPECT_EQ(Detect(Info(1, 6) + Info(1, 6))->channels, 2) << "two lines, two channels";
+}
+
+TEST(Detection, MarksOfOlderRecordings) {
+  using enum StreamForm;
+  const struct {
+    const char* what;
+    std::string start;
+    StreamForm form;
+    int32_t family;
+    int32_t mode;
+  } rows[] = {
+      {"frames", "TR57", frames, 1, 102},
+      {"frames behind zeros", std::string(100, '\0') + "TR57", frames, 1, 102},
+      {"frames of one channel", "xxDUALxx", dualFrames, 1, 102},
+      {"device blocks", "TIDEWRITEC" + std::string(4, '\0'), deviceBlocks, 1, 102},
+      {"device text", "\r\n#DeviceID KT\r\n", firstText, 1, 4},
+      {"DESO", "DA0012.34 m*\r\n", deso, 1, 6},
+      {"first NMEA", "$SDDBT,1,f,2,M,3,F*00\r\n", firstNmea, 1, 3},
+      {"first NMEA, date", "$SDZDA,120000.00,01,02,2026*00\r\n", firstNmea, 1, 3},
+      {"second NMEA", "$GPDBT,1,f*00\r\n", secondNmea, 2, 3},
+      {"second NMEA, date", "$PGZDA,120000*00\r\n", secondNmea, 2, 3},
+      {"simple", "Alt : 12.3\r\n", simple, 1, 1},
+      {"dual", "Dual : 1, 2.0, 3.0, 4.0\r\n", dual, 1, 7},
+      {"DESO without its blank", "DA12*", deso, 1, 6},
+      {"DESO, low channel alone", "DB12*", deso, 1, 6},
+      {"older text, mode 6", "#---Parameters---\r\n#OutputMode    6\r\n", secondText, 2, 6},
+      {"older NMEA", "#---Parameters---\r\n#OutputMode    3\r\n", secondNmea, 2, 3},
+      {"kept: the mark of mode 1 also matches 10", "Parameters #OutputMode    10\r\n", simple, 2, 1},
+      {"older ones are in order", "Parameters #OutputMode    1 #OutputMode    4", secondText, 2, 4},
+      {"frames before text", "#DeviceID TR57", frames, 1, 102},
+  };
+  for (const auto& row : rows) {
+    const auto told = Detect(row.start);
+    ASSERT_TRUE(told) << row.what;
+    EXPECT_EQ(told->form, row.form) << row.what;
+    EXPECT_EQ(told->family, row.family) << row.what;
+    EXPECT_EQ(told->outputMode, row.mode) << row.what;
+    EXPECT_FALSE(told->info) << row.what;
+  }
+}
+
+TEST(Detection, NothingThatIsKnown) {
+  const std::string rows[] = {
+      "",
+      "x",
+      std::string(5'000, '\0'),
+      "Parameters and no mode",
+      "xTIDEWRITEC",                     // not at the very start
+      std::string(2'046, 'x') + "TR57",  // beyond the first bytes
+      std::string("TR5\0"
+                  "7",
+                  5),
+  };
+  for (const std::string& start : rows) EXPECT_FALSE(Detect(start)) << start.substr(0, 20);
+}
+
+// A line cut short is no line: what is left of it is judged like any other start.
+TEST(Detection, TruncatedAtEveryLength) {
+  const std::string line = Info(1, 6);
+  for (size_t size = 0; size <= line.size(); ++size) {
+    const auto told = Detect(line.substr(0, size));
+    EXPECT_TRUE(!told || (told->info && told->family == 1)) << size;
+  }
+  EXPECT_TRUE(Detect(line));
+}
+
+}  // namespace
+}  // namespace tw
