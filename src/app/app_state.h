@@ -154,6 +154,7 @@ struct Globals {
 
   // Acquisition, read by the echogram view; shared.
   uint32_t pingCounter;
+  uint32_t runningPing;  // last number given to a ping of a mode that numbers none; acquisition worker only
   float latestAltitudeHigh_m;
   float latestAltitudeLow_m;
   int32_t attitudePresent;
