@@ -59,8 +59,7 @@ void TakeSelection(AppState& state, const Selector& selector, const FormFacts& f
   wchar_t error[2 * kFieldTextSize];
   GetControlText(state, selector.combo, text);
   DeviceSettings& settings = state.settings;
-  static_cast<void>(
-      ReadField(selector.field, ShownChannel(facts, settings), facts, text, settings, error));
+  static_cast<void>(ReadField(selector.field, ShownChannel(facts, settings), facts, text, settings, error));
   if (facts.dual && selector.field == SettingsField::range) {
     static_cast<void>(ReadField(selector.field, FieldChannel::low, facts, text, settings, error));
   }
