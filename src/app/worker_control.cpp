@@ -18,7 +18,7 @@ constexpr uint32_t kWaitSlice_ms = 100;
 
 // Which worker serves an output mode. A mode of a family's list that has no row here cannot be run.
 struct WorkerRow {
-  int32_t family;
+  int32_t family;  // 0 shares the rows of 2
   OutputMode mode;
   ThreadBody worker;
 };
@@ -26,11 +26,16 @@ struct WorkerRow {
 constexpr WorkerRow kWorkers[] = {
     {1, 2, EchoTextWorker},
     {1, 4, EchoTextWorker},
+    {2, 2, SecondFamilyEchoTextWorker},
+    {2, 4, SecondFamilyEchoTextWorker},
+    {2, 5, SecondFamilyEchoTextWorker},
+    {2, 6, SecondFamilyEchoTextWorker},
 };
 
 ThreadBody WorkerOf(int32_t family, OutputMode mode) {
+  const int32_t rows = family == 0 ? 2 : family;
   const auto* row = std::find_if(std::begin(kWorkers), std::end(kWorkers), [&](const WorkerRow& each) {
-    return each.family == family && each.mode == mode;
+    return each.family == rows && each.mode == mode;
   });
   return row == std::end(kWorkers) ? nullptr : row->worker;
 }
