@@ -5,13 +5,11 @@
 #include <fstream>
 #include <iterator>
 
-#include "acquisition/echo_text_worker.h"
 #include "base/shared_value.h"
 #include "platform/file.h"
 #include "platform/host/faults.h"
 #include "platform/memory.h"
 #include "platform/serial_line.h"
-#include "platform/thread.h"
 
 namespace tw::test {
 
@@ -60,8 +58,8 @@ LiveProgram::~LiveProgram() {
   FreeZeroed(state_, sizeof *state_);
 }
 
-void LiveProgram::StartWorker() {
-  state_->acquisitionThread = StartThread(EchoTextWorker, state_);
+void LiveProgram::StartWorker(ThreadBody worker) {
+  state_->acquisitionThread = StartThread(worker, state_);
 }
 
 void LiveProgram::StopWorker() {

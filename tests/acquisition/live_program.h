@@ -4,10 +4,12 @@
 #include <string>
 #include <vector>
 
+#include "acquisition/echo_text_worker.h"
 #include "acquisition/ping_ring.h"
 #include "acquisition/record_file.h"
 #include "app/app_state.h"
 #include "platform/host/serial_peer.h"
+#include "platform/thread.h"
 #include "tests/acquisition/posted_texts.h"
 #include "tests/app/test_folder.h"
 
@@ -26,7 +28,7 @@ class LiveProgram {
 
   [[nodiscard]] AppState& State() { return *state_; }
 
-  void StartWorker();
+  void StartWorker(ThreadBody worker = EchoTextWorker);
   // Asks the worker to end, and waits until it has.
   void StopWorker();
   void WaitForWorker();
