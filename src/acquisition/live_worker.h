@@ -46,6 +46,9 @@ struct LivePing {
 
 inline constexpr size_t kMaxRecordSize = 257'000;  // the longest text block, two sentences and line ends
 
+// What becomes of the record files of a run that recorded nothing.
+enum class EmptyRun : uint8_t { deleteFiles, leaveOneByte };
+
 struct LiveMode {
   std::unique_ptr<StreamReader> (*makeReader)();
 
@@ -55,6 +58,8 @@ struct LiveMode {
   // Lays out what is recorded of a ping, `sentences` being its GGA and RMC; returns the length.
   size_t (*layOutRecord)(std::string_view block, const LivePing& ping, std::string_view sentences,
                          std::span<char, kMaxRecordSize> record);
+
+  EmptyRun emptyRun = EmptyRun::deleteFiles;
 };
 
 // The body of an acquisition thread. Runs until stopEvent is signalled, the device port fails, or the run

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "acquisition/echo_text_worker.h"
+#include "acquisition/frame_worker.h"
 #include "acquisition/output_mode.h"
 #include "app/ui.h"
 #include "base/shared_value.h"
@@ -26,10 +27,14 @@ struct WorkerRow {
 constexpr WorkerRow kWorkers[] = {
     {1, 2, EchoTextWorker},
     {1, 4, EchoTextWorker},
+    {1, 100, BinaryEchoWorker},
+    {1, 101, BinaryEchoWorker},
     {2, 2, SecondFamilyEchoTextWorker},
     {2, 4, SecondFamilyEchoTextWorker},
     {2, 5, SecondFamilyEchoTextWorker},
     {2, 6, SecondFamilyEchoTextWorker},
+    {2, 100, BinaryEchoWorker},
+    {2, 101, BinaryEchoWorker},
 };
 
 ThreadBody WorkerOf(int32_t family, OutputMode mode) {
