@@ -65,6 +65,9 @@ enum class RecordRule : uint8_t { fileOfChannel, oneFile };
 
 inline constexpr size_t kMaxRecordSize = 257'000;  // the longest text block, two sentences and line ends
 
+// What becomes of the record files of a run that recorded nothing.
+enum class EmptyRun : uint8_t { deleteFiles, leaveOneByte };
+
 struct LiveMode {
   std::unique_ptr<StreamReader> (*makeReader)();
 
@@ -77,6 +80,7 @@ struct LiveMode {
 
   EchoSource echo = EchoSource::samples;
   RecordRule recordRule = RecordRule::fileOfChannel;
+  EmptyRun emptyRun = EmptyRun::deleteFiles;
 };
 
 // The body of an acquisition thread. Runs until stopEvent is signalled, the device port fails, or the run
