@@ -1,4 +1,5 @@
-// Looks for the first of several start marks in a byte stream. A mismatch lets the comparison begin anew with
+// Looks for the first of several start marks in a byte stream (for one mark alone see mark_hunt.h, which takes
+// whole pieces). A mismatch lets the comparison begin anew with
 // the latest bytes that still fit, so that a mark is found wherever it stands. A pure state machine; one
 // thread at a time.
 #pragma once
