@@ -34,13 +34,15 @@ std::vector<std::string> BlocksOf(std::span<const uint8_t> stream, size_t pieceS
   return blocks;
 }
 
-void Parse(const std::string& text, EchoTextHeader& header) {
+void Parse(EchoTextKeys keys, const std::string& text, EchoTextHeader& header) {
   // Without the zero behind it, so that a read behind the end shows.
   const std::vector<char> block(text.begin(), text.end());
-  const ParsedEchoText parsed = ParseEchoTextHeader({block.data(), block.size()}, 25'000, 200'000, header);
+  const ParsedEchoText parsed =
+      ParseEchoTextHeader(keys, {block.data(), block.size()}, 25'000, 200'000, header);
   Require(header.sampleCount >= 0 && header.sampleCount <= kMaxTextSamples);
   Require(std::isfinite(header.altitude_m) && std::isfinite(header.temperature_c));
   Require(std::isfinite(header.pitch_deg) && std::isfinite(header.roll_deg));
+  Require(std::isfinite(header.resolution_mm));
   std::vector<uint16_t> samples(static_cast<size_t>(header.sampleCount), 7);
   const size_t lines = ReadSampleLines(parsed.dataLines, samples);
   Require(lines <= samples.size());
@@ -63,7 +65,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
   const std::span<const uint8_t> stream(bytes + 1, size - 1);
   const std::vector<std::string> blocks = tw::BlocksOf(stream, SIZE_MAX);
   tw::Require(blocks == tw::BlocksOf(stream, size_t{1} + bytes[0]));
-  tw::EchoTextHeader header{};
-  for (const std::string& block : blocks) tw::Parse(block, header);
+  for (const auto keys : {tw::EchoTextKeys::firstFamily, tw::EchoTextKeys::otherFamilies}) {
+    tw::EchoTextHeader header{};
+    for (const std::string& block : blocks) tw::Parse(keys, block, header);
+  }
   return 0;
 }

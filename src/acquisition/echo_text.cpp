@@ -16,34 +16,106 @@ namespace {
 constexpr std::string_view kDataStart = "##DataStart";
 constexpr std::string_view kLineEnd = "\r\n";
 
-// The text behind a key's trailing blank; false when the key is missing.
-bool FindValue(std::string_view text, std::string_view key, std::string_view& value) {
-  const size_t at = text.find(key);
-  if (at == text.npos) return false;
-  value = text.substr(at + key.size());
+enum class Value : uint8_t {
+  timeWork,
+  sampleCount,
+  resolution,
+  outputMode,
+  samplingFrequency,
+  altitude,
+  temperature,
+  pitch,
+  roll,
+  ping,
+  txFrequency,
+};
+
+struct KeyRow {
+  Value value;
+  std::string_view key;  // with its trailing blank
+};
+
+constexpr KeyRow kFirstFamilyKeys[] = {
+    {Value::timeWork, "#TimeWork "},
+    {Value::sampleCount, "#NSamples "},
+    {Value::outputMode, "#OutputMode "},
+    {Value::samplingFrequency, "#Sampling_Frequency,Hz "},
+    {Value::altitude, "#Altitude "},
+    {Value::temperature, "#Temperature "},
+    {Value::pitch, "#Pitch,deg "},
+    {Value::roll, "#Roll,deg "},
+    {Value::ping, "#Ping "},
+    {Value::txFrequency, "#Tx_Frequency,Hz "},
+};
+
+// The two halves of the temperature's key stand apart: "\xB0" would take the C for a third digit.
+constexpr KeyRow kOtherFamiliesKeys[] = {
+    {Value::timeWork, "#TimeWork "},
+    {Value::sampleCount, "#NSamples "},
+    {Value::resolution, "#Resolution,mm "},
+    {Value::outputMode, "#OutputMode "},
+    {Value::altitude, "#Altitude,m "},
+    {Value::temperature,
+     "#Temperature,\xB0"
+     "C "},
+    {Value::pitch, "#Pitch,deg "},
+    {Value::roll, "#Roll,deg "},
+    {Value::ping, "#Ping "},
+    {Value::txFrequency, "#Tx_Frequency,Hz "},
+};
+
+std::span<const KeyRow> RowsOf(EchoTextKeys keys) {
+  switch (keys) {
+    case EchoTextKeys::firstFamily:
+      return kFirstFamilyKeys;
+    case EchoTextKeys::otherFamilies:
+      return kOtherFamiliesKeys;
+  }
+  return {};
+}
+
+// Whole seconds and milliseconds; a value without milliseconds leaves those as they were.
+bool ReadTimeWork(std::string_view text, EchoTextHeader& header) {
+  uint32_t milliseconds = 0;
+  if (!ScanUint(text, header.deviceSeconds)) return false;
+  if (ScanLiteral(text, ".") && ScanUint(text, milliseconds)) header.deviceMilliseconds = milliseconds;
   return true;
 }
 
-template <typename T>
-bool ReadValue(std::string_view text, std::string_view key, bool (*scan)(std::string_view&, T&), T& target) {
-  std::string_view value;
-  return FindValue(text, key, value) && scan(value, target);
-}
-
-void ReadTimeWork(std::string_view text, EchoTextHeader& header) {
-  std::string_view value;
-  uint32_t seconds = 0;
-  uint32_t milliseconds = 0;
-  if (!FindValue(text, "#TimeWork ", value) || !ScanUint(value, seconds)) return;
-  header.deviceSeconds = seconds;
-  if (ScanLiteral(value, ".") && ScanUint(value, milliseconds)) header.deviceMilliseconds = milliseconds;
-}
-
-void ReadSampleCount(std::string_view text, EchoTextHeader& header) {
+bool ReadSampleCount(std::string_view text, EchoTextHeader& header) {
   int32_t count = 0;
-  if (ReadValue(text, "#NSamples ", ScanInt, count) && count >= 0 && count <= kMaxTextSamples) {
-    header.sampleCount = count;
+  if (!ScanInt(text, count) || count < 0 || count > kMaxTextSamples) return false;
+  header.sampleCount = count;
+  return true;
+}
+
+// Reads the value that `text` begins with; false leaves it as it was.
+bool ReadValue(Value value, std::string_view text, EchoTextHeader& header) {
+  switch (value) {
+    case Value::timeWork:
+      return ReadTimeWork(text, header);
+    case Value::sampleCount:
+      return ReadSampleCount(text, header);
+    case Value::resolution:
+      return ScanFloat(text, header.resolution_mm);
+    case Value::outputMode:
+      return ScanInt(text, header.outputMode);
+    case Value::samplingFrequency:
+      return ScanInt(text, header.samplingFrequency_hz);
+    case Value::altitude:
+      return ScanFloat(text, header.altitude_m);
+    case Value::temperature:
+      return ScanFloat(text, header.temperature_c);
+    case Value::pitch:
+      return ScanFloat(text, header.pitch_deg);
+    case Value::roll:
+      return ScanFloat(text, header.roll_deg);
+    case Value::ping:
+      return ScanUint(text, header.ping);
+    case Value::txFrequency:
+      return ScanInt(text, header.txFrequency_hz);
   }
+  return false;
 }
 
 constexpr size_t kStride = 64;
@@ -165,23 +237,19 @@ class SampleLines {
 
 }  // namespace
 
-ParsedEchoText ParseEchoTextHeader(std::string_view block, int32_t configuredSampling_hz,
+ParsedEchoText ParseEchoTextHeader(EchoTextKeys keys, std::string_view block, int32_t configuredSampling_hz,
                                    int32_t configuredTx_hz, EchoTextHeader& header) {
   const size_t data = block.find(kDataStart);
-  const std::string_view keys = block.substr(0, data);
-  ReadTimeWork(keys, header);
-  ReadSampleCount(keys, header);
-  static_cast<void>(ReadValue(keys, "#OutputMode ", ScanInt, header.outputMode));
-  if (!ReadValue(keys, "#Sampling_Frequency,Hz ", ScanInt, header.samplingFrequency_hz)) {
-    header.samplingFrequency_hz = configuredSampling_hz;
-  }
-  static_cast<void>(ReadValue(keys, "#Altitude ", ScanFloat, header.altitude_m));
-  static_cast<void>(ReadValue(keys, "#Temperature ", ScanFloat, header.temperature_c));
-  static_cast<void>(ReadValue(keys, "#Pitch,deg ", ScanFloat, header.pitch_deg));
-  static_cast<void>(ReadValue(keys, "#Roll,deg ", ScanFloat, header.roll_deg));
-  static_cast<void>(ReadValue(keys, "#Ping ", ScanUint, header.ping));
+  const std::string_view text = block.substr(0, data);
   ParsedEchoText parsed{};
-  parsed.hasTxFrequency = ReadValue(keys, "#Tx_Frequency,Hz ", ScanInt, header.txFrequency_hz);
+  bool hasSampling = false;
+  for (const KeyRow& row : RowsOf(keys)) {
+    const size_t at = text.find(row.key);
+    if (at == text.npos || !ReadValue(row.value, text.substr(at + row.key.size()), header)) continue;
+    hasSampling = hasSampling || row.value == Value::samplingFrequency;
+    parsed.hasTxFrequency = parsed.hasTxFrequency || row.value == Value::txFrequency;
+  }
+  if (!hasSampling) header.samplingFrequency_hz = configuredSampling_hz;
   if (!parsed.hasTxFrequency) header.txFrequency_hz = configuredTx_hz;
   if (data != block.npos) parsed.dataLines = block.substr(data + kDataStart.size());
   return parsed;

@@ -1,21 +1,23 @@
-// The echo text block of the first device family, one ping. Lines end in CR LF:
+// The echo text block, one ping. Lines end in CR LF. Left the first device family, right the others where
+// their keys differ:
 //
-//   #DeviceID KT-1042          the keys stand in any order, each with one blank and its value
-//   #TimeWork 12.5             whole seconds, milliseconds: 12 s 5 ms
-//   #NSamples 3                0 to 50,000
+//   #DeviceID KT-1042                                     the keys stand in any order, each with one blank
+//   #TimeWork 12.5                                        and its value; whole seconds, milliseconds: 12 s 5
+//   ms #NSamples 3                                           0 to 50,000
+//                                 #Resolution,mm 7.5
 //   #OutputMode 4
-//   #Sampling_Frequency,Hz 25000
-//   #Altitude 4.250            metres
-//   #Temperature 11.40
+//   #Sampling_Frequency,Hz 25000  (none)
+//   #Altitude 4.250               #Altitude,m 4.250
+//   #Temperature 11.40            #Temperature,°C 11.40   the degree sign is the one byte B0
 //   #Pitch,deg 1.20
 //   #Roll,deg -0.35
 //   #Ping 17
 //   #Tx_Frequency,Hz 200000
 //   ##DataStart
-//   12                         one sample a line, in decimal
+//   12                                                    one sample a line, in decimal
 //   7
 //   4011
-//                              two empty lines end the block
+//                                                         two empty lines end the block
 //
 // A key that is missing, or whose value is no finite number in range, keeps the value it had; the sampling
 // and the transmit frequency then take the configured ones. Pure; any thread.
@@ -30,10 +32,14 @@ namespace tw {
 
 inline constexpr int32_t kMaxTextSamples = 50'000;
 
+// Whose keys a block has.
+enum class EchoTextKeys : uint8_t { firstFamily, otherFamilies };
+
 struct EchoTextHeader {
   uint32_t deviceSeconds;
   uint32_t deviceMilliseconds;
   int32_t sampleCount;
+  float resolution_mm;  // the other families' alone
   int32_t outputMode;
   int32_t samplingFrequency_hz;
   float altitude_m;
@@ -50,7 +56,7 @@ struct ParsedEchoText {
 };
 
 // Reads the keys of a whole block. `header` holds the previous block's values on entry and this one's after.
-ParsedEchoText ParseEchoTextHeader(std::string_view block, int32_t configuredSampling_hz,
+ParsedEchoText ParseEchoTextHeader(EchoTextKeys keys, std::string_view block, int32_t configuredSampling_hz,
                                    int32_t configuredTx_hz, EchoTextHeader& header);
 
 // Reads up to `samples.size()` sample lines; returns how many lines it took. A line that holds no number from

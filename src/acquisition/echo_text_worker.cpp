@@ -41,10 +41,11 @@ void TakeValues(const EchoTextHeader& values, PingHeader& header) {
   header.txFrequency_hz = values.txFrequency_hz;
 }
 
+template <EchoTextKeys keys>
 bool ParseBlock(std::string_view block, const LiveContext& context, LivePing& ping) {
   EchoTextHeader values = PreviousValues(ping.header);
   const ParsedEchoText parsed =
-      ParseEchoTextHeader(block, context.configuredSampling_hz, context.configuredTx_hz, values);
+      ParseEchoTextHeader(keys, block, context.configuredSampling_hz, context.configuredTx_hz, values);
   if (context.dual && !parsed.hasTxFrequency) return false;
   ping.secondChannel = context.IsSecondChannel(values.txFrequency_hz);
   TakeValues(values, ping.header);
@@ -75,10 +76,15 @@ size_t LayOutRecord(std::string_view block, const LivePing&, std::string_view se
 static_assert(kMaxPingSamples == kMaxTextSamples);
 static_assert(kBlockBufferSize + kMaxSentences + kRecordEnd.size() <= kMaxRecordSize);
 
-const LiveMode kFirstFamilyEchoText{MakeReader, ParseBlock, LayOutRecord};
+const LiveMode kFirstFamilyEchoText{MakeReader, ParseBlock<EchoTextKeys::firstFamily>, LayOutRecord};
+const LiveMode kSecondFamilyEchoText{MakeReader, ParseBlock<EchoTextKeys::otherFamilies>, LayOutRecord};
 
 void EchoTextWorker(void* state) {
   RunLiveWorker(*static_cast<AppState*>(state), kFirstFamilyEchoText);
+}
+
+void SecondFamilyEchoTextWorker(void* state) {
+  RunLiveWorker(*static_cast<AppState*>(state), kSecondFamilyEchoText);
 }
 
 }  // namespace tw

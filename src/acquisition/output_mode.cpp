@@ -73,13 +73,6 @@ std::wstring_view NameOfMode(int32_t family, OutputMode mode) {
   return {};
 }
 
-OutputMode AcceptedMode(int32_t family, OutputMode mode) {
-  for (const OutputModeName& row : OfferedModes(family == 1 ? 1 : 2)) {
-    if (row.code == mode) return mode;
-  }
-  return kAltimeterNmea;
-}
-
 bool CarriesEchoSamples(int32_t family, OutputMode mode) {
   return family == 1 ? Holds(kEchoFirst, mode) : Holds(kEchoOthers, mode);
 }

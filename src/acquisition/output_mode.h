@@ -1,16 +1,17 @@
 // Output modes: what a device can be told to stream. A code means something only together with the device
-// family. Pure; any thread.
+// family. Which of them a run can be started with says device/accepted_modes.h. Pure; any thread.
 #pragma once
 
 #include <cstdint>
 #include <span>
 #include <string_view>
 
+#include "device/accepted_modes.h"
+
 namespace tw {
 
 using OutputMode = int32_t;
 
-inline constexpr OutputMode kAltimeterNmea = 3;
 inline constexpr OutputMode kPlayedBinary = 102;  // what 100 and 101 become when they are read from a file
 
 struct OutputModeName {
@@ -27,10 +28,6 @@ struct OutputModeName {
 
 // The name in the family's list; empty when the list has no such code.
 [[nodiscard]] std::wstring_view NameOfMode(int32_t family, OutputMode mode);
-
-// The mode that a run is started with: the given one when the family accepts it, else 3. Families 2 and 0
-// share their list, so 100 and 101 are accepted from family 0 although they are not offered there.
-[[nodiscard]] OutputMode AcceptedMode(int32_t family, OutputMode mode);
 
 // True when the mode's stream carries echo samples.
 [[nodiscard]] bool CarriesEchoSamples(int32_t family, OutputMode mode);

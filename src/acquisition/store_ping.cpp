@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "base/bytes.h"
+#include "acquisition/sample_grid.h"
 
 namespace tw {
 namespace {
@@ -50,19 +50,18 @@ void SlotImage::Build(const PingHeader& header, std::span<const uint16_t> sample
   StorePingHeader(bytes, header);
   std::memset(bytes + frame::kWrittenHeaderLength, 0, frame::kSampleGap);
   reach = kSlotSamples;
-  const uint32_t frequency_hz = header.samplingFrequency_hz;
-  if (frequency_hz == 0 || frequency_hz > kGridFrequency_hz) return;
-  const size_t repeat = kGridFrequency_hz / frequency_hz;
-  const size_t room = kMaxSlotSamples;
-  uint8_t* out = bytes + kSlotSamples;
-  size_t used = 0;
-  for (const uint16_t sample : samples) {
-    const auto value = static_cast<uint16_t>(std::min<uint32_t>(uint32_t{sample} * factor, UINT16_MAX));
-    const size_t end = std::min(used + repeat, room);
-    for (; used < end; ++used) StoreLe(out + 2 * used, value);
-    if (used == room) break;
+  const size_t repeat = GridRepeat(header.samplingFrequency_hz);
+  const GridBytes out{bytes + kSlotSamples};
+  if (factor == 1) {
+    reach +=
+        2 * SpreadOntoGrid(
+                samples.size(), repeat, kMaxSlotSamples, [samples](size_t i) { return samples[i]; }, out);
+    return;
   }
-  reach += 2 * used;
+  const auto scaled = [samples, factor](size_t i) {
+    return static_cast<uint16_t>(std::min<uint32_t>(uint32_t{samples[i]} * factor, UINT16_MAX));
+  };
+  reach += 2 * SpreadOntoGrid(samples.size(), repeat, kMaxSlotSamples, scaled, out);
 }
 
 void StorePing(RingWriter& writer, const SlotImage& image, uint32_t now_ms) {

@@ -1,21 +1,15 @@
 #include "device/start_sequence.h"
 
-#include <algorithm>
 #include <cinttypes>
-#include <span>
 
 #include "base/shared_value.h"
 #include "base/text_format.h"
+#include "device/accepted_modes.h"
 #include "device/command_link.h"
 #include "platform/clock.h"
 
 namespace tw {
 namespace {
-
-// What a device of the first family can be told to send; the others know two modes more.
-constexpr int32_t kStartModes[] = {1, 2, 3, 4, 6, 7, 8, 9, 100, 101};
-constexpr int32_t kFurtherModes[] = {5, 10};
-constexpr int32_t kReplacementMode = 3;
 
 void Send(Handle port, CommandId id, const char* value) {
   static_cast<void>(Exchange(port, id, value));
@@ -33,17 +27,11 @@ void SendTime(Handle port) {
   Send(port, CommandId::time, text);
 }
 
-bool Holds(std::span<const int32_t> modes, int32_t mode) {
-  return std::find(modes.begin(), modes.end(), mode) != modes.end();
-}
-
 // A preset in force decides the output itself.
 void SendOutput(AppState& state, Handle port) {
   if (globals.presetCapable != 0 && globals.currentPreset != kNoPreset) return;
   int32_t& mode = state.settings.outputMode;
-  const bool known =
-      Holds(kStartModes, mode) || (LoadShared(globals.deviceFamily) != 1 && Holds(kFurtherModes, mode));
-  if (!known) mode = kReplacementMode;
+  mode = AcceptedMode(LoadShared(globals.deviceFamily), mode);
   SendNumber(port, CommandId::output, mode);
   state.appliedSettings.outputMode = mode;
 }

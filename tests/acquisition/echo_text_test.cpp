@@ -12,6 +12,7 @@ namespace tw {
 namespace {
 
 using test::kGoldenBlock;
+using test::kGoldenSecondBlock;
 
 constexpr int32_t kSampling_hz = 10'000;  // configured
 constexpr int32_t kTx_hz = 450'000;
@@ -20,6 +21,7 @@ constexpr int32_t kTx_hz = 450'000;
 constexpr EchoTextHeader kPrevious = {.deviceSeconds = 1,
                                       .deviceMilliseconds = 2,
                                       .sampleCount = 3,
+                                      .resolution_mm = 12.5f,
                                       .outputMode = 9,
                                       .samplingFrequency_hz = 5,
                                       .altitude_m = 6.5f,
@@ -31,6 +33,7 @@ constexpr EchoTextHeader kPrevious = {.deviceSeconds = 1,
 constexpr EchoTextHeader kGolden = {.deviceSeconds = 12,
                                     .deviceMilliseconds = 5,
                                     .sampleCount = 4,
+                                    .resolution_mm = 12.5f,
                                     .outputMode = 4,
                                     .samplingFrequency_hz = 25'000,
                                     .altitude_m = 4.25f,
@@ -40,9 +43,18 @@ constexpr EchoTextHeader kGolden = {.deviceSeconds = 12,
                                     .ping = 17,
                                     .txFrequency_hz = 200'000};
 
-EchoTextHeader Parse(std::string_view block, bool* hasTx = nullptr) {
+// The other families' block has a resolution, and its sampling frequency is the configured one.
+constexpr EchoTextHeader kSecondGolden = [] {
+  EchoTextHeader header = kGolden;
+  header.resolution_mm = 7.5f;
+  header.samplingFrequency_hz = kSampling_hz;
+  return header;
+}();
+
+EchoTextHeader Parse(std::string_view block, bool* hasTx = nullptr,
+                     EchoTextKeys keys = EchoTextKeys::firstFamily) {
   EchoTextHeader header = kPrevious;
-  const ParsedEchoText parsed = ParseEchoTextHeader(block, kSampling_hz, kTx_hz, header);
+  const ParsedEchoText parsed = ParseEchoTextHeader(keys, block, kSampling_hz, kTx_hz, header);
   if (hasTx != nullptr) *hasTx = parsed.hasTxFrequency;
   return header;
 }
@@ -51,6 +63,7 @@ void ExpectSame(const EchoTextHeader& header, const EchoTextHeader& expected, co
   EXPECT_EQ(header.deviceSeconds, expected.deviceSeconds) << what;
   EXPECT_EQ(header.deviceMilliseconds, expected.deviceMilliseconds) << what;
   EXPECT_EQ(header.sampleCount, expected.sampleCount) << what;
+  EXPECT_EQ(header.resolution_mm, expected.resolution_mm) << what;
   EXPECT_EQ(header.outputMode, expected.outputMode) << what;
   EXPECT_EQ(header.samplingFrequency_hz, expected.samplingFrequency_hz) << what;
   EXPECT_EQ(header.altitude_m, expected.altitude_m) << what;
@@ -71,67 +84,98 @@ std::vector<std::string> LinesOf(std::string_view block) {
   return lines;
 }
 
-TEST(EchoTextHeader, TheGoldenBlock) {
-  bool hasTx = false;
-  ExpectSame(Parse(kGoldenBlock, &hasTx), kGolden, "golden");
-  EXPECT_TRUE(hasTx);
+// What a block without one of its lines leaves standing, line by line from the second on.
+using Previous = void (*)(EchoTextHeader&);
+
+struct Form {
+  EchoTextKeys keys;
+  std::string_view block;
+  EchoTextHeader golden;
+  std::vector<Previous> without;
+};
+
+void KeepTime(EchoTextHeader& h) {
+  h.deviceSeconds = kPrevious.deviceSeconds;
+  h.deviceMilliseconds = kPrevious.deviceMilliseconds;
+}
+template <auto member>
+void Keep(EchoTextHeader& h) {
+  h.*member = kPrevious.*member;
+}
+void ConfiguredSampling(EchoTextHeader& h) {
+  h.samplingFrequency_hz = kSampling_hz;
+}
+void ConfiguredTx(EchoTextHeader& h) {
+  h.txFrequency_hz = kTx_hz;
+}
+
+const Form kForms[] = {
+    {EchoTextKeys::firstFamily,
+     kGoldenBlock,
+     kGolden,
+     {KeepTime, Keep<&EchoTextHeader::sampleCount>, Keep<&EchoTextHeader::outputMode>, ConfiguredSampling,
+      Keep<&EchoTextHeader::altitude_m>, Keep<&EchoTextHeader::temperature_c>,
+      Keep<&EchoTextHeader::pitch_deg>, Keep<&EchoTextHeader::roll_deg>, Keep<&EchoTextHeader::ping>,
+      ConfiguredTx}},
+    {EchoTextKeys::otherFamilies,
+     kGoldenSecondBlock,
+     kSecondGolden,
+     {KeepTime, Keep<&EchoTextHeader::sampleCount>, Keep<&EchoTextHeader::resolution_mm>,
+      Keep<&EchoTextHeader::outputMode>, Keep<&EchoTextHeader::altitude_m>,
+      Keep<&EchoTextHeader::temperature_c>, Keep<&EchoTextHeader::pitch_deg>, Keep<&EchoTextHeader::roll_deg>,
+      Keep<&EchoTextHeader::ping>, ConfiguredTx}},
+};
+
+TEST(EchoTextHeader, TheGoldenBlocks) {
+  for (const Form& form : kForms) {
+    bool hasTx = false;
+    ExpectSame(Parse(form.block, &hasTx, form.keys), form.golden, std::string(form.block));
+    EXPECT_TRUE(hasTx);
+  }
 }
 
 TEST(EchoTextHeader, KeysStandInAnyOrder) {
-  std::vector<std::string> lines = LinesOf(kGoldenBlock);
   std::minstd_rand random(1);
-  for (int run = 0; run < 20; ++run) {
-    std::shuffle(lines.begin() + 1, lines.begin() + 11, random);
-    std::string block;
-    for (const std::string& line : lines) block += line;
-    ExpectSame(Parse(block), kGolden, block);
+  for (const Form& form : kForms) {
+    std::vector<std::string> lines = LinesOf(form.block);
+    for (int run = 0; run < 20; ++run) {
+      std::shuffle(lines.begin() + 1, lines.begin() + 11, random);
+      std::string block;
+      for (const std::string& line : lines) block += line;
+      ExpectSame(Parse(block, nullptr, form.keys), form.golden, block);
+    }
   }
 }
 
 TEST(EchoTextHeader, AMissingKeyKeepsThePreviousValueOrTakesTheConfiguredOne) {
-  const std::vector<std::string> lines = LinesOf(kGoldenBlock);
-  for (size_t left = 1; left <= 10; ++left) {
-    std::string block;
-    for (size_t i = 0; i < lines.size(); ++i) {
-      if (i != left) block += lines[i];
+  for (const Form& form : kForms) {
+    const std::vector<std::string> lines = LinesOf(form.block);
+    for (size_t left = 0; left < form.without.size(); ++left) {
+      std::string block;
+      for (size_t i = 0; i < lines.size(); ++i) {
+        if (i != left + 1) block += lines[i];
+      }
+      EchoTextHeader expected = form.golden;
+      form.without[left](expected);
+      bool hasTx = false;
+      ExpectSame(Parse(block, &hasTx, form.keys), expected, "without " + lines[left + 1]);
+      EXPECT_EQ(hasTx, form.without[left] != ConfiguredTx);
     }
-    EchoTextHeader expected = kGolden;
-    switch (left) {
-      case 1:
-        expected.deviceSeconds = kPrevious.deviceSeconds;
-        expected.deviceMilliseconds = kPrevious.deviceMilliseconds;
-        break;
-      case 2:
-        expected.sampleCount = kPrevious.sampleCount;
-        break;
-      case 3:
-        expected.outputMode = kPrevious.outputMode;
-        break;
-      case 4:
-        expected.samplingFrequency_hz = kSampling_hz;
-        break;
-      case 5:
-        expected.altitude_m = kPrevious.altitude_m;
-        break;
-      case 6:
-        expected.temperature_c = kPrevious.temperature_c;
-        break;
-      case 7:
-        expected.pitch_deg = kPrevious.pitch_deg;
-        break;
-      case 8:
-        expected.roll_deg = kPrevious.roll_deg;
-        break;
-      case 9:
-        expected.ping = kPrevious.ping;
-        break;
-      case 10:
-        expected.txFrequency_hz = kTx_hz;
-        break;
-    }
-    bool hasTx = false;
-    ExpectSame(Parse(block, &hasTx), expected, "without " + lines[left]);
-    EXPECT_EQ(hasTx, left != 10);
+  }
+}
+
+TEST(EchoTextHeader, KeysOfTheOtherFamilyAreNotTaken) {
+  EchoTextHeader expected = kSecondGolden;  // of a first-family block, read with the other families' keys
+  expected.resolution_mm = kPrevious.resolution_mm;
+  expected.altitude_m = kPrevious.altitude_m;
+  expected.temperature_c = kPrevious.temperature_c;
+  ExpectSame(Parse(kGoldenBlock, nullptr, EchoTextKeys::otherFamilies), expected, "first family's block");
+  ExpectSame(Parse(kGoldenSecondBlock), expected, "second family's block");
+}
+
+TEST(EchoTextHeader, AResolutionMayEndInAnF) {
+  for (const char* line : {"#Resolution,mm 3.75f\r\n", "#Resolution,mm 3.75\r\n"}) {
+    EXPECT_EQ(Parse(line, nullptr, EchoTextKeys::otherFamilies).resolution_mm, 3.75f) << line;
   }
 }
 
@@ -183,7 +227,8 @@ TEST(EchoTextHeader, EveryTruncationReadsNoByteBehindItsEnd) {
     // On the heap and without a terminating zero, so that the sanitizers see a read behind the end.
     const std::vector<char> cut(block.begin(), block.begin() + static_cast<std::ptrdiff_t>(length));
     EchoTextHeader header = kPrevious;
-    const ParsedEchoText parsed = ParseEchoTextHeader({cut.data(), cut.size()}, kSampling_hz, kTx_hz, header);
+    const ParsedEchoText parsed = ParseEchoTextHeader(EchoTextKeys::firstFamily, {cut.data(), cut.size()},
+                                                      kSampling_hz, kTx_hz, header);
     std::vector<uint16_t> samples(4, 0xAAAA);
     EXPECT_LE(ReadSampleLines(parsed.dataLines, samples), 5u) << length;
   }

@@ -5,13 +5,11 @@
 #include <fstream>
 #include <iterator>
 
-#include "acquisition/echo_text_worker.h"
 #include "base/shared_value.h"
 #include "platform/file.h"
 #include "platform/host/faults.h"
 #include "platform/memory.h"
 #include "platform/serial_line.h"
-#include "platform/thread.h"
 
 namespace tw::test {
 
@@ -36,6 +34,7 @@ LiveProgram::LiveProgram(SerialPeer& device)
   settings.frequencyInUse_hz = settings.highFrequency_hz = 200'000;
   settings.lowFrequency_hz = 30'000;
   settings.virtualLowFrequency_hz = 33'000;
+  settings.soundSpeed_mps = 1'500;
   settings.rangeHigh_mm = 12'500;
   settings.rangeLow_mm = 40;  // firmware that tells metres
   AttachPeer(kDeviceLine, &device);
@@ -60,8 +59,8 @@ LiveProgram::~LiveProgram() {
   FreeZeroed(state_, sizeof *state_);
 }
 
-void LiveProgram::StartWorker() {
-  state_->acquisitionThread = StartThread(EchoTextWorker, state_);
+void LiveProgram::StartWorker(ThreadBody worker) {
+  state_->acquisitionThread = StartThread(worker, state_);
 }
 
 void LiveProgram::StopWorker() {

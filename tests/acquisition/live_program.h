@@ -4,10 +4,12 @@
 #include <string>
 #include <vector>
 
+#include "acquisition/echo_text_worker.h"
 #include "acquisition/ping_ring.h"
 #include "acquisition/record_file.h"
 #include "app/app_state.h"
 #include "platform/host/serial_peer.h"
+#include "platform/thread.h"
 #include "tests/acquisition/posted_texts.h"
 #include "tests/app/test_folder.h"
 
@@ -15,7 +17,8 @@ namespace tw::test {
 
 inline constexpr wchar_t kDeviceLine[] = L"\\\\.\\COM7";
 
-// A device of the first family in output mode 4, single, 12.5 and 40 m of range, 200 kHz in use. Make it
+// A device of the first family in output mode 4, single, 12.5 and 40 m of range, 200 kHz in use,
+// 1,500 m/s. Make it
 // after the clock of the test has been started, if that is a virtual one.
 class LiveProgram {
  public:
@@ -26,7 +29,7 @@ class LiveProgram {
 
   [[nodiscard]] AppState& State() { return *state_; }
 
-  void StartWorker();
+  void StartWorker(ThreadBody worker = EchoTextWorker);
   // Asks the worker to end, and waits until it has.
   void StopWorker();
   void WaitForWorker();

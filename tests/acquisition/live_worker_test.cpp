@@ -83,6 +83,26 @@ TEST_F(LiveWorker, TenBitSamplesAreScaledAndSamplesOfTheLastBlockAreGone) {
   EXPECT_EQ(program_.HeaderA(program_.IndexA()).altitude_m, 4.25f) << "the previous block's";
 }
 
+TEST_F(LiveWorker, TheSecondFamilysBlockTakesTheConfiguredSamplingFrequency) {
+  const struct {
+    int32_t mode;
+    std::vector<uint16_t> samples;  // four, twice each at the configured 50,000 Hz
+  } cases[] = {{2, {48, 48, 28, 28, 16044, 16044, 0, 0}}, {5, {12, 12, 7, 7, 4011, 4011, 0, 0}}};
+  globals.deviceFamily = 2;
+  for (const auto& each : cases) {
+    state_.settings.outputMode = each.mode;
+    device_.At_ms(VirtualNow_us() / 1'000 + 100, test::kGoldenSecondBlock);
+    program_.StartWorker(SecondFamilyEchoTextWorker);
+    SleepMilliseconds(200);
+    program_.StopWorker();
+    const PingHeader ping = program_.HeaderA(program_.IndexA());
+    EXPECT_EQ(ping.samplingFrequency_hz, 50'000u);
+    EXPECT_EQ(ping.altitude_m, 4.25f);
+    EXPECT_EQ(ping.temperature_c, 11.4f);
+    EXPECT_EQ(program_.SamplesA(program_.IndexA(), 8), each.samples) << "mode " << each.mode;
+  }
+}
+
 TEST_F(LiveWorker, AStreamWithoutAttitudeShowsNone) {
   device_.At_ms(100, EchoBlock(1));
   RunUntil_ms(200);
