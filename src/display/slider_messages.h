@@ -9,6 +9,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 
 #include "base/shared_value.h"
@@ -28,6 +29,12 @@ struct ProgressBlock {
   uint64_t position;     // bytes from the file's start
   uint64_t fileSize;     // bytes
 };
+
+// Takes over the block that the first parameter of WM_USER points to; null when it is a plain number.
+[[nodiscard]] inline std::unique_ptr<ProgressBlock> ReceiveProgress(uintptr_t parameter) {
+  if (parameter == kProgressSpan) return nullptr;
+  return std::unique_ptr<ProgressBlock>(reinterpret_cast<ProgressBlock*>(parameter));
+}
 
 // `request` is AppState::seekRequest: 0 is none, so that a zero-filled record asks for nothing; else one more
 // than the position.
