@@ -85,6 +85,7 @@ struct AppState {
   Handle sliderWindow;
   int32_t playbackSpan;
   int32_t conversionKind;  // 0 none, 1 SEG-Y, 2 binary to text; shared
+  uint64_t seekRequest;    // shared: the slider asks, the file worker takes; see display/slider_messages.h
 
   // Fields that the table above has no names for.
   int32_t playbackActive;  // GUI thread

@@ -12,6 +12,7 @@
 #include "app/window_handles_win32.h"
 #include "app/window_layout.h"
 #include "display/scaling.h"
+#include "display/slider_messages.h"
 
 namespace tw {
 namespace {
@@ -137,6 +138,9 @@ LRESULT CALLBACK MainWindowProcedure(HWND window, UINT message, WPARAM wParam, L
       return 0;
     case WM_TIMER:
       OnTimer(*state, wParam);
+      return 0;
+    case WM_USER:
+      static_cast<void>(ReceiveProgress(wParam));  // the slider shows it; this copy ends here
       return 0;
     case WM_DESTROY:
       OnDestroy(*state);
