@@ -30,10 +30,21 @@ size_t LayOutRecord(std::string_view, const LivePing& ping, std::string_view,
 static_assert(kMaxSlotSamples <= kMaxPingSamples);
 static_assert(frame::kWrittenHeaderLength + 2 * kMaxSlotSamples <= kMaxRecordSize);
 
-const LiveMode kBinaryEcho{MakeReader, ParseBlock, LayOutRecord, EmptyRun::leaveOneByte};
+const LiveMode kFirstFamilyBinaryEcho{MakeReader,
+                                      ParseBlock,
+                                      LayOutRecord,
+                                      EchoSource::samples,
+                                      RecordRule::fileOfChannel,
+                                      EmptyRun::leaveOneByte};
+const LiveMode kSecondFamilyBinaryEcho{MakeReader,          ParseBlock,          LayOutRecord,
+                                       EchoSource::samples, RecordRule::oneFile, EmptyRun::leaveOneByte};
 
 void BinaryEchoWorker(void* state) {
-  RunLiveWorker(*static_cast<AppState*>(state), kBinaryEcho);
+  RunLiveWorker(*static_cast<AppState*>(state), kFirstFamilyBinaryEcho);
+}
+
+void SecondFamilyBinaryEchoWorker(void* state) {
+  RunLiveWorker(*static_cast<AppState*>(state), kSecondFamilyBinaryEcho);
 }
 
 }  // namespace tw

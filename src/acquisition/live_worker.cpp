@@ -7,6 +7,7 @@
 #include "acquisition/live_report.h"
 #include "acquisition/record_file.h"
 #include "acquisition/store_ping.h"
+#include "acquisition/synthetic_pulse.h"
 #include "acquisition/time_marks.h"
 #include "base/shared_value.h"
 #include "gps/nmea_build.h"
@@ -32,7 +33,8 @@ struct Channel {
 LiveContext ContextOf(const AppState& state) {
   const DeviceSettings& settings = state.settings;
   return {LoadShared(globals.dualMode) != 0, settings.outputMode,      settings.samplingFrequency_hz,
-          settings.frequencyInUse_hz,        settings.lowFrequency_hz, settings.virtualLowFrequency_hz};
+          settings.frequencyInUse_hz,        settings.lowFrequency_hz, settings.virtualLowFrequency_hz,
+          settings.highFrequency_hz};
 }
 
 // One run of the worker, from its start to its end. On the heap, since a worker that hangs may still be there
@@ -119,20 +121,44 @@ class LiveRun {
 
   void TakeBlock(std::string_view block) {
     if (!mode_.parse(block, context_, ping_)) return;
-    Channel& channel = channels_[ping_.secondChannel ? 1 : 0];
     const uint32_t now_ms = MillisecondClock();
-    MeasureInterval(channel, now_ms);
+    if (mode_.echo == EchoSource::pulse) BeginPulsePing();
     ping_.header.timeOfWork_s = static_cast<uint32_t>(UnixMilliseconds() / 1000);
-    ping_.header.range_m = RangeOf(channel);
     const size_t sentences = TakePosition();
+    TakePing(channels_[ping_.secondChannel ? 1 : 0], now_ms);
+    if (ping_.bothChannels) TakeSecondAltitude(now_ms);
+    Record(block, sentences);
+    report_.Show(ping_.header, context_.dual, recorded_, now_ms);
+  }
+
+  void BeginPulsePing() {
+    ping_.header.ping = ++globals.runningPing;
+    ping_.header.samplingFrequency_hz = kGridFrequency_hz;
+    ping_.header.sampleCount = 0;
+  }
+
+  // Into ring, published values and marks of its channel.
+  void TakePing(Channel& channel, uint32_t now_ms) {
+    MeasureInterval(channel, now_ms);
+    ping_.header.range_m = RangeOf(channel);
     image_.Build(ping_.header, ping_.samples, ping_.factor);
+    if (mode_.echo == EchoSource::pulse) {
+      DrawPulse(image_, ping_.header.altitude_m, state_.settings.soundSpeed_mps);
+    }
     StorePing(channel.ring, image_, now_ms);
     Publish(channel);
     if (LoadShared(globals.timestampTicked) != 0) {
       AddMark(channel.marks, MarksOf(channel), ping_.header.timeOfWork_s);
     }
-    Record(channel, block, sentences);
-    report_.Show(ping_.header, context_.dual, recorded_, now_ms);
+  }
+
+  // The same ping again, as the second channel saw it.
+  void TakeSecondAltitude(uint32_t now_ms) {
+    const PingHeader first = ping_.header;
+    ping_.header.altitude_m = ping_.altitudeLow_m;
+    ping_.header.txFrequency_hz = context_.ChannelFrequency_hz(true);
+    TakePing(channels_[1], now_ms);
+    ping_.header = first;
   }
 
   void MeasureInterval(Channel& channel, uint32_t now_ms) {
@@ -180,10 +206,12 @@ class LiveRun {
   }
 
   // All of a ping in one write, so that nothing can come between its parts.
-  void Record(const Channel& channel, std::string_view block, size_t sentences) {
+  void Record(std::string_view block, size_t sentences) {
     if (!WaitForEvent(state_.recordingEvent, 0)) return;
+    const bool second = ping_.secondChannel && mode_.recordRule == RecordRule::fileOfChannel;
     const size_t size = mode_.layOutRecord(block, ping_, {sentences_, sentences}, std::span(record_));
-    recorded_ += WriteRecord(state_, channel.record, std::span(record_).first(size));
+    recorded_ +=
+        WriteRecord(state_, second ? RecordChannel::b : RecordChannel::a, std::span(record_).first(size));
   }
 
   void End() {

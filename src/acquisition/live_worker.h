@@ -25,10 +25,17 @@ struct LiveContext {
   int32_t configuredTx_hz;
   int32_t lowFrequency_hz;
   int32_t virtualLowFrequency_hz;
+  int32_t highFrequency_hz;
 
   // Which channel of a dual run a ping belongs to.
   [[nodiscard]] bool IsSecondChannel(int32_t tx_hz) const {
     return dual && (tx_hz == lowFrequency_hz || tx_hz == virtualLowFrequency_hz);
+  }
+
+  // The transmit frequency that was set for a ping's channel.
+  [[nodiscard]] int32_t ChannelFrequency_hz(bool secondChannel) const {
+    if (!dual) return configuredTx_hz;
+    return secondChannel ? lowFrequency_hz : highFrequency_hz;
   }
 };
 
@@ -40,9 +47,21 @@ struct LivePing {
   PingHeader header;
   bool secondChannel;
   std::span<const uint16_t> samples;
-  uint16_t factor;  // onto the 12-bit scale
+  uint16_t factor;    // onto the 12-bit scale
+  bool bothChannels;  // the block reports the second channel as well, with this altitude
+  float altitudeLow_m;
+  int32_t channelFrequency_hz;  // that was set for the ping's channel
   uint16_t buffers[2][kMaxPingSamples];
 };
+
+// What a mode's pings show in the echogram.
+enum class EchoSource : uint8_t {
+  samples,
+  pulse,  // none are sent: a pulse is drawn at the altitude, and pings take the program's running number
+};
+
+// Where the second channel of a dual run is recorded.
+enum class RecordRule : uint8_t { fileOfChannel, oneFile };
 
 inline constexpr size_t kMaxRecordSize = 257'000;  // the longest text block, two sentences and line ends
 
@@ -59,6 +78,8 @@ struct LiveMode {
   size_t (*layOutRecord)(std::string_view block, const LivePing& ping, std::string_view sentences,
                          std::span<char, kMaxRecordSize> record);
 
+  EchoSource echo = EchoSource::samples;
+  RecordRule recordRule = RecordRule::fileOfChannel;
   EmptyRun emptyRun = EmptyRun::deleteFiles;
 };
 

@@ -88,6 +88,8 @@ struct AppState {
 
   // Fields that the table above has no names for.
   int32_t playbackActive;  // GUI thread
+  int32_t playbackPaused;  // GUI thread
+  int32_t playbackAtEnd;   // the played file is exhausted; GUI thread
   int32_t linkLost;        // shared: workers set it, the GUI clears it before each worker start
   int32_t pendingRange;    // changes of range and output that timer 7 will send; GUI thread
   int32_t pendingOutput;
@@ -152,6 +154,7 @@ struct Globals {
 
   // Acquisition, read by the echogram view; shared.
   uint32_t pingCounter;
+  uint32_t runningPing;  // last number given to a ping of a mode that numbers none; acquisition worker only
   float latestAltitudeHigh_m;
   float latestAltitudeLow_m;
   int32_t attitudePresent;

@@ -1,6 +1,8 @@
 #include "app/connection.h"
 
+#include <algorithm>
 #include <cinttypes>
+#include <iterator>
 
 #include "app/control_ids.h"
 #include "app/port_selectors.h"
@@ -35,18 +37,6 @@ constexpr FamilyReader kFamilyReaders[] = {
     {0, ReadSettingsFromB64Info},
 };
 
-bool OpenDevice(AppState& state, WaitPointer& pointer) {
-  const Handle port = globals.deviceBaud == kFastSpeed_bps
-                          ? OpenFastDevicePort(globals.devicePortNumber)
-                          : OpenDevicePort(globals.devicePortNumber, globals.deviceBaud);
-  const uint32_t error = LastSystemError();
-  StoreShared(state.devicePort, port);
-  if (port != Handle::invalid) return true;
-  pointer.Restore();
-  ShowSystemError(state, error);
-  return false;
-}
-
 bool BringToPrompt(AppState& state, WaitPointer& pointer, const ElapsedLog& log) {
   if (StopDevice(state.devicePort) == LinkResult::success) return true;
   pointer.Restore();
@@ -69,15 +59,26 @@ bool OpenGps(AppState& state, WaitPointer& pointer) {
 }
 
 // Reads into a copy, so that a form that fails half-way leaves nothing behind.
+bool ReadsAs(const FamilyReader& reader, Handle port, const DeviceSettings& known, DeviceSettings& settings) {
+  globals.presetCapable = 0;
+  globals.smoothingSupported = 0;
+  globals.highChannelActive = 0;
+  settings = known;
+  return reader.read(port, settings) == LinkResult::success;
+}
+
 const FamilyReader* ReadSettings(Handle port, const DeviceSettings& known, DeviceSettings& settings) {
-  for (const FamilyReader& reader : kFamilyReaders) {
-    globals.presetCapable = 0;
-    globals.smoothingSupported = 0;
-    globals.highChannelActive = 0;
-    settings = known;
-    if (reader.read(port, settings) == LinkResult::success) return &reader;
-  }
-  return nullptr;
+  const auto* const reader =
+      std::find_if(std::begin(kFamilyReaders), std::end(kFamilyReaders),
+                   [&](const FamilyReader& each) { return ReadsAs(each, port, known, settings); });
+  return reader == std::end(kFamilyReaders) ? nullptr : reader;
+}
+
+void TakeOver(AppState& state, const DeviceSettings& settings) {
+  globals.measuredLowFrequency_hz = settings.virtualLowFrequency_hz;
+  globals.measuredHighFrequency_hz = settings.virtualHighFrequency_hz;
+  state.appliedSettings = settings;
+  state.settings = settings;
 }
 
 // What each family needs once it is known. A device that does not answer the reset any more shows as a
@@ -119,8 +120,22 @@ void ReadCommunication(AppState& state) {
   globals.gpsBaud = chosen.gpsSpeed_bps;
 }
 
+bool OpenDevice(AppState& state, uint32_t& error) {
+  const Handle port = globals.deviceBaud == kFastSpeed_bps
+                          ? OpenFastDevicePort(globals.devicePortNumber)
+                          : OpenDevicePort(globals.devicePortNumber, globals.deviceBaud);
+  error = LastSystemError();
+  StoreShared(state.devicePort, port);
+  return port != Handle::invalid;
+}
+
 bool ConnectPorts(AppState& state, WaitPointer& pointer, const ElapsedLog& log) {
-  if (!OpenDevice(state, pointer)) return false;
+  uint32_t error = 0;
+  if (!OpenDevice(state, error)) {
+    pointer.Restore();
+    ShowSystemError(state, error);
+    return false;
+  }
   log.Write("After Connect Time :  ");
   if (!BringToPrompt(state, pointer, log)) return false;
   // A prompt that comes late would shift each later reply by one; without one this costs the reply's limit.
@@ -143,10 +158,18 @@ bool IdentifyDevice(AppState& state, WaitPointer& pointer) {
   }
   SettleFamily(state.devicePort, reader->family, settings);
   StoreShared(globals.deviceFamily, reader->family);
-  globals.measuredLowFrequency_hz = settings.virtualLowFrequency_hz;
-  globals.measuredHighFrequency_hz = settings.virtualHighFrequency_hz;
-  state.appliedSettings = settings;
-  state.settings = settings;
+  TakeOver(state, settings);
+  return true;
+}
+
+bool ReadSettingsBack(AppState& state) {
+  const int32_t family = LoadShared(globals.deviceFamily);
+  const auto* const reader = std::find_if(std::begin(kFamilyReaders), std::end(kFamilyReaders),
+                                          [&](const FamilyReader& each) { return each.family == family; });
+  DeviceSettings settings{};
+  if (!ReadsAs(*reader, state.devicePort, state.settings, settings)) return false;
+  if (family != 1) settings.simultaneous = 0;
+  TakeOver(state, settings);
   return true;
 }
 

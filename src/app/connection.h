@@ -19,6 +19,14 @@ void ReadCommunication(AppState& state);
 // ports are closed, what was known of the device is unchanged, and the result is false.
 [[nodiscard]] bool IdentifyDevice(AppState& state, WaitPointer& pointer);
 
+// Reads the settings back from the device that was identified, as its family does, and takes them over into
+// `appliedSettings` and `settings`. On failure both are unchanged.
+[[nodiscard]] bool ReadSettingsBack(AppState& state);
+
+// Opens the device port at the chosen speed, 3000000 as the fast form. False when the system refuses; its
+// error is in `error` then.
+[[nodiscard]] bool OpenDevice(AppState& state, uint32_t& error);
+
 // Shows in the status bar what is connected, or that nothing is.
 void ShowConnection(AppState& state);
 void ShowDisconnected(AppState& state);

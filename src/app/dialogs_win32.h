@@ -1,4 +1,4 @@
-// The dialogs that only show something. GUI thread; each is modal to the main window.
+// The smaller dialogs. GUI thread; each is modal to the main window.
 #pragma once
 
 #include "app/app_state.h"
@@ -7,5 +7,11 @@ namespace tw {
 
 void ShowAboutDialog(AppState& state);
 void ShowShortcutsDialog(AppState& state);
+
+// "Working folder change": makes the folder if need be, stores it; the next record file goes there.
+void ShowFolderDialog(AppState& state);
+
+// "Change Device Baudrate": what is chosen goes to the device at once.
+void ShowSpeedDialog(AppState& state);
 
 }  // namespace tw

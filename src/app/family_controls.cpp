@@ -1,39 +1,93 @@
 #include "app/family_controls.h"
 
-#include "acquisition/output_mode.h"
+#include <cwchar>
+
 #include "app/control_ids.h"
+#include "app/run_control.h"
 #include "app/ui.h"
 #include "base/shared_value.h"
-#include "base/text_format.h"
 
 namespace tw {
 namespace {
 
-void ShowOnlyItem(AppState& state, int combo, const wchar_t* text) {
+void FillCombo(AppState& state, int combo, const FieldItems& items, const wchar_t* selected) {
   ClearCombo(state, combo);
-  AddComboItem(state, combo, text);
-  SelectComboItem(state, combo, 0);
+  int index = -1;
+  for (size_t i = 0; i < items.count; ++i) {
+    AddComboItem(state, combo, items.items[i]);
+    if (std::wcscmp(items.items[i], selected) == 0) index = static_cast<int>(i);
+  }
+  SelectComboItem(state, combo, index);
 }
 
-void ShowOutput(AppState& state) {
-  wchar_t text[64];
-  CopyWide(text, NameOfMode(LoadShared(globals.deviceFamily), state.settings.outputMode));
-  ShowOnlyItem(state, ID_OUTPUT, text);
+struct Selector {
+  int combo;
+  SettingsField field;
+};
+
+constexpr Selector kSelectors[] = {
+    {ID_OUTPUT, SettingsField::outputMode},
+    {ID_RANGE, SettingsField::range},
+    {ID_INTERVAL, SettingsField::interval},
+};
+
+// The channel whose range the main window shows: of a dual device the high one.
+FieldChannel ShownChannel(const FormFacts& facts, const DeviceSettings& settings) {
+  return facts.dual ? FieldChannel::high : ActiveChannel(facts, settings);
 }
 
-void ShowRange(AppState& state) {
-  wchar_t text[32];
-  FormatWide(text, "%g", state.displayRangeUpper / 1000.0);
-  ShowOnlyItem(state, ID_RANGE, text);
+void ShowSelector(AppState& state, const Selector& selector, const FormFacts& facts) {
+  const FieldChannel channel = ShownChannel(facts, state.settings);
+  wchar_t text[kFieldTextSize];
+  FormatField(selector.field, channel, facts, state.settings, text);
+  FieldItems items;
+  ListItems(selector.field, channel, facts, state.settings, items);
+  FillCombo(state, selector.combo, items, text);
 }
 
-void ShowInterval(AppState& state) {
-  wchar_t text[32];
-  FormatWide(text, "%.2f", state.settings.pingInterval_ms / 1000.0);
-  ShowOnlyItem(state, ID_INTERVAL, state.settings.pingInterval_ms == 0 ? L"Auto" : text);
+void ShowPresets(AppState& state) {
+  FieldItems items;
+  ListPresets(state.settings, items);
+  wchar_t text[kFieldTextSize];
+  FormatPreset(state.settings.preset, text);
+  FillCombo(state, ID_PRESET, items, text);
+}
+
+// Items are valid by their making; what is not is left out.
+void TakeSelection(AppState& state, const Selector& selector, const FormFacts& facts) {
+  wchar_t text[kFieldTextSize];
+  wchar_t error[2 * kFieldTextSize];
+  GetControlText(state, selector.combo, text);
+  DeviceSettings& settings = state.settings;
+  static_cast<void>(ReadField(selector.field, ShownChannel(facts, settings), facts, text, settings, error));
+  if (facts.dual && selector.field == SettingsField::range) {
+    static_cast<void>(ReadField(selector.field, FieldChannel::low, facts, text, settings, error));
+  }
+  if (selector.field != SettingsField::interval) NoteChoice(state);
+}
+
+void TakePreset(AppState& state) {
+  wchar_t text[kFieldTextSize];
+  GetControlText(state, ID_PRESET, text);
+  if (!ReadPreset(text, state.settings.preset)) return;
+  state.settings.automaticMode = state.settings.preset == kAutomaticPreset ? 1 : 0;
+}
+
+void TakeFrequency(AppState& state, int32_t frequency_hz) {
+  state.settings.frequencyInUse_hz = frequency_hz;
+  ShowSelector(state, kSelectors[1], CurrentFormFacts());
 }
 
 }  // namespace
+
+FormFacts CurrentFormFacts() {
+  return {.family = LoadShared(globals.deviceFamily),
+          .dual = LoadShared(globals.dualMode) != 0,
+          .smoothingSupported = globals.smoothingSupported != 0,
+          .presetCapable = globals.presetCapable != 0,
+          .interfaceType = globals.interfaceType,
+          .firmwareVersion = globals.firmwareVersion};
+}
 
 void ShowFamilyControls(AppState& state) {
   const int32_t family = LoadShared(globals.deviceFamily);
@@ -46,14 +100,32 @@ void ShowFamilyControls(AppState& state) {
 
 void RefreshSettingsControls(AppState& state) {
   const DeviceSettings& settings = state.settings;
-  const bool dual = LoadShared(globals.dualMode) != 0;
-  const bool low = settings.frequencyInUse_hz == settings.lowFrequency_hz;
-  SetChecked(state, ID_DUAL_MODE, dual);
-  SetChecked(state, ID_LOW_FREQUENCY, !dual && low);
-  SetChecked(state, ID_HIGH_FREQUENCY, !dual && !low);
-  ShowOutput(state);
-  ShowRange(state);
-  ShowInterval(state);
+  const FormFacts facts = CurrentFormFacts();
+  const bool low = ActiveChannel(facts, settings) == FieldChannel::low;
+  SetChecked(state, ID_DUAL_MODE, facts.dual);
+  SetChecked(state, ID_LOW_FREQUENCY, !facts.dual && low);
+  SetChecked(state, ID_HIGH_FREQUENCY, !facts.dual && !low);
+  for (const Selector& selector : kSelectors) ShowSelector(state, selector, facts);
+  ShowPresets(state);
+}
+
+void TakeSettingsChoice(AppState& state, int control) {
+  switch (control) {
+    case ID_LOW_FREQUENCY:
+      return TakeFrequency(state, state.settings.lowFrequency_hz);
+    case ID_HIGH_FREQUENCY:
+      return TakeFrequency(state, state.settings.highFrequency_hz);
+    case ID_DUAL_MODE:
+      state.settings.simultaneous = IsChecked(state, ID_DUAL_MODE) ? 1 : 0;
+      return;
+    case ID_PRESET:
+      return TakePreset(state);
+    default:
+      break;
+  }
+  for (const Selector& selector : kSelectors) {
+    if (selector.combo == control) TakeSelection(state, selector, CurrentFormFacts());
+  }
 }
 
 }  // namespace tw

@@ -1,15 +1,23 @@
-// What the main window's settings controls show of the connected device. GUI thread.
+// The settings controls of the main window: which of them a device family has, what they show, and what
+// becomes of a choice. They edit `settings`; nothing is sent to the device here. GUI thread.
 #pragma once
 
 #include "app/app_state.h"
+#include "app/settings_form.h"
 
 namespace tw {
 
-// Shows the controls that the device's family has and hides the others.
+// Shows and hides what the connected family has and has not.
 void ShowFamilyControls(AppState& state);
 
-// Puts the device's settings into the controls: output mode, range and interval as the one item of their
-// selectors, the frequency in use and dual mode as check marks.
+// Shows the values of `settings`.
 void RefreshSettingsControls(AppState& state);
+
+// Takes the choice of one of these controls over into `settings`. Range and output go to a running device by
+// themselves a second later, the others with "Apply".
+void TakeSettingsChoice(AppState& state, int control);
+
+// What the forms depend on, of the device that was connected last.
+[[nodiscard]] FormFacts CurrentFormFacts();
 
 }  // namespace tw

@@ -5,6 +5,7 @@
 #include "app/family_controls.h"
 #include "app/full_window_win32.h"
 #include "app/run_control.h"
+#include "app/settings_dialog_win32.h"
 #include "app/start_up.h"
 #include "app/view_choices.h"
 #include "app/view_placement_win32.h"
@@ -61,6 +62,10 @@ void OnCommand(AppState& state, int id) {
       return ShowAboutDialog(state);
     case ID_MENU_SHORTCUTS:
       return ShowShortcutsDialog(state);
+    case ID_MENU_FOLDER:
+      return ShowFolderDialog(state);
+    case ID_MENU_BAUD:
+      return ShowSpeedDialog(state);
     case ID_MENU_EXIT:
       DestroyWindow(MainWindow(state));
       return;
@@ -69,10 +74,26 @@ void OnCommand(AppState& state, int id) {
     case ID_STOP:
       StopRun(state);
       return RefreshSettingsControls(state);
+    case ID_APPLY:
+      return ApplySettings(state);
+    case ID_DETAIL:
+      return EditSettings(state);
+    case ID_LOW_FREQUENCY:
+    case ID_HIGH_FREQUENCY:
+    case ID_DUAL_MODE:
+    case ID_OUTPUT:
+    case ID_RANGE:
+    case ID_INTERVAL:
+    case ID_PRESET:
+      return TakeSettingsChoice(state, id);
+    case ID_DEFAULT:
+      return RestoreDefaults(state);
     case ID_RECORD:
       return ToggleRecording(state);
     case ID_TIMESTAMP:
       return ToggleTimestamp(state);
+    case ID_AUTO_CAPTURE:
+      return ToggleAutoCapture(state);
     default:
       return;
   }

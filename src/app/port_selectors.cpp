@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cinttypes>
 #include <cwchar>
+#include <iterator>
 #include <span>
 
 #include "app/control_ids.h"
@@ -101,6 +102,16 @@ void SelectStoredPorts(AppState& state, const CommunicationSettings& stored) {
 void FillSpeedCombos(AppState& state, const CommunicationSettings& stored) {
   FillSpeedCombo(state, ID_DEVICE_SPEED, kDeviceSpeeds, stored.deviceSpeed_bps);
   FillSpeedCombo(state, ID_GPS_SPEED, kGpsSpeeds, stored.gpsSpeed_bps);
+}
+
+std::span<const int32_t> DeviceSpeeds() {
+  return kDeviceSpeeds;
+}
+
+void SelectDeviceSpeed(AppState& state, int32_t speed_bps) {
+  const auto* const speed = std::find(std::begin(kDeviceSpeeds), std::end(kDeviceSpeeds), speed_bps);
+  if (speed == std::end(kDeviceSpeeds)) return;
+  SelectComboItem(state, ID_DEVICE_SPEED, static_cast<int>(speed - std::begin(kDeviceSpeeds)));
 }
 
 void ReadCommunicationCombos(AppState& state, CommunicationSettings& settings) {

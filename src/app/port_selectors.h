@@ -1,6 +1,9 @@
 // The selectors of serial ports and speeds in the main window. GUI thread.
 #pragma once
 
+#include <cstdint>
+#include <span>
+
 #include "app/app_state.h"
 #include "app/persistent_settings.h"
 
@@ -21,6 +24,12 @@ void SelectStoredPorts(AppState& state, const CommunicationSettings& stored);
 
 // Fills both speed selectors and selects the stored speeds; the first item where a speed is not listed.
 void FillSpeedCombos(AppState& state, const CommunicationSettings& stored);
+
+// The device speeds on offer, in bit/s.
+[[nodiscard]] std::span<const int32_t> DeviceSpeeds();
+
+// Selects a speed in the device's selector; one that it does not hold leaves the selection.
+void SelectDeviceSpeed(AppState& state, int32_t speed_bps);
 
 // Reads the four selectors. A text that holds no number leaves its value as it was.
 void ReadCommunicationCombos(AppState& state, CommunicationSettings& settings);

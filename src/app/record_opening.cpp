@@ -10,11 +10,11 @@
 namespace tw {
 namespace {
 
-NamingFacts CollectFacts(const AppState& state, NamingMoment moment) {
+NamingFacts CollectFacts(const AppState& state, NamingMoment moment, int32_t family) {
   const DeviceSettings& settings = state.settings;
   return {
       .moment = moment,
-      .family = LoadShared(globals.deviceFamily),
+      .family = family,
       .dual = LoadShared(globals.dualMode) != 0,
       .outputMode = settings.outputMode,
       .frequencyInUse_hz = settings.frequencyInUse_hz,
@@ -51,11 +51,15 @@ void CloseCompanion(Handle& companion) {
 }  // namespace
 
 void OpenRecordFiles(AppState& state, NamingMoment moment) {
+  OpenRecordFiles(state, moment, LoadShared(globals.deviceFamily));
+}
+
+void OpenRecordFiles(AppState& state, NamingMoment moment, int32_t namingFamily) {
   CloseRecordFiles(state);
-  const bool first = LoadShared(globals.deviceFamily) == 1;
+  const bool first = namingFamily == 1;
   if (first && moment == NamingMoment::start && state.settings.outputMode == 5) state.settings.outputMode = 6;
 
-  const RecordFileNames names = NameRecordFiles(CollectFacts(state, moment));
+  const RecordFileNames names = NameRecordFiles(CollectFacts(state, moment, namingFamily));
   globals.lowKHz = NameKHz(globals.measuredLowFrequency_hz);
   globals.highKHz = NameKHz(globals.measuredHighFrequency_hz);
   OpenOne(state, names.a, RecordChannel::a, state.segyCompanionA);

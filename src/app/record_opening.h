@@ -2,6 +2,8 @@
 // protocol of acquisition/record_file.h.
 #pragma once
 
+#include <cstdint>
+
 #include "app/app_state.h"
 #include "app/file_naming.h"
 
@@ -12,6 +14,9 @@ namespace tw {
 // closed first. A folder or file that cannot be created is no failure: that handle stays invalid and
 // nothing is recorded into it.
 void OpenRecordFiles(AppState& state, NamingMoment moment);
+
+// The same with the names that another family's files would have.
+void OpenRecordFiles(AppState& state, NamingMoment moment, int32_t namingFamily);
 
 // Closes both record files and both SEG-Y companions.
 void CloseRecordFiles(AppState& state);

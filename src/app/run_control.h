@@ -18,6 +18,19 @@ void StartRun(AppState& state);
 // which goes on streaming. Ends a playback too. Harmless while idle.
 void StopRun(AppState& state);
 
+// "Apply": interrupts the run, sends what differs from the applied settings, reads everything back, opens
+// fresh record files and goes on. Without a device it only says so.
+void ApplySettings(AppState& state);
+
+// "Default Setting": the same with the device's own defaults, after a question.
+void RestoreDefaults(AppState& state);
+
+// Tells the device and the port a new speed of the device list, and goes on with the run.
+void ChangeSpeed(AppState& state, int32_t speed_bps);
+
+// Range or output was chosen anew: a running device gets it by itself a second later.
+void NoteChoice(AppState& state);
+
 // "Record Data" was ticked or unticked.
 void ToggleRecording(AppState& state);
 

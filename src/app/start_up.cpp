@@ -4,6 +4,7 @@
 #include "acquisition/record_file.h"
 #include "app/connection.h"
 #include "app/control_ids.h"
+#include "app/control_states.h"
 #include "app/persistent_settings.h"
 #include "app/port_selectors.h"
 #include "app/ui.h"
@@ -139,6 +140,7 @@ void StartUp(AppState& state) {
   MakeLocks(state);
   LoadRecordingChoices(state);
   BuildSegyTextHeader(globals.segyTextHeader);
+  RefreshControlStates(state);
 }
 
 void BeginShutDown(AppState& state) {

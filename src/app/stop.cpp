@@ -1,8 +1,10 @@
 #include "app/connection.h"
 #include "app/control_ids.h"
+#include "app/control_states.h"
 #include "app/record_opening.h"
 #include "app/run_control.h"
 #include "app/ui.h"
+#include "app/view_choices.h"
 #include "app/wait_pointer.h"
 #include "app/worker_control.h"
 #include "base/shared_value.h"
@@ -24,23 +26,29 @@ void EndGps(AppState& state) {
   globals.gpsQuality = 0;
 }
 
+// A speed change that failed has closed the device port and nothing else.
+bool HoldsSomething(AppState& state) {
+  return LoadShared(state.devicePort) != Handle::invalid || state.acquisitionThread != Handle::null ||
+         state.gpsThread != Handle::null;
+}
+
 void ShowIdle(AppState& state) {
   ShowDisconnected(state);
   // Posted, so that they come behind what the workers have posted.
   PostStatusText(state, StatusPart::position, L"");
   PostStatusText(state, StatusPart::pingLine, L"");
   Reset(state.recordingEvent);
-  EnableControl(state, ID_RECORD, true);
-  EnableControl(state, ID_SAVE_ADDITIONAL, true);
-  EnableControl(state, ID_START, true);
   StopTimer(state, ID_TIMER_LINK);
+  StopTimer(state, ID_TIMER_CHANGES);
+  RefreshControlStates(state);
+  RefreshCaptureTimer(state);
 }
 
 }  // namespace
 
 void StopRun(AppState& state) {
   EndFileWorkers(state);
-  if (LoadShared(state.devicePort) != Handle::invalid) {
+  if (HoldsSomething(state)) {
     WaitPointer pointer;
     EndAcquisition(state, kStopLimit_ms);
     RaiseRunNumber(state);

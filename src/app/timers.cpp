@@ -1,4 +1,7 @@
+#include <cwchar>
+
 #include "app/control_ids.h"
+#include "app/control_states.h"
 #include "app/file_naming.h"
 #include "app/port_selectors.h"
 #include "app/run_control.h"
@@ -33,7 +36,23 @@ void OfferPlaybackAgain(AppState& state) {
   if (ExchangeShared(globals.playbackEnded, 0) == 0) return;
   state.playbackPace = kPlaybackPace_ms;
   SetControlText(state, ID_RESUME, L"\u25BA");
-  EnableControl(state, ID_RESUME, true);
+  state.playbackAtEnd = 1;
+  RefreshControlStates(state);
+}
+
+bool Differs(AppState& state, int combo, const wchar_t* remembered) {
+  wchar_t text[64];
+  GetControlText(state, combo, text);
+  return std::wcscmp(text, remembered) != 0;
+}
+
+// The second is over that a choice waits for another one.
+void SendPendingChange(AppState& state) {
+  StopTimer(state, ID_TIMER_CHANGES);
+  if (LoadShared(state.devicePort) == Handle::invalid) return;
+  state.pendingRange = Differs(state, ID_RANGE, state.rememberedRange) ? 1 : 0;
+  state.pendingOutput = Differs(state, ID_OUTPUT, state.rememberedOutput) ? 1 : 0;
+  if (state.pendingRange != 0 || state.pendingOutput != 0) ApplySettings(state);
 }
 
 // A worker that ended by itself still counts as running until it is stopped here.
@@ -45,6 +64,11 @@ void ReportLostLink(AppState& state) {
 }
 
 }  // namespace
+
+void NoteChoice(AppState& state) {
+  constexpr uint32_t kDelay_ms = 1000;
+  if (LoadShared(state.devicePort) != Handle::invalid) StartTimer(state, ID_TIMER_CHANGES, kDelay_ms);
+}
 
 void HandleTimer(AppState& state, int timer) {
   if (state.initialised == 0) return;
@@ -59,6 +83,8 @@ void HandleTimer(AppState& state, int timer) {
       return OfferPlaybackAgain(state);
     case ID_TIMER_CAPTURE:
       return StoreShared(globals.screenshotRequested, 1);
+    case ID_TIMER_CHANGES:
+      return SendPendingChange(state);
     case ID_TIMER_LINK:
       return ReportLostLink(state);
     default:

@@ -26,6 +26,7 @@ void SetStatusText(AppState& state, StatusPart part, const wchar_t* text);
 enum class PointerShape : uint8_t { arrow, wait };
 void ShowPointer(PointerShape shape);
 
+// A control or a menu entry.
 void EnableControl(AppState& state, int id, bool enabled);
 void ShowControl(AppState& state, int id, bool visible);
 [[nodiscard]] bool IsChecked(AppState& state, int id);

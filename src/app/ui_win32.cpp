@@ -58,6 +58,11 @@ void ShowPointer(PointerShape shape) {
 
 void EnableControl(AppState& state, int id, bool enabled) {
   const HWND control = Control(state, id);
+  if (control == nullptr) {
+    EnableMenuItem(GetMenu(MainWindow(state)), static_cast<UINT>(id),
+                   MF_BYCOMMAND | static_cast<UINT>(enabled ? MF_ENABLED : MF_GRAYED));
+    return;
+  }
   const bool hadFocus = GetFocus() == control;
   EnableWindow(control, enabled ? TRUE : FALSE);
   // A disabled control that keeps the focus would swallow the keys.

@@ -3,14 +3,43 @@
 #include "app/control_ids.h"
 #include "app/ui.h"
 #include "base/shared_value.h"
+#include "platform/clock.h"
 
 namespace tw {
 
+namespace {
+
+constexpr int32_t kTimeScale_s = 150;  // the one that the places of marks and screenshots are made for
+constexpr uint32_t kCapturePeriod_ms = 135'000;
+constexpr int64_t kNoCapture = -1;
+
+}  // namespace
+
 void ToggleTimestamp(AppState& state) {
-  constexpr int32_t kTimeScale_s = 150;  // the one that the marks' places are made for
   const bool ticked = IsChecked(state, ID_TIMESTAMP);
   StoreShared(globals.timestampTicked, ticked ? 1 : 0);
   if (ticked) state.timeScaleUpper = state.timeScaleLower = kTimeScale_s;
+}
+
+void ToggleAutoCapture(AppState& state) {
+  const bool ticked = IsChecked(state, ID_AUTO_CAPTURE);
+  StoreShared(globals.autoCaptureTicked, ticked ? 1 : 0);
+  if (ticked) {
+    state.timeScaleUpper = state.timeScaleLower = kTimeScale_s;
+    globals.autoCaptureSince_s = UnixMilliseconds() / 1000;
+    globals.lastCapture_s = kNoCapture;
+  } else {
+    StoreShared(globals.screenshotRequested, 1);
+  }
+  RefreshCaptureTimer(state);
+}
+
+void RefreshCaptureTimer(AppState& state) {
+  if (LoadShared(globals.autoCaptureTicked) != 0 && state.acquisitionThread != Handle::null) {
+    StartTimer(state, ID_TIMER_CAPTURE, kCapturePeriod_ms);
+  } else {
+    StopTimer(state, ID_TIMER_CAPTURE);
+  }
 }
 
 }  // namespace tw

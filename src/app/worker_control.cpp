@@ -2,8 +2,10 @@
 
 #include <algorithm>
 
+#include "acquisition/altimeter_worker.h"
 #include "acquisition/echo_text_worker.h"
 #include "acquisition/frame_worker.h"
+#include "acquisition/nmea_worker.h"
 #include "acquisition/output_mode.h"
 #include "app/ui.h"
 #include "base/shared_value.h"
@@ -22,19 +24,32 @@ struct WorkerRow {
   int32_t family;  // 0 shares the rows of 2
   OutputMode mode;
   ThreadBody worker;
+  ThreadBody reporting = nullptr;  // instead of it, when the device reports its frequency
 };
 
 constexpr WorkerRow kWorkers[] = {
+    {1, 1, SimpleWorker, ReportingSimpleWorker},
     {1, 2, EchoTextWorker},
+    {1, 3, FirstFamilyNmeaWorker},
     {1, 4, EchoTextWorker},
+    {1, 6, Deso25Worker},
+    {1, 7, DualTextWorker},
+    {1, 8, SonarmiteDfxWorker},
+    {1, 9, SonarmiteOldWorker},
     {1, 100, BinaryEchoWorker},
     {1, 101, BinaryEchoWorker},
+    {2, 1, SimpleWorker},
     {2, 2, SecondFamilyEchoTextWorker},
+    {2, 3, SecondFamilyNmeaWorker},
     {2, 4, SecondFamilyEchoTextWorker},
     {2, 5, SecondFamilyEchoTextWorker},
     {2, 6, SecondFamilyEchoTextWorker},
-    {2, 100, BinaryEchoWorker},
-    {2, 101, BinaryEchoWorker},
+    {2, 7, Psa916Worker},
+    {2, 8, AltiPlusTempWorker},
+    {2, 9, SonarmiteDfxWorker},
+    {2, 10, SonarmiteOldWorker},
+    {2, 100, SecondFamilyBinaryEchoWorker},
+    {2, 101, SecondFamilyBinaryEchoWorker},
 };
 
 ThreadBody WorkerOf(int32_t family, OutputMode mode) {
@@ -42,7 +57,9 @@ ThreadBody WorkerOf(int32_t family, OutputMode mode) {
   const auto* row = std::find_if(std::begin(kWorkers), std::end(kWorkers), [&](const WorkerRow& each) {
     return each.family == rows && each.mode == mode;
   });
-  return row == std::end(kWorkers) ? nullptr : row->worker;
+  if (row == std::end(kWorkers)) return nullptr;
+  // A device that supports smoothing reports its frequency.
+  return row->reporting != nullptr && globals.smoothingSupported != 0 ? row->reporting : row->worker;
 }
 
 // Waits for a thread in slices. False when it is still alive after the limit.

@@ -13,7 +13,7 @@ constexpr int32_t kTransmitPeak = 2'800;
 constexpr double kSchoolPeriod_s = 15.0;
 
 // Each thing that varies has its own random curve.
-enum class Curve : uint64_t { slope = 1, hills, ripples, temperature, pitch, roll, fish, noise };
+enum class Curve : uint64_t { slope = 1, hills, ripples, temperature, pitch, roll, fish, noise, sediment };
 
 constexpr uint64_t SeedOf(uint64_t seed, Curve curve) {
   return Mix(seed ^ Mix(static_cast<uint64_t>(curve)));
@@ -93,6 +93,7 @@ SeaState SeaBed::At(double sailed_s) const {
       0.65 * curve(Curve::slope, 60.0) + 0.3 * curve(Curve::hills, 11.0) + 0.05 * curve(Curve::ripples, 0.8);
   return {
       .depth_m = depth_m + relief_m * shape,
+      .sediment_m = 0.3 + 0.15 * curve(Curve::sediment, 7.0),
       .temperature_c = 14.0 + 1.5 * curve(Curve::temperature, 90.0),
       .pitch_deg = 2.5 * curve(Curve::pitch, 2.1),
       .roll_deg = 4.0 * curve(Curve::roll, 2.9),

@@ -13,6 +13,7 @@ inline constexpr uint16_t kFullScale = 4'095;  // amplitudes are made on the 12-
 // One moment of the survey.
 struct SeaState {
   double depth_m;
+  double sediment_m;  // how much deeper the low frequency finds the bottom
   double temperature_c;
   double pitch_deg;
   double roll_deg;

@@ -29,6 +29,22 @@ enum class BlockFault : uint8_t {
   oversize,    // the samples go on until the block is longer than 256,000 bytes
 };
 
+// Faults of single messages of a stream, at places drawn by chance.
+enum class StreamFault : uint8_t {
+  none,
+  flippedBytes,  // one to eight bytes in a row are others
+  lostBytes,     // one to eight bytes in a row are missing
+  doubledBytes,  // one to eight bytes in a row come twice
+  truncated,     // the message breaks off; at worst nothing of it comes
+  absurdCount,   // a length, count or code is one that cannot be
+  notANumber,    // a measured value is not a number, or infinite
+  timeJump,      // the device's clock shows another time
+  otherMode,     // the message is that of another mode
+};
+
+// Where the binary modes deviate from the device's own block, they send the frames of recordings.
+enum class BinaryForm : uint8_t { block, frame, dualFrame };
+
 struct SounderFaults {
   InstrumentFaults instrument = {};
   int32_t replyDelay_ms = 0;  // 0 to 60,000, before each reply at the prompt
@@ -38,6 +54,8 @@ struct SounderFaults {
   BlockFault block = BlockFault::none;
   int32_t blockEvery = 1;                 // 1 to 1,000,000: each how-manieth block has the block fault
   std::string missingKey = {};            // as it stands in the block: "#Altitude"
+  std::vector<StreamFault> stream = {};   // those that can hit a message, one of them at a time
+  double streamRate = 0.0;                // 0 to 1, how often that happens
   int32_t garbageBytes = 0;               // 0 to 65,536, behind each block
   bool deaf = false;                      // streams on, whatever it is told
   bool chatter = false;                   // sends a line of noise every 100 ms while it is at the prompt
@@ -61,9 +79,11 @@ struct SounderOptions {
   double relief_m = 2.5;                  // 0 to half the depth
   bool lowFrequency = false;              // the channel in use at power-on
   bool dual = false;                      // both channels at power-on
-  bool streaming = false;                 // pings at power-on instead of standing at its prompt
-  uint32_t startTime_s = 1'700'000'000;   // the device's clock at time 0, seconds since 1970
-  size_t logSize = 16'384;                // entries kept of each log
+  bool reportsFrequency = true;           // first family: lines and epochs tell the transmit frequency
+  BinaryForm binaryForm = BinaryForm::block;
+  bool streaming = false;                // pings at power-on instead of standing at its prompt
+  uint32_t startTime_s = 1'700'000'000;  // the device's clock at time 0, seconds since 1970
+  size_t logSize = 16'384;               // entries kept of each log
   SounderFaults faults = {};
 };
 

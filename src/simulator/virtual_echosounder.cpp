@@ -1,8 +1,8 @@
 #include "simulator/virtual_echosounder.h"
 
 #include <algorithm>
-#include <cmath>
 
+#include "simulator/echo_stream.h"
 #include "simulator/seeded_noise.h"
 
 namespace tw::sim {
@@ -41,16 +41,13 @@ SounderOptions WithinBounds(SounderOptions options) {
   faults.replyDelay_ms = std::clamp(faults.replyDelay_ms, 0, 60'000);
   faults.splitPause_ms = std::clamp(faults.splitPause_ms, 0, 60'000);
   faults.blockEvery = std::clamp(faults.blockEvery, 1, 1'000'000);
+  faults.streamRate = Within(faults.streamRate, 0.0, 1.0);
   faults.garbageBytes = std::clamp(faults.garbageBytes, 0, 65'536);
   return options;
 }
 
 bool Holds(const std::vector<std::string>& words, std::string_view word) {
   return std::find(words.begin(), words.end(), word) != words.end();
-}
-
-int32_t Centi(double value) {
-  return static_cast<int32_t>(std::lround(value * 100.0));
 }
 
 }  // namespace
@@ -65,14 +62,12 @@ VirtualEchosounder::VirtualEchosounder(const SounderOptions& options, PingObserv
     : options_(WithinBounds(options)),
       observer_(observer),
       prompt_(options_),
-      seaBed_{options_.seed, options_.depth_m, options_.relief_m},
+      maker_(options_),
       line_(options_.baud, options_.delivery_us),
       streaming_(options_.streaming),
       pings_(options_.logSize),
       bytes_(options_.logSize),
-      commands_(options_.logSize) {
-  samples_.reserve(kMostSamples);
-}
+      commands_(options_.logSize) {}
 
 // Sending.
 
@@ -143,97 +138,20 @@ void VirtualEchosounder::Ping(int64_t start_us) {
   ++number_;
   ++pingIndex_;
   sailed_s_ += static_cast<double>(Interval_us()) * 1e-6;
-  const SeaState sea = seaBed_.At(sailed_s_);
-  const bool both = Settings().Whole(Setting::simultaneous) != 0;
-  const bool low =
-      !both && Settings().Whole(Setting::frequencyInUse) == Settings().Whole(Setting::frequencyLow);
-  SendBlock(low, sea, start_us);
-  if (both) SendBlock(true, sea, line_.Idle_us());
+  const ChannelUse use = maker_.UseOf(Settings());
+  SendMessage(use, start_us);
+  if (use == ChannelUse::highOfTwo) SendMessage(ChannelUse::lowOfTwo, line_.Idle_us());
 }
 
-double VirtualEchosounder::SamplesPerMetre() const {
-  const double sound_mps = static_cast<double>(Settings().Thousandths(Setting::sound)) / kThousand;
-  return 2.0 * static_cast<double>(Settings().Whole(Setting::samplingFrequency)) / sound_mps;
-}
-
-size_t VirtualEchosounder::SampleCount(bool low) const {
-  if (options_.sampleCount != 0) return static_cast<size_t>(options_.sampleCount);
-  const auto range_mm = Settings().Whole(low ? Setting::rangeLow : Setting::rangeHigh);
-  const auto count = static_cast<size_t>(static_cast<double>(range_mm) / 1'000.0 * SamplesPerMetre());
-  return std::clamp(count, kLeastSamples, kMostSamples);
-}
-
-void VirtualEchosounder::FillSamples(bool low, int32_t bottomIndex, int32_t bits) {
-  samples_.resize(SampleCount(low));
-  PaintEcho({.seed = options_.seed,
-             .pingIndex = pingIndex_,
-             .sailed_s = sailed_s_,
-             .samplesPerMetre = SamplesPerMetre(),
-             .bottomIndex = bottomIndex,
-             .lowFrequency = low},
-            samples_);
-  if (bits >= 12) return;
-  for (uint16_t& sample : samples_) sample = static_cast<uint16_t>(sample >> (12 - bits));
-}
-
-void VirtualEchosounder::SendBlock(bool low, const SeaState& sea, int64_t start_us) {
-  const auto mode = static_cast<int32_t>(Settings().Whole(Setting::output));
-  const StreamMode* stream = FindStreamMode(options_.family, mode);
-  if (stream == nullptr) return;
-  const auto bottom = static_cast<int32_t>(std::lround(sea.depth_m * SamplesPerMetre()));
-  FillSamples(low, bottom, stream->sampleBits);
-  const bool heard = static_cast<size_t>(bottom) < samples_.size();
-  const int64_t clock_ms = prompt_.Clock_ms(start_us);
-  const auto frequency = low ? Setting::frequencyLow : Setting::frequencyHigh;
-  const PingReport report = {
-      .identity = options_.identity,
-      .time_s = static_cast<uint32_t>(clock_ms / 1'000),
-      .time_ms = static_cast<uint32_t>(clock_ms % 1'000),
-      .outputMode = mode,
-      .samplingFrequency_hz = static_cast<int32_t>(Settings().Whole(Setting::samplingFrequency)),
-      .altitude_mm = heard ? static_cast<int32_t>(std::lround(bottom / SamplesPerMetre() * 1'000.0)) : 0,
-      .temperature_centi = Centi(sea.temperature_c),
-      .pitch_centi = Centi(sea.pitch_deg),
-      .roll_centi = Centi(sea.roll_deg),
-      .number = number_,
-      .txFrequency_hz = static_cast<int32_t>(Settings().Whole(frequency)),
-      .samples = samples_,
-  };
-  const SounderFaults& faults = options_.faults;
-  const bool faulty =
-      faults.block != BlockFault::none && ++blockIndex_ % static_cast<uint64_t>(faults.blockEvery) == 0;
-  BlockShape shape;
-  if (faulty) shape.fault = faults.block;
-  if (shape.fault == BlockFault::missingKey) shape.missingKey = faults.missingKey;
-  block_.clear();
-  stream->append(report, shape, block_);
-  Log({
-      .number = report.number,
-      .time_us = start_us,
-      .deviceTime_s = report.time_s,
-      .deviceTime_ms = report.time_ms,
-      .altitude_m = static_cast<float>(report.altitude_mm / 1'000.0),
-      .temperature_c = static_cast<float>(report.temperature_centi / 100.0),
-      .pitch_deg = static_cast<float>(report.pitch_centi / 100.0),
-      .roll_deg = static_cast<float>(report.roll_centi / 100.0),
-      .txFrequency_hz = report.txFrequency_hz,
-      .samplingFrequency_hz = report.samplingFrequency_hz,
-      .outputMode = report.outputMode,
-      .sampleCount = static_cast<uint32_t>(samples_.size()),
-      .bottomIndex = heard ? bottom : -1,
-      .offset = line_.End(),
-      .size = block_.size(),
-      .hash = HashOf(block_),
-      .faulty = faulty,
-      .whole = false,
-  });
-  line_.Put(block_, start_us);
-  SendGarbage();
-}
-
-void VirtualEchosounder::Log(SentPing ping) {
+void VirtualEchosounder::SendMessage(ChannelUse use, int64_t start_us) {
+  maker_.Make({number_, pingIndex_, sailed_s_, prompt_.Clock_ms(start_us)}, use, Settings());
+  SentPing ping = maker_.Account();
+  ping.time_us = start_us;
+  ping.offset = line_.End();
   leaving_.push_back(ping);
-  if (observer_ != nullptr) observer_->PingMade(ping, samples_);
+  if (observer_ != nullptr) observer_->PingMade(ping, maker_.Samples());
+  line_.Put(maker_.Bytes(), start_us);
+  SendGarbage();
 }
 
 // Noise with starts of the marks that a reader hunts for.

@@ -15,46 +15,13 @@
 #include <vector>
 
 #include "simulator/bounded_log.h"
-#include "simulator/echo_stream.h"
 #include "simulator/instrument.h"
 #include "simulator/paced_line.h"
-#include "simulator/sea_bed.h"
+#include "simulator/ping_maker.h"
+#include "simulator/sent_ping.h"
 #include "simulator/sounder_prompt.h"
 
 namespace tw::sim {
-
-// One block, as it stands in the stream. In dual operation a ping has two, the high frequency's first, with
-// the same number.
-struct SentPing {
-  uint32_t number;  // since power-on or the last reset, from 1
-  int64_t time_us;  // the binder's time at which the block began to leave
-  uint32_t deviceTime_s;
-  uint32_t deviceTime_ms;
-  float altitude_m;  // 0: no bottom in range
-  float temperature_c;
-  float pitch_deg;
-  float roll_deg;
-  int32_t txFrequency_hz;
-  int32_t samplingFrequency_hz;
-  int32_t outputMode;
-  uint32_t sampleCount;
-  int32_t bottomIndex;  // of the strongest sample; -1: no bottom in range
-  uint64_t offset;      // of the block's first byte in all that was sent
-  uint64_t size;        // bytes that left: of a block that a stop cut short, its first ones
-  uint64_t hash;        // FNV-1a, 64 bits, of the block as it was made
-  bool faulty;          // a block fault has hit it
-  bool whole;           // the last byte has left
-};
-
-// Called from within the device's own calls; must not call back.
-class PingObserver {
- public:
-  virtual ~PingObserver() = default;
-  // A block has been made; `samples` are the numbers in it (not those that make it oversize).
-  virtual void PingMade(const SentPing& ping, std::span<const uint16_t> samples) = 0;
-  // Its last byte has left, or it has been cut short.
-  virtual void PingEnded(const SentPing& ping) = 0;
-};
 
 struct ReceivedByte {
   int64_t time_us;
@@ -66,9 +33,6 @@ struct ReceivedCommand {
   std::string line;
   bool refused;
 };
-
-// FNV-1a, 64 bits.
-[[nodiscard]] uint64_t HashOf(std::span<const uint8_t> bytes);
 
 class VirtualEchosounder final : public VirtualInstrument {
  public:
@@ -101,11 +65,7 @@ class VirtualEchosounder final : public VirtualInstrument {
   [[nodiscard]] int64_t NextPing_us() const;
   [[nodiscard]] int64_t NextChatter_us() const;
   void Ping(int64_t start_us);
-  void SendBlock(bool low, const SeaState& sea, int64_t start_us);
-  void FillSamples(bool low, int32_t bottomIndex, int32_t bits);
-  [[nodiscard]] size_t SampleCount(bool low) const;
-  [[nodiscard]] double SamplesPerMetre() const;
-  void Log(SentPing ping);
+  void SendMessage(ChannelUse use, int64_t start_us);
   void SendGarbage();
 
   void Say(std::string_view text, int64_t notBefore_us);
@@ -114,7 +74,7 @@ class VirtualEchosounder final : public VirtualInstrument {
   SounderOptions options_;
   PingObserver* observer_;
   SounderPrompt prompt_;
-  SeaBed seaBed_;
+  PingMaker maker_;
   PacedLine line_;
 
   bool streaming_;
@@ -123,11 +83,8 @@ class VirtualEchosounder final : public VirtualInstrument {
   int64_t chatter_us_ = 0;  // of the next line of noise at the prompt
   uint32_t number_ = 0;
   uint64_t pingIndex_ = 0;  // since power-on; no reset touches it
-  uint64_t blockIndex_ = 0;
   double sailed_s_ = 0.0;
 
-  std::vector<uint16_t> samples_;
-  std::vector<uint8_t> block_;
   std::deque<SentPing> leaving_;  // made, not wholly left
   BoundedLog<SentPing> pings_;
   BoundedLog<ReceivedByte> bytes_;

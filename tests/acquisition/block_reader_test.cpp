@@ -6,29 +6,17 @@
 #include <string>
 #include <vector>
 
+#include "tests/acquisition/blocks_of.h"
 #include "tests/acquisition/golden_block.h"
 
 namespace tw {
 namespace {
 
+using test::BlocksOf;
 using test::kGoldenBlock;
+using test::kWhole;
 
-std::span<const uint8_t> BytesOf(std::string_view text) {
-  return {reinterpret_cast<const uint8_t*>(text.data()), text.size()};
-}
-
-// All blocks of a stream that arrives in pieces of this size.
-std::vector<std::string> BlocksOf(BlockReader& reader, std::string_view stream, size_t pieceSize) {
-  std::vector<std::string> blocks;
-  for (size_t at = 0; at < stream.size(); at += pieceSize) {
-    std::span<const uint8_t> piece = BytesOf(stream.substr(at, pieceSize));
-    while (reader.Feed(piece)) blocks.emplace_back(reader.Block());
-    EXPECT_TRUE(piece.empty());
-  }
-  return blocks;
-}
-
-std::vector<std::string> BlocksOf(std::string_view stream, size_t pieceSize = SIZE_MAX / 2,
+std::vector<std::string> BlocksOf(std::string_view stream, size_t pieceSize = kWhole,
                                   size_t bufferSize = kBlockBufferSize) {
   BlockReader reader(kEchoTextMarks, bufferSize);
   return BlocksOf(reader, stream, pieceSize);
@@ -104,14 +92,15 @@ TEST(BlockReader, NeedsEveryByteOfTheBlock) {
     EXPECT_TRUE(BlocksOf(block.substr(0, length)).empty()) << length;
     // What is cut in two arrives whole, wherever the cut is.
     BlockReader reader(kEchoTextMarks);
-    EXPECT_TRUE(BlocksOf(reader, block.substr(0, length), SIZE_MAX / 2).empty());
-    EXPECT_EQ(BlocksOf(reader, block.substr(length), SIZE_MAX / 2), std::vector<std::string>{kGoldenBlock});
+    EXPECT_TRUE(BlocksOf(reader, block.substr(0, length), kWhole).empty());
+    EXPECT_EQ(BlocksOf(reader, block.substr(length), kWhole), std::vector<std::string>{kGoldenBlock});
   }
 }
 
 TEST(BlockReader, AZeroFollowsTheBlock) {
   BlockReader reader(kEchoTextMarks);
-  std::span<const uint8_t> input = BytesOf("#DeviceID 1\r\n\r\n\r\nrest");
+  const std::string_view stream = "#DeviceID 1\r\n\r\n\r\nrest";
+  std::span<const uint8_t> input(reinterpret_cast<const uint8_t*>(stream.data()), stream.size());
   ASSERT_TRUE(reader.Feed(input));
   EXPECT_EQ(reader.Block().data()[reader.Block().size()], '\0');
   EXPECT_EQ(input.size(), 4u);
@@ -121,7 +110,7 @@ TEST(BlockReader, ABlockThatFitsToTheByteIsReadAndOneByteMoreIsDropped) {
   const std::string fits = "#DeviceID " + std::string(kBlockBufferSize - 1 - 16, '5') + "\r\n\r\n\r\n";
   const std::string tooLong = "#DeviceID 5" + fits.substr(10);
   ASSERT_EQ(fits.size(), kBlockBufferSize - 1);
-  for (const size_t piece : {size_t{1}, size_t{4096}, SIZE_MAX / 2}) {
+  for (const size_t piece : {size_t{1}, size_t{4096}, kWhole}) {
     BlockReader reader(kEchoTextMarks);
     EXPECT_EQ(BlocksOf(reader, fits, piece), std::vector<std::string>{fits});
     EXPECT_EQ(reader.Oversized(), 0u);

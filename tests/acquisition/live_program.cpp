@@ -34,6 +34,7 @@ LiveProgram::LiveProgram(SerialPeer& device)
   settings.frequencyInUse_hz = settings.highFrequency_hz = 200'000;
   settings.lowFrequency_hz = 30'000;
   settings.virtualLowFrequency_hz = 33'000;
+  settings.soundSpeed_mps = 1'500;
   settings.rangeHigh_mm = 12'500;
   settings.rangeLow_mm = 40;  // firmware that tells metres
   AttachPeer(kDeviceLine, &device);

@@ -17,7 +17,8 @@ namespace tw::test {
 
 inline constexpr wchar_t kDeviceLine[] = L"\\\\.\\COM7";
 
-// A device of the first family in output mode 4, single, 12.5 and 40 m of range, 200 kHz in use. Make it
+// A device of the first family in output mode 4, single, 12.5 and 40 m of range, 200 kHz in use,
+// 1,500 m/s. Make it
 // after the clock of the test has been started, if that is a virtual one.
 class LiveProgram {
  public:

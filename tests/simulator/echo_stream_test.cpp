@@ -68,18 +68,26 @@ TEST(EchoStream, BlockOfTheFirstFamilyByHand) {
                            .time_ms = 5,
                            .outputMode = 4,
                            .samplingFrequency_hz = 25'000,
+                           .resolution_um = 30'000,
+                           .range_mm = 30'000,
                            .altitude_mm = 12'034,
+                           .altitudeLow_mm = 0,
                            .temperature_centi = -105,
                            .pitch_centi = 0,
                            .roll_centi = -7,
+                           .ema_centi = 0,
                            .number = 4'000'000'000,
                            .txFrequency_hz = 200'000,
+                           .secondChannel = false,
+                           .reportsFrequency = false,
+                           .channels = 1,
+                           .sentences = {},
                            .samples = samples};
-  std::vector<uint8_t> bytes;
+  StreamMessage message;
   const StreamMode* mode = FindStreamMode(DeviceFamily::first, 4);
   ASSERT_NE(mode, nullptr);
-  mode->append(ping, {}, bytes);
-  EXPECT_EQ(std::string(bytes.begin(), bytes.end()),
+  mode->append(ping, {}, message);
+  EXPECT_EQ(std::string(message.bytes.begin(), message.bytes.end()),
             "#DeviceID AB-12\r\n"
             "#TimeWork 1700000000.5\r\n"
             "#NSamples 8\r\n"

@@ -113,7 +113,7 @@ constexpr OptionRow kLines[] = {
 
 constexpr OptionRow kSounder[] = {
     {"--family", "N", "device family: 1 (the only one so far)", [](O&, V v) { return v == "1"; }},
-    {"--mode", "N", "output mode at power-on: 2 (10-bit text, the default) or 4 (12-bit text)",
+    {"--mode", "N", "output mode at power-on, by its number: 2 (10-bit text) is the default",
      [](O& o, V v) {
        int32_t mode = 0;
        if (!ReadNumber(v, 0, 1'000, mode)) return false;

@@ -1,0 +1,74 @@
+#include "acquisition/line_reader.h"
+
+#include <algorithm>
+
+namespace tw {
+
+bool LineReader::Feed(std::span<const uint8_t>& input) {
+  if (complete_) {
+    complete_ = false;
+    lineStart_ = 0;
+    Drop();
+  }
+  while (!input.empty()) {
+    const uint8_t byte = input[0];
+    input = input.subspan(1);
+    if (Take(byte)) return true;
+  }
+  return false;
+}
+
+bool LineReader::Take(uint8_t byte) {
+  if (gathering_) Gather(byte);
+  const std::string_view start = hunt_.Take(byte);
+  if (!start.empty()) {
+    BeginLine(start);
+    return false;
+  }
+  if (!gathering_ || !AtEnd()) return false;
+  if (overlong_) {
+    Drop();
+  } else if (!start_.empty() && start_ == form_.leading) {
+    lineStart_ = length_;
+    gathering_ = false;
+  } else {
+    complete_ = true;
+  }
+  return complete_;
+}
+
+void LineReader::Gather(uint8_t byte) {
+  if (length_ - lineStart_ == kMaxLine) {
+    if (!form_.starts.empty()) {
+      Drop();
+      return;
+    }
+    overlong_ = true;
+    const size_t kept = form_.end.size() - 1;
+    std::copy_n(buffer_ + length_ - kept, kept, buffer_ + lineStart_);
+    length_ = lineStart_ + kept;
+  }
+  buffer_[length_++] = static_cast<char>(byte);
+}
+
+void LineReader::BeginLine(std::string_view start) {
+  if (start == form_.leading) lineStart_ = 0;
+  start_ = start;
+  std::copy(start.begin(), start.end(), buffer_ + lineStart_);
+  length_ = lineStart_ + start.size();
+  gathering_ = true;
+}
+
+void LineReader::Drop() {
+  length_ = lineStart_;
+  start_ = {};
+  gathering_ = form_.starts.empty();
+  overlong_ = false;
+}
+
+bool LineReader::AtEnd() const {
+  const size_t from = lineStart_ + start_.size();
+  return std::string_view(buffer_ + from, length_ - from).ends_with(form_.end);
+}
+
+}  // namespace tw

@@ -1,0 +1,104 @@
+#include "acquisition/output_mode.h"
+#include "app/connection.h"
+#include "app/control_ids.h"
+#include "app/family_controls.h"
+#include "app/record_opening.h"
+#include "app/run_control.h"
+#include "app/run_steps.h"
+#include "app/ui.h"
+#include "app/wait_pointer.h"
+#include "base/shared_value.h"
+#include "device/command_link.h"
+#include "device/settings_writer.h"
+#include "platform/clock.h"
+
+namespace tw {
+namespace {
+
+constexpr uint32_t kPause_ms = 10;
+constexpr OutputMode kFirstFamilyOld = 9;
+
+void ClearLiveTexts(AppState& state) {
+  PostStatusText(state, StatusPart::position, L"");
+  PostStatusText(state, StatusPart::pingLine, L"");
+}
+
+// A prompt that comes late would shift each later reply by one.
+void SettleReplies(const AppState& state) {
+  static_cast<void>(SkipReply(state.devicePort));
+  SleepMilliseconds(kPause_ms);
+}
+
+// Sends what the operator changed. What the device makes of it shows when the settings are read back; a line
+// that fails here fails there again.
+void SendChanges(AppState& state) {
+  const int32_t family = LoadShared(globals.deviceFamily);
+  state.settings.simultaneous = family == 1 && IsChecked(state, ID_DUAL_MODE) ? 1 : 0;
+  static_cast<void>(WriteChangedSettings(state.devicePort, family, state.settings, state.appliedSettings));
+}
+
+bool DualOldRefused(const DeviceSettings& wanted, const DeviceSettings& applied, const DeviceSettings& now) {
+  return LoadShared(globals.deviceFamily) == 1 && wanted.simultaneous != 0 &&
+         wanted.outputMode == kFirstFamilyOld && applied.outputMode != kFirstFamilyOld &&
+         now.outputMode != kFirstFamilyOld;
+}
+
+// A text that is no output of this family leaves the recording closed.
+void ReopenRecordFiles(AppState& state) {
+  wchar_t text[64];
+  GetControlText(state, ID_OUTPUT, text);
+  OutputMode mode = 0;
+  if (!IsChecked(state, ID_RECORD) || !ModeOfName(LoadShared(globals.deviceFamily), text, mode)) return;
+  OpenRecordFiles(state, NamingMoment::recordSwitchedOn);
+}
+
+// Takes the device's own account of its settings and goes on with the run.
+void ResumeRun(AppState& state) {
+  AdoptDevice(state);
+  RefreshSettingsControls(state);
+  ReopenRecordFiles(state);
+  KeepInterval(state.settings);
+  static_cast<void>(StartDeviceAndWorkers(state));
+}
+
+constexpr wchar_t kUnreadable[] = L"Unable to read settings form the Echosounder";
+
+}  // namespace
+
+void ApplySettings(AppState& state) {
+  if (!IsConnected(state)) return;
+  ClearLiveTexts(state);
+  WaitPointer pointer;
+  StopTimer(state, ID_TIMER_CHANGES);
+  StopTimer(state, ID_TIMER_LINK);
+  if (!InterruptRun(state, pointer)) return;
+  SettleReplies(state);
+
+  const DeviceSettings applied = state.appliedSettings;
+  SendChanges(state);
+  const DeviceSettings wanted = state.settings;
+  if (!ReadSettingsBack(state)) return GiveUpRun(state, pointer, kUnreadable);
+  if (DualOldRefused(wanted, applied, state.settings)) {
+    pointer.Restore();
+    ShowBox(state, L"Sonarmite_old fortmat is not support Dual_mode", L"", BoxIcon::information);
+  }
+  ResumeRun(state);
+}
+
+void RestoreDefaults(AppState& state) {
+  if (!IsConnected(state)) return;
+  if (!ShowBox(state, L"Change to default setting?", L"Info", BoxIcon::none, BoxButtons::okCancel)) return;
+  if (!IsConnected(state)) return;  // lost while the question stood there
+  ClearLiveTexts(state);
+  WaitPointer pointer;
+  StopTimer(state, ID_TIMER_CHANGES);
+  StopTimer(state, ID_TIMER_LINK);
+  if (!InterruptRun(state, pointer)) return;
+  SettleReplies(state);
+
+  static_cast<void>(Exchange(state.devicePort, CommandId::defaults));
+  if (!ReadSettingsBack(state)) return GiveUpRun(state, pointer, kUnreadable);
+  ResumeRun(state);
+}
+
+}  // namespace tw

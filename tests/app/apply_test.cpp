@@ -1,0 +1,157 @@
+#include "app/control_states.h"
+#include "app/run_control.h"
+#include "app/view_choices.h"
+#include "base/shared_value.h"
+#include "platform/clock.h"
+#include "tests/app/run_control_fixture.h"
+
+namespace tw::test {
+namespace {
+
+class Apply : public RunControlTest {
+ protected:
+  void StartRecording() {
+    Ui().controls[ID_RECORD].checked = true;
+    ConnectSounder(QuickSounder());
+    StartRun(*state_);
+    ASSERT_NE(state_->acquisitionThread, Handle::null);
+    Ui().boxes.clear();
+    Run(2);
+  }
+
+  // The commands that carried a value, and those that are words by themselves, since the last call.
+  std::vector<std::string> CommandsWithValues() {
+    std::vector<std::string> lines;
+    const auto& log = sounder_->Commands();
+    for (; seen_ < log.Total(); ++seen_) {
+      const std::string& line = log.Entries()[seen_].line;
+      if (line.find(' ') != std::string::npos) lines.push_back(line);
+    }
+    return lines;
+  }
+
+  uint64_t seen_ = 0;
+};
+
+TEST_F(Apply, WithoutADeviceItOnlySaysSo) {
+  using Command = void (*)(AppState&);
+  constexpr Command kCommands[] = {ApplySettings, RestoreDefaults,
+                                   [](AppState& state) { ChangeSpeed(state, 9600); }};
+  for (const Command command : kCommands) {
+    Ui().boxes.clear();
+    command(*state_);
+    ExpectBox(L"Echosounder is not connected", L"Error", BoxIcon::error);
+  }
+  ExpectIdle();
+}
+
+TEST_F(Apply, SendsWhatChangedAndGoesOnInAFreshFile) {
+  StartRecording();
+  static_cast<void>(CommandsWithValues());
+  state_->settings.gainLow = 3.5f;
+  state_->settings.pingInterval_ms = 250;
+  ApplySettings(*state_);
+  Run(2);
+  EXPECT_TRUE(Ui().boxes.empty());
+  const std::vector<std::string> sent = CommandsWithValues();
+  ASSERT_GE(sent.size(), 2u);
+  EXPECT_EQ(sent[0], "#interval 0.25");
+  EXPECT_EQ(sent[1], "#gainlow 3.500");
+  EXPECT_TRUE(sent[2].starts_with("#time ")) << "the start sequence follows";
+  EXPECT_FLOAT_EQ(state_->appliedSettings.gainLow, 3.5f);
+  EXPECT_EQ(state_->settings.pingInterval_ms, 250);
+  EXPECT_EQ(RecordFiles().size(), 2u);
+  EXPECT_GT(Content(RecordFiles()[1]).size(), 1'000u);
+  EXPECT_EQ(StateOfProgram(*state_), ProgramState::running);
+  EXPECT_TRUE(Ui().PointerIsArrow());
+}
+
+TEST_F(Apply, AChangedOutputIsSentASecondLater) {
+  StartRecording();
+  Ui().Choose(ID_OUTPUT, L"Echo Txt 12bit");
+  state_->settings.outputMode = 4;
+  NoteChoice(*state_);
+  EXPECT_EQ(Ui().timers[ID_TIMER_CHANGES], 1000u);
+  HandleTimer(*state_, ID_TIMER_CHANGES);
+  Run(1);
+  EXPECT_FALSE(Ui().timers.contains(ID_TIMER_CHANGES));
+  EXPECT_EQ(state_->appliedSettings.outputMode, 4);
+  // Nothing differs any more: the timer does nothing.
+  const uint64_t commands = sounder_->Commands().Total();
+  HandleTimer(*state_, ID_TIMER_CHANGES);
+  EXPECT_EQ(sounder_->Commands().Total(), commands);
+}
+
+TEST_F(Apply, DefaultsAreAskedForFirst) {
+  StartRecording();
+  state_->settings.gainLow = 9.0f;
+  ApplySettings(*state_);
+  Ui().answerOk = false;
+  const uint64_t commands = sounder_->Commands().Total();
+  RestoreDefaults(*state_);
+  ASSERT_EQ(Ui().boxes.size(), 1u);
+  EXPECT_EQ(Ui().boxes[0],
+            (Box{L"Change to default setting?", L"Info", BoxIcon::none, BoxButtons::okCancel}));
+  EXPECT_EQ(sounder_->Commands().Total(), commands);
+  Ui().answerOk = true;
+  RestoreDefaults(*state_);
+  Run(1);
+  EXPECT_NE(state_->settings.gainLow, 9.0f);
+  EXPECT_NE(state_->acquisitionThread, Handle::null);
+}
+
+TEST_F(Apply, ASilentDeviceEndsTheRun) {
+  sim::SounderOptions options = QuickSounder();
+  options.faults.instrument.silentFrom_us = 30'000'000;
+  options.faults.instrument.silentFor_us = sim::kNever;
+  ConnectSounder(options);
+  StartRun(*state_);
+  Run(30);
+  Ui().boxes.clear();
+  ApplySettings(*state_);
+  ExpectBox(L"Echosounder is not connected", L"Error", BoxIcon::error);
+  ExpectIdle();
+}
+
+TEST_F(Apply, ScreenshotsAreTakenWhileTickedAndRunning) {
+  constexpr uint32_t kPeriod_ms = 135'000;
+  Ui().controls[ID_AUTO_CAPTURE].checked = true;
+  state_->timeScaleUpper = 60;
+  ToggleAutoCapture(*state_);
+  EXPECT_EQ(state_->timeScaleUpper, 150);
+  EXPECT_FALSE(Ui().timers.contains(ID_TIMER_CAPTURE)) << "nothing runs yet";
+  StartRecording();
+  EXPECT_EQ(Ui().timers[ID_TIMER_CAPTURE], kPeriod_ms);
+  HandleTimer(*state_, ID_TIMER_CAPTURE);
+  EXPECT_EQ(ExchangeShared(globals.screenshotRequested, 0), 1);
+  Ui().controls[ID_AUTO_CAPTURE].checked = false;
+  ToggleAutoCapture(*state_);
+  EXPECT_FALSE(Ui().timers.contains(ID_TIMER_CAPTURE));
+  EXPECT_EQ(ExchangeShared(globals.screenshotRequested, 0), 1) << "a last one";
+  Ui().controls[ID_AUTO_CAPTURE].checked = true;
+  ToggleAutoCapture(*state_);
+  EXPECT_TRUE(Ui().timers.contains(ID_TIMER_CAPTURE));
+  StopRun(*state_);
+  EXPECT_FALSE(Ui().timers.contains(ID_TIMER_CAPTURE));
+}
+
+TEST_F(Apply, ANewSpeedIsTakenOverByBothEnds) {
+  StartRecording();
+  ChangeSpeed(*state_, 3'000'000);
+  Run(2);
+  EXPECT_TRUE(Ui().boxes.empty());
+  EXPECT_EQ(sounder_->LineSpeed(), 3'000'000);
+  EXPECT_EQ(globals.deviceBaud, 3'000'000);
+  EXPECT_EQ(Ui().controls[ID_DEVICE_SPEED].text, L"3000000");
+  EXPECT_NE(state_->acquisitionThread, Handle::null);
+  EXPECT_EQ(RecordFiles().size(), 2u);
+  EXPECT_GT(Content(RecordFiles()[1]).size(), 1'000u);
+  ChangeSpeed(*state_, 115'200);
+  Run(2);
+  EXPECT_EQ(sounder_->LineSpeed(), 115'200);
+  EXPECT_EQ(Ui().controls[ID_DEVICE_SPEED].text, L"115200");
+  EXPECT_TRUE(Ui().boxes.empty());
+}
+
+}  // namespace
+}  // namespace tw::test
