@@ -79,6 +79,8 @@ void OnCommand(AppState& state, int id) {
       return ApplySettings(state);
     case ID_DETAIL:
       return EditSettings(state);
+    case ID_SHOW_SETTINGS:
+      return ShowPlayedSettings(state);
     case ID_LOW_FREQUENCY:
     case ID_HIGH_FREQUENCY:
     case ID_DUAL_MODE:
@@ -110,8 +112,8 @@ void OnDestroy(AppState& state) {
   PostQuitMessage(0);
 }
 
-// Commands of buttons and menus have the code 0, those of accelerators 1; selectors tell more than we want
-// to know.
+// Commands of buttons and menus have the code 0, those of accelerators 1, as has a new choice of a selector
+// (CBN_SELCHANGE); the other codes of selectors tell more than we want to know.
 constexpr WORD kLastCommandCode = 1;
 
 LRESULT CALLBACK MainWindowProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {

@@ -48,8 +48,8 @@ constexpr WorkerRow kWorkers[] = {
     {2, 8, AltiPlusTempWorker},
     {2, 9, SonarmiteDfxWorker},
     {2, 10, SonarmiteOldWorker},
-    {2, 100, BinaryEchoWorker},
-    {2, 101, BinaryEchoWorker},
+    {2, 100, SecondFamilyBinaryEchoWorker},
+    {2, 101, SecondFamilyBinaryEchoWorker},
 };
 
 ThreadBody WorkerOf(int32_t family, OutputMode mode) {
