@@ -51,6 +51,9 @@ struct LivePing {
   bool bothChannels;  // the block reports the second channel as well, with this altitude
   float altitudeLow_m;
   int32_t channelFrequency_hz;  // that was set for the ping's channel
+  bool hasDeviceTime;           // the block tells the device's own time; playback goes by it
+  uint32_t deviceSeconds;       // since 1970
+  uint32_t deviceMilliseconds;
   uint16_t buffers[2][kMaxPingSamples];
 };
 
