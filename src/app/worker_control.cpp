@@ -144,7 +144,11 @@ void EndAcquisition(AppState& state, uint32_t limit_ms) {
 void EndFileWorkers(AppState& state) {
   EndFileWorker(state.fileWorkerA, state.stopEvent);
   EndFileWorker(state.fileWorkerB, state.stopEventB);
+  if (state.playbackActive == 0) return;
   state.playbackActive = 0;
+  state.playbackPaused = 0;
+  state.playbackAtEnd = 0;
+  ArrangeViews(state);
 }
 
 }  // namespace tw

@@ -87,4 +87,6 @@ struct SounderOptions {
   SounderFaults faults = {};
 };
 
+[[nodiscard]] SounderOptions WithinBounds(SounderOptions options);
+
 }  // namespace tw::sim
