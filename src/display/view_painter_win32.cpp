@@ -17,7 +17,8 @@ bool ViewPainter::Paint(AppState& state, HDC like, int32_t width, int32_t height
 
 PanelSource ViewPainter::PaintPanel(AppState& state, PanelPlace place, const PanelLayout& layout) {
   const PanelSource source = DescribePanel(state, place);
-  DrawPanel(source, layout, scratch_, picture_.Pixels());
+  PanelScratch& scratch = place == PanelPlace::lower ? lowerScratch_ : scratch_;
+  DrawPanel(source, layout, scratch, picture_.Pixels());
   return source;
 }
 
