@@ -30,13 +30,22 @@ size_t LayOutRecord(std::string_view, const LivePing& ping, std::string_view,
 static_assert(kMaxSlotSamples <= kMaxPingSamples);
 static_assert(frame::kWrittenHeaderLength + 2 * kMaxSlotSamples <= kMaxRecordSize);
 
-const LiveMode kBinaryEcho{.makeReader = MakeReader,
-                           .parse = ParseBlock,
-                           .layOutRecord = LayOutRecord,
-                           .emptyRun = EmptyRun::leaveOneByte};
+const LiveMode kFirstFamilyBinaryEcho{.makeReader = MakeReader,
+                                      .parse = ParseBlock,
+                                      .layOutRecord = LayOutRecord,
+                                      .emptyRun = EmptyRun::leaveOneByte};
+const LiveMode kSecondFamilyBinaryEcho{.makeReader = MakeReader,
+                                       .parse = ParseBlock,
+                                       .layOutRecord = LayOutRecord,
+                                       .recordRule = RecordRule::oneFile,
+                                       .emptyRun = EmptyRun::leaveOneByte};
 
 void BinaryEchoWorker(void* state) {
-  RunLiveWorker(*static_cast<AppState*>(state), kBinaryEcho);
+  RunLiveWorker(*static_cast<AppState*>(state), kFirstFamilyBinaryEcho);
+}
+
+void SecondFamilyBinaryEchoWorker(void* state) {
+  RunLiveWorker(*static_cast<AppState*>(state), kSecondFamilyBinaryEcho);
 }
 
 }  // namespace tw

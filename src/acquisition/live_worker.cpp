@@ -44,6 +44,7 @@ class LiveRun {
   LiveRun(AppState& state, const LiveMode& mode)
       : state_(state),
         mode_(mode),
+        settings_(state.settings),
         context_(ContextOf(state)),
         runNumber_(LoadShared(state.runNumber)),
         source_(LoadShared(state.devicePort)),
@@ -143,7 +144,7 @@ class LiveRun {
     ping_.header.range_m = RangeOf(channel);
     image_.Build(ping_.header, ping_.samples, ping_.factor);
     if (mode_.echo == EchoSource::pulse) {
-      DrawPulse(image_, ping_.header.altitude_m, state_.settings.soundSpeed_mps);
+      DrawPulse(image_, ping_.header.altitude_m, settings_.soundSpeed_mps);
     }
     StorePing(channel.ring, image_, now_ms);
     Publish(channel);
@@ -175,10 +176,9 @@ class LiveRun {
   }
 
   [[nodiscard]] float RangeOf(const Channel& channel) const {
-    const DeviceSettings& settings = state_.settings;
     const bool low = context_.dual ? channel.record == RecordChannel::b
-                                   : settings.frequencyInUse_hz == settings.lowFrequency_hz;
-    return static_cast<float>(RangeInMillimetres(low ? settings.rangeLow_mm : settings.rangeHigh_mm)) /
+                                   : settings_.frequencyInUse_hz == settings_.lowFrequency_hz;
+    return static_cast<float>(RangeInMillimetres(low ? settings_.rangeLow_mm : settings_.rangeHigh_mm)) /
            1000.0f;
   }
 
@@ -234,6 +234,7 @@ class LiveRun {
 
   AppState& state_;
   const LiveMode& mode_;
+  const DeviceSettings settings_;  // as the run began; the operator may be choosing others by now
   const LiveContext context_;
   const uint32_t runNumber_;
   ByteSource source_;

@@ -1,5 +1,6 @@
-// Looks for one mark in a byte stream: a mismatch restarts the comparison, counting the byte as a first match
-// when it equals the mark's first byte. A pure state machine; one thread at a time.
+// Looks for the one mark that blocks or frames of a kind begin with; where there are several to choose from,
+// see start_hunt.h. A mismatch restarts the comparison, counting the byte as a first match when it equals the
+// mark's first byte. A pure state machine; one thread at a time.
 #pragma once
 
 #include <cstddef>

@@ -1,7 +1,6 @@
-// Looks for the first of several start marks in a byte stream (for one mark alone see mark_hunt.h, which takes
-// whole pieces). A mismatch lets the comparison begin anew with
-// the latest bytes that still fit, so that a mark is found wherever it stands. A pure state machine; one
-// thread at a time.
+// Looks for the first of several start marks in a byte stream, byte by byte (mark_hunt.h looks for one mark
+// in whole pieces). A mismatch lets the comparison begin anew with the latest bytes that still fit, so that a
+// mark is found wherever it stands. A pure state machine; one thread at a time.
 #pragma once
 
 #include <cstddef>

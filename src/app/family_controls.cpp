@@ -25,9 +25,10 @@ struct Selector {
   SettingsField field;
 };
 
+constexpr Selector kRangeSelector{ID_RANGE, SettingsField::range};
 constexpr Selector kSelectors[] = {
     {ID_OUTPUT, SettingsField::outputMode},
-    {ID_RANGE, SettingsField::range},
+    kRangeSelector,
     {ID_INTERVAL, SettingsField::interval},
 };
 
@@ -45,9 +46,10 @@ void ShowSelector(AppState& state, const Selector& selector, const FormFacts& fa
   FillCombo(state, selector.combo, items, text);
 }
 
+// Empty without a device that has presets.
 void ShowPresets(AppState& state) {
-  FieldItems items;
-  ListPresets(state.settings, items);
+  FieldItems items{};
+  if (globals.presetCapable != 0) ListPresets(state.settings, items);
   wchar_t text[kFieldTextSize];
   FormatPreset(state.settings.preset, text);
   FillCombo(state, ID_PRESET, items, text);
@@ -73,20 +75,39 @@ void TakePreset(AppState& state) {
   state.settings.automaticMode = state.settings.preset == kAutomaticPreset ? 1 : 0;
 }
 
+// Low, high and both are one choice, although both has a box of its own.
+void ShowFrequencies(AppState& state) {
+  const DeviceSettings& settings = state.settings;
+  const FormFacts facts = CurrentFormFacts(state);
+  const bool both = facts.family == 1 && settings.simultaneous != 0;
+  const bool low = ActiveChannel(facts, settings) == FieldChannel::low;
+  SetChecked(state, ID_DUAL_MODE, both);
+  SetChecked(state, ID_LOW_FREQUENCY, !both && low);
+  SetChecked(state, ID_HIGH_FREQUENCY, !both && !low);
+}
+
 void TakeFrequency(AppState& state, int32_t frequency_hz) {
   state.settings.frequencyInUse_hz = frequency_hz;
-  ShowSelector(state, kSelectors[1], CurrentFormFacts());
+  state.settings.simultaneous = 0;
+  ShowFrequencies(state);
+  ShowSelector(state, kRangeSelector, CurrentFormFacts(state));
+}
+
+void TakeDualMode(AppState& state) {
+  state.settings.simultaneous = IsChecked(state, ID_DUAL_MODE) ? 1 : 0;
+  ShowFrequencies(state);
 }
 
 }  // namespace
 
-FormFacts CurrentFormFacts() {
+FormFacts CurrentFormFacts(const AppState& state) {
   return {.family = LoadShared(globals.deviceFamily),
           .dual = LoadShared(globals.dualMode) != 0,
           .smoothingSupported = globals.smoothingSupported != 0,
           .presetCapable = globals.presetCapable != 0,
           .interfaceType = globals.interfaceType,
-          .firmwareVersion = globals.firmwareVersion};
+          .firmwareVersion = globals.firmwareVersion,
+          .played = state.playbackActive != 0};
 }
 
 void ShowFamilyControls(AppState& state) {
@@ -99,12 +120,8 @@ void ShowFamilyControls(AppState& state) {
 }
 
 void RefreshSettingsControls(AppState& state) {
-  const DeviceSettings& settings = state.settings;
-  const FormFacts facts = CurrentFormFacts();
-  const bool low = ActiveChannel(facts, settings) == FieldChannel::low;
-  SetChecked(state, ID_DUAL_MODE, facts.dual);
-  SetChecked(state, ID_LOW_FREQUENCY, !facts.dual && low);
-  SetChecked(state, ID_HIGH_FREQUENCY, !facts.dual && !low);
+  ShowFrequencies(state);
+  const FormFacts facts = CurrentFormFacts(state);
   for (const Selector& selector : kSelectors) ShowSelector(state, selector, facts);
   ShowPresets(state);
 }
@@ -116,15 +133,14 @@ void TakeSettingsChoice(AppState& state, int control) {
     case ID_HIGH_FREQUENCY:
       return TakeFrequency(state, state.settings.highFrequency_hz);
     case ID_DUAL_MODE:
-      state.settings.simultaneous = IsChecked(state, ID_DUAL_MODE) ? 1 : 0;
-      return;
+      return TakeDualMode(state);
     case ID_PRESET:
       return TakePreset(state);
     default:
       break;
   }
   for (const Selector& selector : kSelectors) {
-    if (selector.combo == control) TakeSelection(state, selector, CurrentFormFacts());
+    if (selector.combo == control) TakeSelection(state, selector, CurrentFormFacts(state));
   }
 }
 

@@ -17,7 +17,7 @@ void RefreshSettingsControls(AppState& state);
 // themselves a second later, the others with "Apply".
 void TakeSettingsChoice(AppState& state, int control);
 
-// What the forms depend on, of the device that was connected last.
-[[nodiscard]] FormFacts CurrentFormFacts();
+// What the forms depend on: of the played file, else of the device that was connected last.
+[[nodiscard]] FormFacts CurrentFormFacts(const AppState& state);
 
 }  // namespace tw

@@ -2,6 +2,8 @@
 // Needs what windows.h declares.
 #include <shlobj.h>
 
+#include <iterator>
+
 #include "app/app_state.h"
 #include "app/control_ids.h"
 #include "app/dialogs_win32.h"
@@ -15,7 +17,12 @@ namespace {
 
 constexpr int kFolderEdit = 1023;
 constexpr int kBrowse = 1005;
-constexpr UINT kBrowserFlags = 0x1053;  // file-system folders, an edit box, the new style, validated
+// Folders of the file system alone, none of a network below its domain, computers; an edit box, the new
+// style.
+constexpr UINT kBrowserFlags =
+    BIF_RETURNONLYFSDIRS | BIF_DONTGOBELOWDOMAIN | BIF_EDITBOX | BIF_NEWDIALOGSTYLE | BIF_BROWSEFORCOMPUTER;
+static_assert(kBrowserFlags == 0x1053);
+constexpr size_t kFolderLimit = 260;  // characters that can be entered
 
 // Some folders come up with "OK" greyed; only a posted message changes that.
 int CALLBACK OnBrowse(HWND browser, UINT message, LPARAM, LPARAM folder) {
@@ -28,8 +35,8 @@ int CALLBACK OnBrowse(HWND browser, UINT message, LPARAM, LPARAM folder) {
 
 void Browse(HWND dialog) {
   const HRESULT com = CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
-  wchar_t standing[kWorkingFolderSize];
-  GetDlgItemTextW(dialog, kFolderEdit, standing, static_cast<int>(kWorkingFolderSize));
+  wchar_t standing[kFolderLimit + 1];
+  GetDlgItemTextW(dialog, kFolderEdit, standing, static_cast<int>(std::size(standing)));
   wchar_t name[MAX_PATH];
   BROWSEINFOW request{};
   request.hwndOwner = dialog;
@@ -54,8 +61,8 @@ void TellSystemError(HWND dialog, uint32_t code) {
 
 // The folder is there, or has been made.
 void TakeFolder(HWND dialog, AppState& state) {
-  wchar_t folder[kWorkingFolderSize];
-  GetDlgItemTextW(dialog, kFolderEdit, folder, static_cast<int>(kWorkingFolderSize));
+  wchar_t folder[kFolderLimit + 1];
+  GetDlgItemTextW(dialog, kFolderEdit, folder, static_cast<int>(std::size(folder)));
   if (!IsFolder(folder) && !CreateFolder(folder)) {
     TellSystemError(dialog, LastSystemError());
     SetFocus(GetDlgItem(dialog, kFolderEdit));
@@ -69,7 +76,7 @@ void TakeFolder(HWND dialog, AppState& state) {
 INT_PTR CALLBACK FolderDialogProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
   if (message == WM_INITDIALOG) {
     SetWindowLongPtrW(dialog, DWLP_USER, lParam);
-    SendDlgItemMessageW(dialog, kFolderEdit, EM_SETLIMITTEXT, kWorkingFolderSize, 0);
+    SendDlgItemMessageW(dialog, kFolderEdit, EM_SETLIMITTEXT, kFolderLimit, 0);
     SetDlgItemTextW(dialog, kFolderEdit, reinterpret_cast<AppState*>(lParam)->workingFolder);
     return TRUE;
   }

@@ -4,6 +4,7 @@
 #include "app/dialogs_win32.h"
 #include "app/family_controls.h"
 #include "app/full_window_win32.h"
+#include "app/playback_control.h"
 #include "app/run_control.h"
 #include "app/settings_dialog_win32.h"
 #include "app/start_up.h"
@@ -79,6 +80,8 @@ void OnCommand(AppState& state, int id) {
       return ApplySettings(state);
     case ID_DETAIL:
       return EditSettings(state);
+    case ID_SHOW_SETTINGS:
+      return ShowPlayedSettings(state);
     case ID_LOW_FREQUENCY:
     case ID_HIGH_FREQUENCY:
     case ID_DUAL_MODE:
@@ -87,6 +90,21 @@ void OnCommand(AppState& state, int id) {
     case ID_INTERVAL:
     case ID_PRESET:
       return TakeSettingsChoice(state, id);
+    case ID_PLAYBACK:
+      return PlayFiles(state);
+    case ID_RESUME:
+      return ResumePlayback(state);
+    case ID_PAUSE:
+      return PausePlayback(state);
+    case ID_BACK:
+      return StepPlaybackBack(state, kBack20);
+    case ID_FAST_BACK:
+      return StepPlaybackBack(state, kBack100);
+    case ID_SEGY_CONVERT:
+    case ID_MENU_SEGY:
+      return ConvertToSegy(state);
+    case ID_MENU_BIN_TO_TXT:
+      return ConvertToText(state);
     case ID_DEFAULT:
       return RestoreDefaults(state);
     case ID_RECORD:
@@ -110,8 +128,8 @@ void OnDestroy(AppState& state) {
   PostQuitMessage(0);
 }
 
-// Commands of buttons and menus have the code 0, those of accelerators 1; selectors tell more than we want
-// to know.
+// Commands of buttons and menus have the code 0, those of accelerators 1, as has a new choice of a selector
+// (CBN_SELCHANGE); the other codes of selectors tell more than we want to know.
 constexpr WORD kLastCommandCode = 1;
 
 LRESULT CALLBACK MainWindowProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
@@ -138,6 +156,9 @@ LRESULT CALLBACK MainWindowProcedure(HWND window, UINT message, WPARAM wParam, L
       return 0;
     case WM_TIMER:
       OnTimer(*state, wParam);
+      return 0;
+    case kConversionEndMessage:
+      HandleConversionEnd(*state, wParam != 0);
       return 0;
     case WM_USER:
       static_cast<void>(ReceiveProgress(wParam));  // the slider shows it; this copy ends here

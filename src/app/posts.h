@@ -20,6 +20,9 @@ void PostStatusText(AppState& state, StatusPart part, const wchar_t* text);
 // that cannot be posted is dropped: the next one comes within 20 ms.
 void PostProgress(AppState& state, const ProgressBlock& progress);
 
+// A conversion is over; `exhausted` when all of its input was read.
+void PostConversionEnd(AppState& state, bool exhausted);
+
 inline constexpr uint32_t kStatusTextSize = 256;
 
 // A few process-wide text buffers that one thread fills in turn, so that a text stays whole while the GUI

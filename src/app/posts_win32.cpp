@@ -32,4 +32,8 @@ void PostProgress(AppState& state, const ProgressBlock& progress) {
   PostCopy(MainWindow(state), progress);
 }
 
+void PostConversionEnd(AppState& state, bool exhausted) {
+  PostMessageW(MainWindow(state), kConversionEndMessage, exhausted ? 1 : 0, 0);
+}
+
 }  // namespace tw

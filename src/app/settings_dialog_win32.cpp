@@ -10,11 +10,18 @@
 #include "app/family_controls.h"
 #include "app/run_control.h"
 #include "app/settings_layout.h"
+#include "app/ui.h"
 #include "app/window_handles_win32.h"
 #include "base/shared_value.h"
 
 namespace tw {
 namespace {
+
+// What a dialog shows; a played file's settings cannot be changed.
+struct SettingsDialog {
+  FormFacts facts;
+  DeviceSettings settings;
+};
 
 // One dialog while it is open.
 struct OpenDialog {
@@ -22,7 +29,7 @@ struct OpenDialog {
   FormLayout layout;
 };
 
-OpenDialog& DialogOf(HWND window) {
+OpenDialog& OpenDialogOf(HWND window) {
   return *reinterpret_cast<OpenDialog*>(GetWindowLongPtrW(window, DWLP_USER));
 }
 
@@ -69,7 +76,8 @@ void FillItems(HWND combo, const FormItem& item, const SettingsDialog& dialog, c
 }
 
 bool IsUsable(const FormItem& item, const SettingsDialog& dialog) {
-  return !dialog.readOnly && !(IsRuledByPreset(item.field) && IsPresetInForce(dialog.facts, dialog.settings));
+  return !dialog.facts.played &&
+         !(IsRuledByPreset(item.field) && IsPresetInForce(dialog.facts, dialog.settings));
 }
 
 void FillControl(HWND control, const FormItem& item, const SettingsDialog& dialog) {
@@ -152,8 +160,8 @@ bool ReadForm(HWND window, const OpenDialog& open, DeviceSettings& settings) {
 }
 
 void OnOk(HWND window) {
-  OpenDialog& open = DialogOf(window);
-  if (open.dialog.readOnly) {
+  OpenDialog& open = OpenDialogOf(window);
+  if (open.dialog.facts.played) {
     EndDialog(window, IDCANCEL);
     return;
   }
@@ -179,8 +187,10 @@ INT_PTR CALLBACK SettingsDialogProcedure(HWND window, UINT message, WPARAM wPara
   }
 }
 
-int DialogOfForm(SettingsForm form) {
-  switch (form) {
+// A played file's settings stand in one of the first family's frames, whoever made it.
+int DialogOf(const FormFacts& facts) {
+  if (facts.played && facts.family != 1) return ID_DIALOG_SINGLE;
+  switch (FormOf(facts)) {
     case SettingsForm::single:
       return ID_DIALOG_SINGLE;
     case SettingsForm::dual:
@@ -191,21 +201,30 @@ int DialogOfForm(SettingsForm form) {
   return ID_DIALOG_SINGLE;
 }
 
-}  // namespace
-
-bool ShowSettingsDialog(const AppState& state, SettingsDialog& dialog) {
+// Shows the dialog until it is closed. True when it ended with "OK" and was not read-only: `settings` then
+// holds what was entered.
+bool ShowDialog(const AppState& state, SettingsDialog& dialog) {
   OpenDialog open{dialog, LayOutForm(dialog.facts, dialog.settings)};
-  return DialogBoxParamW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(dialog.id), MainWindow(state),
-                         SettingsDialogProcedure, reinterpret_cast<LPARAM>(&open)) == IDOK;
+  return DialogBoxParamW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(DialogOf(dialog.facts)),
+                         MainWindow(state), SettingsDialogProcedure, reinterpret_cast<LPARAM>(&open)) == IDOK;
 }
 
+}  // namespace
+
 void EditSettings(AppState& state) {
-  const FormFacts facts = CurrentFormFacts();
-  SettingsDialog dialog{DialogOfForm(FormOf(facts)), facts, state.settings, false};
-  if (!ShowSettingsDialog(state, dialog)) return;
+  SettingsDialog dialog{CurrentFormFacts(state), state.settings};
+  if (!ShowDialog(state, dialog)) return;
   state.settings = dialog.settings;
   RefreshSettingsControls(state);
   if (LoadShared(state.devicePort) != Handle::invalid) ApplySettings(state);
+}
+
+void ShowPlayedSettings(AppState& state) {
+  if (state.playbackActive == 0) {
+    ShowBox(state, L"Click after Playback saved file", L"Error", BoxIcon::error);
+    return;
+  }
+  EditSettings(state);
 }
 
 }  // namespace tw

@@ -23,11 +23,14 @@ enum class Unit : uint8_t { asStored, metresOfMillimetres, secondsOfMilliseconds
 enum Shown : uint8_t {
   kSingle = 1,
   kDual = 2,
-  kSecond = 4,  // the detail form of family 2
-  kThird = 8,   // of family 0
+  kSecond = 4,   // the detail form of family 2
+  kThird = 8,    // of family 0
+  kPlayed = 16,  // of a record file
 };
 constexpr uint8_t kDetail = kSecond | kThird;
 constexpr uint8_t kAll = kSingle | kDual | kDetail;
+constexpr uint8_t kFirst = kSingle | kDual;
+constexpr uint8_t kTold = kAll | kPlayed;
 
 struct Row {
   SettingsField field;
@@ -49,23 +52,23 @@ using F = SettingsField;
 
 // clang-format off
 constexpr Row kRows[kSettingsFields] = {
-    {F::range, L"&Range [m]", combo, kAll, Unit::metresOfMillimetres, &S::rangeLow_mm, &S::rangeHigh_mm, nullptr, nullptr, 1, 0, 0},
-    {F::interval, L"Ping &interval [s]", combo, kAll, Unit::secondsOfMilliseconds, &S::pingInterval_ms, &S::pingInterval_ms, nullptr, nullptr, 0, 10, 2},
-    {F::outputMode, L"&Output mode", combo, kAll, Unit::mode, &S::outputMode, &S::outputMode, nullptr, nullptr, 0, 0, 0},
-    {F::txLength, L"Transmit &length [\u00B5s]", edit, kAll, Unit::asStored, &S::txLengthLow, &S::txLengthHigh, nullptr, nullptr, 1, 0, 0},
-    {F::txPower, L"Transmit &power [%]", edit, kSingle | kDual, Unit::asStored, nullptr, nullptr, &S::txPower, &S::txPower, 0, 100, 1},
-    {F::gain, L"&Gain [dB]", edit, kAll, Unit::asStored, nullptr, nullptr, &S::gainLow, &S::gainHigh, -60, 60, 1},
-    {F::tvgMode, L"TVG &mode", combo, kSingle | kDual | kSecond, Unit::asStored, &S::tvgMode, &S::tvgMode, nullptr, nullptr, 0, 3, 0},
-    {F::tvgSpreading, L"TVG &spreading [dB/decade]", edit, kSingle | kDual | kSecond, Unit::asStored, nullptr, nullptr, &S::tvgSpreadingLow, &S::tvgSpreadingHigh, 0, 60, 1},
-    {F::tvgAbsorption, L"TVG &absorption [dB/m]", edit, kSingle | kDual | kSecond, Unit::asStored, nullptr, nullptr, &S::tvgAbsorptionLow, &S::tvgAbsorptionHigh, 0, 2, 2},
-    {F::attenuation, L"Atte&nuation", edit, kSingle | kDual, Unit::asStored, &S::attenuationLow, &S::attenuationHigh, nullptr, nullptr, 0, 100, 0},
-    {F::deadZone, L"&Dead zone [mm]", edit, kAll, Unit::asStored, &S::deadZoneLow_mm, &S::deadZoneHigh_mm, nullptr, nullptr, 0, 0, 0},
-    {F::offset, L"O&ffset [mm]", edit, kAll, Unit::asStored, &S::offsetLow_mm, &S::offsetHigh_mm, nullptr, nullptr, -10000, 10000, 0},
-    {F::threshold, L"&Threshold [%]", edit, kAll, Unit::asStored, &S::thresholdLow_percent, &S::thresholdHigh_percent, nullptr, nullptr, 0, 100, 0},
-    {F::soundSpeed, L"Speed of so&und [m/s]", edit, kAll, Unit::asStored, nullptr, nullptr, &S::soundSpeed_mps, &S::soundSpeed_mps, 1300, 1700, 1},
-    {F::medianFilter, L"Median filt&er [pings]", edit, kSingle | kDual | kSecond, Unit::asStored, &S::medianFilter, &S::medianFilter, nullptr, nullptr, 1, 31, 0},
-    {F::movingAverage, L"Moving a&verage [pings]", edit, kSingle | kDual | kSecond, Unit::asStored, &S::movingAverageFilter, &S::movingAverageFilter, nullptr, nullptr, 1, 31, 0},
-    {F::outputRate, L"Output rate [&Hz]", edit, kSingle | kDual, Unit::asStored, nullptr, nullptr, &S::outputRate, &S::outputRate, 0, 100, 2},
+    {F::range, L"&Range [m]", combo, kTold, Unit::metresOfMillimetres, &S::rangeLow_mm, &S::rangeHigh_mm, nullptr, nullptr, 1, 0, 0},
+    {F::interval, L"Ping &interval [s]", combo, kTold, Unit::secondsOfMilliseconds, &S::pingInterval_ms, &S::pingInterval_ms, nullptr, nullptr, 0, 10, 2},
+    {F::outputMode, L"&Output mode", combo, kTold, Unit::mode, &S::outputMode, &S::outputMode, nullptr, nullptr, 0, 0, 0},
+    {F::txLength, L"Transmit &length [\u00B5s]", edit, kTold, Unit::asStored, &S::txLengthLow, &S::txLengthHigh, nullptr, nullptr, 1, 0, 0},
+    {F::txPower, L"Transmit &power [%]", edit, kFirst | kPlayed, Unit::asStored, nullptr, nullptr, &S::txPower, &S::txPower, 0, 100, 1},
+    {F::gain, L"&Gain [dB]", edit, kTold, Unit::asStored, nullptr, nullptr, &S::gainLow, &S::gainHigh, -60, 60, 1},
+    {F::tvgMode, L"TVG &mode", combo, kFirst | kSecond, Unit::asStored, &S::tvgMode, &S::tvgMode, nullptr, nullptr, 0, 3, 0},
+    {F::tvgSpreading, L"TVG &spreading [dB/decade]", edit, kFirst | kSecond | kPlayed, Unit::asStored, nullptr, nullptr, &S::tvgSpreadingLow, &S::tvgSpreadingHigh, 0, 60, 1},
+    {F::tvgAbsorption, L"TVG &absorption [dB/m]", edit, kFirst | kSecond | kPlayed, Unit::asStored, nullptr, nullptr, &S::tvgAbsorptionLow, &S::tvgAbsorptionHigh, 0, 2, 2},
+    {F::attenuation, L"Atte&nuation", edit, kFirst | kPlayed, Unit::asStored, &S::attenuationLow, &S::attenuationHigh, nullptr, nullptr, 0, 100, 0},
+    {F::deadZone, L"&Dead zone [mm]", edit, kTold, Unit::asStored, &S::deadZoneLow_mm, &S::deadZoneHigh_mm, nullptr, nullptr, 0, 0, 0},
+    {F::offset, L"O&ffset [mm]", edit, kTold, Unit::asStored, &S::offsetLow_mm, &S::offsetHigh_mm, nullptr, nullptr, -10000, 10000, 0},
+    {F::threshold, L"&Threshold [%]", edit, kTold, Unit::asStored, &S::thresholdLow_percent, &S::thresholdHigh_percent, nullptr, nullptr, 0, 100, 0},
+    {F::soundSpeed, L"Speed of so&und [m/s]", edit, kTold, Unit::asStored, nullptr, nullptr, &S::soundSpeed_mps, &S::soundSpeed_mps, 1300, 1700, 1},
+    {F::medianFilter, L"Median filt&er [pings]", edit, kFirst | kSecond, Unit::asStored, &S::medianFilter, &S::medianFilter, nullptr, nullptr, 1, 31, 0},
+    {F::movingAverage, L"Moving a&verage [pings]", edit, kFirst | kSecond, Unit::asStored, &S::movingAverageFilter, &S::movingAverageFilter, nullptr, nullptr, 1, 31, 0},
+    {F::outputRate, L"Output rate [&Hz]", edit, kFirst, Unit::asStored, nullptr, nullptr, &S::outputRate, &S::outputRate, 0, 100, 2},
     {F::identity, L"Identity", shown, kAll, Unit::text, nullptr, nullptr, nullptr, nullptr, 0, 0, 0},
     {F::firmware, L"Firmware", shown, kAll, Unit::text, nullptr, nullptr, nullptr, nullptr, 0, 0, 0},
     {F::interfaceType, L"Interface", shown, kAll, Unit::text, nullptr, nullptr, nullptr, nullptr, 0, 0, 0},
@@ -171,6 +174,18 @@ void FormatInterval(int32_t interval_ms, std::span<wchar_t> text) {
   }
 }
 
+// A mode that the family's list has no name for shows as its number.
+void FormatMode(int32_t family, OutputMode mode, std::span<wchar_t> text) {
+  const std::wstring_view name = NameOfMode(family, mode);
+  if (mode == kPlayedBinary) {
+    CopyWide(text, L"Echo Bin");
+  } else if (name.empty()) {
+    FormatWide(text, "%" PRId32, mode);
+  } else {
+    CopyWide(text, name);
+  }
+}
+
 void FormatShown(SettingsField field, const FormFacts& facts, const S& settings, std::span<wchar_t> text) {
   constexpr const wchar_t* kInterfaces[] = {L"RS-232", L"RS-485", L"USB"};
   switch (field) {
@@ -199,6 +214,15 @@ void FormatShown(SettingsField field, const FormFacts& facts, const S& settings,
 
 void AddItem(FieldItems& items, const wchar_t* text) {
   if (items.count < kMaxFieldItems) CopyWide(items.items[items.count++], text);
+}
+
+// The family's modes, and at the end the device's own when it is none of them.
+void AddModes(FieldItems& items, int32_t family, OutputMode own) {
+  for (const OutputModeName& mode : OfferedModes(family)) AddItem(items, mode.name.data());
+  if (!NameOfMode(family, own).empty()) return;
+  wchar_t text[kFieldTextSize];
+  FormatMode(family, own, text);
+  AddItem(items, text);
 }
 
 // The values of the list up to a limit, the device's own among them in its place.
@@ -276,13 +300,15 @@ SettingsForm FormOf(const FormFacts& facts) {
 }
 
 FieldChannel ActiveChannel(const FormFacts& facts, const DeviceSettings& settings) {
-  const bool low = facts.family == 1 && settings.frequencyInUse_hz == settings.lowFrequency_hz;
+  const bool low =
+      facts.family == 1 && !facts.played && settings.frequencyInUse_hz == settings.lowFrequency_hz;
   return low ? FieldChannel::low : FieldChannel::high;
 }
 
 bool IsShown(SettingsField field, const FormFacts& facts) {
   if (field == F::outputRate && !facts.smoothingSupported) return false;
-  const uint8_t form = facts.family == 1   ? (facts.dual ? kDual : kSingle)
+  const uint8_t form = facts.played        ? kPlayed
+                       : facts.family == 1 ? (facts.dual ? kDual : kSingle)
                        : facts.family == 2 ? kSecond
                                            : kThird;
   return (RowOf(field).shown & form) != 0;
@@ -316,8 +342,7 @@ void FormatField(SettingsField field, FieldChannel channel, const FormFacts& fac
     case Unit::text:
       return FormatShown(field, facts, settings, text);
     case Unit::mode:
-      CopyWide(text, NameOfMode(facts.family, settings.outputMode));
-      return;
+      return FormatMode(facts.family, settings.outputMode, text);
     case Unit::metresOfMillimetres:
       return FormatNumber(RangeInMillimetres(Whole(row, channel, settings)) / 1000.0, row.decimals, text);
     case Unit::secondsOfMilliseconds:
@@ -345,10 +370,8 @@ void ListItems(SettingsField field, FieldChannel channel, const FormFacts& facts
     case F::interval:
       return AddValues(items, kIntervals_ms, kIntervals_ms[std::size(kIntervals_ms) - 1],
                        settings.pingInterval_ms, FormatInterval);
-    case F::outputMode: {
-      for (const OutputModeName& mode : OfferedModes(facts.family)) AddItem(items, mode.name.data());
-      return;
-    }
+    case F::outputMode:
+      return AddModes(items, facts.family, settings.outputMode);
     case F::tvgMode: {
       constexpr int32_t kModes[] = {0, 1, 2, 3};
       return AddValues(items, kModes, 3, settings.tvgMode,
@@ -365,7 +388,8 @@ bool ReadField(SettingsField field, FieldChannel channel, const FormFacts& facts
   if (row.kind == shown) return true;
   wchar_t standing[kFieldTextSize];
   FormatField(field, channel, facts, settings, standing);
-  if (std::wcscmp(text, standing) == 0) return true;
+  // A dead zone that stands may lie beyond a range that was entered before it.
+  if (field != F::deadZone && std::wcscmp(text, standing) == 0) return true;
   if (row.unit == Unit::mode) return ModeOfName(facts.family, text, settings.outputMode);
   if (row.unit == Unit::secondsOfMilliseconds && std::wcscmp(text, kAuto) == 0) {
     settings.pingInterval_ms = 0;

@@ -3,7 +3,8 @@
 // thread.
 //
 // Three forms: a single-frequency device of the first family (the active channel), a dual one (both channels
-// side by side), and the other families (the one channel, whose values are the high ones).
+// side by side), and the other families (the one channel, whose values are the high ones). A played file's
+// form has the fields that record files tell; its channel's values are the high ones too.
 #pragma once
 
 #include <cstddef>
@@ -55,6 +56,7 @@ struct FormFacts {
   bool presetCapable;
   int32_t interfaceType;  // 0 RS-232, 1 RS-485, 2 USB
   float firmwareVersion;
+  bool played = false;  // the settings came out of a record file
 };
 
 [[nodiscard]] SettingsForm FormOf(const FormFacts& facts);
@@ -88,9 +90,10 @@ struct FieldItems {
 void ListItems(SettingsField field, FieldChannel channel, const FormFacts& facts,
                const DeviceSettings& settings, FieldItems& items);
 
-// Reads a text into the settings. A text that says what stands there already changes nothing. False when it
-// is no number, or one out of its limits, or no item: the settings are unchanged, and `error` holds "Value of
-// %s must be from %s to %s.". Limits depend on the settings, so a form is read in its order.
+// Reads a text into the settings. A text that says what stands there already changes nothing, whatever it is;
+// only a dead zone is held against the range all the same. False when it is no number, or one out of its
+// limits, or no item: the settings are unchanged, and `error` holds "Value of %s must be from %s to %s.".
+// Limits depend on the settings, so a form is read in its order.
 [[nodiscard]] bool ReadField(SettingsField field, FieldChannel channel, const FormFacts& facts,
                              const wchar_t* text, DeviceSettings& settings, std::span<wchar_t> error);
 

@@ -52,23 +52,26 @@ void PaintWarning(HWND dialog) {
   EndPaint(dialog, &paint);
 }
 
+// The item chosen last; it stays selected when the device's speed is none of the list.
+LRESULT chosenItem = 0;
+
 void FillSpeeds(HWND dialog) {
   for (const int32_t speed : DeviceSpeeds()) {
     wchar_t text[16];
     FormatWide(text, "%" PRId32, speed);
     const LRESULT index =
         SendDlgItemMessageW(dialog, kSpeeds, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(text));
-    if (speed == globals.deviceBaud) {
-      SendDlgItemMessageW(dialog, kSpeeds, CB_SETCURSEL, static_cast<WPARAM>(index), 0);
-    }
+    if (speed == globals.deviceBaud) chosenItem = index;
   }
+  SendDlgItemMessageW(dialog, kSpeeds, CB_SETCURSEL, static_cast<WPARAM>(chosenItem), 0);
 }
 
 int32_t ChosenSpeed(HWND dialog) {
   const LRESULT index = SendDlgItemMessageW(dialog, kSpeeds, CB_GETCURSEL, 0, 0);
   const auto speeds = DeviceSpeeds();
-  const bool chosen = index >= 0 && static_cast<size_t>(index) < speeds.size();
-  return chosen ? speeds[static_cast<size_t>(index)] : kNothingChosen;
+  if (index < 0 || static_cast<size_t>(index) >= speeds.size()) return kNothingChosen;
+  chosenItem = index;
+  return speeds[static_cast<size_t>(index)];
 }
 
 INT_PTR CALLBACK SpeedDialogProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM) {

@@ -48,8 +48,8 @@ constexpr WorkerRow kWorkers[] = {
     {2, 8, AltiPlusTempWorker},
     {2, 9, SonarmiteDfxWorker},
     {2, 10, SonarmiteOldWorker},
-    {2, 100, BinaryEchoWorker},
-    {2, 101, BinaryEchoWorker},
+    {2, 100, SecondFamilyBinaryEchoWorker},
+    {2, 101, SecondFamilyBinaryEchoWorker},
 };
 
 ThreadBody WorkerOf(int32_t family, OutputMode mode) {
@@ -144,7 +144,11 @@ void EndAcquisition(AppState& state, uint32_t limit_ms) {
 void EndFileWorkers(AppState& state) {
   EndFileWorker(state.fileWorkerA, state.stopEvent);
   EndFileWorker(state.fileWorkerB, state.stopEventB);
+  if (state.playbackActive == 0) return;
   state.playbackActive = 0;
+  state.playbackPaused = 0;
+  state.playbackAtEnd = 0;
+  ArrangeViews(state);
 }
 
 }  // namespace tw

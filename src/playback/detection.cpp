@@ -155,6 +155,16 @@ StreamForm FormOfMode(int32_t family, int32_t outputMode) {
   return row->form;
 }
 
+bool IsBinary(const Detected& recording) {
+  const StreamForm form = recording.form;
+  return form == StreamForm::frames || form == StreamForm::dualFrames || form == StreamForm::deviceBlocks;
+}
+
+bool CarriesEchoes(const Detected& recording) {
+  const StreamForm form = recording.form;
+  return form == StreamForm::firstText || form == StreamForm::secondText || IsBinary(recording);
+}
+
 std::optional<Detected> DetectRecording(std::span<const uint8_t> start) {
   const std::string_view text = AsText(start.first(std::min(start.size(), kStartSize)));
   const auto told = DetectByInfo(text);

@@ -46,6 +46,10 @@ struct Detected {
   size_t infoSize;          // bytes up to and with the last INFO line
 };
 
+// Whether the pings have samples, and whether they are frames instead of text.
+[[nodiscard]] bool CarriesEchoes(const Detected& recording);
+[[nodiscard]] bool IsBinary(const Detected& recording);
+
 // Judges the first bytes of a file, up to kStartSize of them. Nothing: no kind that is known. Pure.
 [[nodiscard]] std::optional<Detected> DetectRecording(std::span<const uint8_t> start);
 

@@ -47,7 +47,7 @@ bool ParseFrame(std::string_view block, const LiveContext& context, LivePing& pi
 }
 
 bool ParseDeviceFrame(std::string_view block, const LiveContext& context, LivePing& ping) {
-  if (!kBinaryEcho.parse(block, context, ping)) return false;
+  if (!kFirstFamilyBinaryEcho.parse(block, context, ping)) return false;
   ping.header.timeOfWork_s = ping.header.deviceSeconds;
   TakeFrameTime(ping);
   return true;

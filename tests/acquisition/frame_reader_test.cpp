@@ -8,6 +8,7 @@
 
 #include "acquisition/device_block.h"
 #include "acquisition/echo_frame.h"
+#include "tests/acquisition/blocks_of.h"
 #include "tests/acquisition/golden_frames.h"
 
 namespace tw {
@@ -15,21 +16,13 @@ namespace {
 
 using test::kGoldenDeviceBlock;
 using test::kGoldenFrame;
+using test::kWhole;
 using test::With;
-
-constexpr size_t kWhole = SIZE_MAX / 2;
 
 std::vector<std::string> FramesOf(const FrameFormat& format, std::string_view stream,
                                   size_t pieceSize = kWhole, int32_t channels = 1) {
   FrameReader reader(format, channels);
-  std::vector<std::string> frames;
-  for (size_t at = 0; at < stream.size(); at += pieceSize) {
-    const std::string_view part = stream.substr(at, pieceSize);
-    std::span<const uint8_t> piece(reinterpret_cast<const uint8_t*>(part.data()), part.size());
-    while (reader.Feed(piece)) frames.emplace_back(reader.Block());
-    EXPECT_TRUE(piece.empty());
-  }
-  return frames;
+  return test::BlocksOf(reader, stream, pieceSize);
 }
 
 std::string Dual(std::string frame) {

@@ -209,6 +209,20 @@ TEST(SettingsForm, ItemsHoldTheDevicesOwnValueInItsPlace) {
             L"Auto|0.01|0.02|0.033|0.05|0.10|0.20|0.25|0.50|1.00|2.00|5.00|10.00");
   EXPECT_TRUE(Items(F::outputMode, common, kThird, settings).starts_with(L"Altimeter Simple|Echo Txt|"));
   EXPECT_EQ(Items(F::tvgMode, common, kSingle, settings), L"0|1|2|3");
+  const std::wstring modes = Items(F::outputMode, common, kThird, settings);
+  EXPECT_TRUE(modes.ends_with(L"|Sonarmite OLD")) << "a mode that the list has";
+  settings.outputMode = 101;
+  EXPECT_EQ(Items(F::outputMode, common, kThird, settings), modes + L"|101");
+}
+
+TEST(SettingsForm, ARangeBelowTheDeadZoneIsRefusedAtTheDeadZone) {
+  DeviceSettings settings = Device();
+  settings.deadZoneLow_mm = 5'000;
+  wchar_t error[256];
+  EXPECT_TRUE(ReadField(F::deadZone, low, kSingle, L"5000", settings, error));
+  ASSERT_TRUE(ReadField(F::range, low, kSingle, L"3", settings, error));
+  EXPECT_FALSE(ReadField(F::deadZone, low, kSingle, L"5000", settings, error));
+  EXPECT_STREQ(error, L"Value of Dead zone must be from 0 to 3000.");
 }
 
 TEST(SettingsForm, FieldsOfEachForm) {

@@ -10,17 +10,19 @@
 #include <string>
 #include <vector>
 
-#include "acquisition/ping_ring.h"
 #include "app/run_control.h"
 #include "base/shared_value.h"
 #include "platform/clock.h"
 #include "simulator/virtual_echosounder.h"
+#include "tests/acquisition/pulse_watch.h"
 #include "tests/app/run_control_fixture.h"
 
 namespace tw {
 namespace {
 
 using sim::DeviceFamily;
+using test::PulseWatch;
+using test::Says;
 
 constexpr size_t kPings = 2'000;
 constexpr double kRadian = 57.29577951308232;
@@ -37,9 +39,6 @@ class Account : public sim::PingObserver {
   size_t ended_ = 0;
 };
 
-// What a message tells; each with what stands before it.
-enum class Says : uint8_t { altitude, temperature, attitude };
-
 struct Case {
   friend void PrintTo(const Case& each, std::ostream* out) { *out << each.name; }
   DeviceFamily family;
@@ -51,60 +50,18 @@ struct Case {
   int files = 1;
 };
 
-// Where the pulse of an altitude begins, at the speed of sound that the device was made with.
-size_t PulseOf(float altitude_m, float soundSpeed_mps) {
-  return static_cast<size_t>((static_cast<double>(altitude_m) * 2 / static_cast<double>(soundSpeed_mps)) /
-                             0.00001);
-}
-
 class AltimeterModes : public test::RunControlTest, public testing::WithParamInterface<Case> {
  protected:
-  struct Ring {
-    const PingRing* slots;
-    int32_t* index;
-    Lock* lock;
-    bool low;
-    uint32_t last = 0;
-    size_t seen = 0;
-  };
-
-  void Look(Ring& ring) {
-    int32_t index = 0;
-    {
-      Locked held(*ring.lock);
-      index = *ring.index;
-    }
-    const uint8_t* slot = ring.slots->slots[index];
-    const PingHeader ping = LoadPingHeader(slot);
-    if (ping.ping == ring.last) return;
-    ASSERT_LE(ping.ping, account_.sent.size());
-    const sim::SentPing& sent = account_.sent[ping.ping - 1];
+  // Sets up what a ring is expected to show.
+  void Expect(PulseWatch& watch, bool low) const {
     const Case& each = GetParam();
-    const bool everyMessage = !each.dual || each.joint;
-    ASSERT_EQ(ping.ping,
-              ring.last == 0 ? (ring.low && !everyMessage ? 2 : 1) : ring.last + (everyMessage ? 1 : 2))
-        << "a ping was never published, or went to the other channel";
-    ring.last = ping.ping;
-    ++ring.seen;
-    const float altitude_m = ring.low && each.joint ? sent.altitudeLow_m : sent.altitude_m;
-    EXPECT_EQ(ping.altitude_m, altitude_m) << ping.ping;
-    EXPECT_EQ(ping.temperature_c, each.says == Says::altitude ? 0 : sent.temperature_c) << ping.ping;
-    EXPECT_EQ(ping.pitch_deg, each.says == Says::attitude ? sent.pitch_deg : 450.0f) << ping.ping;
-    EXPECT_EQ(ping.roll_deg, each.says == Says::attitude ? sent.roll_deg : 0.0f) << ping.ping;
-    EXPECT_EQ(ping.sampleCount, 0u);
-    ExpectPulse(slot, altitude_m);
-    ExpectPosition(ping);
-  }
-
-  void ExpectPulse(const uint8_t* slot, float altitude_m) {
-    const size_t first = PulseOf(altitude_m, state_->settings.soundSpeed_mps);
-    const auto sample = [&](size_t i) { return slot[728 + 2 * i] | slot[729 + 2 * i] << 8; };
-    ASSERT_LT(first + 12, kMaxSlotSamples);
-    EXPECT_EQ(first == 0 ? 0 : sample(first - 1), 0);
-    EXPECT_EQ(sample(first), 921);
-    EXPECT_EQ(sample(first + 4), 3685);
-    EXPECT_EQ(sample(first + 9), 921);
-    EXPECT_EQ(sample(first + 10), 0);
+    watch.says = each.says;
+    watch.soundSpeed_mps = state_->settings.soundSpeed_mps;
+    watch.lowOfMessage = low && each.joint;
+    if (each.dual && !each.joint) {
+      watch.first = low ? 2 : 1;
+      watch.step = 2;
+    }
   }
 
   // A receiver's position of the last seconds stands in the ping.
@@ -182,14 +139,17 @@ TEST_P(AltimeterModes, EveryPingReachesRingsAndFiles) {
   EXPECT_EQ(LoadShared(globals.dualMode), each.dual ? 1 : 0);
   EXPECT_EQ(state_->echogramEnabled, 0);
 
-  Ring high{state_->ringA, &state_->ringIndexA, &state_->ringLockA, false};
-  Ring low{state_->ringB, &state_->ringIndexB, &state_->ringLockB, true};
-  while (high.seen < kPings) {
+  PulseWatch high(*state_->ringA, state_->ringIndexA, state_->ringLockA);
+  PulseWatch low(*state_->ringB, state_->ringIndexB, state_->ringLockB);
+  Expect(high, false);
+  Expect(low, true);
+  while (high.Seen() < kPings) {
     SleepMilliseconds(20);
-    ASSERT_NO_FATAL_FAILURE(Look(high));
-    ASSERT_NO_FATAL_FAILURE(Look(low));
+    if (high.Look(account_.sent)) ExpectPosition(high.Newest());
+    if (low.Look(account_.sent)) ExpectPosition(low.Newest());
+    ASSERT_FALSE(HasFailure());
   }
-  EXPECT_GE(low.seen + 1, each.dual ? kPings : 1u);
+  EXPECT_GE(low.Seen() + 1, each.dual ? kPings : 1u);
   EXPECT_GT(positions_, kPings * 9 / 10);
 
   StopRun(*state_);

@@ -4,5 +4,7 @@
 namespace tw {
 
 void PostStatusText(AppState&, StatusPart, const wchar_t*) {}
+void PostProgress(AppState&, const ProgressBlock&) {}
+void PostConversionEnd(AppState&, bool) {}
 
 }  // namespace tw
