@@ -165,13 +165,14 @@ TEST_F(DualSettings, BothChannelsStandSideBySide) {
             (MessageBoxContent{L"Error", L"Value of Gain (high) must be from -60.0 to 60.0."}));
   EXPECT_TRUE(first.FocusComesTo(first.Field(L"Gain [dB]", 1)));
   first.Enter(L"Gain [dB]", L"-4.5", 1);
-  first.Select(L"Range [m]", L"40", 0);
+  first.Select(L"Range [m]", L"40", 1);
   Confirm();
 
   const Dialog& second = Open();
   EXPECT_EQ(second.Value(L"Gain [dB]", 0), L"3.0");
   EXPECT_EQ(second.Value(L"Gain [dB]", 1), L"-4.5");
-  EXPECT_EQ(second.Value(L"Range [m]", 0), L"40");
+  EXPECT_EQ(second.Value(L"Range [m]", 1), L"40");
+  EXPECT_EQ(second.Value(L"Range [m]", 0), L"40") << "a dual run starts with the high range for both";
 }
 
 }  // namespace
