@@ -44,7 +44,7 @@ BUILD_PACKAGES=(ca-certificates cmake ninja-build g++)
 WINDOWS_PACKAGES=(g++-mingw-w64-x86-64-posix mingw-w64-tools binutils-mingw-w64-x86-64)
 WINE_PACKAGES=(wine wine64 xvfb xauth xdotool imagemagick x11-utils fonts-open-sans fonts-liberation
                fonts-unfonts-core)
-TEST_PACKAGES=(libgtest-dev googletest clang clang-format libclang-rt-dev gpsd-clients python3-segyio segyio-bin)
+TEST_PACKAGES=(libgtest-dev googletest clang clang-format libclang-rt-dev gpsd-clients python3-segyio)
 
 configure_and_build() {
   local preset=$1

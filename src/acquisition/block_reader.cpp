@@ -44,13 +44,15 @@ size_t FindEnd(const uint8_t* bytes, size_t from, size_t length, std::string_vie
 }  // namespace
 
 BlockReader::BlockReader(const BlockMarks& marks, size_t bufferSize)
-    : marks_(marks), buffer_(std::max(bufferSize, marks.start.size() + marks.end.size() + 1)) {}
+    : marks_(marks),
+      hunt_(marks.start),
+      buffer_(std::max(bufferSize, marks.start.size() + marks.end.size() + 1)) {}
 
 bool BlockReader::Feed(std::span<const uint8_t>& input) {
   if (complete_) BeginHunt();
   while (!input.empty()) {
     if (!collecting_) {
-      Hunt(input);
+      if (hunt_.Take(input)) BeginBlock();
     } else if (Collect(input)) {
       return true;
     }
@@ -61,35 +63,13 @@ bool BlockReader::Feed(std::span<const uint8_t>& input) {
 void BlockReader::BeginHunt() {
   collecting_ = false;
   complete_ = false;
-  matched_ = 0;
   length_ = 0;
 }
 
-void BlockReader::Hunt(std::span<const uint8_t>& input) {
-  const auto first = static_cast<uint8_t>(marks_.start[0]);
-  while (!input.empty()) {
-    if (matched_ == 0) {
-      const void* found = std::memchr(input.data(), first, input.size());
-      if (found == nullptr) {
-        input = {};
-        return;
-      }
-      input = input.subspan(static_cast<size_t>(static_cast<const uint8_t*>(found) - input.data()));
-    }
-    const uint8_t byte = input[0];
-    input = input.subspan(1);
-    if (byte == static_cast<uint8_t>(marks_.start[matched_])) {
-      ++matched_;
-    } else {
-      matched_ = byte == first ? 1 : 0;
-    }
-    if (matched_ == marks_.start.size()) {
-      std::memcpy(buffer_.data(), marks_.start.data(), matched_);
-      length_ = matched_;
-      collecting_ = true;
-      return;
-    }
-  }
+void BlockReader::BeginBlock() {
+  std::memcpy(buffer_.data(), marks_.start.data(), marks_.start.size());
+  length_ = marks_.start.size();
+  collecting_ = true;
 }
 
 // Copies a piece behind what was gathered and looks for the end mark in it, beginning where one could still

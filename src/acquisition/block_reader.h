@@ -14,6 +14,7 @@
 #include <string_view>
 #include <vector>
 
+#include "acquisition/mark_hunt.h"
 #include "acquisition/stream_reader.h"
 
 namespace tw {
@@ -44,14 +45,14 @@ class BlockReader final : public StreamReader {
   [[nodiscard]] uint64_t Oversized() const { return oversized_; }
 
  private:
-  void Hunt(std::span<const uint8_t>& input);
-  bool Collect(std::span<const uint8_t>& input);
   void BeginHunt();
+  void BeginBlock();
+  bool Collect(std::span<const uint8_t>& input);
 
   BlockMarks marks_;
+  MarkHunt hunt_;
   std::vector<uint8_t> buffer_;
   size_t length_ = 0;
-  size_t matched_ = 0;  // of the start mark, while hunting
   bool collecting_ = false;
   bool complete_ = false;
   uint64_t oversized_ = 0;

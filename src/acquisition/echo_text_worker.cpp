@@ -15,10 +15,11 @@ constexpr size_t kMaxSentences = 512;
 
 // The values of the last block of this mode stand in the ping's header; those that the header has no place
 // for do not outlive a block.
-EchoTextHeader PreviousValues(const PingHeader& header) {
+EchoTextHeader PreviousValues(const LivePing& ping) {
+  const PingHeader& header = ping.header;
   EchoTextHeader values{};
-  values.deviceSeconds = header.deviceSeconds;
-  values.deviceMilliseconds = header.deviceMilliseconds;
+  values.deviceSeconds = ping.deviceSeconds;
+  values.deviceMilliseconds = ping.deviceMilliseconds;
   values.sampleCount = static_cast<int32_t>(header.sampleCount);
   values.samplingFrequency_hz = static_cast<int32_t>(header.samplingFrequency_hz);
   values.altitude_m = header.altitude_m;
@@ -43,12 +44,15 @@ void TakeValues(const EchoTextHeader& values, PingHeader& header) {
 
 template <EchoTextKeys keys>
 bool ParseBlock(std::string_view block, const LiveContext& context, LivePing& ping) {
-  EchoTextHeader values = PreviousValues(ping.header);
+  EchoTextHeader values = PreviousValues(ping);
   const ParsedEchoText parsed =
       ParseEchoTextHeader(keys, block, context.configuredSampling_hz, context.configuredTx_hz, values);
   if (context.dual && !parsed.hasTxFrequency) return false;
   ping.secondChannel = context.IsSecondChannel(values.txFrequency_hz);
   TakeValues(values, ping.header);
+  ping.hasDeviceTime = true;
+  ping.deviceSeconds = values.deviceSeconds;
+  ping.deviceMilliseconds = values.deviceMilliseconds;
 
   const std::span<uint16_t> samples(ping.buffers[ping.secondChannel ? 1 : 0], ping.header.sampleCount);
   std::fill(samples.begin(), samples.end(), uint16_t{0});

@@ -45,6 +45,7 @@ void EpochReader::Take(uint8_t byte) {
 }
 
 bool EpochReader::Behind(std::string_view mark) const {
+  if (buffer_[length_ - 1] != mark.back()) return false;
   return std::string_view(buffer_ + searched_, length_ - searched_).ends_with(mark);
 }
 

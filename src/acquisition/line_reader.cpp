@@ -25,7 +25,7 @@ bool LineReader::Take(uint8_t byte) {
     BeginLine(start);
     return false;
   }
-  if (!gathering_ || !AtEnd()) return false;
+  if (!gathering_ || byte != static_cast<uint8_t>(form_.end.back()) || !AtEnd()) return false;
   if (overlong_) {
     Drop();
   } else if (!start_.empty() && start_ == form_.leading) {

@@ -216,9 +216,20 @@ class LiveRun {
 
   void End() {
     if (Stale()) return;
-    if (recorded_ == 0) DeleteEmptyRecordFiles(state_);
+    if (recorded_ == 0) EndEmptyRun();
     CloseBothRecordFiles(state_);
     CloseFile(ExchangeShared(state_.segyCompanionB, Handle::invalid));
+  }
+
+  void EndEmptyRun() {
+    switch (mode_.emptyRun) {
+      case EmptyRun::deleteFiles:
+        DeleteEmptyRecordFiles(state_);
+        return;
+      case EmptyRun::leaveOneByte:
+        LeaveOneByteInRecordFiles(state_);
+        return;
+    }
   }
 
   AppState& state_;

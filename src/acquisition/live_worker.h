@@ -51,6 +51,9 @@ struct LivePing {
   bool bothChannels;  // the block reports the second channel as well, with this altitude
   float altitudeLow_m;
   int32_t channelFrequency_hz;  // that was set for the ping's channel
+  bool hasDeviceTime;           // the block tells the device's own time; playback goes by it
+  uint32_t deviceSeconds;       // since 1970
+  uint32_t deviceMilliseconds;
   uint16_t buffers[2][kMaxPingSamples];
 };
 
@@ -65,6 +68,9 @@ enum class RecordRule : uint8_t { fileOfChannel, oneFile };
 
 inline constexpr size_t kMaxRecordSize = 257'000;  // the longest text block, two sentences and line ends
 
+// What becomes of the record files of a run that recorded nothing.
+enum class EmptyRun : uint8_t { deleteFiles, leaveOneByte };
+
 struct LiveMode {
   std::unique_ptr<StreamReader> (*makeReader)();
 
@@ -77,6 +83,7 @@ struct LiveMode {
 
   EchoSource echo = EchoSource::samples;
   RecordRule recordRule = RecordRule::fileOfChannel;
+  EmptyRun emptyRun = EmptyRun::deleteFiles;
 };
 
 // The body of an acquisition thread. Runs until stopEvent is signalled, the device port fails, or the run

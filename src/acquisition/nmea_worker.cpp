@@ -30,6 +30,10 @@ bool ParseEpoch(std::string_view epoch, const LiveContext& context, LivePing& pi
   static_cast<void>(ParseDepth(epoch, forms, header.altitude_m));
   static_cast<void>(ParsePitchRoll(epoch, forms, header.pitch_deg, header.roll_deg));
   static_cast<void>(ParseWaterTemperature(epoch, forms, header.temperature_c));
+  DeviceTime time{};
+  ping.hasDeviceTime = ParseDeviceTime(epoch, time) == SentenceResult::value;
+  ping.deviceSeconds = time.unix_s;
+  ping.deviceMilliseconds = time.milliseconds;
   return true;
 }
 

@@ -63,6 +63,15 @@ void DeleteEmptyRecordFile(AppState& state, RecordChannel channel) {
   if (named) static_cast<void>(RemoveFile(path));  // an undeletable file stays, with its settings line
 }
 
+void LeaveOneByte(AppState& state, RecordChannel channel) {
+  const Handle file = BeginWriting(state, channel);
+  if (file == Handle::invalid) return;
+  uint32_t written = 0;
+  // A disk that refuses leaves the settings line, which means as much.
+  static_cast<void>(TruncateFile(file, 0) && WriteFileBytes(file, "\r", 1, written));
+  EndWriting(state, channel, file, true);
+}
+
 }  // namespace
 
 void PutRecordFile(AppState& state, RecordChannel channel, Handle file) {
@@ -105,6 +114,11 @@ uint32_t WriteRecord(AppState& state, RecordChannel channel, std::span<const cha
 void DeleteEmptyRecordFiles(AppState& state) {
   DeleteEmptyRecordFile(state, RecordChannel::a);
   DeleteEmptyRecordFile(state, RecordChannel::b);
+}
+
+void LeaveOneByteInRecordFiles(AppState& state) {
+  LeaveOneByte(state, RecordChannel::a);
+  LeaveOneByte(state, RecordChannel::b);
 }
 
 void FormatFileSize(std::span<wchar_t> text, uint64_t size_bytes) {

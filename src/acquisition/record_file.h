@@ -35,6 +35,10 @@ void CloseBothRecordFiles(AppState& state);
 // none.
 void DeleteEmptyRecordFiles(AppState& state);
 
+// kept: the same of a binary run, whose files stay, cut down to that one CR, and are closed. Acquisition
+// worker only.
+void LeaveOneByteInRecordFiles(AppState& state);
+
 inline constexpr size_t kSizeTextSize = 64;
 
 // "File size: %llu%s": Bytes to 1,024, KB to 10,485,760, then MB; integer division. Pure.

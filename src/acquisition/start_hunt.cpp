@@ -5,7 +5,7 @@
 
 namespace tw {
 
-std::string_view StartHunt::Take(uint8_t byte) {
+std::string_view StartHunt::Match(uint8_t byte) {
   tail_[length_++] = static_cast<char>(byte);
   while (length_ > 0) {
     const std::string_view tail(tail_, length_);

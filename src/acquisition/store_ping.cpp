@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "acquisition/sample_grid.h"
 #include "base/bytes.h"
 
 namespace tw {
@@ -49,20 +50,19 @@ static_assert(kSlotSize <= UINT16_MAX);
 void SlotImage::Build(const PingHeader& header, std::span<const uint16_t> samples, uint16_t factor) {
   StorePingHeader(bytes, header);
   std::memset(bytes + frame::kWrittenHeaderLength, 0, frame::kSampleGap);
-  reach = kSlotSamples;
-  const uint32_t frequency_hz = header.samplingFrequency_hz;
-  if (frequency_hz == 0 || frequency_hz > kGridFrequency_hz) return;
-  const size_t repeat = kGridFrequency_hz / frequency_hz;
-  const size_t room = kMaxSlotSamples;
-  uint8_t* out = bytes + kSlotSamples;
-  size_t used = 0;
-  for (const uint16_t sample : samples) {
-    const auto value = static_cast<uint16_t>(std::min<uint32_t>(uint32_t{sample} * factor, UINT16_MAX));
-    const size_t end = std::min(used + repeat, room);
-    for (; used < end; ++used) StoreLe(out + 2 * used, value);
-    if (used == room) break;
-  }
-  reach += 2 * used;
+  const std::span<const uint16_t> placed = OntoGrid(samples, GridRepeat(header.samplingFrequency_hz), factor);
+  StoreLeNumbers(bytes + kSlotSamples, placed);
+  reach = kSlotSamples + placed.size_bytes();
+}
+
+std::span<const uint16_t> SlotImage::OntoGrid(std::span<const uint16_t> samples, size_t repeat,
+                                              uint16_t factor) {
+  if (factor == 1 && repeat == 1) return samples.first(std::min(samples.size(), kMaxSlotSamples));
+  if (factor == 1) return {grid, SpreadOntoGrid(samples, repeat, grid)};
+  const auto scale = [samples, factor](size_t first, std::span<uint16_t> scaled) {
+    ScaleSamples(samples.data() + first, factor, scaled);
+  };
+  return {grid, DecodeOntoGrid(samples.size(), repeat, grid, scale)};
 }
 
 void StorePing(RingWriter& writer, const SlotImage& image, uint32_t now_ms) {

@@ -85,10 +85,12 @@ struct AppState {
   Handle sliderWindow;
   int32_t playbackSpan;
   int32_t conversionKind;  // 0 none, 1 SEG-Y, 2 binary to text; shared
+  uint64_t seekRequest;    // shared: the slider asks, the file worker takes; see display/slider_messages.h
 
   // Fields that the table above has no names for.
   int32_t playbackActive;  // GUI thread
   int32_t playbackPaused;  // GUI thread
+  int64_t stepTime_ms;     // recorded time to which the second file follows the first; shared
   int32_t playbackAtEnd;   // the played file is exhausted; GUI thread
   int32_t linkLost;        // shared: workers set it, the GUI clears it before each worker start
   int32_t pendingRange;    // changes of range and output that timer 7 will send; GUI thread

@@ -4,6 +4,7 @@
 #include "app/dialogs_win32.h"
 #include "app/family_controls.h"
 #include "app/full_window_win32.h"
+#include "app/playback_control.h"
 #include "app/run_control.h"
 #include "app/settings_dialog_win32.h"
 #include "app/start_up.h"
@@ -12,6 +13,7 @@
 #include "app/window_handles_win32.h"
 #include "app/window_layout.h"
 #include "display/scaling.h"
+#include "display/slider_messages.h"
 
 namespace tw {
 namespace {
@@ -88,6 +90,21 @@ void OnCommand(AppState& state, int id) {
     case ID_INTERVAL:
     case ID_PRESET:
       return TakeSettingsChoice(state, id);
+    case ID_PLAYBACK:
+      return PlayFiles(state);
+    case ID_RESUME:
+      return ResumePlayback(state);
+    case ID_PAUSE:
+      return PausePlayback(state);
+    case ID_BACK:
+      return StepPlaybackBack(state, kBack20);
+    case ID_FAST_BACK:
+      return StepPlaybackBack(state, kBack100);
+    case ID_SEGY_CONVERT:
+    case ID_MENU_SEGY:
+      return ConvertToSegy(state);
+    case ID_MENU_BIN_TO_TXT:
+      return ConvertToText(state);
     case ID_DEFAULT:
       return RestoreDefaults(state);
     case ID_RECORD:
@@ -139,6 +156,12 @@ LRESULT CALLBACK MainWindowProcedure(HWND window, UINT message, WPARAM wParam, L
       return 0;
     case WM_TIMER:
       OnTimer(*state, wParam);
+      return 0;
+    case kConversionEndMessage:
+      HandleConversionEnd(*state, wParam != 0);
+      return 0;
+    case WM_USER:
+      static_cast<void>(ReceiveProgress(wParam));  // the slider shows it; this copy ends here
       return 0;
     case WM_DESTROY:
       OnDestroy(*state);

@@ -4,6 +4,8 @@
 
 #include <cstdint>
 
+#include "display/slider_messages.h"
+
 namespace tw {
 
 struct AppState;
@@ -13,6 +15,13 @@ enum class StatusPart : uint8_t { device = 0, gps = 1, position = 2, pingLine = 
 // Shows a text in a part of the status bar. Only the pointer travels: the text must live for the whole
 // process and stay readable after the writer has moved on (see StatusTexts).
 void PostStatusText(AppState& state, StatusPart part, const wchar_t* text);
+
+// Tells the slider and the main window how far a file has been read; each gets a copy of the block. A copy
+// that cannot be posted is dropped: the next one comes within 20 ms.
+void PostProgress(AppState& state, const ProgressBlock& progress);
+
+// A conversion is over; `exhausted` when all of its input was read.
+void PostConversionEnd(AppState& state, bool exhausted);
 
 inline constexpr uint32_t kStatusTextSize = 256;
 

@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <cstdint>
 #include <span>
+#include <string>
+#include <vector>
 
 #include "app/posts.h"
 
@@ -44,6 +46,12 @@ void SelectComboItem(AppState& state, int id, int index);  // -1 selects nothing
 
 void StartTimer(AppState& state, int id, uint32_t period_ms);
 void StopTimer(AppState& state, int id);
+
+// Asks the operator for files to read. False when he cancelled; a dialog that fails is told to him.
+[[nodiscard]] bool ChooseInputFiles(AppState& state, std::vector<std::wstring>& paths);
+
+// Places the echogram and the slider anew: a playback has begun or ended.
+void ArrangeViews(AppState& state);
 
 void SetWindowTitle(AppState& state, const char* title);
 

@@ -9,6 +9,7 @@
 
 #include "app/control_ids.h"
 #include "app/full_window_win32.h"
+#include "app/view_placement_win32.h"
 #include "app/window_handles_win32.h"
 #include "platform/system_error.h"
 
@@ -113,6 +114,10 @@ void StartTimer(AppState& state, int id, uint32_t period_ms) {
 
 void StopTimer(AppState& state, int id) {
   KillTimer(MainWindow(state), static_cast<UINT_PTR>(id));
+}
+
+void ArrangeViews(AppState& state) {
+  PlaceViews(state);
 }
 
 void SetWindowTitle(AppState& state, const char* title) {

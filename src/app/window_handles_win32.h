@@ -7,6 +7,9 @@
 
 namespace tw {
 
+// To the main window: a conversion is over; the first parameter is 1 when all of its input was read.
+inline constexpr UINT kConversionEndMessage = WM_APP;
+
 [[nodiscard]] inline HWND ToWindow(Handle handle) {
   return reinterpret_cast<HWND>(static_cast<uintptr_t>(handle));
 }

@@ -4,6 +4,7 @@
 
 #include "acquisition/altimeter_worker.h"
 #include "acquisition/echo_text_worker.h"
+#include "acquisition/frame_worker.h"
 #include "acquisition/nmea_worker.h"
 #include "acquisition/output_mode.h"
 #include "app/ui.h"
@@ -35,6 +36,8 @@ constexpr WorkerRow kWorkers[] = {
     {1, 7, DualTextWorker},
     {1, 8, SonarmiteDfxWorker},
     {1, 9, SonarmiteOldWorker},
+    {1, 100, BinaryEchoWorker},
+    {1, 101, BinaryEchoWorker},
     {2, 1, SimpleWorker},
     {2, 2, SecondFamilyEchoTextWorker},
     {2, 3, SecondFamilyNmeaWorker},
@@ -45,6 +48,8 @@ constexpr WorkerRow kWorkers[] = {
     {2, 8, AltiPlusTempWorker},
     {2, 9, SonarmiteDfxWorker},
     {2, 10, SonarmiteOldWorker},
+    {2, 100, SecondFamilyBinaryEchoWorker},
+    {2, 101, SecondFamilyBinaryEchoWorker},
 };
 
 ThreadBody WorkerOf(int32_t family, OutputMode mode) {
@@ -139,7 +144,11 @@ void EndAcquisition(AppState& state, uint32_t limit_ms) {
 void EndFileWorkers(AppState& state) {
   EndFileWorker(state.fileWorkerA, state.stopEvent);
   EndFileWorker(state.fileWorkerB, state.stopEventB);
+  if (state.playbackActive == 0) return;
   state.playbackActive = 0;
+  state.playbackPaused = 0;
+  state.playbackAtEnd = 0;
+  ArrangeViews(state);
 }
 
 }  // namespace tw

@@ -1,8 +1,16 @@
 #include "gps/gps_fix.h"
 
+#include <algorithm>
+
+#include "base/calendar.h"
 #include "platform/clock.h"
 
 namespace tw {
+
+uint32_t UnixSecondsOfFix(const GpsTime& utc) {
+  const CalendarTime time{utc.year + 1900, utc.month + 1, utc.day, utc.hour, utc.minute, utc.second, 0};
+  return static_cast<uint32_t>(std::clamp<int64_t>(UnixSecondsFromCalendar(time), 0, UINT32_MAX));
+}
 
 void ClearFix(GpsFix& fix) {
   const CalendarTime now = UtcNow();

@@ -55,6 +55,9 @@ struct GpsFix {
   int32_t differentialStation;
 };
 
+// The fix's time of day and date as seconds since 1970, UTC; bounded to 32 bits.
+[[nodiscard]] uint32_t UnixSecondsOfFix(const GpsTime& utc);
+
 // Zeroes the fix, takes the time from the system clock (UTC) and sets the quality to 1.
 void ClearFix(GpsFix& fix);
 

@@ -4,7 +4,6 @@
 #include <cmath>
 
 #include "app/posts.h"
-#include "base/calendar.h"
 #include "base/shared_value.h"
 #include "gps/nmea_parser.h"
 #include "gps/position_text.h"
@@ -26,11 +25,6 @@ struct GpsRun {
   }
 };
 
-uint32_t FixTime(const GpsTime& utc) {
-  const CalendarTime time{utc.year + 1900, utc.month + 1, utc.day, utc.hour, utc.minute, utc.second, 0};
-  return static_cast<uint32_t>(std::clamp<int64_t>(UnixSecondsFromCalendar(time), 0, UINT32_MAX));
-}
-
 // With gpsLock held.
 void DeriveValues(const NmeaParser& parser) {
   const GpsFix& fix = globals.fix;
@@ -41,7 +35,7 @@ void DeriveValues(const NmeaParser& parser) {
   globals.gpsPdop = static_cast<float>(std::sqrt(fix.hdop * fix.hdop + fix.vdop * fix.vdop));
   globals.gpsQuality = fix.quality;
   globals.gpsFixType = fix.fixType;
-  globals.gpsTime_s = FixTime(fix.utc);
+  globals.gpsTime_s = UnixSecondsOfFix(fix.utc);
 }
 
 // One read of what waits, or of the first byte that comes.

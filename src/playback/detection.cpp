@@ -100,34 +100,49 @@ constexpr FormMark kFormMarks[] = {
     {"DB", StreamForm::deso, 1, 6, false},
 };
 
-int32_t CountInfoLines(std::string_view text) {
+// The line ends of the settings lines; a line that is cut short is none.
+struct InfoLines {
   int32_t count = 0;
-  for (size_t at = text.find(kInfoMark); at != std::string_view::npos; at = text.find(kInfoMark, at + 1))
-    ++count;
-  return count;
+  size_t second = 0;  // place of the second one
+  size_t size = 0;    // up to and with the last one
+};
+
+InfoLines FindInfoLines(std::string_view text) {
+  InfoLines lines;
+  for (size_t at = text.find(kInfoMark); at != std::string_view::npos; at = text.find(kInfoMark, at + 1)) {
+    const size_t end = text.find("\r\n", at);
+    if (end == std::string_view::npos) break;
+    if (++lines.count == 2) lines.second = at;
+    lines.size = end + 2;
+  }
+  return lines;
 }
 
 std::optional<Detected> DetectByInfo(std::string_view text) {
   InfoLine info{};
   if (!ParseInfoLine(text, info)) return std::nullopt;
+  const InfoLines lines = FindInfoLines(text);
   const int32_t family = info.kind == 1 || info.kind == 2 ? info.kind : 0;
   const int32_t mode = PlayedMode(info.outputMode);
   const int32_t known = FindMode(family, mode) == nullptr ? kAltimeterNmea : mode;
-  return Detected{FormOfMode(family, known), family, known, CountInfoLines(text) > 1 ? 2 : 1, info};
+  InfoLine low{};
+  const bool both = lines.count > 1 && ParseInfoLine(text.substr(lines.second), low);
+  return Detected{FormOfMode(family, known),   family,    known, both ? 2 : 1, info,
+                  both ? low.frequency_hz : 0, lines.size};
 }
 
 std::optional<Detected> DetectByMark(std::string_view text) {
   if (Holds(text, "Parameters")) {
     for (const ParameterMark& each : kParameterMarks) {
       if (!Holds(text, each.mark)) continue;
-      return Detected{FormOfMode(2, each.outputMode), 2, each.outputMode, 1, std::nullopt};
+      return Detected{FormOfMode(2, each.outputMode), 2, each.outputMode, 1, std::nullopt, 0, 0};
     }
     return std::nullopt;
   }
   for (const FormMark& each : kFormMarks) {
     if (each.atStart ? !text.starts_with(each.mark) : !Holds(text, each.mark)) continue;
     const int32_t channels = each.form == StreamForm::deso || each.form == StreamForm::dual ? 2 : 1;
-    return Detected{each.form, each.family, each.outputMode, channels, std::nullopt};
+    return Detected{each.form, each.family, each.outputMode, channels, std::nullopt, 0, 0};
   }
   return std::nullopt;
 }
@@ -138,6 +153,16 @@ StreamForm FormOfMode(int32_t family, int32_t outputMode) {
   const ModeForm* row = FindMode(family, PlayedMode(outputMode));
   if (row == nullptr) row = FindMode(family, kAltimeterNmea);
   return row->form;
+}
+
+bool IsBinary(const Detected& recording) {
+  const StreamForm form = recording.form;
+  return form == StreamForm::frames || form == StreamForm::dualFrames || form == StreamForm::deviceBlocks;
+}
+
+bool CarriesEchoes(const Detected& recording) {
+  const StreamForm form = recording.form;
+  return form == StreamForm::firstText || form == StreamForm::secondText || IsBinary(recording);
 }
 
 std::optional<Detected> DetectRecording(std::span<const uint8_t> start) {

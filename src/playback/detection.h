@@ -42,7 +42,13 @@ struct Detected {
   int32_t outputMode;  // 100 and 101 are told as 102
   int32_t channels;    // in this file: 1 or 2
   std::optional<InfoLine> info;
+  int32_t lowFrequency_hz;  // of a file of both channels: that of its second INFO line; else 0
+  size_t infoSize;          // bytes up to and with the last INFO line
 };
+
+// Whether the pings have samples, and whether they are frames instead of text.
+[[nodiscard]] bool CarriesEchoes(const Detected& recording);
+[[nodiscard]] bool IsBinary(const Detected& recording);
 
 // Judges the first bytes of a file, up to kStartSize of them. Nothing: no kind that is known. Pure.
 [[nodiscard]] std::optional<Detected> DetectRecording(std::span<const uint8_t> start);

@@ -25,6 +25,10 @@ class FileSource {
   // The place in the file of the first byte of Bytes().
   [[nodiscard]] uint64_t Position() const { return behind_ - bytes_.size(); }
 
+  // The next bytes, up to `count` of them (at most kMaxAhead), without using them: fewer at the file's end.
+  [[nodiscard]] std::span<const uint8_t> Ahead(size_t count);
+  static constexpr size_t kMaxAhead = 4'096;
+
   // Goes on at another place; what stood in the buffer is dropped.
   [[nodiscard]] bool Seek(uint64_t position);
 

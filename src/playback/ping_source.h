@@ -7,16 +7,23 @@
 #include <span>
 
 #include "acquisition/ping_record.h"
+#include "platform/handle.h"
 
 namespace tw {
 
 struct RecordedPing {
   PingHeader header;
   std::span<const uint16_t> samples;  // as they stand in the recording, none in altimeter modes; until Next
+  uint16_t factor;                    // that brings them onto the 12-bit scale of the display
   int32_t channel;                    // 0: the only or the high frequency, 1: the low one
+  bool bothChannels;                  // the low channel's altitude stands in the same line
+  float altitudeLow_m;
   bool hasPosition;
   double latitude_rad;  // as exact as the recording tells them; 0 without a position
   double longitude_rad;
+  bool hasTime;  // the recording tells when the ping was
+  int64_t time_ms;
+  uint64_t begin;  // place of its first byte in the file
 };
 
 // What the recording's start tells. Texts are constants.
@@ -30,6 +37,9 @@ struct RecordingKind {
   float soundSpeed_mps;  // of the settings that the recording begins with, else 1500
 };
 
+// What a recording does not tell, if it is a text recording of the families 2 and 0.
+inline constexpr int32_t kUsualSampling_hz = 25'000;
+
 class PingSource {
  public:
   virtual ~PingSource() = default;
@@ -38,6 +48,10 @@ class PingSource {
 
   // The next ping; false at the end of the recording. Damage is skipped.
   [[nodiscard]] virtual bool Next(RecordedPing& ping) = 0;
+
+  // Goes on with the first ping that begins at or behind this place of the file. False when the file cannot
+  // be positioned.
+  [[nodiscard]] virtual bool Seek(uint64_t position) = 0;
 
   // Bytes of the recording: behind the last ping, in all, and those that belonged to no ping so far.
   [[nodiscard]] virtual uint64_t Position() const = 0;
@@ -54,6 +68,11 @@ enum class RecordingFault : uint8_t {
 
 // Opens a recording for reading, nobody else writing to it, and finds out what it is. Null with the fault
 // set. A file of two channels gives the pings of both in the order in which they stand.
-[[nodiscard]] std::unique_ptr<PingSource> OpenRecording(const wchar_t* path, RecordingFault& fault);
+[[nodiscard]] std::unique_ptr<PingSource> OpenRecording(const wchar_t* path, RecordingFault& fault,
+                                                        int32_t sampling_hz = kUsualSampling_hz);
+
+// The same for a file that is open; it stays its opener's. Null with the fault set.
+[[nodiscard]] std::unique_ptr<PingSource> MakeRecording(Handle file, RecordingFault& fault,
+                                                        int32_t sampling_hz = kUsualSampling_hz);
 
 }  // namespace tw

@@ -55,7 +55,7 @@ struct SounderFaults {
   int32_t blockEvery = 1;                 // 1 to 1,000,000: each how-manieth block has the block fault
   std::string missingKey = {};            // as it stands in the block: "#Altitude"
   std::vector<StreamFault> stream = {};   // those that can hit a message, one of them at a time
-  double streamRate = 0.0;                // 0 to 1, how often that happens
+  double streamRate = 0.01;               // 0 to 1, how often that happens
   int32_t garbageBytes = 0;               // 0 to 65,536, behind each block
   bool deaf = false;                      // streams on, whatever it is told
   bool chatter = false;                   // sends a line of noise every 100 ms while it is at the prompt
@@ -86,5 +86,7 @@ struct SounderOptions {
   size_t logSize = 16'384;               // entries kept of each log
   SounderFaults faults = {};
 };
+
+[[nodiscard]] SounderOptions WithinBounds(SounderOptions options);
 
 }  // namespace tw::sim

@@ -98,7 +98,8 @@ Damage PutText(const MessageField& field, std::string_view text, StreamMessage& 
 }
 
 Damage PutWord(const MessageField& field, uint32_t word, StreamMessage& message) {
-  StoreLe<uint32_t>(message.bytes.data() + field.offset, word);
+  uint8_t* at = message.bytes.data() + field.offset;
+  StoreLe<uint32_t>(at, LoadLe<uint32_t>(at) == word ? ~word : word);  // another than what stands there
   return Changed(field.offset, field.size);
 }
 

@@ -10,15 +10,13 @@
 #pragma once
 
 #include <cstdint>
-#include <deque>
 #include <string>
-#include <vector>
 
 #include "simulator/bounded_log.h"
 #include "simulator/instrument.h"
 #include "simulator/paced_line.h"
+#include "simulator/ping_account.h"
 #include "simulator/ping_maker.h"
-#include "simulator/sent_ping.h"
 #include "simulator/sounder_prompt.h"
 
 namespace tw::sim {
@@ -50,7 +48,7 @@ class VirtualEchosounder final : public VirtualInstrument {
   [[nodiscard]] const SounderSettings& Settings() const { return prompt_.Settings(); }
 
   // Pings that have ended by the last call, oldest first; bytes and command lines received.
-  [[nodiscard]] const BoundedLog<SentPing>& Pings() const { return pings_; }
+  [[nodiscard]] const BoundedLog<SentPing>& Pings() const { return pings_.Ended(); }
   [[nodiscard]] const BoundedLog<ReceivedByte>& Bytes() const { return bytes_; }
   [[nodiscard]] const BoundedLog<ReceivedCommand>& Commands() const { return commands_; }
 
@@ -72,7 +70,6 @@ class VirtualEchosounder final : public VirtualInstrument {
   void SayPrompt(int64_t notBefore_us);
 
   SounderOptions options_;
-  PingObserver* observer_;
   SounderPrompt prompt_;
   PingMaker maker_;
   PacedLine line_;
@@ -85,8 +82,7 @@ class VirtualEchosounder final : public VirtualInstrument {
   uint64_t pingIndex_ = 0;  // since power-on; no reset touches it
   double sailed_s_ = 0.0;
 
-  std::deque<SentPing> leaving_;  // made, not wholly left
-  BoundedLog<SentPing> pings_;
+  PingAccount pings_;
   BoundedLog<ReceivedByte> bytes_;
   BoundedLog<ReceivedCommand> commands_;
 };

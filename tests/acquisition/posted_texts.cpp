@@ -16,6 +16,10 @@ void PostStatusText(AppState&, StatusPart part, const wchar_t* text) {
   posted.push_back({part, text});
 }
 
+// Nobody looks at these here.
+void PostProgress(AppState&, const ProgressBlock&) {}
+void PostConversionEnd(AppState&, bool) {}
+
 namespace test {
 
 std::vector<PostedText> TakePostedTexts() {

@@ -58,6 +58,23 @@ void PostStatusText(AppState&, StatusPart part, const wchar_t* text) {
   Ui().posts[static_cast<size_t>(part)].emplace_back(text);
 }
 
+void PostProgress(AppState&, const ProgressBlock& progress) {
+  const std::lock_guard hold(postLock);
+  Ui().progress.push_back(progress);
+}
+
+void PostConversionEnd(AppState&, bool exhausted) {
+  const std::lock_guard hold(postLock);
+  Ui().conversionEnds.push_back(exhausted);
+}
+
+bool ChooseInputFiles(AppState&, std::vector<std::wstring>& paths) {
+  paths = Ui().chosenFiles;
+  return !paths.empty();
+}
+
+void ArrangeViews(AppState&) {}
+
 void ShowPointer(PointerShape shape) {
   Ui().pointers.push_back(shape);
 }

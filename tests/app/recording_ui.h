@@ -40,6 +40,9 @@ struct RecordingUi {
   std::string title;
   int repaints = 0;
   bool answerOk = true;
+  std::vector<std::wstring> chosenFiles;  // what the file dialog gives; none: it is cancelled
+  std::vector<ProgressBlock> progress;
+  std::vector<bool> conversionEnds;
   // Called while a box is shown, as the message loop of a real box would go on.
   void (*duringBox)() = nullptr;
 

@@ -86,6 +86,20 @@ TEST(Options, AreRead) {
   EXPECT_EQ(options.gps.fixFrom_us, sim::kNever);
 }
 
+TEST(Options, StreamFaultsAddUp) {
+  const char* const arguments[] = {"--stream-fault", "lost", "--stream-fault", "nan",
+                                   "--binary-form",  "frame"};
+  ToolOptions options;
+  std::string error;
+  ASSERT_TRUE(ParseOptions(arguments, options, error)) << error;
+  const sim::SounderFaults& faults = options.sounder.faults;
+  EXPECT_EQ(faults.stream, (std::vector{sim::StreamFault::lostBytes, sim::StreamFault::notANumber}));
+  EXPECT_EQ(faults.streamRate, 0.01);
+  EXPECT_EQ(options.sounder.binaryForm, sim::BinaryForm::frame);
+  const char* const wrong[] = {"--stream-fault", "burnt"};
+  EXPECT_FALSE(ParseOptions(wrong, options, error));
+}
+
 TEST(Options, WhatIsWrongIsNamed) {
   const struct {
     std::vector<const char*> arguments;

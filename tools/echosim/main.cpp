@@ -37,22 +37,25 @@ class PingLog final : public sim::PingObserver {
   void PingMade(const sim::SentPing&, std::span<const uint16_t>) override {}
   void PingEnded(const sim::SentPing& ping) override {
     ++(ping.whole ? whole_ : cut_);
+    if (!ping.intact) ++damaged_;
     char line[256];
-    FormatText(line, "ping %u %lld %.3f %u %d %llu %llu %016llx %s%s", ping.number,
+    FormatText(line, "ping %u %lld %.3f %u %d %llu %llu %016llx %s%s%s", ping.number,
                static_cast<long long>(ping.time_us), static_cast<double>(ping.altitude_m), ping.sampleCount,
                ping.txFrequency_hz, static_cast<unsigned long long>(ping.offset),
                static_cast<unsigned long long>(ping.size), static_cast<unsigned long long>(ping.hash),
-               ping.whole ? "whole" : "cut", ping.faulty ? " faulty" : "");
+               ping.whole ? "whole" : "cut", ping.faulty ? " faulty" : "", ping.intact ? "" : " damaged");
     file_.Write(line);
   }
 
   [[nodiscard]] uint64_t Whole() const { return whole_; }
   [[nodiscard]] uint64_t Cut() const { return cut_; }
+  [[nodiscard]] uint64_t Damaged() const { return damaged_; }
 
  private:
   LineFile& file_;
   uint64_t whole_ = 0;
   uint64_t cut_ = 0;
+  uint64_t damaged_ = 0;
 };
 
 // The two instruments and their lines. What is not wanted stays empty.
@@ -147,9 +150,12 @@ void Run(const ToolOptions& options, Bench& bench) {
 void Report(const Bench& bench) {
   const auto count = [](uint64_t number) { return static_cast<unsigned long long>(number); };
   if (bench.sounder) {
-    std::printf("echosounder: %llu pings sent, %llu cut short, %llu bytes, %llu dropped, %llu commands\n",
-                count(bench.pings.Whole()), count(bench.pings.Cut()), count(bench.sounderLine->Sent()),
-                count(bench.sounderLine->Dropped()), count(bench.sounder->Commands().Total()));
+    std::printf(
+        "echosounder: %llu pings sent, %llu cut short, %llu damaged, %llu bytes, %llu dropped, %llu "
+        "commands\n",
+        count(bench.pings.Whole()), count(bench.pings.Cut()), count(bench.pings.Damaged()),
+        count(bench.sounderLine->Sent()), count(bench.sounderLine->Dropped()),
+        count(bench.sounder->Commands().Total()));
   }
   if (bench.gps) {
     const sim::GpsCounts& sent = bench.gps->Counts();

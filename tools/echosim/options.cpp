@@ -13,6 +13,7 @@ namespace {
 using sim::BlockFault;
 using sim::InterfaceWord;
 using sim::PromptStyle;
+using sim::StreamFault;
 
 // Reads a value; false leaves the options as they are.
 using Reader = bool (*)(ToolOptions& options, std::string_view value);
@@ -88,6 +89,22 @@ constexpr Choice<PromptStyle> kPrompts[] = {{"whole", PromptStyle::whole},
                                             {"missing", PromptStyle::missing},
                                             {"split", PromptStyle::split},
                                             {"doubled", PromptStyle::doubledReturn}};
+constexpr Choice<sim::BinaryForm> kBinaryForms[] = {{"block", sim::BinaryForm::block},
+                                                    {"frame", sim::BinaryForm::frame},
+                                                    {"dual-frame", sim::BinaryForm::dualFrame}};
+constexpr Choice<StreamFault> kStreamFaults[] = {
+    {"flipped", StreamFault::flippedBytes}, {"lost", StreamFault::lostBytes},
+    {"doubled", StreamFault::doubledBytes}, {"truncated", StreamFault::truncated},
+    {"absurd", StreamFault::absurdCount},   {"nan", StreamFault::notANumber},
+    {"time", StreamFault::timeJump},        {"mode", StreamFault::otherMode}};
+
+bool AddStreamFault(std::string_view text, sim::SounderFaults& faults) {
+  StreamFault fault{};
+  if (!ReadChoice(text, kStreamFaults, fault)) return false;
+  faults.stream.push_back(fault);
+  return true;
+}
+
 constexpr Choice<sim::GpsTalker> kTalkers[] = {{"gp", sim::GpsTalker::gp}, {"gn", sim::GpsTalker::gn}};
 
 using O = ToolOptions;
@@ -151,6 +168,10 @@ constexpr OptionRow kSounder[] = {
     {"--low", "", "the low frequency is in use at power-on",
      [](O& o, V) { return o.sounder.lowFrequency = true; }},
     {"--dual", "", "both frequencies at power-on", [](O& o, V) { return o.sounder.dual = true; }},
+    {"--binary-form", "NAME", "of the binary modes: block (the default), frame or dual-frame",
+     [](O& o, V v) { return ReadChoice(v, kBinaryForms, o.sounder.binaryForm); }},
+    {"--no-frequency", "", "lines and sentences do not tell the frequency",
+     [](O& o, V) { return o.sounder.reportsFrequency = false, true; }},
     {"--streaming", "", "pings at power-on instead of standing at its prompt",
      [](O& o, V) { return o.sounder.streaming = true; }},
 };
@@ -208,6 +229,11 @@ constexpr OptionRow kFaults[] = {
      [](O& o, V) { return o.sounder.faults.block = BlockFault::oversize, true; }},
     {"--fault-every", "N", "each how-manieth block has the fault (1)",
      [](O& o, V v) { return ReadNumber(v, 1, 1'000'000, o.sounder.faults.blockEvery); }},
+    {"--stream-fault", "NAME",
+     "flipped, lost, doubled, truncated, absurd, nan, time or mode; may be repeated",
+     [](O& o, V v) { return AddStreamFault(v, o.sounder.faults); }},
+    {"--stream-fault-rate", "N", "share of the messages that they hit, 0 to 1 (0.01)",
+     [](O& o, V v) { return ReadNumber(v, 0.0, 1.0, o.sounder.faults.streamRate); }},
     {"--garbage", "N", "N bytes of garbage behind each block, at most 65536",
      [](O& o, V v) { return ReadNumber(v, 0, 65'536, o.sounder.faults.garbageBytes); }},
     {"--deaf", "", "hears nothing; with --streaming it cannot be stopped",

@@ -1,0 +1,265 @@
+#include "app/playback_control.h"
+
+#include <memory>
+#include <optional>
+
+#include "app/control_states.h"
+#include "app/family_controls.h"
+#include "app/file_naming.h"
+#include "app/ui.h"
+#include "app/worker_control.h"
+#include "base/shared_value.h"
+#include "base/text_format.h"
+#include "platform/clock.h"
+#include "platform/file.h"
+#include "platform/thread.h"
+#include "playback/detection.h"
+#include "playback/file_worker.h"
+#include "playback/pair.h"
+#include "playback/ping_source.h"
+
+namespace tw {
+namespace {
+
+constexpr wchar_t kError[] = L"Error";
+
+void Refuse(AppState& state, const wchar_t* text) {
+  ShowBox(state, text, kError, BoxIcon::error);
+}
+
+bool IsDeviceRunning(AppState& state) {
+  if (LoadShared(state.devicePort) == Handle::invalid) return false;
+  ShowBox(state, L"To open a file you should press \"Stop\" button first.", L"", BoxIcon::information);
+  return true;
+}
+
+// A file that was opened and judged; closed again unless it is taken over.
+struct Candidate {
+  Handle file = Handle::invalid;
+  std::optional<Detected> told;
+  bool parameters = false;
+
+  Candidate() = default;
+  Candidate(const Candidate&) = delete;
+  Candidate& operator=(const Candidate&) = delete;
+  ~Candidate() { CloseFile(file); }
+  [[nodiscard]] Handle Take() {
+    const Handle taken = file;
+    file = Handle::invalid;
+    return taken;
+  }
+};
+
+void TellUnopened(AppState& state, const std::wstring& path) {
+  const size_t separator = path.find_last_of(L"/\\");
+  const std::wstring text = (separator == path.npos ? path : path.substr(separator + 1)) + L"  to open file.";
+  Refuse(state, text.c_str());
+}
+
+bool Open(AppState& state, const std::wstring& path, WriteSharing sharing, Candidate& candidate) {
+  candidate.file = OpenFileForReading(path.c_str(), sharing);
+  if (candidate.file == Handle::invalid) {
+    TellUnopened(state, path);
+    return false;
+  }
+  uint8_t start[kStartSize];
+  const std::span<const uint8_t> bytes(start, ReadStart(candidate.file, start));
+  candidate.told = DetectRecording(bytes);
+  candidate.parameters = HasParameters(bytes);
+  return true;
+}
+
+// True when a ping can be read of it; the file stands at its start again.
+bool HoldsPing(const AppState& state, const Candidate& candidate) {
+  RecordingFault fault = RecordingFault::none;
+  const auto recording = MakeRecording(candidate.file, fault, state.settings.samplingFrequency_hz);
+  return recording != nullptr && SeekFile(candidate.file, 0);
+}
+
+bool IsPlayable(AppState& state, const std::wstring& path, Candidate& candidate) {
+  if (!Open(state, path, WriteSharing::allowed, candidate)) return false;
+  if (!candidate.told) {
+    Refuse(state, L"Invalid file format.");
+    return false;
+  }
+  if (HoldsPing(state, candidate)) return true;
+  Refuse(state, L"This file Cannot be playback");
+  return false;
+}
+
+void BeginFileRun(AppState& state) {
+  Reset(state.stopEvent);
+  Reset(state.stopEventB);
+  for (Event& event : state.runEvents) Reset(event);
+  static_cast<void>(TakeSeekRequest(state.seekRequest));
+  StoreShared(globals.playbackEnded, 0);
+  StoreShared(globals.measuredPingInterval_ms, 0.0f);
+  state.playbackPaused = 0;
+  state.playbackAtEnd = 0;
+  RaiseRunNumber(state);
+  ClearRings(state);
+}
+
+bool StartFileWorker(AppState& state, Handle& thread, ThreadBody body) {
+  // The worker clears the field when it ends, so it must not find it empty before it has been filled.
+  const Handle started = StartThread(body, &state);
+  StoreShared(thread, started);
+  if (started != Handle::null) return true;
+  Refuse(state, L"Unable to run working thread");
+  return false;
+}
+
+// What the recording tells of the settings it was made with.
+void TakeSettings(AppState& state, const Detected& told) {
+  StoreShared(globals.deviceFamily, told.family);
+  state.settings.outputMode = told.outputMode;
+  if (!told.info) return;
+  ApplyInfoLine(*told.info, state.settings);
+  state.displayRangeUpper = RangeInMillimetres(told.info->range_mm);
+  state.displayRangeLower = state.displayRangeUpper;
+}
+
+void TakeSecondSettings(AppState& state, const Detected& told) {
+  if (!told.info) return;
+  state.displayRangeLower = RangeInMillimetres(told.info->range_mm);
+  state.settings.rangeLow_mm = told.info->range_mm;
+  state.settings.lowFrequency_hz = told.info->frequency_hz;
+  state.settings.thresholdLow_percent = told.info->threshold_percent;
+}
+
+void BeginPlayback(AppState& state, Candidate& a, Candidate* b) {
+  BeginFileRun(state);
+  StoreShared(state.conversionKind, 0);
+  TakeSettings(state, *a.told);
+  if (b != nullptr) TakeSecondSettings(state, *b->told);
+  StoreShared(globals.dualMode, b != nullptr || a.told->channels > 1 ? 1 : 0);
+  StoreShared(globals.playedFrequencyA_hz, 0);
+  StoreShared(globals.playedFrequencyB_hz, 0);
+  globals.lastCapture_s = -1;
+  StoreShared(state.echogramEnabled, CarriesEchoes(*a.told) ? 1 : 0);
+  state.playbackPace = kPlaybackPace_ms;
+  state.playbackSpan = kPlaybackSpan;
+  state.playbackActive = 1;
+  StoreShared(state.inputFileA, a.Take());
+  if (b != nullptr) StoreShared(state.inputFileB, b->Take());
+  if (!StartFileWorker(state, state.fileWorkerA, FileWorkerA) ||
+      (b != nullptr && !StartFileWorker(state, state.fileWorkerB, FileWorkerB))) {
+    EndFileWorkers(state);
+  }
+  RefreshSettingsControls(state);
+  RefreshControlStates(state);
+  ArrangeViews(state);
+}
+
+void PlayOne(AppState& state, const std::wstring& path) {
+  Candidate file;
+  if (IsPlayable(state, path, file)) BeginPlayback(state, file, nullptr);
+}
+
+// A plays the higher frequency.
+void PlayPair(AppState& state, const std::vector<std::wstring>& paths) {
+  const bool secondIsHigh = KHzOfName(paths[1]) > KHzOfName(paths[0]);
+  Candidate a;
+  Candidate b;
+  if (!BelongTogether(paths[0], paths[1])) return Refuse(state, L"Select correct pair of files!!");
+  if (!IsPlayable(state, paths[secondIsHigh ? 1 : 0], a) ||
+      !IsPlayable(state, paths[secondIsHigh ? 0 : 1], b))
+    return;
+  if (a.told->form != b.told->form) return Refuse(state, L"Select correct pair of files!!");
+  BeginPlayback(state, a, &b);
+}
+
+bool CanConvert(const Candidate& input, Conversion conversion) {
+  if (!input.told || !CarriesEchoes(*input.told)) return false;
+  return conversion == Conversion::segy || IsBinary(*input.told);
+}
+
+void Convert(AppState& state, Conversion conversion) {
+  if (IsDeviceRunning(state)) return;
+  std::vector<std::wstring> paths;
+  if (!ChooseInputFiles(state, paths) || paths.empty()) return Refuse(state, L"File is not selected");
+  if (paths.size() > 1) return Refuse(state, L"Select One File");
+  EndFileWorkers(state);
+  Candidate input;
+  // Nobody may write it meanwhile, and so the output can never be the input.
+  if (!Open(state, paths[0], WriteSharing::denied, input)) return;
+  if (!CanConvert(input, conversion) || !HoldsPing(state, input))
+    return Refuse(state, L"Cannot convert this file(s)");
+
+  wchar_t name[kRecordNameSize];
+  NameConversion(name, paths[0], conversion);
+  CloseFile(ExchangeShared(state.segyCompanionA, Handle::invalid));
+  const Handle output = CreateInFolder(state.workingFolder, name);
+  if (output == Handle::invalid) return Refuse(state, L"Unable to open file.");
+  StoreShared(state.segyCompanionA, output);
+  char narrow[kRecordNameSize];
+  NarrowText(narrow, name);
+  FormatRecordTitle(globals.titleText, narrow, "");
+
+  BeginFileRun(state);
+  TakeSettings(state, *input.told);
+  StoreShared(globals.dualMode, input.told->channels > 1 ? 1 : 0);
+  StoreShared(state.conversionKind, conversion == Conversion::segy ? 1 : 2);
+  StoreShared(state.echogramEnabled, 1);
+  StoreShared(state.inputFileA, input.Take());
+  if (!StartFileWorker(state, state.fileWorkerA, FileWorkerA)) {
+    CloseFile(ExchangeShared(state.inputFileA, Handle::invalid));
+    CloseFile(ExchangeShared(state.segyCompanionA, Handle::invalid));
+    StoreShared(state.conversionKind, 0);
+  }
+  RefreshControlStates(state);
+}
+
+}  // namespace
+
+void PlayFiles(AppState& state) {
+  if (IsDeviceRunning(state)) return;
+  std::vector<std::wstring> paths;
+  if (!ChooseInputFiles(state, paths) || paths.empty()) return;
+  EndFileWorkers(state);
+  if (paths.size() == 1) {
+    PlayOne(state, paths[0]);
+  } else if (paths.size() == 2) {
+    PlayPair(state, paths);
+  } else {
+    Refuse(state, L"Select correct pair of files!!");
+  }
+  RefreshControlStates(state);
+}
+
+void ResumePlayback(AppState& state) {
+  if (state.playbackActive == 0) return;
+  if (state.playbackAtEnd != 0) RequestSeek(state.seekRequest, 0);
+  state.playbackAtEnd = 0;
+  state.playbackPaused = 0;
+  Reset(state.runEvents[kPause]);
+  RefreshControlStates(state);
+}
+
+void PausePlayback(AppState& state) {
+  if (state.playbackActive == 0) return;
+  state.playbackPaused = 1;
+  Signal(state.runEvents[kPause]);
+  RefreshControlStates(state);
+}
+
+void StepPlaybackBack(AppState& state, RunEvent step) {
+  if (state.playbackActive == 0 || LoadShared(state.conversionKind) != 0) return;
+  state.playbackAtEnd = 0;
+  Signal(state.runEvents[step]);
+  RefreshControlStates(state);
+}
+
+void ConvertToSegy(AppState& state) {
+  Convert(state, Conversion::segy);
+}
+void ConvertToText(AppState& state) {
+  Convert(state, Conversion::text);
+}
+
+void HandleConversionEnd(AppState& state, bool exhausted) {
+  RefreshControlStates(state);
+  if (exhausted) ShowBox(state, L"Convert completed", L"Info", BoxIcon::information);
+}
+
+}  // namespace tw

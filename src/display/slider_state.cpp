@@ -1,0 +1,55 @@
+#include "display/slider_state.h"
+
+namespace tw {
+
+namespace {
+
+bool Contains(const Rect& rect, Point point) {
+  return point.x >= rect.left && point.x < rect.right && point.y >= rect.top && point.y < rect.bottom;
+}
+
+}  // namespace
+
+void SliderState::PlaceThumb() {
+  thumb_ = ThumbOf(progress_, width_, height_);
+}
+
+void SliderState::Resize(int32_t width, int32_t height) {
+  width_ = width;
+  height_ = height;
+  PlaceThumb();
+}
+
+bool SliderState::TakeProgress(const ProgressBlock& progress) {
+  if (isDragging_) return false;
+  progress_ = progress;
+  PlaceThumb();
+  return true;
+}
+
+bool SliderState::TakePosition(uint64_t position) {
+  if (isDragging_) return false;
+  progress_.position = position;
+  PlaceThumb();
+  return true;
+}
+
+void SliderState::Press(Point cursor) {
+  isDragging_ = Contains(thumb_, cursor);
+}
+
+std::optional<uint64_t> SliderState::Move(Point cursor, bool isButtonHeld) {
+  isHovered_ = Contains(thumb_, cursor);
+  isDragging_ = isDragging_ && isButtonHeld;
+  if (!isDragging_ || !isHovered_) return std::nullopt;
+  progress_.position = SeekPosition(progress_, cursor.x, width_);
+  PlaceThumb();
+  return progress_.position;
+}
+
+void DrawSlider(const SliderState& slider, const Canvas& canvas) {
+  FillRect(canvas, {0, 0, canvas.width, canvas.height}, kSliderColour);
+  FillRect(canvas, slider.Thumb(), slider.IsHovered() ? kHoveredThumbColour : kThumbColour);
+}
+
+}  // namespace tw

@@ -1,0 +1,53 @@
+// What the playback slider knows and how it answers progress and the mouse, without a window. GUI thread.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+
+#include "display/canvas.h"
+#include "display/slider_geometry.h"
+#include "display/slider_messages.h"
+
+namespace tw {
+
+class SliderState {
+ public:
+  void Resize(int32_t width, int32_t height);
+
+  // Takes the news from a file worker; false, and without effect, while the operator drags the thumb.
+  bool TakeProgress(const ProgressBlock& progress);
+  bool TakePosition(uint64_t position);
+
+  // The left button goes down; it starts a drag on the thumb only.
+  void Press(Point cursor);
+
+  // The cursor moves. Returns where a drag wants the file to go on; then the thumb stands there already.
+  // kept: only a cursor that is on the thumb drags it; a faster one leaves it behind.
+  [[nodiscard]] std::optional<uint64_t> Move(Point cursor, bool isButtonHeld);
+
+  void Release() { isDragging_ = false; }
+  void Leave() { isHovered_ = false; }
+
+  [[nodiscard]] bool IsDragging() const { return isDragging_; }
+  [[nodiscard]] bool IsHovered() const { return isHovered_; }
+  [[nodiscard]] const Rect& Thumb() const { return thumb_; }
+
+ private:
+  void PlaceThumb();
+
+  ProgressBlock progress_{};
+  int32_t width_ = 0;
+  int32_t height_ = 0;
+  Rect thumb_{};
+  bool isDragging_ = false;
+  bool isHovered_ = false;
+};
+
+inline constexpr Pixel kSliderColour = 0x3E3E42;
+inline constexpr Pixel kThumbColour = 0x686868;
+inline constexpr Pixel kHoveredThumbColour = 0x9E9E9E;
+
+// Fills the whole canvas, which is as large as the slider.
+void DrawSlider(const SliderState& slider, const Canvas& canvas);
+
+}  // namespace tw

@@ -1,0 +1,45 @@
+// Where a playback has been: the way back for its step buttons. The worker that plays owns it; one thread.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+
+namespace tw {
+
+struct PlayedPlace {
+  int32_t ringIndex;    // to which the ping brought the ring
+  uint64_t position;    // of the ping's first byte in the file
+  int64_t recorded_ms;  // its recorded time
+};
+
+class PlaybackHistory {
+ public:
+  static constexpr size_t kCapacity = 10'000;
+
+  // False when there was no memory; nothing is kept then.
+  [[nodiscard]] bool Prepare();
+
+  // Remembers a place; the oldest one goes when all are in use.
+  void Add(const PlayedPlace& place);
+
+  // The place `steps` entries before the newest, the first one when there are fewer; what lies behind it is
+  // forgotten. Nothing when nothing is kept.
+  std::optional<PlayedPlace> StepBack(size_t steps);
+
+  // The newest place before this time, what lies behind it forgotten; nothing when none is.
+  std::optional<PlayedPlace> StepBackTo(int64_t recorded_ms);
+
+  [[nodiscard]] size_t Size() const { return count_; }
+  void Clear() { count_ = 0; }
+
+ private:
+  [[nodiscard]] const PlayedPlace& At(size_t i) const { return places_[(first_ + i) % kCapacity]; }
+
+  std::unique_ptr<PlayedPlace[]> places_;
+  size_t first_ = 0;
+  size_t count_ = 0;
+};
+
+}  // namespace tw

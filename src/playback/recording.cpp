@@ -1,0 +1,309 @@
+#include <cmath>
+#include <new>
+#include <string_view>
+
+#include "acquisition/altimeter_worker.h"
+#include "acquisition/device_block.h"
+#include "acquisition/echo_frame.h"
+#include "acquisition/echo_text_worker.h"
+#include "acquisition/frame_reader.h"
+#include "acquisition/frame_worker.h"
+#include "acquisition/live_worker.h"
+#include "acquisition/nmea_worker.h"
+#include "gps/nmea_parser.h"
+#include "gps/position_text.h"
+#include "platform/file.h"
+#include "playback/detection.h"
+#include "playback/file_source.h"
+#include "playback/ping_source.h"
+#include "playback/text_position.h"
+
+namespace tw {
+namespace {
+
+constexpr float kUsualSoundSpeed_mps = 1500.0f;
+
+template <const FrameFormat& format>
+std::unique_ptr<StreamReader> MakeFrameReader() {
+  return std::make_unique<FrameReader>(format);
+}
+
+// The device's time stands in frames that were made of its blocks; others tell the time of work.
+void TakeFrameTime(LivePing& ping) {
+  const PingHeader& header = ping.header;
+  const bool device = header.deviceSeconds != 0 || header.deviceMilliseconds != 0;
+  ping.hasDeviceTime = true;
+  ping.deviceSeconds = device ? header.deviceSeconds : header.timeOfWork_s;
+  ping.deviceMilliseconds = device ? header.deviceMilliseconds : 0;
+}
+
+bool ParseFrame(std::string_view block, const LiveContext& context, LivePing& ping) {
+  const size_t count = ParseEchoFrame(block, ping.header, std::span<uint16_t>(ping.buffers[0]));
+  ping.samples = std::span<const uint16_t>(ping.buffers[0]).first(count);
+  ping.factor = 1;
+  ping.secondChannel = context.IsSecondChannel(ping.header.txFrequency_hz);
+  TakeFrameTime(ping);
+  return true;
+}
+
+bool ParseDeviceFrame(std::string_view block, const LiveContext& context, LivePing& ping) {
+  if (!kFirstFamilyBinaryEcho.parse(block, context, ping)) return false;
+  ping.header.timeOfWork_s = ping.header.deviceSeconds;
+  TakeFrameTime(ping);
+  return true;
+}
+
+const LiveMode kFrames{
+    .makeReader = MakeFrameReader<kEchoFrames>, .parse = ParseFrame, .layOutRecord = nullptr};
+const LiveMode kDualFrames{
+    .makeReader = MakeFrameReader<kDualEchoFrames>, .parse = ParseFrame, .layOutRecord = nullptr};
+const LiveMode kDeviceFrames{
+    .makeReader = MakeFrameReader<kDeviceBlocks>, .parse = ParseDeviceFrame, .layOutRecord = nullptr};
+
+struct FormRow {
+  StreamForm form;
+  const char* name;
+  const LiveMode* mode;
+  bool hasSamples;
+  bool isText;
+};
+
+constexpr FormRow kForms[] = {
+    {StreamForm::firstText, "echo text, first family", &kFirstFamilyEchoText, true, true},
+    {StreamForm::secondText, "echo text, second family", &kSecondFamilyEchoText, true, true},
+    {StreamForm::frames, "binary echo frames", &kFrames, true, false},
+    {StreamForm::dualFrames, "binary echo frames of one channel", &kDualFrames, true, false},
+    {StreamForm::deviceBlocks, "binary device blocks", &kDeviceFrames, true, false},
+    {StreamForm::firstNmea, "NMEA epochs, first family", &kFirstFamilyNmeaMode, false, true},
+    {StreamForm::secondNmea, "NMEA epochs, second family", &kSecondFamilyNmeaMode, false, true},
+    {StreamForm::simple, "simple altimeter lines", &kReportingAltimeter, false, true},
+    {StreamForm::deso, "DESO-25 lines", &kDeso25, false, true},
+    {StreamForm::dual, "dual altimeter lines", &kDualAltimeter, false, true},
+    {StreamForm::dfx, "Sonarmite DFX lines", &kSonarmiteDfx, false, true},
+    {StreamForm::old, "Sonarmite OLD lines", &kSonarmiteOld, false, true},
+    {StreamForm::psa916, "PSA-916 lines", &kPsa916, false, true},
+    {StreamForm::altiTemp, "altitude and temperature lines", &kAltiPlusTemp, false, true},
+};
+
+const FormRow* FindForm(StreamForm form) {
+  for (const FormRow& row : kForms) {
+    if (row.form == form) return &row;
+  }
+  return nullptr;
+}
+
+std::string_view AsText(std::span<const uint8_t> bytes) {
+  return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
+}
+
+// A recording read through the same readers and parsers as the live stream that it was.
+class Recording final : public PingSource {
+ public:
+  // `owned`: the file is closed with the recording.
+  Recording(Handle file, bool owned, const FormRow& form, const Detected& told, int32_t sampling_hz)
+      : file_(file),
+        owned_(owned),
+        form_(form),
+        kind_{form.name,
+              told.family,
+              told.outputMode,
+              told.channels,
+              form.hasSamples,
+              form.isText,
+              told.info ? told.info->soundSpeed_mps : kUsualSoundSpeed_mps},
+        context_{told.channels > 1,
+                 told.outputMode,
+                 sampling_hz,
+                 told.info ? told.info->frequency_hz : 0,
+                 told.lowFrequency_hz,
+                 told.lowFrequency_hz,
+                 told.info ? told.info->frequency_hz : 0},
+        range_m_(told.info ? static_cast<float>(RangeInMillimetres(told.info->range_mm)) / 1000.0f : 0.0f),
+        source_(file),
+        size_(source_.Size()),
+        infoSize_(told.infoSize),
+        behind_(told.infoSize) {
+    ping_.header.pitch_deg = kNoAttitude;  // a stream that sends no attitude shows none
+    parser_.talkerGn = false;
+  }
+  ~Recording() override {
+    if (owned_) CloseFile(file_);
+  }
+  Recording(const Recording&) = delete;
+  Recording& operator=(const Recording&) = delete;
+
+  // False when there is no memory.
+  [[nodiscard]] bool Prepare() { return MakeParser(parser_, kParserCapacity) && RenewReader(); }
+
+  [[nodiscard]] const RecordingKind& Kind() const override { return kind_; }
+
+  [[nodiscard]] bool Next(RecordedPing& ping) override {
+    while (ReadFileBlock(source_, *reader_)) {
+      const uint64_t end = source_.Position();
+      const uint64_t begin = end - reader_->Block().size();
+      if (!form_.mode->parse(reader_->Block(), context_, ping_)) continue;
+      if (begin > behind_) skipped_ += begin - behind_;
+      behind_ = end;
+      Describe(begin, ping);
+      return true;
+    }
+    size_ = source_.Size();
+    if (size_ > behind_) skipped_ += size_ - behind_;
+    behind_ = size_;
+    return false;
+  }
+
+  [[nodiscard]] bool Seek(uint64_t position) override {
+    behind_ = position;
+    return source_.Seek(position) && RenewReader();
+  }
+
+  // Back to the beginning, nothing accounted for.
+  [[nodiscard]] bool Rewind() {
+    skipped_ = 0;
+    pulses_ = 0;
+    latest_ms_ = 0;
+    if (!Seek(0)) return false;
+    behind_ = infoSize_;
+    return true;
+  }
+
+  [[nodiscard]] uint64_t Position() const override { return behind_; }
+  [[nodiscard]] uint64_t Size() const override { return size_; }
+  [[nodiscard]] uint64_t Skipped() const override { return skipped_; }
+
+ private:
+  static constexpr size_t kParserCapacity = 1'024;
+
+  bool RenewReader() {
+    reader_ = form_.mode->makeReader();
+    return reader_ != nullptr;
+  }
+
+  void Describe(uint64_t begin, RecordedPing& ping) {
+    PingHeader& header = ping_.header;
+    if (form_.mode->echo == EchoSource::pulse) header.ping = ++pulses_;
+    if (form_.isText) header.range_m = range_m_;
+    ping = RecordedPing{};
+    ping.samples = ping_.samples;
+    ping.factor = ping_.factor;
+    ping.channel = ping_.secondChannel ? 1 : 0;
+    ping.bothChannels = ping_.bothChannels;
+    ping.altitudeLow_m = ping_.altitudeLow_m;
+    ping.begin = begin;
+    if (form_.isText) {
+      TakePosition(ping);
+    } else {
+      TakeFramePosition(ping);
+    }
+    TakeTime(ping);
+    ping.header = header;
+  }
+
+  void TakeFramePosition(RecordedPing& ping) const {
+    const PingHeader& header = ping_.header;
+    ping.hasPosition = header.gpsValid > 0;
+    ping.latitude_rad = static_cast<double>(header.gpsLatitude_rad);
+    ping.longitude_rad = static_cast<double>(header.gpsLongitude_rad);
+  }
+
+  // The sentences behind a ping belong to it; a converted text tells its position by itself.
+  void TakePosition(RecordedPing& ping) {
+    fix_ = GpsFix{};
+    const SentenceTail tail = FindSentences(AsText(source_.Ahead(kSentenceReach)));
+    if (tail.size != 0) {
+      static_cast<void>(ParserPush(parser_, source_.Bytes().data(), tail.size));
+      static_cast<void>(ApplyPackets(parser_, fix_));
+      behind_ += tail.size + tail.blanks;
+    }
+    PingHeader& header = ping_.header;
+    TextPosition told{};
+    if (fix_.presence != 0) {
+      ping.hasPosition = fix_.quality > 0;
+      ping.latitude_rad = RadiansFromDegreesMinutes(fix_.latitude);
+      ping.longitude_rad = RadiansFromDegreesMinutes(fix_.longitude);
+      header.gpsAltitude_m = static_cast<float>(fix_.elevation_m);
+      header.gpsTime_s = UnixSecondsOfFix(fix_.utc);
+      header.gpsPdop = static_cast<float>(fix_.hdop);
+    } else if (form_.hasSamples && FindTextPosition(reader_->Block(), told)) {
+      ping.hasPosition = told.valid;
+      ping.latitude_rad = told.latitude_rad;
+      ping.longitude_rad = told.longitude_rad;
+      header.gpsAltitude_m = told.altitude_m;
+      header.gpsPdop = told.pdop;
+    }
+    header.gpsValid = ping.hasPosition ? 1 : 0;
+    header.gpsLatitude_rad = static_cast<float>(ping.latitude_rad);
+    header.gpsLongitude_rad = static_cast<float>(ping.longitude_rad);
+  }
+
+  // The device's own time, else that of the receiver as far as it advances.
+  void TakeTime(RecordedPing& ping) {
+    PingHeader& header = ping_.header;
+    if (ping_.hasDeviceTime) {
+      ping.hasTime = true;
+      ping.time_ms = int64_t{ping_.deviceSeconds} * 1000 + ping_.deviceMilliseconds;
+      if (form_.isText) header.timeOfWork_s = ping_.deviceSeconds;
+    } else if ((fix_.presence & kHasRmc) != 0) {
+      const int64_t time_ms = int64_t{header.gpsTime_s} * 1000 + int64_t{fix_.utc.hundredth} * 10;
+      ping.hasTime = time_ms > latest_ms_;
+      ping.time_ms = time_ms;
+      if (ping.hasTime) latest_ms_ = time_ms;
+      header.timeOfWork_s = header.gpsTime_s;
+    }
+  }
+
+  Handle file_;
+  bool owned_;
+  const FormRow& form_;
+  RecordingKind kind_;
+  LiveContext context_;
+  float range_m_;
+  FileSource source_;
+  std::unique_ptr<StreamReader> reader_;
+  NmeaParser parser_{};
+  GpsFix fix_{};
+  LivePing ping_{};
+  uint64_t size_;
+  uint64_t infoSize_;
+  uint64_t behind_;  // of all that is accounted for
+  uint64_t skipped_ = 0;
+  uint32_t pulses_ = 0;
+  int64_t latest_ms_ = 0;
+};
+
+std::unique_ptr<PingSource> Make(Handle file, bool owned, RecordingFault& fault, int32_t sampling_hz) {
+  uint8_t start[kStartSize];
+  const auto told = DetectRecording(std::span<const uint8_t>(start, ReadStart(file, start)));
+  const FormRow* const form = told ? FindForm(told->form) : nullptr;
+  fault = RecordingFault::unknown;
+  if (form == nullptr) {
+    if (owned) CloseFile(file);
+    return nullptr;
+  }
+  std::unique_ptr<Recording> recording(new (std::nothrow) Recording(file, owned, *form, *told, sampling_hz));
+  if (recording == nullptr) {
+    if (owned) CloseFile(file);
+    return nullptr;
+  }
+  RecordedPing first{};
+  fault = RecordingFault::noPing;
+  if (!recording->Prepare() || !recording->Next(first)) return nullptr;
+  fault = RecordingFault::none;
+  if (!recording->Rewind()) return nullptr;
+  return recording;
+}
+
+}  // namespace
+
+std::unique_ptr<PingSource> OpenRecording(const wchar_t* path, RecordingFault& fault, int32_t sampling_hz) {
+  const Handle file = OpenFileForReading(path, WriteSharing::denied);
+  fault = RecordingFault::notOpened;
+  return file == Handle::invalid ? nullptr : Make(file, true, fault, sampling_hz);
+}
+
+std::unique_ptr<PingSource> MakeRecording(Handle file, RecordingFault& fault, int32_t sampling_hz) {
+  return Make(file, false, fault, sampling_hz);
+}
+
+}  // namespace tw

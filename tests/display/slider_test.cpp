@@ -1,0 +1,165 @@
+#include <gtest/gtest.h>
+
+#include <limits>
+
+#include "display/slider_geometry.h"
+#include "display/slider_messages.h"
+#include "display/slider_state.h"
+
+namespace tw {
+namespace {
+
+constexpr uint64_t kMaxSize = std::numeric_limits<uint64_t>::max();
+
+ProgressBlock Progress(int32_t sampleCount, uint64_t position, uint64_t fileSize) {
+  return {Handle::null, kProgressSpan, sampleCount, 1, position, fileSize};
+}
+
+struct ThumbCase {
+  const char* what;
+  ProgressBlock progress;
+  int32_t sliderWidth;
+  int32_t left;
+  int32_t right;
+};
+
+// 1,000 samples are a span of 320,000 bytes.
+const ThumbCase kThumbs[] = {
+    {"a tenth of the file", Progress(1'000, 0, 3'200'000), 1'000, 0, 100},
+    {"half way", Progress(1'000, 1'600'000, 3'200'000), 1'000, 450, 550},
+    {"at the end", Progress(1'000, 3'200'000, 3'200'000), 1'000, 900, 1'000},
+    {"beyond the end", Progress(1'000, 9'000'000, 3'200'000), 1'000, 900, 1'000},
+    {"a huge file", Progress(1'000, 0, 1'000'000'000'000), 1'000, 0, 20},
+    {"the largest file", Progress(1'000, kMaxSize, kMaxSize), 1'000, 980, 1'000},
+    {"a file shorter than a span", Progress(1'000, 5'000, 10'000), 1'000, 0, 1'000},
+    {"an empty file", Progress(1'000, 0, 0), 1'000, 0, 1'000},
+    {"an empty file read beyond its end", Progress(1'000, 7, 0), 1'000, 0, 1'000},
+    {"a slider as narrow as a thumb", Progress(1'000, 1'600'000, 3'200'000), 20, 0, 20},
+    {"a slider narrower than a thumb", Progress(1'000, 1'600'000, 3'200'000), 7, 0, 7},
+    {"a slider without width", Progress(1'000, 1'600'000, 3'200'000), 0, 0, 0},
+    {"no file", Progress(0, 1'600'000, 3'200'000), 1'000, 0, 0},
+    {"a sample count below 0", Progress(-5, 1'600'000, 3'200'000), 1'000, 0, 0},
+};
+
+TEST(Slider, ThumbStandsWhereTheFileIs) {
+  for (const ThumbCase& c : kThumbs) {
+    SCOPED_TRACE(c.what);
+    const Rect thumb = ThumbOf(c.progress, c.sliderWidth, 22);
+    EXPECT_EQ(thumb.left, c.left);
+    EXPECT_EQ(thumb.right, c.right);
+    if (c.right > 0) {
+      EXPECT_EQ(thumb.top, 4);
+      EXPECT_EQ(thumb.bottom, 18);
+    }
+  }
+}
+
+struct SeekCase {
+  const char* what;
+  int32_t x;
+  int32_t sliderWidth;
+  ProgressBlock progress;
+  uint64_t position;
+};
+
+// The thumb is 100 pixels wide on a track of 900, unless the row says something else.
+const SeekCase kSeeks[] = {
+    {"the thumb's middle at the left end", 50, 1'000, Progress(1'000, 0, 3'200'000), 0},
+    {"left of that", 10, 1'000, Progress(1'000, 0, 3'200'000), 0},
+    {"left of the slider", -2'000'000'000, 1'000, Progress(1'000, 0, 3'200'000), 0},
+    {"one pixel on", 51, 1'000, Progress(1'000, 0, 3'200'000), 3'555},
+    {"half of the track", 500, 1'000, Progress(1'000, 0, 3'200'000), 1'600'000},
+    {"the last place on the track", 896, 1'000, Progress(1'000, 0, 3'200'000), 3'008'000},
+    {"beyond it: half a span before the end", 897, 1'000, Progress(1'000, 0, 3'200'000), 3'040'000},
+    {"right of the slider", 2'000'000'000, 1'000, Progress(1'000, 0, 3'200'000), 3'040'000},
+    {"half a span is more than the file", 999, 1'000, Progress(1'000, 0, 10'000), 0},
+    {"an empty file", 500, 1'000, Progress(1'000, 0, 0), 0},
+    {"no track", 5, 20, Progress(1'000, 0, 3'200'000), 3'040'000},
+    {"no width", 5, 0, Progress(1'000, 0, 3'200'000), 3'040'000},
+};
+
+TEST(Slider, CursorMeansAPosition) {
+  for (const SeekCase& c : kSeeks) {
+    SCOPED_TRACE(c.what);
+    const uint64_t position = SeekPosition(c.progress, c.x, c.sliderWidth);
+    EXPECT_LE(position, c.progress.fileSize);
+    EXPECT_EQ(position, c.position);
+  }
+}
+
+TEST(Slider, PositionsInHugeFilesAreExact) {
+  // The thumb has 20 pixels, the track 980: (500 - 10) / 980 of the file is half of it.
+  EXPECT_EQ(SeekPosition(Progress(1'000, 0, kMaxSize), 500, 1'000), kMaxSize / 2);
+  EXPECT_EQ(SeekPosition(Progress(1'000, 0, kMaxSize - 1), 500, 1'000), kMaxSize / 2);
+}
+
+TEST(Slider, DraggingMovesTheFileAndShutsOutTheWorker) {
+  SliderState slider;
+  slider.Resize(1'000, 22);
+  EXPECT_TRUE(slider.TakeProgress(Progress(1'000, 1'600'000, 3'200'000)));  // thumb from 450 to 550
+
+  EXPECT_FALSE(slider.Move({300, 10}, true)) << "without a press on the thumb nothing is dragged";
+  slider.Press({300, 10});
+  EXPECT_FALSE(slider.IsDragging());
+
+  slider.Press({500, 10});
+  EXPECT_TRUE(slider.IsDragging());
+  EXPECT_EQ(slider.Move({540, 10}, true), 1'742'222u);  // 490 / 900
+  EXPECT_EQ(slider.Thumb().left, 489);
+  EXPECT_FALSE(slider.TakeProgress(Progress(1'000, 0, 3'200'000)));
+  EXPECT_FALSE(slider.TakePosition(0));
+  EXPECT_EQ(slider.Thumb().left, 489);
+
+  EXPECT_FALSE(slider.Move({700, 10}, true)) << "the cursor has outrun the thumb";
+  EXPECT_FALSE(slider.IsHovered());
+  EXPECT_TRUE(slider.IsDragging());
+  EXPECT_TRUE(slider.Move({580, 10}, true)) << "back on it the drag goes on";
+
+  EXPECT_FALSE(slider.Move({580, 10}, false)) << "the button came up somewhere else";
+  EXPECT_FALSE(slider.IsDragging());
+  EXPECT_TRUE(slider.TakePosition(0));
+  EXPECT_EQ(slider.Thumb().left, 0);
+}
+
+TEST(Slider, ThumbIsLighterUnderTheCursor) {
+  Pixel pixels[40 * 22];
+  const Canvas canvas{pixels, 40, 22, 40};
+  SliderState slider;
+  slider.Resize(40, 22);
+  DrawSlider(slider, canvas);
+  EXPECT_EQ(canvas.Row(10)[5], 0x3E3E42u) << "no file, no thumb";
+  EXPECT_TRUE(slider.TakeProgress(Progress(1, 0, 1'000'000)));
+  DrawSlider(slider, canvas);
+  EXPECT_EQ(canvas.Row(4)[0], 0x686868u);
+  EXPECT_EQ(canvas.Row(17)[19], 0x686868u);
+  EXPECT_EQ(canvas.Row(3)[0], 0x3E3E42u);
+  EXPECT_EQ(canvas.Row(18)[0], 0x3E3E42u);
+  EXPECT_EQ(canvas.Row(10)[20], 0x3E3E42u);
+  EXPECT_FALSE(slider.Move({5, 10}, false));
+  DrawSlider(slider, canvas);
+  EXPECT_EQ(canvas.Row(4)[0], 0x9E9E9Eu);
+  slider.Leave();
+  DrawSlider(slider, canvas);
+  EXPECT_EQ(canvas.Row(4)[0], 0x686868u);
+}
+
+TEST(Slider, MessagesPassOwnershipButNotForTheNumber) {
+  EXPECT_EQ(ReceiveProgress(320), nullptr);
+  EXPECT_EQ(ReceiveProgress(0), nullptr);
+  const auto sent = new ProgressBlock(Progress(1, 2, 3));
+  EXPECT_EQ(ReceiveProgress(reinterpret_cast<uintptr_t>(sent)).get(), sent);
+}
+
+TEST(Slider, SeekRequestIsTakenOnce) {
+  uint64_t request = 0;
+  EXPECT_EQ(TakeSeekRequest(request), std::nullopt);
+  RequestSeek(request, 0);
+  EXPECT_EQ(TakeSeekRequest(request), 0u);
+  EXPECT_EQ(TakeSeekRequest(request), std::nullopt);
+  RequestSeek(request, 1);
+  RequestSeek(request, 0x1'2345'6789);
+  EXPECT_EQ(TakeSeekRequest(request), 0x1'2345'6789u);
+}
+
+}  // namespace
+}  // namespace tw

@@ -1,0 +1,152 @@
+// echotool's work on files, as a user would have it.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "tests/app/test_folder.h"
+#include "tools/echotool/options.h"
+#include "tools/echotool/work.h"
+
+namespace tw::echotool {
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string Contents(const fs::path& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+class Work : public testing::Test {
+ protected:
+  Result Do(Task task, const fs::path& file, const std::string& folder = "") {
+    Options options;
+    options.task = task;
+    options.folder = folder;
+    return WorkOn(file.string(), options, interrupted_);
+  }
+  fs::path Copy(const char* name) {
+    const fs::path to = folder_.Path() / name;
+    fs::copy_file(fs::path(TW_TEST_DATA) / name, to);
+    return to;
+  }
+  [[nodiscard]] size_t Files() const {
+    return static_cast<size_t>(
+        std::distance(fs::directory_iterator(folder_.Path()), fs::directory_iterator()));
+  }
+
+  test::TestFolder folder_;
+  std::atomic<bool> interrupted_ = false;
+};
+
+TEST_F(Work, OutputsStandBesideTheirInputsUnderTheProgramsNames) {
+  const fs::path recording = Copy("three_pings.log");
+  EXPECT_TRUE(Do(Task::segy, recording).done);
+  EXPECT_EQ(Contents(folder_.Path() / "three_pings.sgy"),
+            Contents(fs::path(TW_TEST_DATA) / "three_pings.sgy"));
+  EXPECT_TRUE(Do(Task::text, recording).done);
+  EXPECT_EQ(Contents(folder_.Path() / "three_pings_txt.log"),
+            Contents(fs::path(TW_TEST_DATA) / "three_pings_txt.log"));
+  EXPECT_TRUE(Do(Task::csv, recording).done);
+  EXPECT_EQ(Contents(folder_.Path() / "three_pings.csv"),
+            "time_utc,ping,latitude_deg,longitude_deg,altitude_m,temperature_c,pitch_deg,roll_deg\r\n"
+            "2024-02-29T23:59:58Z,7,42.97183463,7.16197244,4.250,11.50,1.25,-0.50\r\n"
+            "2024-12-31T00:00:00Z,8,-28.64788976,-71.61972439,0.000,-1.75,,\r\n"
+            "2023-03-01T01:02:03Z,9,,,199.875,0.00,0.00,0.00\r\n");
+  EXPECT_TRUE(Do(Task::kml, recording).done);
+  EXPECT_NE(Contents(folder_.Path() / "three_pings.kml")
+                .find("<coordinates>\n7.16197244,42.97183463\n-71.61972439,-28.64788976\n</coordinates>"),
+            std::string::npos);
+  EXPECT_EQ(Files(), 5u) << "and nothing else";
+}
+
+// The text of a binary recording holds the same pings.
+TEST_F(Work, TextTellsTheSameAsTheBinaryItWasMadeOf) {
+  const Result binary = Do(Task::info, fs::path(TW_TEST_DATA) / "three_pings.log");
+  const Result text = Do(Task::info, fs::path(TW_TEST_DATA) / "three_pings_txt.log");
+  ASSERT_TRUE(binary.done && text.done);
+  const auto from = [](const std::string& report) { return report.substr(report.find("  pings")); };
+  const auto upTo = [](const std::string& report) { return report.substr(0, report.find("  damaged")); };
+  EXPECT_EQ(upTo(from(binary.text)), upTo(from(text.text)));
+  EXPECT_NE(text.text.find("damaged       0 of 1262 bytes"), std::string::npos) << text.text;
+}
+
+TEST_F(Work, WhatCannotBeDoneLeavesNothing) {
+  const fs::path recording = Copy("three_pings.log");
+  const fs::path text = Copy("three_pings_txt.log");
+  const fs::path other = folder_.Path() / "other.log";
+  std::ofstream(other) << "no recording";
+  const size_t files = Files();
+  const struct {
+    Task task;
+    fs::path file;
+    std::string folder;
+    const char* says;
+  } rows[] = {
+      {Task::segy, folder_.Path() / "absent.log", "", "cannot be opened"},
+      {Task::segy, other, "", "is no recording of a known kind"},
+      {Task::text, text, "", "is text already"},
+      {Task::segy, recording, (folder_.Path() / "absent").string(), "cannot be made"},
+  };
+  for (const auto& row : rows) {
+    const Result result = Do(row.task, row.file, row.folder);
+    EXPECT_FALSE(result.done) << row.says;
+    EXPECT_NE(result.text.find(row.says), std::string::npos) << result.text;
+    EXPECT_EQ(Files(), files) << row.says;
+  }
+}
+
+TEST_F(Work, AnInterruptionLeavesTheOlderOutput) {
+  const fs::path recording = Copy("three_pings.log");
+  std::ofstream(folder_.Path() / "three_pings.sgy") << "older";
+  interrupted_ = true;
+  EXPECT_FALSE(Do(Task::segy, recording).done);
+  EXPECT_EQ(Contents(folder_.Path() / "three_pings.sgy"), "older");
+  EXPECT_EQ(Files(), 2u);
+}
+
+// Cut anywhere, the whole pings in front of the cut are there and the rest counts as damage.
+TEST_F(Work, TruncatedAtEveryLength) {
+  const std::string whole = Contents(fs::path(TW_TEST_DATA) / "three_pings.log");
+  const fs::path cut = folder_.Path() / "cut.log";
+  for (size_t size = 0; size < whole.size(); ++size) {
+    std::ofstream(cut, std::ios::binary) << whole.substr(0, size);
+    const Result result = Do(Task::info, cut);
+    EXPECT_EQ(result.done, size >= 100) << size;  // the first ping: 88 bytes and six samples
+    if (!result.done) continue;
+    const size_t pings = size < 100 + 94 ? 1 : 2;
+    EXPECT_NE(result.text.find("pings         " + std::to_string(pings)), std::string::npos) << result.text;
+    const size_t skipped = size - (pings == 1 ? 100 : 194);
+    EXPECT_NE(result.text.find("damaged       " + std::to_string(skipped) + " of"), std::string::npos)
+        << result.text;
+  }
+}
+
+TEST(Options, AreRead) {
+  const struct {
+    std::vector<std::string> words;
+    const char* error;
+  } rows[] = {
+      {{"info", "a.log"}, ""},
+      {{"segy", "--pad", "--inline", "a.log", "-o", "out", "b.log"}, ""},
+      {{"csv", "--", "-strange.log"}, ""},
+      {{"--help"}, ""},
+      {{}, "no task given"},
+      {{"info"}, "no recording given"},
+      {{"draw", "a.log"}, "unknown task draw"},
+      {{"segy", "a.log", "--fast"}, "unknown option --fast"},
+      {{"segy", "a.log", "-o"}, "-o needs a folder"},
+      {{"csv", "--pad", "a.log"}, "--pad and --inline belong to segy"},
+      {{"info", "a.log", "-o", "out"}, "info writes no files"},
+  };
+  for (const auto& row : rows) {
+    Options options;
+    std::string error;
+    EXPECT_EQ(ParseOptions(row.words, options, error), *row.error == '\0') << row.error;
+    EXPECT_EQ(error, row.error);
+  }
+}
+
+}  // namespace
+}  // namespace tw::echotool

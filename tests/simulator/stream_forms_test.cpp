@@ -1,0 +1,251 @@
+// One message of each form, against text and hex put down by hand (numbers converted and checksums added by
+// another program). Readers elsewhere are tested against the same forms.
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "simulator/echo_stream.h"
+#include "simulator/stream_forms.h"
+
+namespace tw::sim {
+namespace {
+
+constexpr uint16_t kSamples[] = {0, 66, 4'095, 1'000};
+
+PingReport Report(int32_t mode) {
+  return {.identity = "AB-12",
+          .time_s = 1'700'000'000,  // 2023-11-14 22:13:20
+          .time_ms = 250,
+          .outputMode = mode,
+          .samplingFrequency_hz = 25'000,
+          .resolution_um = 30'000,
+          .range_mm = 30'000,
+          .altitude_mm = 12'345,
+          .altitudeLow_mm = 12'601,
+          .temperature_centi = 1'420,
+          .pitch_centi = 125,
+          .roll_centi = -50,
+          .ema_centi = 117,
+          .number = 17,
+          .txFrequency_hz = 450'000,
+          .secondChannel = false,
+          .reportsFrequency = false,
+          .channels = 1,
+          .sentences = {},
+          .samples = kSamples};
+}
+
+std::string Message(DeviceFamily family, const PingReport& report, const BlockShape& shape = {}) {
+  const StreamMode* mode = FindStreamMode(family, report.outputMode);
+  if (mode == nullptr) return "no such mode";
+  StreamMessage message;
+  mode->append(report, shape, message);
+  return {message.bytes.begin(), message.bytes.end()};
+}
+
+std::string Hex(const StreamMessage& message) {
+  constexpr char kDigits[] = "0123456789abcdef";
+  std::string text;
+  for (const uint8_t byte : message.bytes) {
+    text += kDigits[byte >> 4];
+    text += kDigits[byte & 15];
+  }
+  return text;
+}
+
+TEST(StreamForms, TextByHand) {
+  constexpr auto first = DeviceFamily::first;
+  constexpr auto second = DeviceFamily::second;
+  constexpr auto third = DeviceFamily::third;
+  const std::string secondText =
+      "#DeviceID AB-12\r\n"
+      "#TimeWork 1700000000.250\r\n"
+      "#Ping 17\r\n"
+      "#Altitude,m 12.345\r\n"
+      "#Temperature,\xB0"
+      "C 14.20\r\n"
+      "#Pitch,deg 1.25\r\n"
+      "#Roll,deg -0.50\r\n"
+      "#NSamples 4\r\n"
+      "#Resolution,mm 30.000\r\n"
+      "#---------------Parameters---------------\r\n"
+      "#OutputMode    5\r\n"
+      "#Tx_Frequency,Hz 450000\r\n"
+      "##DataStart\r\n"
+      "0\r\n66\r\n4095\r\n1000\r\n"
+      "\r\n\r\n";
+  const std::string secondEpoch =
+      "$GPDBT,40.50,f,12.345,M,,*5E\r\n"
+      "$YXXDR,A,1.25,D,PTCH,A,-0.50,D,ROLL*73\r\n"
+      "$GPMTW,14.20,*70\r\n"
+      "$GPEMA,1.17*6B\r\n";
+  const struct {
+    DeviceFamily family;
+    int32_t mode;
+    std::string text;
+  } rows[] = {
+      {first, 1, "Alt : 12.345\r\n"},
+      {first, 3,
+       "$SDZDA,221320.25,14,11,2023,00,00,*4B\r\n"
+       "$SDDBT,40.50,f,12.345,M,6.75,F*02\r\n"
+       "$SDXDR,A,1.25,D,PTCH,A,-0.50,D,ROLL*65\r\n"
+       "$SDMTW,14.20,*70\r\n"
+       "$SDXDR,A,1.17,P,EMA*18\r\n"},
+      {first, 5, "no such mode"},
+      {first, 6, "DA12.345 m*\r\n"},
+      {first, 7, "Dual : 17, 12.345, 12.601, 14.20\r\n"},
+      {first, 8, "1 12.345 12.601 0.00 12.10 100\r\n"},
+      {first, 9, "1 12.345 0 0 0 12.10 100 17\r\n"},
+      {first, 10, "no such mode"},
+      {second, 1, "Alt : 12.345\r\n"},
+      {second, 3, secondEpoch},
+      {third, 3, secondEpoch},
+      {second, 5, secondText},
+      {third, 5, secondText},
+      {second, 7, "R12.345\r\n"},
+      {second, 8, "12.345,   14.20\r\n"},
+      {second, 9, "1 12.345 12.601 0.00 12.10 100\r\n"},
+      {second, 10, "1 12.345 0 0 0 12.10 100 17\r\n"},
+      {second, 11, "no such mode"},
+  };
+  for (const auto& row : rows) {
+    EXPECT_EQ(Message(row.family, Report(row.mode)), row.text)
+        << "family " << static_cast<int>(row.family) << " mode " << row.mode;
+  }
+}
+
+TEST(StreamForms, VariantsByHand) {
+  PingReport report = Report(1);
+  report.reportsFrequency = true;
+  EXPECT_EQ(Message(DeviceFamily::first, report), "Hz\r\n 450000.0\r\nAlt : 12.345\r\n");
+  report.outputMode = 3;
+  report.sentences.depthOfWater = true;
+  report.sentences.attitude = false;
+  EXPECT_EQ(Message(DeviceFamily::first, report),
+            "#F 450000 Hz\r\n"
+            "$SDZDA,221320.25,14,11,2023,00,00,*4B\r\n"
+            "$SDDBT,40.50,f,12.345,M,6.75,F*02\r\n"
+            "$SDDPT,12.345,0.0*66\r\n"
+            "$SDMTW,14.20,*70\r\n"
+            "$SDXDR,A,1.17,P,EMA*18\r\n");
+  report = Report(6);
+  report.secondChannel = true;
+  EXPECT_EQ(Message(DeviceFamily::first, report), "DB12.345 m*\r\n");
+}
+
+TEST(StreamForms, NoBottomIsZeroOrEmptyFields) {
+  const struct {
+    DeviceFamily family;
+    bool depthZero;
+    std::string_view sentence;
+  } rows[] = {{DeviceFamily::first, true, "$SDDBT,0.00,f,0.000,M,0.00,F*06\r\n"},
+              {DeviceFamily::first, false, "$SDDBT,,f,,M,,F*28\r\n"},
+              {DeviceFamily::second, false, "$GPDBT,0.00,f,0.000,M,,*5E\r\n"}};
+  for (const auto& row : rows) {
+    PingReport report = Report(3);
+    report.altitude_mm = 0;
+    report.sentences.depthZero = row.depthZero;
+    EXPECT_NE(Message(row.family, report).find(row.sentence), std::string::npos) << row.sentence;
+  }
+}
+
+TEST(StreamForms, BlockFaultsOfAnEpoch) {
+  const PingReport report = Report(3);
+  const std::string whole = Message(DeviceFamily::first, report);
+  const std::string depth = "$SDDBT,40.50,f,12.345,M,6.75,F*02\r\n";
+  std::string expected = whole;
+  expected.erase(expected.find(depth), depth.size());
+  EXPECT_EQ(Message(DeviceFamily::first, report, {BlockFault::missingKey, "$SDDBT"}), expected);
+  EXPECT_EQ(Message(DeviceFamily::first, report, {BlockFault::noEndMark, {}}),
+            whole.substr(0, whole.size() - std::string_view("$SDXDR,A,1.17,P,EMA*18\r\n").size()));
+  EXPECT_GT(Message(DeviceFamily::first, report, {BlockFault::oversize, {}}).size(), 256'000u);
+}
+
+// The common part of both device blocks, from the device's time to the roll.
+constexpr std::string_view kBlockValues =
+    "00f15365fa00000011000000"
+    "1f854541333363410000a03f000000bf";
+
+TEST(StreamForms, BinaryByHand) {
+  const std::string magic =
+      "544944455752495445"
+      "43";
+  const std::string words = "00004200ff0fe803";
+  const struct {
+    const char* name;
+    void (*append)(const PingReport&, const BlockShape&, StreamMessage&);
+    std::string hex;
+  } rows[] = {
+      {"16-bit block", AppendDeviceBlock,
+       magic + "46000000" + std::string(kBlockValues) + "000000000400000030750000d0dd0600a8610000" + words},
+      // 66 lies between the codes 64 (65) and 65 (67); 1000 between 189 (991) and 190 (1007).
+      {"companded block", AppendCompandedBlock,
+       magic + "42000000" + std::string(kBlockValues) + "010000000400000030750000d0dd0600a8610000" +
+           "0040ffbd"},
+      {"frame", AppendFrame,
+       "54523537"
+       "58000000"
+       "0000000000000000"
+       "00f15365"
+       "11000000"
+       "a8610000"
+       "00000000"
+       "04000000"
+       "0000f041"
+       "d0dd0600"
+       "00000000"
+       "1f854541"
+       "33336341"
+       "0000a03f"
+       "000000bf" +
+           std::string(48, '0') + words},
+      {"dual frame", AppendDualFrame,
+       "4455414c"
+       "58000000"
+       "0000000000000000"
+       "00f15365"
+       "11000000"
+       "a8610000"
+       "00000000"
+       "04000000"
+       "0000f041"
+       "d0dd0600"
+       "00000000"
+       "1f854541"
+       "33336341"
+       "0000a03f"
+       "000000bf" +
+           std::string(48, '0') + words},
+  };
+  for (const auto& row : rows) {
+    StreamMessage message;
+    row.append(Report(100), {}, message);
+    EXPECT_EQ(Hex(message), row.hex) << row.name;
+  }
+}
+
+TEST(StreamForms, FrameOfTwoChannelsCountsOne) {
+  PingReport report = Report(100);
+  report.channels = 2;
+  StreamMessage message;
+  AppendFrame(report, {}, message);
+  EXPECT_EQ(Hex(message).substr(2 * 32, 8), "02000000");
+  EXPECT_EQ(message.bytes.size(), 88u + 8u);
+}
+
+TEST(StreamForms, CompandedCodesByHand) {
+  const struct {
+    int code, amplitude;
+  } rows[] = {{0, 0},     {63, 63},    {64, 65},    {95, 127},   {96, 131},   {127, 255},  {128, 263},
+              {159, 511}, {191, 1023}, {192, 1055}, {223, 2047}, {224, 2111}, {254, 4031}, {255, 4095}};
+  for (const auto& row : rows) {
+    EXPECT_EQ(Expand(static_cast<uint8_t>(row.code)), row.amplitude);
+    EXPECT_EQ(Compand(static_cast<uint16_t>(row.amplitude)), row.code);
+    if (row.code > 0) {
+      EXPECT_EQ(Compand(static_cast<uint16_t>(row.amplitude - 1)), row.code - 1);
+    }
+  }
+}
+
+}  // namespace
+}  // namespace tw::sim

@@ -1,0 +1,72 @@
+// echotool: batch work on record files with the program's own code.
+#include <atomic>
+#include <csignal>
+#include <cstdio>
+#include <string>
+#include <vector>
+
+#include "base/text_format.h"
+#include "tools/echotool/options.h"
+#include "tools/echotool/work.h"
+
+namespace tw::echotool {
+namespace {
+
+constexpr int kDone = 0;
+constexpr int kFailed = 1;
+constexpr int kMisused = 2;
+constexpr int kInterrupted = 130;
+
+std::atomic<bool> interrupted = false;
+static_assert(std::atomic<bool>::is_always_lock_free);
+
+void Interrupt(int) {
+  interrupted.store(true);
+}
+
+int Run(const std::vector<std::string>& arguments) {
+  Options options;
+  std::string error;
+  if (!ParseOptions(arguments, options, error)) {
+    std::fprintf(stderr, "echotool: %s; see echotool --help\n", error.c_str());
+    return kMisused;
+  }
+  if (options.help) {
+    std::fputs(std::string(HelpText()).c_str(), stdout);
+    return kDone;
+  }
+  std::signal(SIGINT, Interrupt);
+  std::signal(SIGTERM, Interrupt);
+  bool failed = false;
+  for (const std::string& file : options.files) {
+    const Result result = WorkOn(file, options, interrupted);
+    if (result.done) {
+      std::fputs(result.text.c_str(), stdout);
+    } else {
+      std::fprintf(stderr, "echotool: %s\n", result.text.c_str());
+      failed = true;
+    }
+    if (interrupted.load()) return kInterrupted;
+  }
+  return failed ? kFailed : kDone;
+}
+
+}  // namespace
+}  // namespace tw::echotool
+
+#ifdef _WIN32
+int wmain(int count, wchar_t** words) {
+  std::vector<std::string> arguments;
+  for (int i = 1; i < count; ++i) {
+    const std::wstring_view wide = words[i];
+    std::string narrow(4 * wide.size() + 1, '\0');
+    narrow.resize(tw::NarrowText(narrow, wide));
+    arguments.push_back(std::move(narrow));
+  }
+  return tw::echotool::Run(arguments);
+}
+#else
+int main(int count, char** words) {
+  return tw::echotool::Run({words + 1, words + count});
+}
+#endif

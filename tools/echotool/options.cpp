@@ -1,0 +1,100 @@
+#include "tools/echotool/options.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace tw::echotool {
+namespace {
+
+struct TaskName {
+  std::string_view name;
+  Task task;
+};
+
+constexpr TaskName kTasks[] = {
+    {"info", Task::info}, {"segy", Task::segy}, {"text", Task::text}, {"csv", Task::csv}, {"kml", Task::kml},
+};
+
+constexpr std::string_view kHelp =
+    "echotool: work on recordings of Tidewriter Echosounder Control Software\n"
+    "\n"
+    "  echotool info FILE...            what stands in each recording\n"
+    "  echotool segy FILE... [-o DIR]   SEG-Y, one trace a ping (NAME.sgy)\n"
+    "  echotool text FILE... [-o DIR]   binary recordings as text (NAME_txt.log)\n"
+    "  echotool csv  FILE... [-o DIR]   one row a ping, for spreadsheets and GIS (NAME.csv)\n"
+    "  echotool kml  FILE... [-o DIR]   the track (NAME.kml)\n"
+    "\n"
+    "  -o DIR     where outputs are written; without it beside each recording\n"
+    "  --pad      segy: every trace as long as the longest, zeros behind, for readers that want it so\n"
+    "  --inline   segy: inline and crossline numbers, for readers that want a geometry\n"
+    "  --help     this text\n"
+    "\n"
+    "An output appears whole or not at all. Exit code: 0 all files done, 1 at least one failed,\n"
+    "2 the command line makes no sense, 130 interrupted.\n";
+
+bool TakeOption(const std::string& word, std::span<const std::string>& rest, Options& options,
+                std::string& error) {
+  if (word == "--help" || word == "-h") {
+    options.help = true;
+  } else if (word == "--pad") {
+    options.pad = true;
+  } else if (word == "--inline") {
+    options.numbered = true;
+  } else if (word == "-o") {
+    if (rest.empty()) {
+      error = "-o needs a folder";
+      return false;
+    }
+    options.folder = rest.front();
+    rest = rest.subspan(1);
+  } else {
+    error = "unknown option " + word;
+    return false;
+  }
+  return true;
+}
+
+}  // namespace
+
+bool ParseOptions(std::span<const std::string> arguments, Options& options, std::string& error) {
+  options = Options{};
+  bool hasTask = false;
+  bool onlyFiles = false;
+  for (auto rest = arguments; !rest.empty();) {
+    const std::string& word = rest.front();
+    rest = rest.subspan(1);
+    if (word == "--" && !onlyFiles) {
+      onlyFiles = true;
+    } else if (!onlyFiles && word.size() > 1 && word[0] == '-') {
+      if (!TakeOption(word, rest, options, error)) return false;
+    } else if (!hasTask) {
+      const auto* const row = std::find_if(std::begin(kTasks), std::end(kTasks),
+                                           [&](const TaskName& each) { return each.name == word; });
+      if (row == std::end(kTasks)) {
+        error = "unknown task " + word;
+        return false;
+      }
+      options.task = row->task;
+      hasTask = true;
+    } else {
+      options.files.push_back(word);
+    }
+  }
+  if (options.help) return true;
+  if (!hasTask) {
+    error = "no task given";
+  } else if (options.files.empty()) {
+    error = "no recording given";
+  } else if ((options.pad || options.numbered) && options.task != Task::segy) {
+    error = "--pad and --inline belong to segy";
+  } else if (!options.folder.empty() && options.task == Task::info) {
+    error = "info writes no files";
+  }
+  return error.empty();
+}
+
+std::string_view HelpText() {
+  return kHelp;
+}
+
+}  // namespace tw::echotool

@@ -1,0 +1,29 @@
+// The command line of echotool.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tw::echotool {
+
+enum class Task : uint8_t { info, segy, text, csv, kml };
+
+struct Options {
+  Task task = Task::info;
+  std::vector<std::string> files;
+  std::string folder;     // of the outputs; empty: each beside its input
+  bool pad = false;       // SEG-Y: all traces as long as the longest
+  bool numbered = false;  // SEG-Y: inline and crossline numbers
+  bool help = false;
+};
+
+// Reads the arguments (the program's own name left out). False with a sentence in `error` when they make no
+// sense.
+[[nodiscard]] bool ParseOptions(std::span<const std::string> arguments, Options& options, std::string& error);
+
+[[nodiscard]] std::string_view HelpText();
+
+}  // namespace tw::echotool

@@ -1,0 +1,10 @@
+// The program's workers post texts to a window; here there is none.
+#include "app/posts.h"
+
+namespace tw {
+
+void PostStatusText(AppState&, StatusPart, const wchar_t*) {}
+void PostProgress(AppState&, const ProgressBlock&) {}
+void PostConversionEnd(AppState&, bool) {}
+
+}  // namespace tw

@@ -1,0 +1,39 @@
+// What a recording holds, gathered ping by ping. Pure; one thread.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "playback/ping_source.h"
+
+namespace tw::echotool {
+
+class Summary {
+ public:
+  void Add(const RecordedPing& ping);
+
+  // A few lines of text, each indented, ending in a line feed.
+  [[nodiscard]] std::string Text(const PingSource& recording) const;
+
+  [[nodiscard]] uint32_t LongestTrace() const { return longest_; }
+
+ private:
+  struct Span {
+    double low = 0;
+    double high = 0;
+    bool any = false;
+    void Add(double value);
+  };
+
+  uint64_t pings_ = 0;
+  uint64_t channelPings_[2] = {};
+  uint32_t first_ = 0;
+  uint32_t last_ = 0;
+  uint32_t longest_ = 0;
+  Span time_s_;
+  Span depth_m_;
+  Span latitude_deg_;
+  Span longitude_deg_;
+};
+
+}  // namespace tw::echotool

@@ -1,0 +1,140 @@
+#include "tools/echotool/track_output.h"
+
+#include <cinttypes>
+#include <cmath>
+#include <cstring>
+#include <numbers>
+
+#include "base/calendar.h"
+#include "base/text_format.h"
+
+namespace tw::echotool {
+namespace {
+
+constexpr size_t kRowSize = 1024;
+
+bool Append(OutputFile& output, std::string_view text) {
+  uint8_t* const out = output.Room(text.size());
+  if (out == nullptr) return false;
+  std::memcpy(out, text.data(), text.size());
+  output.Take(text.size());
+  return true;
+}
+
+double Degrees(double radians) {
+  return radians * (180.0 / std::numbers::pi);
+}
+
+// A row of comma-separated values that grows field by field.
+class Row {
+ public:
+  explicit Row(char* text) : text_(text) {}
+
+  void Time(uint32_t seconds) {
+    const CalendarTime t = CalendarFromUnixSeconds(seconds);
+    Separate();
+    size_ += FormatText(
+        Rest(), "%04" PRId32 "-%02" PRId32 "-%02" PRId32 "T%02" PRId32 ":%02" PRId32 ":%02" PRId32 "Z",
+        t.year, t.month, t.day, t.hour, t.minute, t.second);
+  }
+  void Whole(uint32_t value) {
+    Separate();
+    size_ += FormatText(Rest(), "%" PRIu32, value);
+  }
+  void Decimal(double value, int decimals, bool present = true) {
+    Separate();
+    if (present && std::isfinite(value)) size_ += FormatText(Rest(), "%.*f", decimals, value);
+  }
+  [[nodiscard]] std::string_view End() {
+    text_[size_++] = '\r';
+    text_[size_++] = '\n';
+    return {text_, size_};
+  }
+
+ private:
+  void Separate() {
+    if (size_ != 0) text_[size_++] = ',';
+  }
+  [[nodiscard]] std::span<char> Rest() const { return {text_ + size_, kRowSize - 16 - size_}; }
+
+  char* text_;
+  size_t size_ = 0;
+};
+
+std::string EscapedXml(std::string_view text) {
+  std::string out;
+  for (const char c : text) {
+    switch (c) {
+      case '&':
+        out += "&amp;";
+        break;
+      case '<':
+        out += "&lt;";
+        break;
+      case '>':
+        out += "&gt;";
+        break;
+      default:
+        out += static_cast<unsigned char>(c) < ' ' ? ' ' : c;
+    }
+  }
+  return out;
+}
+
+}  // namespace
+
+bool CsvWriter::Begin() {
+  return echotool::Append(
+      output_, "time_utc,ping,latitude_deg,longitude_deg,altitude_m,temperature_c,pitch_deg,roll_deg\r\n");
+}
+
+bool CsvWriter::Append(const RecordedPing& ping) {
+  char text[kRowSize];
+  Row row(text);
+  const PingHeader& header = ping.header;
+  const bool attitude = header.pitch_deg < kNoAttitude;
+  row.Time(header.timeOfWork_s);
+  row.Whole(header.ping);
+  row.Decimal(Degrees(ping.latitude_rad), 8, ping.hasPosition);
+  row.Decimal(Degrees(ping.longitude_rad), 8, ping.hasPosition);
+  row.Decimal(static_cast<double>(header.altitude_m), 3);
+  row.Decimal(static_cast<double>(header.temperature_c), 2);
+  row.Decimal(static_cast<double>(header.pitch_deg), 2, attitude);
+  row.Decimal(static_cast<double>(header.roll_deg), 2, attitude);
+  return echotool::Append(output_, row.End());
+}
+
+bool KmlWriter::Begin() {
+  const std::string name = EscapedXml(name_);
+  return echotool::Append(
+      output_,
+      "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+      "<kml xmlns=\"http://www.opengis.net/kml/2.2\">\n"
+      "<Document>\n<name>" +
+          name +
+          "</name>\n"
+          "<Style id=\"track\"><LineStyle><color>ff0000ff</color><width>3</width></LineStyle></Style>\n"
+          "<Placemark>\n<name>" +
+          name +
+          "</name>\n<styleUrl>#track</styleUrl>\n"
+          "<LineString>\n<tessellate>1</tessellate>\n<coordinates>\n");
+}
+
+// A receiver is slower than an echosounder: the pings between two of its positions add nothing to a track.
+bool KmlWriter::Append(const RecordedPing& ping) {
+  if (!ping.hasPosition) return true;
+  if (begun_ && ping.latitude_rad == latitude_rad_ && ping.longitude_rad == longitude_rad_) return true;
+  begun_ = true;
+  latitude_rad_ = ping.latitude_rad;
+  longitude_rad_ = ping.longitude_rad;
+  char text[kRowSize];
+  const size_t size = FormatText(text, "%.8f,%.8f\n", Degrees(longitude_rad_), Degrees(latitude_rad_));
+  return echotool::Append(output_, {text, size});
+}
+
+bool KmlWriter::End() {
+  return echotool::Append(output_, "</coordinates>\n</LineString>\n</Placemark>\n</Document>\n</kml>\n") &&
+         output_.Flush();
+}
+
+}  // namespace tw::echotool

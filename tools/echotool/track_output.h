@@ -1,0 +1,56 @@
+// A recording's pings as rows of a table and as a track.
+//
+// CSV (RFC 4180): a headline, then one row a ping, each ending in CR LF; what a ping does not have is empty:
+//
+//   time_utc,ping,latitude_deg,longitude_deg,altitude_m,temperature_c,pitch_deg,roll_deg
+//   2026-05-01T09:30:00Z,17,35.10000000,129.05000000,12.345,14.20,1.25,-0.50
+//
+// KML 2.2: one line through the valid positions, each new one once. Pure but for the output; one thread.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "playback/output_file.h"
+#include "playback/ping_source.h"
+
+namespace tw::echotool {
+
+class PingWriter {
+ public:
+  virtual ~PingWriter() = default;
+  // False when the output has failed.
+  [[nodiscard]] virtual bool Begin() = 0;
+  [[nodiscard]] virtual bool Append(const RecordedPing& ping) = 0;
+  [[nodiscard]] virtual bool End() = 0;
+};
+
+class CsvWriter final : public PingWriter {
+ public:
+  explicit CsvWriter(OutputFile& output) : output_(output) {}
+  [[nodiscard]] bool Begin() override;
+  [[nodiscard]] bool Append(const RecordedPing& ping) override;
+  [[nodiscard]] bool End() override { return output_.Flush(); }
+
+ private:
+  OutputFile& output_;
+};
+
+class KmlWriter final : public PingWriter {
+ public:
+  // `name` is what viewers show for the track.
+  KmlWriter(OutputFile& output, std::string_view name) : output_(output), name_(name) {}
+  [[nodiscard]] bool Begin() override;
+  [[nodiscard]] bool Append(const RecordedPing& ping) override;
+  [[nodiscard]] bool End() override;
+
+ private:
+  OutputFile& output_;
+  std::string name_;
+  bool begun_ = false;
+  double latitude_rad_ = 0;
+  double longitude_rad_ = 0;
+};
+
+}  // namespace tw::echotool

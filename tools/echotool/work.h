@@ -1,0 +1,20 @@
+// What echotool does with one recording.
+#pragma once
+
+#include <atomic>
+#include <string>
+
+#include "tools/echotool/options.h"
+
+namespace tw::echotool {
+
+struct Result {
+  bool done = false;
+  std::string text;  // for the user: a report, or what went wrong
+};
+
+// Does the task of the options with one recording. Ends early, leaving no output, once `interrupted` is set.
+[[nodiscard]] Result WorkOn(const std::string& file, const Options& options,
+                            const std::atomic<bool>& interrupted);
+
+}  // namespace tw::echotool
