@@ -29,17 +29,37 @@ void TakeFinite(const uint8_t* bytes, float& target) {
   if (std::isfinite(value)) target = value;
 }
 
+// Eight codes are fetched at once; the rest goes one by one.
+void Expand(const uint8_t* codes, std::span<uint16_t> samples) {
+  constexpr size_t kStep = 8;
+  uint16_t* out = samples.data();
+  uint16_t* const end = out + samples.size();
+  for (; static_cast<size_t>(end - out) >= kStep; out += kStep, codes += kStep) {
+    const auto eight = LoadLe<uint64_t>(codes);
+    out[0] = kCompanding[eight & 0xFF];
+    out[1] = kCompanding[eight >> 8 & 0xFF];
+    out[2] = kCompanding[eight >> 16 & 0xFF];
+    out[3] = kCompanding[eight >> 24 & 0xFF];
+    out[4] = kCompanding[eight >> 32 & 0xFF];
+    out[5] = kCompanding[eight >> 40 & 0xFF];
+    out[6] = kCompanding[eight >> 48 & 0xFF];
+    out[7] = kCompanding[eight >> 56];
+  }
+  while (out != end) *out++ = kCompanding[*codes++];
+}
+
 size_t ReadSamples(std::span<const uint8_t> block, std::span<uint16_t, kMaxSlotSamples> grid) {
   const auto count = static_cast<size_t>(LoadLe<int32_t>(block.data() + kSampleCount));
   const size_t repeat = GridRepeat(LoadLe<int32_t>(block.data() + kSamplingFrequency));
   const uint8_t* const samples = block.data() + kSamples;
-  const GridNumbers out{grid.data()};
   if (LoadLe<int32_t>(block.data() + kSampleFormat) == kCompanded) {
-    const auto expanded = [samples](size_t i) { return kCompanding[samples[i]]; };
-    return SpreadOntoGrid(count, repeat, grid.size(), expanded, out);
+    const auto expand = [samples](size_t first, std::span<uint16_t> out) { Expand(samples + first, out); };
+    return DecodeOntoGrid(count, repeat, grid, expand);
   }
-  const auto word = [samples](size_t i) { return LoadLe<uint16_t>(samples + 2 * i); };
-  return SpreadOntoGrid(count, repeat, grid.size(), word, out);
+  const auto load = [samples](size_t first, std::span<uint16_t> out) {
+    LoadLeNumbers(out, samples + 2 * first);
+  };
+  return DecodeOntoGrid(count, repeat, grid, load);
 }
 
 }  // namespace

@@ -59,14 +59,13 @@ size_t ParseEchoFrame(std::string_view bytes, PingHeader& header, std::span<uint
   header = HeaderOver(header, frame.first(length));
   const uint8_t* const first = frame.data() + length;
   const size_t count = std::min((frame.size() - length) / 2, samples.size());
-  for (size_t i = 0; i < count; ++i) samples[i] = LoadLe<uint16_t>(first + 2 * i);
+  LoadLeNumbers(samples.first(count), first);
   return count;
 }
 
 size_t LayOutEchoFrame(const PingHeader& header, std::span<const uint16_t> samples, uint8_t* bytes) {
   StorePingHeader(bytes, header);
-  uint8_t* const first = bytes + frame::kWrittenHeaderLength;
-  for (size_t i = 0; i < samples.size(); ++i) StoreLe(first + 2 * i, samples[i]);
+  StoreLeNumbers(bytes + frame::kWrittenHeaderLength, samples);
   return frame::kWrittenHeaderLength + 2 * samples.size();
 }
 

@@ -5,10 +5,9 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
+#include <span>
 
 #include "acquisition/ping_ring.h"
-#include "base/bytes.h"
 
 namespace tw {
 
@@ -19,46 +18,30 @@ namespace tw {
   return kGridFrequency_hz / static_cast<size_t>(frequency_hz);
 }
 
-// Where samples go: numbers in memory, or bytes in the order of files. Four() writes the same sample four
-// times.
-struct GridNumbers {
-  uint16_t* out;
-  void One(size_t at, uint16_t value) const { out[at] = value; }
-  void Four(size_t at, uint16_t value) const {
-    const uint64_t values = value * 0x0001'0001'0001'0001u;
-    std::memcpy(out + at, &values, sizeof values);
-  }
-};
-struct GridBytes {
-  uint8_t* out;
-  void One(size_t at, uint16_t value) const { StoreLe(out + 2 * at, value); }
-  void Four(size_t at, uint16_t value) const {
-    StoreLe<uint64_t>(out + 2 * at, value * 0x0001'0001'0001'0001u);
-  }
-};
+// Writes each sample `repeat` times; what does not fit into the grid is left out. Returns how many places are
+// filled; what stands behind them in the grid afterwards is no sample.
+[[nodiscard]] size_t SpreadOntoGrid(std::span<const uint16_t> samples, size_t repeat,
+                                    std::span<uint16_t> grid);
 
-// Writes samples 0 to count − 1, as `sampleAt` gives them, `repeat` times each, to at most `room` places;
-// returns how many were written. Nothing is written beyond `room`, and the work is bounded by it.
-template <typename SampleAt, typename Grid>
-[[nodiscard]] size_t SpreadOntoGrid(size_t count, size_t repeat, size_t room, SampleAt sampleAt, Grid grid) {
-  constexpr size_t kStep = 4;
+// Multiplies the samples, which are as many as `scaled` has room for; what is above 65,535 becomes that.
+void ScaleSamples(const uint16_t* samples, uint16_t factor, std::span<uint16_t> scaled);
+
+// SpreadOntoGrid of samples that have to be made first: `decode(first, samples)` fills a span with the
+// samples from number `first` on. Not more than the grid needs are made.
+template <typename Decode>
+[[nodiscard]] size_t DecodeOntoGrid(size_t count, size_t repeat, std::span<uint16_t> grid, Decode decode) {
   if (repeat == 0) return 0;
   if (repeat == 1) {
-    const size_t used = std::min(count, room);
-    for (size_t i = 0; i < used; ++i) grid.One(i, sampleAt(i));
+    const size_t used = std::min(count, grid.size());
+    decode(0, grid.first(used));
     return used;
   }
-  // Whole steps, whose excess the next sample overwrites, as long as they fit.
-  const size_t width = (repeat + kStep - 1) / kStep * kStep;
-  size_t sample = 0;
+  uint16_t samples[256];
   size_t used = 0;
-  for (; sample < count && used + width <= room; ++sample, used += repeat) {
-    const uint16_t value = sampleAt(sample);
-    for (size_t i = 0; i < width; i += kStep) grid.Four(used + i, value);
-  }
-  for (; sample < count && used < room; ++sample) {
-    const uint16_t value = sampleAt(sample);
-    for (const size_t end = std::min(used + repeat, room); used < end; ++used) grid.One(used, value);
+  for (size_t first = 0; first < count && used < grid.size(); first += std::size(samples)) {
+    const std::span<uint16_t> part(samples, std::min(count - first, std::size(samples)));
+    decode(first, part);
+    used += SpreadOntoGrid(part, repeat, grid.subspan(used));
   }
   return used;
 }

@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "acquisition/sample_grid.h"
+#include "base/bytes.h"
 
 namespace tw {
 namespace {
@@ -49,19 +50,19 @@ static_assert(kSlotSize <= UINT16_MAX);
 void SlotImage::Build(const PingHeader& header, std::span<const uint16_t> samples, uint16_t factor) {
   StorePingHeader(bytes, header);
   std::memset(bytes + frame::kWrittenHeaderLength, 0, frame::kSampleGap);
-  reach = kSlotSamples;
-  const size_t repeat = GridRepeat(header.samplingFrequency_hz);
-  const GridBytes out{bytes + kSlotSamples};
-  if (factor == 1) {
-    reach +=
-        2 * SpreadOntoGrid(
-                samples.size(), repeat, kMaxSlotSamples, [samples](size_t i) { return samples[i]; }, out);
-    return;
-  }
-  const auto scaled = [samples, factor](size_t i) {
-    return static_cast<uint16_t>(std::min<uint32_t>(uint32_t{samples[i]} * factor, UINT16_MAX));
+  const std::span<const uint16_t> placed = OntoGrid(samples, GridRepeat(header.samplingFrequency_hz), factor);
+  StoreLeNumbers(bytes + kSlotSamples, placed);
+  reach = kSlotSamples + placed.size_bytes();
+}
+
+std::span<const uint16_t> SlotImage::OntoGrid(std::span<const uint16_t> samples, size_t repeat,
+                                              uint16_t factor) {
+  if (factor == 1 && repeat == 1) return samples.first(std::min(samples.size(), kMaxSlotSamples));
+  if (factor == 1) return {grid, SpreadOntoGrid(samples, repeat, grid)};
+  const auto scale = [samples, factor](size_t first, std::span<uint16_t> scaled) {
+    ScaleSamples(samples.data() + first, factor, scaled);
   };
-  reach += 2 * SpreadOntoGrid(samples.size(), repeat, kMaxSlotSamples, scaled, out);
+  return {grid, DecodeOntoGrid(samples.size(), repeat, grid, scale)};
 }
 
 void StorePing(RingWriter& writer, const SlotImage& image, uint32_t now_ms) {

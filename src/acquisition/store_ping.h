@@ -31,6 +31,11 @@ struct SlotImage {
   // `factor` (cut at 65,535). A sampling frequency of 0 or above 100,000 gives no samples; what lies beyond
   // the slot is cut.
   void Build(const PingHeader& header, std::span<const uint16_t> samples, uint16_t factor);
+
+ private:
+  std::span<const uint16_t> OntoGrid(std::span<const uint16_t> samples, size_t repeat, uint16_t factor);
+
+  uint16_t grid[kMaxSlotSamples];
 };
 
 // Puts the ping into the slot at the write index, advances the index by the 100-ms ticks that have passed

@@ -9,6 +9,8 @@
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
+#include <span>
 
 namespace tw {
 
@@ -59,6 +61,22 @@ template <std::integral T>
 template <std::integral T>
 constexpr void StoreBe(uint8_t* bytes, T value) {
   bytes_detail::Store<T, std::endian::big>(bytes, value);
+}
+
+// Many little-endian numbers at once.
+inline void LoadLeNumbers(std::span<uint16_t> numbers, const uint8_t* bytes) {
+  if constexpr (std::endian::native == std::endian::little) {
+    if (!numbers.empty()) std::memcpy(numbers.data(), bytes, numbers.size_bytes());
+  } else {
+    for (size_t i = 0; i < numbers.size(); ++i) numbers[i] = LoadLe<uint16_t>(bytes + 2 * i);
+  }
+}
+inline void StoreLeNumbers(uint8_t* bytes, std::span<const uint16_t> numbers) {
+  if constexpr (std::endian::native == std::endian::little) {
+    if (!numbers.empty()) std::memcpy(bytes, numbers.data(), numbers.size_bytes());
+  } else {
+    for (size_t i = 0; i < numbers.size(); ++i) StoreLe(bytes + 2 * i, numbers[i]);
+  }
 }
 
 // IEEE-754 single precision, the bytes in little-endian order.

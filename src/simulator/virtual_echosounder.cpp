@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "simulator/echo_stream.h"
 #include "simulator/seeded_noise.h"
 
 namespace tw::sim {
@@ -12,39 +11,7 @@ constexpr int64_t kAutomaticInterval_us = 100'000;
 constexpr int64_t kShortestInterval_us = 20'000;
 constexpr int64_t kChatterPeriod_us = 100'000;
 constexpr int64_t kMicrosecondsPerMillisecond = 1'000;
-constexpr size_t kLeastSamples = 100;
-constexpr size_t kMostSamples = 12'000;
 constexpr size_t kMostUntaken = 8 << 20;
-constexpr size_t kLongestIdentity = 95;
-
-double Within(double value, double least, double most) {
-  return value >= least ? std::min(value, most) : least;  // what is not a number is the least
-}
-
-SounderOptions WithinBounds(SounderOptions options) {
-  options.identity.resize(std::min(options.identity.size(), kLongestIdentity));
-  options.baud = std::clamp(options.baud, 300, 12'000'000);
-  options.delivery_us = std::clamp<int64_t>(options.delivery_us, 0, 1'000'000);
-  if (FindStreamMode(options.family, options.outputMode) == nullptr) options.outputMode = 2;
-  const bool automatic = !(options.pingsPerSecond > 0.0);
-  options.pingsPerSecond = automatic ? 0.0 : Within(options.pingsPerSecond, 1.0, 50.0);
-  if (options.sampleCount != 0) {
-    options.sampleCount = std::clamp(options.sampleCount, static_cast<int32_t>(kLeastSamples),
-                                     static_cast<int32_t>(kMostSamples));
-  }
-  options.samplingFrequency_hz = std::clamp(options.samplingFrequency_hz, 1'000, 100'000);
-  options.range_mm = std::clamp(options.range_mm, 1'000, 200'000);
-  options.depth_m = Within(options.depth_m, 0.5, 200.0);
-  options.relief_m = Within(options.relief_m, 0.0, options.depth_m / 2);
-  options.logSize = std::min<size_t>(options.logSize, 1 << 20);
-  SounderFaults& faults = options.faults;
-  faults.replyDelay_ms = std::clamp(faults.replyDelay_ms, 0, 60'000);
-  faults.splitPause_ms = std::clamp(faults.splitPause_ms, 0, 60'000);
-  faults.blockEvery = std::clamp(faults.blockEvery, 1, 1'000'000);
-  faults.streamRate = Within(faults.streamRate, 0.0, 1.0);
-  faults.garbageBytes = std::clamp(faults.garbageBytes, 0, 65'536);
-  return options;
-}
 
 bool Holds(const std::vector<std::string>& words, std::string_view word) {
   return std::find(words.begin(), words.end(), word) != words.end();
@@ -52,20 +19,13 @@ bool Holds(const std::vector<std::string>& words, std::string_view word) {
 
 }  // namespace
 
-uint64_t HashOf(std::span<const uint8_t> bytes) {
-  uint64_t hash = 0xCBF29CE484222325u;
-  for (const uint8_t byte : bytes) hash = (hash ^ byte) * 0x100000001B3u;
-  return hash;
-}
-
 VirtualEchosounder::VirtualEchosounder(const SounderOptions& options, PingObserver* observer)
     : options_(WithinBounds(options)),
-      observer_(observer),
       prompt_(options_),
       maker_(options_),
       line_(options_.baud, options_.delivery_us),
       streaming_(options_.streaming),
-      pings_(options_.logSize),
+      pings_(observer, options_.logSize),
       bytes_(options_.logSize),
       commands_(options_.logSize) {}
 
@@ -96,6 +56,10 @@ int64_t VirtualEchosounder::NextSend_us(int64_t now_us) const {
 // Makes everything that begins by now, in the order of time.
 void VirtualEchosounder::Advance(int64_t now_us) {
   if (hungUp_) return;
+  if (now_us >= newSpeed_us_) {
+    line_.SetBaud(static_cast<int32_t>(Settings().Whole(Setting::speed)));
+    newSpeed_us_ = kNever;
+  }
   const bool ends = HungUp(now_us);
   const int64_t until_us = ends ? options_.faults.instrument.hangUpAt_us : now_us;
   for (int64_t at_us; (at_us = NextPing_us()) <= until_us;) {
@@ -148,8 +112,7 @@ void VirtualEchosounder::SendMessage(ChannelUse use, int64_t start_us) {
   SentPing ping = maker_.Account();
   ping.time_us = start_us;
   ping.offset = line_.End();
-  leaving_.push_back(ping);
-  if (observer_ != nullptr) observer_->PingMade(ping, maker_.Samples());
+  pings_.Made(ping, maker_.Samples());
   line_.Put(maker_.Bytes(), start_us);
   SendGarbage();
 }
@@ -171,20 +134,8 @@ void VirtualEchosounder::SendGarbage() {
   line_.Put(garbage, 0);
 }
 
-// Moves the pings that have left, or that have been cut, into the log.
 void VirtualEchosounder::EndPings(int64_t now_us) {
-  const uint64_t left = line_.Left(now_us);
-  const uint64_t end = line_.End();
-  while (!leaving_.empty()) {
-    SentPing& ping = leaving_.front();
-    ping.whole = ping.offset + ping.size <= left;
-    const bool cut = ping.offset + ping.size > end;
-    if (!ping.whole && !cut) break;
-    if (cut) ping.size = end > ping.offset ? end - ping.offset : 0;
-    if (observer_ != nullptr) observer_->PingEnded(ping);
-    pings_.Add(ping);
-    leaving_.pop_front();
-  }
+  pings_.Settle(line_.Left(now_us), line_.End());
 }
 
 // Receiving.
@@ -215,11 +166,10 @@ void VirtualEchosounder::TakeLine(const std::string& line, int64_t now_us) {
     return;
   }
   const std::string_view keyword = KeywordOf(line);
-  PromptAnswer answer{line + "\r\nError\r\n", PromptEffect::none, true};
-  const bool mute = Holds(options_.faults.mute, keyword);
-  if (!mute && !Holds(options_.faults.refused, keyword)) answer = prompt_.Answer(line, now_us);
+  PromptAnswer answer{line + "\r\nError\r\n", PromptEffect::none, true, Holds(options_.faults.mute, keyword)};
+  if (!answer.mute && !Holds(options_.faults.refused, keyword)) answer = prompt_.Answer(line, now_us);
   commands_.Add({now_us, line, answer.refused});
-  if (mute) return;
+  if (answer.mute) return;
   Say(answer.text, answer_us);
   if (answer.effect == PromptEffect::go) {
     streaming_ = true;
@@ -227,10 +177,9 @@ void VirtualEchosounder::TakeLine(const std::string& line, int64_t now_us) {
     return;
   }
   SayPrompt(answer_us);
-  if (answer.effect == PromptEffect::reset) {
-    number_ = 0;
-    line_.SetBaud(static_cast<int32_t>(Settings().Whole(Setting::speed)));
-  }
+  if (answer.effect == PromptEffect::none) return;
+  if (answer.effect == PromptEffect::reset) number_ = 0;
+  newSpeed_us_ = line_.Idle_us();
 }
 
 void VirtualEchosounder::Stop(int64_t now_us) {

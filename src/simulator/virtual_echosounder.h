@@ -10,15 +10,13 @@
 #pragma once
 
 #include <cstdint>
-#include <deque>
 #include <string>
-#include <vector>
 
 #include "simulator/bounded_log.h"
 #include "simulator/instrument.h"
 #include "simulator/paced_line.h"
+#include "simulator/ping_account.h"
 #include "simulator/ping_maker.h"
-#include "simulator/sent_ping.h"
 #include "simulator/sounder_prompt.h"
 
 namespace tw::sim {
@@ -46,11 +44,14 @@ class VirtualEchosounder final : public VirtualInstrument {
   [[nodiscard]] bool HungUp(int64_t now_us) const override;
 
   [[nodiscard]] bool Streaming() const { return streaming_; }
-  [[nodiscard]] int32_t LineSpeed() const { return line_.Baud(); }
+
+  // The speed of the device's line; a new one from the moment on at which the prompt behind the command that
+  // puts it into force has left (see speedAtOnce).
+  [[nodiscard]] int32_t LineSpeed() const override { return line_.Baud(); }
   [[nodiscard]] const SounderSettings& Settings() const { return prompt_.Settings(); }
 
   // Pings that have ended by the last call, oldest first; bytes and command lines received.
-  [[nodiscard]] const BoundedLog<SentPing>& Pings() const { return pings_; }
+  [[nodiscard]] const BoundedLog<SentPing>& Pings() const { return pings_.Ended(); }
   [[nodiscard]] const BoundedLog<ReceivedByte>& Bytes() const { return bytes_; }
   [[nodiscard]] const BoundedLog<ReceivedCommand>& Commands() const { return commands_; }
 
@@ -72,21 +73,20 @@ class VirtualEchosounder final : public VirtualInstrument {
   void SayPrompt(int64_t notBefore_us);
 
   SounderOptions options_;
-  PingObserver* observer_;
   SounderPrompt prompt_;
   PingMaker maker_;
   PacedLine line_;
 
   bool streaming_;
   bool hungUp_ = false;
-  int64_t due_us_ = 0;      // of the next ping, the line permitting
-  int64_t chatter_us_ = 0;  // of the next line of noise at the prompt
+  int64_t newSpeed_us_ = kNever;  // when the line takes on the speed that has been set
+  int64_t due_us_ = 0;            // of the next ping, the line permitting
+  int64_t chatter_us_ = 0;        // of the next line of noise at the prompt
   uint32_t number_ = 0;
   uint64_t pingIndex_ = 0;  // since power-on; no reset touches it
   double sailed_s_ = 0.0;
 
-  std::deque<SentPing> leaving_;  // made, not wholly left
-  BoundedLog<SentPing> pings_;
+  PingAccount pings_;
   BoundedLog<ReceivedByte> bytes_;
   BoundedLog<ReceivedCommand> commands_;
 };

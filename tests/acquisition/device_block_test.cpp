@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <limits>
 #include <string>
 #include <vector>
@@ -129,27 +130,31 @@ TEST(DeviceBlock, WhatIsNoFiniteNumberStandsAsItWas) {
   }
 }
 
-// Every small combination against the plain way, with places behind the room that must stay as they are.
+// Many combinations against the plain way, with places behind the grid that must stay as they are.
 TEST(SampleGrid, AnyRepeatAndRoom) {
-  for (size_t count = 0; count <= 5; ++count) {
+  for (const size_t count : {0, 1, 2, 3, 7, 8, 9, 17, 255, 256, 257, 600}) {
+    std::vector<uint16_t> samples(count);
+    for (size_t i = 0; i < count; ++i) samples[i] = static_cast<uint16_t>(1'000 + i);
     for (size_t repeat = 0; repeat <= 9; ++repeat) {
-      for (size_t room = 0; room <= 40; ++room) {
+      const size_t all = count * repeat;
+      for (const size_t room :
+           {size_t{0}, size_t{1}, size_t{5}, size_t{31}, all / 2, all, all + 1, all + 40}) {
         std::vector<uint16_t> expected;
-        for (size_t i = 0; i < count * repeat && i < room; ++i) {
+        for (size_t i = 0; i < all && i < room; ++i)
           expected.push_back(static_cast<uint16_t>(1'000 + i / repeat));
+        std::vector<uint16_t> spread(room + 4, 7777);
+        std::vector<uint16_t> decoded = spread;
+        const std::span<uint16_t> grid(spread.data(), room);
+        ASSERT_EQ(SpreadOntoGrid(samples, repeat, grid), expected.size())
+            << count << " x " << repeat << " into " << room;
+        const auto decode = [&](size_t first, std::span<uint16_t> part) {
+          std::copy_n(samples.begin() + static_cast<std::ptrdiff_t>(first), part.size(), part.begin());
+        };
+        ASSERT_EQ(DecodeOntoGrid(count, repeat, {decoded.data(), room}, decode), expected.size());
+        for (const auto& result : {spread, decoded}) {
+          ASSERT_TRUE(std::equal(expected.begin(), expected.end(), result.begin()));
+          ASSERT_EQ(std::count(result.end() - 4, result.end(), 7777), 4);
         }
-        std::vector<uint16_t> numbers(room + 4, 7777);
-        std::vector<uint8_t> bytes(2 * room + 8, 0xEE);
-        const auto sampleAt = [](size_t i) { return static_cast<uint16_t>(1'000 + i); };
-        const size_t used = SpreadOntoGrid(count, repeat, room, sampleAt, GridNumbers{numbers.data()});
-        ASSERT_EQ(used, expected.size()) << count << " x " << repeat << " into " << room;
-        ASSERT_EQ(SpreadOntoGrid(count, repeat, room, sampleAt, GridBytes{bytes.data()}), used);
-        for (size_t i = 0; i < used; ++i) {
-          ASSERT_EQ(numbers[i], expected[i]);
-          ASSERT_EQ(bytes[2 * i] | bytes[2 * i + 1] << 8, expected[i]);
-        }
-        for (size_t i = room; i < room + 4; ++i) ASSERT_EQ(numbers[i], 7777);
-        for (size_t i = 2 * room; i < bytes.size(); ++i) ASSERT_EQ(bytes[i], 0xEE);
       }
     }
   }
