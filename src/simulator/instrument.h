@@ -30,6 +30,9 @@ class VirtualInstrument {
   // kNever when only a command can change that.
   [[nodiscard]] virtual int64_t NextSend_us(int64_t now_us) const = 0;
 
+  // The speed of the instrument's line, bit/s.
+  [[nodiscard]] virtual int32_t LineSpeed() const = 0;
+
   // True from the moment at which the plug was pulled; the binder then hangs up its side.
   [[nodiscard]] virtual bool HungUp(int64_t now_us) const = 0;
 };

@@ -7,104 +7,187 @@
 namespace tw::sim {
 namespace {
 
-// Sorted by subject; no word stands twice.
+using S = Setting;
+using M = Meaning;
+
+constexpr Keyword Value(std::string_view word, Setting setting) {
+  return {word, M::value, Access::askAndSet, setting};
+}
+constexpr Keyword Fact(std::string_view word, Setting setting) {
+  return {word, M::value, Access::ask, setting};
+}
+constexpr Keyword Told(std::string_view word, Meaning meaning) {
+  return {word, meaning, Access::ask};
+}
+constexpr Keyword SetOnly(std::string_view word, Setting setting) {
+  return {word, M::value, Access::set, setting};
+}
+constexpr Keyword Command(std::string_view word, Meaning meaning) {
+  return {word, meaning, Access::command};
+}
+
+// Each table is in the order in which the firmware learned to tell the values: an older one lacks the end of
+// it. No word stands twice.
 constexpr Keyword kFirstFamily[] = {
-    {"#range", Meaning::inUse, Setting::rangeLow},
-    {"#rangel", Meaning::value, Setting::rangeLow},
-    {"#rangeh", Meaning::value, Setting::rangeHigh},
-    {"##maxrangel", Meaning::fact, Setting::maxRangeLow},
-    {"##maxrangeh", Meaning::fact, Setting::maxRangeHigh},
-    {"#threshold", Meaning::inUse, Setting::thresholdLow},
-    {"#thresholdl", Meaning::value, Setting::thresholdLow},
-    {"#thresholdh", Meaning::value, Setting::thresholdHigh},
-    {"#offset", Meaning::inUse, Setting::offsetLow},
-    {"#offsetl", Meaning::value, Setting::offsetLow},
-    {"#offseth", Meaning::value, Setting::offsetHigh},
-    {"#deadzone", Meaning::inUse, Setting::deadZoneLow},
-    {"#deadzonel", Meaning::value, Setting::deadZoneLow},
-    {"#deadzoneh", Meaning::value, Setting::deadZoneHigh},
-    {"#txlength", Meaning::inUse, Setting::txLengthLow},
-    {"#txlengthl", Meaning::value, Setting::txLengthLow},
-    {"#txlengthh", Meaning::value, Setting::txLengthHigh},
-    {"##maxlengthl", Meaning::fact, Setting::maxLengthLow},
-    {"##maxlengthh", Meaning::fact, Setting::maxLengthHigh},
-    {"#gain", Meaning::inUse, Setting::gainLow},
-    {"#gainlow", Meaning::value, Setting::gainLow},
-    {"#gainl", Meaning::value, Setting::gainLow},
-    {"#gainhigh", Meaning::value, Setting::gainHigh},
-    {"#gainh", Meaning::value, Setting::gainHigh},
-    {"#tvgmode", Meaning::value, Setting::tvgMode},
-    {"#tvgs", Meaning::inUse, Setting::tvgSpreadingLow},
-    {"#tvgsprd", Meaning::inUse, Setting::tvgSpreadingLow},
-    {"#tvgsprdl", Meaning::value, Setting::tvgSpreadingLow},
-    {"#tvgsprdh", Meaning::value, Setting::tvgSpreadingHigh},
-    {"#tvgabs", Meaning::inUse, Setting::tvgAbsorptionLow},
-    {"#tvgabslow", Meaning::value, Setting::tvgAbsorptionLow},
-    {"#tvgabsl", Meaning::value, Setting::tvgAbsorptionLow},
-    {"#tvgabshigh", Meaning::value, Setting::tvgAbsorptionHigh},
-    {"#tvgabsh", Meaning::value, Setting::tvgAbsorptionHigh},
-    {"#attn", Meaning::inUse, Setting::attenuationLow},
-    {"#attnl", Meaning::value, Setting::attenuationLow},
-    {"#attnh", Meaning::value, Setting::attenuationHigh},
-    {"#txpower", Meaning::value, Setting::txPower},
-    {"#sound", Meaning::value, Setting::sound},
-    {"#interval", Meaning::value, Setting::interval},
-    {"#pingonce", Meaning::value, Setting::pingOnce},
-    {"#output", Meaning::output, Setting::output},
-    {"#outrate", Meaning::value, Setting::outputRate},
-    {"#medianflt", Meaning::value, Setting::medianFilter},
-    {"#movavgflt", Meaning::value, Setting::movingAverageFilter},
-    {"#smooth", Meaning::value, Setting::smooth},
-    {"#auto", Meaning::value, Setting::automatic},
-    {"#preset", Meaning::value, Setting::preset},
-    {"#samplfreq", Meaning::fact, Setting::samplingFrequency},
-    {"#getfreq", Meaning::fact, Setting::frequencyInUse},
-    {"##freql", Meaning::fact, Setting::frequencyLow},
-    {"#getfreql", Meaning::fact, Setting::frequencyLow},
-    {"#getfl", Meaning::fact, Setting::frequencyLow},
-    {"##freqh", Meaning::fact, Setting::frequencyHigh},
-    {"#getfreqh", Meaning::fact, Setting::frequencyHigh},
-    {"#getfh", Meaning::fact, Setting::frequencyHigh},
-    {"##vfreql", Meaning::fact, Setting::virtualFrequencyLow},
-    {"##vfreqh", Meaning::fact, Setting::virtualFrequencyHigh},
-    {"##getsimul", Meaning::fact, Setting::simultaneous},
-    {"#setfreqlow", Meaning::useLow},
-    {"#setfl", Meaning::useLow},
-    {"#setfreqhigh", Meaning::useHigh},
-    {"#setfh", Meaning::useHigh},
-    {"#setfreqdual", Meaning::useBoth},
-    {"#nmeadbt", Meaning::value, Setting::nmeaDbt},
-    {"#nmeadpt", Meaning::value, Setting::nmeaDpt},
-    {"#nmeamtw", Meaning::value, Setting::nmeaMtw},
-    {"#nmeaxdr", Meaning::value, Setting::nmeaXdr},
-    {"#nmeaema", Meaning::value, Setting::nmeaEma},
-    {"#nmeazda", Meaning::value, Setting::nmeaZda},
-    {"#nmeadpzero", Meaning::value, Setting::nmeaDepthZero},
-    {"#iden", Meaning::identity},
-    {"#info", Meaning::information},
-    {"#swversion", Meaning::fact, Setting::firmware},
-    {"#time", Meaning::clock},
-    {"#speed", Meaning::speed, Setting::speed},
-    {"#default", Meaning::restore},
-    {"#reset", Meaning::reset},
-    {"#go", Meaning::go},
+    Told("#info", M::information),
+    {"#time", M::clock, Access::askAndSet},
+    {"#speed", M::speed, Access::askAndSet, S::speed},
+    Command("#default", M::restore),
+    Command("#reset", M::reset),
+    Command("#go", M::go),
+    Command("#setfreqlow", M::useLow),
+    Command("#setfl", M::useLow),
+    Command("#setfreqhigh", M::useHigh),
+    Command("#setfh", M::useHigh),
+    Command("#setfreqdual", M::useBoth),
+    Value("#pingonce", S::pingOnce),
+    Value("#nmeadbt", S::nmeaDbt),
+    Value("#nmeadpt", S::nmeaDpt),
+    Value("#nmeamtw", S::nmeaMtw),
+    Value("#nmeaxdr", S::nmeaXdr),
+    Value("#nmeaema", S::nmeaEma),
+    Value("#nmeazda", S::nmeaZda),
+    Value("#nmeadpzero", S::nmeaDepthZero),
+    Fact("##maxrangel", S::maxRangeLow),
+    Value("#rangeh", S::rangeHigh),
+    {"#auto", M::automatic, Access::askAndSet, S::automatic},
+    {"#preset", M::preset, Access::askAndSet, S::preset},
+    Fact("##maxrangeh", S::maxRangeHigh),
+    Fact("##maxlengthh", S::maxLengthHigh),
+    Fact("##maxlengthl", S::maxLengthLow),
+    Fact("#swversion", S::firmware),
+    Fact("#getfreq", S::frequencyInUse),
+    Value("#rangel", S::rangeLow),
+    {"#range", M::bothRanges, Access::askAndSet, S::rangeLow},
+    Value("#interval", S::interval),
+    {"#output", M::output, Access::askAndSet, S::output},
+    Value("#thresholdl", S::thresholdLow),
+    Value("#thresholdh", S::thresholdHigh),
+    Value("#offsetl", S::offsetLow),
+    Value("#offseth", S::offsetHigh),
+    Value("#deadzonel", S::deadZoneLow),
+    Value("#deadzoneh", S::deadZoneHigh),
+    Value("#txlengthl", S::txLengthLow),
+    Value("#txlengthh", S::txLengthHigh),
+    Value("#gainlow", S::gainLow),
+    Value("#gainl", S::gainLow),
+    Value("#gainhigh", S::gainHigh),
+    Value("#gainh", S::gainHigh),
+    Value("#tvgsprdl", S::tvgSpreadingLow),
+    Value("#tvgsprdh", S::tvgSpreadingHigh),
+    Value("#tvgabslow", S::tvgAbsorptionLow),
+    Value("#tvgabsl", S::tvgAbsorptionLow),
+    Value("#tvgabshigh", S::tvgAbsorptionHigh),
+    Value("#tvgabsh", S::tvgAbsorptionHigh),
+    Fact("##freql", S::frequencyLow),
+    Fact("#getfreql", S::frequencyLow),
+    Fact("#getfl", S::frequencyLow),
+    Fact("##freqh", S::frequencyHigh),
+    Fact("#getfreqh", S::frequencyHigh),
+    Fact("#getfh", S::frequencyHigh),
+    Value("#tvgmode", S::tvgMode),
+    Told("#iden", M::identity),
+    Value("#sound", S::sound),
+    Value("#txpower", S::txPower),
+    Fact("#samplfreq", S::samplingFrequency),
+    Value("#attnl", S::attenuationLow),
+    Value("#attnh", S::attenuationHigh),
+    Fact("##vfreql", S::virtualFrequencyLow),
+    Fact("##vfreqh", S::virtualFrequencyHigh),
+    Fact("##getsimul", S::simultaneous),
+    Fact("#smooth", S::smooth),
+    Value("#outrate", S::outputRate),
+    Value("#medianflt", S::medianFilter),
+    Value("#movavgflt", S::movingAverageFilter),
 };
-static_assert([] {
-  for (size_t i = 0; i < std::size(kFirstFamily); ++i) {
+
+// The other families have one channel, whose values are the high ones here.
+constexpr Keyword kSecondFamily[] = {
+    Told("#info", M::information),
+    {"#time", M::clock, Access::askAndSet},
+    {"#speed", M::speed, Access::askAndSet, S::speed},
+    Command("#default", M::restore),
+    Command("#reset", M::reset),
+    Command("#go", M::go),
+    Value("#pingonce", S::pingOnce),
+    Value("#nmeadbt", S::nmeaDbt),
+    Value("#nmeadpt", S::nmeaDpt),
+    Value("#nmeamtw", S::nmeaMtw),
+    Value("#nmeaxdr", S::nmeaXdr),
+    Value("#nmeaema", S::nmeaEma),
+    Value("#nmeazda", S::nmeaZda),
+    Value("#nmeadpzero", S::nmeaDepthZero),
+    Told("#iden", M::identity),
+    Value("#range", S::rangeHigh),
+    {"#auto", M::automatic, Access::askAndSet, S::automatic},
+    {"#preset", M::preset, Access::askAndSet, S::preset},
+    Value("#interval", S::interval),
+    {"#output", M::output, Access::askAndSet, S::output},
+    Value("#threshold", S::thresholdHigh),
+    Value("#offset", S::offsetHigh),
+    Value("#deadzone", S::deadZoneHigh),
+    Value("#txlength", S::txLengthHigh),
+    Value("#gain", S::gainHigh),
+    Value("#tvgmode", S::tvgMode),
+    Value("#tvgsprd", S::tvgSpreadingHigh),
+    Value("#tvgabs", S::tvgAbsorptionHigh),
+    Value("#sound", S::sound),
+    Fact("#getfreq", S::frequencyInUse),
+    Fact("#samplfreq", S::samplingFrequency),
+    Value("#medianflt", S::medianFilter),
+    Value("#movavgflt", S::movingAverageFilter),
+    Fact("#swversion", S::firmware),
+};
+
+// The third family tells its values all at once, in its information, and has no filters and no presets.
+constexpr Keyword kThirdFamily[] = {
+    Told("#info", M::information),
+    {"#time", M::clock, Access::askAndSet},
+    {"#speed", M::speed, Access::askAndSet, S::speed},
+    Command("#default", M::restore),
+    Command("#reset", M::reset),
+    Command("#go", M::go),
+    SetOnly("#pingonce", S::pingOnce),
+    SetOnly("#nmeadbt", S::nmeaDbt),
+    SetOnly("#nmeadpt", S::nmeaDpt),
+    SetOnly("#nmeamtw", S::nmeaMtw),
+    SetOnly("#nmeaxdr", S::nmeaXdr),
+    SetOnly("#nmeaema", S::nmeaEma),
+    SetOnly("#nmeazda", S::nmeaZda),
+    SetOnly("#nmeadpzero", S::nmeaDepthZero),
+    SetOnly("#range", S::rangeHigh),
+    SetOnly("#interval", S::interval),
+    {"#output", M::output, Access::set, S::output},
+    SetOnly("#threshold", S::thresholdHigh),
+    SetOnly("#offset", S::offsetHigh),
+    SetOnly("#deadzone", S::deadZoneHigh),
+    SetOnly("#txlength", S::txLengthHigh),
+    SetOnly("#gain", S::gainHigh),
+    SetOnly("#tvgmode", S::tvgMode),
+    SetOnly("#tvgsprd", S::tvgSpreadingHigh),
+    SetOnly("#tvgabs", S::tvgAbsorptionHigh),
+    SetOnly("#sound", S::sound),
+};
+
+constexpr bool NoneStandsTwice(std::span<const Keyword> words) {
+  for (size_t i = 0; i < words.size(); ++i) {
     for (size_t j = 0; j < i; ++j) {
-      if (kFirstFamily[i].word == kFirstFamily[j].word) return false;
+      if (words[i].word == words[j].word) return false;
     }
   }
   return true;
-}());
+}
+static_assert(NoneStandsTwice(kFirstFamily) && NoneStandsTwice(kSecondFamily) &&
+              NoneStandsTwice(kThirdFamily));
 
 std::span<const Keyword> KeywordsOf(DeviceFamily family) {
   switch (family) {
     case DeviceFamily::first:
       return kFirstFamily;
     case DeviceFamily::second:
+      return kSecondFamily;
     case DeviceFamily::third:
-      return {};
+      return kThirdFamily;
   }
   return {};
 }
@@ -115,6 +198,10 @@ const Keyword* FindKeyword(DeviceFamily family, std::string_view word) {
   const auto words = KeywordsOf(family);
   const auto at = std::find_if(words.begin(), words.end(), [&](const Keyword& k) { return k.word == word; });
   return at == words.end() ? nullptr : &*at;
+}
+
+bool CameNotBefore(const Keyword& keyword, const Keyword& oldest) {
+  return &keyword >= &oldest;
 }
 
 }  // namespace tw::sim

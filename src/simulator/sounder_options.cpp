@@ -11,9 +11,21 @@ namespace {
 constexpr int32_t kLeastSamples = 100;
 constexpr int32_t kMostSamples = 12'000;
 constexpr size_t kLongestIdentity = 95;
+constexpr size_t kMostDigits = 9;
 
 double Within(double value, double least, double most) {
   return value >= least ? std::min(value, most) : least;  // what is not a number is the least
+}
+
+// The first family's identity is any text, the others' a number.
+std::string IdentityOf(const SounderOptions& options) {
+  const std::string& text = options.identity;
+  if (options.family == DeviceFamily::first) {
+    return text.empty() ? "VIRTUAL-0001" : text.substr(0, kLongestIdentity);
+  }
+  const bool number = !text.empty() && text.size() <= kMostDigits &&
+                      text.find_first_not_of("0123456789") == std::string::npos;
+  return number ? text : "42";
 }
 
 SounderFaults WithinBounds(SounderFaults faults) {
@@ -21,6 +33,7 @@ SounderFaults WithinBounds(SounderFaults faults) {
   faults.splitPause_ms = std::clamp(faults.splitPause_ms, 0, 60'000);
   faults.blockEvery = std::clamp(faults.blockEvery, 1, 1'000'000);
   faults.streamRate = Within(faults.streamRate, 0.0, 1.0);
+  faults.informationBytes = std::clamp(faults.informationBytes, 0, 1'000);
   faults.garbageBytes = std::clamp(faults.garbageBytes, 0, 65'536);
   return faults;
 }
@@ -28,7 +41,8 @@ SounderFaults WithinBounds(SounderFaults faults) {
 }  // namespace
 
 SounderOptions WithinBounds(SounderOptions options) {
-  options.identity.resize(std::min(options.identity.size(), kLongestIdentity));
+  options.identity = IdentityOf(options);
+  options.firmware_hundredths = std::clamp(options.firmware_hundredths, 1, 9'999);
   options.baud = std::clamp(options.baud, 300, 12'000'000);
   options.delivery_us = std::clamp<int64_t>(options.delivery_us, 0, 1'000'000);
   if (FindStreamMode(options.family, options.outputMode) == nullptr) options.outputMode = 2;
@@ -41,6 +55,9 @@ SounderOptions WithinBounds(SounderOptions options) {
   options.range_mm = std::clamp(options.range_mm, 1'000, 200'000);
   options.depth_m = Within(options.depth_m, 0.5, 200.0);
   options.relief_m = Within(options.relief_m, 0.0, options.depth_m / 2);
+  options.lowFrequency = options.lowFrequency && options.family == DeviceFamily::first;
+  options.dual = options.dual && options.family == DeviceFamily::first;
+  options.preset = std::clamp(options.preset, 0, 255);
   options.logSize = std::min<size_t>(options.logSize, 1 << 20);
   options.faults = WithinBounds(std::move(options.faults));
   return options;

@@ -45,6 +45,11 @@ enum class StreamFault : uint8_t {
 // Where the binary modes deviate from the device's own block, they send the frames of recordings.
 enum class BinaryForm : uint8_t { block, frame, dualFrame };
 
+// What the first family's firmware knows of smoothing.
+enum class Smoothing : uint8_t { absent, off, on };
+
+inline constexpr int32_t kInformationBytes = 38;  // of the third family's block
+
 struct SounderFaults {
   InstrumentFaults instrument = {};
   int32_t replyDelay_ms = 0;  // 0 to 60,000, before each reply at the prompt
@@ -61,12 +66,18 @@ struct SounderFaults {
   bool chatter = false;                   // sends a line of noise every 100 ms while it is at the prompt
   std::vector<std::string> refused = {};  // keywords that are answered with "Error"
   std::vector<std::string> mute = {};     // keywords that get no answer at all
+  std::string lacksFrom = {};             // an older firmware: it cannot tell the value of this keyword and
+                                          // of those that came after it; set they can be all the same
+  bool lacksSilently = false;             // asked for them, it gives no answer instead of "Error"
+  int32_t informationBytes = kInformationBytes;  // 0 to 1,000: the third family's block is cut, or padded
 };
 
 struct SounderOptions {
   uint64_t seed = 1;
   DeviceFamily family = DeviceFamily::first;
-  std::string identity = "VIRTUAL-0001";  // at most 95 characters
+  std::string identity = {};  // at most 95 characters, 1 to 9 digits for the second and third family; else
+                              // VIRTUAL-0001 or 42
+  int32_t firmware_hundredths = 210;  // 1 to 9,999
   InterfaceWord interfaceWord = InterfaceWord::rs232;
   int32_t baud = 115'200;                 // 300 to 12,000,000
   int64_t delivery_us = 0;                // 0: byte by byte; else bytes arrive in bursts at its multiples
@@ -77,8 +88,14 @@ struct SounderOptions {
   int32_t range_mm = 30'000;              // 1,000 to 200,000, both channels
   double depth_m = 12.0;                  // 0.5 to 200, of the sea bed
   double relief_m = 2.5;                  // 0 to half the depth
-  bool lowFrequency = false;              // the channel in use at power-on
-  bool dual = false;                      // both channels at power-on
+  bool lowFrequency = false;              // first family: the channel in use at power-on
+  bool dual = false;                      // first family: both channels at power-on
+  bool refusesDualOld = false;            // first family: no "Sonarmite OLD", output 9, for both channels
+  Smoothing smoothing = Smoothing::off;   // first family
+  bool automatic = false;                 // first and second family, at power-on; its preset is in force then
+  int32_t preset = 255;                   // 0 to 255; 255: none
+  bool speedAtOnce = false;               // a new line speed is in force behind the prompt of its own answer,
+                                          // not behind that of the next reset
   bool reportsFrequency = true;           // first family: lines and epochs tell the transmit frequency
   BinaryForm binaryForm = BinaryForm::block;
   bool streaming = false;                // pings at power-on instead of standing at its prompt

@@ -5,33 +5,18 @@
 #include <utility>
 
 #include "simulator/echo_stream.h"
-#include "simulator/sounder_keywords.h"
+#include "simulator/sounder_information.h"
 
 namespace tw::sim {
 namespace {
 
 constexpr size_t kLongestLine = 256;
+constexpr int64_t kSonarmiteOld = 9;
 constexpr int64_t kLatestClock = int64_t{0xFFFFFFFF} * kThousand;
-
-std::string_view NameOf(InterfaceWord word) {
-  switch (word) {
-    case InterfaceWord::rs232:
-      return "RS232";
-    case InterfaceWord::rs485:
-      return "RS485";
-    case InterfaceWord::usb:
-      return "USB";
-  }
-  return {};
-}
 
 bool IsLineSpeed(int64_t thousandths) {
   return std::any_of(std::begin(kLineSpeeds), std::end(kLineSpeeds),
                      [&](int32_t speed) { return speed * kThousand == thousandths; });
-}
-
-bool IsWhole(int64_t thousandths) {
-  return thousandths % kThousand == 0;
 }
 
 }  // namespace
@@ -40,14 +25,11 @@ struct SounderPrompt::Outcome {
   bool accepted = false;
   std::string value = {};
   PromptEffect effect = PromptEffect::none;
+  bool mute = false;
 };
 
 SounderPrompt::SounderPrompt(const SounderOptions& options)
-    : family_(options.family),
-      identity_(options.identity),
-      interfaceWord_(options.interfaceWord),
-      settings_(options),
-      clockAhead_ms_(int64_t{options.startTime_s} * 1'000) {}
+    : options_(options), settings_(options), clockAhead_ms_(int64_t{options.startTime_s} * 1'000) {}
 
 std::optional<std::string> SounderPrompt::Take(uint8_t byte) {
   if (byte == '\r') {
@@ -69,78 +51,132 @@ PromptAnswer SounderPrompt::Answer(std::string_view line, int64_t now_us) {
   value.remove_prefix(std::min(value.find_first_not_of(' '), value.size()));
   value = value.substr(0, value.find_last_not_of(' ') + 1);
   const Outcome outcome = line.size() > kLongestLine ? Outcome{} : Carry(keyword, value, now_us);
-  PromptAnswer answer{std::string(line) + "\r\n", outcome.effect, !outcome.accepted};
+  PromptAnswer answer{std::string(line) + "\r\n", outcome.effect, !outcome.accepted, outcome.mute};
   if (!outcome.accepted) answer.text += "Error\r\n";
   if (outcome.accepted && !outcome.value.empty()) answer.text += outcome.value + "\r\n";
   return answer;
 }
 
-Setting SounderPrompt::InUse(Setting low) const {
-  const bool lowInUse =
-      settings_.Whole(Setting::simultaneous) == 0 &&
-      settings_.Thousandths(Setting::frequencyInUse) == settings_.Thousandths(Setting::frequencyLow);
-  return static_cast<Setting>(static_cast<uint8_t>(low) + (lowInUse ? 0 : 1));
-}
-
-std::string SounderPrompt::Information() const {
-  return "Device " + identity_ + "\r\nFirmware " + settings_.Text(Setting::firmware) + "\r\nInterface " +
-         std::string(NameOf(interfaceWord_)) + "\r\nRange " + settings_.Text(InUse(Setting::rangeLow)) +
-         " mm\r\nOutput " + settings_.Text(Setting::output);
-}
-
 SounderPrompt::Outcome SounderPrompt::Carry(std::string_view word, std::string_view value, int64_t now_us) {
-  const Keyword* keyword = FindKeyword(family_, word);
+  const Keyword* keyword = FindKeyword(options_.family, word);
   if (keyword == nullptr) return {};
+  const bool smooths = options_.smoothing != Smoothing::absent;
+  if (!smooths && (keyword->setting == Setting::smooth || keyword->setting == Setting::outputRate)) return {};
   const bool asks = value.empty();
+  if (keyword->access == Access::command) return asks ? Obey(keyword->meaning) : Outcome{};
+  if (asks && Lacks(*keyword)) return {.mute = options_.faults.lacksSilently};
+  if (asks) return keyword->Told() ? Tell(*keyword, now_us) : Outcome{};
   int64_t number = 0;
-  if (!asks && !ReadThousandths(value, number)) return {};
-  const auto change = [&](Setting setting, int64_t thousandths) {
-    return Outcome{.accepted = settings_.Set(setting, thousandths)};
-  };
-  const auto choose = [&](Setting frequency, int64_t simultaneous) {
-    const bool accepted = asks && settings_.Set(Setting::frequencyInUse, settings_.Thousandths(frequency)) &&
-                          settings_.Set(Setting::simultaneous, simultaneous * kThousand);
-    return Outcome{.accepted = accepted};
-  };
-  const auto tellOrSet = [&](Setting setting, bool allowed) {
-    if (asks) return Outcome{.accepted = true, .value = settings_.Text(setting)};
-    return allowed ? change(setting, number) : Outcome{};
-  };
-  switch (keyword->meaning) {
-    case Meaning::value:
-      return tellOrSet(keyword->setting, true);
-    case Meaning::fact:
-      return tellOrSet(keyword->setting, false);
-    case Meaning::inUse:
-      return tellOrSet(InUse(keyword->setting), true);
-    case Meaning::output: {
-      const auto mode = static_cast<int32_t>(std::clamp<int64_t>(number / kThousand, 0, 1'000));
-      return tellOrSet(keyword->setting, IsWhole(number) && FindStreamMode(family_, mode) != nullptr);
-    }
-    case Meaning::speed:
-      return tellOrSet(keyword->setting, IsLineSpeed(number));
-    case Meaning::clock:
-      if (asks) return {true, std::to_string(Clock_ms(now_us) / 1'000)};
-      if (number < 0 || number > kLatestClock) return {};
-      clockAhead_ms_ = number - now_us / 1'000;
-      return {.accepted = true};
+  if (!keyword->Settable() || !ReadThousandths(value, number)) return {};
+  return Change(*keyword, number, now_us);
+}
+
+bool SounderPrompt::Lacks(const Keyword& keyword) const {
+  const Keyword* oldest = FindKeyword(options_.family, options_.faults.lacksFrom);
+  return oldest != nullptr && CameNotBefore(keyword, *oldest);
+}
+
+SounderPrompt::Outcome SounderPrompt::Tell(const Keyword& keyword, int64_t now_us) const {
+  switch (keyword.meaning) {
     case Meaning::identity:
-      return {asks, identity_};
+      return {true, options_.identity};
     case Meaning::information:
-      return {asks, Information()};
+      return {true, Information(options_, settings_)};
+    case Meaning::clock:
+      return {true, std::to_string(Clock_ms(now_us) / 1'000)};
+    case Meaning::bothRanges:
+      return {true, settings_.Text(settings_.LowInUse() ? Setting::rangeLow : Setting::rangeHigh)};
+    case Meaning::value:
+    case Meaning::output:
+    case Meaning::automatic:
+    case Meaning::preset:
+    case Meaning::speed:
+      return {true, settings_.Text(keyword.setting)};
     case Meaning::useLow:
-      return choose(Setting::frequencyLow, 0);
     case Meaning::useHigh:
-      return choose(Setting::frequencyHigh, 0);
     case Meaning::useBoth:
-      return choose(Setting::frequencyHigh, 1);
     case Meaning::restore:
-      if (asks) settings_.Restore();
-      return {.accepted = asks};
     case Meaning::reset:
-      return {.accepted = asks, .effect = asks ? PromptEffect::reset : PromptEffect::none};
     case Meaning::go:
-      return {.accepted = asks, .effect = asks ? PromptEffect::go : PromptEffect::none};
+      break;
+  }
+  return {};
+}
+
+bool SounderPrompt::CanStream(int64_t mode) const {
+  const bool dual = settings_.Whole(Setting::simultaneous) != 0;
+  if (options_.refusesDualOld && dual && mode == kSonarmiteOld) return false;
+  return FindStreamMode(options_.family, static_cast<int32_t>(std::clamp<int64_t>(mode, 0, 1'000))) !=
+         nullptr;
+}
+
+SounderPrompt::Outcome SounderPrompt::Change(const Keyword& keyword, int64_t thousandths, int64_t now_us) {
+  const Setting setting = keyword.setting;
+  switch (keyword.meaning) {
+    case Meaning::value:
+      return {settings_.Set(setting, thousandths)};
+    case Meaning::bothRanges:
+      return {settings_.Set(Setting::rangeLow, thousandths) &&
+              settings_.Set(Setting::rangeHigh, thousandths)};
+    case Meaning::output:
+      return {CanStream(thousandths / kThousand) && settings_.Set(setting, thousandths)};
+    case Meaning::automatic:
+      return {settings_.SetAutomatic(thousandths)};
+    case Meaning::preset:
+      return {settings_.SetPreset(thousandths)};
+    case Meaning::speed:
+      if (!IsLineSpeed(thousandths) || !settings_.Set(setting, thousandths)) return {};
+      return {.accepted = true, .effect = options_.speedAtOnce ? PromptEffect::newSpeed : PromptEffect::none};
+    case Meaning::clock:
+      if (thousandths < 0 || thousandths > kLatestClock) return {};
+      clockAhead_ms_ = thousandths - now_us / 1'000;
+      return {true};
+    case Meaning::identity:
+    case Meaning::information:
+    case Meaning::useLow:
+    case Meaning::useHigh:
+    case Meaning::useBoth:
+    case Meaning::restore:
+    case Meaning::reset:
+    case Meaning::go:
+      break;
+  }
+  return {};
+}
+
+// Both at once is a matter of the first family, which can refuse it for one of its modes.
+bool SounderPrompt::Use(Setting frequency, bool both) {
+  const bool old = settings_.Whole(Setting::output) == kSonarmiteOld;
+  if (both && options_.refusesDualOld && old) return false;
+  return settings_.Set(Setting::frequencyInUse, settings_.Thousandths(frequency)) &&
+         settings_.Set(Setting::simultaneous, both ? kThousand : 0);
+}
+
+SounderPrompt::Outcome SounderPrompt::Obey(Meaning command) {
+  switch (command) {
+    case Meaning::useLow:
+      return {Use(Setting::frequencyLow, false)};
+    case Meaning::useHigh:
+      return {Use(Setting::frequencyHigh, false)};
+    case Meaning::useBoth:
+      return {Use(Setting::frequencyHigh, true)};
+    case Meaning::restore:
+      settings_.Restore();
+      return {true};
+    case Meaning::reset:
+      return {.accepted = true, .effect = PromptEffect::reset};
+    case Meaning::go:
+      return {.accepted = true, .effect = PromptEffect::go};
+    case Meaning::value:
+    case Meaning::output:
+    case Meaning::automatic:
+    case Meaning::preset:
+    case Meaning::speed:
+    case Meaning::bothRanges:
+    case Meaning::clock:
+    case Meaning::identity:
+    case Meaning::information:
+      break;
   }
   return {};
 }

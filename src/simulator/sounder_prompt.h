@@ -4,8 +4,8 @@
 //   answer  = line CR LF [ value-line CR LF ]   the prompt follows, which the device adds
 //
 // A keyword that is asked for a value gives a value line; a setting that is accepted gives none; what is
-// unknown, refused, malformed, out of range or longer than 256 characters gives the line "Error". Pure; not
-// thread-safe.
+// unknown, refused, malformed, out of range or longer than 256 characters gives the line "Error". What a
+// family knows, tells and can be told stands in the tables of sounder_keywords.cpp. Pure; not thread-safe.
 #pragma once
 
 #include <cstdint>
@@ -13,17 +13,19 @@
 #include <string>
 #include <string_view>
 
+#include "simulator/sounder_keywords.h"
 #include "simulator/sounder_settings.h"
 
 namespace tw::sim {
 
 // What a command does beyond its answer; the device carries it out.
-enum class PromptEffect : uint8_t { none, go, reset };
+enum class PromptEffect : uint8_t { none, go, reset, newSpeed };
 
 struct PromptAnswer {
   std::string text;  // without the prompt
   PromptEffect effect = PromptEffect::none;
   bool refused = false;
+  bool mute = false;  // nothing is said, no prompt either
 };
 
 class SounderPrompt {
@@ -44,13 +46,15 @@ class SounderPrompt {
 
  private:
   struct Outcome;
-  [[nodiscard]] Outcome Carry(std::string_view keyword, std::string_view value, int64_t now_us);
-  [[nodiscard]] Setting InUse(Setting low) const;
-  [[nodiscard]] std::string Information() const;
+  [[nodiscard]] Outcome Carry(std::string_view word, std::string_view value, int64_t now_us);
+  [[nodiscard]] Outcome Tell(const Keyword& keyword, int64_t now_us) const;
+  [[nodiscard]] Outcome Change(const Keyword& keyword, int64_t thousandths, int64_t now_us);
+  [[nodiscard]] Outcome Obey(Meaning command);
+  [[nodiscard]] bool Use(Setting frequency, bool both);
+  [[nodiscard]] bool CanStream(int64_t mode) const;
+  [[nodiscard]] bool Lacks(const Keyword& keyword) const;
 
-  DeviceFamily family_;
-  std::string identity_;
-  InterfaceWord interfaceWord_;
+  const SounderOptions options_;
   SounderSettings settings_;
   int64_t clockAhead_ms_;
   std::string line_;

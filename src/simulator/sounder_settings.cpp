@@ -32,10 +32,10 @@ constexpr SettingRow kRows[] = {
     Whole(Setting::thresholdHigh, 10, 0, 100),
     Whole(Setting::offsetLow, 0, -10'000, 10'000),
     Whole(Setting::offsetHigh, 0, -10'000, 10'000),
-    Whole(Setting::deadZoneLow, 500, 0, 100'000),
-    Whole(Setting::deadZoneHigh, 500, 0, 100'000),
-    Whole(Setting::txLengthLow, 100, 10, 1'000),
-    Whole(Setting::txLengthHigh, 50, 10, 500),
+    Whole(Setting::deadZoneLow, 500, 0, 200'000),
+    Whole(Setting::deadZoneHigh, 500, 0, 200'000),
+    Whole(Setting::txLengthLow, 100, 1, 1'000),
+    Whole(Setting::txLengthHigh, 50, 1, 1'000),
     {Setting::gainLow, 3, 0, -60'000, 60'000},
     {Setting::gainHigh, 3, 0, -60'000, 60'000},
     {Setting::tvgSpreadingLow, 3, 15'000, 0, 60'000},
@@ -49,8 +49,8 @@ constexpr SettingRow kRows[] = {
     Whole(Setting::tvgMode, 1, 0, 4),
     {Setting::sound, 3, 1'500'000, 1'300'000, 1'800'000},
     {Setting::txPower, 3, 100'000, 0, 100'000},
-    Whole(Setting::medianFilter, 1, 0, 15),
-    Whole(Setting::movingAverageFilter, 1, 0, 15),
+    Whole(Setting::medianFilter, 1, 1, 31),
+    Whole(Setting::movingAverageFilter, 1, 1, 31),
     Switch(Setting::smooth, 0),
     {Setting::outputRate, 2, 0, 0, 100'000},
     Switch(Setting::automatic, 0),
@@ -71,11 +71,11 @@ constexpr SettingRow kRows[] = {
     Fact(Setting::virtualFrequencyLow, 200'000),
     Fact(Setting::virtualFrequencyHigh, 450'000),
     Whole(Setting::samplingFrequency, 25'000, 1'000, 100'000),
-    {Setting::firmware, 2, 2'100, 2'100, 2'100},
+    {Setting::firmware, 2, 2'100, 10, 99'990},
     Fact(Setting::maxRangeLow, 200'000),
     Fact(Setting::maxRangeHigh, 200'000),
     Fact(Setting::maxLengthLow, 1'000),
-    Fact(Setting::maxLengthHigh, 500),
+    Fact(Setting::maxLengthHigh, 1'000),
 };
 static_assert(std::size(kRows) == static_cast<size_t>(Setting::count));
 static_assert([] {
@@ -87,13 +87,17 @@ static_assert([] {
   return true;
 }());
 
+// What the third family can tell of a length: the most that a signed 16-bit number holds.
+constexpr int64_t kMostIn16Bits = 32'767 * kThousand;
+
 constexpr bool IsDigit(char c) {
   return c >= '0' && c <= '9';
 }
 
 }  // namespace
 
-SounderSettings::SounderSettings(const SounderOptions& options) {
+SounderSettings::SounderSettings(const SounderOptions& options)
+    : toldIn16Bits_(options.family == DeviceFamily::third) {
   for (size_t i = 0; i < values_.size(); ++i) initial_[i] = kRows[i].initial;
   const auto put = [&](Setting setting, int64_t value) {
     initial_[static_cast<size_t>(setting)] = value * kThousand;
@@ -105,6 +109,11 @@ SounderSettings::SounderSettings(const SounderOptions& options) {
   put(Setting::speed, options.baud);
   put(Setting::simultaneous, options.dual ? 1 : 0);
   if (options.lowFrequency) put(Setting::frequencyInUse, 200'000);
+  put(Setting::smooth, options.smoothing == Smoothing::on ? 1 : 0);
+  const bool automatic = options.automatic || options.preset == kAutomaticPreset;
+  put(Setting::automatic, automatic ? 1 : 0);
+  put(Setting::preset, automatic ? kAutomaticPreset : options.preset);
+  initial_[static_cast<size_t>(Setting::firmware)] = int64_t{options.firmware_hundredths} * 10;
   if (options.pingsPerSecond > 0.0) {
     initial_[static_cast<size_t>(Setting::interval)] = std::llround(1'000.0 / options.pingsPerSecond);
   }
@@ -114,9 +123,25 @@ SounderSettings::SounderSettings(const SounderOptions& options) {
 bool SounderSettings::Set(Setting setting, int64_t thousandths) {
   const auto i = static_cast<size_t>(setting);
   if (thousandths < kRows[i].least || thousandths > kRows[i].most) return false;
+  if (toldIn16Bits_ && setting == Setting::deadZoneHigh && thousandths > kMostIn16Bits) return false;
   if (kRows[i].decimals == 0 && thousandths % kThousand != 0) return false;
   values_[i] = thousandths;
   return true;
+}
+
+bool SounderSettings::SetAutomatic(int64_t thousandths) {
+  if (!Set(Setting::automatic, thousandths)) return false;
+  return Set(Setting::preset, (thousandths != 0 ? kAutomaticPreset : kNoPreset) * kThousand);
+}
+
+bool SounderSettings::SetPreset(int64_t thousandths) {
+  if (!Set(Setting::preset, thousandths)) return false;
+  return Set(Setting::automatic, thousandths == kAutomaticPreset * kThousand ? kThousand : 0);
+}
+
+bool SounderSettings::LowInUse() const {
+  return Whole(Setting::simultaneous) == 0 &&
+         Thousandths(Setting::frequencyInUse) == Thousandths(Setting::frequencyLow);
 }
 
 void SounderSettings::Restore() {

@@ -50,7 +50,7 @@ enum class Setting : uint8_t {
   nmeaEma,
   nmeaZda,
   nmeaDepthZero,
-  speed,           // the line's, in force after a reset; no default touches it
+  speed,           // the line's; no default touches it
   frequencyInUse,  // Hz
   simultaneous,
   // Facts, told and never set.
@@ -68,6 +68,8 @@ enum class Setting : uint8_t {
 };
 
 inline constexpr int64_t kThousand = 1'000;
+inline constexpr int64_t kAutomaticPreset = 10;  // in force exactly while the automatic mode is on
+inline constexpr int64_t kNoPreset = 255;
 
 class SounderSettings {
  public:
@@ -81,6 +83,13 @@ class SounderSettings {
   // only whole numbers make sense.
   [[nodiscard]] bool Set(Setting setting, int64_t thousandths);
 
+  // The automatic mode and the preset, which belong together. False as above.
+  [[nodiscard]] bool SetAutomatic(int64_t thousandths);
+  [[nodiscard]] bool SetPreset(int64_t thousandths);
+
+  // The low channel alone is in use.
+  [[nodiscard]] bool LowInUse() const;
+
   // Back to what they were when the device was made, the line's speed excepted: an operator who restores
   // the values must not lose the line.
   void Restore();
@@ -90,6 +99,7 @@ class SounderSettings {
 
  private:
   using Values = std::array<int64_t, static_cast<size_t>(Setting::count)>;
+  const bool toldIn16Bits_;  // the third family's dead zone
   Values values_{};
   Values initial_{};
 };

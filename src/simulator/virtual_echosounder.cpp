@@ -56,6 +56,10 @@ int64_t VirtualEchosounder::NextSend_us(int64_t now_us) const {
 // Makes everything that begins by now, in the order of time.
 void VirtualEchosounder::Advance(int64_t now_us) {
   if (hungUp_) return;
+  if (now_us >= newSpeed_us_) {
+    line_.SetBaud(static_cast<int32_t>(Settings().Whole(Setting::speed)));
+    newSpeed_us_ = kNever;
+  }
   const bool ends = HungUp(now_us);
   const int64_t until_us = ends ? options_.faults.instrument.hangUpAt_us : now_us;
   for (int64_t at_us; (at_us = NextPing_us()) <= until_us;) {
@@ -162,11 +166,10 @@ void VirtualEchosounder::TakeLine(const std::string& line, int64_t now_us) {
     return;
   }
   const std::string_view keyword = KeywordOf(line);
-  PromptAnswer answer{line + "\r\nError\r\n", PromptEffect::none, true};
-  const bool mute = Holds(options_.faults.mute, keyword);
-  if (!mute && !Holds(options_.faults.refused, keyword)) answer = prompt_.Answer(line, now_us);
+  PromptAnswer answer{line + "\r\nError\r\n", PromptEffect::none, true, Holds(options_.faults.mute, keyword)};
+  if (!answer.mute && !Holds(options_.faults.refused, keyword)) answer = prompt_.Answer(line, now_us);
   commands_.Add({now_us, line, answer.refused});
-  if (mute) return;
+  if (answer.mute) return;
   Say(answer.text, answer_us);
   if (answer.effect == PromptEffect::go) {
     streaming_ = true;
@@ -174,10 +177,9 @@ void VirtualEchosounder::TakeLine(const std::string& line, int64_t now_us) {
     return;
   }
   SayPrompt(answer_us);
-  if (answer.effect == PromptEffect::reset) {
-    number_ = 0;
-    line_.SetBaud(static_cast<int32_t>(Settings().Whole(Setting::speed)));
-  }
+  if (answer.effect == PromptEffect::none) return;
+  if (answer.effect == PromptEffect::reset) number_ = 0;
+  newSpeed_us_ = line_.Idle_us();
 }
 
 void VirtualEchosounder::Stop(int64_t now_us) {

@@ -44,7 +44,10 @@ class VirtualEchosounder final : public VirtualInstrument {
   [[nodiscard]] bool HungUp(int64_t now_us) const override;
 
   [[nodiscard]] bool Streaming() const { return streaming_; }
-  [[nodiscard]] int32_t LineSpeed() const { return line_.Baud(); }
+
+  // The speed of the device's line; a new one from the moment on at which the prompt behind the command that
+  // puts it into force has left (see speedAtOnce).
+  [[nodiscard]] int32_t LineSpeed() const override { return line_.Baud(); }
   [[nodiscard]] const SounderSettings& Settings() const { return prompt_.Settings(); }
 
   // Pings that have ended by the last call, oldest first; bytes and command lines received.
@@ -76,8 +79,9 @@ class VirtualEchosounder final : public VirtualInstrument {
 
   bool streaming_;
   bool hungUp_ = false;
-  int64_t due_us_ = 0;      // of the next ping, the line permitting
-  int64_t chatter_us_ = 0;  // of the next line of noise at the prompt
+  int64_t newSpeed_us_ = kNever;  // when the line takes on the speed that has been set
+  int64_t due_us_ = 0;            // of the next ping, the line permitting
+  int64_t chatter_us_ = 0;        // of the next line of noise at the prompt
   uint32_t number_ = 0;
   uint64_t pingIndex_ = 0;  // since power-on; no reset touches it
   double sailed_s_ = 0.0;

@@ -67,6 +67,7 @@ class VirtualGps final : public VirtualInstrument {
   [[nodiscard]] size_t Waiting(int64_t now_us) override;
   [[nodiscard]] int64_t NextSend_us(int64_t now_us) const override;
   [[nodiscard]] bool HungUp(int64_t now_us) const override;
+  [[nodiscard]] int32_t LineSpeed() const override { return line_.Baud(); }
 
   [[nodiscard]] const GpsCounts& Counts() const { return counts_; }
   [[nodiscard]] const BoundedLog<SentEpoch>& Epochs() const { return epochs_; }

@@ -28,7 +28,7 @@ TEST(CommandDialogue, FactoryValues) {
     std::string_view keyword, value;
   } rows[] = {
       {"##maxrangel", "200000"}, {"##maxrangeh", "200000"},
-      {"##maxlengthh", "500"},   {"##maxlengthl", "1000"},
+      {"##maxlengthh", "1000"},  {"##maxlengthl", "1000"},
       {"#rangel", "30000"},      {"#rangeh", "30000"},
       {"#range", "30000"},       {"#auto", "0"},
       {"#preset", "255"},        {"#swversion", "2.10"},
@@ -78,9 +78,9 @@ TEST(CommandDialogue, WhatIsSetReadsBack) {
       {"#nmeadpt 1", "#nmeadpt", "1"},
       {"#time 1800000000", "#time", "1800000000"},
       {"#txpower 50.000", "#txpower", "50.000"},
-      {"#threshold 33", "#thresholdh", "33"},
+      {"#range 44000", "#rangel", "44000"},
+      {"#range 45000", "#rangeh", "45000"},
       {"#setfl", "#getfreq", "200000"},
-      {"#threshold 44", "#thresholdl", "44"},
       {"#setfreqhigh", "#getfreq", "450000"},
       {"#setfreqdual", "##getsimul", "1"},
       {"#setfreqlow", "##getsimul", "0"},
@@ -131,13 +131,24 @@ TEST(CommandDialogue, DefaultRestoresTheValuesButNotTheLine) {
   EXPECT_EQ(end.Ask("#speed"), Told("#speed", "9600"));
 }
 
-TEST(CommandDialogue, SpeedComesIntoForceWithTheReset) {
-  VirtualEchosounder device({});
+TEST(CommandDialogue, SpeedComesIntoForceBehindThePromptOfTheReset) {
+  VirtualEchosounder device({.baud = 4'800});
   FarEnd end(device);
-  EXPECT_EQ(end.Ask("#speed 460800"), Accepted("#speed 460800"));
-  EXPECT_EQ(device.LineSpeed(), 115'200);
-  EXPECT_EQ(end.Ask("#reset"), Accepted("#reset"));
-  EXPECT_EQ(device.LineSpeed(), 460'800);
+  EXPECT_EQ(end.Ask("#speed 3000000"), Accepted("#speed 3000000"));
+  EXPECT_EQ(device.LineSpeed(), 4'800);
+  EXPECT_EQ(end.Ask("#reset", 22), "#reset\r\n\r\n") << "the old speed carries the answer";
+  EXPECT_EQ(device.LineSpeed(), 4'800);
+  EXPECT_EQ(end.ReadFor_ms(2), ">");
+  EXPECT_EQ(device.LineSpeed(), 3'000'000);
+}
+
+TEST(CommandDialogue, SpeedAtOnceComesIntoForceBehindItsOwnPrompt) {
+  VirtualEchosounder device({.baud = 4'800, .speedAtOnce = true});
+  FarEnd end(device);
+  EXPECT_EQ(end.Ask("#speed 12345"), Told("#speed 12345", "Error"));
+  EXPECT_EQ(device.LineSpeed(), 4'800);
+  EXPECT_EQ(end.Ask("#speed 3000000"), Accepted("#speed 3000000"));
+  EXPECT_EQ(device.LineSpeed(), 3'000'000);
 }
 
 TEST(CommandDialogue, InformationNamesOneInterface) {

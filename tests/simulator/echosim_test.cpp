@@ -2,6 +2,7 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <termios.h>
 #include <unistd.h>
 
 #include <fstream>
@@ -35,12 +36,19 @@ struct NarrowLine final : Terminal {
   size_t Write(std::span<const uint8_t> bytes) override {
     const size_t count = std::min(room_, bytes.size());
     room_ -= count;
+    sent_.append(reinterpret_cast<const char*>(bytes.data()), count);
     return count;
   }
   void SetSpeed(int32_t) override {}
+  bool OtherEnd(LineSettings& settings) const override {
+    settings = settings_;
+    return true;
+  }
 
   size_t room_;
   std::string input_;
+  std::string sent_;
+  LineSettings settings_{115'200, 8, 'N', 1, false};
 };
 
 TEST(Options, AreRead) {
@@ -100,6 +108,48 @@ TEST(Options, StreamFaultsAddUp) {
   EXPECT_FALSE(ParseOptions(wrong, options, error));
 }
 
+TEST(Options, OfTheFamilyInAnyOrder) {
+  const char* arguments[] = {"--mode",
+                             "10",
+                             "--identity",
+                             "1042",
+                             "--lacks",
+                             "#threshold",
+                             "--family",
+                             "2",
+                             "--firmware",
+                             "1.95",
+                             "--auto",
+                             "--preset",
+                             "7",
+                             "--smoothing",
+                             "none",
+                             "--no-dual-old",
+                             "--info-bytes",
+                             "13",
+                             "--lacks-silently",
+                             "--speed-at-once",
+                             "--line-log",
+                             "/tmp/l",
+                             "--strict-line"};
+  ToolOptions options;
+  std::string error;
+  ASSERT_TRUE(ParseOptions(arguments, options, error)) << error;
+  const sim::SounderOptions& sounder = options.sounder;
+  EXPECT_EQ(sounder.family, sim::DeviceFamily::second);
+  EXPECT_EQ(sounder.outputMode, 10);
+  EXPECT_EQ(sounder.identity, "1042");
+  EXPECT_EQ(sounder.firmware_hundredths, 195);
+  EXPECT_TRUE(sounder.automatic && sounder.refusesDualOld && sounder.speedAtOnce);
+  EXPECT_EQ(sounder.preset, 7);
+  EXPECT_EQ(sounder.smoothing, sim::Smoothing::absent);
+  EXPECT_EQ(sounder.faults.lacksFrom, "#threshold");
+  EXPECT_TRUE(sounder.faults.lacksSilently);
+  EXPECT_EQ(sounder.faults.informationBytes, 13);
+  EXPECT_EQ(options.lineFile, "/tmp/l");
+  EXPECT_TRUE(options.strictLine);
+}
+
 TEST(Options, WhatIsWrongIsNamed) {
   const struct {
     std::vector<const char*> arguments;
@@ -116,7 +166,15 @@ TEST(Options, WhatIsWrongIsNamed) {
       {{"--samples", "12001"}, "--samples cannot be 12001"},
       {{"--speed", "12345"}, "--speed cannot be 12345"},
       {{"--mode", "5"}, "--mode cannot be 5"},
-      {{"--family", "2"}, "--family cannot be 2"},
+      {{"--family", "3"}, "--family cannot be 3"},
+      {{"--mode", "10", "--family", "1"}, "--mode cannot be 10"},
+      {{"--family", "2", "--mode", "11"}, "--mode cannot be 11"},
+      {{"--identity", "SIM1", "--family", "2"}, "--identity cannot be SIM1"},
+      {{"--lacks", "#rangel", "--family", "2"}, "--lacks cannot be #rangel"},
+      {{"--dual", "--family", "0"}, "--dual and --low are for family 1"},
+      {{"--firmware", "0"}, "--firmware cannot be 0"},
+      {{"--smoothing", "yes"}, "--smoothing cannot be yes"},
+      {{"--preset", "256"}, "--preset cannot be 256"},
       {{"--prompt", "odd"}, "--prompt cannot be odd"},
       {{"--silent-from", "-1"}, "--silent-from cannot be -1"},
       {{"--link", ""}, "--link cannot be "},
@@ -136,7 +194,7 @@ TEST(Binding, WhatTheLineDoesNotTakeIsDroppedAndCounted) {
     sim::VirtualEchosounder device({.streaming = true});
     LineFile lost;
     ASSERT_TRUE(lost.Create(path));
-    Binding binding(device, std::make_unique<NarrowLine>(1'000), nullptr, &lost);
+    Binding binding(device, std::make_unique<NarrowLine>(1'000), {.lost = &lost});
     binding.Pump(100'000);
     EXPECT_EQ(binding.Sent(), 1'152u) << "a tenth of a second";
     EXPECT_EQ(binding.Dropped(), 152u);
@@ -151,7 +209,7 @@ TEST(Binding, ReceivedBytesAreWrittenWithTheirTime) {
     sim::VirtualEchosounder device({});
     LineFile received;
     ASSERT_TRUE(received.Create(path));
-    Binding binding(device, std::make_unique<NarrowLine>(1'000, "#auto\r\n \\\x01"), &received, nullptr);
+    Binding binding(device, std::make_unique<NarrowLine>(1'000, "#auto\r\n \\\x01"), {.received = &received});
     binding.Pump(42);
     EXPECT_EQ(binding.Received(), 10u);
     EXPECT_EQ(device.Commands().Total(), 1u);
@@ -160,9 +218,27 @@ TEST(Binding, ReceivedBytesAreWrittenWithTheirTime) {
   unlink(path.c_str());
 }
 
+TEST(Binding, StrictLineCarriesNoiseWhileTheSpeedsDiffer) {
+  for (const bool strict : {false, true}) {
+    sim::VirtualEchosounder device({.streaming = true});
+    auto terminal = std::make_unique<NarrowLine>(100'000, " ");
+    NarrowLine& line = *terminal;
+    line.settings_.baud = 9'600;
+    Binding binding(device, std::move(terminal), {}, strict);
+    binding.Pump(100'000);
+    EXPECT_EQ(device.Streaming(), strict) << "the stop key is understood on a line without speed";
+    EXPECT_EQ(line.sent_.find("#DeviceID") == std::string::npos, strict);
+    EXPECT_GT(line.sent_.size(), 1'000u);
+    line.settings_.baud = 115'200;
+    line.input_ = " ";
+    binding.Pump(100'001);
+    EXPECT_FALSE(device.Streaming());
+  }
+}
+
 TEST(Binding, HangUpClosesTheLine) {
   sim::VirtualEchosounder device({.faults = {.instrument = {.hangUpAt_us = 5'000}}});
-  Binding binding(device, std::make_unique<NarrowLine>(1'000), nullptr, nullptr);
+  Binding binding(device, std::make_unique<NarrowLine>(1'000), {});
   binding.Pump(4'999);
   EXPECT_NE(binding.Line(), nullptr);
   binding.Pump(5'000);
@@ -176,7 +252,7 @@ TEST(PseudoTerminal, CarriesADialogueAndTakesItsLinkAway) {
   sim::VirtualEchosounder device({});
   std::string error;
   {
-    Binding binding(device, OpenTerminal(link, 115'200, error), nullptr, nullptr);
+    Binding binding(device, OpenTerminal(link, 115'200, error), {});
     ASSERT_NE(binding.Line(), nullptr) << error;
     const int line = open(link.c_str(), O_RDWR | O_NOCTTY);
     ASSERT_GE(line, 0);
@@ -194,11 +270,50 @@ TEST(PseudoTerminal, CarriesADialogueAndTakesItsLinkAway) {
   EXPECT_NE(lstat(link.c_str(), &status), 0);
 }
 
+// As a program does that goes to the fast speed and back, with the device following at its resets.
+TEST(PseudoTerminal, TellsHowTheProgramSetUpTheLine) {
+  const std::string link = ScratchPath("settings");
+  const std::string path = ScratchPath("line");
+  sim::VirtualEchosounder device({});
+  std::string error;
+  {
+    LineFile log;
+    ASSERT_TRUE(log.Create(path));
+    Binding binding(device, OpenTerminal(link, 115'200, error), {.line = &log});
+    ASSERT_NE(binding.Line(), nullptr) << error;
+    binding.Pump(0);
+    const int line = open(link.c_str(), O_RDWR | O_NOCTTY);
+    ASSERT_GE(line, 0);
+    const auto set = [&](speed_t speed, tcflag_t flow) {
+      termios state{};
+      ASSERT_EQ(tcgetattr(line, &state), 0);
+      cfsetspeed(&state, speed);
+      state.c_cflag = (state.c_cflag & ~static_cast<tcflag_t>(CRTSCTS)) | flow;
+      ASSERT_EQ(tcsetattr(line, TCSANOW, &state), 0);
+    };
+    ASSERT_EQ(write(line, "#speed 3000000\r#reset\r", 22), 22);
+    binding.Pump(1'000'000);
+    binding.Pump(2'000'000);
+    set(B3000000, CRTSCTS);
+    binding.Pump(3'000'000);
+    binding.Pump(4'000'000);
+    set(B19200, 0);
+    binding.Pump(5'000'000);
+    close(line);
+  }
+  EXPECT_EQ(Contents(path),
+            "line 0 115200 8N1 none 115200\n"
+            "line 2000000 115200 8N1 none 3000000\n"
+            "line 3000000 3000000 8N1 rtscts 3000000\n"
+            "line 5000000 19200 8N1 none 3000000\n");
+  unlink(path.c_str());
+}
+
 TEST(PseudoTerminal, NobodyReadingNeverBlocks) {
   const std::string link = ScratchPath("unread");
   sim::VirtualEchosounder device({.baud = 3'000'000, .streaming = true});
   std::string error;
-  Binding binding(device, OpenTerminal(link, 3'000'000, error), nullptr, nullptr);
+  Binding binding(device, OpenTerminal(link, 3'000'000, error), {});
   ASSERT_NE(binding.Line(), nullptr) << error;
   for (int64_t now_us = 0; now_us <= 20'000'000; now_us += 100'000) binding.Pump(now_us);
   EXPECT_GT(binding.Sent(), 700'000u);

@@ -26,6 +26,11 @@ std::string Readable(std::span<const uint8_t> bytes) {
   return text;
 }
 
+// What a receiver at another speed makes of bytes: none that means anything.
+void Garble(std::span<uint8_t> bytes) {
+  for (uint8_t& byte : bytes) byte |= 0xE0;
+}
+
 }  // namespace
 
 LineFile::~LineFile() {
@@ -44,15 +49,32 @@ void LineFile::Write(const std::string& line) {
   std::fflush(file_);  // somebody may be reading along
 }
 
-Binding::Binding(sim::VirtualInstrument& instrument, std::unique_ptr<Terminal> terminal, LineFile* received,
-                 LineFile* lost)
-    : instrument_(instrument), terminal_(std::move(terminal)), receivedFile_(received), lostFile_(lost) {}
+Binding::Binding(sim::VirtualInstrument& instrument, std::unique_ptr<Terminal> terminal,
+                 const Reports& reports, bool strict)
+    : instrument_(instrument), terminal_(std::move(terminal)), reports_(reports), strict_(strict) {}
 
 void Binding::Pump(int64_t now_us) {
   if (terminal_ == nullptr) return;
+  WatchLine(now_us);
   TakeInput(now_us);
   GiveOutput(now_us);
   if (instrument_.HungUp(now_us)) terminal_.reset();
+}
+
+void Binding::WatchLine(int64_t now_us) {
+  LineSettings now;
+  if (!terminal_->OtherEnd(now)) return;
+  static_cast<void>(instrument_.Waiting(now_us));  // a new speed may have come into force meanwhile
+  const int32_t speed = instrument_.LineSpeed();
+  noisy_ = strict_ && now.baud != speed;
+  if (now == line_ && speed == instrumentSpeed_) return;
+  line_ = now;
+  instrumentSpeed_ = speed;
+  if (reports_.line == nullptr) return;
+  char text[96];
+  FormatText(text, "line %lld %d %d%c%d %s %d", static_cast<long long>(now_us), now.baud, now.dataBits,
+             now.parity, now.stopBits, now.hardwareFlow ? "rtscts" : "none", speed);
+  reports_.line->Write(text);
 }
 
 void Binding::TakeInput(int64_t now_us) {
@@ -60,10 +82,11 @@ void Binding::TakeInput(int64_t now_us) {
   constexpr int kMostReads = 64;
   std::array<uint8_t, 4'096> bytes;
   for (int i = 0; i < kMostReads; ++i) {
-    const std::span<const uint8_t> got(bytes.data(), terminal_->Read(bytes));
+    const auto got = std::span(bytes).first(terminal_->Read(bytes));
     if (got.empty()) return;
+    if (noisy_) Garble(got);
     received_ += got.size();
-    if (receivedFile_ != nullptr) receivedFile_->Write(std::to_string(now_us) + " " + Readable(got));
+    if (reports_.received != nullptr) reports_.received->Write(std::to_string(now_us) + " " + Readable(got));
     instrument_.Receive(got, now_us);
   }
 }
@@ -71,10 +94,11 @@ void Binding::TakeInput(int64_t now_us) {
 void Binding::GiveOutput(int64_t now_us) {
   std::array<uint8_t, 4'096> bytes;
   while (const size_t count = instrument_.Send(bytes, now_us)) {
+    if (noisy_) Garble(std::span(bytes).first(count));
     const size_t taken = terminal_->Write(std::span(bytes).first(count));
-    if (taken < count && lostFile_ != nullptr) {
-      lostFile_->Write("dropped " + std::to_string(now_us) + " " + std::to_string(sent_ + taken) + " " +
-                       std::to_string(count - taken));
+    if (taken < count && reports_.lost != nullptr) {
+      reports_.lost->Write("dropped " + std::to_string(now_us) + " " + std::to_string(sent_ + taken) + " " +
+                           std::to_string(count - taken));
     }
     sent_ += count;
     dropped_ += count - taken;

@@ -1,4 +1,7 @@
 // One virtual instrument bound to one line. One thread.
+//
+// A pseudo terminal carries bytes whatever speeds its ends are set to. A strict binding makes it behave like
+// a wire: while the program's speed is not the instrument's, each side gets noise instead of bytes.
 #pragma once
 
 #include <cstdint>
@@ -27,12 +30,18 @@ class LineFile {
   std::FILE* file_ = nullptr;
 };
 
+// Where a binding reports; each may be null, and outlives the binding.
+struct Reports {
+  LineFile* received = nullptr;  // what the program sent
+  LineFile* lost = nullptr;      // what the line did not take
+  LineFile* line = nullptr;      // how the program has set up the line, and the instrument's speed
+};
+
 class Binding {
  public:
-  // All outlive the binding. What is received is written to `received`, what the line did not take to
-  // `lost`; both may be null.
-  Binding(sim::VirtualInstrument& instrument, std::unique_ptr<Terminal> terminal, LineFile* received,
-          LineFile* lost);
+  // The instrument outlives the binding.
+  Binding(sim::VirtualInstrument& instrument, std::unique_ptr<Terminal> terminal, const Reports& reports,
+          bool strict = false);
 
   // Carries bytes both ways as they stand at `now_us`. The line is given up when the instrument hangs up.
   void Pump(int64_t now_us);
@@ -48,13 +57,17 @@ class Binding {
   [[nodiscard]] uint64_t Received() const { return received_; }
 
  private:
+  void WatchLine(int64_t now_us);
   void TakeInput(int64_t now_us);
   void GiveOutput(int64_t now_us);
 
   sim::VirtualInstrument& instrument_;
   std::unique_ptr<Terminal> terminal_;
-  LineFile* receivedFile_;
-  LineFile* lostFile_;
+  Reports reports_;
+  bool strict_;
+  bool noisy_ = false;
+  LineSettings line_;
+  int32_t instrumentSpeed_ = 0;
   uint64_t sent_ = 0;  // dropped ones included: the place in the instrument's stream
   uint64_t dropped_ = 0;
   uint64_t received_ = 0;

@@ -62,6 +62,7 @@ class PingLog final : public sim::PingObserver {
 struct Bench {
   LineFile log;
   LineFile commands;
+  LineFile lineSettings;
   PingLog pings{log};
   std::optional<sim::VirtualEchosounder> sounder;
   std::optional<sim::VirtualGps> gps;
@@ -97,21 +98,23 @@ bool SetUp(const ToolOptions& options, Bench& bench) {
   if (!OpenFile(bench.log, options.logFile,
                 "# ping NUMBER TIME_US ALTITUDE_M SAMPLES FREQUENCY_HZ OFFSET BYTES HASH STATE; "
                 "dropped TIME_US OFFSET BYTES") ||
-      !OpenFile(bench.commands, options.commandFile, "# TIME_US BYTES")) {
+      !OpenFile(bench.commands, options.commandFile, "# TIME_US BYTES") ||
+      !OpenFile(bench.lineSettings, options.lineFile, "# line TIME_US BAUD FRAME FLOW DEVICE_BAUD")) {
     return false;
   }
   if (!options.device.empty()) {
     auto terminal = Open("echosounder", options.device, options.sounder.baud);
     if (terminal == nullptr) return false;
     bench.sounder.emplace(options.sounder, &bench.pings);
-    bench.sounderLine.emplace(*bench.sounder, std::move(terminal), &bench.commands, &bench.log);
+    bench.sounderLine.emplace(*bench.sounder, std::move(terminal),
+                              Reports{&bench.commands, &bench.log, &bench.lineSettings}, options.strictLine);
     bench.speed = bench.sounder->LineSpeed();
   }
   if (!options.gpsDevice.empty()) {
     auto terminal = Open("gps receiver", options.gpsDevice, options.gps.baud);
     if (terminal == nullptr) return false;
     bench.gps.emplace(options.gps);
-    bench.gpsLine.emplace(*bench.gps, std::move(terminal), nullptr, nullptr);
+    bench.gpsLine.emplace(*bench.gps, std::move(terminal), Reports{}, options.strictLine);
   }
   return true;
 }

@@ -83,6 +83,18 @@ bool ReadSilenceLength(std::string_view text, sim::InstrumentFaults& faults) {
   return ReadMoment(text, faults.silentFor_us);
 }
 
+// A version of at most two decimals, as hundredths.
+bool ReadFirmware(std::string_view text, int32_t& hundredths) {
+  double version = 0.0;
+  if (!ReadNumber(text, 0.01, 99.99, version)) return false;
+  hundredths = static_cast<int32_t>(std::lround(version * 100.0));
+  return true;
+}
+
+constexpr Choice<sim::DeviceFamily> kFamilies[] = {
+    {"1", sim::DeviceFamily::first}, {"2", sim::DeviceFamily::second}, {"0", sim::DeviceFamily::third}};
+constexpr Choice<sim::Smoothing> kSmoothings[] = {
+    {"none", sim::Smoothing::absent}, {"off", sim::Smoothing::off}, {"on", sim::Smoothing::on}};
 constexpr Choice<InterfaceWord> kInterfaces[] = {
     {"rs232", InterfaceWord::rs232}, {"rs485", InterfaceWord::rs485}, {"usb", InterfaceWord::usb}};
 constexpr Choice<PromptStyle> kPrompts[] = {{"whole", PromptStyle::whole},
@@ -123,21 +135,20 @@ constexpr OptionRow kLines[] = {
      [](O& o, V v) { return ReadText(v, o.logFile); }},
     {"--commands", "FILE", "what the echosounder received, with times",
      [](O& o, V v) { return ReadText(v, o.commandFile); }},
+    {"--line-log", "FILE", "each change of the settings that the program gives the line (not on Windows)",
+     [](O& o, V v) { return ReadText(v, o.lineFile); }},
+    {"--strict-line", "", "noise instead of bytes while the line's two ends differ in speed",
+     [](O& o, V) { return o.strictLine = true; }},
     {"--seconds", "N", "ends after N seconds instead of at SIGINT or SIGTERM",
      [](O& o, V v) { return ReadNumber(v, 0.0, 1e9, o.seconds); }},
     {"--help", "", "this text", [](O& o, V) { return o.help = true; }},
 };
 
 constexpr OptionRow kSounder[] = {
-    {"--family", "N", "device family: 1 (the only one so far)", [](O&, V v) { return v == "1"; }},
+    {"--family", "N", "device family: 1 (the default), 2 or 0",
+     [](O& o, V v) { return ReadChoice(v, kFamilies, o.sounder.family); }},
     {"--mode", "N", "output mode at power-on, by its number: 2 (10-bit text) is the default",
-     [](O& o, V v) {
-       int32_t mode = 0;
-       if (!ReadNumber(v, 0, 1'000, mode)) return false;
-       if (sim::FindStreamMode(o.sounder.family, mode) == nullptr) return false;
-       o.sounder.outputMode = mode;
-       return true;
-     }},
+     [](O& o, V v) { return ReadNumber(v, 0, 1'000, o.sounder.outputMode); }},
     {"--rate", "N", "pings a second, 1 to 50; 0 is automatic, 10 a second (the default)",
      [](O& o, V v) {
        double rate = 0.0;
@@ -161,10 +172,22 @@ constexpr OptionRow kSounder[] = {
      [](O& o, V v) { return ReadSpeed(v, o.sounder.baud); }},
     {"--delivery", "US", "bytes come in bursts, US microseconds apart; 0 one by one (1000)",
      [](O& o, V v) { return ReadNumber<int64_t>(v, 0, 1'000'000, o.sounder.delivery_us); }},
-    {"--identity", "TEXT", "its identity (VIRTUAL-0001)",
+    {"--identity", "TEXT", "its identity (VIRTUAL-0001); for families 2 and 0 a number of 1 to 9 digits (42)",
      [](O& o, V v) { return v.size() <= 95 && ReadText(v, o.sounder.identity); }},
+    {"--firmware", "N", "its firmware's version, 0.01 to 99.99 (2.10)",
+     [](O& o, V v) { return ReadFirmware(v, o.sounder.firmware_hundredths); }},
     {"--interface", "NAME", "rs232 (the default), rs485 or usb, as its information says",
      [](O& o, V v) { return ReadChoice(v, kInterfaces, o.sounder.interfaceWord); }},
+    {"--auto", "", "the automatic mode is on at power-on, and its preset 10 in force",
+     [](O& o, V) { return o.sounder.automatic = true; }},
+    {"--preset", "N", "the preset in force at power-on, 0 to 255; 255 is none (the default)",
+     [](O& o, V v) { return ReadNumber(v, 0, 255, o.sounder.preset); }},
+    {"--smoothing", "NAME", "none (the firmware knows nothing of it), off (the default) or on",
+     [](O& o, V v) { return ReadChoice(v, kSmoothings, o.sounder.smoothing); }},
+    {"--no-dual-old", "", "refuses output 9 for both frequencies",
+     [](O& o, V) { return o.sounder.refusesDualOld = true; }},
+    {"--speed-at-once", "", "a new line speed is in force at once, not from the next #reset on",
+     [](O& o, V) { return o.sounder.speedAtOnce = true; }},
     {"--low", "", "the low frequency is in use at power-on",
      [](O& o, V) { return o.sounder.lowFrequency = true; }},
     {"--dual", "", "both frequencies at power-on", [](O& o, V) { return o.sounder.dual = true; }},
@@ -242,6 +265,12 @@ constexpr OptionRow kFaults[] = {
      [](O& o, V) { return o.sounder.faults.chatter = true; }},
     {"--refuse", "KEYWORD", "answers Error to KEYWORD; may be given several times",
      [](O& o, V v) { return o.sounder.faults.refused.emplace_back(v), !v.empty(); }},
+    {"--lacks", "KEYWORD", "older firmware: Error when asked for KEYWORD or what came after it",
+     [](O& o, V v) { return ReadText(v, o.sounder.faults.lacksFrom); }},
+    {"--lacks-silently", "", "no answer at all when asked for what it lacks",
+     [](O& o, V) { return o.sounder.faults.lacksSilently = true; }},
+    {"--info-bytes", "N", "family 0: its information block is cut or padded to N bytes, 0 to 1000 (38)",
+     [](O& o, V v) { return ReadNumber(v, 0, 1'000, o.sounder.faults.informationBytes); }},
     {"--mute", "KEYWORD", "gives no answer to KEYWORD; may be given several times",
      [](O& o, V v) { return o.sounder.faults.mute.emplace_back(v), !v.empty(); }},
     {"--gps-dead", "", "the GPS receiver sends nothing",
@@ -272,6 +301,24 @@ const OptionRow* Find(std::string_view name) {
   return nullptr;
 }
 
+// What can be judged only when all arguments are known, since it depends on the family. Empty when all is
+// well.
+std::string UnsuitedToTheFamily(const sim::SounderOptions& sounder) {
+  const sim::SounderOptions made = sim::WithinBounds(sounder);
+  const std::string& lacks = sounder.faults.lacksFrom;
+  if (made.outputMode != sounder.outputMode) return "--mode cannot be " + std::to_string(sounder.outputMode);
+  if (!sounder.identity.empty() && made.identity != sounder.identity) {
+    return "--identity cannot be " + sounder.identity;
+  }
+  if (!lacks.empty() && sim::FindKeyword(sounder.family, lacks) == nullptr) {
+    return "--lacks cannot be " + lacks;
+  }
+  if (made.dual != sounder.dual || made.lowFrequency != sounder.lowFrequency) {
+    return "--dual and --low are for family 1";
+  }
+  return {};
+}
+
 }  // namespace
 
 bool ParseOptions(std::span<const char* const> arguments, ToolOptions& options, std::string& error) {
@@ -295,7 +342,8 @@ bool ParseOptions(std::span<const char* const> arguments, ToolOptions& options, 
       return false;
     }
   }
-  return true;
+  error = UnsuitedToTheFamily(options.sounder);
+  return error.empty();
 }
 
 std::string HelpText() {

@@ -10,6 +10,17 @@
 
 namespace tw::echosim {
 
+// How the program at the other end has set the line up.
+struct LineSettings {
+  int32_t baud = 0;  // 0: a speed that no device has
+  int32_t dataBits = 0;
+  char parity = '?';  // N, E or O
+  int32_t stopBits = 0;
+  bool hardwareFlow = false;  // RTS and CTS
+
+  [[nodiscard]] bool operator==(const LineSettings&) const = default;
+};
+
 class Terminal {
  public:
   virtual ~Terminal() = default;
@@ -23,12 +34,16 @@ class Terminal {
   // Sends bytes; returns how many the line took. The others are lost.
   [[nodiscard]] virtual size_t Write(std::span<const uint8_t> bytes) = 0;
 
-  // The line goes on at another speed. Of no effect where a line has none.
+  // The line goes on at another speed. Of no effect where a line has none of its own.
   virtual void SetSpeed(int32_t baud) = 0;
+
+  // False, and `settings` untouched, where this end cannot see how the other one is set up.
+  [[nodiscard]] virtual bool OtherEnd(LineSettings& settings) const = 0;
 };
 
-// Opens the line: the path that becomes a link to a new pseudo terminal, or the name of a serial port. The
-// link and the terminal vanish with the object. Null when that fails; `error` then says why.
+// Opens the line: the path that becomes a link to a new pseudo terminal, or the name of a serial port. A
+// pseudo terminal has this speed until a program sets another. The link and the terminal vanish with the
+// object. Null when that fails; `error` then says why.
 [[nodiscard]] std::unique_ptr<Terminal> OpenTerminal(const std::string& where, int32_t baud,
                                                      std::string& error);
 

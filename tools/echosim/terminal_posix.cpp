@@ -16,6 +16,34 @@
 namespace tw::echosim {
 namespace {
 
+struct Speed {
+  int32_t baud;
+  speed_t code;
+};
+constexpr Speed kSpeeds[] = {{4'800, B4800},     {9'600, B9600},       {19'200, B19200},   {38'400, B38400},
+                             {57'600, B57600},   {115'200, B115200},   {230'400, B230400}, {460'800, B460800},
+                             {921'600, B921600}, {3'000'000, B3000000}};
+
+int32_t BaudOf(speed_t code) {
+  for (const Speed& speed : kSpeeds) {
+    if (speed.code == code) return speed.baud;
+  }
+  return 0;
+}
+
+int32_t DataBitsOf(tcflag_t flags) {
+  switch (flags & CSIZE) {
+    case CS5:
+      return 5;
+    case CS6:
+      return 6;
+    case CS7:
+      return 7;
+    default:
+      return 8;
+  }
+}
+
 std::string SystemText(const std::string& what) {
   return what + ": " + std::strerror(errno);
 }
@@ -66,6 +94,19 @@ class PseudoTerminal final : public Terminal {
 
   void SetSpeed(int32_t) override {}
 
+  [[nodiscard]] bool OtherEnd(LineSettings& settings) const override {
+    termios state{};
+    if (tcgetattr(slave_, &state) != 0) return false;
+    const tcflag_t flags = state.c_cflag;
+    const char parity = (flags & PARODD) != 0 ? 'O' : 'E';
+    settings = {.baud = BaudOf(cfgetospeed(&state)),
+                .dataBits = DataBitsOf(flags),
+                .parity = (flags & PARENB) != 0 ? parity : 'N',
+                .stopBits = (flags & CSTOPB) != 0 ? 2 : 1,
+                .hardwareFlow = (flags & CRTSCTS) != 0};
+    return true;
+  }
+
  private:
   int master_;
   int slave_;
@@ -75,10 +116,13 @@ class PseudoTerminal final : public Terminal {
 
 }  // namespace
 
-std::unique_ptr<Terminal> OpenTerminal(const std::string& where, int32_t, std::string& error) {
+std::unique_ptr<Terminal> OpenTerminal(const std::string& where, int32_t baud, std::string& error) {
   termios raw{};
   cfmakeraw(&raw);
   raw.c_cflag |= CREAD | CLOCAL;
+  for (const Speed& speed : kSpeeds) {
+    if (speed.baud == baud) cfsetspeed(&raw, speed.code);
+  }
   int master = -1;
   int slave = -1;
   if (openpty(&master, &slave, nullptr, &raw, nullptr) != 0) {

@@ -43,6 +43,8 @@ class SerialPort final : public Terminal {
     line_ = OpenLine(name_, baud);
   }
 
+  [[nodiscard]] bool OtherEnd(LineSettings&) const override { return false; }
+
  private:
   Handle line_;
   std::string name_;

@@ -18,6 +18,7 @@
 #include "base/text_format.h"
 #include "platform/host/documents_folder.h"
 #include "platform/host/fault_points.h"
+#include "platform/host/file_sink.h"
 #include "platform/host/handle_table.h"
 #include "platform/host/last_error.h"
 #include "platform/system_error.h"
@@ -31,7 +32,9 @@ struct OpenFile {
   ino_t node = 0;
   bool writes = false;
   bool sharesWriting = false;
-  std::wstring path;  // as it was named when it was opened
+  std::wstring path;         // as it was named when it was opened
+  FileSink* sink = nullptr;  // takes what is written, if that is not kept
+  uint64_t sunk = 0;         // bytes that it has taken
 
   OpenFile() = default;
   OpenFile(const OpenFile&) = delete;
@@ -44,6 +47,20 @@ struct OpenFile {
 HandleTable<OpenFile>& Files() {
   static auto* const table = new HandleTable<OpenFile>(HandleKind::file);
   return *table;
+}
+
+struct SunkFolder {
+  std::wstring path;
+  FileSink* sink = nullptr;
+};
+
+SunkFolder& Sunk() {
+  static auto* const folder = new SunkFolder;
+  return *folder;
+}
+
+[[nodiscard]] FileSink* SinkOf(std::wstring_view path) {
+  return Sunk().sink != nullptr && path.starts_with(Sunk().path) ? Sunk().sink : nullptr;
 }
 
 // Held from the look at who has a file open to the open itself.
@@ -122,10 +139,20 @@ class HostPath {
   return FaultAt(point, file->path, taken) ? nullptr : file;
 }
 
+void Sink(OpenFile& file, std::span<const uint8_t> bytes) {
+  file.sink->Written(file.path, file.sunk, bytes);
+  file.sunk += bytes.size();
+}
+
 // Writes until all is written or the system takes no more; `written` says how much.
-[[nodiscard]] bool WriteAll(int descriptor, const uint8_t* bytes, uint32_t size, uint32_t& written) {
+[[nodiscard]] bool WriteAll(OpenFile& file, const uint8_t* bytes, uint32_t size, uint32_t& written) {
+  if (file.sink != nullptr) {
+    Sink(file, {bytes, size});
+    written = size;
+    return true;
+  }
   while (written < size) {
-    const ssize_t put = ::write(descriptor, bytes + written, size - written);
+    const ssize_t put = ::write(file.descriptor, bytes + written, size - written);
     if (put < 0 && errno == EINTR) continue;
     if (put <= 0) return put < 0 ? FailWithErrno() : FailWith(ENOSPC);
     written += static_cast<uint32_t>(put);
@@ -142,7 +169,9 @@ std::string& DocumentsSetting() {
 
 Handle CreateFileAnew(const wchar_t* path) {
   if (FaultAt(FaultPoint::createFile, path)) return Handle::invalid;
-  return OpenAs(path, O_RDWR | O_CREAT | O_TRUNC, true, false);
+  const Handle handle = OpenAs(path, O_RDWR | O_CREAT | O_TRUNC, true, false);
+  if (handle != Handle::invalid) Files().Find(handle)->sink = SinkOf(path);
+  return handle;
 }
 
 Handle OpenFileForReading(const wchar_t* path, WriteSharing sharing) {
@@ -170,12 +199,11 @@ bool WriteFileBytes(Handle handle, const void* bytes, uint32_t size, uint32_t& w
   const std::shared_ptr<OpenFile> file = FileFor(handle, FaultPoint::writeFile, &taken);
   if (file != nullptr) {
     const uint32_t room = TakeDiskSpace(size);
-    return WriteAll(file->descriptor, from, room, written) && (room == size || FailWith(ENOSPC));
+    return WriteAll(*file, from, room, written) && (room == size || FailWith(ENOSPC));
   }
   const uint32_t code = LastSystemError();
   const std::shared_ptr<OpenFile> failing = taken != 0 ? Files().Find(handle) : nullptr;
-  if (failing != nullptr && !WriteAll(failing->descriptor, from, std::min(taken, size), written))
-    return false;
+  if (failing != nullptr && !WriteAll(*failing, from, std::min(taken, size), written)) return false;
   SetSystemError(code);
   return false;
 }
@@ -184,12 +212,17 @@ bool SeekFile(Handle handle, uint64_t position) {
   const std::shared_ptr<OpenFile> file = FileFor(handle, FaultPoint::seekFile);
   if (file == nullptr) return false;
   if (position > INT64_MAX) return FailWith(EINVAL);
+  if (file->sink != nullptr) return position == file->sunk || FailWith(EOPNOTSUPP);
   return lseek(file->descriptor, static_cast<off_t>(position), SEEK_SET) >= 0 || FailWithErrno();
 }
 
 bool FilePosition(Handle handle, uint64_t& position) {
   const std::shared_ptr<OpenFile> file = FileFor(handle, FaultPoint::seekFile);
   if (file == nullptr) return false;
+  if (file->sink != nullptr) {
+    position = file->sunk;
+    return true;
+  }
   const off_t at = lseek(file->descriptor, 0, SEEK_CUR);
   if (at < 0) return FailWithErrno();
   position = static_cast<uint64_t>(at);
@@ -199,6 +232,10 @@ bool FilePosition(Handle handle, uint64_t& position) {
 bool FileSize(Handle handle, uint64_t& size) {
   const std::shared_ptr<OpenFile> file = FileFor(handle, FaultPoint::seekFile);
   if (file == nullptr) return false;
+  if (file->sink != nullptr) {
+    size = file->sunk;
+    return true;
+  }
   struct stat info {};
   if (fstat(file->descriptor, &info) != 0) return FailWithErrno();
   size = static_cast<uint64_t>(info.st_size);
@@ -209,6 +246,7 @@ bool TruncateFile(Handle handle, uint64_t size) {
   const std::shared_ptr<OpenFile> file = FileFor(handle, FaultPoint::truncateFile);
   if (file == nullptr) return false;
   if (size > INT64_MAX) return FailWith(EINVAL);
+  if (file->sink != nullptr) return size == file->sunk || FailWith(EOPNOTSUPP);
   const auto end = static_cast<off_t>(size);
   if (ftruncate(file->descriptor, end) != 0) return FailWithErrno();
   return lseek(file->descriptor, end, SEEK_SET) >= 0 || FailWithErrno();
@@ -254,6 +292,10 @@ bool RenameFile(const wchar_t* from, const wchar_t* to) {
   const std::lock_guard held(OpenMutex());
   if (!IsFree(hostFrom.Get()) || !IsFree(hostTo.Get())) return false;
   return rename(hostFrom.Get(), hostTo.Get()) == 0 || FailWithErrno();
+}
+
+void SinkFiles(const wchar_t* folder, FileSink* sink) {
+  Sunk() = {folder != nullptr ? folder : L"", sink};
 }
 
 bool IsFolder(const wchar_t* path) {

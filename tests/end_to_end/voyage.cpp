@@ -1,0 +1,302 @@
+#include "tests/end_to_end/voyage.h"
+
+#include <algorithm>
+#include <iterator>
+
+#include "acquisition/output_mode.h"
+#include "acquisition/ping_record.h"
+#include "app/family_controls.h"
+#include "app/run_control.h"
+#include "base/bytes.h"
+#include "base/shared_value.h"
+#include "platform/clock.h"
+#include "platform/host/virtual_clock.h"
+#include "platform/memory.h"
+
+namespace tw::test {
+namespace {
+
+constexpr int64_t kSecond_us = 1'000'000;
+constexpr int64_t kDelivery_us = 20'000;
+// A ping that ended longer ago has been recorded, if it is ever to be.
+constexpr int64_t kOnItsWay_us = 50'000;
+constexpr size_t kRepeat = 4;            // a sample on the grid: the device samples at 25,000 Hz
+constexpr int32_t kSilenceLimit_s = 60;  // of the program
+constexpr int32_t kRingFilled_s = 1'100;
+
+uint64_t Fnv(std::string_view bytes, uint64_t hash) {
+  for (const char byte : bytes) hash = (hash ^ static_cast<uint8_t>(byte)) * 0x100000001B3u;
+  return hash;
+}
+constexpr uint64_t kFnvBegin = 0xCBF29CE484222325u;
+
+// Splits off what stands before the position; empty when there is none.
+std::string_view TakeMessage(std::string_view& record) {
+  if (record.starts_with("#F ")) record.remove_prefix(std::min(record.find("$SDZDA"), record.size()));
+  const size_t position = record.rfind("$GPGGA,");
+  if (position == record.npos) return {};
+  const std::string_view message = record.substr(0, position);
+  record.remove_prefix(position);
+  return message;
+}
+
+// "$GPGGA,time,latitude,N,longitude,E,quality,..."
+bool HasFix(std::string_view gga) {
+  for (int field = 0; field < 6; ++field) gga.remove_prefix(std::min(gga.find(',') + 1, gga.size()));
+  return !gga.empty() && gga[0] > '0';
+}
+
+}  // namespace
+
+// A line that can be cut, and be mended again.
+class LossyPeer final : public SimulatorPeer {
+ public:
+  using SimulatorPeer::SimulatorPeer;
+  enum class Link : uint8_t { up, silent, hungUp };
+  Link link = Link::up;
+
+  bool Open(const char* mode) override {
+    Discard(VirtualNow_us());
+    return link != Link::hungUp && SimulatorPeer::Open(mode);
+  }
+  void Receive(std::span<const uint8_t> bytes, int64_t now_us) override {
+    if (link == Link::up) SimulatorPeer::Receive(bytes, now_us);
+  }
+  size_t Send(std::span<uint8_t> out, int64_t now_us) override {
+    if (link == Link::up) return SimulatorPeer::Send(out, now_us);
+    Discard(now_us);
+    return 0;
+  }
+  size_t Waiting(int64_t now_us) override { return link == Link::up ? SimulatorPeer::Waiting(now_us) : 0; }
+  bool HungUp(int64_t) override { return link == Link::hungUp; }
+
+ private:
+  void Discard(int64_t now_us) {
+    uint8_t scrap[4'096];
+    while (SimulatorPeer::Send(scrap, now_us) > 0) {
+    }
+  }
+};
+
+// The log.
+
+void VoyageLog::PingMade(const sim::SentPing& ping, std::span<const uint16_t> samples) {
+  ++figures.sent;
+  ++leaving_;
+  pending_.push_back({ping, {samples.begin(), samples.end()}, kNever, excuse_});
+}
+
+// Pings end in their order.
+void VoyageLog::PingEnded(const sim::SentPing& ping) {
+  Ping& ended = pending_[pending_.size() - leaving_--];
+  ended.sent = ping;
+  ended.ended_us = VirtualNow_us();
+}
+
+void VoyageLog::Open(Excuse excuse) {
+  excuse_ = excuse;
+  for (Ping& ping : pending_) {
+    const bool onItsWay = ping.ended_us == kNever || ping.ended_us + kOnItsWay_us >= VirtualNow_us();
+    if (ping.excuse == Excuse::none && onItsWay) ping.excuse = excuse;
+  }
+}
+
+void VoyageLog::Finish() {
+  for (const Ping& ping : pending_) Lose(ping);
+  pending_.clear();
+  leaving_ = 0;
+}
+
+void VoyageLog::Fail(const std::string& what) {
+  if (firstFailure.empty()) firstFailure = what + ", at " + std::to_string(VirtualNow_us()) + " us";
+}
+
+void VoyageLog::Lose(const Ping& ping) {
+  ++figures.lost[static_cast<size_t>(ping.excuse)];
+  if (ping.excuse == Excuse::none) Fail("ping " + std::to_string(ping.sent.number) + " was not recorded");
+}
+
+void VoyageLog::Written(std::wstring_view, uint64_t offset, std::span<const uint8_t> bytes) {
+  const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+  figures.bytes += bytes.size();
+  figures.hash = Fnv(text, offset == 0 && figures.files == 0 ? kFnvBegin : figures.hash);
+  if (offset != 0) return TakeRecord(text);
+  ++figures.files;
+  if (!text.starts_with("INFO:1,")) Fail("a file without settings");
+}
+
+bool VoyageLog::Holds(std::string_view record, const Ping& ping) {
+  if (!record.starts_with("TR57")) {
+    const std::string_view message = TakeMessage(record);
+    if (message.size() != ping.sent.size) return false;
+    return sim::HashOf({reinterpret_cast<const uint8_t*>(message.data()), message.size()}) == ping.sent.hash;
+  }
+  const auto* frame = reinterpret_cast<const uint8_t*>(record.data());
+  const PingHeader header = LoadPingHeader(frame);
+  const sim::SentPing& sent = ping.sent;
+  if (header.ping != sent.number || header.altitude_m != sent.altitude_m ||
+      header.temperature_c != sent.temperature_c || header.pitch_deg != sent.pitch_deg ||
+      header.roll_deg != sent.roll_deg || header.txFrequency_hz != sent.txFrequency_hz ||
+      header.deviceSeconds != sent.deviceTime_s || record.size() != 88 + 2 * kRepeat * ping.samples.size()) {
+    return false;
+  }
+  for (size_t i = 0; i < kRepeat * ping.samples.size(); ++i) {
+    if (LoadLe<uint16_t>(frame + 88 + 2 * i) != ping.samples[i / kRepeat]) return false;
+  }
+  return true;
+}
+
+// Lines have no numbers: one that is excused may look like the next one, which is not and so comes first.
+void VoyageLog::TakeRecord(std::string_view record) {
+  size_t match = pending_.size();
+  for (size_t i = 0; i < pending_.size(); ++i) {
+    const bool owed = pending_[i].excuse == Excuse::none;
+    if ((owed || match == pending_.size()) && Holds(record, pending_[i])) match = i;
+    if (owed) break;
+  }
+  if (match == pending_.size()) {
+    ++figures.unexpected;
+    return Fail("a record that is no ping: " + std::string(record.substr(0, 80)));
+  }
+  std::for_each_n(pending_.begin(), match, [this](const Ping& ping) { Lose(ping); });
+  const bool hasFix = record.starts_with("TR57")
+                          ? LoadPingHeader(reinterpret_cast<const uint8_t*>(record.data())).gpsValid == 1
+                          : (static_cast<void>(TakeMessage(record)), HasFix(record));
+  figures.withPosition += hasFix ? 1 : 0;
+  ++figures.recorded;
+  pending_.erase(pending_.begin(), pending_.begin() + static_cast<std::ptrdiff_t>(match) + 1);
+  leaving_ = std::min(leaving_, pending_.size());
+}
+
+// The voyage.
+
+Voyage::Voyage() {
+  SinkFiles(folder_.wstring().c_str(), &log_);
+}
+
+Voyage::~Voyage() {
+  StopRun(*state_);
+  SinkFiles(nullptr, nullptr);
+}
+
+int32_t Voyage::Draw(int32_t least, int32_t most) {
+  draws_ = draws_ * 6'364'136'223'846'793'005u + 1'442'695'040'888'963'407u;
+  return least + static_cast<int32_t>((draws_ >> 33) % static_cast<uint64_t>(most - least + 1));
+}
+
+void Voyage::Begin() {
+  sim::SounderOptions options = QuickSounder();
+  options.delivery_us = kDelivery_us;
+  options.outputMode = 4;
+  ConnectSounder(options, &log_);
+  peer_ = std::make_unique<LossyPeer>(*sounder_);
+  AttachPeer(kDeviceLine, peer_.get());
+  ConnectGps({.delivery_us = 100'000});
+  ChooseGps();
+  Ui().controls[ID_RECORD].checked = true;
+}
+
+void Voyage::Start() {
+  StartRun(*state_);
+  EXPECT_TRUE(Ui().boxes.empty()) << "a box at Start";
+  log_.Close();
+}
+
+void Voyage::ForgetPosts() {
+  for (auto& posts : Ui().posts) posts.clear();
+  Ui().pointers.clear();
+  Ui().boxes.clear();
+}
+
+void Voyage::Leg(int32_t seconds) {
+  for (int32_t i = 0; i < seconds; ++i) {
+    SleepMilliseconds(1'000);
+    HandleTimer(*state_, ID_TIMER_REPAINT);
+    if (Ui().timers.contains(ID_TIMER_LINK)) HandleTimer(*state_, ID_TIMER_LINK);
+  }
+}
+
+// The program finds out, ends the run, and is started again when the link is back.
+void Voyage::HangUp() {
+  ++log_.figures.hangUps;
+  log_.Open(Excuse::linkDown);
+  peer_->link = LossyPeer::Link::hungUp;
+  Leg(Draw(3, 120));
+  ExpectBox(L"Connection lost!", L"Error", BoxIcon::error);
+  Ui().boxes.clear();
+  peer_->link = LossyPeer::Link::up;
+  Start();
+}
+
+// A short silence passes; a long one ends the run.
+void Voyage::FallSilent() {
+  ++log_.figures.silences;
+  log_.Open(Excuse::linkDown);
+  peer_->link = LossyPeer::Link::silent;
+  const int32_t seconds = Draw(1, 2) == 1 ? Draw(1, kSilenceLimit_s - 5) : kSilenceLimit_s + Draw(5, 30);
+  Leg(seconds);
+  peer_->link = LossyPeer::Link::up;
+  if (seconds > kSilenceLimit_s) {
+    ExpectBox(L"Connection lost!", L"Error", BoxIcon::error);
+    Ui().boxes.clear();
+    return Start();
+  }
+  SleepMilliseconds(300);  // a ping that was torn may take the next one with it
+  log_.Close();
+}
+
+void Voyage::ApplyAnotherMode() {
+  constexpr int32_t kModes[] = {4, 2, 100, 101, 3, 1, 6, 7, 8, 9};
+  ++log_.figures.applies;
+  int32_t mode = state_->settings.outputMode;
+  while (mode == state_->settings.outputMode) mode = kModes[Draw(0, std::size(kModes) - 1)];
+  Ui().Choose(ID_OUTPUT, std::wstring(NameOfMode(1, mode)));
+  TakeSettingsChoice(*state_, ID_OUTPUT);
+  log_.Open(Excuse::apply);
+  ApplySettings(*state_);
+  log_.Close();
+  EXPECT_TRUE(Ui().boxes.empty()) << "a box at Apply";
+  EXPECT_EQ(state_->appliedSettings.outputMode, mode);
+}
+
+void Voyage::SetRecording(bool on) {
+  Ui().controls[ID_RECORD].checked = on;
+  ToggleRecording(*state_);
+}
+
+void Voyage::PauseRecording() {
+  ++log_.figures.pauses;
+  log_.Open(Excuse::recordingOff);
+  SetRecording(false);
+  Leg(Draw(1, 60));
+  SetRecording(true);
+  log_.Close();
+}
+
+VoyageFigures Voyage::Sail(const VoyagePlan& plan) {
+  draws_ = plan.seed;
+  Begin();
+  Start();
+  const auto sailed_s = [] { return VirtualNow_us() / kSecond_us; };
+  while (sailed_s() < plan.duration_s && !HasFailure() && log_.firstFailure.empty()) {
+    Leg(Draw(plan.shortestLeg_s, plan.longestLeg_s));
+    using Event = void (Voyage::*)();
+    constexpr Event kEvents[] = {&Voyage::HangUp, &Voyage::FallSilent, &Voyage::ApplyAnotherMode,
+                                 &Voyage::ApplyAnotherMode, &Voyage::PauseRecording};
+    (this->*kEvents[Draw(0, std::size(kEvents) - 1)])();
+    ForgetPosts();
+    if (log_.figures.residentEarly == 0 && sailed_s() >= kRingFilled_s) {
+      log_.figures.residentEarly = ResidentBytes();
+    }
+  }
+  log_.figures.residentAtEnd = ResidentBytes();
+  log_.Open(Excuse::stop);
+  StopRun(*state_);
+  log_.Finish();
+  EXPECT_EQ(log_.firstFailure, "");
+  EXPECT_EQ(log_.figures.unexpected, 0u);
+  EXPECT_EQ(log_.figures.lost[static_cast<size_t>(Excuse::none)], 0u);
+  return log_.figures;
+}
+
+}  // namespace tw::test
