@@ -1,6 +1,9 @@
 // The settings dialogs of a running device: filled in with good and bad values, and what the device makes of
 // it.
 #include <gtest/gtest.h>
+#include <windows.h>
+// Needs the types of windows.h.
+#include <commctrl.h>
 
 #include <optional>
 
@@ -150,6 +153,36 @@ TEST_F(SingleSettings, TheRangeSelectorIsHeededByItself) {
   program_->Select(ID_RANGE, L"50");
   EXPECT_TRUE(WaitUntil([this] { return folder_.Files().size() == 2; }, 10)) << "Apply begins a fresh file";
   EXPECT_EQ(Open().Value(L"Range [m]"), L"50");
+}
+
+// A recording that has just been made, played: the file's settings, which cannot be changed.
+TEST_F(SingleSettings, APlayedFilesSettingsAreShownDisabled) {
+  ASSERT_TRUE(WaitUntil([this] { return program_->Status(3).starts_with(L"File size: "); }, kStart_s));
+  Sleep(2000);  // some pings
+  const std::wstring interval = program_->Text(ID_INTERVAL);
+  program_->Click(ID_STOP);
+  ASSERT_TRUE(WaitUntil([this] { return program_->IsEnabled(ID_START); }, kStart_s));
+  program_->Click(ID_PLAYBACK);
+  const HWND files = program_->FindDialog(20);
+  ASSERT_NE(files, nullptr);
+  constexpr int kName = 1148;
+  const auto edit = reinterpret_cast<HWND>(SendDlgItemMessageW(files, kName, CBEM_GETEDITCONTROL, 0, 0));
+  SendMessageW(edit, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(folder_.Files().front().c_str()));
+  PostMessageW(files, WM_COMMAND, IDOK, 0);
+  ASSERT_TRUE(WaitUntil([&] { return !IsWindow(files) && program_->IsEnabled(ID_SHOW_SETTINGS); }, 20));
+  program_->Click(ID_SHOW_SETTINGS);
+  const Dialog dialog(*program_);
+  EXPECT_EQ(dialog.Caption(), L"Settings (Single)");
+  ExpectWellMade(dialog);
+  SavePicture(dialog.Window(), "settings-played");
+  EXPECT_EQ(dialog.Value(L"Ping interval [s]"), interval);
+  for (const ControlPlace& control : dialog.Controls()) {
+    const bool isField = control.className == L"Edit" || control.className == L"ComboBox";
+    EXPECT_EQ(IsWindowEnabled(control.window) != FALSE, !isField) << control.id;
+  }
+  dialog.Press(VK_ESCAPE);
+  EXPECT_TRUE(dialog.CloseHasCome());
+  EXPECT_EQ(program_->Exit(), 0);
 }
 
 TEST_F(DualSettings, BothChannelsStandSideBySide) {
