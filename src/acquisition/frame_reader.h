@@ -12,9 +12,9 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <span>
 #include <string_view>
-#include <vector>
 
 #include "acquisition/mark_hunt.h"
 #include "acquisition/stream_reader.h"
@@ -44,7 +44,7 @@ class FrameReader final : public StreamReader {
 
   // From the magic through the last sample, as it stood in the stream.
   [[nodiscard]] std::string_view Block() const override {
-    return {reinterpret_cast<const char*>(buffer_.data()), length_};
+    return {reinterpret_cast<const char*>(buffer_.get()), length_};
   }
 
  private:
@@ -55,7 +55,7 @@ class FrameReader final : public StreamReader {
   const FrameFormat& format_;
   const int32_t channels_;
   MarkHunt hunt_;
-  std::vector<uint8_t> buffer_;
+  const std::unique_ptr<uint8_t[]> buffer_;
   size_t length_ = 0;
   size_t needed_ = 0;
   bool collecting_ = false;

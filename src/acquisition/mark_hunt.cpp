@@ -4,6 +4,17 @@
 
 namespace tw {
 
+// How much of the mark the bytes that matched so far and this one end with.
+size_t MarkHunt::MatchedWith(uint8_t byte) const {
+  const std::string_view matched = mark_.substr(0, matched_);
+  for (size_t length = matched_ + 1; length > 0; --length) {
+    if (byte == static_cast<uint8_t>(mark_[length - 1]) && matched.ends_with(mark_.substr(0, length - 1))) {
+      return length;
+    }
+  }
+  return 0;
+}
+
 bool MarkHunt::Take(std::span<const uint8_t>& input) {
   const auto first = static_cast<uint8_t>(mark_[0]);
   while (!input.empty()) {
@@ -17,11 +28,7 @@ bool MarkHunt::Take(std::span<const uint8_t>& input) {
     }
     const uint8_t byte = input[0];
     input = input.subspan(1);
-    if (byte == static_cast<uint8_t>(mark_[matched_])) {
-      ++matched_;
-    } else {
-      matched_ = byte == first ? 1 : 0;
-    }
+    matched_ = MatchedWith(byte);
     if (matched_ == mark_.size()) {
       matched_ = 0;
       return true;

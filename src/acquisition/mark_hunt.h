@@ -1,6 +1,7 @@
 // Looks for the one mark that blocks or frames of a kind begin with; where there are several to choose from,
-// see start_hunt.h. A mismatch restarts the comparison, counting the byte as a first match when it equals the
-// mark's first byte. A pure state machine; one thread at a time.
+// see start_hunt.h. A mismatch restarts the comparison with as many of the latest bytes as can begin the
+// mark, so that a mark is found wherever it stands: right behind a piece of itself too. A pure state machine;
+// one thread at a time.
 #pragma once
 
 #include <cstddef>
@@ -19,10 +20,9 @@ class MarkHunt {
   // one) or the input is used up.
   [[nodiscard]] bool Take(std::span<const uint8_t>& input);
 
-  // Forgets a mark that has begun.
-  void Reset() { matched_ = 0; }
-
  private:
+  [[nodiscard]] size_t MatchedWith(uint8_t byte) const;
+
   std::string_view mark_;
   size_t matched_ = 0;
 };

@@ -14,7 +14,6 @@ namespace tw {
 
 inline constexpr int32_t kRingSlots = 10'000;
 inline constexpr size_t kSlotSize = 60'000;
-inline constexpr size_t kRingSize = size_t{kRingSlots} * kSlotSize;
 inline constexpr uint32_t kTick_ms = 100;
 
 inline constexpr uint32_t kGridFrequency_hz = 100'000;
@@ -25,6 +24,11 @@ static_assert(kSlotSamples == 728 && kMaxSlotSamples == 29'636);
 
 struct PingRing {
   uint8_t slots[kRingSlots][kSlotSize];
+  // Shared: whoever writes a slot raises its stamp before and after, so it is odd meanwhile. An even stamp
+  // that has not changed says that the slot has not either.
+  uint32_t stamps[kRingSlots];
 };
+
+inline constexpr size_t kRingSize = sizeof(PingRing);
 
 }  // namespace tw

@@ -5,6 +5,7 @@
 
 #include "acquisition/sample_grid.h"
 #include "base/bytes.h"
+#include "base/shared_value.h"
 
 namespace tw {
 namespace {
@@ -24,7 +25,10 @@ __attribute__((no_sanitize("thread"))) void CopyToSlot(uint8_t* slot, const uint
 
 void FillSlot(RingWriter& writer, int32_t index, const SlotImage& image) {
   uint16_t& reach = writer.reach[index];
+  uint32_t& stamp = writer.ring->stamps[index];
+  StoreShared(stamp, stamp + 1);
   CopyToSlot(writer.ring->slots[index], image.bytes, image.reach, reach);
+  StoreShared(stamp, stamp + 1);
   reach = static_cast<uint16_t>(image.reach);
 }
 

@@ -119,19 +119,18 @@ void TakeSettings(AppState& state, const Detected& told) {
   state.displayRangeLower = state.displayRangeUpper;
 }
 
-void TakeSecondSettings(AppState& state, const Detected& told) {
-  if (!told.info) return;
-  state.displayRangeLower = RangeInMillimetres(told.info->range_mm);
-  state.settings.rangeLow_mm = told.info->range_mm;
-  state.settings.lowFrequency_hz = told.info->frequency_hz;
-  state.settings.thresholdLow_percent = told.info->threshold_percent;
+// The low channel's: the second line of a file of both channels, or the line of a pair's second file.
+void TakeLowSettings(AppState& state, const std::optional<InfoLine>& low) {
+  if (!low) return;
+  ApplyLowInfoLine(*low, state.settings);
+  state.displayRangeLower = RangeInMillimetres(low->range_mm);
 }
 
 void BeginPlayback(AppState& state, Candidate& a, Candidate* b) {
   BeginFileRun(state);
   StoreShared(state.conversionKind, 0);
   TakeSettings(state, *a.told);
-  if (b != nullptr) TakeSecondSettings(state, *b->told);
+  TakeLowSettings(state, b != nullptr ? b->told->info : a.told->low);
   StoreShared(globals.dualMode, b != nullptr || a.told->channels > 1 ? 1 : 0);
   StoreShared(globals.playedFrequencyA_hz, 0);
   StoreShared(globals.playedFrequencyB_hz, 0);

@@ -166,4 +166,17 @@ void ApplyInfoLine(const InfoLine& info, DeviceSettings& settings) {
   settings.outputMode = binary ? kPlayedBinaryMode : info.outputMode;
 }
 
+void ApplyLowInfoLine(const InfoLine& info, DeviceSettings& settings) {
+  settings.lowFrequency_hz = info.frequency_hz;
+  settings.rangeLow_mm = info.range_mm;
+  settings.txLengthLow = info.txLength;
+  settings.gainLow = info.gain;
+  settings.tvgSpreadingLow = info.tvgSpreading;
+  settings.tvgAbsorptionLow = info.tvgAbsorption;
+  settings.attenuationLow = info.attenuation;
+  settings.deadZoneLow_mm = info.deadZone_mm;
+  settings.offsetLow_mm = info.offset_mm;
+  settings.thresholdLow_percent = info.threshold_percent;
+}
+
 }  // namespace tw

@@ -54,4 +54,7 @@ void WriteInfoLine(const AppState& state, Handle& file, int32_t channelFrequency
 // Takes a line that was read over into the settings: the high values; output modes 100 and 101 become 102.
 void ApplyInfoLine(const InfoLine& info, DeviceSettings& settings);
 
+// Takes the line of a dual recording's low channel over: its frequency, and what each channel has of its own.
+void ApplyLowInfoLine(const InfoLine& info, DeviceSettings& settings);
+
 }  // namespace tw

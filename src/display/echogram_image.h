@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 
 #include "display/canvas.h"
 #include "display/palette.h"
@@ -14,9 +15,12 @@ namespace tw {
 
 inline constexpr uint16_t kFirstVisibleAmplitude = 64;
 
-// The pixel of each amplitude: black below kFirstVisibleAmplitude, else the palette's entry.
+// The pixel of each 16-bit sample: black below kFirstVisibleAmplitude, else the palette's entry; the last one
+// stands for all samples beyond kMaxAmplitude too, so that nothing has to be compared while a column is
+// painted.
+inline constexpr size_t kSampleValues = 65'536;
 struct AmplitudeColours {
-  Pixel pixels[kPaletteEntries];
+  Pixel pixels[kSampleValues];
 };
 
 void BuildAmplitudeColours(const DisplayPalette& palette, AmplitudeColours& colours);
@@ -29,13 +33,26 @@ struct EchogramScale {
   float soundSpeed_mps;
 };
 
-inline constexpr int32_t kTileColumns = 16;
-inline constexpr int32_t kBandRows = 2'048;
+// A slot to be painted, and the column of a canvas that it goes to.
+struct ColumnJob {
+  int32_t slot;
+  int32_t column;
+};
 
-// Work memory of RenderEchogram; its content means nothing between calls.
+inline constexpr int32_t kTileColumns = 16;
+struct EchogramTile {
+  SlotSamples samples[kTileColumns];
+  int32_t columns[kTileColumns];
+};
+
+inline constexpr int32_t kBandRows = 2'048;
+inline constexpr int32_t kMaxJobs = 4'096;
+
+// Work memory of the functions below; its content means nothing between calls.
 struct EchogramScratch {
-  uint32_t offsets[kBandRows];           // of each row's sample, in bytes
-  SlotSamples columns[2][kTileColumns];  // of the tile being painted and of the next one
+  uint32_t offsets[kBandRows];  // of each row's sample, in bytes
+  EchogramTile tiles[2];        // the one being painted and the next one
+  ColumnJob jobs[kMaxJobs];
 };
 
 // The slot that column x of an image `width` columns wide shows: the rightmost shows the newest less one
@@ -50,6 +67,11 @@ struct EchogramScratch {
 // The sample, with its fraction, at row y (which may have one too) of an image `height` rows high. Only for a
 // scale that is drawable; may be infinite.
 [[nodiscard]] double SamplePosition(double y, const EchogramScale& scale, int32_t height);
+
+// Paints slots into columns of a canvas; rows without a sample stay as they are. Returns how many rows, from
+// the top, have one. The scale must be drawable for the canvas' height.
+int32_t RenderColumns(const PingRing& ring, std::span<const ColumnJob> jobs, const EchogramScale& scale,
+                      const AmplitudeColours& colours, EchogramScratch& scratch, const Canvas& canvas);
 
 // Fills the whole image. A row whose sample lies beyond the slot, and all of an image whose scale cannot be
 // drawn, is black.

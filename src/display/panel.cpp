@@ -122,7 +122,7 @@ void DrawPanel(const PanelSource& source, const PanelLayout& layout, PanelScratc
   DrawFrame(canvas, layout.profile);
   const Canvas image = Part(canvas, layout.image);
   if (source.ring != nullptr && source.hasEchogram) {
-    RenderEchogram(*source.ring, source.scale, scratch.colours, scratch.image, image);
+    scratch.kept.Render(*source.ring, source.scale, scratch.colours, scratch.image, image);
   } else {
     if (source.ring != nullptr) DrawAltitudes(source, layout, canvas);
     FillRect(canvas, layout.image, kBlack);

@@ -7,6 +7,7 @@
 #include "app/app_state.h"
 #include "display/canvas.h"
 #include "display/echogram_image.h"
+#include "display/kept_echogram.h"
 #include "display/layout.h"
 #include "display/marks_overlay.h"
 #include "display/profile.h"
@@ -31,11 +32,12 @@ struct PanelSource {
 // The device range that limits the zoom of a panel, in mm.
 [[nodiscard]] int32_t DeviceRangeOf(const DeviceSettings& settings, PanelPlace place);
 
-// Work memory for painting; kept between paints.
+// Work memory of one panel, kept between paints: its rendered columns and what is used up in each paint.
 struct PanelScratch {
   AmplitudeColours colours;
   EchogramScratch image;
   ProfileScratch profile;
+  KeptEchogram kept;
 };
 
 // Draws all of the panel but its texts. The canvas is the whole client area; what stood in the panel before

@@ -19,9 +19,8 @@ SHARED_BYTES void CopySlotBytes(const uint8_t* slot, size_t size, uint8_t* copy)
   for (size_t i = 0; i < size; ++i) copy[i] = slot[i];
 }
 
-SHARED_BYTES inline uint32_t AmplitudeAt(const uint8_t* sample) {
-  const auto amplitude = static_cast<uint32_t>(sample[0] | sample[1] << 8);
-  return amplitude > kMaxAmplitude ? kMaxAmplitude : amplitude;
+SHARED_BYTES inline size_t SampleAt(const uint8_t* sample) {
+  return static_cast<size_t>(sample[0] | sample[1] << 8);
 }
 
 }  // namespace
@@ -49,24 +48,28 @@ SlotSamples FindSamples(const uint8_t* slot) {
   return {slot + start, std::min((kSlotSize - start) / 2, kMaxSlotSamples)};
 }
 
-SHARED_BYTES void PaintColumns(const SlotSamples (&slots)[kGroupColumns], const uint32_t* offsets,
+SHARED_BYTES void PaintColumns(const SlotSamples* slots, const int32_t* columns, const uint32_t* offsets,
                                int32_t rows, const Pixel* pixels, Pixel* out, ptrdiff_t stride) {
   const uint8_t* const a = slots[0].first;
   const uint8_t* const b = slots[1].first;
   const uint8_t* const c = slots[2].first;
   const uint8_t* const d = slots[3].first;
+  const ptrdiff_t toB = columns[1] - columns[0];
+  const ptrdiff_t toC = columns[2] - columns[0];
+  const ptrdiff_t toD = columns[3] - columns[0];
+  out += columns[0];
   for (int32_t i = 0; i < rows; ++i, out += stride) {
     const size_t at = offsets[i];
-    out[0] = pixels[AmplitudeAt(a + at)];
-    out[1] = pixels[AmplitudeAt(b + at)];
-    out[2] = pixels[AmplitudeAt(c + at)];
-    out[3] = pixels[AmplitudeAt(d + at)];
+    out[0] = pixels[SampleAt(a + at)];
+    out[toB] = pixels[SampleAt(b + at)];
+    out[toC] = pixels[SampleAt(c + at)];
+    out[toD] = pixels[SampleAt(d + at)];
   }
 }
 
 SHARED_BYTES void PaintColumn(const SlotSamples& slot, const uint32_t* offsets, int32_t rows,
                               const Pixel* pixels, Pixel* out, ptrdiff_t stride) {
-  for (int32_t i = 0; i < rows; ++i, out += stride) *out = pixels[AmplitudeAt(slot.first + offsets[i])];
+  for (int32_t i = 0; i < rows; ++i, out += stride) *out = pixels[SampleAt(slot.first + offsets[i])];
 }
 
 void CopyAmplitudes(const SlotSamples& samples, size_t count, uint16_t* amplitudes) {

@@ -35,11 +35,12 @@ struct SlotSamples {
 // counts as the 88 that this program writes.
 [[nodiscard]] SlotSamples FindSamples(const uint8_t* slot);
 
-// Paints one column a slot, side by side: pixel i of a column is pixels[amplitude of the sample at byte
-// offset offsets[i] behind `first`], amplitudes clamped at kMaxAmplitude. The caller has checked that every
-// sample lies inside its slot. Four slots go faster than four times one, since they share offsets and row.
+// Paints one column a slot, column i at out + columns[i]: pixel y of a column is pixels[amplitude of the
+// sample at byte offset offsets[y] behind `first`], with a pixel for each 16-bit value. The caller has
+// checked that every sample lies inside its slot. Four slots go faster than four times one, since they share
+// offsets and row.
 inline constexpr int32_t kGroupColumns = 4;
-void PaintColumns(const SlotSamples (&slots)[kGroupColumns], const uint32_t* offsets, int32_t rows,
+void PaintColumns(const SlotSamples* slots, const int32_t* columns, const uint32_t* offsets, int32_t rows,
                   const Pixel* pixels, Pixel* out, ptrdiff_t stride);
 void PaintColumn(const SlotSamples& slot, const uint32_t* offsets, int32_t rows, const Pixel* pixels,
                  Pixel* out, ptrdiff_t stride);

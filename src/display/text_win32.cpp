@@ -1,5 +1,7 @@
 #include "display/text_win32.h"
 
+#include <cwchar>
+#include <iterator>
 #include <string_view>
 
 #include "base/text_format.h"
@@ -64,15 +66,43 @@ Gdiplus::GpFont* LabelPainter::FontOf(int32_t height_px) {
   return sized.font.Get();
 }
 
-void LabelPainter::Draw(Gdiplus::GpGraphics* graphics, const Label& label) {
+bool LabelPainter::DrawString(Gdiplus::GpGraphics* graphics, const Label& label, Point at, Pixel colour) {
   Gdiplus::GpFont* const font = FontOf(label.height_px);
   if (!brush_) brush_ = MakeBrush();
   // A null font is not refused by every GDI+; some crash.
-  if (graphics == nullptr || font == nullptr || !brush_) return;
-  flat::GdipSetSolidFillColor(brush_.Get(), kOpaque | label.colour);
-  const Gdiplus::RectF place(static_cast<Gdiplus::REAL>(label.at.x), static_cast<Gdiplus::REAL>(label.at.y),
-                             0, 0);
-  flat::GdipDrawString(graphics, label.text, -1, font, &place, nullptr, brush_.Get());
+  if (graphics == nullptr || font == nullptr || !brush_) return false;
+  flat::GdipSetSolidFillColor(brush_.Get(), kOpaque | colour);
+  const Gdiplus::RectF place(static_cast<Gdiplus::REAL>(at.x), static_cast<Gdiplus::REAL>(at.y), 0, 0);
+  return flat::GdipDrawString(graphics, label.text, -1, font, &place, nullptr, brush_.Get()) == Gdiplus::Ok;
+}
+
+// The label's shape, drawn now when it is none of the last ones; null when it cannot be had or is too long.
+const TextMask* LabelPainter::FindMask(HDC like, const Label& label) {
+  for (const KeptLabel& kept : kept_) {
+    if (kept.height_px == label.height_px && std::wcscmp(kept.text, label.text) == 0) return &kept.mask;
+  }
+  KeptLabel& kept = kept_[nextKept_];
+  if (std::wcslen(label.text) >= std::size(kept.text)) return nullptr;
+  // Room for the widest letters, and for what GDI+ leaves free at the left.
+  const auto letters = static_cast<int32_t>(std::size(kept.text));
+  if (!stencil_.Resize(like, letters * label.height_px, 2 * label.height_px)) return nullptr;
+  FillRect(stencil_.Pixels(), {0, 0, kMaxCoordinate, kMaxCoordinate}, kBlack);
+  if (!DrawString(stencil_.Graphics(), label, {0, 0}, kWhite)) return nullptr;
+  kept.mask = MaskOf(stencil_.Pixels());
+  CopyWide(kept.text, label.text);
+  kept.height_px = label.height_px;
+  nextKept_ = (nextKept_ + 1) % kKeptLabels;
+  return &kept.mask;
+}
+
+void LabelPainter::Draw(OffscreenPicture& picture, const Label& label) {
+  const TextMask* const mask = FindMask(picture.Dc(), label);
+  if (mask == nullptr) return DrawOnce(picture, label);
+  BlendMask(picture.Pixels(), *mask, label.at, label.colour);
+}
+
+void LabelPainter::DrawOnce(OffscreenPicture& picture, const Label& label) {
+  static_cast<void>(DrawString(picture.Graphics(), label, label.at, label.colour));
 }
 
 void MarkPainter::Draw(HDC dc, const ShownMarks& marks, int32_t dpi) {

@@ -17,13 +17,14 @@ bool ViewPainter::Paint(AppState& state, HDC like, int32_t width, int32_t height
 
 PanelSource ViewPainter::PaintPanel(AppState& state, PanelPlace place, const PanelLayout& layout) {
   const PanelSource source = DescribePanel(state, place);
-  DrawPanel(source, layout, scratch_, picture_.Pixels());
+  PanelScratch& scratch = place == PanelPlace::lower ? lowerScratch_ : scratch_;
+  DrawPanel(source, layout, scratch, picture_.Pixels());
   return source;
 }
 
 void ViewPainter::PaintLabels(const PanelSource& source, const PanelLayout& layout) {
   const Labels labels = CollectLabels(source, layout);
-  for (size_t i = 0; i < labels.count; ++i) labels_.Draw(picture_.Graphics(), labels.labels[i]);
+  for (size_t i = 0; i < labels.count; ++i) labels_.Draw(picture_, labels.labels[i]);
 }
 
 void ViewPainter::PaintMarks(MarkList& marks, const PanelLayout& layout) {
@@ -38,7 +39,7 @@ void ViewPainter::PaintSingle(AppState& state, int32_t width, int32_t height, in
   const PanelLayout layout = LayOutPanel(0, width, height, dpi);
   const PanelSource source = PaintPanel(state, PanelPlace::single, layout);
   PaintLabels(source, layout);
-  labels_.Draw(picture_.Graphics(), CollectStatus(state, source, layout, false));
+  labels_.DrawOnce(picture_, CollectStatus(state, source, layout, false));
   PaintMarks(globals.marksA, layout);
 }
 
@@ -49,7 +50,7 @@ void ViewPainter::PaintDual(AppState& state, int32_t width, int32_t height, int3
   const PanelSource lower = PaintPanel(state, PanelPlace::lower, lowerLayout);
   PaintLabels(upper, upperLayout);
   PaintLabels(lower, lowerLayout);
-  labels_.Draw(picture_.Graphics(), CollectStatus(state, upper, lowerLayout, true));
+  labels_.DrawOnce(picture_, CollectStatus(state, upper, lowerLayout, true));
   PaintMarks(globals.marksA, upperLayout);
   PaintMarks(globals.marksB, lowerLayout);
 }

@@ -29,7 +29,8 @@ class ViewPainter {
   OffscreenPicture picture_;
   LabelPainter labels_;
   MarkPainter marks_;
-  PanelScratch scratch_;
+  PanelScratch scratch_;  // of the single view and of the upper panel
+  PanelScratch lowerScratch_;
 };
 
 }  // namespace tw

@@ -125,24 +125,24 @@ std::optional<Detected> DetectByInfo(std::string_view text) {
   const int32_t family = info.kind == 1 || info.kind == 2 ? info.kind : 0;
   const int32_t mode = PlayedMode(info.outputMode);
   const int32_t known = FindMode(family, mode) == nullptr ? kAltimeterNmea : mode;
-  InfoLine low{};
-  const bool both = lines.count > 1 && ParseInfoLine(text.substr(lines.second), low);
-  return Detected{FormOfMode(family, known),   family,    known, both ? 2 : 1, info,
-                  both ? low.frequency_hz : 0, lines.size};
+  InfoLine second{};
+  std::optional<InfoLine> low;
+  if (lines.count > 1 && ParseInfoLine(text.substr(lines.second), second)) low = second;
+  return Detected{FormOfMode(family, known), family, known, low ? 2 : 1, info, low, lines.size};
 }
 
 std::optional<Detected> DetectByMark(std::string_view text) {
   if (Holds(text, "Parameters")) {
     for (const ParameterMark& each : kParameterMarks) {
       if (!Holds(text, each.mark)) continue;
-      return Detected{FormOfMode(2, each.outputMode), 2, each.outputMode, 1, std::nullopt, 0, 0};
+      return Detected{FormOfMode(2, each.outputMode), 2, each.outputMode, 1, std::nullopt, std::nullopt, 0};
     }
     return std::nullopt;
   }
   for (const FormMark& each : kFormMarks) {
     if (each.atStart ? !text.starts_with(each.mark) : !Holds(text, each.mark)) continue;
     const int32_t channels = each.form == StreamForm::deso || each.form == StreamForm::dual ? 2 : 1;
-    return Detected{each.form, each.family, each.outputMode, channels, std::nullopt, 0, 0};
+    return Detected{each.form, each.family, each.outputMode, channels, std::nullopt, std::nullopt, 0};
   }
   return std::nullopt;
 }

@@ -42,8 +42,8 @@ struct Detected {
   int32_t outputMode;  // 100 and 101 are told as 102
   int32_t channels;    // in this file: 1 or 2
   std::optional<InfoLine> info;
-  int32_t lowFrequency_hz;  // of a file of both channels: that of its second INFO line; else 0
-  size_t infoSize;          // bytes up to and with the last INFO line
+  std::optional<InfoLine> low;  // of a file of both channels: its second line
+  size_t infoSize;              // bytes up to and with the last INFO line
 };
 
 // Whether the pings have samples, and whether they are frames instead of text.

@@ -96,6 +96,11 @@ std::string_view AsText(std::span<const uint8_t> bytes) {
   return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
 }
 
+// Of a file of both channels; else 0.
+int32_t LowFrequencyOf(const Detected& told) {
+  return told.low ? told.low->frequency_hz : 0;
+}
+
 // A recording read through the same readers and parsers as the live stream that it was.
 class Recording final : public PingSource {
  public:
@@ -115,8 +120,8 @@ class Recording final : public PingSource {
                  told.outputMode,
                  sampling_hz,
                  told.info ? told.info->frequency_hz : 0,
-                 told.lowFrequency_hz,
-                 told.lowFrequency_hz,
+                 LowFrequencyOf(told),
+                 LowFrequencyOf(told),
                  told.info ? told.info->frequency_hz : 0},
         range_m_(told.info ? static_cast<float>(RangeInMillimetres(told.info->range_mm)) / 1000.0f : 0.0f),
         source_(file),

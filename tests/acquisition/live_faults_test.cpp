@@ -12,16 +12,20 @@
 #include "platform/clock.h"
 #include "platform/host/virtual_clock.h"
 #include "simulator/virtual_echosounder.h"
+#include "tests/acquisition/damaged_stream.h"
 #include "tests/acquisition/live_program.h"
 #include "tests/acquisition/pulse_watch.h"
-#include "tests/simulator_peer.h"
 
 namespace tw {
 namespace {
 
 using sim::DeviceFamily;
 using sim::StreamFault;
+using test::Fault;
+using test::kFaults;
+using test::ListeningPeer;
 using test::Says;
+using test::SentMessages;
 
 constexpr size_t kMessages = 2'000;
 
@@ -59,39 +63,6 @@ constexpr Mode kThirdFamilyModes[] = {
     {"ThirdOld", DeviceFamily::third, 10, SonarmiteOldWorker, Says::altitude},
 };
 
-struct Fault {
-  friend void PrintTo(const Fault& fault, std::ostream* out) { *out << fault.name; }
-  const char* name;
-  StreamFault fault;
-};
-
-constexpr Fault kFaults[] = {
-    {"None", StreamFault::none},           {"Flipped", StreamFault::flippedBytes},
-    {"Lost", StreamFault::lostBytes},      {"Doubled", StreamFault::doubledBytes},
-    {"Cut", StreamFault::truncated},       {"Absurd", StreamFault::absurdCount},
-    {"NoNumber", StreamFault::notANumber}, {"TimeJump", StreamFault::timeJump},
-    {"OtherMode", StreamFault::otherMode},
-};
-
-// The bytes of every message.
-class Account : public sim::PingObserver {
- public:
-  void PingMade(const sim::SentPing& ping, std::span<const uint16_t>) override { sent.push_back(ping); }
-  void PingEnded(const sim::SentPing&) override {}
-  std::vector<sim::SentPing> sent;
-};
-
-class ListeningPeer final : public test::SimulatorPeer {
- public:
-  using SimulatorPeer::SimulatorPeer;
-  size_t Send(std::span<uint8_t> out, int64_t now_us) override {
-    const size_t count = SimulatorPeer::Send(out, now_us);
-    bytes.append(reinterpret_cast<const char*>(out.data()), count);
-    return count;
-  }
-  std::string bytes;
-};
-
 // What was recorded of each ping, without its position. NMEA records without the line in front.
 std::vector<std::string> RecordsOf(std::string_view file, bool nmea) {
   std::vector<std::string> records;
@@ -111,7 +82,7 @@ class LiveFaults : public testing::TestWithParam<std::tuple<Mode, Fault>> {};
 TEST_P(LiveFaults, CostTheirPingAndAtMostTheNext) {
   const auto& [mode, fault] = GetParam();
   const VirtualClock clock(1'700'000'000'000);
-  Account account;
+  SentMessages account;
   sim::SounderOptions options;
   options.family = mode.family;
   options.outputMode = mode.mode;

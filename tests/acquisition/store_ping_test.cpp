@@ -98,6 +98,8 @@ TEST(SlotImage, WhatLiesBeyondTheSlotIsCut) {
 
 class Ring : public testing::Test {
  protected:
+  using V = std::vector<uint32_t>;
+
   Ring() {
     MakeLock(lock_);
     writer_.ring = static_cast<PingRing*>(AllocateZeroed(kRingSize));
@@ -125,13 +127,23 @@ class Ring : public testing::Test {
     return pings;
   }
 
-  using V = std::vector<uint32_t>;
+  [[nodiscard]] V StampsAt(int32_t first, int32_t count) const {
+    const uint32_t* const stamps = writer_.ring->stamps + first;
+    return {stamps, stamps + count};
+  }
+
   Lock lock_{};
   int32_t index_ = 0;
   std::vector<uint16_t> reach_ = std::vector<uint16_t>(kRingSlots);
   RingWriter writer_{};
   std::unique_ptr<SlotImage> image_ = std::make_unique<SlotImage>();
 };
+
+TEST_F(Ring, StampsTellWhichSlotsHaveChanged) {
+  Store(1, 1'000);  // the first ping counts as a tick: slots 0 and 1
+  Store(2, 1'050);  // no tick: slot 1 again
+  EXPECT_EQ(StampsAt(0, 3), (V{2, 4, 0}));
+}
 
 TEST_F(Ring, TheFirstPingCountsAsOneTick) {
   index_ = 500;

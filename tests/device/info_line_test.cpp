@@ -157,6 +157,30 @@ TEST(InfoLine, TheBinaryModesAreReadBackAsOne) {
   }
 }
 
+// Both channels of a recording: each line fills its own side, the low one changes nothing else.
+TEST(InfoLine, TheLowChannelsLineFillsTheLowValues) {
+  InfoLine high{};
+  InfoLine low{};
+  ASSERT_TRUE(ParseInfoLine("INFO:1,450000,30000,0.5,20,80,1,15,0.14,2,150,20,5,1500.0,6\r\n", high));
+  ASSERT_TRUE(ParseInfoLine("INFO:1,200000,50000,0.5,40,80,-3,20,0.08,4,250,30,-7,1500.0,6\r\n", low));
+  DeviceSettings settings{};
+  ApplyInfoLine(high, settings);
+  ApplyLowInfoLine(low, settings);
+  EXPECT_EQ(settings.frequencyInUse_hz, 450'000);
+  EXPECT_EQ(settings.lowFrequency_hz, 200'000);
+  EXPECT_EQ(settings.rangeHigh_mm, 30'000);
+  EXPECT_EQ(settings.rangeLow_mm, 50'000);
+  EXPECT_EQ(settings.txLengthLow, 40);
+  EXPECT_EQ(settings.gainLow, -3.0f);
+  EXPECT_EQ(settings.tvgSpreadingLow, 20.0f);
+  EXPECT_EQ(settings.tvgAbsorptionLow, 0.08f);
+  EXPECT_EQ(settings.attenuationLow, 4);
+  EXPECT_EQ(settings.deadZoneLow_mm, 250);
+  EXPECT_EQ(settings.thresholdLow_percent, 30);
+  EXPECT_EQ(settings.offsetLow_mm, -7);
+  EXPECT_EQ(settings.offsetHigh_mm, 5);
+}
+
 TEST(InfoLine, HostileNumbersAreNoLine) {
   InfoLine info{};
   EXPECT_FALSE(ParseInfoLine("INFO:1,450000,30000,nan,20,0,0,15,0,0,150,20,0,1500.0,4\r\n", info));

@@ -21,12 +21,6 @@ std::wstring WindowText(HWND window) {
   return text;
 }
 
-std::wstring ControlText(HWND window) {
-  wchar_t text[1024] = L"";
-  SendMessageW(window, WM_GETTEXT, 1024, reinterpret_cast<LPARAM>(text));
-  return text;
-}
-
 std::wstring ClassName(HWND window) {
   wchar_t name[128] = L"";
   GetClassNameW(window, name, 128);
@@ -56,6 +50,7 @@ class RemoteBuffer {
 struct OwnWindowSearch {
   DWORD process;
   const wchar_t* className;
+  HWND besides;
   HWND found;
 };
 
@@ -63,7 +58,8 @@ BOOL CALLBACK LookAtWindow(HWND window, LPARAM parameter) {
   auto& search = *reinterpret_cast<OwnWindowSearch*>(parameter);
   DWORD process = 0;
   GetWindowThreadProcessId(window, &process);
-  if (process != search.process || !IsWindowVisible(window) || ClassName(window) != search.className)
+  if (process != search.process || window == search.besides || !IsWindowVisible(window) ||
+      ClassName(window) != search.className)
     return TRUE;
   search.found = window;
   return FALSE;
@@ -80,7 +76,42 @@ bool WaitUntil(const std::function<bool()>& condition, int limit_s) {
   return true;
 }
 
+void PrintTo(const MessageBoxContent& box, std::ostream* out) {
+  const std::wstring all = box.caption + L" | " + box.text;
+  for (const wchar_t c : all) *out << (c < 0x80 ? static_cast<char>(c) : '?');
+}
+
+std::wstring TextOf(HWND control) {
+  wchar_t text[1024] = L"";
+  SendMessageW(control, WM_GETTEXT, 1024, reinterpret_cast<LPARAM>(text));
+  return text;
+}
+
+std::vector<std::wstring> ItemsOf(HWND combo) {
+  std::vector<std::wstring> items;
+  const LRESULT count = SendMessageW(combo, CB_GETCOUNT, 0, 0);
+  for (LRESULT i = 0; i < count; ++i) {
+    wchar_t text[256] = L"";
+    SendMessageW(combo, CB_GETLBTEXT, static_cast<WPARAM>(i), reinterpret_cast<LPARAM>(text));
+    items.emplace_back(text);
+  }
+  return items;
+}
+
+std::vector<ControlPlace> ControlsOf(HWND window) {
+  std::vector<ControlPlace> controls;
+  for (HWND child = GetWindow(window, GW_CHILD); child != nullptr; child = GetWindow(child, GW_HWNDNEXT)) {
+    ControlPlace control{GetDlgCtrlID(child) & 0xFFFF,    child, ClassName(child), TextOf(child), {},
+                         GetWindowLongW(child, GWL_STYLE)};
+    GetWindowRect(child, &control.place);
+    MapWindowPoints(nullptr, window, reinterpret_cast<POINT*>(&control.place), 2);
+    controls.push_back(control);
+  }
+  return controls;
+}
+
 Program::Program() {
+  SetProcessDPIAware();  // so that its pixels are ours
   const wchar_t* const path = _wgetenv(L"TW_PROGRAM");
   if (path == nullptr) throw std::runtime_error("TW_PROGRAM names no program");
   std::wstring command = L"\"" + std::wstring(path) + L"\"";
@@ -102,8 +133,8 @@ Program::~Program() {
   CloseHandle(process_.hProcess);
 }
 
-HWND Program::FindOwnWindow(const wchar_t* className) const {
-  OwnWindowSearch search{process_.dwProcessId, className, nullptr};
+HWND Program::FindOwnWindow(const wchar_t* className, HWND besides) const {
+  OwnWindowSearch search{process_.dwProcessId, className, besides, nullptr};
   EnumWindows(LookAtWindow, reinterpret_cast<LPARAM>(&search));
   return search.found;
 }
@@ -113,22 +144,11 @@ std::wstring Program::Title() const {
 }
 
 std::wstring Program::Text(int id) const {
-  return ControlText(Control(id));
+  return TextOf(Control(id));
 }
 
 bool Program::IsTicked(int id) const {
   return SendMessageW(Control(id), BM_GETCHECK, 0, 0) == BST_CHECKED;
-}
-
-std::vector<std::wstring> Program::Items(int combo) const {
-  std::vector<std::wstring> items;
-  const LRESULT count = SendMessageW(Control(combo), CB_GETCOUNT, 0, 0);
-  for (LRESULT i = 0; i < count; ++i) {
-    wchar_t text[256] = L"";
-    SendMessageW(Control(combo), CB_GETLBTEXT, static_cast<WPARAM>(i), reinterpret_cast<LPARAM>(text));
-    items.emplace_back(text);
-  }
-  return items;
 }
 
 std::wstring Program::Status(int part) const {
@@ -141,18 +161,6 @@ std::wstring Program::Status(int part) const {
   if (!remote.Read(text.data(), text.size() * sizeof(wchar_t))) return L"";
   text.resize(length);
   return text;
-}
-
-std::vector<ControlPlace> Program::Controls() const {
-  std::vector<ControlPlace> controls;
-  for (HWND child = GetWindow(window_, GW_CHILD); child != nullptr; child = GetWindow(child, GW_HWNDNEXT)) {
-    ControlPlace control{GetDlgCtrlID(child) & 0xFFFF, child, ClassName(child),
-                         ControlText(child),           {},    GetWindowLongW(child, GWL_STYLE)};
-    GetWindowRect(child, &control.place);
-    MapWindowPoints(nullptr, window_, reinterpret_cast<POINT*>(&control.place), 2);
-    controls.push_back(control);
-  }
-  return controls;
 }
 
 SIZE Program::ClientSize() const {
@@ -172,6 +180,13 @@ void Program::Click(int id) const {
   PostMessageW(Control(id), BM_CLICK, 0, 0);
 }
 
+void Program::Select(int combo, const std::wstring& item) const {
+  SendMessageW(Control(combo), CB_SELECTSTRING, static_cast<WPARAM>(-1),
+               reinterpret_cast<LPARAM>(item.c_str()));
+  PostMessageW(window_, WM_COMMAND, MAKEWPARAM(combo, CBN_SELCHANGE),
+               reinterpret_cast<LPARAM>(Control(combo)));
+}
+
 void Program::Choose(int menuEntry) const {
   PostMessageW(window_, WM_COMMAND, static_cast<WPARAM>(menuEntry), 0);
 }
@@ -180,11 +195,19 @@ void Program::Resize(int width, int height) const {
   SetWindowPos(window_, nullptr, 0, 0, width, height, SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
-MessageBoxContent Program::AnswerBox(int limit_s) const {
-  HWND box = nullptr;
-  if (!WaitUntil([&] { return (box = FindOwnWindow(kBoxClass)) != nullptr; }, limit_s)) return {};
-  const MessageBoxContent content{WindowText(box), ControlText(GetDlgItem(box, kBoxText))};
+HWND Program::FindDialog(int limit_s, HWND below) const {
+  HWND dialog = nullptr;
+  static_cast<void>(
+      WaitUntil([&] { return (dialog = FindOwnWindow(kBoxClass, below)) != nullptr; }, limit_s));
+  return dialog;
+}
+
+MessageBoxContent Program::AnswerBox(int limit_s, HWND dialog) const {
+  const HWND box = FindDialog(limit_s, dialog);
+  if (box == nullptr) return {};
+  const MessageBoxContent content{WindowText(box), TextOf(GetDlgItem(box, kBoxText))};
   PostMessageW(box, WM_COMMAND, IDOK, 0);
+  static_cast<void>(WaitUntil([&] { return !IsWindow(box); }, limit_s));
   return content;
 }
 

@@ -5,6 +5,7 @@
 #include <windows.h>
 
 #include <functional>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -19,15 +20,22 @@ struct MessageBoxContent {
 
   bool operator==(const MessageBoxContent&) const = default;
 };
+void PrintTo(const MessageBoxContent& box, std::ostream* out);  // for failed expectations
 
 struct ControlPlace {
   int id;  // 0xFFFF for those without
   HWND window;
   std::wstring className;
   std::wstring text;
-  RECT place;  // in client pixels of the main window
+  RECT place;  // in client pixels of its window
   LONG style;
 };
+
+// The children of a window, in the order of the keyboard.
+[[nodiscard]] std::vector<ControlPlace> ControlsOf(HWND window);
+
+[[nodiscard]] std::wstring TextOf(HWND control);
+[[nodiscard]] std::vector<std::wstring> ItemsOf(HWND combo);
 
 class Program {
  public:
@@ -44,25 +52,31 @@ class Program {
   [[nodiscard]] std::wstring Text(int id) const;
   [[nodiscard]] bool IsTicked(int id) const;
   [[nodiscard]] bool IsEnabled(int id) const { return IsWindowEnabled(Control(id)) != FALSE; }
-  [[nodiscard]] std::vector<std::wstring> Items(int combo) const;
+  [[nodiscard]] std::vector<std::wstring> Items(int combo) const { return ItemsOf(Control(combo)); }
   [[nodiscard]] std::wstring Status(int part) const;
-  [[nodiscard]] std::vector<ControlPlace> Controls() const;
+  [[nodiscard]] std::vector<ControlPlace> Controls() const { return ControlsOf(window_); }
   [[nodiscard]] SIZE ClientSize() const;
   [[nodiscard]] size_t ResidentBytes() const;
 
   // Posted, because Start keeps the window busy for seconds.
   void Click(int id) const;
+  // As an operator does it from the list.
+  void Select(int combo, const std::wstring& item) const;
   void Choose(int menuEntry) const;
   void Resize(int width, int height) const;
 
-  // The message box that is shown now or within the time; empty texts when none comes. It is closed with OK.
-  [[nodiscard]] MessageBoxContent AnswerBox(int limit_s) const;
+  // The message box that is shown now or within the time, above a dialog that is open; empty texts when none
+  // comes. It is closed with OK.
+  [[nodiscard]] MessageBoxContent AnswerBox(int limit_s, HWND dialog = nullptr) const;
+
+  // The dialog that is shown now or within the time, above another one; null when none comes.
+  [[nodiscard]] HWND FindDialog(int limit_s, HWND below = nullptr) const;
 
   // File, Exit; the exit code, or -1 when the process does not end.
   [[nodiscard]] int Exit();
 
  private:
-  [[nodiscard]] HWND FindOwnWindow(const wchar_t* className) const;
+  [[nodiscard]] HWND FindOwnWindow(const wchar_t* className, HWND besides = nullptr) const;
 
   PROCESS_INFORMATION process_{};
   HWND window_ = nullptr;

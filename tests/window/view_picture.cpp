@@ -1,7 +1,10 @@
 #include "tests/window/view_picture.h"
 
 #include <algorithm>
+#include <cstdlib>
+#include <fstream>
 #include <map>
+#include <string>
 
 namespace tw {
 namespace {
@@ -73,6 +76,24 @@ Picture PictureOf(HWND window) {
   DeleteDC(memory);
   ReleaseDC(nullptr, screen);
   return picture;
+}
+
+void SavePicture(HWND window, const char* name) {
+  const char* const folder = std::getenv("TW_PICTURES");
+  if (folder == nullptr) return;
+  Sleep(500);  // until it has painted itself
+  const Picture picture = PictureOf(window);
+  const auto size = static_cast<DWORD>(picture.pixels.size() * sizeof(uint32_t));
+  BITMAPINFOHEADER info{
+      sizeof(BITMAPINFOHEADER), picture.width, -picture.height, 1, 32, BI_RGB, size, 0, 0, 0, 0};
+  BITMAPFILEHEADER header{};
+  header.bfType = 0x4D42;
+  header.bfOffBits = sizeof(header) + sizeof(info);
+  header.bfSize = header.bfOffBits + size;
+  std::ofstream file(std::string(folder) + "\\" + name + ".bmp", std::ios::binary);
+  file.write(reinterpret_cast<const char*>(&header), sizeof(header));
+  file.write(reinterpret_cast<const char*>(&info), sizeof(info));
+  file.write(reinterpret_cast<const char*>(picture.pixels.data()), size);
 }
 
 int ImageHeight(const Picture& view) {

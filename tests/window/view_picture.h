@@ -1,4 +1,4 @@
-// The echogram view as it stands on the screen.
+// Windows as they stand on the screen, the echogram view above all.
 #pragma once
 
 #include <windows.h>
@@ -20,6 +20,9 @@ struct Picture {
 
 // Taken from the screen, so it shows what an operator sees.
 [[nodiscard]] Picture PictureOf(HWND window);
+
+// For the eyes of people: the window as NAME.bmp in the folder that TW_PICTURES names; without one nothing.
+void SavePicture(HWND window, const char* name);
 
 // The row of the strongest echo in each column of the image, counted from the image's top; -1 in columns
 // without an echo. The colour bar at the right says which colour is how strong.

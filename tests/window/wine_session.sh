@@ -101,6 +101,15 @@ session_be_alone() {
   wineserver -w 8>&-
 }
 
+# session_resolution DPI: how many dots per inch the programs of this session find. Needs session_be_alone.
+session_resolution() {
+  printf 'REGEDIT4\n\n[HKEY_CURRENT_USER\\Control Panel\\Desktop]\n"LogPixels"=dword:%08x\n' "$1" \
+    >"$session_scratch/resolution.reg"
+  wine regedit /S "$(winepath -w "$session_scratch/resolution.reg" 2>/dev/null)" >/dev/null 2>&1 8>&-
+  wineserver -k 8>&- || true
+  wineserver -w 8>&-
+}
+
 # session_instruments ECHOSIM [OPTIONS…]: the echosounder on COM5 and the GPS receiver on COM6, from before the
 # first program on. Needs session_be_alone. What they say goes to $session_scratch/instruments.
 session_instruments() {

@@ -1,0 +1,117 @@
+#include "display/kept_echogram.h"
+
+#include <algorithm>
+#include <atomic>
+#include <span>
+
+#include "base/shared_value.h"
+#include "platform/memory.h"
+
+namespace tw {
+
+namespace {
+
+constexpr uint32_t kNothing = 1;  // odd: no slot at rest has such a stamp
+
+size_t BytesOf(const Canvas& columns) {
+  return static_cast<size_t>(columns.stride) * static_cast<size_t>(columns.height) * sizeof(Pixel);
+}
+
+bool IsBeingWritten(uint32_t stamp) {
+  return stamp % 2 != 0;
+}
+
+}  // namespace
+
+KeptEchogram::~KeptEchogram() {
+  Free();
+}
+
+void KeptEchogram::Free() {
+  if (columns_.pixels != nullptr) FreeZeroed(columns_.pixels, BytesOf(columns_));
+  columns_ = {};
+}
+
+// Forgets all columns when they would look different now. False when nothing can be kept.
+bool KeptEchogram::Fit(const PingRing& ring, const EchogramScale& scale, int32_t height) {
+  const bool isSame = columns_.height == height && ring_ == &ring && scale_.range_mm == scale.range_mm &&
+                      scale_.soundSpeed_mps == scale.soundSpeed_mps;
+  if (isSame) return true;
+  if (columns_.height != height) {
+    Free();
+    Canvas columns{nullptr, kRingSlots, height, kRingSlots};
+    columns.pixels = static_cast<Pixel*>(AllocateZeroed(BytesOf(columns)));
+    if (columns.pixels == nullptr) return false;
+    columns_ = columns;
+  }
+  ring_ = &ring;
+  scale_ = scale;
+  reached_ = 0;
+  std::fill(std::begin(keptStamps_), std::end(keptStamps_), kNothing);
+  return true;
+}
+
+size_t KeptEchogram::FindMissing(const PingRing& ring, const EchogramScale& scale, int32_t width,
+                                 ColumnJob* jobs) {
+  size_t count = 0;
+  int32_t previous = -1;
+  for (int32_t x = 0; x < width; ++x) {
+    const int32_t slot = SlotOfColumn(x, width, scale.newest, scale.timeScale_s);
+    shown_[x] = slot;
+    if (slot == previous) continue;
+    previous = slot;
+    const uint32_t stamp = LoadShared(ring.stamps[slot]);
+    if (stamp == keptStamps_[slot] && !IsBeingWritten(stamp)) continue;
+    seen_[slot] = stamp;
+    jobs[count++] = {slot, slot};
+  }
+  return count;
+}
+
+// A slot that a worker was writing while it was painted is shown as it came out, but painted again next time.
+void KeptEchogram::KeepUnchanged(const PingRing& ring, std::span<const ColumnJob> jobs) {
+  std::atomic_thread_fence(std::memory_order_acquire);
+  for (const ColumnJob& job : jobs) {
+    const uint32_t before = seen_[job.slot];
+    const bool isWhole = !IsBeingWritten(before) && LoadShared(ring.stamps[job.slot]) == before;
+    keptStamps_[job.slot] = isWhole ? before : kNothing;
+  }
+}
+
+// Four rows at a time: finding a column costs as much as copying its pixel.
+void KeptEchogram::Compose(const Canvas& image) const {
+  int32_t y = 0;
+  for (; y + 4 <= reached_; y += 4) {
+    const Pixel* const from = columns_.Row(y);
+    Pixel* const to = image.Row(y);
+    for (int32_t x = 0; x < image.width; ++x) {
+      const Pixel* const pixel = from + shown_[x];
+      to[x] = pixel[0];
+      to[x + image.stride] = pixel[kRingSlots];
+      to[x + 2 * image.stride] = pixel[2 * kRingSlots];
+      to[x + 3 * image.stride] = pixel[3 * kRingSlots];
+    }
+  }
+  for (; y < reached_; ++y) {
+    for (int32_t x = 0; x < image.width; ++x) image.Row(y)[x] = columns_.Row(y)[shown_[x]];
+  }
+  FillRect(image, {0, reached_, image.width, image.height}, kBlack);
+}
+
+void KeptEchogram::Render(const PingRing& ring, const EchogramScale& scale, const AmplitudeColours& colours,
+                          EchogramScratch& scratch, const Canvas& image) {
+  const bool isInReach = image.width <= kMaxJobs && image.height <= kMaxKeptRows;
+  if (!isInReach || !IsDrawable(scale, image.height) || !Fit(ring, scale, image.height)) {
+    RenderEchogram(ring, scale, colours, scratch, image);
+    return;
+  }
+  const size_t count = FindMissing(ring, scale, image.width, scratch.jobs);
+  if (count > 0) {
+    const std::span<const ColumnJob> jobs(scratch.jobs, count);
+    reached_ = RenderColumns(ring, jobs, scale, colours, scratch, columns_);
+    KeepUnchanged(ring, jobs);
+  }
+  Compose(image);
+}
+
+}  // namespace tw

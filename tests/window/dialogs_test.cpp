@@ -1,0 +1,125 @@
+// The dialogs that need no device, as an operator meets them.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <optional>
+
+#include "app/control_ids.h"
+#include "tests/window/dialog.h"
+#include "tests/window/stored_choices.h"
+#include "tests/window/view_picture.h"
+
+namespace tw {
+namespace {
+
+constexpr wchar_t kFolderLabel[] = L"Folder for recordings and pictures";
+constexpr wchar_t kSpeedLabel[] = L"Speed [bit/s]";
+const MessageBoxContent kNotConnected{L"Error", L"Echosounder is not connected"};
+
+class Dialogs : public ::testing::Test {
+ protected:
+  Dialogs() { StoreRunChoices(folder_.Path()); }
+
+  Dialog& Open(int menuEntry) {
+    program_.emplace();
+    program_->Choose(menuEntry);
+    return dialog_.emplace(*program_);
+  }
+
+  OwnFolder folder_;
+  std::optional<Program> program_;
+  std::optional<Dialog> dialog_;
+};
+
+struct NamedDialog {
+  int menuEntry;
+  const wchar_t* caption;
+  const char* picture;
+};
+constexpr NamedDialog kDialogs[] = {
+    {ID_MENU_FOLDER, L"Working folder change", "working-folder"},
+    {ID_MENU_BAUD, L"Change Device Baudrate", "change-baudrate"},
+    {ID_MENU_ABOUT, L"About Tidewriter", "about"},
+    {ID_MENU_SHORTCUTS, L"Keyboard Shortcuts", "shortcuts"},
+};
+
+TEST_F(Dialogs, AreWellMadeAndLeftWithEscape) {
+  for (const NamedDialog& row : kDialogs) {
+    const Dialog& dialog = Open(row.menuEntry);
+    EXPECT_EQ(dialog.Caption(), row.caption);
+    ExpectWellMade(dialog);
+    SavePicture(dialog.Window(), row.picture);
+    dialog.Press(VK_ESCAPE);
+    EXPECT_TRUE(dialog.CloseHasCome()) << row.picture;
+    EXPECT_EQ(program_->Exit(), 0);
+  }
+}
+
+TEST_F(Dialogs, FolderThatIsNotThereIsMade) {
+  const std::wstring wanted = folder_.Path() + L"\\made";
+  const Dialog& dialog = Open(ID_MENU_FOLDER);
+  EXPECT_EQ(dialog.Value(kFolderLabel), folder_.Path());
+  dialog.Enter(kFolderLabel, wanted);
+  dialog.Press(VK_RETURN);
+  ASSERT_TRUE(dialog.CloseHasCome());
+  EXPECT_TRUE(std::filesystem::is_directory(wanted));
+  EXPECT_EQ(StoredText(L"WorkingFolder"), wanted);
+  program_->Choose(ID_MENU_FOLDER);
+  EXPECT_EQ(Dialog(*program_).Value(kFolderLabel), wanted) << "read back";
+}
+
+TEST_F(Dialogs, FolderThatCannotBeMadeKeepsTheDialogOpen) {
+  const Dialog& dialog = Open(ID_MENU_FOLDER);
+  for (const std::wstring& bad :
+       {folder_.Path() + L"\\no\\such\\place", std::wstring(L"Q:\\x"), std::wstring()}) {
+    dialog.Enter(kFolderLabel, bad);
+    dialog.Press(VK_RETURN);
+    const MessageBoxContent box = program_->AnswerBox(10, dialog.Window());
+    EXPECT_EQ(box.caption, L"GetLastError");
+    EXPECT_FALSE(box.text.empty());
+    EXPECT_TRUE(dialog.FocusComesTo(dialog.Field(kFolderLabel)));
+  }
+  dialog.Press(VK_ESCAPE);
+  ASSERT_TRUE(dialog.CloseHasCome());
+  EXPECT_EQ(StoredText(L"WorkingFolder"), folder_.Path());
+}
+
+TEST_F(Dialogs, FolderBrowserTakesTheFolderItOpensWith) {
+  const Dialog& dialog = Open(ID_MENU_FOLDER);
+  PostMessageW(GetDlgItem(dialog.Window(), 1005), BM_CLICK, 0, 0);
+  const HWND browser = program_->FindDialog(20, dialog.Window());
+  ASSERT_NE(browser, nullptr);
+  const HWND ok = GetDlgItem(browser, IDOK);
+  EXPECT_TRUE(WaitUntil([&] { return IsWindowEnabled(ok) != FALSE; }, 10));
+  PostMessageW(browser, WM_COMMAND, IDOK, 0);
+  ASSERT_TRUE(WaitUntil([&] { return !IsWindow(browser); }, 10));
+  EXPECT_TRUE(std::filesystem::equivalent(dialog.Value(kFolderLabel), folder_.Path()));
+}
+
+TEST_F(Dialogs, SpeedNeedsADevice) {
+  const Dialog& dialog = Open(ID_MENU_BAUD);
+  EXPECT_EQ(ItemsOf(dialog.Field(kSpeedLabel)), program_->Items(ID_DEVICE_SPEED));
+  EXPECT_EQ(dialog.Value(kSpeedLabel), L"921600");
+  dialog.Select(kSpeedLabel, L"9600");
+  dialog.Press(VK_RETURN);
+  EXPECT_EQ(program_->AnswerBox(10, dialog.Window()), kNotConnected);
+  EXPECT_TRUE(dialog.CloseHasCome());
+  EXPECT_EQ(StoredNumber(L"DeviceCOMSpeed"), 921'600u);
+}
+
+// A stored speed that is none of the list.
+TEST_F(Dialogs, SpeedThatIsNotOnOfferKeepsTheSelection) {
+  StoreChoice(L"DeviceCOMSpeed", 12'345);
+  EXPECT_EQ(Open(ID_MENU_BAUD).Value(kSpeedLabel), L"4800");
+}
+
+TEST_F(Dialogs, ShowSettingsSaysWhatToDo) {
+  program_.emplace();
+  ASSERT_TRUE(WaitUntil([this] { return program_->IsEnabled(ID_SHOW_SETTINGS); }, 10));
+  program_->Click(ID_SHOW_SETTINGS);
+  EXPECT_EQ(program_->AnswerBox(10), (MessageBoxContent{L"Error", L"Click after Playback saved file"}));
+  EXPECT_EQ(program_->Exit(), 0);
+}
+
+}  // namespace
+}  // namespace tw
