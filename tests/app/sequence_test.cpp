@@ -227,5 +227,108 @@ INSTANTIATE_TEST_SUITE_P(Families, EachFamily,
                                          FamilyCase{"Third", DeviceFamily::third}),
                          [](const auto& family) { return std::string(family.param.name); });
 
+// The commands in their order, "{ms}" being a wait.
+constexpr char kFirstReads[] =
+    "##maxrangel #rangeh #auto #preset ##maxrangeh ##maxlengthh ##maxlengthl #swversion #getfreq "
+    "#rangel #rangeh #interval #output #thresholdl #thresholdh #offsetl #offseth #deadzonel "
+    "#deadzoneh #txlengthl #txlengthh #gainlow #gainhigh #tvgsprdl #tvgsprdh #tvgabslow "
+    "#tvgabshigh ##freql ##freqh #tvgmode #iden #sound #txpower #samplfreq #attnl #attnh ##vfreql "
+    "##vfreqh ##getsimul #smooth #outrate #medianflt #movavgflt";
+constexpr char kSecondReads[] =
+    "#iden #range #auto #preset #interval #output #threshold #offset #deadzone #txlength #gain "
+    "#tvgmode #tvgsprd #tvgabs #sound #getfreq #samplfreq #medianflt #movavgflt #swversion";
+constexpr char kThirdReads[] = "#info {2000} #info";
+constexpr char kStartCommands[] =
+    "#time ...|#tvgmode 1|#pingonce 0|#nmeadpzero 1|#nmeadbt 1|#nmeadpt 0|#nmeamtw 1|#nmeaema 1|#nmeazda 1|"
+    "#nmeaxdr 1|#output 2|#go";
+
+struct OrderCase {
+  const char* name;
+  DeviceFamily family;
+  std::string identification;  // all that is sent until the family is known and settled
+  const char* reads;           // of its own settings
+  const char* identity;
+  std::string afterSettling;
+  std::string pauseOfSpeedChange;
+};
+
+class Order : public Sequence, public testing::WithParamInterface<OrderCase> {
+ protected:
+  static void Add(std::vector<std::string>& log, const std::string& texts, char separator) {
+    std::string text;
+    const auto end = [&] {
+      if (text.empty()) return;
+      log.push_back(text[0] == '{' ? "wait " + text.substr(1, text.size() - 2) : "send " + text);
+      text.clear();
+    };
+    for (const char c : texts) {
+      if (c == separator) {
+        end();
+      } else {
+        text += c;
+      }
+    }
+    end();
+  }
+  static void AddConnected(std::vector<std::string>& log, const char* speed, const char* identity) {
+    log.push_back(std::string("status 0 Device: COM5,") + speed + "bps, ID: " + identity);
+    log.emplace_back("status 1 GPS: Disconnected");
+  }
+  static void AddRun(std::vector<std::string>& log) {
+    log.emplace_back("timer 8 every 1000");
+    Add(log, kStartCommands, '|');
+  }
+  // What is noted while the command runs, from an entry of our own on.
+  template <typename Command>
+  std::vector<std::string> LogOf(Command command) {
+    Ui().log.clear();
+    Ui().Note("begin");
+    command();
+    return Ui().log;
+  }
+};
+
+TEST_P(Order, OfStartApplySpeedChangeAndStop) {
+  const OrderCase& row = GetParam();
+  Connect(row.family);
+  std::vector<std::string> expected{"begin", "wait 4100", "send <return>", "wait 2120"};
+  Add(expected, row.identification, ' ');
+  if (!row.afterSettling.empty()) expected.push_back(row.afterSettling);
+  AddConnected(expected, "921600", row.identity);
+  AddRun(expected);
+  EXPECT_EQ(LogOf([&] { StartRun(*state_); }), expected);
+
+  Run(1);
+  state_->settings.soundSpeed_mps = 1480.0f;
+  expected = {"begin", "wait 10", "send <stop key>", "send <return>", "wait 20", "send #sound 1480.000"};
+  Add(expected, row.reads, ' ');
+  AddRun(expected);
+  EXPECT_EQ(LogOf([&] { ApplySettings(*state_); }), expected);
+
+  Run(1);
+  expected = {"begin",    "send <stop key>", "send <return>", row.pauseOfSpeedChange, "send #speed 3000000",
+              "wait 100", "send #reset",     "wait 100"};
+  AddConnected(expected, "3000000", row.identity);
+  AddRun(expected);
+  EXPECT_EQ(LogOf([&] { ChangeSpeed(*state_, 3'000'000); }), expected);
+  EXPECT_EQ(saboteur_->Mode(), "baud=3000000 parity=N data=8 stop=1 octs=on rts=on");
+
+  Run(1);
+  EXPECT_EQ(
+      LogOf([&] { StopRun(*state_); }),
+      (std::vector<std::string>{"begin", "status 0 Device: Disconnected", "status 1 GPS: Disconnected"}));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Families, Order,
+    testing::Values(OrderCase{"First", DeviceFamily::first, std::string(kFirstReads) + " #reset #info",
+                              kFirstReads, "VIRTUAL-0001", "wait 1110", "wait 20"},
+                    OrderCase{"Second", DeviceFamily::second,
+                              std::string("##maxrangel ") + kSecondReads + " #reset", kSecondReads, "0042",
+                              "", "wait 20"},
+                    OrderCase{"Third", DeviceFamily::third, std::string("##maxrangel #iden ") + kThirdReads,
+                              kThirdReads, "0042", "", "wait 10"}),
+    [](const auto& row) { return std::string(row.param.name); });
+
 }  // namespace
 }  // namespace tw::test
