@@ -306,8 +306,15 @@ TEST_P(Order, OfStartApplySpeedChangeAndStop) {
   EXPECT_EQ(LogOf([&] { ApplySettings(*state_); }), expected);
 
   Run(1);
-  expected = {"begin",    "send <stop key>", "send <return>", row.pauseOfSpeedChange, "send #speed 3000000",
-              "wait 100", "send #reset",     "wait 100"};
+  expected = {"begin",
+              "wait 10",
+              "send <stop key>",
+              "send <return>",
+              row.pauseOfSpeedChange,
+              "send #speed 3000000",
+              "wait 100",
+              "send #reset",
+              "wait 100"};
   AddConnected(expected, "3000000", row.identity);
   AddRun(expected);
   EXPECT_EQ(LogOf([&] { ChangeSpeed(*state_, 3'000'000); }), expected);
