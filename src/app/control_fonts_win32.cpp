@@ -55,6 +55,7 @@ void SetFontOfSameHeight(HWND combo, HFONT font) {
   const LONG before = HeightOf(combo);
   SendMessageW(combo, WM_SETFONT, reinterpret_cast<WPARAM>(font), FALSE);
   const LRESULT part = SendMessageW(combo, CB_GETITEMHEIGHT, kClosedPart, 0);
+  SendMessageW(combo, CB_SETITEMHEIGHT, kClosedPart, part);  // now its height is settled
   SendMessageW(combo, CB_SETITEMHEIGHT, kClosedPart, part + before - HeightOf(combo));
 }
 
