@@ -8,7 +8,7 @@
 
 #include "acquisition/ping_ring.h"
 #include "platform/sync.h"
-#include "simulator/sent_ping.h"
+#include "tests/sent_account.h"
 
 namespace tw::test {
 
@@ -33,7 +33,7 @@ class PulseWatch {
   uint32_t step = 1;          // from a ping here to the next one, in messages
 
   // Takes the newest ping; false when it was there before. Look more often than pings come.
-  [[nodiscard]] bool Look(const std::vector<sim::SentPing>& sent) {
+  [[nodiscard]] bool Look(const std::vector<SentMessage>& sent) {
     int32_t index = 0;
     {
       Locked held(lock_);
@@ -50,7 +50,7 @@ class PulseWatch {
       ADD_FAILURE() << "ping " << newest_.ping << " of " << sent.size();
       return true;
     }
-    Compare(sent[newest_.ping - 1], slot);
+    Compare(sent[newest_.ping - 1].sent, slot);
     return true;
   }
 
