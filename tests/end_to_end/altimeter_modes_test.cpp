@@ -117,6 +117,7 @@ TEST_P(AltimeterModes, EveryPingReachesRingsAndFiles) {
   ASSERT_TRUE(test::Ui().boxes.empty()) << "a box was shown at Start";
   EXPECT_EQ(LoadShared(globals.deviceFamily), static_cast<int32_t>(each.family));
   EXPECT_EQ(LoadShared(globals.dualMode), each.dual ? 1 : 0);
+  EXPECT_EQ(state_->settings.outputMode, each.mode);
   EXPECT_EQ(state_->echogramEnabled, 0);
 
   PulseWatch high(*state_->ringA, state_->ringIndexA, state_->ringLockA);

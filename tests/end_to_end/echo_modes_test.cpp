@@ -76,6 +76,7 @@ class EchoModes : public test::RunControlTest, public testing::WithParamInterfac
 void EchoModes::ExpectSame(const PingHeader& ping, const SentMessage& message) {
   const bool binary = GetParam().IsBinary();
   const sim::SentPing& sent = message.sent;
+  EXPECT_GT(sent.altitude_m, 3.0f);
   EXPECT_EQ(ping.ping, sent.number);
   EXPECT_EQ(ping.deviceSeconds, binary ? sent.deviceTime_s : 0);
   EXPECT_EQ(ping.deviceMilliseconds, binary ? sent.deviceTime_ms : 0);
@@ -176,6 +177,7 @@ TEST_P(EchoModes, EveryPingReachesRingsAndFiles) {
   ASSERT_TRUE(test::Ui().boxes.empty()) << "a box was shown at Start";
   EXPECT_EQ(LoadShared(globals.deviceFamily), static_cast<int32_t>(each.family));
   EXPECT_EQ(LoadShared(globals.dualMode), each.dual ? 1 : 0);
+  EXPECT_EQ(state_->settings.outputMode, each.mode);
   EXPECT_EQ(state_->echogramEnabled, 1);
 
   while (seen_[0] <= each.pings) {

@@ -61,6 +61,7 @@ class PulseWatch {
   void Compare(const sim::SentPing& sent, const uint8_t* slot) const {
     const float altitude_m = lowOfMessage ? sent.altitudeLow_m : sent.altitude_m;
     const bool attitude = says == Says::attitude;
+    EXPECT_GT(altitude_m, 0.0f) << newest_.ping;
     EXPECT_EQ(newest_.altitude_m, altitude_m) << newest_.ping;
     EXPECT_EQ(newest_.temperature_c, says == Says::altitude ? 0 : sent.temperature_c) << newest_.ping;
     EXPECT_EQ(newest_.pitch_deg, attitude ? sent.pitch_deg : 450.0f) << newest_.ping;
