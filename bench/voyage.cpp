@@ -32,7 +32,7 @@ void Print(const VoyageFigures& figures, double wall_s) {
               figures.hangUps, figures.silences, figures.applies, figures.pauses);
   std::printf("files %" PRIu64 ", bytes %" PRIu64 ", hash %016" PRIx64 "\n", figures.files, figures.bytes,
               figures.hash);
-  std::printf("resident %.1f MiB after 20,000 s, %.1f MiB at the end\n",
+  std::printf("resident %.1f MiB after 60,000 s, %.1f MiB at the end\n",
               static_cast<double>(figures.residentEarly) / 1'048'576,
               static_cast<double>(figures.residentAtEnd) / 1'048'576);
   std::printf("wall time %.0f s\n", wall_s);
