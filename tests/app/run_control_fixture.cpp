@@ -27,6 +27,8 @@ sim::SounderOptions QuickSounder() {
   sim::SounderOptions options;
   options.baud = 921'600;
   options.sampleCount = 200;
+  options.depth_m = 4.0;  // within these samples
+  options.relief_m = 0.5;
   return options;
 }
 

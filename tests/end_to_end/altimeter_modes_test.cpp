@@ -14,8 +14,10 @@
 #include "base/shared_value.h"
 #include "platform/clock.h"
 #include "simulator/virtual_echosounder.h"
-#include "tests/acquisition/pulse_watch.h"
 #include "tests/app/run_control_fixture.h"
+#include "tests/end_to_end/pulse_watch.h"
+#include "tests/end_to_end/recorded_position.h"
+#include "tests/sent_account.h"
 
 namespace tw {
 namespace {
@@ -26,18 +28,6 @@ using test::Says;
 
 constexpr size_t kPings = 2'000;
 constexpr double kRadian = 57.29577951308232;
-
-class Account : public sim::PingObserver {
- public:
-  void PingMade(const sim::SentPing& ping, std::span<const uint16_t>) override { sent.push_back(ping); }
-  // Messages end in their order.
-  void PingEnded(const sim::SentPing& ping) override { sent[ended_++] = ping; }
-
-  std::vector<sim::SentPing> sent;
-
- private:
-  size_t ended_ = 0;
-};
 
 struct Case {
   friend void PrintTo(const Case& each, std::ostream* out) { *out << each.name; }
@@ -52,6 +42,8 @@ struct Case {
 
 class AltimeterModes : public test::RunControlTest, public testing::WithParamInterface<Case> {
  protected:
+  ~AltimeterModes() override { StopRun(*state_); }
+
   // Sets up what a ring is expected to show.
   void Expect(PulseWatch& watch, bool low) const {
     const Case& each = GetParam();
@@ -66,7 +58,7 @@ class AltimeterModes : public test::RunControlTest, public testing::WithParamInt
 
   // A receiver's position of the last seconds stands in the ping.
   void ExpectPosition(const PingHeader& ping) {
-    if (ping.gpsValid == 0) return;
+    if (ping.gpsLatitude_rad == 0 && ping.gpsLongitude_rad == 0) return;  // before the first fix
     ++positions_;
     const sim::SentEpoch& newest = gps_->Epochs().Entries().back();
     EXPECT_NEAR(static_cast<double>(ping.gpsLatitude_rad) * kRadian, newest.latitude_deg, 1e-4);
@@ -76,23 +68,9 @@ class AltimeterModes : public test::RunControlTest, public testing::WithParamInt
 
   void CompareFile(std::string_view file, bool low, bool every);
 
-  Account account_;
+  test::SentAccount account_;
   size_t positions_ = 0;
 };
-
-// Takes a sentence with this address and a valid checksum off the front; the fields in between, or nothing.
-std::string_view TakeSentence(std::string_view& rest, std::string_view address) {
-  const size_t end = rest.find("\r\n");
-  if (!rest.starts_with(address) || end == rest.npos || end < 10) return {};
-  const std::string_view sentence = rest.substr(0, end);
-  unsigned sum = 0;
-  for (const char c : sentence.substr(1, sentence.size() - 4)) sum ^= static_cast<unsigned char>(c);
-  char text[4];
-  std::snprintf(text, sizeof text, "*%02x", sum);
-  if (!sentence.ends_with(text)) return {};
-  rest.remove_prefix(end + 2);
-  return sentence;
-}
 
 // The file holds every message of its channel, in order, whole, each behind its frequency line in NMEA and
 // with GGA and RMC behind it, and nothing else but settings lines in front.
@@ -104,7 +82,9 @@ void AltimeterModes::CompareFile(std::string_view file, bool low, bool every) {
                                           : settings.highFrequency_hz;
   const std::string line = "#F " + std::to_string(set_hz) + " Hz\r\n";
   size_t pings = 0;
-  for (const sim::SentPing& sent : account_.sent) {
+  size_t positions = 0;
+  for (const test::SentMessage& each : account_.messages) {
+    const sim::SentPing& sent = each.sent;
     if (!every && (sent.txFrequency_hz == settings.lowFrequency_hz) != low) continue;
     if (file.empty()) break;  // stopped
     if (GetParam().mode == 3) {
@@ -115,12 +95,12 @@ void AltimeterModes::CompareFile(std::string_view file, bool low, bool every) {
     ASSERT_EQ(sim::HashOf({reinterpret_cast<const uint8_t*>(message.data()), message.size()}), sent.hash)
         << "ping " << pings << ": " << message;
     file.remove_prefix(message.size());
-    ASSERT_FALSE(TakeSentence(file, "$GPGGA,").empty()) << "ping " << pings << ": " << file.substr(0, 80);
-    ASSERT_FALSE(TakeSentence(file, "$GPRMC,").empty()) << "ping " << pings << ": " << file.substr(0, 80);
+    ASSERT_NO_FATAL_FAILURE(test::TakePosition(file, *gps_, positions)) << "ping " << pings;
     ++pings;
   }
   EXPECT_TRUE(file.empty()) << file.substr(0, 200);
   EXPECT_GE(pings, kPings);
+  EXPECT_GT(positions, kPings * 9 / 10);
 }
 
 TEST_P(AltimeterModes, EveryPingReachesRingsAndFiles) {
@@ -137,6 +117,7 @@ TEST_P(AltimeterModes, EveryPingReachesRingsAndFiles) {
   ASSERT_TRUE(test::Ui().boxes.empty()) << "a box was shown at Start";
   EXPECT_EQ(LoadShared(globals.deviceFamily), static_cast<int32_t>(each.family));
   EXPECT_EQ(LoadShared(globals.dualMode), each.dual ? 1 : 0);
+  EXPECT_EQ(state_->settings.outputMode, each.mode);
   EXPECT_EQ(state_->echogramEnabled, 0);
 
   PulseWatch high(*state_->ringA, state_->ringIndexA, state_->ringLockA);
@@ -145,8 +126,8 @@ TEST_P(AltimeterModes, EveryPingReachesRingsAndFiles) {
   Expect(low, true);
   while (high.Seen() < kPings) {
     SleepMilliseconds(20);
-    if (high.Look(account_.sent)) ExpectPosition(high.Newest());
-    if (low.Look(account_.sent)) ExpectPosition(low.Newest());
+    if (high.Look(account_.messages)) ExpectPosition(high.Newest());
+    if (low.Look(account_.messages)) ExpectPosition(low.Newest());
     ASSERT_FALSE(HasFailure());
   }
   EXPECT_GE(low.Seen() + 1, each.dual ? kPings : 1u);
@@ -163,6 +144,8 @@ TEST_P(AltimeterModes, EveryPingReachesRingsAndFiles) {
 }
 
 constexpr DeviceFamily kFirst = DeviceFamily::first;
+constexpr DeviceFamily kSecond = DeviceFamily::second;
+constexpr DeviceFamily kThird = DeviceFamily::third;
 
 INSTANTIATE_TEST_SUITE_P(Modes, AltimeterModes,
                          testing::Values(Case{kFirst, 1, "FirstSimple", Says::altitude},
@@ -175,7 +158,19 @@ INSTANTIATE_TEST_SUITE_P(Modes, AltimeterModes,
                                          Case{kFirst, 7, "FirstDual", Says::temperature, true, true},
                                          Case{kFirst, 8, "FirstDfx", Says::altitude, false, true},
                                          Case{kFirst, 8, "FirstDfxDual", Says::altitude, true, true},
-                                         Case{kFirst, 9, "FirstOld", Says::altitude, false, true}),
+                                         Case{kFirst, 9, "FirstOld", Says::altitude, false, true},
+                                         Case{kSecond, 1, "SecondSimple", Says::altitude},
+                                         Case{kSecond, 3, "SecondNmea", Says::attitude},
+                                         Case{kSecond, 7, "SecondPsa916", Says::altitude},
+                                         Case{kSecond, 8, "SecondAltiPlusTemp", Says::temperature},
+                                         Case{kSecond, 9, "SecondDfx", Says::altitude},
+                                         Case{kSecond, 10, "SecondOld", Says::altitude},
+                                         Case{kThird, 1, "ThirdSimple", Says::altitude},
+                                         Case{kThird, 3, "ThirdNmea", Says::attitude},
+                                         Case{kThird, 7, "ThirdPsa916", Says::altitude},
+                                         Case{kThird, 8, "ThirdAltiPlusTemp", Says::temperature},
+                                         Case{kThird, 9, "ThirdDfx", Says::altitude},
+                                         Case{kThird, 10, "ThirdOld", Says::altitude}),
                          [](const auto& each) { return std::string(each.param.name); });
 
 }  // namespace

@@ -23,7 +23,7 @@
 #include "platform/host/virtual_clock.h"
 #include "simulator/virtual_echosounder.h"
 #include "tests/acquisition/live_program.h"
-#include "tests/acquisition/pulse_watch.h"
+#include "tests/end_to_end/pulse_watch.h"
 #include "tests/sent_account.h"
 #include "tests/simulator_peer.h"
 

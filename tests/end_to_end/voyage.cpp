@@ -22,7 +22,7 @@ constexpr int64_t kDelivery_us = 20'000;
 constexpr int64_t kOnItsWay_us = 50'000;
 constexpr size_t kRepeat = 4;            // a sample on the grid: the device samples at 25,000 Hz
 constexpr int32_t kSilenceLimit_s = 60;  // of the program
-constexpr int32_t kRingFilled_s = 1'100;
+constexpr int32_t kFilled_s = 60'000;
 
 uint64_t Fnv(std::string_view bytes, uint64_t hash) {
   for (const char byte : bytes) hash = (hash ^ static_cast<uint8_t>(byte)) * 0x100000001B3u;
@@ -287,7 +287,7 @@ VoyageFigures Voyage::Sail(const VoyagePlan& plan) {
                                  &Voyage::ApplyAnotherMode, &Voyage::PauseRecording};
     (this->*kEvents[Draw(0, std::size(kEvents) - 1)])();
     ForgetPosts();
-    if (log_.figures.residentEarly == 0 && sailed_s() >= kRingFilled_s) {
+    if (log_.figures.residentEarly == 0 && sailed_s() >= kFilled_s) {
       log_.figures.residentEarly = ResidentBytes();
     }
   }

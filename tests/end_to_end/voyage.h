@@ -44,7 +44,7 @@ struct VoyageFigures {
   uint64_t files = 0;
   uint64_t bytes = 0;
   uint64_t hash = 0;         // of all recorded bytes: the same for the same plan
-  size_t residentEarly = 0;  // bytes, when the rings have been filled once
+  size_t residentEarly = 0;  // bytes, when rings and the simulator's logs have been filled
   size_t residentAtEnd = 0;
 };
 

@@ -8,7 +8,7 @@
 
 #include "acquisition/ping_ring.h"
 #include "platform/sync.h"
-#include "simulator/sent_ping.h"
+#include "tests/sent_account.h"
 
 namespace tw::test {
 
@@ -33,7 +33,7 @@ class PulseWatch {
   uint32_t step = 1;          // from a ping here to the next one, in messages
 
   // Takes the newest ping; false when it was there before. Look more often than pings come.
-  [[nodiscard]] bool Look(const std::vector<sim::SentPing>& sent) {
+  [[nodiscard]] bool Look(const std::vector<SentMessage>& sent) {
     int32_t index = 0;
     {
       Locked held(lock_);
@@ -50,7 +50,7 @@ class PulseWatch {
       ADD_FAILURE() << "ping " << newest_.ping << " of " << sent.size();
       return true;
     }
-    Compare(sent[newest_.ping - 1], slot);
+    Compare(sent[newest_.ping - 1].sent, slot);
     return true;
   }
 
@@ -61,6 +61,7 @@ class PulseWatch {
   void Compare(const sim::SentPing& sent, const uint8_t* slot) const {
     const float altitude_m = lowOfMessage ? sent.altitudeLow_m : sent.altitude_m;
     const bool attitude = says == Says::attitude;
+    EXPECT_GT(altitude_m, 0.0f) << newest_.ping;
     EXPECT_EQ(newest_.altitude_m, altitude_m) << newest_.ping;
     EXPECT_EQ(newest_.temperature_c, says == Says::altitude ? 0 : sent.temperature_c) << newest_.ping;
     EXPECT_EQ(newest_.pitch_deg, attitude ? sent.pitch_deg : 450.0f) << newest_.ping;
