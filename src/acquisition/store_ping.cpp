@@ -23,13 +23,14 @@ __attribute__((no_sanitize("thread"))) void CopyToSlot(uint8_t* slot, const uint
 #endif
 }
 
-void FillSlot(RingWriter& writer, int32_t index, const SlotImage& image) {
+// Copies `count` bytes to a slot and zeroes what else was in use there.
+void FillSlot(const RingWriter& writer, size_t index, const uint8_t* bytes, size_t count) {
   uint16_t& reach = writer.reach[index];
   uint32_t& stamp = writer.ring->stamps[index];
   StoreShared(stamp, stamp + 1);
-  CopyToSlot(writer.ring->slots[index], image.bytes, image.reach, reach);
+  CopyToSlot(writer.ring->slots[index], bytes, count, reach);
   StoreShared(stamp, stamp + 1);
-  reach = static_cast<uint16_t>(image.reach);
+  reach = static_cast<uint16_t>(count);
 }
 
 uint32_t TakeTicks(RingWriter& writer, uint32_t now_ms) {
@@ -76,13 +77,22 @@ void StorePing(RingWriter& writer, const SlotImage& image, uint32_t now_ms) {
     index = *writer.index;
   }
   const uint32_t ticks = TakeTicks(writer, now_ms);
-  FillSlot(writer, index, image);
+  FillSlot(writer, static_cast<size_t>(index), image.bytes, image.reach);
   const uint32_t copies = std::min<uint32_t>(ticks, kRingSlots - 1);
   for (uint32_t i = 1; i <= copies; ++i) {
-    FillSlot(writer, static_cast<int32_t>((static_cast<uint32_t>(index) + i) % kRingSlots), image);
+    FillSlot(writer, (static_cast<uint32_t>(index) + i) % kRingSlots, image.bytes, image.reach);
   }
   Locked held(*writer.lock);
   *writer.index = static_cast<int32_t>((static_cast<uint64_t>(index) + ticks) % kRingSlots);
+}
+
+void ClearRing(const RingWriter& writer) {
+  constexpr uint8_t kNothing[1] = {};
+  for (size_t slot = 0; slot < kRingSlots; ++slot) {
+    if (writer.reach[slot] > 0) FillSlot(writer, slot, kNothing, 0);
+  }
+  Locked held(*writer.lock);
+  *writer.index = 0;
 }
 
 }  // namespace tw

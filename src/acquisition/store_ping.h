@@ -45,4 +45,7 @@ struct SlotImage {
 // is filled once.
 void StorePing(RingWriter& writer, const SlotImage& image, uint32_t now_ms);
 
+// Zeroes all slots in use and sets the index to 0, while nobody else writes the ring.
+void ClearRing(const RingWriter& writer);
+
 }  // namespace tw

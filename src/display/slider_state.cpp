@@ -34,14 +34,18 @@ bool SliderState::TakePosition(uint64_t position) {
   return true;
 }
 
+bool SliderState::IsHovered() const {
+  return cursor_ && Contains(thumb_, *cursor_);
+}
+
 void SliderState::Press(Point cursor) {
   isDragging_ = Contains(thumb_, cursor);
 }
 
 std::optional<uint64_t> SliderState::Move(Point cursor, bool isButtonHeld) {
-  isHovered_ = Contains(thumb_, cursor);
+  cursor_ = cursor;
   isDragging_ = isDragging_ && isButtonHeld;
-  if (!isDragging_ || !isHovered_) return std::nullopt;
+  if (!isDragging_ || !IsHovered()) return std::nullopt;
   progress_.position = SeekPosition(progress_, cursor.x, width_);
   PlaceThumb();
   return progress_.position;

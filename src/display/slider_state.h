@@ -26,10 +26,10 @@ class SliderState {
   [[nodiscard]] std::optional<uint64_t> Move(Point cursor, bool isButtonHeld);
 
   void Release() { isDragging_ = false; }
-  void Leave() { isHovered_ = false; }
+  void Leave() { cursor_.reset(); }
 
   [[nodiscard]] bool IsDragging() const { return isDragging_; }
-  [[nodiscard]] bool IsHovered() const { return isHovered_; }
+  [[nodiscard]] bool IsHovered() const;
   [[nodiscard]] const Rect& Thumb() const { return thumb_; }
 
  private:
@@ -40,7 +40,7 @@ class SliderState {
   int32_t height_ = 0;
   Rect thumb_{};
   bool isDragging_ = false;
-  bool isHovered_ = false;
+  std::optional<Point> cursor_;  // while it is over the slider
 };
 
 inline constexpr Pixel kSliderColour = 0x3E3E42;

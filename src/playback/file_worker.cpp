@@ -1,6 +1,5 @@
 #include "playback/file_worker.h"
 
-#include <cstring>
 #include <memory>
 #include <new>
 
@@ -355,15 +354,6 @@ class FileRun {
 void RunFileWorker(AppState& state, const Side& side) {
   const std::unique_ptr<FileRun> run(new (std::nothrow) FileRun(state, side));
   if (run != nullptr) run->Run();
-}
-
-void ClearRing(const RingWriter& ring) {
-  for (size_t slot = 0; slot < kSlotsOfRing; ++slot) {
-    std::memset(ring.ring->slots[slot], 0, ring.reach[slot]);
-    ring.reach[slot] = 0;
-  }
-  Locked held(*ring.lock);
-  *ring.index = 0;
 }
 
 }  // namespace

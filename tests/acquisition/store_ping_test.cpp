@@ -143,6 +143,10 @@ TEST_F(Ring, StampsTellWhichSlotsHaveChanged) {
   Store(1, 1'000);  // the first ping counts as a tick: slots 0 and 1
   Store(2, 1'050);  // no tick: slot 1 again
   EXPECT_EQ(StampsAt(0, 3), (V{2, 4, 0}));
+  ClearRing(writer_);
+  EXPECT_EQ(StampsAt(0, 3), (V{4, 6, 0}));
+  EXPECT_EQ(PingsAt(0, 3), (V{0, 0, 0}));
+  EXPECT_EQ(index_, 0);
 }
 
 TEST_F(Ring, TheFirstPingCountsAsOneTick) {

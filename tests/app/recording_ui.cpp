@@ -5,12 +5,18 @@
 #include <mutex>
 
 #include "base/text_format.h"
+#include "platform/clock.h"
 
 namespace tw {
 namespace {
 
 test::RecordingUi ui;
 std::mutex postLock;  // workers post from threads of their own
+
+std::string Narrow(const wchar_t* text) {
+  char narrow[1024];
+  return {narrow, NarrowText(narrow, text)};
+}
 
 }  // namespace
 
@@ -22,6 +28,16 @@ RecordingUi& Ui() {
 
 void ResetUi() {
   ui = RecordingUi{};
+}
+
+void RecordingUi::Note(const std::string& what) {
+  const uint32_t now_ms = MillisecondClock();
+  constexpr uint32_t kShortestWait_ms = 10;
+  if (!log.empty() && now_ms - noted_ms >= kShortestWait_ms) {
+    log.push_back("wait " + std::to_string((now_ms - noted_ms) / kShortestWait_ms * kShortestWait_ms));
+  }
+  noted_ms = now_ms;
+  log.push_back(what);
 }
 
 void RecordingUi::Choose(int id, const std::wstring& text) {
@@ -38,6 +54,7 @@ using test::Ui;
 
 bool ShowBox(AppState&, const wchar_t* text, const wchar_t* caption, BoxIcon icon, BoxButtons buttons) {
   Ui().boxes.push_back({text, caption, icon, buttons});
+  Ui().Note("box " + Narrow(text));
   if (Ui().duringBox != nullptr) Ui().duringBox();
   return Ui().answerOk;
 }
@@ -50,6 +67,7 @@ void ShowSystemError(AppState&, uint32_t code) {
 void SetStatusText(AppState&, StatusPart part, const wchar_t* text) {
   const std::lock_guard hold(postLock);
   Ui().status[static_cast<size_t>(part)] = text;
+  Ui().Note("status " + std::to_string(static_cast<int>(part)) + " " + Narrow(text));
 }
 
 void PostStatusText(AppState&, StatusPart part, const wchar_t* text) {
@@ -120,6 +138,7 @@ bool IsComboOpen(AppState&, int id) {
 }
 
 void StartTimer(AppState&, int id, uint32_t period_ms) {
+  Ui().Note("timer " + std::to_string(id) + " every " + std::to_string(period_ms));
   Ui().timers[id] = period_ms;
 }
 void StopTimer(AppState&, int id) {

@@ -46,6 +46,11 @@ struct RecordingUi {
   // Called while a box is shown, as the message loop of a real box would go on.
   void (*duringBox)() = nullptr;
 
+  // What happened in its order, with the time passed since the last entry where that is 10 ms or more.
+  std::vector<std::string> log;
+  void Note(const std::string& what);
+  uint32_t noted_ms = 0;
+
   // Puts a text into a combo and selects it, as if the operator had chosen it.
   void Choose(int id, const std::wstring& text);
   [[nodiscard]] bool PointerIsArrow() const {

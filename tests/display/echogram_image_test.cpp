@@ -6,6 +6,8 @@
 #include <limits>
 #include <vector>
 
+#include "display/kept_echogram.h"
+#include "display/zoom.h"
 #include "tests/display/test_ring.h"
 
 namespace tw {
@@ -39,12 +41,26 @@ class EchogramImage : public testing::Test {
     BuildAmplitudeColours(palette_, colours_);
   }
 
-  // Renders into a canvas with a guard column and row, which must stay as they are.
+  // Renders into a canvas with a guard column and row, which must stay as they are; whole, and out of kept
+  // columns.
   Canvas Render(const EchogramScale& scale, int32_t width, int32_t height) {
+    const Canvas kept =
+        RenderWith([&](const Canvas& image) { kept_->Render(*ring_, scale, colours_, *scratch_, image); },
+                   width, height);
+    const std::vector<Pixel> keptPixels(kept.pixels, kept.pixels + pixels_.size());
+    const Canvas whole =
+        RenderWith([&](const Canvas& image) { RenderEchogram(*ring_, scale, colours_, *scratch_, image); },
+                   width, height);
+    EXPECT_TRUE(keptPixels == pixels_);
+    return whole;
+  }
+
+  template <typename Work>
+  Canvas RenderWith(Work work, int32_t width, int32_t height) {
     const ptrdiff_t stride = width + 1;
     pixels_.assign(static_cast<size_t>(stride * (height + 1)), kGuard);
     const Canvas image{pixels_.data(), width, height, stride};
-    RenderEchogram(*ring_, scale, colours_, *scratch_, image);
+    work(image);
     for (int32_t y = 0; y < height; ++y) EXPECT_EQ(image.Row(y)[width], kGuard) << y;
     for (int32_t x = 0; x < width; ++x) EXPECT_EQ(image.Row(height)[x], kGuard) << x;
     return image;
@@ -70,6 +86,7 @@ class EchogramImage : public testing::Test {
   DisplayPalette palette_;
   AmplitudeColours colours_;
   std::unique_ptr<EchogramScratch> scratch_ = std::make_unique<EchogramScratch>();
+  std::unique_ptr<KeptEchogram> kept_ = std::make_unique<KeptEchogram>();
   std::vector<Pixel> pixels_;
 };
 
@@ -92,6 +109,10 @@ constexpr ImageCase kImages[] = {
     {"the newest ping is at index 0", 120, 50, {0, 20, 10'000, 1'500.0f}},
     {"old columns go below index 0", 333, 50, {40, 30, 10'000, 1'500.0f}},
     {"the last slot of the ring", 100, 50, {9'999, 10, 10'000, 1'500.0f}},
+    {"one pixel at index 0", 1, 1, {0, 300, 200'000, 1'500.0f}},
+    {"a column", 1, 960, {3, 150, 30'000, 1'500.0f}},
+    {"a row", 1'770, 1, {3, 150, 30'000, 1'500.0f}},
+    {"a screen of the largest kind", 3'840, 2'160, {500, 60, 120'000, 1'480.0f}},
 };
 
 TEST_F(EchogramImage, FollowsTheRulesPixelByPixel) {
@@ -102,6 +123,21 @@ TEST_F(EchogramImage, FollowsTheRulesPixelByPixel) {
   for (const ImageCase& c : kImages) {
     SCOPED_TRACE(c.what);
     ExpectRules(c.scale, c.width, c.height);
+  }
+}
+
+// The upper and the lower panel of a live dual view have half the time scale that is chosen.
+TEST_F(EchogramImage, FollowsTheRulesAtEveryZoomStep) {
+  for (int32_t i = 0; i < kRingSlots; i += 9) FillSlot(*ring_, i, 88, 29'636);
+  constexpr int32_t kNewest[] = {0, 1, 57, 1'499, 2'999, 7'300, 9'999};
+  size_t next = 0;
+  for (const int32_t range_mm : DisplayRangeSteps) {
+    for (const int32_t timeScale_s : TimeScaleSteps) {
+      SCOPED_TRACE(testing::Message() << range_mm << " mm, " << timeScale_s << " s");
+      const int32_t newest = kNewest[next++ % std::size(kNewest)];
+      ExpectRules({newest, timeScale_s, range_mm, 1'500.0f}, 97, 61);
+      ExpectRules({newest, timeScale_s / 2, range_mm, 1'500.0f}, 97, 30);
+    }
   }
 }
 

@@ -30,9 +30,10 @@ uint64_t Fnv(std::string_view bytes, uint64_t hash) {
 }
 constexpr uint64_t kFnvBegin = 0xCBF29CE484222325u;
 
-// Splits off what stands before the position; empty when there is none.
+// Splits off the message, which stands before the position and in NMEA behind a frequency line of the
+// program's; empty when there is none.
 std::string_view TakeMessage(std::string_view& record) {
-  if (record.starts_with("#F ")) record.remove_prefix(std::min(record.find("$SDZDA"), record.size()));
+  if (record.starts_with("#F ")) record.remove_prefix(std::min(record.find('\n') + 1, record.size()));
   const size_t position = record.rfind("$GPGGA,");
   if (position == record.npos) return {};
   const std::string_view message = record.substr(0, position);
@@ -120,6 +121,7 @@ void VoyageLog::Written(std::wstring_view, uint64_t offset, std::span<const uint
   const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
   figures.bytes += bytes.size();
   figures.hash = Fnv(text, offset == 0 && figures.files == 0 ? kFnvBegin : figures.hash);
+  if (text == "\r") return;  // the mark of a run that recorded nothing; the file is removed
   if (offset != 0) return TakeRecord(text);
   ++figures.files;
   if (!text.starts_with("INFO:1,")) Fail("a file without settings");

@@ -236,6 +236,19 @@ TEST(Binding, StrictLineCarriesNoiseWhileTheSpeedsDiffer) {
   }
 }
 
+TEST(Binding, AnswerToTheResetLeavesAStrictLineAtTheOldSpeed) {
+  sim::VirtualEchosounder device({});
+  auto terminal = std::make_unique<NarrowLine>(100'000, "#speed 3000000\r#reset\r");
+  NarrowLine& line = *terminal;
+  Binding binding(device, std::move(terminal), {}, true);
+  for (const int64_t now_us : {0, 1'000'000, 2'000'000}) binding.Pump(now_us);
+  EXPECT_EQ(line.sent_, "#speed 3000000\r\n\r\n>#reset\r\n\r\n>");
+  EXPECT_EQ(device.LineSpeed(), 3'000'000);
+  line.input_ = "#time\r";
+  binding.Pump(3'000'000);
+  EXPECT_EQ(device.Commands().Total(), 2u);
+}
+
 TEST(Binding, HangUpClosesTheLine) {
   sim::VirtualEchosounder device({.faults = {.instrument = {.hangUpAt_us = 5'000}}});
   Binding binding(device, std::make_unique<NarrowLine>(1'000), {});

@@ -51,10 +51,13 @@ void LineFile::Write(const std::string& line) {
 
 Binding::Binding(sim::VirtualInstrument& instrument, std::unique_ptr<Terminal> terminal,
                  const Reports& reports, bool strict)
-    : instrument_(instrument), terminal_(std::move(terminal)), reports_(reports), strict_(strict) {}
+    : instrument_(instrument), terminal_(std::move(terminal)), reports_(reports), strict_(strict) {
+  if (terminal_ != nullptr) WatchLine(0);
+}
 
 void Binding::Pump(int64_t now_us) {
   if (terminal_ == nullptr) return;
+  GiveOutput(now_us);  // what has left by now left at the speeds of before
   WatchLine(now_us);
   TakeInput(now_us);
   GiveOutput(now_us);

@@ -39,7 +39,7 @@ struct Reports {
 
 class Binding {
  public:
-  // The instrument outlives the binding.
+  // The instrument outlives the binding, whose time begins at 0.
   Binding(sim::VirtualInstrument& instrument, std::unique_ptr<Terminal> terminal, const Reports& reports,
           bool strict = false);
 
