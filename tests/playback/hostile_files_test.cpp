@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -18,6 +19,7 @@
 #include "platform/host/faults.h"
 #include "playback/converter.h"
 #include "playback/ping_source.h"
+#include "simulator/sent_ping.h"
 #include "tests/app/run_control_fixture.h"
 #include "tests/playback/sample_recordings.h"
 #include "tools/echotool/work.h"
@@ -46,10 +48,10 @@ struct Outcome {
 };
 
 std::string Identity(const RecordedPing& ping) {
-  std::string out = std::to_string(ping.header.ping) + ' ' + std::to_string(ping.header.altitude_m) + ' ' +
-                    std::to_string(ping.header.timeOfWork_s) + ' ' + std::to_string(ping.begin);
-  for (const uint16_t sample : ping.samples) out += ' ' + std::to_string(sample);
-  return out;
+  const auto* const samples = reinterpret_cast<const uint8_t*>(ping.samples.data());
+  return std::to_string(ping.header.ping) + ' ' + std::to_string(ping.header.altitude_m) + ' ' +
+         std::to_string(ping.header.timeOfWork_s) + ' ' + std::to_string(ping.begin) + ' ' +
+         std::to_string(sim::HashOf({samples, ping.samples.size_bytes()}));
 }
 
 // True when `part` is what the whole begins with.
@@ -210,10 +212,10 @@ TEST_F(HostileFiles, LongRecordingsCutAtRandomLengths) {
     const auto kind = std::find_if(SampleKinds().begin(), SampleKinds().end(), [&](const SampleKind& each) {
       return std::string_view(each.name) == name;
     });
-    const std::string bytes = SampleRecording(*kind, 120);
+    const std::string bytes = SampleRecording(*kind, 50);
     Write(File(), bytes);
     const Outcome whole = Read(File());
-    ASSERT_GE(whole.pings.size(), 119u);
+    ASSERT_GE(whole.pings.size(), 49u);
     std::vector<size_t> sizes(1'000);
     for (size_t& size : sizes) size = random() % bytes.size();
     std::sort(sizes.rbegin(), sizes.rend());
@@ -257,8 +259,8 @@ TEST_F(HostileFiles, GarbageWithoutEndIsReadToItsEnd) {
     file.close();
     const bool plays = Read(File()).fault == RecordingFault::none;
     EXPECT_FALSE(plays) << start;
-    EXPECT_FALSE(Works(Task::csv, File())) << start;
   }
+  EXPECT_FALSE(Works(Task::csv, File()));
   EXPECT_FALSE(Plays(File()));
 }
 
@@ -340,8 +342,13 @@ TEST_F(HostileFiles, TextValuesAtTheirExtremes) {
   const Outcome sound = Read(File());
   const size_t second = bytes.find("#DeviceID", bytes.find("#DeviceID") + 1);
   ASSERT_NE(second, std::string::npos);
-  const char* const keys[] = {"#TimeWork ",       "#Ping ",    "#Altitude ",  "#Temperature ",
-                              "#NSamples ",       "#Range,m ", "#Pitch,deg ", "#Sampling_Frequency,Hz ",
+  const char* const keys[] = {"#TimeWork ",
+                              "#Ping ",
+                              "#Altitude ",
+                              "#Temperature ",
+                              "#NSamples ",
+                              "#Pitch,deg ",
+                              "#Sampling_Frequency,Hz ",
                               "#Tx_Frequency,Hz "};
   const char* const values[] = {
       "",    "0",    "-1",    "-2208988800",          "2147483648", "4294967295.999", "50001", "4294967296",
@@ -371,31 +378,37 @@ TEST_F(HostileFiles, WhatIsAppendedDuringAPlaybackIsPlayedToo) {
   SleepMilliseconds(200);
   std::ofstream(File(), std::ios::binary | std::ios::app) << bytes.substr(half);
   WaitForEnd();
+  StopRun(*state_);
   RecordingFault fault{};
   uint32_t last = 0;
   const auto recording = OpenRecording(File().wstring().c_str(), fault);
-  EXPECT_EQ(recording, nullptr) << "it is being played, its writer shared";
-  StopRun(*state_);
-  const auto again = OpenRecording(File().wstring().c_str(), fault);
-  ASSERT_NE(again, nullptr);
-  for (RecordedPing ping{}; again->Next(ping);) last = ping.header.ping;
+  ASSERT_NE(recording, nullptr);
+  for (RecordedPing ping{}; recording->Next(ping);) last = ping.header.ping;
   EXPECT_EQ(LoadShared(globals.pingCounter), last);
 }
 
-// The disk or the network share is gone: what can be read no more is the end.
-TEST_F(HostileFiles, FailingReadsEndTheFile) {
+// The disk or the network share is gone. A playback ends there; a conversion ends too, but does not say that
+// it is complete; echotool leaves nothing.
+TEST_F(HostileFiles, FailingReadsAreNotTheEndOfTheFile) {
   const SampleKind kind{"", sim::DeviceFamily::first, 100};
-  Write(File(), SampleRecording(kind, 1'500, 500));
-  for (const uint64_t call : {1, 2, 3, 4, 5, 6}) {
-    for (const FaultPoint point : {FaultPoint::readFile, FaultPoint::seekFile}) {
-      ClearFaults();
-      InjectFault({.point = point, .call = call, .repeat = kEveryCall});
-      static_cast<void>(Plays(File()));
-      ClearFaults();
-      InjectFault({.point = point, .call = call, .repeat = kEveryCall});
-      const std::wstring said = Converts(File(), ConvertToSegy);
-      EXPECT_TRUE(said == L"Convert completed" || said == L"Cannot convert this file(s)");
-    }
+  Write(File(), SampleRecording(kind, 1'000, 500));
+  const auto failFrom = [](uint64_t call) {
+    ClearFaults();
+    InjectFault({.point = FaultPoint::readFile, .call = call, .repeat = kEveryCall});
+  };
+  // So many reads the whole file takes, the one at its end included.
+  ClearFaults();
+  ASSERT_TRUE(Works(Task::segy, File()));
+  const uint64_t reads = CallCount(FaultPoint::readFile);
+  for (uint64_t call = 1; call <= reads; ++call) {
+    failFrom(call);
+    EXPECT_FALSE(Works(Task::segy, File())) << call;
+    failFrom(call);
+    EXPECT_FALSE(Works(Task::info, File())) << call;
+    failFrom(call);
+    EXPECT_NE(Converts(File(), ConvertToSegy), L"Convert completed") << call;
+    failFrom(call);
+    static_cast<void>(Plays(File()));
   }
   ClearFaults();
 }
@@ -419,7 +432,7 @@ TEST_F(HostileFiles, FullDisk) {
   ASSERT_EQ(Converts(File(), ConvertToSegy), L"Convert completed");
   const std::string whole = Contents(Records() / "hostile.sgy");
   ASSERT_EQ(whole.size(), 3'600u + 20 * (240 + 200));
-  for (const size_t room : {0, 1, 3'199, 3'200, 3'600, 3'700, 3'839, 3'840, 4'041, 8'000}) {
+  for (const size_t room : {0, 1, 3'199, 3'200, 3'600, 3'700, 3'839, 3'840, 4'041, 4'800}) {
     LimitDiskSpace(room);
     EXPECT_EQ(Converts(File(), ConvertToSegy), L"Convert completed");
     EXPECT_EQ(Contents(Records() / "hostile.sgy"), whole.substr(0, room));
