@@ -63,7 +63,7 @@ class Files {
 
 void RequireSense(const RecordedPing& ping, const PingSource& recording) {
   Require(ping.begin < recording.Position() && recording.Position() <= recording.Size());
-  Require(ping.samples.size() <= 130'000 && ping.factor >= 1);
+  Require(ping.samples.size() <= 130'000 && (ping.samples.empty() || ping.factor >= 1));
   Require(ping.channel == 0 || ping.channel == 1);
 }
 

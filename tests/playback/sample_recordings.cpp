@@ -66,6 +66,8 @@ std::string SampleRecording(const SampleKind& kind, size_t messages, int32_t sam
                                    .outputMode = kind.outputMode,
                                    .pingsPerSecond = 50,
                                    .sampleCount = samples,
+                                   .depth_m = 1.5,  // within the few samples
+                                   .relief_m = 0.3,
                                    .binaryForm = kind.binaryForm,
                                    .streaming = true},
                                   &end);
