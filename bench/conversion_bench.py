@@ -1,10 +1,10 @@
 #!/usr/bin/python3
 """echotool on long recordings, whole processes on warm files, against cp, a raw write and segyio.
 
-    conversion_bench.py [BUILD_FOLDER [WORK_FOLDER [MEBIBYTES]]]
+    conversion_bench.py [BUILD_FOLDER [WORK_FOLDER [MEBIBYTES [RUNS]]]]
 
 The build folder is that of the preset `bench`; the work folder needs room for six times the recording and is left
-empty. Each figure is the median of five runs, those that are compared taken in turn.
+empty. Each figure is the median of its runs, five without a word, those that are compared taken in turn.
 """
 import os
 import shutil
@@ -19,7 +19,7 @@ BUILD = sys.argv[1] if len(sys.argv) > 1 else os.path.join(HERE, '..', 'build', 
 WORK = sys.argv[2] if len(sys.argv) > 2 else '/dev/shm'
 MEBIBYTES = int(sys.argv[3]) if len(sys.argv) > 3 else 1024
 PYTHON_MEBIBYTES = 32  # segyio's Python interface is compared on less
-RUNS = 5
+RUNS = int(sys.argv[4]) if len(sys.argv) > 4 else 5
 ECHOTOOL = os.path.join(BUILD, 'tools', 'echotool', 'echotool')
 MAKER = os.path.join(BUILD, 'bench', 'recording_maker')
 SEGYIO = os.path.join(BUILD, 'bench', 'segyio_writer')
