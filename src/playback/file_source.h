@@ -6,7 +6,6 @@
 #include <memory>
 #include <span>
 
-#include "acquisition/stream_reader.h"
 #include "platform/handle.h"
 
 namespace tw {
@@ -41,9 +40,5 @@ class FileSource {
   std::span<const uint8_t> bytes_;
   uint64_t behind_ = 0;  // the place behind the last byte read
 };
-
-// Reads until the reader has a whole block; false at the end of the file. The block's bytes stood in one
-// piece in the file, so that it began at source.Position() - reader.Block().size().
-[[nodiscard]] bool ReadFileBlock(FileSource& source, StreamReader& reader);
 
 }  // namespace tw

@@ -40,14 +40,27 @@ struct RecordingKind {
 // What a recording does not tell, if it is a text recording of the families 2 and 0.
 inline constexpr int32_t kUsualSampling_hz = 25'000;
 
+// Asked between two reads of the file, so that garbage without end holds nobody up: once it says true, Next
+// returns false although the recording goes on.
+struct Interruption {
+  bool (*isAsked)(void* subject);
+  void* subject;
+};
+
+// The first ping of a recording begins within this many bytes; a file without one there is none.
+inline constexpr uint64_t kFirstPingReach = 64 * 1024 * 1024;
+
 class PingSource {
  public:
   virtual ~PingSource() = default;
 
   [[nodiscard]] virtual const RecordingKind& Kind() const = 0;
 
-  // The next ping; false at the end of the recording. Damage is skipped.
+  // The next ping; false at the end of the recording and when interrupted. Damage is skipped.
   [[nodiscard]] virtual bool Next(RecordedPing& ping) = 0;
+
+  // Whom Next asks from now on. What it refers to outlives the last call of Next.
+  virtual void SetInterruption(const Interruption& interruption) = 0;
 
   // Goes on with the first ping that begins at or behind this place of the file. False when the file cannot
   // be positioned.
