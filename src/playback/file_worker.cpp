@@ -150,7 +150,10 @@ class FileRun {
 
   bool SeekTo(uint64_t position) {
     GoOnFrom(source_->Seek(position));
-    if (position == 0) history_.Clear();  // begun anew
+    if (position == 0) {  // begun anew
+      history_.Clear();
+      source_->CountFrom(1);
+    }
     for (size_t i = 0; i < std::size(channels_); ++i) {
       if (WritesChannel(i)) channels_[i].Jump();
     }
@@ -164,6 +167,7 @@ class FileRun {
     GoOnFrom(source_->Seek(place->position));
     again_ = true;
     recorded_ms_ = place->recorded_ms;
+    source_->CountFrom(place->number);
     RestoreRings(*place);
     leading_ = false;
     LeadSecond(place->recorded_ms, place->position, true);
@@ -173,7 +177,7 @@ class FileRun {
 
   void RestoreRings(const PlayedPlace& place) {
     for (size_t i = 0; i < std::size(channels_); ++i) {
-      if (WritesChannel(i)) channels_[i].GoBack(place.ringIndexes[i], place.recorded_ms);
+      if (WritesChannel(i)) channels_[i].GoBack(place.channels[i]);
     }
   }
 
@@ -221,9 +225,9 @@ class FileRun {
 
   // Without a recorded time each ping of a channel counts as one tick.
   int64_t TimeOf(const RecordedPing& ping, const PlayedChannel& channel) const {
+    if (again_) return recorded_ms_;
     if (ping.hasTime) return ping.time_ms;
-    if (again_ || !channel.HasPingAt(recorded_ms_)) return recorded_ms_;
-    return recorded_ms_ + kTimelessTick_ms;
+    return channel.HasPingAt(recorded_ms_) ? recorded_ms_ + kTimelessTick_ms : recorded_ms_;
   }
 
   void TakePing(const RecordedPing& ping) {
@@ -280,7 +284,7 @@ class FileRun {
     PostPlace();
     ShowSize();
     if (conversion_ != 0) return;
-    history_.Add({{channels_[0].RingIndex(), channels_[1].RingIndex()}, ping.begin, recorded_ms_});
+    history_.Add({{channels_[0].Place(), channels_[1].Place()}, ping.begin, recorded_ms_, ping.header.ping});
   }
 
   // Of a pair the first file is the one whose place and size are shown.

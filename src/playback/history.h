@@ -9,10 +9,19 @@
 
 namespace tw {
 
+// How far a channel's ring is.
+struct ChannelPlace {
+  bool begun;  // a ping has come
+  int32_t ringIndex;
+  uint32_t remainder_ms;  // of the ring's pacing
+  int64_t latest_ms;      // recorded time of the newest ping
+};
+
 struct PlayedPlace {
-  std::array<int32_t, 2> ringIndexes;  // to which the ping brought the rings of the two channels
-  uint64_t position;                   // of the ping's first byte in the file
-  int64_t recorded_ms;                 // its recorded time
+  std::array<ChannelPlace, 2> channels;  // with the ping
+  uint64_t position;                     // of the ping's first byte in the file
+  int64_t recorded_ms;                   // its recorded time
+  uint32_t number;                       // its number
 };
 
 class PlaybackHistory {

@@ -66,6 +66,9 @@ class PingSource {
   // be positioned.
   [[nodiscard]] virtual bool Seek(uint64_t position) = 0;
 
+  // Pings without a number of their own are counted on from this one.
+  virtual void CountFrom(uint32_t number) = 0;
+
   // Bytes of the recording: behind the last ping, in all, and those that belonged to no ping so far.
   [[nodiscard]] virtual uint64_t Position() const = 0;
   [[nodiscard]] virtual uint64_t Size() const = 0;

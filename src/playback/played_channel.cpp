@@ -24,19 +24,20 @@ void PlayedChannel::Jump() {
   ClearMarks(marks_);
 }
 
-void PlayedChannel::GoBack(int32_t ringIndex, int64_t recorded_ms) {
-  ring_.begun = true;
-  ring_.last_ms = static_cast<uint32_t>(recorded_ms);
-  ring_.remainder_ms = 0;
-  begun_ = false;
+void PlayedChannel::GoBack(const ChannelPlace& place) {
+  ring_.begun = place.begun;
+  ring_.last_ms = static_cast<uint32_t>(place.latest_ms);
+  ring_.remainder_ms = place.remainder_ms;
+  begun_ = place.begun;
+  latest_ms_ = place.latest_ms;
   ClearMarks(marks_);
   Locked held(*ring_.lock);
-  *ring_.index = ringIndex;
+  *ring_.index = place.ringIndex;
 }
 
-int32_t PlayedChannel::RingIndex() const {
+ChannelPlace PlayedChannel::Place() const {
   Locked held(*ring_.lock);
-  return *ring_.index;
+  return {begun_, *ring_.index, ring_.remainder_ms, latest_ms_};
 }
 
 RingWriter WriterOfRingA(AppState& state) {

@@ -6,6 +6,7 @@
 
 #include "acquisition/store_ping.h"
 #include "app/app_state.h"
+#include "playback/history.h"
 
 namespace tw {
 
@@ -20,12 +21,12 @@ class PlayedChannel {
   // The recording goes on elsewhere: the next ping counts as one tick, whatever its time.
   void Jump();
 
-  // The next ping is the one of this time that had brought the ring to this index: it comes to stand there
-  // again.
-  void GoBack(int32_t ringIndex, int64_t recorded_ms);
+  // Where the channel is, and back to there: the newest ping of that place comes to stand where it stood if
+  // it is stored again.
+  [[nodiscard]] ChannelPlace Place() const;
+  void GoBack(const ChannelPlace& place);
 
   [[nodiscard]] bool HasPingAt(int64_t recorded_ms) const { return begun_ && latest_ms_ >= recorded_ms; }
-  [[nodiscard]] int32_t RingIndex() const;
 
  private:
   void Mark(int64_t recorded_ms, uint32_t time_s);

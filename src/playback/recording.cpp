@@ -174,6 +174,8 @@ class Recording final : public PingSource {
     return from == 0 || !reader_->Feed(idle);
   }
 
+  void CountFrom(uint32_t number) override { nextNumber_ = number; }
+
   void SetInterruption(const Interruption& interruption) override { interruption_ = interruption; }
 
   // From here on pings are looked for only up to this place of the file.
@@ -182,7 +184,7 @@ class Recording final : public PingSource {
   // Back to the beginning, nothing accounted for.
   [[nodiscard]] bool Rewind() {
     skipped_ = 0;
-    pulses_ = 0;
+    nextNumber_ = 1;
     if (!Seek(0)) return false;
     behind_ = infoSize_;
     return true;
@@ -217,7 +219,7 @@ class Recording final : public PingSource {
 
   void Describe(uint64_t begin, RecordedPing& ping) {
     PingHeader& header = ping_.header;
-    if (form_.mode->echo == EchoSource::pulse) header.ping = ++pulses_;
+    if (form_.mode->echo == EchoSource::pulse) header.ping = nextNumber_++;
     if (form_.isText) header.range_m = range_m_;
     ping = RecordedPing{};
     ping.samples = ping_.samples;
@@ -303,7 +305,7 @@ class Recording final : public PingSource {
   uint64_t infoSize_;
   uint64_t behind_;  // of all that is accounted for
   uint64_t skipped_ = 0;
-  uint32_t pulses_ = 0;
+  uint32_t nextNumber_ = 1;  // of pings without one of their own
   int64_t latest_ms_ = 0;
   uint64_t earliest_ = 0;  // place of the first ping that is wanted
   uint64_t reach_ = UINT64_MAX;

@@ -7,7 +7,10 @@ namespace tw {
 namespace {
 
 PlayedPlace Place(int32_t i) {
-  return {{i, i + 1}, static_cast<uint64_t>(i) * 100, int64_t{i} * 1000};
+  PlayedPlace place{};
+  place.position = static_cast<uint64_t>(i) * 100;
+  place.recorded_ms = int64_t{i} * 1000;
+  return place;
 }
 
 PlaybackHistory Filled(int32_t entries) {
