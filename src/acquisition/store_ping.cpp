@@ -53,9 +53,14 @@ uint32_t TakeTicks(RingWriter& writer, uint32_t now_ms) {
 static_assert(kSlotSize <= UINT16_MAX);
 
 void SlotImage::Build(const PingHeader& header, std::span<const uint16_t> samples, uint16_t factor) {
+  Build(header, samples, factor, GridRepeat(header.samplingFrequency_hz));
+}
+
+void SlotImage::Build(const PingHeader& header, std::span<const uint16_t> samples, uint16_t factor,
+                      size_t repeat) {
   StorePingHeader(bytes, header);
   std::memset(bytes + frame::kWrittenHeaderLength, 0, frame::kSampleGap);
-  const std::span<const uint16_t> placed = OntoGrid(samples, GridRepeat(header.samplingFrequency_hz), factor);
+  const std::span<const uint16_t> placed = OntoGrid(samples, repeat, factor);
   StoreLeNumbers(bytes + kSlotSamples, placed);
   reach = kSlotSamples + placed.size_bytes();
 }

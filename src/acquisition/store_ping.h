@@ -32,6 +32,9 @@ struct SlotImage {
   // the slot is cut.
   void Build(const PingHeader& header, std::span<const uint16_t> samples, uint16_t factor);
 
+  // The same with each sample repeated as often as told.
+  void Build(const PingHeader& header, std::span<const uint16_t> samples, uint16_t factor, size_t repeat);
+
  private:
   std::span<const uint16_t> OntoGrid(std::span<const uint16_t> samples, size_t repeat, uint16_t factor);
 

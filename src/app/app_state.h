@@ -91,6 +91,8 @@ struct AppState {
   int32_t playbackActive;  // GUI thread
   int32_t playbackPaused;  // GUI thread
   int64_t stepTime_ms;     // recorded time to which the second file follows the first; shared
+  int32_t stepShare_ppm;   // and how much of the first file lies ahead of that place; shared
+  int32_t stepBack;        // the second file's ring goes back too; shared
   int32_t playbackAtEnd;   // the played file is exhausted; GUI thread
   int32_t linkLost;        // shared: workers set it, the GUI clears it before each worker start
   int32_t pendingRange;    // changes of range and output that timer 7 will send; GUI thread

@@ -162,7 +162,7 @@ LRESULT CALLBACK MainWindowProcedure(HWND window, UINT message, WPARAM wParam, L
       HandleConversionEnd(*state, wParam != 0);
       return 0;
     case WM_USER:
-      static_cast<void>(ReceiveProgress(wParam));  // the slider shows it; this copy ends here
+      if (const auto progress = ReceiveProgress(wParam)) NotePlaybackProgress(*state, *progress);
       return 0;
     case WM_DESTROY:
       OnDestroy(*state);

@@ -17,6 +17,7 @@
 #include "playback/file_worker.h"
 #include "playback/pair.h"
 #include "playback/ping_source.h"
+#include "playback/played_channel.h"
 
 namespace tw {
 namespace {
@@ -37,7 +38,7 @@ bool IsDeviceRunning(AppState& state) {
 struct Candidate {
   Handle file = Handle::invalid;
   std::optional<Detected> told;
-  bool parameters = false;
+  float range_m = 0;  // that the first ping tells; 0: none
 
   Candidate() = default;
   Candidate(const Candidate&) = delete;
@@ -63,17 +64,18 @@ bool Open(AppState& state, const std::wstring& path, WriteSharing sharing, Candi
     return false;
   }
   uint8_t start[kStartSize];
-  const std::span<const uint8_t> bytes(start, ReadStart(candidate.file, start));
-  candidate.told = DetectRecording(bytes);
-  candidate.parameters = HasParameters(bytes);
+  candidate.told = DetectRecording(std::span<const uint8_t>(start, ReadStart(candidate.file, start)));
   return true;
 }
 
 // True when a ping can be read of it; the file stands at its start again.
-bool HoldsPing(const AppState& state, const Candidate& candidate) {
+bool HoldsPing(const AppState& state, Candidate& candidate) {
   RecordingFault fault = RecordingFault::none;
   const auto recording = MakeRecording(candidate.file, fault, state.settings.samplingFrequency_hz);
-  return recording != nullptr && SeekFile(candidate.file, 0);
+  RecordedPing first{};
+  if (recording == nullptr || !recording->Next(first)) return false;
+  candidate.range_m = first.header.range_m;
+  return SeekFile(candidate.file, 0);
 }
 
 bool IsPlayable(AppState& state, const std::wstring& path, Candidate& candidate) {
@@ -101,7 +103,6 @@ void BeginFileRun(AppState& state) {
 }
 
 bool StartFileWorker(AppState& state, Handle& thread, ThreadBody body) {
-  // The worker clears the field when it ends, so it must not find it empty before it has been filled.
   const Handle started = StartThread(body, &state);
   StoreShared(thread, started);
   if (started != Handle::null) return true;
@@ -109,11 +110,22 @@ bool StartFileWorker(AppState& state, Handle& thread, ThreadBody body) {
   return false;
 }
 
+// A recording without a settings line tells its range with each ping, if at all.
+void TakeRange(AppState& state, float range_m) {
+  constexpr float kLeast_m = 1.0f;
+  constexpr float kMost_m = 200.0f;
+  if (!(range_m >= kLeast_m && range_m <= kMost_m)) return;
+  state.settings.rangeHigh_mm = static_cast<int32_t>(range_m * 1000.0f);
+  state.displayRangeUpper = state.settings.rangeHigh_mm;
+  state.displayRangeLower = state.settings.rangeHigh_mm;
+}
+
 // What the recording tells of the settings it was made with.
-void TakeSettings(AppState& state, const Detected& told) {
+void TakeSettings(AppState& state, const Candidate& file) {
+  const Detected& told = *file.told;
   StoreShared(globals.deviceFamily, told.family);
   state.settings.outputMode = told.outputMode;
-  if (!told.info) return;
+  if (!told.info) return TakeRange(state, file.range_m);
   ApplyInfoLine(*told.info, state.settings);
   state.displayRangeUpper = RangeInMillimetres(told.info->range_mm);
   state.displayRangeLower = state.displayRangeUpper;
@@ -129,7 +141,7 @@ void TakeLowSettings(AppState& state, const std::optional<InfoLine>& low) {
 void BeginPlayback(AppState& state, Candidate& a, Candidate* b) {
   BeginFileRun(state);
   StoreShared(state.conversionKind, 0);
-  TakeSettings(state, *a.told);
+  TakeSettings(state, a);
   TakeLowSettings(state, b != nullptr ? b->told->info : a.told->low);
   StoreShared(globals.dualMode, b != nullptr || a.told->channels > 1 ? 1 : 0);
   StoreShared(globals.playedFrequencyA_hz, 0);
@@ -144,6 +156,8 @@ void BeginPlayback(AppState& state, Candidate& a, Candidate* b) {
   if (!StartFileWorker(state, state.fileWorkerA, FileWorkerA) ||
       (b != nullptr && !StartFileWorker(state, state.fileWorkerB, FileWorkerB))) {
     EndFileWorkers(state);
+    CloseFile(ExchangeShared(state.inputFileA, Handle::invalid));
+    CloseFile(ExchangeShared(state.inputFileB, Handle::invalid));
   }
   RefreshSettingsControls(state);
   RefreshControlStates(state);
@@ -196,7 +210,7 @@ void Convert(AppState& state, Conversion conversion) {
   FormatRecordTitle(globals.titleText, narrow, "");
 
   BeginFileRun(state);
-  TakeSettings(state, *input.told);
+  TakeSettings(state, input);
   StoreShared(globals.dualMode, input.told->channels > 1 ? 1 : 0);
   StoreShared(state.conversionKind, conversion == Conversion::segy ? 1 : 2);
   StoreShared(state.echogramEnabled, 1);
@@ -246,6 +260,12 @@ void StepPlaybackBack(AppState& state, RunEvent step) {
   if (state.playbackActive == 0 || LoadShared(state.conversionKind) != 0) return;
   state.playbackAtEnd = 0;
   Signal(state.runEvents[step]);
+  RefreshControlStates(state);
+}
+
+void NotePlaybackProgress(AppState& state, const ProgressBlock& progress) {
+  if (state.playbackAtEnd == 0 || progress.position >= progress.fileSize) return;
+  state.playbackAtEnd = 0;
   RefreshControlStates(state);
 }
 

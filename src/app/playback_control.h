@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "app/app_state.h"
+#include "display/slider_messages.h"
 
 namespace tw {
 
@@ -16,6 +17,9 @@ void PlayFiles(AppState& state);
 void ResumePlayback(AppState& state);
 void PausePlayback(AppState& state);
 void StepPlaybackBack(AppState& state, RunEvent step);
+
+// A worker tells how far it is. After the end this means that the slider has sent it back.
+void NotePlaybackProgress(AppState& state, const ProgressBlock& progress);
 
 // "Bin/Txt To Seg-Y" and "Bin To Txt": ask for one file; the output goes to the working folder.
 void ConvertToSegy(AppState& state);

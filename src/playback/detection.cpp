@@ -171,10 +171,6 @@ std::optional<Detected> DetectRecording(std::span<const uint8_t> start) {
   return told ? told : DetectByMark(text);
 }
 
-bool HasParameters(std::span<const uint8_t> start) {
-  return Holds(AsText(start.first(std::min(start.size(), kStartSize))), "Parameters");
-}
-
 size_t ReadStart(Handle file, std::span<uint8_t, kStartSize> start) {
   uint32_t size = 0;
   for (int tries = 0; tries <= kRetries; ++tries) {

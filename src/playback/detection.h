@@ -53,13 +53,8 @@ struct Detected {
 // Judges the first bytes of a file, up to kStartSize of them. Nothing: no kind that is known. Pure.
 [[nodiscard]] std::optional<Detected> DetectRecording(std::span<const uint8_t> start);
 
-// True when the start says "Parameters": recordings of the families 2 and 0 before there were INFO lines.
-// Pure.
-[[nodiscard]] bool HasParameters(std::span<const uint8_t> start);
-
 // The form of the stream that a family sends in an output mode; a mode that the family does not have counts
-// as
-// 3. Pure.
+// as 3. Pure.
 [[nodiscard]] StreamForm FormOfMode(int32_t family, int32_t outputMode);
 
 // Reads the first bytes of a file, which may still be growing: looks again up to five times, 50 ms apart, as

@@ -53,11 +53,4 @@ uint64_t FileSource::Size() const {
   return FileSize(file_, size) ? size : 0;
 }
 
-bool ReadFileBlock(FileSource& source, StreamReader& reader) {
-  while (source.Fill()) {
-    if (reader.Feed(source.Bytes())) return true;
-  }
-  return false;
-}
-
 }  // namespace tw

@@ -6,7 +6,6 @@
 #include <memory>
 #include <span>
 
-#include "acquisition/stream_reader.h"
 #include "platform/handle.h"
 
 namespace tw {
@@ -51,9 +50,5 @@ class FileSource {
   uint64_t behind_ = 0;  // the place behind the last byte read
   bool failed_ = false;
 };
-
-// Reads until the reader has a whole block; false at the end of the file. The block's bytes stood in one
-// piece in the file, so that it began at source.Position() - reader.Block().size().
-[[nodiscard]] bool ReadFileBlock(FileSource& source, StreamReader& reader);
 
 }  // namespace tw

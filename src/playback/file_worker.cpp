@@ -1,36 +1,32 @@
 #include "playback/file_worker.h"
 
+#include <iterator>
 #include <memory>
 #include <new>
+#include <optional>
 
-#include "acquisition/ping_ring.h"
-#include "acquisition/record_file.h"
+#include "acquisition/sample_grid.h"
 #include "acquisition/store_ping.h"
 #include "acquisition/synthetic_pulse.h"
-#include "acquisition/time_marks.h"
-#include "app/posts.h"
 #include "base/shared_value.h"
-#include "base/text_format.h"
-#include "gps/position_text.h"
 #include "platform/clock.h"
 #include "platform/file.h"
 #include "platform/thread.h"
 #include "playback/converter.h"
+#include "playback/file_report.h"
 #include "playback/history.h"
 #include "playback/ping_source.h"
+#include "playback/played_channel.h"
+#include "playback/time_search.h"
 
 namespace tw {
 namespace {
 
 constexpr uint32_t kHold_ms = 10;
 constexpr uint32_t kSlice_ms = 20;
-constexpr uint32_t kPlaybackProgress_ms = 20;
-constexpr uint32_t kConversionProgress_ms = 5;
-constexpr uint32_t kNoPositionPeriod_ms = 2'000;
-constexpr int64_t kCapturePeriod_s = 135;
-constexpr int64_t kTick_ms = 100;
-constexpr uint32_t kUpdatesOfPositionText = 2;
-constexpr int32_t kFix3d = 3;
+constexpr uint32_t kThreadFieldWait_ms = 1;
+constexpr int64_t kTimelessTick_ms = 100;
+constexpr uint64_t kMillion = 1'000'000;
 constexpr size_t kSmallStep = 20;
 constexpr size_t kLargeStep = 100;
 constexpr int32_t kSegyConversion = 1;
@@ -44,15 +40,6 @@ struct Side {
   StatusTexts& texts;
 };
 
-// One channel's ring and what is known of its pings.
-struct Channel {
-  RingWriter ring;
-  MarkList& marks;
-  int64_t previous_ms = 0;
-  uint32_t interval_ms = 0;
-  bool begun = false;
-};
-
 class FileRun {
  public:
   FileRun(AppState& state, const Side& side)
@@ -60,24 +47,35 @@ class FileRun {
         side_(side),
         runNumber_(LoadShared(state.runNumber)),
         conversion_(LoadShared(state.conversionKind)),
-        channels_{{{state.ringA, &state.ringIndexA, &state.ringLockA, globals.slotReachA}, globals.marksA},
-                  {{state.ringB, &state.ringIndexB, &state.ringLockB, globals.slotReachB}, globals.marksB}} {}
+        channels_{{WriterOfRingA(state), globals.marksA}, {WriterOfRingB(state), globals.marksB}},
+        report_(state, side.texts, conversion_ != 0) {}
 
-  void Run() {
+  [[nodiscard]] bool Stale() const { return LoadShared(state_.runNumber) != runNumber_; }
+
+  // True when the input was exhausted.
+  bool Run() {
     const bool prepared = Prepare();
     const bool exhausted = prepared && Play();
-    if (Stale()) return;
-    if (!prepared && side_.first && conversion_ == 0) StoreShared(globals.playbackEnded, 1);
-    Finish(exhausted);
+    if (output_ != nullptr) ShowSize();
+    if (!prepared && side_.first && conversion_ == 0 && !Stale()) StoreShared(globals.playbackEnded, 1);
+    return exhausted;
   }
 
  private:
-  [[nodiscard]] bool Stale() const { return LoadShared(state_.runNumber) != runNumber_; }
-
   // The event is auto-reset, so a poll that sees it must remember it.
   [[nodiscard]] bool StopAsked() {
     stopped_ = stopped_ || WaitForEvent(side_.stop, 0) || WaitForEvent(state_.runEvents[kStopPlayback], 0);
     return stopped_;
+  }
+
+  [[nodiscard]] bool IsSet(RunEvent event) { return WaitForEvent(state_.runEvents[event], 0); }
+
+  // Whether something waits that goes before the next ping.
+  [[nodiscard]] bool Interrupted() {
+    if (Stale() || StopAsked()) return true;
+    if (conversion_ != 0) return false;
+    if (!side_.first) return IsSet(kStepSecond);
+    return LoadShared(state_.seekRequest) != 0 || IsSet(kBack20) || IsSet(kBack100);
   }
 
   bool Prepare() {
@@ -86,9 +84,10 @@ class FileRun {
     const bool unreadable = source_ == nullptr && fault != RecordingFault::noMemory;
     if (unreadable) return false;  // it was readable when it was chosen
     if (source_ == nullptr || !history_.Prepare() || !PrepareConversion()) {
-      Show(StatusPart::position, L"Insufficient memory!");
+      PostStatusText(state_, StatusPart::position, L"Insufficient memory!");
       return false;
     }
+    source_->SetInterruption({[](void* run) { return static_cast<FileRun*>(run)->Interrupted(); }, this});
     StoreShared(globals.attitudePresent, 1);
     return true;
   }
@@ -106,7 +105,6 @@ class FileRun {
     return true;
   }
 
-  // True when the input was exhausted.
   bool Play() {
     while (!Stale() && !StopAsked()) {
       if (conversion_ == 0 && Steer()) continue;
@@ -114,6 +112,8 @@ class FileRun {
       if (!ended_ && source_->Next(ping)) {
         TakePing(ping);
         Pace();
+      } else if (Interrupted()) {
+        continue;
       } else if (conversion_ != 0) {
         return !source_->Failed();
       } else {
@@ -130,107 +130,149 @@ class FileRun {
       if (StepAsked(kBack20)) return Step(kSmallStep);
       if (StepAsked(kBack100)) return Step(kLargeStep);
     } else if (StepAsked(kStepSecond)) {
-      return FollowTo(LoadShared(state_.stepTime_ms));
+      return Follow();
     }
-    if (!WaitForEvent(state_.runEvents[kPause], 0)) return false;
+    if (showNext_ || !IsSet(kPause)) return false;
     SleepMilliseconds(kHold_ms);
     return true;
   }
 
   bool StepAsked(RunEvent event) {
-    if (!WaitForEvent(state_.runEvents[event], 0)) return false;
+    if (!IsSet(event)) return false;
     Reset(state_.runEvents[event]);
     return true;
   }
 
+  // The next ping is shown even while the playback is held.
+  void GoOnFrom(bool positioned) {
+    ended_ = !positioned;
+    showNext_ = true;
+    again_ = false;
+    skipUntil_.reset();
+    if (side_.first) StoreShared(globals.playbackEnded, 0);
+  }
+
   bool SeekTo(uint64_t position) {
-    ended_ = !source_->Seek(position);
-    following_ = true;  // the next ping's time is what the second file follows to
+    GoOnFrom(source_->Seek(position));
+    if (position == 0) {  // begun anew
+      history_.Clear();
+      source_->CountFrom(1);
+    }
+    for (size_t i = 0; i < std::size(channels_); ++i) {
+      if (WritesChannel(i)) channels_[i].Jump();
+    }
+    leading_ = true;  // the next ping's time is what the second file follows to
     return true;
   }
 
   bool Step(size_t entries) {
     const auto place = history_.StepBack(entries);
     if (!place) return true;
-    GoTo(*place);
-    LeadSecond(place->recorded_ms);
+    GoOnFrom(source_->Seek(place->position));
+    again_ = true;
+    recorded_ms_ = place->recorded_ms;
+    source_->CountFrom(place->number);
+    RestoreRings(*place);
+    leading_ = false;
+    LeadSecond(place->recorded_ms, place->position, true);
     PostPlace();
     return true;
   }
 
-  void GoTo(const PlayedPlace& place) {
-    ended_ = !source_->Seek(place.position);
-    Channel& channel = channels_[side_.first ? 0 : 1];
-    Locked held(*channel.ring.lock);
-    *channel.ring.index = place.ringIndex;
-    channel.ring.begun = false;
+  void RestoreRings(const PlayedPlace& place) {
+    for (size_t i = 0; i < std::size(channels_); ++i) {
+      if (WritesChannel(i)) channels_[i].GoBack(place.channels[i]);
+    }
   }
 
-  void LeadSecond(int64_t recorded_ms) {
-    following_ = false;
+  // A file of both channels has two rings, each file of a pair one.
+  [[nodiscard]] bool WritesChannel(size_t channel) const {
+    if (!side_.first) return channel == 1;
+    return channel == 0 || source_->Kind().channels > 1;
+  }
+
+  void LeadSecond(int64_t recorded_ms, uint64_t position, bool back) {
     if (LoadShared(state_.inputFileB) == Handle::invalid) return;
+    const uint64_t size = source_->Size();
+    const double share = size == 0 ? 0 : static_cast<double>(position) / static_cast<double>(size);
     StoreShared(state_.stepTime_ms, recorded_ms);
+    StoreShared(state_.stepShare_ppm, static_cast<int32_t>(share * kMillion));
+    StoreShared(state_.stepBack, back ? 1 : 0);
     Signal(state_.runEvents[kStepSecond]);
   }
 
-  // The second file goes on with its first ping at or after the first one's time.
-  bool FollowTo(int64_t recorded_ms) {
-    const auto place = history_.StepBackTo(recorded_ms);
+  // The second file goes on with its first ping at or after the first one's time; when it tells no times, at
+  // the same part of its length.
+  bool Follow() {
+    const int64_t recorded_ms = LoadShared(state_.stepTime_ms);
+    const bool back = LoadShared(state_.stepBack) != 0;
+    const bool timed = SeekToTime(*source_, recorded_ms);
+    const auto share_ppm = static_cast<uint64_t>(LoadShared(state_.stepShare_ppm));
+    GoOnFrom(timed || source_->Seek(source_->Size() / kMillion * share_ppm));
+    if (timed) skipUntil_ = recorded_ms;
+    const auto place = back ? history_.StepBackTo(recorded_ms) : std::nullopt;
     if (place) {
-      GoTo(*place);
+      RestoreRings(*place);
     } else {
-      ended_ = !source_->Seek(0);
+      Own().Jump();
     }
-    skipUntil_ms_ = recorded_ms;
     return true;
   }
 
+  // True for a ping ahead of the place that was looked for.
+  bool IsSkipped(const RecordedPing& ping) {
+    if (!skipUntil_) return false;
+    if (!ping.hasTime || ping.time_ms < *skipUntil_) return true;
+    skipUntil_.reset();
+    return false;
+  }
+
+  // Without a recorded time each ping of a channel counts as one tick.
+  int64_t TimeOf(const RecordedPing& ping, const PlayedChannel& channel) const {
+    if (again_) return recorded_ms_;
+    if (ping.hasTime) return ping.time_ms;
+    return channel.HasPingAt(recorded_ms_) ? recorded_ms_ + kTimelessTick_ms : recorded_ms_;
+  }
+
   void TakePing(const RecordedPing& ping) {
-    const int64_t recorded_ms = ping.hasTime ? ping.time_ms : recorded_ms_ + kTick_ms;
-    recorded_ms_ = recorded_ms;
-    if (recorded_ms < skipUntil_ms_) return;
-    skipUntil_ms_ = INT64_MIN;
-    if (following_) LeadSecond(recorded_ms);
+    if (IsSkipped(ping)) return;
+    const bool low = !side_.first || ping.channel != 0;
+    recorded_ms_ = TimeOf(ping, channels_[low ? 1 : 0]);
+    again_ = false;
+    showNext_ = false;
+    if (leading_) LeadSecond(recorded_ms_, ping.begin, false);
+    leading_ = false;
     // Conversions first: what is shown of a ping changes nothing in the file.
     if (converter_ != nullptr && !ConvertPing(ping)) CloseOutput();
-    const bool low = !side_.first || ping.channel != 0;
     StoreOne(channels_[low ? 1 : 0], ping, ping.header.altitude_m);
     if (ping.bothChannels) StoreOne(channels_[1], ping, ping.altitudeLow_m);
     Publish(ping, low);
-    NotePosition(ping);
-    Capture(recorded_ms / 1000);
-    NoteProgress(ping, recorded_ms);
+    if (conversion_ == 0 && side_.first) {
+      report_.NotePosition(ping);
+      report_.NoteTime(recorded_ms_ / 1000);
+    }
+    NoteProgress(ping);
   }
 
   bool ConvertPing(const RecordedPing& ping) {
     return converter_->Append(ping.header, ping.samples) && output_->Flush();
   }
 
-  void CloseOutput() {
-    converter_.reset();
-    CloseFile(ExchangeShared(state_.segyCompanionA, Handle::invalid));
-  }
-
-  void StoreOne(Channel& channel, const RecordedPing& ping, float altitude_m) {
+  void StoreOne(PlayedChannel& channel, const RecordedPing& ping, float altitude_m) {
     PingHeader header = ping.header;
     header.altitude_m = altitude_m;
-    image_.Build(header, ping.samples, ping.factor);
+    image_.Build(header, ping.samples, ping.factor, RepeatOf(header));
     if (!source_->Kind().hasSamples) {
       DrawPulse(image_, static_cast<double>(altitude_m), static_cast<double>(state_.settings.soundSpeed_mps));
     }
-    StorePing(channel.ring, image_, static_cast<uint32_t>(recorded_ms_));
-    Mark(channel, header.timeOfWork_s);
+    channel.Store(image_, recorded_ms_, header.timeOfWork_s);
   }
 
-  void Mark(Channel& channel, uint32_t time_s) {
-    if (channel.begun && recorded_ms_ > channel.previous_ms) {
-      channel.interval_ms = static_cast<uint32_t>(recorded_ms_ - channel.previous_ms);
-    }
-    channel.begun = true;
-    channel.previous_ms = recorded_ms_;
-    if (LoadShared(globals.timestampTicked) == 0) return;
-    const uint32_t period_ms = LoadShared(globals.dualMode) != 0 ? kDualMarkPeriod_ms : kSingleMarkPeriod_ms;
-    AddMark(channel.marks, MarkInterval(period_ms, channel.interval_ms), time_s);
+  // kept: how often samples are repeated is found once, at the first ping that tells its sampling frequency.
+  size_t RepeatOf(const PingHeader& header) {
+    const size_t own = GridRepeat(header.samplingFrequency_hz);
+    if (repeat_ == 0) repeat_ = own;
+    return own == 0 ? 0 : repeat_;
   }
 
   void Publish(const RecordedPing& ping, bool low) {
@@ -240,63 +282,22 @@ class FileRun {
     StoreShared(low ? globals.playedFrequencyB_hz : globals.playedFrequencyA_hz, ping.header.txFrequency_hz);
   }
 
-  void NotePosition(const RecordedPing& ping) {
-    if (conversion_ != 0 || !side_.first) return;
-    if (ping.hasPosition) {
-      if (++positions_ - shownPositions_ < kUpdatesOfPositionText) return;
-      shownPositions_ = positions_;
-      auto& text = side_.texts.Next();
-      FormatPosition(
-          text, {kFix3d, ping.header.gpsLatitude_rad, ping.header.gpsLongitude_rad, ping.header.gpsPdop});
-      PostStatusText(state_, StatusPart::position, text);
-      return;
-    }
-    const uint32_t now_ms = MillisecondClock();
-    if (noPositionShown_ && now_ms - noPosition_ms_ < kNoPositionPeriod_ms) return;
-    noPositionShown_ = true;
-    noPosition_ms_ = now_ms;
-    Show(StatusPart::position, L"Position is not available");
-  }
-
-  // By recorded time, whatever the pace.
-  void Capture(int64_t recorded_s) {
-    if (conversion_ != 0 || !side_.first || LoadShared(globals.autoCaptureTicked) == 0) return;
-    const int64_t last_s = LoadShared(globals.lastCapture_s);
-    if (last_s >= 0 && recorded_s >= last_s && recorded_s - last_s <= kCapturePeriod_s) return;
-    if (last_s >= 0 && recorded_s > last_s) StoreShared(globals.autoCaptureRequested, 1);
-    StoreShared(globals.lastCapture_s, recorded_s);
-  }
-
-  void NoteProgress(const RecordedPing& ping, int64_t recorded_ms) {
-    const uint32_t now_ms = MillisecondClock();
-    const uint32_t period_ms = conversion_ != 0 ? kConversionProgress_ms : kPlaybackProgress_ms;
-    if (progressBegun_ && now_ms - progress_ms_ < period_ms) return;
-    progressBegun_ = true;
-    progress_ms_ = now_ms;
-    samples_ = static_cast<int32_t>(ping.samples.size());
+  void NoteProgress(const RecordedPing& ping) {
+    if (!report_.IsProgressDue()) return;
+    samples_ = ping.samples.size();
     PostPlace();
     ShowSize();
     if (conversion_ != 0) return;
-    const Channel& channel = channels_[side_.first ? 0 : 1];
-    history_.Add({*channel.ring.index, ping.begin, recorded_ms});
+    history_.Add({{channels_[0].Place(), channels_[1].Place()}, ping.begin, recorded_ms_, ping.header.ping});
   }
 
-  // Of a pair the first file is the one whose place is shown. A mode without samples counts as one of 1.
+  // Of a pair the first file is the one whose place and size are shown.
   void PostPlace() {
-    if (!side_.first) return;
-    PostProgress(state_, {LoadShared(side_.input), kProgressSpan, samples_ > 0 ? samples_ : 1, 1,
-                          source_->Position(), source_->Size()});
+    if (side_.first) report_.PostProgressOf(LoadShared(side_.input), *source_, samples_);
   }
-
   void ShowSize() {
-    if (!side_.first) return;
-    const uint64_t size = conversion_ != 0 ? output_->Size() : source_->Size();
-    auto& text = side_.texts.Next();
-    FormatWide(text, "File size: %llu%s", static_cast<unsigned long long>(size), "Bytes");
-    PostStatusText(state_, conversion_ != 0 ? StatusPart::position : StatusPart::pingLine, text);
+    if (side_.first) report_.ShowSize(conversion_ != 0 ? output_->Size() : source_->Size());
   }
-
-  void Show(StatusPart part, const wchar_t* constant) { PostStatusText(state_, part, constant); }
 
   void NoteEnd() {
     if (!ended_) {
@@ -304,33 +305,26 @@ class FileRun {
       PostPlace();
       if (side_.first) StoreShared(globals.playbackEnded, 1);
     }
+    showNext_ = false;
     SleepMilliseconds(kHold_ms);
   }
 
   // Waits in slices, so that buttons and the slider are heard.
   void Pace() {
-    if (conversion_ != 0 || skipUntil_ms_ != INT64_MIN) return;
-    for (uint32_t left_ms = static_cast<uint32_t>(state_.playbackPace); left_ms > 0 && !StopAsked();) {
+    if (conversion_ != 0 || skipUntil_) return;
+    for (auto left_ms = static_cast<uint32_t>(state_.playbackPace); left_ms > 0 && !Interrupted();) {
       const uint32_t slice_ms = left_ms < kSlice_ms ? left_ms : kSlice_ms;
       SleepMilliseconds(slice_ms);
       left_ms -= slice_ms;
     }
   }
 
-  void Finish(bool exhausted) {
-    const Handle input = ExchangeShared(side_.input, Handle::invalid);
-    source_.reset();
-    static_cast<void>(SeekFile(input, 0));
-    CloseFile(input);
-    const Handle thread = ExchangeShared(side_.thread, Handle::null);
-    if (conversion_ != 0) {
-      if (output_ != nullptr) ShowSize();
-      CloseOutput();
-      StoreShared(state_.conversionKind, 0);
-      PostConversionEnd(state_, exhausted);
-    }
-    CloseThread(thread);
+  void CloseOutput() {
+    converter_.reset();
+    CloseFile(ExchangeShared(state_.segyCompanionA, Handle::invalid));
   }
+
+  PlayedChannel& Own() { return channels_[side_.first ? 0 : 1]; }
 
   AppState& state_;
   const Side side_;
@@ -340,25 +334,49 @@ class FileRun {
   std::unique_ptr<OutputFile> output_;
   std::unique_ptr<PingConverter> converter_;
   PlaybackHistory history_;
-  Channel channels_[2];
+  PlayedChannel channels_[2];
+  FileReport report_;
   bool stopped_ = false;
   bool ended_ = false;
-  bool following_ = false;
-  int64_t skipUntil_ms_ = INT64_MIN;
-  int64_t recorded_ms_ = 0;
-  uint32_t positions_ = 0;
-  uint32_t shownPositions_ = 0;
-  bool noPositionShown_ = false;
-  uint32_t noPosition_ms_ = 0;
-  bool progressBegun_ = false;
-  uint32_t progress_ms_ = 0;
-  int32_t samples_ = 0;
+  bool showNext_ = false;  // a step or seek has not shown its ping yet
+  bool again_ = false;     // the next ping is one that was played before
+  bool leading_ = false;
+  std::optional<int64_t> skipUntil_;
+  int64_t recorded_ms_ = 0;  // of the newest ping
+  size_t repeat_ = 0;
+  size_t samples_ = 0;
   SlotImage image_{};
 };
 
+// The thread field goes last: whoever finds it empty may use the other fields anew. The GUI thread fills it
+// once the thread has started, which a short run may precede.
+void Finish(AppState& state, const Side& side, bool exhausted) {
+  const Handle input = ExchangeShared(side.input, Handle::invalid);
+  static_cast<void>(SeekFile(input, 0));
+  CloseFile(input);
+  if (LoadShared(state.conversionKind) != 0) {
+    CloseFile(ExchangeShared(state.segyCompanionA, Handle::invalid));
+    StoreShared(state.conversionKind, 0);
+    PostConversionEnd(state, exhausted);
+  }
+  Handle thread = ExchangeShared(side.thread, Handle::null);
+  while (thread == Handle::null) {
+    SleepMilliseconds(kThreadFieldWait_ms);
+    thread = ExchangeShared(side.thread, Handle::null);
+  }
+  CloseThread(thread);
+}
+
 void RunFileWorker(AppState& state, const Side& side) {
-  const std::unique_ptr<FileRun> run(new (std::nothrow) FileRun(state, side));
-  if (run != nullptr) run->Run();
+  std::unique_ptr<FileRun> run(new (std::nothrow) FileRun(state, side));
+  if (run == nullptr) {
+    PostStatusText(state, StatusPart::position, L"Insufficient memory!");
+    return Finish(state, side, false);
+  }
+  const bool exhausted = run->Run();
+  const bool stale = run->Stale();
+  run.reset();
+  if (!stale) Finish(state, side, exhausted);
 }
 
 }  // namespace
@@ -373,11 +391,6 @@ void FileWorkerB(void* argument) {
   static constinit StatusTexts texts{};
   AppState& state = *static_cast<AppState*>(argument);
   RunFileWorker(state, {false, state.inputFileB, state.fileWorkerB, state.stopEventB, texts});
-}
-
-void ClearRings(AppState& state) {
-  ClearRing({state.ringA, &state.ringIndexA, &state.ringLockA, globals.slotReachA});
-  ClearRing({state.ringB, &state.ringIndexB, &state.ringLockB, globals.slotReachB});
 }
 
 }  // namespace tw

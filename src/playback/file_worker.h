@@ -2,11 +2,11 @@
 // fast as it can be read. The GUI thread opens the input (and a conversion's output) and starts the thread;
 // it steers it with the events of the state record:
 //
-//   stopEvent (A), stopEventB (B), runEvents[kStopPlayback]   end
-//   runEvents[kPause]                                         hold
-//   runEvents[kBack20], runEvents[kBack100]                   one step of A through its history, also while
-//   paused runEvents[kStepSecond]                                    A tells B to follow to stepTime_ms
-//   seekRequest                                               where the slider was dragged to
+//   stopEvent (A), stopEventB (B), runEvents[kStopPlayback]  end
+//   runEvents[kPause]                                        hold
+//   runEvents[kBack20], runEvents[kBack100]                  a step of A through its history, held or not
+//   runEvents[kStepSecond]                                   A tells B to follow to stepTime_ms
+//   seekRequest                                              where the slider was dragged to
 //
 // At the end of the file a playback says so (playbackEnded) and waits for the way back; a conversion ends.
 // The worker closes its input and its own thread handle, a conversion its output too.
@@ -20,8 +20,5 @@ namespace tw {
 // as well; B plays inputFileB into ring B.
 void FileWorkerA(void* state);
 void FileWorkerB(void* state);
-
-// Zeroes what is in use of a ring and puts its index to 0. While no worker writes it.
-void ClearRings(AppState& state);
 
 }  // namespace tw

@@ -12,11 +12,15 @@ bool PlaybackHistory::Prepare() {
 
 void PlaybackHistory::Add(const PlayedPlace& place) {
   if (places_ == nullptr) return;
+  if (count_ != 0 && At(count_ - 1).position == place.position) {
+    At(count_ - 1) = place;
+    return;
+  }
   if (count_ == kCapacity) {
     first_ = (first_ + 1) % kCapacity;
     --count_;
   }
-  places_[(first_ + count_) % kCapacity] = place;
+  At(count_) = place;
   ++count_;
 }
 
@@ -27,8 +31,8 @@ std::optional<PlayedPlace> PlaybackHistory::StepBack(size_t steps) {
 }
 
 std::optional<PlayedPlace> PlaybackHistory::StepBackTo(int64_t recorded_ms) {
-  while (count_ != 0 && At(count_ - 1).recorded_ms >= recorded_ms) --count_;
   if (count_ == 0) return std::nullopt;
+  while (count_ > 1 && At(count_ - 1).recorded_ms > recorded_ms) --count_;
   return At(count_ - 1);
 }
 

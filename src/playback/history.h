@@ -1,6 +1,7 @@
 // Where a playback has been: the way back for its step buttons. The worker that plays owns it; one thread.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -8,10 +9,19 @@
 
 namespace tw {
 
+// How far a channel's ring is.
+struct ChannelPlace {
+  bool begun;  // a ping has come
+  int32_t ringIndex;
+  uint32_t remainder_ms;  // of the ring's pacing
+  int64_t latest_ms;      // recorded time of the newest ping
+};
+
 struct PlayedPlace {
-  int32_t ringIndex;    // to which the ping brought the ring
-  uint64_t position;    // of the ping's first byte in the file
-  int64_t recorded_ms;  // its recorded time
+  std::array<ChannelPlace, 2> channels;  // with the ping
+  uint64_t position;                     // of the ping's first byte in the file
+  int64_t recorded_ms;                   // its recorded time
+  uint32_t number;                       // its number
 };
 
 class PlaybackHistory {
@@ -21,21 +31,21 @@ class PlaybackHistory {
   // False when there was no memory; nothing is kept then.
   [[nodiscard]] bool Prepare();
 
-  // Remembers a place; the oldest one goes when all are in use.
+  // Remembers a place; the oldest one goes when all are in use. The newest place played again is no new one.
   void Add(const PlayedPlace& place);
 
   // The place `steps` entries before the newest, the first one when there are fewer; what lies behind it is
   // forgotten. Nothing when nothing is kept.
-  std::optional<PlayedPlace> StepBack(size_t steps);
+  [[nodiscard]] std::optional<PlayedPlace> StepBack(size_t steps);
 
-  // The newest place before this time, what lies behind it forgotten; nothing when none is.
-  std::optional<PlayedPlace> StepBackTo(int64_t recorded_ms);
+  // The same with the newest place that is not later than a time.
+  [[nodiscard]] std::optional<PlayedPlace> StepBackTo(int64_t recorded_ms);
 
   [[nodiscard]] size_t Size() const { return count_; }
   void Clear() { count_ = 0; }
 
  private:
-  [[nodiscard]] const PlayedPlace& At(size_t i) const { return places_[(first_ + i) % kCapacity]; }
+  [[nodiscard]] PlayedPlace& At(size_t i) const { return places_[(first_ + i) % kCapacity]; }
 
   std::unique_ptr<PlayedPlace[]> places_;
   size_t first_ = 0;

@@ -40,22 +40,38 @@ struct RecordingKind {
 // What a recording does not tell, if it is a text recording of the families 2 and 0.
 inline constexpr int32_t kUsualSampling_hz = 25'000;
 
+// Asked between two reads of the file, so that garbage without end holds nobody up: once it says true, Next
+// returns false although the recording goes on.
+struct Interruption {
+  bool (*isAsked)(void* subject);
+  void* subject;
+};
+
+// The first ping of a recording begins within this many bytes; a file without one there is none.
+inline constexpr uint64_t kFirstPingReach = 64 * 1024 * 1024;
+
 class PingSource {
  public:
   virtual ~PingSource() = default;
 
   [[nodiscard]] virtual const RecordingKind& Kind() const = 0;
 
-  // The next ping; false at the end of the recording, and when it cannot be read any further. Damage is
-  // skipped.
+  // The next ping; false at the end of the recording, when interrupted, and when it cannot be read any
+  // further. Damage is skipped.
   [[nodiscard]] virtual bool Next(RecordedPing& ping) = 0;
 
   // True when the system refused to read on: the recording has not been read to its end.
   [[nodiscard]] virtual bool Failed() const = 0;
 
+  // Whom Next asks from now on. What it refers to outlives the last call of Next.
+  virtual void SetInterruption(const Interruption& interruption) = 0;
+
   // Goes on with the first ping that begins at or behind this place of the file. False when the file cannot
   // be positioned.
   [[nodiscard]] virtual bool Seek(uint64_t position) = 0;
+
+  // Pings without a number of their own are counted on from this one.
+  virtual void CountFrom(uint32_t number) = 0;
 
   // Bytes of the recording: behind the last ping, in all, and those that belonged to no ping so far.
   [[nodiscard]] virtual uint64_t Position() const = 0;

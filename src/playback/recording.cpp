@@ -145,31 +145,48 @@ class Recording final : public PingSource {
   [[nodiscard]] const RecordingKind& Kind() const override { return kind_; }
 
   [[nodiscard]] bool Next(RecordedPing& ping) override {
-    while (ReadFileBlock(source_, *reader_)) {
+    interrupted_ = false;
+    while (ReadBlock()) {
       const uint64_t end = source_.Position();
       const uint64_t begin = end - reader_->Block().size();
-      if (!form_.mode->parse(reader_->Block(), context_, ping_)) continue;
+      if (begin < earliest_ || !form_.mode->parse(reader_->Block(), context_, ping_)) continue;
       if (begin > behind_) skipped_ += begin - behind_;
       behind_ = end;
       Describe(begin, ping);
       return true;
     }
+    if (interrupted_) return false;
     size_ = source_.Size();
     if (size_ > behind_) skipped_ += size_ - behind_;
     behind_ = size_;
     return false;
   }
 
+  // Lines without a mark of their own begin behind CR LF, and the first byte that a reader sees counts as one
+  // too: so the two bytes ahead of the place are read as well, and an idle byte ahead of them.
   [[nodiscard]] bool Seek(uint64_t position) override {
+    constexpr uint64_t kLineEnd = 2;
     behind_ = position;
-    return source_.Seek(position) && RenewReader();
+    earliest_ = position;
+    latest_ms_ = 0;
+    const uint64_t from = position > kLineEnd ? position - kLineEnd : 0;
+    if (!source_.Seek(from) || !RenewReader()) return false;
+    static constexpr uint8_t kIdle[] = {' '};
+    std::span<const uint8_t> idle(kIdle);
+    return from == 0 || !reader_->Feed(idle);
   }
+
+  void CountFrom(uint32_t number) override { nextNumber_ = number; }
+
+  void SetInterruption(const Interruption& interruption) override { interruption_ = interruption; }
+
+  // From here on pings are looked for only up to this place of the file.
+  void SetReach(uint64_t position) { reach_ = position; }
 
   // Back to the beginning, nothing accounted for.
   [[nodiscard]] bool Rewind() {
     skipped_ = 0;
-    pulses_ = 0;
-    latest_ms_ = 0;
+    nextNumber_ = 1;
     if (!Seek(0)) return false;
     behind_ = infoSize_;
     return true;
@@ -183,6 +200,21 @@ class Recording final : public PingSource {
  private:
   static constexpr size_t kParserCapacity = 1'024;
 
+  // Reads until the reader has a whole block. The block's bytes stood in one piece in the file, so that it
+  // began at source_.Position() - Block().size().
+  bool ReadBlock() {
+    while (source_.Position() < reach_) {
+      if (source_.Bytes().empty() && interruption_.isAsked != nullptr &&
+          interruption_.isAsked(interruption_.subject)) {
+        interrupted_ = true;
+        return false;
+      }
+      if (!source_.Fill()) return false;
+      if (reader_->Feed(source_.Bytes())) return true;
+    }
+    return false;
+  }
+
   bool RenewReader() {
     reader_ = form_.mode->makeReader();
     return reader_ != nullptr;
@@ -190,7 +222,7 @@ class Recording final : public PingSource {
 
   void Describe(uint64_t begin, RecordedPing& ping) {
     PingHeader& header = ping_.header;
-    if (form_.mode->echo == EchoSource::pulse) header.ping = ++pulses_;
+    if (form_.mode->echo == EchoSource::pulse) header.ping = nextNumber_++;
     if (form_.isText) header.range_m = range_m_;
     ping = RecordedPing{};
     ping.samples = ping_.samples;
@@ -276,8 +308,12 @@ class Recording final : public PingSource {
   uint64_t infoSize_;
   uint64_t behind_;  // of all that is accounted for
   uint64_t skipped_ = 0;
-  uint32_t pulses_ = 0;
+  uint32_t nextNumber_ = 1;  // of pings without one of their own
   int64_t latest_ms_ = 0;
+  uint64_t earliest_ = 0;  // place of the first ping that is wanted
+  uint64_t reach_ = UINT64_MAX;
+  Interruption interruption_{};
+  bool interrupted_ = false;
 };
 
 std::unique_ptr<PingSource> Make(Handle file, bool owned, RecordingFault& fault, int32_t sampling_hz) {
@@ -297,9 +333,11 @@ std::unique_ptr<PingSource> Make(Handle file, bool owned, RecordingFault& fault,
   }
   if (!recording->Prepare()) return nullptr;
   RecordedPing first{};
+  recording->SetReach(kFirstPingReach);
   const bool found = recording->Next(first);
   fault = recording->Failed() ? RecordingFault::unread : RecordingFault::noPing;
   if (!found) return nullptr;
+  recording->SetReach(UINT64_MAX);
   fault = RecordingFault::unread;
   if (!recording->Rewind()) return nullptr;
   fault = RecordingFault::none;

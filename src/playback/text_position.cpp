@@ -7,6 +7,7 @@
 namespace tw {
 namespace {
 
+constexpr std::string_view kLineEnd = "\r\n";
 constexpr size_t kMaxSentences = 2;
 constexpr size_t kMaxBlanks = 6;
 
@@ -25,10 +26,12 @@ std::string_view Behind(std::string_view text, std::string_view key) {
 
 SentenceTail FindSentences(std::string_view text) {
   SentenceTail tail{};
+  if (text.starts_with(kLineEnd) && IsPositionSentence(text.substr(kLineEnd.size())))
+    tail.size = kLineEnd.size();
   for (size_t i = 0; i < kMaxSentences && IsPositionSentence(text.substr(tail.size)); ++i) {
-    const size_t end = text.find("\r\n", tail.size);
+    const size_t end = text.find(kLineEnd, tail.size);
     if (end == std::string_view::npos) break;
-    tail.size = end + 2;
+    tail.size = end + kLineEnd.size();
   }
   while (tail.size != 0 && tail.blanks < kMaxBlanks && tail.size + tail.blanks < text.size()) {
     const char next = text[tail.size + tail.blanks];

@@ -9,7 +9,8 @@ namespace tw {
 
 inline constexpr size_t kSentenceReach = 520;  // two sentences and the blank lines around them
 
-// GGA and RMC that stand right at the front of `text`, each up to its CR LF.
+// GGA and RMC that stand right at the front of `text`, each up to its CR LF; ahead of them one CR LF that
+// ends the ping's own line.
 struct SentenceTail {
   size_t size;    // 0: neither
   size_t blanks;  // CR and LF behind them

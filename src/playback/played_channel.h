@@ -1,0 +1,49 @@
+// One channel of a played recording: its ring, paced by recorded time, and its time marks. The file worker
+// that plays the channel is its only writer.
+#pragma once
+
+#include <cstdint>
+
+#include "acquisition/store_ping.h"
+#include "app/app_state.h"
+#include "playback/history.h"
+
+namespace tw {
+
+class PlayedChannel {
+ public:
+  PlayedChannel(const RingWriter& ring, MarkList& marks) : ring_(ring), marks_(marks) {}
+
+  // Puts a ping into the ring, as many ticks behind the previous one as its recorded time says, and marks it
+  // with its time while "Timestamp" is ticked.
+  void Store(const SlotImage& image, int64_t recorded_ms, uint32_t time_s);
+
+  // The recording goes on elsewhere: the next ping counts as one tick, whatever its time.
+  void Jump();
+
+  // Where the channel is, and back to there: the newest ping of that place comes to stand where it stood if
+  // it is stored again.
+  [[nodiscard]] ChannelPlace Place() const;
+  void GoBack(const ChannelPlace& place);
+
+  [[nodiscard]] bool HasPingAt(int64_t recorded_ms) const { return begun_ && latest_ms_ >= recorded_ms; }
+
+ private:
+  void Mark(int64_t recorded_ms, uint32_t time_s);
+
+  RingWriter ring_;
+  MarkList& marks_;
+  int64_t latest_ms_ = 0;
+  uint32_t interval_ms_ = 0;
+  bool begun_ = false;
+};
+
+// The writer's view of the rings.
+[[nodiscard]] RingWriter WriterOfRingA(AppState& state);
+[[nodiscard]] RingWriter WriterOfRingB(AppState& state);
+
+// Zeroes what is in use of both rings, puts their indexes to 0 and forgets the time marks. While no worker
+// writes them.
+void ClearRings(AppState& state);
+
+}  // namespace tw

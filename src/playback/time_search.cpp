@@ -1,0 +1,42 @@
+#include "playback/time_search.h"
+
+namespace tw {
+namespace {
+
+constexpr uint64_t kNear = 64 * 1024;  // bytes that are read on rather than halved once more
+constexpr int kPingsWithoutTime = 64;  // a receiver tells the time once a second, a device pings more often
+
+// The first ping behind a place that tells its time.
+bool FindTimedPing(PingSource& recording, uint64_t position, RecordedPing& ping) {
+  if (!recording.Seek(position)) return false;
+  for (int i = 0; i < kPingsWithoutTime && recording.Next(ping); ++i) {
+    if (ping.hasTime) return true;
+  }
+  return false;
+}
+
+}  // namespace
+
+bool SeekToTime(PingSource& recording, int64_t time_ms) {
+  uint64_t early = 0;
+  uint64_t late = recording.Size();
+  RecordedPing ping{};
+  bool hasTimes = FindTimedPing(recording, 0, ping);
+  if (hasTimes && ping.time_ms >= time_ms) return recording.Seek(0);
+  while (late > early && late - early > kNear) {
+    const uint64_t middle = early + (late - early) / 2;
+    if (!FindTimedPing(recording, middle, ping)) {
+      late = middle;
+      continue;
+    }
+    hasTimes = true;
+    if (ping.time_ms >= time_ms) {
+      late = middle;
+    } else {
+      early = ping.begin > middle && ping.begin < late ? ping.begin : middle;
+    }
+  }
+  return hasTimes && recording.Seek(early);
+}
+
+}  // namespace tw

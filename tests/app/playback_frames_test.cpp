@@ -1,0 +1,124 @@
+// Binary recordings written frame by frame: what time and sampling frequency make of the ring.
+#include <cstring>
+#include <fstream>
+
+#include "acquisition/echo_frame.h"
+#include "app/control_ids.h"
+#include "tests/app/playback_fixture.h"
+
+namespace tw::test {
+namespace {
+
+struct Frame {
+  uint32_t time_s;
+  uint32_t sampling_hz;
+};
+
+constexpr uint32_t kDay_s = 86'400;
+
+class PlaybackFrames : public Playback {
+ protected:
+  // Each frame holds the samples 100 and 200; frame i is ping i + 1.
+  void Play(const std::vector<Frame>& frames) {
+    const uint16_t samples[] = {100, 200};
+    const fs::path path = folder_ / "frames.log";
+    std::ofstream file(path, std::ios::binary);
+    for (size_t i = 0; i < frames.size(); ++i) {
+      PingHeader header{};
+      header.ping = static_cast<uint32_t>(i + 1);
+      header.timeOfWork_s = frames[i].time_s;
+      header.samplingFrequency_hz = frames[i].sampling_hz;
+      header.sampleCount = 2;
+      uint8_t bytes[frame::kWrittenHeaderLength + sizeof samples];
+      frameSize_ = LayOutEchoFrame(header, samples, bytes);
+      file.write(reinterpret_cast<const char*>(bytes), static_cast<std::streamsize>(frameSize_));
+    }
+    file.close();
+    Choose({path.wstring()});
+    PlayFiles(*state_);
+    ASSERT_TRUE(Ui().boxes.empty());
+  }
+
+  [[nodiscard]] std::vector<uint16_t> SamplesAt(int32_t slot) const {
+    std::vector<uint16_t> samples((globals.slotReachA[slot] - kSlotSamples) / 2);
+    std::memcpy(samples.data(), state_->ringA->slots[slot] + kSlotSamples, samples.size() * 2);
+    return samples;
+  }
+
+  size_t frameSize_ = 0;
+};
+
+TEST_F(PlaybackFrames, RepetitionIsFoundOnce) {
+  // One second apart, so that the pings stand ten slots apart.
+  Play({{100, 0}, {101, 50'000}, {102, 25'000}, {103, 100'001}, {104, 100'000}});
+  PlayToTheEnd();
+  const std::vector<uint16_t> twice = {100, 100, 200, 200};
+  EXPECT_EQ(SamplesAt(0), std::vector<uint16_t>()) << "no frequency, no samples";
+  EXPECT_EQ(SamplesAt(1), twice) << "the first that has one decides";
+  EXPECT_EQ(SamplesAt(11), twice);
+  EXPECT_EQ(SamplesAt(21), std::vector<uint16_t>()) << "above the grid's";
+  EXPECT_EQ(SamplesAt(31), twice);
+}
+
+TEST_F(PlaybackFrames, SlotsGoByRecordedTime) {
+  const struct {
+    const char* what;
+    std::vector<Frame> frames;
+    int32_t index;
+  } rows[] = {
+      {"one frame", {{100, 1'000}}, 1},
+      {"frames of one second share a slot", {{100, 1'000}, {100, 1'000}, {100, 1'000}}, 1},
+      {"a second is ten slots", {{100, 1'000}, {100, 1'000}, {101, 1'000}}, 11},
+      {"back in time: none", {{100, 1'000}, {50, 1'000}, {51, 1'000}}, 11},
+      {"three days go once around at most",
+       {{100, 1'000}, {100 + 3 * kDay_s, 1'000}},
+       (1 + 30 * 86'400) % 10'000},
+  };
+  for (const auto& row : rows) {
+    Play(row.frames);
+    PlayToTheEnd();
+    EXPECT_EQ(IndexA(), row.index) << row.what;
+    EXPECT_EQ(HeaderAt(IndexA()).ping, row.frames.size()) << row.what;
+    StopRun(*state_);
+  }
+}
+
+TEST_F(PlaybackFrames, AfterTheEndTheSliderGoesOnAndOneTickIsOneTick) {
+  std::vector<Frame> frames;
+  for (uint32_t i = 0; i < 100; ++i) frames.push_back({1'000'000 + i * kDay_s, 1'000});
+  Play(frames);
+  PlayToTheEnd();
+  const int32_t end = IndexA();
+  EXPECT_EQ(StateOfProgram(*state_), ProgramState::paused);
+  PausePlayback(*state_);
+  Ui().progress.clear();
+  RequestSeek(state_->seekRequest, 50 * frameSize_ - 3);
+  SleepMilliseconds(100);
+  EXPECT_EQ(IndexA(), (end + 1) % kRingSlots) << "years back";
+  EXPECT_EQ(HeaderAt(IndexA()).ping, 51u) << "shown although held";
+  ASSERT_FALSE(Ui().progress.empty());
+  EXPECT_EQ(state_->playbackAtEnd, 1);
+  NotePlaybackProgress(*state_, Ui().progress.back());
+  EXPECT_EQ(state_->playbackAtEnd, 0);
+  ResumePlayback(*state_);
+  SleepMilliseconds(40);
+  EXPECT_GT(HeaderAt(IndexA()).ping, 51u) << "on from there, not from the beginning";
+  PlayToTheEnd();
+}
+
+TEST_F(PlaybackFrames, PicturesAreTakenByRecordedTime) {
+  StoreShared(globals.autoCaptureTicked, 1);
+  std::vector<Frame> frames;
+  for (uint32_t i = 0; i < 28; ++i) frames.push_back({1'000 + i * 5, 1'000});
+  Play(frames);  // 135 s
+  PlayToTheEnd();
+  EXPECT_EQ(LoadShared(globals.autoCaptureRequested), 0);
+  StopRun(*state_);
+  frames.push_back({1'136, 1'000});
+  Play(frames);
+  PlayToTheEnd();
+  EXPECT_EQ(LoadShared(globals.autoCaptureRequested), 1);
+}
+
+}  // namespace
+}  // namespace tw::test

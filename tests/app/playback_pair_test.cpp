@@ -1,0 +1,139 @@
+// Two files of a dual recording played together: which is which, and that the second goes where the first
+// goes.
+#include <fstream>
+
+#include "tests/app/playback_fixture.h"
+
+namespace tw::test {
+namespace {
+
+constexpr int32_t kHigh_hz = 450'000;
+constexpr int32_t kLow_hz = 200'000;
+
+class PlaybackPair : public Playback, public testing::WithParamInterface<int32_t> {
+ protected:
+  void RecordPair(int seconds) {
+    sim::SounderOptions options = QuickSounder();
+    options.outputMode = GetParam();
+    options.dual = true;
+    Record(options, seconds);
+    ASSERT_EQ(files_.size(), 2u);
+  }
+
+  PingHeader NewestOfA() { return HeaderAt(IndexA()); }
+  PingHeader NewestOfB() {
+    Locked held(state_->ringLockB);
+    return LoadPingHeader(state_->ringB->slots[state_->ringIndexB]);
+  }
+
+  // The two channels ping in turn, so the second's first ping at or after the first's time is the next one.
+  void ExpectTogether(const char* when) {
+    const PingHeader a = NewestOfA();
+    const PingHeader b = NewestOfB();
+    EXPECT_EQ(a.txFrequency_hz, kHigh_hz) << when;
+    EXPECT_EQ(b.txFrequency_hz, kLow_hz) << when;
+    EXPECT_GE(b.ping + 1, a.ping) << when;
+    EXPECT_LE(b.ping, a.ping + 3) << when;
+  }
+};
+
+TEST_P(PlaybackPair, TheHigherFrequencyIsTheFirstHoweverTheyAreChosen) {
+  RecordPair(10);
+  for (const bool turned : {false, true}) {
+    Choose(turned ? std::vector{files_[1], files_[0]} : files_);
+    PlayFiles(*state_);
+    ASSERT_TRUE(Ui().boxes.empty());
+    PlayToTheEnd();
+    SleepMilliseconds(1'000);
+    ExpectTogether(turned ? "turned" : "as they stand in the folder");
+    EXPECT_EQ(LoadShared(globals.playedFrequencyA_hz), kHigh_hz);
+    EXPECT_EQ(LoadShared(globals.playedFrequencyB_hz), kLow_hz);
+    EXPECT_EQ(LoadShared(globals.dualMode), 1);
+    for (const ProgressBlock& block : Ui().progress) EXPECT_EQ(block.inputFile, Ui().progress[0].inputFile);
+    Ui().progress.clear();
+    StopRun(*state_);
+    EXPECT_EQ(state_->inputFileB, Handle::invalid);
+    EXPECT_EQ(state_->fileWorkerB, Handle::null);
+  }
+}
+
+TEST_P(PlaybackPair, TheSecondFollowsStepsAndSeeks) {
+  RecordPair(60);
+  Choose(files_);
+  PlayFiles(*state_);
+  SleepMilliseconds(3'000);
+  PausePlayback(*state_);
+  SleepMilliseconds(100);
+  ExpectTogether("played");
+  const uint32_t middle = NewestOfA().ping;
+
+  StepPlaybackBack(*state_, kBack20);
+  SleepMilliseconds(100);
+  ExpectTogether("back 20, held");
+  const uint32_t earlier = NewestOfA().ping;
+  EXPECT_LT(earlier + 20, middle);
+  const int32_t indexA = IndexA();
+  EXPECT_NEAR(state_->ringIndexB, indexA, 4) << "both rings went back";
+
+  for (const int part : {9, 1, 5, 3, 7}) {
+    RequestSeek(state_->seekRequest, fs::file_size(fs::path(files_[1])) / 10 * static_cast<uint64_t>(part));
+    SleepMilliseconds(100);
+    ExpectTogether("sought, held");
+    EXPECT_NEAR(NewestOfA().ping, part * 60, 30) << part;
+  }
+
+  ResumePlayback(*state_);
+  PlayToTheEnd();
+  SleepMilliseconds(1'000);
+  ExpectTogether("at the end");
+  const uint32_t last = NewestOfA().ping;
+  StepPlaybackBack(*state_, kBack100);
+  SleepMilliseconds(10);
+  PausePlayback(*state_);
+  SleepMilliseconds(100);
+  EXPECT_LT(NewestOfA().ping + 60, last);
+  ExpectTogether("back 100 from the end");
+
+  ResumePlayback(*state_);
+  PlayToTheEnd();
+  ResumePlayback(*state_);
+  SleepMilliseconds(60);
+  EXPECT_LT(NewestOfA().ping, 20u) << "begun anew";
+  ExpectTogether("begun anew");
+}
+
+INSTANTIATE_TEST_SUITE_P(Modes, PlaybackPair, testing::Values(4, 100),
+                         [](const auto& mode) { return "Mode" + std::to_string(mode.param); });
+
+using PlaybackPairNames = Playback;
+
+TEST_F(PlaybackPairNames, TwoFilesThatAreNoPairAreRefused) {
+  const std::string text = "#DeviceID a\r\n#NSamples 0\r\n##DataStart\r\n\r\n\r\n";
+  const std::string lines = "Alt : 1.5\r\n";
+  const auto make = [this](const char* name, const std::string& content) {
+    const fs::path path = folder_ / name;
+    std::ofstream(path, std::ios::binary) << content;
+    return path.wstring();
+  };
+  const std::wstring high = make("20250314_093005_Dual_450kHz_id_a_txt12.log", text);
+  const std::wstring low = make("20250314_093005_Dual_200kHz_id_a_txt12.log", text);
+  const std::wstring later = make("20250314_093006_Dual_200kHz_id_a_txt12.log", text);
+  const std::wstring other = make("20250314_093005_Dual_210kHz_id_a_txt12.log", lines);
+  const std::wstring nameless = make("yesterday.log", text);
+  const std::vector<std::wstring> pairs[] = {{high, high}, {high, later}, {high, other}, {high, nameless}};
+  for (const auto& pair : pairs) {
+    Ui().boxes.clear();
+    Choose(pair);
+    PlayFiles(*state_);
+    ExpectBox(L"Select correct pair of files!!", L"Error", BoxIcon::error);
+    EXPECT_EQ(state_->playbackActive, 0);
+    EXPECT_EQ(state_->inputFileA, Handle::invalid);
+  }
+  Ui().boxes.clear();
+  Choose({low, high});
+  PlayFiles(*state_);
+  EXPECT_TRUE(Ui().boxes.empty());
+}
+
+}  // namespace
+}  // namespace tw::test

@@ -1,0 +1,168 @@
+// Recordings read from any place of theirs, and their times.
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "playback/ping_source.h"
+#include "playback/time_search.h"
+#include "tests/app/test_folder.h"
+
+namespace tw {
+namespace {
+
+std::string Info(int kind, int mode) {
+  return "INFO:" + std::to_string(kind) + ",450000,30000,0.1,20,0.0,0,15,0.14,0,150,20,0,1500.0," +
+         std::to_string(mode) + "\r\n";
+}
+
+constexpr char kSentences[] =
+    "$GPGGA,123519.00,4807.0380,N,01131.0000,E,1,08,0.9,545.4,M,46.9,M,,*42\r\n"
+    "$GPRMC,123519.00,A,4807.0380,N,01131.0000,E,022.4,084.4,230394,003.1,W,A*1B\r\n";
+
+// One ping of a text recording.
+struct Piece {
+  std::string text;
+  float altitude_m;
+};
+
+struct Sample {
+  const char* what;
+  std::string start;
+  std::vector<Piece> pings;
+  const char* behind;  // each ping
+};
+
+class Recordings : public testing::Test {
+ protected:
+  std::unique_ptr<PingSource> Open(const std::string& content) {
+    const auto path = folder_.Path() / "recording.log";
+    std::ofstream(path, std::ios::binary) << content;
+    RecordingFault fault{};
+    auto recording = OpenRecording(path.wstring().c_str(), fault);
+    EXPECT_NE(recording, nullptr);
+    return recording;
+  }
+
+ private:
+  test::TestFolder folder_;
+};
+
+// The first numbers of these lines begin so that a line cut anywhere still looks like one.
+TEST_F(Recordings, FromAnyPlaceTheNextWholePingComes) {
+  const auto block = [](const char* altitude) {
+    return std::string("#DeviceID KT\r\n#NSamples 2\r\n#Sampling_Frequency,Hz 25000\r\n#Altitude ") +
+           altitude + "\r\n##DataStart\r\n12\r\n13\r\n\r\n\r\n";
+  };
+  const Sample samples[] = {
+      {"DFX",
+       Info(1, 8),
+       {{"1 11.11 1.11 1.0 11.0 1\r\n", 11.11f},
+        {"1 12.5 1.11 1.0 11.0 1\r\n", 12.5f},
+        {"1 111.75 1.11 1.0 11.0 1\r\n", 111.75f}},
+       kSentences},
+      {"depth and temperature",
+       Info(2, 8),
+       {{"12.250,   11.40\r\n", 12.25f}, {"112.500,   11.40\r\n", 112.5f}, {"1.250,   11.40\r\n", 1.25f}},
+       kSentences},
+      {"OLD",
+       Info(1, 9),
+       {{"1 11.5 0 0 0 12.10 0 0\r\n", 11.5f}, {"1 1.25 0 0 0 2.10 0 0\r\n", 1.25f}},
+       kSentences},
+      {"simple", Info(1, 1), {{"Alt : 11.5\r\n", 11.5f}, {"Alt : 12.25\r\n", 12.25f}}, kSentences},
+      {"PSA-916", Info(2, 7), {{"R11.5\r\n", 11.5f}, {"R12.25\r\n", 12.25f}}, kSentences},
+      {"echo text", Info(1, 4), {{block("11.5"), 11.5f}, {block("12.25"), 12.25f}}, kSentences},
+  };
+  for (const Sample& sample : samples) {
+    std::string content = sample.start;
+    std::vector<size_t> begins;
+    for (const Piece& ping : sample.pings) {
+      begins.push_back(content.size());
+      content += ping.text + sample.behind;
+    }
+    const auto recording = Open(content);
+    for (size_t place = 0; place <= content.size(); ++place) {
+      size_t expected = 0;
+      while (expected < begins.size() && begins[expected] < place) ++expected;
+      ASSERT_TRUE(recording->Seek(place)) << sample.what;
+      RecordedPing ping{};
+      ASSERT_EQ(recording->Next(ping), expected < begins.size()) << sample.what << " from " << place;
+      if (expected == begins.size()) continue;
+      EXPECT_EQ(ping.begin, begins[expected]) << sample.what << " from " << place;
+      EXPECT_EQ(ping.header.altitude_m, sample.pings[expected].altitude_m)
+          << sample.what << " from " << place;
+    }
+  }
+}
+
+TEST_F(Recordings, AnInterruptionEndsNothing) {
+  std::string content = Info(1, 1) + "Alt : 1.5\r\n" + std::string(2'000'000, '.') + "Alt : 2.5\r\n";
+  const auto recording = Open(content);
+  RecordedPing ping{};
+  ASSERT_TRUE(recording->Next(ping));
+  int asked = 0;
+  recording->SetInterruption({[](void* count) { return ++*static_cast<int*>(count) == 3; }, &asked});
+  EXPECT_FALSE(recording->Next(ping));
+  EXPECT_EQ(asked, 3);
+  EXPECT_TRUE(recording->Next(ping)) << "it goes on where it was";
+  EXPECT_EQ(ping.header.altitude_m, 2.5f);
+  EXPECT_EQ(recording->Skipped(), 2'000'000u);
+}
+
+// Blocks of 10 to 300 samples, the i-th at 1,000 + 7 i seconds.
+std::string TimedBlocks(int count) {
+  std::string content = Info(1, 4);
+  for (int i = 0; i < count; ++i) {
+    const int samples = 10 + i * 37 % 290;
+    content += "#DeviceID KT\r\n#TimeWork " + std::to_string(1'000 + 7 * i) + ".250\r\n#NSamples " +
+               std::to_string(samples) + "\r\n#Sampling_Frequency,Hz 25000\r\n#Ping " + std::to_string(i) +
+               "\r\n##DataStart\r\n";
+    for (int sample = 0; sample < samples; ++sample) content += "100\r\n";
+    content += "\r\n\r\n";
+  }
+  return content;
+}
+
+TEST_F(Recordings, ATimeIsFoundWithFewReads) {
+  constexpr int kBlocks = 3'000;
+  const auto recording = Open(TimedBlocks(kBlocks));
+  ASSERT_GT(recording->Size(), 2'000'000u);
+  const struct {
+    const char* what;
+    int64_t time_ms;
+    int ping;  // the first at or after that time
+  } rows[] = {
+      {"ahead of the first", 0, 0},
+      {"the first", 1'000'250, 0},
+      {"just behind it", 1'000'251, 1},
+      {"the middle", (1'000 + 7 * 1'500) * 1'000 + 250, 1'500},
+      {"between two", 8'000'000, 1'000},
+      {"the last", (1'000 + 7 * 2'999) * 1'000 + 250, 2'999},
+      {"behind the last", 30'000'000, kBlocks},
+  };
+  for (const auto& row : rows) {
+    ASSERT_TRUE(SeekToTime(*recording, row.time_ms)) << row.what;
+    RecordedPing ping{};
+    int read = 0;
+    bool found = false;
+    while (!found && recording->Next(ping)) {
+      ++read;
+      found = ping.time_ms >= row.time_ms;
+    }
+    EXPECT_LT(read, 200) << row.what;
+    ASSERT_EQ(found, row.ping < kBlocks) << row.what;
+    if (found) {
+      EXPECT_EQ(ping.header.ping, static_cast<uint32_t>(row.ping)) << row.what;
+    }
+  }
+}
+
+TEST_F(Recordings, WithoutTimesNoTimeIsFound) {
+  const auto recording = Open(Info(1, 1) + "Alt : 1.5\r\nAlt : 2.5\r\n");
+  EXPECT_FALSE(SeekToTime(*recording, 1'000));
+}
+
+}  // namespace
+}  // namespace tw
