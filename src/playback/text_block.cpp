@@ -19,6 +19,28 @@ constexpr double kRadiansPerDegree = 0.017453292519943295;
 constexpr size_t kTailSize = kGllSize + 32;  // room kept for what stands behind the samples
 constexpr size_t kWidestLine = 8;            // five digits, CR LF, and room to copy eight bytes at once
 
+// The line of each amplitude of 12 bits: digits and CR LF, the length in the last byte. A formatted print of
+// each sample would cost more than all else.
+constexpr size_t kTabulated = 4'096;
+using SampleLine = std::array<char, kWidestLine>;
+
+constexpr SampleLine MakeSampleLine(size_t value) {
+  SampleLine line{};
+  size_t digits = 1;
+  for (size_t rest = value / 10; rest != 0; rest /= 10) ++digits;
+  for (size_t i = digits; i-- != 0; value /= 10) line[i] = static_cast<char>('0' + value % 10);
+  line[digits] = '\r';
+  line[digits + 1] = '\n';
+  line[kWidestLine - 1] = static_cast<char>(digits + 2);
+  return line;
+}
+
+constexpr auto kSampleLines = [] {
+  std::array<SampleLine, kTabulated> lines{};
+  for (size_t value = 0; value < kTabulated; ++value) lines[value] = MakeSampleLine(value);
+  return lines;
+}();
+
 // A block as far as it has grown.
 class BlockText {
  public:
@@ -32,8 +54,15 @@ class BlockText {
     std::memcpy(room_.data() + size_, text.data(), text.size());
     size_ += text.size();
   }
-  // Digits from the end of a small field: a formatted print of each sample would cost more than all else.
+  // Copies a whole row of the table, of which the next line overwrites what is too much.
   void Sample(uint16_t value) {
+    if (value >= kTabulated) return LargeSample(value);
+    const SampleLine& line = kSampleLines[value];
+    std::memcpy(room_.data() + size_, line.data(), line.size());
+    size_ += static_cast<size_t>(line.back());
+  }
+  // Digits from the end of a small field.
+  void LargeSample(uint16_t value) {
     char digits[kWidestLine];
     size_t at = sizeof digits;
     do {
