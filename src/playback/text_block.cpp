@@ -50,6 +50,12 @@ class BlockText {
   void Line(const char* format, Values... values) {
     size_ += FormatText(room_.subspan(size_), format, values...);
   }
+  // Keyword, blank, value with so many decimals: what "%.*f" gives, at a fraction of its cost.
+  void Number(std::string_view key, float value, int decimals) {
+    Append(key);
+    size_ += FormatFixed(room_.subspan(size_), static_cast<double>(value), decimals);
+    Append("\r\n");
+  }
   void Append(std::string_view text) {
     std::memcpy(room_.data() + size_, text.data(), text.size());
     size_ += text.size();
@@ -82,18 +88,18 @@ class BlockText {
 
 void AppendHeader(const PingHeader& ping, BlockText& out) {
   out.Line("#DeviceID 000\r\n#TimeWork %" PRIu32 "\r\n#Ping %" PRIu32 "\r\n", ping.timeOfWork_s, ping.ping);
-  out.Line("#Altitude %.4f\r\n#Temperature %.2f\r\n", static_cast<double>(ping.altitude_m),
-           static_cast<double>(ping.temperature_c));
-  out.Line("#NSamples %" PRIu32 "\r\n#Sampling_Frequency,Hz %" PRIu32 "\r\n", ping.sampleCount,
-           ping.samplingFrequency_hz);
-  out.Line("#Tx_Frequency,Hz %" PRId32 "\r\n#Range,m %.1f\r\n#OutputMode 4\r\n", ping.txFrequency_hz,
-           static_cast<double>(ping.range_m));
-  out.Line("#Pitch,deg %.4f\r\n#Roll,deg %.4f\r\n", static_cast<double>(ping.pitch_deg),
-           static_cast<double>(ping.roll_deg));
-  out.Line("#gpsLatitude,radian %.9f\r\n#gpsLongitude,radian %.9f\r\n",
-           static_cast<double>(ping.gpsLatitude_rad), static_cast<double>(ping.gpsLongitude_rad));
-  out.Line("#gpsAltitude,m %f\r\n#gpsPDOP %f\r\n", static_cast<double>(ping.gpsAltitude_m),
-           static_cast<double>(ping.gpsPdop));
+  out.Number("#Altitude ", ping.altitude_m, 4);
+  out.Number("#Temperature ", ping.temperature_c, 2);
+  out.Line("#NSamples %" PRIu32 "\r\n#Sampling_Frequency,Hz %" PRIu32 "\r\n#Tx_Frequency,Hz %" PRId32 "\r\n",
+           ping.sampleCount, ping.samplingFrequency_hz, ping.txFrequency_hz);
+  out.Number("#Range,m ", ping.range_m, 1);
+  out.Append("#OutputMode 4\r\n");
+  out.Number("#Pitch,deg ", ping.pitch_deg, 4);
+  out.Number("#Roll,deg ", ping.roll_deg, 4);
+  out.Number("#gpsLatitude,radian ", ping.gpsLatitude_rad, 9);
+  out.Number("#gpsLongitude,radian ", ping.gpsLongitude_rad, 9);
+  out.Number("#gpsAltitude,m ", ping.gpsAltitude_m, 6);
+  out.Number("#gpsPDOP ", ping.gpsPdop, 6);
   out.Line("#gpsvalid %" PRId32 "\r\n\r\n####DataStart\r\n", ping.gpsValid);
 }
 
