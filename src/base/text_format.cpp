@@ -1,6 +1,7 @@
 #include "base/text_format.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cstdarg>
 #include <cstdint>
 #include <cstdio>
@@ -86,6 +87,12 @@ size_t FormatText(std::span<char> out, const char* format, ...) {
   const size_t length = FormatList(out, format, arguments);
   va_end(arguments);
   return length;
+}
+
+size_t FormatFixed(std::span<char> out, double value, int decimals) {
+  const auto end =
+      std::to_chars(out.data(), out.data() + out.size(), value, std::chars_format::fixed, decimals);
+  return end.ec == std::errc{} ? static_cast<size_t>(end.ptr - out.data()) : 0;
 }
 
 size_t FormatWide(std::span<wchar_t> out, const char* format, ...) {

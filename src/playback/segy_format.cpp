@@ -1,7 +1,9 @@
 #include "playback/segy_format.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
+#include <cstring>
 #include <limits>
 
 #include "base/bytes.h"
@@ -164,7 +166,16 @@ void BuildSegyTraceHeader(std::span<uint8_t, kSegyTraceHeaderSize> header, const
   out.Put32(kTraceCrossline, static_cast<int32_t>(trace.number));
 }
 
+// Four at a time: one by one they would cost a quarter of a conversion.
 void StoreSegySamples(std::span<const uint16_t> samples, uint8_t* out) {
+  constexpr uint64_t kLowBytes = 0x00FF'00FF'00FF'00FF;
+  for (uint64_t four; std::endian::native == std::endian::little && samples.size_bytes() >= sizeof four;) {
+    std::memcpy(&four, samples.data(), sizeof four);
+    four = (four & kLowBytes) << 8 | (four >> 8 & kLowBytes);
+    std::memcpy(out, &four, sizeof four);
+    out += sizeof four;
+    samples = samples.subspan(sizeof four / sizeof samples[0]);
+  }
   for (const uint16_t sample : samples) {
     StoreBe(out, sample);
     out += sizeof sample;

@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <string>
+#include <string_view>
 
 namespace tw {
 namespace {
@@ -43,6 +45,24 @@ TEST(TextFormat, NeverSplitsACharacterAtTheEnd) {
   char narrow[4];
   EXPECT_EQ(NarrowText(narrow, L"a궁"), 1u);
   EXPECT_STREQ(narrow, "a");
+}
+
+// The C library is asked for the same, over all magnitudes and with ties.
+TEST(FormatFixed, GivesWhatPrintfGives) {
+  const double values[] = {0.0,      -0.0,    0.5,        -0.5,    1.5,      2.5,  0.125, 0.375,
+                           1e-9,     -1e-12,  0.00005,    0.00015, 1e15,     1e22, -3.75, 450.0,
+                           99.99995, 0.99995, 3.40282e38, 1.4e-45, 65'535.5, 0.1f, 0.3f,  123'456.789f};
+  for (const double value : values) {
+    for (const int decimals : {0, 1, 2, 4, 6, 9}) {
+      char wanted[400];
+      const int length = std::snprintf(wanted, sizeof wanted, "%.*f", decimals, value);
+      char text[400];
+      const size_t size = FormatFixed(text, value, decimals);
+      EXPECT_EQ(std::string_view(text, size), std::string_view(wanted, static_cast<size_t>(length)));
+    }
+  }
+  char small[3];
+  EXPECT_EQ(FormatFixed(small, 1.25, 2), 0u) << "it does not fit";
 }
 
 }  // namespace

@@ -196,8 +196,9 @@ TEST_P(HostileKind, DamageAnywhereLeavesTheOtherPings) {
   std::mt19937 random(7);
   for (int i = 0; i < 60; ++i) {
     std::string damaged = sound;
-    // Behind what tells the kind, so that it is still known.
-    const size_t at = sound.size() / 3 + random() % (sound.size() / 2);
+    // Behind the first pings and what tells the kind, so that it is still known.
+    const size_t head = GetParam().hasInfo ? SampleInfo(1, GetParam().outputMode).size() : 0;
+    const size_t at = head + (sound.size() - head) / 3 + random() % ((sound.size() - head) / 2);
     for (size_t byte = at; byte < std::min(at + 1 + random() % 8, damaged.size()); ++byte)
       damaged[byte] = static_cast<char>(random());
     Write(File(), damaged);
