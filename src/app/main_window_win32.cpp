@@ -1,5 +1,6 @@
 #include "app/main_window_win32.h"
 
+#include "app/control_fonts_win32.h"
 #include "app/control_ids.h"
 #include "app/dialogs_win32.h"
 #include "app/family_controls.h"
@@ -171,19 +172,6 @@ LRESULT CALLBACK MainWindowProcedure(HWND window, UINT message, WPARAM wParam, L
   }
 }
 
-// The arrows on the playback buttons: fonts of dialogs often lack them.
-void SetArrowFont(const AppState& state) {
-  LOGFONTW font{};
-  const auto dialogFont = reinterpret_cast<HFONT>(SendMessageW(Control(state, ID_RESUME), WM_GETFONT, 0, 0));
-  if (GetObjectW(dialogFont, sizeof(font), &font) == 0) return;
-  lstrcpynW(font.lfFaceName, L"Arial", LF_FACESIZE);
-  const HFONT arrows = CreateFontIndirectW(&font);  // as long as the window, which is as long as the process
-  constexpr int kArrowButtons[] = {ID_FAST_BACK, ID_BACK, ID_PAUSE, ID_RESUME};
-  for (const int id : kArrowButtons) {
-    SendMessageW(Control(state, id), WM_SETFONT, reinterpret_cast<WPARAM>(arrows), FALSE);
-  }
-}
-
 }  // namespace
 
 bool RegisterMainWindowClass(HINSTANCE instance, const wchar_t* className) {
@@ -207,6 +195,7 @@ AppState* CreateMainWindow(HINSTANCE instance) {
   AppState* const state = StateOf(window);
   RememberHiddenControls(*state);
   SetArrowFont(*state);
+  FitOutputFont(*state);
   const HWND statusBar = CreateStatusBar(window);
   if (statusBar == nullptr) return nullptr;
   state->statusBar = FromWindow(statusBar);

@@ -90,7 +90,8 @@ constexpr int32_t kShortestInterval_ms = 10;
 constexpr int32_t kIntervals_ms[] = {0, 10, 20, 50, 100, 200, 250, 500, 1'000, 2'000, 5'000, 10'000};
 constexpr wchar_t kAuto[] = L"Auto";
 constexpr wchar_t kOff[] = L"Off";
-constexpr int32_t kPresets = 10;  // numbers 0 to 9
+constexpr wchar_t kUnknown[] = L"unknown";  // this family tells nobody
+constexpr int32_t kPresets = 10;            // numbers 0 to 9
 
 const Row& RowOf(SettingsField field) {
   return kRows[static_cast<size_t>(field)];
@@ -197,9 +198,11 @@ void FormatShown(SettingsField field, const FormFacts& facts, const S& settings,
       }
       return;
     case F::firmware:
+      if (facts.family == 0) return static_cast<void>(CopyWide(text, kUnknown));
       FormatNumber(static_cast<double>(facts.firmwareVersion), 2, text);
       return;
     case F::interfaceType:
+      if (facts.family != 1) return static_cast<void>(CopyWide(text, kUnknown));
       CopyWide(text, facts.interfaceType >= 0 && facts.interfaceType <= 2 ? kInterfaces[facts.interfaceType]
                                                                           : kInterfaces[0]);
       return;

@@ -128,7 +128,7 @@ void DrawPanel(const PanelSource& source, const PanelLayout& layout, PanelScratc
     FillRect(canvas, layout.image, kBlack);
   }
   if (source.ring != nullptr) {
-    DrawProfile(*source.ring, source.scale, layout, source.threshold_percent, scratch.colours,
+    DrawProfile(*source.ring, source.scale, layout, source.threshold_percent, *source.palette,
                 scratch.profile, canvas);
   }
   const GridLines grid = LayOutGrid(layout);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <iterator>
 
+#include "base/bytes.h"
 #include "display/scaling.h"
 
 namespace tw {
@@ -41,7 +42,7 @@ int32_t ThresholdX(const PanelLayout& layout, int32_t threshold_percent) {
 }
 
 void DrawProfile(const PingRing& ring, const EchogramScale& scale, const PanelLayout& layout,
-                 int32_t threshold_percent, const AmplitudeColours& colours, ProfileScratch& scratch,
+                 int32_t threshold_percent, const DisplayPalette& palette, ProfileScratch& scratch,
                  const Canvas& canvas) {
   const int32_t threshold = ThresholdX(layout, threshold_percent);
   const int32_t points = IsDrawable(scale, layout.image.Height()) ? ProfilePoints(layout.image.Height()) : 0;
@@ -51,9 +52,10 @@ void DrawProfile(const PingRing& ring, const EchogramScale& scale, const PanelLa
     ProfilePoint previous = FindProfilePoint(0, scratch, scale, layout);
     for (int32_t i = 1; i < points; ++i) {
       const ProfilePoint point = FindProfilePoint(i, scratch, scale, layout);
+      // Unlike in the image, the weakest echoes have their colours here.
       const bool isStrong = point.at.x > threshold;
       DrawLine(canvas, previous.at, point.at,
-               isStrong ? colours.pixels[point.amplitude] : kBelowThresholdColour);
+               isStrong ? LoadLe<uint32_t>(palette.entries[point.amplitude]) : kBelowThresholdColour);
       previous = point;
     }
   }

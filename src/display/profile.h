@@ -41,7 +41,7 @@ struct ProfileScratch {
 // Draws the profile of the newest slot and the threshold's line. Nothing of the profile is drawn when the
 // scale is not drawable.
 void DrawProfile(const PingRing& ring, const EchogramScale& scale, const PanelLayout& layout,
-                 int32_t threshold_percent, const AmplitudeColours& colours, ProfileScratch& scratch,
+                 int32_t threshold_percent, const DisplayPalette& palette, ProfileScratch& scratch,
                  const Canvas& canvas);
 
 }  // namespace tw

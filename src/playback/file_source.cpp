@@ -15,25 +15,28 @@ constexpr uint32_t kBufferSize = 256 * 1024;
 
 FileSource::FileSource(Handle file) : file_(file), buffer_(new (std::nothrow) uint8_t[kBufferSize]) {}
 
+size_t FileSource::ReadBehind(size_t from) {
+  uint32_t got = 0;
+  failed_ = !ReadFileBytes(file_, buffer_.get() + from, static_cast<uint32_t>(kBufferSize - from), got);
+  if (failed_) return 0;
+  behind_ += got;
+  return got;
+}
+
 bool FileSource::Fill() {
   if (!bytes_.empty()) return true;
-  uint32_t got = 0;
-  if (buffer_ == nullptr || !ReadFileBytes(file_, buffer_.get(), kBufferSize, got) || got == 0) return false;
-  bytes_ = {buffer_.get(), got};
-  behind_ += got;
-  return true;
+  if (!Ready()) return false;
+  bytes_ = {buffer_.get(), ReadBehind(0)};
+  return !bytes_.empty();
 }
 
 std::span<const uint8_t> FileSource::Ahead(size_t count) {
   count = std::min(count, kMaxAhead);
-  if (bytes_.size() < count && buffer_ != nullptr) {
+  if (bytes_.size() < count && Ready()) {
     // What is left moves to the front, so that more fits behind it.
     const size_t left = bytes_.size();
     if (left != 0) std::memmove(buffer_.get(), bytes_.data(), left);
-    uint32_t got = 0;
-    if (!ReadFileBytes(file_, buffer_.get() + left, static_cast<uint32_t>(kBufferSize - left), got)) got = 0;
-    bytes_ = {buffer_.get(), left + got};
-    behind_ += got;
+    bytes_ = {buffer_.get(), left + ReadBehind(left)};
   }
   return bytes_.first(std::min(count, bytes_.size()));
 }

@@ -32,14 +32,24 @@ class FileSource {
   // Goes on at another place; what stood in the buffer is dropped.
   [[nodiscard]] bool Seek(uint64_t position);
 
+  // True once the system has refused to read: what was taken for the end was none.
+  [[nodiscard]] bool Failed() const { return failed_; }
+
+  // False when there was no memory for the buffer.
+  [[nodiscard]] bool Ready() const { return buffer_ != nullptr; }
+
   // As the system tells it now: a file may still be growing. 0 when it cannot tell.
   [[nodiscard]] uint64_t Size() const;
 
  private:
+  // Reads behind what stands in the buffer up to `from`; returns how many bytes came.
+  [[nodiscard]] size_t ReadBehind(size_t from);
+
   Handle file_;
   std::unique_ptr<uint8_t[]> buffer_;
   std::span<const uint8_t> bytes_;
   uint64_t behind_ = 0;  // the place behind the last byte read
+  bool failed_ = false;
 };
 
 // Reads until the reader has a whole block; false at the end of the file. The block's bytes stood in one

@@ -64,8 +64,11 @@ class FileRun {
                   {{state.ringB, &state.ringIndexB, &state.ringLockB, globals.slotReachB}, globals.marksB}} {}
 
   void Run() {
-    const bool exhausted = Prepare() && Play();
-    if (!Stale()) Finish(exhausted);
+    const bool prepared = Prepare();
+    const bool exhausted = prepared && Play();
+    if (Stale()) return;
+    if (!prepared && side_.first && conversion_ == 0) StoreShared(globals.playbackEnded, 1);
+    Finish(exhausted);
   }
 
  private:
@@ -80,6 +83,8 @@ class FileRun {
   bool Prepare() {
     RecordingFault fault = RecordingFault::none;
     source_ = MakeRecording(LoadShared(side_.input), fault, state_.settings.samplingFrequency_hz);
+    const bool unreadable = source_ == nullptr && fault != RecordingFault::noMemory;
+    if (unreadable) return false;  // it was readable when it was chosen
     if (source_ == nullptr || !history_.Prepare() || !PrepareConversion()) {
       Show(StatusPart::position, L"Insufficient memory!");
       return false;
@@ -110,7 +115,7 @@ class FileRun {
         TakePing(ping);
         Pace();
       } else if (conversion_ != 0) {
-        return true;
+        return !source_->Failed();
       } else {
         NoteEnd();
       }

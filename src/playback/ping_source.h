@@ -46,8 +46,12 @@ class PingSource {
 
   [[nodiscard]] virtual const RecordingKind& Kind() const = 0;
 
-  // The next ping; false at the end of the recording. Damage is skipped.
+  // The next ping; false at the end of the recording, and when it cannot be read any further. Damage is
+  // skipped.
   [[nodiscard]] virtual bool Next(RecordedPing& ping) = 0;
+
+  // True when the system refused to read on: the recording has not been read to its end.
+  [[nodiscard]] virtual bool Failed() const = 0;
 
   // Goes on with the first ping that begins at or behind this place of the file. False when the file cannot
   // be positioned.
@@ -64,6 +68,8 @@ enum class RecordingFault : uint8_t {
   notOpened,  // the system's error says why
   unknown,    // no kind of recording that this program knows
   noPing,     // a known kind, but not one ping in it
+  unread,     // the system refused to read it
+  noMemory,
 };
 
 // Opens a recording for reading, nobody else writing to it, and finds out what it is. Null with the fault

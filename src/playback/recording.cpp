@@ -138,7 +138,9 @@ class Recording final : public PingSource {
   Recording& operator=(const Recording&) = delete;
 
   // False when there is no memory.
-  [[nodiscard]] bool Prepare() { return MakeParser(parser_, kParserCapacity) && RenewReader(); }
+  [[nodiscard]] bool Prepare() {
+    return source_.Ready() && MakeParser(parser_, kParserCapacity) && RenewReader();
+  }
 
   [[nodiscard]] const RecordingKind& Kind() const override { return kind_; }
 
@@ -173,6 +175,7 @@ class Recording final : public PingSource {
     return true;
   }
 
+  [[nodiscard]] bool Failed() const override { return source_.Failed(); }
   [[nodiscard]] uint64_t Position() const override { return behind_; }
   [[nodiscard]] uint64_t Size() const override { return size_; }
   [[nodiscard]] uint64_t Skipped() const override { return skipped_; }
@@ -287,15 +290,19 @@ std::unique_ptr<PingSource> Make(Handle file, bool owned, RecordingFault& fault,
     return nullptr;
   }
   std::unique_ptr<Recording> recording(new (std::nothrow) Recording(file, owned, *form, *told, sampling_hz));
+  fault = RecordingFault::noMemory;
   if (recording == nullptr) {
     if (owned) CloseFile(file);
     return nullptr;
   }
+  if (!recording->Prepare()) return nullptr;
   RecordedPing first{};
-  fault = RecordingFault::noPing;
-  if (!recording->Prepare() || !recording->Next(first)) return nullptr;
-  fault = RecordingFault::none;
+  const bool found = recording->Next(first);
+  fault = recording->Failed() ? RecordingFault::unread : RecordingFault::noPing;
+  if (!found) return nullptr;
+  fault = RecordingFault::unread;
   if (!recording->Rewind()) return nullptr;
+  fault = RecordingFault::none;
   return recording;
 }
 

@@ -84,6 +84,9 @@ TEST(SettingsForm, ValuesAsTexts) {
       {F::firmware, common, kSingle, L"3.25"},
       {F::interfaceType, common, kSingle, L"USB"},
       {F::identity, common, kSecond, L"0042"},
+      {F::interfaceType, common, kSecond, L"unknown"},
+      {F::firmware, common, kSecond, L"1.00"},
+      {F::firmware, common, kThird, L"unknown"},
       {F::smoothing, common, kSingle, L"not supported"},
       {F::smoothing, common, kDual, L"off"},
   };

@@ -20,21 +20,17 @@ constexpr Pixel kMarker = 0xFFFA9D;
 
 class Profile : public testing::Test {
  protected:
-  Profile() {
-    DisplayPalette palette;
-    BuildPalette(palette);
-    BuildAmplitudeColours(palette, colours_);
-  }
+  Profile() { BuildPalette(palette_); }
 
   void Draw(const EchogramScale& scale, int32_t threshold_percent) {
     pixels_.assign(size_t{kWidth} * kHeight, kBlack);
-    DrawProfile(*ring_, scale, layout_, threshold_percent, colours_, *scratch_, canvas_);
+    DrawProfile(*ring_, scale, layout_, threshold_percent, palette_, *scratch_, canvas_);
   }
   Pixel At(int32_t x, int32_t y) const { return pixels_[static_cast<size_t>(y * kWidth + x)]; }
 
   TestRing ring_ = MakeRing();
   std::unique_ptr<ProfileScratch> scratch_ = std::make_unique<ProfileScratch>();
-  AmplitudeColours colours_;
+  DisplayPalette palette_;
   PanelLayout layout_ = LayOutPanel(0, kWidth, kHeight, 96);
   std::vector<Pixel> pixels_ = std::vector<Pixel>(size_t{kWidth} * kHeight);
   Canvas canvas_{pixels_.data(), kWidth, kHeight, kWidth};
@@ -91,6 +87,11 @@ TEST_F(Profile, BehindTheLastSampleItIsZero) {
   Draw({3, 10, 444'540, 1'500.0f}, 0);  // 200 rows show the samples 0 to 59,271: twice the slot
   EXPECT_EQ(At(286 + 60, 20 + 90), 0x0000FFu << 16);
   EXPECT_EQ(At(286 + 60, 20 + 110), kBlack);
+}
+
+TEST_F(Profile, WeakestEchoesHaveAColourRightOfTheThreshold) {
+  Draw(kScale, 0);
+  EXPECT_EQ(At(286, 200), 0x140028u);  // the palette's entry 0
 }
 
 TEST_F(Profile, OnlyTheThresholdWhenTheScaleCannotBeDrawn) {

@@ -53,6 +53,30 @@ class SettingsDialogs : public ::testing::Test {
 class SingleSettings : public SettingsDialogs {};
 class DualSettings : public SettingsDialogs {};
 
+// The second and third family.
+class DetailSettings : public SettingsDialogs {
+ protected:
+  // The output's name ends where the selector is still white, ahead of the arrow.
+  void ExpectWholeInSelector(const wchar_t* name) const {
+    const HWND combo = program_->Control(ID_OUTPUT);
+    const LRESULT chosen = SendMessageW(combo, CB_GETCURSEL, 0, 0);
+    const LRESULT item =
+        SendMessageW(combo, CB_FINDSTRINGEXACT, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(name));
+    SendMessageW(combo, CB_SETCURSEL, static_cast<WPARAM>(item), 0);
+    Sleep(500);  // until it is painted
+    COMBOBOXINFO parts{};
+    parts.cbSize = sizeof(parts);
+    ASSERT_TRUE(GetComboBoxInfo(combo, &parts));
+    const Picture picture = PictureOf(combo);
+    for (int y = parts.rcItem.top + 1; y < parts.rcItem.bottom - 1; ++y) {
+      EXPECT_EQ(picture.At(parts.rcItem.right - 2, y),
+                picture.At(parts.rcItem.left + 1, parts.rcItem.top + 1))
+          << y;
+    }
+    SendMessageW(combo, CB_SETCURSEL, static_cast<WPARAM>(chosen), 0);
+  }
+};
+
 TEST_F(SingleSettings, WhatIsEnteredReachesTheDevice) {
   const Dialog& first = Open();
   EXPECT_EQ(first.Caption(), L"Settings (Single)");
@@ -206,6 +230,40 @@ TEST_F(DualSettings, BothChannelsStandSideBySide) {
   EXPECT_EQ(second.Value(L"Gain [dB]", 1), L"-4.5");
   EXPECT_EQ(second.Value(L"Range [m]", 1), L"40");
   EXPECT_EQ(second.Value(L"Range [m]", 0), L"40") << "a dual run starts with the high range for both";
+}
+
+TEST_F(DetailSettings, WhatIsEnteredReachesTheDevice) {
+  const Dialog& first = Open();
+  EXPECT_EQ(first.Caption(), L"Detail Setting");
+  ExpectWellMade(first);
+  const bool hasFilters = first.Field(L"Median filter [pings]") != nullptr;  // the second family
+  SavePicture(program_->Window(), hasFilters ? "main-window-second" : "main-window-third");
+  SavePicture(first.Window(), hasFilters ? "detail-second" : "detail-third");
+  EXPECT_FALSE(IsWindowVisible(program_->Control(ID_LOW_FREQUENCY)));
+  EXPECT_FALSE(IsWindowVisible(program_->Control(ID_DUAL_MODE)));
+  EXPECT_EQ(IsWindowVisible(program_->Control(ID_PRESET)) != FALSE, hasFilters);
+  ExpectWholeInSelector(L"Echo txt Fixed 1000 Samples");
+  first.Select(L"Range [m]", L"20");
+  first.Enter(L"Gain [dB]", L"-12.5");
+  first.Enter(L"Threshold [%]", L"101");
+  first.Press(VK_RETURN);
+  EXPECT_EQ(program_->AnswerBox(10, first.Window()),
+            (MessageBoxContent{L"Error", L"Value of Threshold must be from 0 to 100."}));
+  first.Enter(L"Threshold [%]", L"23");
+  first.Enter(L"Dead zone [mm]", L"321");
+  first.Enter(L"Speed of sound [m/s]", L"1481");
+  Confirm();
+  EXPECT_EQ(program_->Text(ID_RANGE), L"20");
+
+  const Dialog& second = Open();
+  EXPECT_EQ(second.Value(L"Range [m]"), L"20");
+  EXPECT_EQ(second.Value(L"Gain [dB]"), L"-12.5");
+  EXPECT_EQ(second.Value(L"Threshold [%]"), L"23");
+  EXPECT_EQ(second.Value(L"Dead zone [mm]"), L"321");
+  EXPECT_EQ(second.Value(L"Speed of sound [m/s]"), L"1481.0");
+  second.Press(VK_ESCAPE);
+  EXPECT_TRUE(second.CloseHasCome());
+  EXPECT_EQ(program_->Exit(), 0);
 }
 
 }  // namespace

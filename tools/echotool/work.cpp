@@ -64,6 +64,10 @@ std::string FaultText(RecordingFault fault) {
       return "is no recording of a known kind";
     case RecordingFault::noPing:
       return "holds no ping";
+    case RecordingFault::unread:
+      return "cannot be read";
+    case RecordingFault::noMemory:
+      return "needs more memory than there is";
   }
   return "";
 }
@@ -120,7 +124,8 @@ bool LongestTrace(const Job& job, uint32_t& longest, std::string& error) {
     return true;
   });
   longest = summary.LongestTrace();
-  return whole;
+  if (recording->Failed()) error = FaultText(RecordingFault::unread);
+  return whole && !recording->Failed();
 }
 
 std::unique_ptr<PingWriter> MakeWriter(const Job& job, const RecordingKind& kind, OutputFile& output,
@@ -159,6 +164,7 @@ Result Inform(const Job& job) {
     return true;
   });
   if (!whole) return {false, job.file + ": interrupted"};
+  if (recording->Failed()) return {false, job.file + ": " + FaultText(RecordingFault::unread)};
   return {true, job.file + "\n" + summary.Text(*recording)};
 }
 
@@ -182,6 +188,7 @@ Result Write(const Job& job) {
     return written;
   });
   if (!whole) return failed("interrupted");
+  if (recording->Failed()) return failed(FaultText(RecordingFault::unread));
   if (!written || !writer->End() || !file.Complete()) return failed(Narrow(path) + " cannot be written");
   return {true, ""};
 }
