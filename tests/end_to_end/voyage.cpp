@@ -190,10 +190,11 @@ void Voyage::Begin() {
   sim::SounderOptions options = QuickSounder();
   options.delivery_us = kDelivery_us;
   options.outputMode = 4;
+  options.logSize = 1'024;  // kept by the devices; filled long before memory is measured
   ConnectSounder(options, &log_);
   peer_ = std::make_unique<LossyPeer>(*sounder_);
   AttachPeer(kDeviceLine, peer_.get());
-  ConnectGps({.delivery_us = 100'000});
+  ConnectGps({.delivery_us = 100'000, .logSize = options.logSize});
   ChooseGps();
   Ui().controls[ID_RECORD].checked = true;
 }
