@@ -40,8 +40,9 @@ class PlaybackFrames : public Playback {
   }
 
   [[nodiscard]] std::vector<uint16_t> SamplesAt(int32_t slot) const {
-    std::vector<uint16_t> samples((globals.slotReachA[slot] - kSlotSamples) / 2);
-    std::memcpy(samples.data(), state_->ringA->slots[slot] + kSlotSamples, samples.size() * 2);
+    const size_t size = globals.slotReachA[slot] - kSlotSamples;
+    std::vector<uint16_t> samples(size / sizeof(uint16_t));
+    if (size != 0) std::memcpy(samples.data(), state_->ringA->slots[slot] + kSlotSamples, size);
     return samples;
   }
 
