@@ -94,6 +94,8 @@ TEST_F(Work, TextTellsTheSameAsTheBinaryItWasMadeOf) {
   const Result binary = Do(Task::info, fs::path(TW_TEST_DATA) / "three_pings.log");
   const Result text = Do(Task::info, fs::path(TW_TEST_DATA) / "three_pings_txt.log");
   ASSERT_TRUE(binary.done && text.done);
+  EXPECT_NE(binary.text.find("output mode   100 or 101 Echo Bin\n"), std::string::npos) << binary.text;
+  EXPECT_NE(text.text.find("output mode   4 Echo Txt 12bit\n"), std::string::npos) << text.text;
   const auto from = [](const std::string& report) { return report.substr(report.find("  pings")); };
   const auto upTo = [](const std::string& report) { return report.substr(0, report.find("  damaged")); };
   EXPECT_EQ(upTo(from(binary.text)), upTo(from(text.text)));

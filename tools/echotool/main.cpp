@@ -60,6 +60,11 @@ int Run(const std::vector<std::string>& arguments) {
 }  // namespace tw::echotool
 
 #ifdef _WIN32
+// The start-up code then expands wildcards, which the shells of Windows leave to the programs.
+extern "C" {
+int _dowildcard = -1;
+}
+
 int wmain(int count, wchar_t** words) {
   std::vector<std::string> arguments;
   for (int i = 1; i < count; ++i) {
