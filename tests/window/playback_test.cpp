@@ -72,6 +72,14 @@ class Playback : public ::testing::Test {
     return WaitUntil([&] { return Echogram().pixels != from.pixels; }, 10);
   }
 
+  // As the file dialog wants it for several files of its folder.
+  [[nodiscard]] std::wstring AllNames() const {
+    std::wstring names;
+    for (const std::wstring& path : folder_->Files())
+      names += L'"' + std::filesystem::path(path).filename().wstring() + L"\" ";
+    return names;
+  }
+
   // Asked for with a control or a menu entry; returns what is said at the end.
   template <typename Ask>
   MessageBoxContent Converts(Ask ask) {
@@ -151,6 +159,9 @@ TEST_F(Playback, ConvertsToSegyAndToText) {
   program_.Choose(ID_MENU_SEGY);
   ChooseFile(L"");
   EXPECT_EQ(program_.AnswerBox(10), (MessageBoxContent{L"Error", L"File is not selected"}));
+  program_.Choose(ID_MENU_SEGY);
+  ChooseFile(AllNames());
+  EXPECT_EQ(program_.AnswerBox(10), (MessageBoxContent{L"Error", L"Select One File"}));
   EXPECT_EQ(program_.Exit(), 0);
 
   // A frame has 88 bytes ahead of its samples, a trace 240.
