@@ -7,6 +7,7 @@
 #include <random>
 
 #include "app/file_naming.h"
+#include "base/text_format.h"
 #include "tests/app/playback_fixture.h"
 
 namespace tw::test {
@@ -229,7 +230,10 @@ TEST_F(ConversionRun, WhatCannotBeConvertedIsSaid) {
       {ConvertToText, {L"a", L"b"}, L"Select One File"},
       {ConvertToSegy, {files_[0]}, L"Cannot convert this file(s)"},
       {ConvertToText, {text.wstring()}, L"Cannot convert this file(s)"},
+      {ConvertToSegy, {(folder_ / "absent.log").wstring()}, L"absent.log  to open file."},
+      {ConvertToSegy, {text.wstring()}, L"Unable to open file."},
   };
+  WidenText(state_->workingFolder, text.string());  // where no file can be made
   for (const auto& row : rows) {
     Ui().boxes.clear();
     Choose(row.files);
