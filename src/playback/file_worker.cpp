@@ -98,7 +98,7 @@ class FileRun {
     if (output_ == nullptr) return false;
     if (conversion_ == kSegyConversion) {
       converter_ =
-          std::make_unique<SegyConverter>(*output_, globals.segyTextHeader, source_->Kind().soundSpeed_mps);
+          std::make_unique<SegyConverter>(*output_, globals.segyTextHeader, state_.settings.soundSpeed_mps);
     } else {
       converter_ = std::make_unique<TextConverter>(*output_);
     }

@@ -151,7 +151,8 @@ class HostileFiles : public RunControlTest {
     echotool::Options options;
     options.task = task;
     if (task != Task::info) options.folder = outputs.string();
-    const echotool::Result result = echotool::WorkOn(path.string(), options, interrupted_);
+    echotool::Outputs made;
+    const echotool::Result result = echotool::WorkOn(path.string(), options, interrupted_, made);
     const auto files = std::distance(fs::directory_iterator(outputs), fs::directory_iterator());
     EXPECT_EQ(files, result.done && task != Task::info ? 1 : 0) << result.text;
     return result.done;
