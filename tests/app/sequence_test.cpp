@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdio>
+#include <sstream>
 
 #include "app/control_states.h"
 #include "app/run_control.h"
@@ -38,7 +38,7 @@ class Saboteur final : public SimulatorPeer {
       line_.push_back(byte);
       if (byte != '\r' && !(byte == ' ' && line_.size() == 1)) continue;
       const std::vector<uint8_t> line = std::exchange(line_, {});
-      Log(line, now_us);
+      Log(line);
       if (++count_ != target_ || sabotage_ == Sabotage::none) {
         SimulatorPeer::Receive(line, now_us);
         continue;
@@ -60,10 +60,17 @@ class Saboteur final : public SimulatorPeer {
     return reply_.empty() ? SimulatorPeer::NextSend_us(now_us) : now_us;
   }
   bool HungUp(int64_t now_us) override { return hungUp_ || SimulatorPeer::HungUp(now_us); }
+  bool Open(const char* mode) override {
+    Ui().Note(std::string("open ") + mode);
+    return SimulatorPeer::Open(mode);
+  }
+  void Close() override {
+    Ui().Note("close");
+    SimulatorPeer::Close();
+  }
 
  private:
-  // The date differs from run to run of the program, not of the test; it is left out all the same.
-  void Log(const std::vector<uint8_t>& line, int64_t) {
+  static void Log(const std::vector<uint8_t>& line) {
     std::string text(line.begin(), line.end());
     if (text.ends_with('\r')) text.pop_back();
     if (text.starts_with("#time ")) text = "#time ...";
@@ -76,6 +83,23 @@ class Saboteur final : public SimulatorPeer {
   bool hungUp_ = false;
   std::vector<uint8_t> line_;
   std::string reply_;
+};
+
+// A GPS receiver, of which only the line is looked at.
+class LoggedGps final : public SimulatorPeer {
+ public:
+  LoggedGps() : SimulatorPeer(receiver_) {}
+  bool Open(const char* mode) override {
+    Ui().Note(std::string("open gps ") + mode);
+    return SimulatorPeer::Open(mode);
+  }
+  void Close() override {
+    Ui().Note("close gps");
+    SimulatorPeer::Close();
+  }
+
+ private:
+  sim::VirtualGps receiver_{sim::GpsOptions{}};
 };
 
 class Sequence : public RunControlTest {
@@ -238,104 +262,195 @@ constexpr char kSecondReads[] =
     "#iden #range #auto #preset #interval #output #threshold #offset #deadzone #txlength #gain "
     "#tvgmode #tvgsprd #tvgabs #sound #getfreq #samplfreq #medianflt #movavgflt #swversion";
 constexpr char kThirdReads[] = "#info {2000} #info";
-constexpr char kStartCommands[] =
+constexpr char kSingleStart[] =
     "#time ...|#tvgmode 1|#pingonce 0|#nmeadpzero 1|#nmeadbt 1|#nmeadpt 0|#nmeamtw 1|#nmeaema 1|#nmeazda 1|"
     "#nmeaxdr 1|#output 2|#go";
+constexpr char kDualStart[] = "#time ...|#nmeadpt 1|#nmeaema 1|#output 2|#range 30000|#go";
+
+using Log = std::vector<std::string>;
 
 struct OrderCase {
   const char* name;
   DeviceFamily family;
+  bool dual;
   std::string identification;  // all that is sent until the family is known and settled
   const char* reads;           // of its own settings
+  const char* start;
   const char* identity;
-  std::string afterSettling;
-  std::string pauseOfSpeedChange;
+  Log afterSettling;
+  const char* pauseOfSpeedChange;
+  Log files;
+  Log filesOfNewSpeed;
 };
 
 class Order : public Sequence, public testing::WithParamInterface<OrderCase> {
  protected:
-  static void Add(std::vector<std::string>& log, const std::string& texts, char separator) {
-    std::string text;
-    const auto end = [&] {
-      if (text.empty()) return;
+  static void Add(Log& log, const Log& more) { log.insert(log.end(), more.begin(), more.end()); }
+  static void Add(Log& log, const std::string& texts, char separator) {
+    std::istringstream all(texts);
+    for (std::string text; std::getline(all, text, separator);) {
       log.push_back(text[0] == '{' ? "wait " + text.substr(1, text.size() - 2) : "send " + text);
-      text.clear();
-    };
-    for (const char c : texts) {
-      if (c == separator) {
-        end();
-      } else {
-        text += c;
-      }
     }
-    end();
   }
-  static void AddConnected(std::vector<std::string>& log, const char* speed, const char* identity) {
-    log.push_back(std::string("status 0 Device: COM5,") + speed + "bps, ID: " + identity);
-    log.emplace_back("status 1 GPS: Disconnected");
+  void AddConnected(Log& log, const char* speed) const {
+    log.push_back(std::string("status 0 Device: COM5,") + speed + "bps, ID: " + GetParam().identity);
+    log.emplace_back("status 1 GPS: COM6,4800bps");
   }
-  static void AddRun(std::vector<std::string>& log) {
+  void AddRun(Log& log, const Log& files) const {
+    Add(log, files);
     log.emplace_back("timer 8 every 1000");
-    Add(log, kStartCommands, '|');
+    Add(log, GetParam().start, '|');
   }
-  // What is noted while the command runs, from an entry of our own on.
+  // What is noted while the command runs, from an entry of our own on. The wait for the device's next byte,
+  // or for the worker's read to end, depends on the moment and is left out.
   template <typename Command>
-  std::vector<std::string> LogOf(Command command) {
+  Log LogOf(Command command) {
     Ui().log.clear();
     Ui().Note("begin");
     command();
-    return Ui().log;
+    Log log = Ui().log;
+    for (size_t i = 1; i + 1 < log.size(); ++i) {
+      const bool passing = log[i + 1] == "send <stop key>" || log[i + 1] == "close";
+      if (passing && log[i].starts_with("wait ")) log.erase(log.begin() + static_cast<ptrdiff_t>(i));
+    }
+    return log;
   }
+
+  LoggedGps receiver_;
 };
 
-TEST_P(Order, OfStartApplySpeedChangeAndStop) {
+TEST_P(Order, OfAllThatHappens) {
   const OrderCase& row = GetParam();
-  Connect(row.family);
-  std::vector<std::string> expected{"begin", "wait 4100", "send <return>", "wait 2120"};
-  Add(expected, row.identification, ' ');
-  if (!row.afterSettling.empty()) expected.push_back(row.afterSettling);
-  AddConnected(expected, "921600", row.identity);
-  AddRun(expected);
-  EXPECT_EQ(LogOf([&] { StartRun(*state_); }), expected);
+  Connect(row.family, false, row.dual);
+  AttachPeer(kGpsLine, &receiver_);
+  ChooseGps();
+  Ui().watchedFolder = folder_ / "TIDEWRITERR57_DATA";
+
+  const auto startBehind = [&](const Log& stop) {
+    Log log{"begin", "open baud=921600 parity=N data=8 stop=1"};
+    Add(log, stop);
+    log.emplace_back("open gps baud=4800 parity=N data=8 stop=1");
+    Add(log, row.identification, ' ');
+    Add(log, row.afterSettling);
+    AddConnected(log, "921600");
+    AddRun(log, row.files);
+    return log;
+  };
+  const Log stopped{"begin", "close", "close gps", "status 0 Device: Disconnected",
+                    "status 1 GPS: Disconnected"};
+  EXPECT_EQ(LogOf([&] { StartRun(*state_); }), startBehind({"wait 4000", "send <return>", "wait 2120"}));
+  Run(1);
+  EXPECT_EQ(LogOf([&] { StopRun(*state_); }), stopped);
+  EXPECT_EQ(LogOf([&] { StartRun(*state_); }), startBehind({"send <stop key>", "send <return>", "wait 20"}))
+      << "the device streams on";
 
   Run(1);
   state_->settings.soundSpeed_mps = 1480.0f;
-  expected = {"begin", "wait 10", "send <stop key>", "send <return>", "wait 20", "send #sound 1480.000"};
+  const Log interrupted{"begin", "send <stop key>", "send <return>", "wait 20"};
+  Log expected = interrupted;
+  Add(expected, "#sound 1480.000", '|');
   Add(expected, row.reads, ' ');
-  AddRun(expected);
+  AddRun(expected, row.files);
   EXPECT_EQ(LogOf([&] { ApplySettings(*state_); }), expected);
 
   Run(1);
-  expected = {"begin",
-              "wait 10",
-              "send <stop key>",
-              "send <return>",
-              row.pauseOfSpeedChange,
-              "send #speed 3000000",
-              "wait 100",
-              "send #reset",
-              "wait 100"};
-  AddConnected(expected, "3000000", row.identity);
-  AddRun(expected);
-  EXPECT_EQ(LogOf([&] { ChangeSpeed(*state_, 3'000'000); }), expected);
-  EXPECT_EQ(saboteur_->Mode(), "baud=3000000 parity=N data=8 stop=1 octs=on rts=on");
+  expected = {"begin", "box Change to default setting?"};
+  Add(expected, {interrupted.begin() + 1, interrupted.end()});
+  Add(expected, "#default", ' ');
+  Add(expected, row.reads, ' ');
+  AddRun(expected, row.files);
+  EXPECT_EQ(LogOf([&] { RestoreDefaults(*state_); }), expected);
 
   Run(1);
-  EXPECT_EQ(
-      LogOf([&] { StopRun(*state_); }),
-      (std::vector<std::string>{"begin", "status 0 Device: Disconnected", "status 1 GPS: Disconnected"}));
+  expected = interrupted;
+  expected.back() = row.pauseOfSpeedChange;
+  Add(expected, {"send #speed 3000000", "wait 100", "send #reset", "close", "wait 100",
+                 "open baud=3000000 parity=N data=8 stop=1 octs=on rts=on"});
+  Add(expected, row.filesOfNewSpeed);
+  AddConnected(expected, "3000000");
+  AddRun(expected, {});
+  EXPECT_EQ(LogOf([&] { ChangeSpeed(*state_, 3'000'000); }), expected);
+
+  Run(1);
+  EXPECT_EQ(LogOf([&] { StopRun(*state_); }), stopped);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Families, Order,
-    testing::Values(OrderCase{"First", DeviceFamily::first, std::string(kFirstReads) + " #reset #info",
-                              kFirstReads, "VIRTUAL-0001", "wait 1110", "wait 20"},
-                    OrderCase{"Second", DeviceFamily::second,
-                              std::string("##maxrangel ") + kSecondReads + " #reset", kSecondReads, "0042",
-                              "", "wait 20"},
-                    OrderCase{"Third", DeviceFamily::third, std::string("##maxrangel #iden ") + kThirdReads,
-                              kThirdReads, "0042", "", "wait 10"}),
-    [](const auto& row) { return std::string(row.param.name); });
+INSTANTIATE_TEST_SUITE_P(Families, Order,
+                         testing::Values(OrderCase{"First",
+                                                   DeviceFamily::first,
+                                                   false,
+                                                   std::string(kFirstReads) + " #reset #info",
+                                                   kFirstReads,
+                                                   kSingleStart,
+                                                   "VIRTUAL-0001",
+                                                   {"wait 1110"},
+                                                   "wait 20",
+                                                   {"file _Dual_450kHz_id_VIRTUAL-0001_txt10.log"},
+                                                   {"file _Dual_450kHz_id_VIRTUAL-0001_txt10.log"}},
+                                         OrderCase{"Dual",
+                                                   DeviceFamily::first,
+                                                   true,
+                                                   std::string(kFirstReads) + " #reset #info",
+                                                   kFirstReads,
+                                                   kDualStart,
+                                                   "VIRTUAL-0001",
+                                                   {"wait 1110"},
+                                                   "wait 20",
+                                                   {"file _Dual_200kHz_id_VIRTUAL-0001_txt10.log",
+                                                    "file _Dual_450kHz_id_VIRTUAL-0001_txt10.log"},
+                                                   {"file _Dual_200kHz_id_VIRTUAL-0001_txt10.log",
+                                                    "file _Dual_450kHz_id_VIRTUAL-0001_txt10.log"}},
+                                         OrderCase{"Second",
+                                                   DeviceFamily::second,
+                                                   false,
+                                                   std::string("##maxrangel ") + kSecondReads + " #reset",
+                                                   kSecondReads,
+                                                   kSingleStart,
+                                                   "0042",
+                                                   {},
+                                                   "wait 20",
+                                                   {"file _Single_450kHz_id_42_Echosounder.log"},
+                                                   {}},
+                                         OrderCase{"Third",
+                                                   DeviceFamily::third,
+                                                   false,
+                                                   std::string("##maxrangel #iden ") + kThirdReads,
+                                                   kThirdReads,
+                                                   kSingleStart,
+                                                   "0042",
+                                                   {},
+                                                   "wait 10",
+                                                   {"file _Single_450kHz_id_42_Echosounder.log"},
+                                                   {}}),
+                         [](const auto& row) { return std::string(row.param.name); });
+
+// kept: a speed change looks for the output's text among the first family's and names as that family does.
+TEST_F(Sequence, ANewSpeedNamesFilesAsTheFirstFamilyDoes) {
+  const struct {
+    const wchar_t* output;
+    int32_t mode;
+    const char* file;
+  } rows[] = {{L"Altimeter NMEA", 3, "file _Dual_450kHz_id__nmea.log"}, {L"PSA-916", 7, nullptr}};
+  Connect(DeviceFamily::second);
+  Ui().watchedFolder = folder_ / "TIDEWRITERR57_DATA";
+  StartRun(*state_);
+  int32_t speed_bps = 115'200;
+  for (const auto& row : rows) {
+    state_->settings.outputMode = row.mode;
+    ApplySettings(*state_);
+    Run(1);
+    EXPECT_EQ(Ui().controls[ID_OUTPUT].text, row.output);
+    EXPECT_NE(state_->recordFileA, Handle::invalid);
+    Ui().log.clear();
+    ChangeSpeed(*state_, speed_bps);
+    const auto& log = Ui().log;
+    EXPECT_EQ(row.file != nullptr,
+              std::find(log.begin(), log.end(), row.file == nullptr ? "" : row.file) != log.end());
+    EXPECT_EQ(state_->recordFileA != Handle::invalid, row.file != nullptr);
+    EXPECT_TRUE(IsRunning());
+    speed_bps = 230'400;
+  }
+}
 
 }  // namespace
 }  // namespace tw::test
