@@ -1,11 +1,12 @@
-// Start and Apply step by step: the complete order of what happens, for each family; and every way in which
-// the line can fail at each command of them.
+// The commands of a run step by step: the complete order of what happens, for each family; every setting that
+// can be changed; and every way in which the line can fail at each command.
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <sstream>
 
 #include "app/control_states.h"
+#include "app/family_controls.h"
 #include "app/run_control.h"
 #include "base/shared_value.h"
 #include "platform/clock.h"
@@ -281,6 +282,7 @@ struct OrderCase {
   const char* pauseOfSpeedChange;
   Log files;
   Log filesOfNewSpeed;
+  std::string changes;  // when all that its form has is changed
 };
 
 class Order : public Sequence, public testing::WithParamInterface<OrderCase> {
@@ -375,53 +377,140 @@ TEST_P(Order, OfAllThatHappens) {
   EXPECT_EQ(LogOf([&] { StopRun(*state_); }), stopped);
 }
 
-INSTANTIATE_TEST_SUITE_P(Families, Order,
-                         testing::Values(OrderCase{"First",
-                                                   DeviceFamily::first,
-                                                   false,
-                                                   std::string(kFirstReads) + " #reset #info",
-                                                   kFirstReads,
-                                                   kSingleStart,
-                                                   "VIRTUAL-0001",
-                                                   {"wait 1110"},
-                                                   "wait 20",
-                                                   {"file _Dual_450kHz_id_VIRTUAL-0001_txt10.log"},
-                                                   {"file _Dual_450kHz_id_VIRTUAL-0001_txt10.log"}},
-                                         OrderCase{"Dual",
-                                                   DeviceFamily::first,
-                                                   true,
-                                                   std::string(kFirstReads) + " #reset #info",
-                                                   kFirstReads,
-                                                   kDualStart,
-                                                   "VIRTUAL-0001",
-                                                   {"wait 1110"},
-                                                   "wait 20",
-                                                   {"file _Dual_200kHz_id_VIRTUAL-0001_txt10.log",
-                                                    "file _Dual_450kHz_id_VIRTUAL-0001_txt10.log"},
-                                                   {"file _Dual_200kHz_id_VIRTUAL-0001_txt10.log",
-                                                    "file _Dual_450kHz_id_VIRTUAL-0001_txt10.log"}},
-                                         OrderCase{"Second",
-                                                   DeviceFamily::second,
-                                                   false,
-                                                   std::string("##maxrangel ") + kSecondReads + " #reset",
-                                                   kSecondReads,
-                                                   kSingleStart,
-                                                   "0042",
-                                                   {},
-                                                   "wait 20",
-                                                   {"file _Single_450kHz_id_42_Echosounder.log"},
-                                                   {}},
-                                         OrderCase{"Third",
-                                                   DeviceFamily::third,
-                                                   false,
-                                                   std::string("##maxrangel #iden ") + kThirdReads,
-                                                   kThirdReads,
-                                                   kSingleStart,
-                                                   "0042",
-                                                   {},
-                                                   "wait 10",
-                                                   {"file _Single_450kHz_id_42_Echosounder.log"},
-                                                   {}}),
+// Each field of the form as an operator would enter it, for the low and the high channel.
+struct Entry {
+  SettingsField field;
+  const wchar_t* low;
+  const wchar_t* high;
+};
+using F = SettingsField;
+constexpr Entry kEntries[] = {
+    {F::range, L"25", L"35"},
+    {F::interval, L"0.25", L"0.25"},
+    {F::outputMode, nullptr, nullptr},  // whose name the family decides
+    {F::txLength, L"33", L"34"},
+    {F::txPower, L"55.5", L"55.5"},
+    {F::gain, L"-3.5", L"4.25"},
+    {F::tvgMode, L"3", L"3"},
+    {F::tvgSpreading, L"22.5", L"23.5"},
+    {F::tvgAbsorption, L"0.125", L"0.25"},
+    {F::attenuation, L"7", L"8"},
+    {F::deadZone, L"321", L"322"},
+    {F::offset, L"-12", L"13"},
+    {F::threshold, L"31", L"32"},
+    {F::soundSpeed, L"1487.0", L"1487.0"},
+    {F::medianFilter, L"5", L"5"},
+    {F::movingAverage, L"7", L"7"},
+    {F::outputRate, L"12.50", L"12.50"},
+};
+
+TEST_P(Order, EverySettingReachesTheDeviceAndReadsBack) {
+  const OrderCase& row = GetParam();
+  Connect(row.family, false, row.dual);
+  StartRun(*state_);
+  Run(1);
+  const FormFacts facts = CurrentFormFacts(*state_);
+  const FieldChannel active = ActiveChannel(facts, state_->settings);
+  const auto forEach = [&](auto&& act) {
+    for (const Entry& entry : kEntries) {
+      if (!IsShown(entry.field, facts)) continue;
+      const wchar_t* const mode = facts.family == 1 ? L"Echo Txt 12bit" : L"Echo txt Fixed 200 Samples";
+      const auto with = [&](FieldChannel channel) {
+        const wchar_t* const text = channel == FieldChannel::low ? entry.low : entry.high;
+        act(entry.field, channel, text == nullptr ? mode : text);
+      };
+      if (row.dual) with(FieldChannel::low);
+      with(row.dual ? FieldChannel::high : active);
+    }
+  };
+  forEach([&](F field, FieldChannel channel, const wchar_t* text) {
+    wchar_t error[256] = L"";
+    EXPECT_TRUE(ReadField(field, channel, facts, text, state_->settings, error)) << static_cast<int>(field);
+  });
+
+  Log expected{"begin", "send <stop key>", "send <return>", "wait 20"};
+  Add(expected, row.changes, '|');
+  Add(expected, row.reads, ' ');
+  Log log = LogOf([&] { ApplySettings(*state_); });
+  ASSERT_GE(log.size(), expected.size());
+  log.resize(expected.size());
+  EXPECT_EQ(log, expected);
+  for (const sim::ReceivedCommand& command : sounder_->Commands().Entries()) {
+    EXPECT_FALSE(command.refused && row.changes.find(command.line) != std::string::npos) << command.line;
+  }
+  forEach([&](F field, FieldChannel channel, const wchar_t* text) {
+    // The start of a run sets the TVG mode, that of a dual one both ranges.
+    if (field == F::tvgMode && !row.dual) text = L"1";
+    if (field == F::range && row.dual) text = L"35";
+    wchar_t shown[kFieldTextSize];
+    FormatField(field, channel, facts, state_->settings, shown);
+    EXPECT_STREQ(shown, text) << static_cast<int>(field);
+  });
+}
+
+const OrderCase kOrders[] = {
+    {.name = "First",
+     .family = DeviceFamily::first,
+     .dual = false,
+     .identification = std::string(kFirstReads) + " #reset #info",
+     .reads = kFirstReads,
+     .start = kSingleStart,
+     .identity = "VIRTUAL-0001",
+     .afterSettling = {"wait 1110"},
+     .pauseOfSpeedChange = "wait 20",
+     .files = {"file _Dual_450kHz_id_VIRTUAL-0001_txt10.log"},
+     .filesOfNewSpeed = {"file _Dual_450kHz_id_VIRTUAL-0001_txt10.log"},
+     .changes =
+         "#output 4|#interval 0.25|#rangeh 35000|#thresholdh 32|#offseth 13|#deadzoneh 322|#txlengthh 34|"
+         "#gainhigh 4.250|#tvgsprdh 23.500|#tvgabshigh 0.250|#txpower 55.500|#sound 1487.000|#attnh 8|"
+         "#tvgmode 3|#medianflt 5|#movavgflt 7|#outrate 12.50"},
+    {.name = "Dual",
+     .family = DeviceFamily::first,
+     .dual = true,
+     .identification = std::string(kFirstReads) + " #reset #info",
+     .reads = kFirstReads,
+     .start = kDualStart,
+     .identity = "VIRTUAL-0001",
+     .afterSettling = {"wait 1110"},
+     .pauseOfSpeedChange = "wait 20",
+     .files = {"file _Dual_200kHz_id_VIRTUAL-0001_txt10.log", "file _Dual_450kHz_id_VIRTUAL-0001_txt10.log"},
+     .filesOfNewSpeed = {"file _Dual_200kHz_id_VIRTUAL-0001_txt10.log",
+                         "file _Dual_450kHz_id_VIRTUAL-0001_txt10.log"},
+     .changes =
+         "#output 4|#interval 0.25|#rangel 25000|#rangeh 35000|#thresholdl 31|#thresholdh 32|#offsetl -12|"
+         "#offseth 13|#deadzonel 321|#deadzoneh 322|#txlengthl 33|#txlengthh 34|#gainlow -3.500|"
+         "#gainhigh 4.250|#tvgsprdl 22.500|#tvgsprdh 23.500|#tvgabslow 0.125|#tvgabshigh 0.250|"
+         "#txpower 55.500|#sound 1487.000|#attnl 7|#attnh 8|#tvgmode 3|#medianflt 5|#movavgflt 7|"
+         "#outrate 12.50"},
+    {.name = "Second",
+     .family = DeviceFamily::second,
+     .dual = false,
+     .identification = std::string("##maxrangel ") + kSecondReads + " #reset",
+     .reads = kSecondReads,
+     .start = kSingleStart,
+     .identity = "0042",
+     .afterSettling = {},
+     .pauseOfSpeedChange = "wait 20",
+     .files = {"file _Single_450kHz_id_42_Echosounder.log"},
+     .filesOfNewSpeed = {},
+     .changes =
+         "#output 4|#interval 0.25|#range 35000|#threshold 32|#offset 13|#deadzone 322|#txlength 34|"
+         "#gain 4.250|#tvgsprd 23.500|#tvgabs 0.250|#sound 1487.000|#tvgmode 3|#medianflt 5|#movavgflt 7"},
+    {.name = "Third",
+     .family = DeviceFamily::third,
+     .dual = false,
+     .identification = std::string("##maxrangel #iden ") + kThirdReads,
+     .reads = kThirdReads,
+     .start = kSingleStart,
+     .identity = "0042",
+     .afterSettling = {},
+     .pauseOfSpeedChange = "wait 10",
+     .files = {"file _Single_450kHz_id_42_Echosounder.log"},
+     .filesOfNewSpeed = {},
+     .changes = "#output 4|#interval 0.25|#range 35000|#threshold 32|#offset 13|#deadzone 322|#txlength 34|"
+                "#gain 4.250|#sound 1487.000"},
+};
+INSTANTIATE_TEST_SUITE_P(Families, Order, testing::ValuesIn(kOrders),
                          [](const auto& row) { return std::string(row.param.name); });
 
 // kept: a speed change looks for the output's text among the first family's and names as that family does.
