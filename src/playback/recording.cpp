@@ -25,7 +25,7 @@ constexpr float kUsualSoundSpeed_mps = 1500.0f;
 
 template <const FrameFormat& format>
 std::unique_ptr<StreamReader> MakeFrameReader() {
-  return std::make_unique<FrameReader>(format);
+  return NewReader<FrameReader>(format);
 }
 
 // The device's time stands in frames that were made of its blocks; others tell the time of work.

@@ -76,6 +76,9 @@ TEST_F(Apply, AChangedOutputIsSentASecondLater) {
   Run(1);
   EXPECT_FALSE(Ui().timers.contains(ID_TIMER_CHANGES));
   EXPECT_EQ(state_->appliedSettings.outputMode, 4);
+  ASSERT_EQ(RecordFiles().size(), 2u) << "a fresh file";
+  EXPECT_TRUE(RecordFiles()[0].ends_with("_txt10.log"));
+  EXPECT_TRUE(RecordFiles()[1].ends_with("_txt12.log"));
   // Nothing differs any more: the timer does nothing.
   const uint64_t commands = sounder_->Commands().Total();
   HandleTimer(*state_, ID_TIMER_CHANGES);

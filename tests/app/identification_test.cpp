@@ -8,8 +8,7 @@
 namespace tw::test {
 namespace {
 
-// Devices that no simulator plays here: each answers what its family's form asks first, and has an output
-// mode for which there is no worker, so that Start ends behind the identification.
+// Devices that no simulator plays here: each answers what its family's form asks first.
 class IdentificationTest : public RunControlTest {
  protected:
   IdentificationTest() { AttachPeer(kDeviceLine, &device_); }
@@ -73,6 +72,8 @@ TEST_F(IdentificationTest, FirstFamily) {
   EXPECT_EQ(state_->displayRangeUpper, 50'000);
   EXPECT_EQ(state_->settings.pingInterval_ms, 10);
   EXPECT_EQ(state_->appliedSettings.pingInterval_ms, 5);
+  EXPECT_EQ(globals.measuredHighFrequency_hz, 447'000) << "older firmware gives the channels no names";
+  EXPECT_EQ(globals.measuredLowFrequency_hz, 200'000);
 }
 
 TEST_F(IdentificationTest, SecondFamily) {

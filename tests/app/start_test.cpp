@@ -1,6 +1,9 @@
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
+#include <new>
 
+#include "app/control_states.h"
 #include "app/persistent_settings.h"
 #include "app/run_control.h"
 #include "platform/clock.h"
@@ -8,6 +11,19 @@
 #include "platform/host/faults.h"
 #include "platform/host/memory_registry.h"
 #include "tests/app/run_control_fixture.h"
+
+namespace {
+
+// Large blocks that the system still gives; the one after them it refuses. Negative: none is refused.
+std::atomic<int> largeBlocks = -1;
+
+}  // namespace
+
+void* operator new(size_t size, const std::nothrow_t&) noexcept {
+  constexpr size_t kLarge = 200'000;
+  if (size > kLarge && largeBlocks >= 0 && largeBlocks-- == 0) return nullptr;
+  return ::operator new(size);
+}
 
 namespace tw::test {
 namespace {
@@ -125,6 +141,28 @@ TEST_F(StartTest, AMissingPortShowsTheSystemsError) {
   ExpectIdle();
 }
 
+// Another port than the chosen one is never opened in its place.
+TEST_F(StartTest, ANumberBeyondReasonIsAPortOfItsOwn) {
+  ConnectSounder(QuickSounder());
+  globals.devicePortNumber = 5;
+  Ui().Choose(ID_DEVICE_PORT, L"COM99999999999");
+  StartRun(*state_);
+  EXPECT_EQ(globals.devicePortNumber, 2'147'483'647);
+  EXPECT_EQ(sounderPeer_->Opened(), 0);
+  ExpectIdle();
+}
+
+TEST_F(StartTest, APlaybackIsOverAlsoWhenNoRunFollows) {
+  state_->playbackActive = 1;
+  RefreshControlStates(*state_);
+  ASSERT_TRUE(Ui().controls[ID_PAUSE].enabled);
+  StartRun(*state_);
+  EXPECT_EQ(Ui().systemErrors, std::vector<uint32_t>{ENOENT});
+  EXPECT_FALSE(Ui().controls[ID_PAUSE].enabled);
+  EXPECT_FALSE(Ui().controls[ID_STOP].enabled);
+  ExpectIdle();
+}
+
 TEST_F(StartTest, APortThatIsHeldShowsTheSystemsError) {
   ConnectSounder(QuickSounder());
   InjectFault({.point = FaultPoint::openLine, .code = EBUSY});
@@ -204,6 +242,23 @@ TEST_F(StartTest, FirstStartWithoutGpsRunsAWorkerOnTheNullHandleAndLaterOnesDoNo
   StartRun(*state_);
   EXPECT_NE(state_->acquisitionThread, Handle::null);
   EXPECT_EQ(state_->gpsThread, Handle::null);
+}
+
+// The worker's own block, and its stream reader's.
+TEST_F(StartTest, WithoutMemoryForTheWorkerTheLinkCountsAsLost) {
+  ConnectSounder(QuickSounder());
+  for (const int given : {0, 1}) {
+    largeBlocks = given;
+    StartRun(*state_);
+    Run(2);
+    ExpectBox(L"Connection lost!", L"Error", BoxIcon::error);
+    ExpectIdle();
+    Ui().boxes.clear();
+  }
+  largeBlocks = -1;
+  StartRun(*state_);
+  Run(2);
+  EXPECT_TRUE(Ui().boxes.empty());
 }
 
 TEST_F(StartTest, WithoutAnAcquisitionThreadTheProcessEnds) {

@@ -103,6 +103,46 @@ TEST_F(StopTest, APulledPlugIsReportedAtOnce) {
   EXPECT_EQ(RecordFiles().size(), 1u);
 }
 
+// Timers go on while a box is shown.
+TEST_F(StopTest, AChoiceThatWaitsIsNotSentToALostDevice) {
+  ConnectSounder(QuickSounder());
+  StartRun(*state_);
+  Ui().Choose(ID_OUTPUT, L"Echo Txt 12bit");
+  NoteChoice(*state_);
+  HangUpLine(kDeviceLine);
+  static AppState* state = nullptr;
+  state = state_;
+  Ui().duringBox = [] {
+    if (Ui().timers.contains(ID_TIMER_CHANGES)) HandleTimer(*state, ID_TIMER_CHANGES);
+  };
+  Run(2);
+  ExpectBox(L"Connection lost!", L"Error", BoxIcon::error);
+  ExpectIdle();
+}
+
+// Whatever the order and the pace: the last tick counts, and each file that is left is whole.
+TEST_F(StopTest, QuickTicksOfRecordDataLeaveWholeFiles) {
+  ConnectSounder(QuickSounder());
+  StartRun(*state_);
+  Run(1);
+  for (int click = 0; click < 25; ++click) {
+    bool& checked = Ui().controls[ID_RECORD].checked;
+    checked = !checked;
+    ToggleRecording(*state_);
+    SleepMilliseconds(static_cast<uint32_t>(37 * click));
+    EXPECT_EQ(state_->recordFileA != Handle::invalid, checked);
+  }
+  EXPECT_FALSE(Ui().controls[ID_RECORD].checked);
+  StopRun(*state_);
+  EXPECT_GT(RecordFiles().size(), 5u);
+  for (const std::string& name : RecordFiles()) {
+    const std::string content = Content(name);
+    EXPECT_TRUE(content.starts_with("INFO:1,")) << name;
+    EXPECT_TRUE(content.ends_with("\r\n\r\n") || std::count(content.begin(), content.end(), '\n') == 1)
+        << name;
+  }
+}
+
 TEST_F(StopTest, RecordingSwitchedOffAndOnMakesASecondFile) {
   ConnectSounder(QuickSounder());
   StartRun(*state_);

@@ -190,6 +190,12 @@ TEST_F(StopDeviceTest, ALineThatHangsUpEndsWithoutAPrompt) {
   EXPECT_LE(Stop(LinkResult::noPrompt), 200);
 }
 
+TEST_F(StopDeviceTest, EachAttemptTakesASecondAndNoMore) {
+  ConnectKeyPeer({});
+  EXPECT_LE(Stop(LinkResult::stopTimeOut), 30 * 1'010 + 10);
+  EXPECT_EQ(keyPeer_.keys, 30u);
+}
+
 TEST_F(StopDeviceTest, TheEndMarkCountsWithoutAPromptBehindIt) {
   ConnectKeyPeer({"DataEnd"});
   EXPECT_LE(Stop(LinkResult::success), 22'000);

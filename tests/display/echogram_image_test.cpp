@@ -150,34 +150,20 @@ TEST_F(EchogramImage, ShowsSlotsWithOtherHeaderLengthsAndZeroedOnes) {
   ExpectRules({250, 20, 5'000, 1'500.0f}, 150, 100);
 }
 
-TEST_F(EchogramImage, ColumnsOlderThanIndexZeroAreNotRepaired) {
-  // 10 s over 100 columns are one ping a column: column x shows slot newest - (100 - x).
-  EXPECT_EQ(SlotOfColumn(99, 100, 50, 10), 49);
-  EXPECT_EQ(SlotOfColumn(50, 100, 50, 10), 0);
-  EXPECT_EQ(SlotOfColumn(49, 100, 50, 10), 7'295);  // 4,294,967,295 modulo 10,000
-  EXPECT_EQ(SlotOfColumn(0, 100, 50, 10), 7'246);
-}
-
-struct UndrawableCase {
-  const char* what;
-  int32_t range_mm;
-  float soundSpeed_mps;
-};
-
 TEST_F(EchogramImage, IsBlackWhenTheScaleCannotBeDrawn) {
   for (int32_t i = 0; i < 200; ++i) FillSlot(*ring_, i, 88, 1'000);
-  constexpr float kInfinity = std::numeric_limits<float>::infinity();
-  constexpr UndrawableCase kScales[] = {
-      {"no range", 0, 1'500.0f},
-      {"negative range", -1, 1'500.0f},
-      {"no sound speed", 10'000, 0.0f},
-      {"negative sound speed", 10'000, -1'500.0f},
-      {"not a number", 10'000, std::numeric_limits<float>::quiet_NaN()},
-      {"infinite", 10'000, kInfinity},
+  using Speed = std::numeric_limits<float>;
+  constexpr EchogramScale kScales[] = {
+      {150, 10, 0, 1'500.0f},
+      {150, 10, -1, 1'500.0f},
+      {150, 10, 10'000, 0.0f},
+      {150, 10, 10'000, -1'500.0f},
+      {150, 10, 10'000, Speed::quiet_NaN()},
+      {150, 10, 10'000, Speed::infinity()},
   };
-  for (const UndrawableCase& c : kScales) {
-    SCOPED_TRACE(c.what);
-    const Canvas image = Render({150, 10, c.range_mm, c.soundSpeed_mps}, 40, 30);
+  for (const EchogramScale& scale : kScales) {
+    SCOPED_TRACE(testing::Message() << scale.range_mm << " mm, " << scale.soundSpeed_mps << " m/s");
+    const Canvas image = Render(scale, 40, 30);
     for (int32_t y = 0; y < 30; ++y) {
       for (int32_t x = 0; x < 40; ++x) ASSERT_EQ(image.Row(y)[x], kBlack);
     }

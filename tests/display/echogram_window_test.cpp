@@ -105,7 +105,9 @@ class EchogramWindow : public testing::Test {
     globals.dualMode = globals.timestampTicked = globals.autoCaptureTicked = 0;
     globals.screenshotRequested = globals.autoCaptureRequested = 0;
     fullWindowToggles = 0;
-    FillState();
+    FillViewState(*state_, *ring_, *ring_);
+    for (int32_t i = 0; i < 60; ++i) FillSlot(*ring_, i, 88, 3'000);
+    state_->ringIndexA = state_->ringIndexB = 59;
     wchar_t temporary[MAX_PATH];
     GetTempPathW(MAX_PATH, temporary);
     folder_ = std::filesystem::path(temporary) / L"tidewriter_view_test";
@@ -120,26 +122,6 @@ class EchogramWindow : public testing::Test {
     HoldShift(false);
     DestroyWindow(view_);
     std::filesystem::remove_all(folder_);
-  }
-
-  void FillState() {
-    state_->ringA = state_->ringB = ring_.get();
-    for (int32_t i = 0; i < 60; ++i) FillSlot(*ring_, i, 88, 3'000);
-    MakeLock(state_->ringLockA);
-    MakeLock(state_->ringLockB);
-    state_->ringIndexA = state_->ringIndexB = 59;
-    BuildPalette(state_->palette);
-    state_->inputFileA = state_->inputFileB = Handle::invalid;
-    state_->displayRangeUpper = state_->displayRangeLower = 10'000;
-    state_->timeScaleUpper = state_->timeScaleLower = 150;
-    state_->echogramEnabled = 1;
-    DeviceSettings& settings = state_->settings;
-    settings.soundSpeed_mps = 1'500.0f;
-    settings.frequencyInUse_hz = settings.highFrequency_hz = 447'000;
-    settings.lowFrequency_hz = 200'000;
-    settings.rangeHigh_mm = 200'000;
-    settings.rangeLow_mm = 50'000;
-    state_->initialised = 1;
   }
 
   HWND Child(const wchar_t* className, int top, int height) {

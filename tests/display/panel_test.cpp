@@ -18,28 +18,15 @@ constexpr Pixel kGrid = 0x787878;
 class Panel : public testing::Test {
  protected:
   Panel() {
-    AppState& state = *state_;
-    MakeLock(state.ringLockA);
-    MakeLock(state.ringLockB);
-    state.ringA = ringA_.get();
-    state.ringB = ringB_.get();
-    state.ringIndexA = 500;
-    state.ringIndexB = 400;
-    state.inputFileA = state.inputFileB = Handle::invalid;
-    state.displayRangeUpper = 10'000;
-    state.displayRangeLower = 20'000;
-    state.timeScaleUpper = 150;
-    state.timeScaleLower = 60;
-    state.echogramEnabled = 1;
-    state.settings.soundSpeed_mps = 1'500.0f;
-    state.settings.frequencyInUse_hz = state.settings.highFrequency_hz = 447'000;
-    state.settings.lowFrequency_hz = 200'000;
-    state.settings.thresholdLow_percent = 10;
-    state.settings.thresholdHigh_percent = 30;
-    state.settings.rangeLow_mm = 50'000;
-    state.settings.rangeHigh_mm = 20;  // metres, as some firmware says
-    BuildPalette(state.palette);
     globals = Globals{};
+    FillViewState(*state_, *ringA_, *ringB_);
+    state_->ringIndexA = 500;
+    state_->ringIndexB = 400;
+    state_->displayRangeLower = 20'000;
+    state_->timeScaleLower = 60;
+    state_->settings.thresholdLow_percent = 10;
+    state_->settings.thresholdHigh_percent = 30;
+    state_->settings.rangeHigh_mm = 20;  // metres, as some firmware says
   }
   ~Panel() override {
     DestroyLock(state_->ringLockA);
@@ -61,19 +48,24 @@ class Panel : public testing::Test {
   std::vector<Pixel> pixels_;
 };
 
+struct SingleCase {
+  int32_t used_hz;
+  int32_t threshold_percent;
+  int32_t deviceRange_mm;
+};
+
 TEST_F(Panel, SingleViewFollowsTheFrequencyInUse) {
-  const PanelSource high = DescribePanel(*state_, PanelPlace::single);
-  EXPECT_EQ(high.ring, ringA_.get());
-  EXPECT_EQ(high.scale.newest, 500);
-  EXPECT_EQ(high.scale.timeScale_s, 150);
-  EXPECT_EQ(high.frequency_hz, 447'000);
-  EXPECT_EQ(high.threshold_percent, 30);
-  EXPECT_EQ(DeviceRangeOf(state_->settings, PanelPlace::single), 20'000);
-  state_->settings.frequencyInUse_hz = 200'000;
-  const PanelSource low = DescribePanel(*state_, PanelPlace::single);
-  EXPECT_EQ(low.frequency_hz, 200'000);
-  EXPECT_EQ(low.threshold_percent, 10);
-  EXPECT_EQ(DeviceRangeOf(state_->settings, PanelPlace::single), 50'000);
+  for (const SingleCase& c : {SingleCase{447'000, 30, 20'000}, SingleCase{200'000, 10, 50'000}}) {
+    SCOPED_TRACE(c.used_hz);
+    state_->settings.frequencyInUse_hz = c.used_hz;
+    const PanelSource source = DescribePanel(*state_, PanelPlace::single);
+    EXPECT_EQ(source.ring, ringA_.get());
+    EXPECT_EQ(source.scale.newest, 500);
+    EXPECT_EQ(source.scale.timeScale_s, 150);
+    EXPECT_EQ(source.frequency_hz, c.used_hz);
+    EXPECT_EQ(source.threshold_percent, c.threshold_percent);
+    EXPECT_EQ(DeviceRangeOf(state_->settings, PanelPlace::single), c.deviceRange_mm);
+  }
 }
 
 struct DualCase {

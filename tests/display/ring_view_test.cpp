@@ -41,20 +41,5 @@ TEST(RingView, FindsTheSamplesBehindAnyHeaderAndStaysInsideTheSlot) {
   }
 }
 
-TEST(RingView, ReadsTheShownHeaderValues) {
-  std::vector<uint8_t> slot(kSlotSize);
-  const uint8_t header[] = {0x80, 0x4C, 0x2F, 0x5F};  // 1,596,935,296
-  std::copy(std::begin(header), std::end(header), slot.begin() + 16);
-  const uint8_t values[] = {0x00, 0x00, 0x48, 0x41, 0x00, 0x00, 0xB4, 0x41,   // 12.5, 22.5
-                            0x00, 0x00, 0xE1, 0x43, 0x00, 0x00, 0xA0, 0xBF};  // 450.0, -1.25
-  std::copy(std::begin(values), std::end(values), slot.begin() + 48);
-  const ShownPing ping = ReadShownPing(slot.data());
-  EXPECT_EQ(ping.time_s, 1'596'935'296u);
-  EXPECT_EQ(ping.altitude_m, 12.5f);
-  EXPECT_EQ(ping.temperature_c, 22.5f);
-  EXPECT_EQ(ping.pitch_deg, 450.0f);
-  EXPECT_EQ(ping.roll_deg, -1.25f);
-}
-
 }  // namespace
 }  // namespace tw
