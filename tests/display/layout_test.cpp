@@ -101,13 +101,6 @@ TEST(Layout, ColourBarLabelsRunUpwards) {
   ExpectPlaces(labels, {{860, 511}, {860, 461}, {860, 411}});
 }
 
-TEST(Layout, ColourBarRows) {
-  EXPECT_EQ(ColourBarEntry(0, 500), 4'095);
-  EXPECT_EQ(ColourBarEntry(1, 500), 4'086);    // 4095 - 8.19
-  EXPECT_EQ(ColourBarEntry(250, 500), 2'047);  // 4095 - 2047.5
-  EXPECT_EQ(ColourBarEntry(499, 500), 8);      // 4095 - 4086.81
-}
-
 TEST(Layout, FrequencyLabel) {
   Labels labels{};
   const PanelLayout layout = LayOutPanel(0, 900, 500, 96);
