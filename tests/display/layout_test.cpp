@@ -99,6 +99,8 @@ TEST(Layout, ColourBarLabelsRunUpwards) {
   ExpectLabels(labels,
                {L"0%", L"10%", L"20%", L"30%", L"40%", L"50%", L"60%", L"70%", L"80%", L"90%", L"100%"});
   ExpectPlaces(labels, {{860, 511}, {860, 461}, {860, 411}});
+  EXPECT_EQ(ColourBarEntry(0, 500), 4'095);
+  EXPECT_EQ(ColourBarEntry(499, 500), 8);  // 4095 - 4086.81
 }
 
 TEST(Layout, FrequencyLabel) {
