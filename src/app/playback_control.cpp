@@ -194,6 +194,7 @@ void Convert(AppState& state, Conversion conversion) {
   if (!ChooseInputFiles(state, paths) || paths.empty()) return Refuse(state, L"File is not selected");
   if (paths.size() > 1) return Refuse(state, L"Select One File");
   EndFileWorkers(state);
+  RefreshControlStates(state);
   Candidate input;
   // Nobody may write it meanwhile, and so the output can never be the input.
   if (!Open(state, paths[0], WriteSharing::denied, input)) return;

@@ -194,6 +194,27 @@ TEST_F(ConversionRun, BinaryBecomesSegyAndText) {
   }
 }
 
+// It closes all files that are being written.
+TEST_F(ConversionRun, ClearingRecordDataEndsTheOutput) {
+  sim::SounderOptions options = QuickSounder();
+  options.outputMode = 100;
+  Record(options, 120);
+  const fs::path output = folder_ / "TIDEWRITERR57_DATA" / fs::path(files_[0]).stem().concat(".sgy");
+  Choose({files_[0]});
+  ConvertToSegy(*state_);
+  Wait();
+  const uint64_t whole = fs::file_size(output);
+  ConvertToSegy(*state_);
+  SleepMilliseconds(1);
+  ASSERT_EQ(StateOfProgram(*state_), ProgramState::converting);
+  Ui().controls[ID_RECORD].checked = false;
+  ToggleRecording(*state_);
+  Wait();
+  EXPECT_GT(fs::file_size(output), 3'600u);
+  EXPECT_LT(fs::file_size(output), whole);
+  EXPECT_EQ(state_->segyCompanionA, Handle::invalid);
+}
+
 // An older recording does not tell the sound speed that it was made with: the settings do.
 TEST_F(ConversionRun, SegyTellsTheSoundSpeedOfTheSettings) {
   const std::string ping =
@@ -236,11 +257,17 @@ TEST_F(ConversionRun, WhatCannotBeConvertedIsSaid) {
   WidenText(state_->workingFolder, text.string());  // where no file can be made
   for (const auto& row : rows) {
     Ui().boxes.clear();
+    Choose({files_[0]});
+    PlayFiles(*state_);
     Choose(row.files);
     row.command(*state_);
     ExpectBox(row.message, L"Error", BoxIcon::error);
-    EXPECT_EQ(StateOfProgram(*state_), ProgramState::idle);
+    // One file ends the playback, whatever becomes of it.
+    const bool plays = row.files.size() != 1;
+    EXPECT_EQ(StateOfProgram(*state_), plays ? ProgramState::playing : ProgramState::idle) << row.message;
+    EXPECT_EQ(Ui().controls[ID_STOP].enabled, plays) << row.message;
   }
+  StopRun(*state_);
 }
 
 }  // namespace

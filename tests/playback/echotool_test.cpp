@@ -143,23 +143,6 @@ TEST_F(Work, AnInterruptionLeavesTheOlderOutput) {
   EXPECT_EQ(Files(), 2u);
 }
 
-// Cut anywhere, the whole pings in front of the cut are there and the rest counts as damage.
-TEST_F(Work, TruncatedAtEveryLength) {
-  const std::string whole = Contents(fs::path(TW_TEST_DATA) / "three_pings.log");
-  const fs::path cut = folder_.Path() / "cut.log";
-  for (size_t size = 0; size < whole.size(); ++size) {
-    std::ofstream(cut, std::ios::binary) << whole.substr(0, size);
-    const Result result = Do(Task::info, cut);
-    EXPECT_EQ(result.done, size >= 100) << size;  // the first ping: 88 bytes and six samples
-    if (!result.done) continue;
-    const size_t pings = size < 100 + 94 ? 1 : 2;
-    EXPECT_NE(result.text.find("pings         " + std::to_string(pings)), std::string::npos) << result.text;
-    const size_t skipped = size - (pings == 1 ? 100 : 194);
-    EXPECT_NE(result.text.find("damaged       " + std::to_string(skipped) + " of"), std::string::npos)
-        << result.text;
-  }
-}
-
 TEST(Options, AreRead) {
   const struct {
     std::vector<std::string> words;
