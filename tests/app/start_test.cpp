@@ -236,15 +236,5 @@ TEST_F(StartTest, NoGpsThread) {
   ExpectIdle();
 }
 
-TEST_F(StartTest, ShortIntervalsBecomeTenMilliseconds) {
-  sim::SounderOptions options = QuickSounder();
-  options.pingsPerSecond = 50;
-  ConnectSounder(options);
-  StartRun(*state_);
-  EXPECT_EQ(state_->settings.pingInterval_ms, 20);
-  EXPECT_EQ(globals.marksAtStart, 1500);
-  EXPECT_EQ(globals.pingInterval_ms, 20.0f);
-}
-
 }  // namespace
 }  // namespace tw::test
