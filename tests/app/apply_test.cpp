@@ -54,6 +54,32 @@ TEST_F(Apply, AChangedOutputIsSentASecondLater) {
   EXPECT_EQ(sounder_->Commands().Total(), commands);
 }
 
+// Whichever of the two comes second; the run goes on with what the device has.
+TEST_F(Apply, SonarmiteOldForBothFrequenciesMayBeRefused) {
+  sim::SounderOptions options = QuickSounder();
+  options.refusesDualOld = true;
+  ConnectSounder(options);
+  StartRun(*state_);
+  const struct {
+    bool dual;
+    int32_t mode;
+    bool refused;
+  } rows[] = {{true, 2, false}, {true, 9, true}, {true, 4, false}, {false, 9, false}, {true, 9, true}};
+  for (const auto& row : rows) {
+    Ui().controls[ID_DUAL_MODE].checked = row.dual;
+    state_->settings.outputMode = row.mode;
+    ApplySettings(*state_);
+    ASSERT_EQ(Ui().boxes.size(), row.refused ? 1u : 0u);
+    if (row.refused) {
+      EXPECT_EQ(Ui().boxes[0], (Box{L"Sonarmite_old fortmat is not support Dual_mode", L"",
+                                    BoxIcon::information, BoxButtons::ok}));
+    }
+    Ui().boxes.clear();
+    EXPECT_EQ(StateOfProgram(*state_), ProgramState::running);
+    EXPECT_EQ(state_->settings.outputMode == 9 && globals.dualMode != 0, false);
+  }
+}
+
 TEST_F(Apply, DefaultsAreAskedForFirst) {
   StartRecording();
   state_->settings.gainLow = 9.0f;
