@@ -167,7 +167,7 @@ TEST(Race, PlaybackIsSteeredWhileTheViewPaints) {
   constexpr seconds kPlayed{20};
   constexpr milliseconds kGesture{15};
   const TestFolder folder;
-  AppState& state = StartedProgram(folder);
+  AppState& state = StartedProgram(folder, L"921600", L"4800");
   Painter painter(state);
   const std::vector<std::wstring> pair = {WriteRecording(folder, 450'000), WriteRecording(folder, 200'000)};
   const uint64_t size = std::filesystem::file_size(pair[0]);
