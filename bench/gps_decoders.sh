@@ -39,8 +39,11 @@ else
 fi
 python=/usr/bin/python3  # Debian's own, whose packages apt installs
 if "$python" -c 'import pynmea2' 2>/dev/null; then
+  # It only cuts a sentence into fields until a value is asked for.
   compare pynmea2 "$python" -c 'import sys, pynmea2
-for line in sys.stdin: pynmea2.parse(line, check=True)'
+for line in sys.stdin:
+    sentence = pynmea2.parse(line, check=True)
+    for field in sentence.fields: getattr(sentence, field[1], None)'
 else
   echo "pynmea2 is missing: apt-get install python3-nmea2"
 fi

@@ -40,15 +40,18 @@ void TakeFinite(const uint8_t* bytes, float& target) {
 // it adds. Returns how many codes were taken.
 size_t ExpandFast(const uint8_t* codes, std::span<uint16_t> samples) {
   constexpr size_t kLanes = 8;
-  constexpr short kBegins[] = {191, 159, 127, 95, 63};  // of the segments but the last, which begins at 223
   size_t i = 0;
   for (; i + kLanes <= samples.size(); i += kLanes) {
     const __m128i bytes = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(codes + i));
     const __m128i code = _mm_unpacklo_epi8(bytes, _mm_setzero_si128());
-    __m128i added = _mm_subs_epu16(code, _mm_set1_epi16(223));
-    for (const short begin : kBegins) {
-      added = _mm_add_epi16(_mm_add_epi16(added, added), _mm_subs_epu16(code, _mm_set1_epi16(begin)));
-    }
+    const auto behind = [code](short begin) { return _mm_subs_epu16(code, _mm_set1_epi16(begin)); };
+    const auto twice = [](__m128i value) { return _mm_add_epi16(value, value); };
+    __m128i added = behind(223);
+    added = _mm_add_epi16(twice(added), behind(191));
+    added = _mm_add_epi16(twice(added), behind(159));
+    added = _mm_add_epi16(twice(added), behind(127));
+    added = _mm_add_epi16(twice(added), behind(95));
+    added = _mm_add_epi16(twice(added), behind(63));
     _mm_storeu_si128(reinterpret_cast<__m128i*>(samples.data() + i), _mm_add_epi16(code, added));
   }
   return i;
