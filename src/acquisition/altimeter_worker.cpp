@@ -11,7 +11,7 @@ constexpr std::string_view kLineEnd = "\r\n";
 
 template <const LineForm& form>
 std::unique_ptr<StreamReader> MakeReader() {
-  return std::make_unique<LineReader>(form);
+  return NewReader<LineReader>(form);
 }
 
 // Which channel a line belongs to: what it says itself, else its frequency. A single run has one channel.

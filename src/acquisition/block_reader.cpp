@@ -46,7 +46,7 @@ size_t FindEnd(const uint8_t* bytes, size_t from, size_t length, std::string_vie
 BlockReader::BlockReader(const BlockMarks& marks, size_t bufferSize)
     : marks_(marks),
       hunt_(marks.start),
-      buffer_(std::max(bufferSize, marks.start.size() + marks.end.size() + 1)) {}
+      size_(std::clamp(bufferSize, marks.start.size() + marks.end.size() + 1, kBlockBufferSize)) {}
 
 bool BlockReader::Feed(std::span<const uint8_t>& input) {
   if (complete_) BeginHunt();
@@ -67,7 +67,7 @@ void BlockReader::BeginHunt() {
 }
 
 void BlockReader::BeginBlock() {
-  std::memcpy(buffer_.data(), marks_.start.data(), marks_.start.size());
+  std::memcpy(buffer_, marks_.start.data(), marks_.start.size());
   length_ = marks_.start.size();
   collecting_ = true;
 }
@@ -75,7 +75,7 @@ void BlockReader::BeginBlock() {
 // Copies a piece behind what was gathered and looks for the end mark in it, beginning where one could still
 // stand across the seam.
 bool BlockReader::Collect(std::span<const uint8_t>& input) {
-  const size_t room = buffer_.size() - 1 - length_;
+  const size_t room = size_ - 1 - length_;
   if (room == 0) {
     ++oversized_;
     BeginHunt();
@@ -83,10 +83,10 @@ bool BlockReader::Collect(std::span<const uint8_t>& input) {
   }
   const size_t before = length_;
   const size_t count = std::min({input.size(), room, kPiece});
-  std::memcpy(buffer_.data() + before, input.data(), count);
+  std::memcpy(buffer_ + before, input.data(), count);
   const size_t seam = marks_.end.size() - 1;
   const size_t from = std::max(marks_.start.size(), before > seam ? before - seam : 0);
-  const size_t end = FindEnd(buffer_.data(), from, before + count, marks_.end);
+  const size_t end = FindEnd(buffer_, from, before + count, marks_.end);
   if (end == 0) {
     length_ = before + count;
     input = input.subspan(count);

@@ -12,7 +12,6 @@
 #include <cstdint>
 #include <span>
 #include <string_view>
-#include <vector>
 
 #include "acquisition/mark_hunt.h"
 #include "acquisition/stream_reader.h"
@@ -32,13 +31,14 @@ inline constexpr size_t kBlockBufferSize = 256'000;  // a block and its terminat
 
 class BlockReader final : public StreamReader {
  public:
+  // `bufferSize`: at most kBlockBufferSize.
   explicit BlockReader(const BlockMarks& marks, size_t bufferSize = kBlockBufferSize);
 
   [[nodiscard]] bool Feed(std::span<const uint8_t>& input) override;
 
   // From the start mark through the end mark. A zero follows its last byte.
   [[nodiscard]] std::string_view Block() const override {
-    return {reinterpret_cast<const char*>(buffer_.data()), length_};
+    return {reinterpret_cast<const char*>(buffer_), length_};
   }
 
   // Blocks that were dropped because they outgrew the buffer.
@@ -51,11 +51,12 @@ class BlockReader final : public StreamReader {
 
   BlockMarks marks_;
   MarkHunt hunt_;
-  std::vector<uint8_t> buffer_;
+  const size_t size_;  // of the buffer's part in use
   size_t length_ = 0;
   bool collecting_ = false;
   bool complete_ = false;
   uint64_t oversized_ = 0;
+  uint8_t buffer_[kBlockBufferSize];
 };
 
 }  // namespace tw

@@ -63,7 +63,7 @@ bool ParseBlock(std::string_view block, const LiveContext& context, LivePing& pi
 }
 
 std::unique_ptr<StreamReader> MakeReader() {
-  return std::make_unique<BlockReader>(kEchoTextMarks);
+  return NewReader<BlockReader>(kEchoTextMarks);
 }
 
 // The block as it came, its position, and an empty line.

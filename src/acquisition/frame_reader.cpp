@@ -6,7 +6,7 @@
 namespace tw {
 
 FrameReader::FrameReader(const FrameFormat& format, int32_t channels)
-    : format_(format), channels_(channels), hunt_(format.magic), buffer_(new uint8_t[kFrameBufferSize]) {}
+    : format_(format), channels_(channels), hunt_(format.magic) {}
 
 bool FrameReader::Feed(std::span<const uint8_t>& input) {
   if (complete_) {
@@ -19,7 +19,7 @@ bool FrameReader::Feed(std::span<const uint8_t>& input) {
       BeginFrame();
     } else {
       const size_t count = std::min(needed_ - length_, input.size());
-      std::memcpy(buffer_.get() + length_, input.data(), count);
+      std::memcpy(buffer_ + length_, input.data(), count);
       input = input.subspan(count);
       length_ += count;
       if (length_ < needed_) return false;
@@ -30,7 +30,7 @@ bool FrameReader::Feed(std::span<const uint8_t>& input) {
 }
 
 void FrameReader::BeginFrame() {
-  std::memcpy(buffer_.get(), format_.magic.data(), format_.magic.size());
+  std::memcpy(buffer_, format_.magic.data(), format_.magic.size());
   length_ = format_.magic.size();
   collecting_ = true;
 }
@@ -38,7 +38,7 @@ void FrameReader::BeginFrame() {
 // Asks the format what is needed next. True when the frame is complete.
 bool FrameReader::Advance() {
   while (collecting_) {
-    needed_ = format_.neededBytes({buffer_.get(), length_}, channels_);
+    needed_ = format_.neededBytes({buffer_, length_}, channels_);
     complete_ = needed_ == length_;
     if (needed_ >= length_) return complete_;
     collecting_ = HuntAgain();
@@ -49,9 +49,9 @@ bool FrameReader::Advance() {
 // Looks for another magic in the bytes behind the one that was none, and goes on from there.
 bool FrameReader::HuntAgain() {
   const size_t magic = format_.magic.size();
-  std::span<const uint8_t> rest(buffer_.get() + magic, length_ - magic);
+  std::span<const uint8_t> rest(buffer_ + magic, length_ - magic);
   if (!hunt_.Take(rest)) return false;
-  std::memmove(buffer_.get() + magic, rest.data(), rest.size());
+  std::memmove(buffer_ + magic, rest.data(), rest.size());
   length_ = magic + rest.size();
   return true;
 }

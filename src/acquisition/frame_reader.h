@@ -12,7 +12,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <span>
 #include <string_view>
 
@@ -44,7 +43,7 @@ class FrameReader final : public StreamReader {
 
   // From the magic through the last sample, as it stood in the stream.
   [[nodiscard]] std::string_view Block() const override {
-    return {reinterpret_cast<const char*>(buffer_.get()), length_};
+    return {reinterpret_cast<const char*>(buffer_), length_};
   }
 
  private:
@@ -55,11 +54,11 @@ class FrameReader final : public StreamReader {
   const FrameFormat& format_;
   const int32_t channels_;
   MarkHunt hunt_;
-  const std::unique_ptr<uint8_t[]> buffer_;
   size_t length_ = 0;
   size_t needed_ = 0;
   bool collecting_ = false;
   bool complete_ = false;
+  uint8_t buffer_[kFrameBufferSize];
 };
 
 }  // namespace tw

@@ -7,7 +7,7 @@ namespace tw {
 namespace {
 
 std::unique_ptr<StreamReader> MakeReader() {
-  return std::make_unique<FrameReader>(kDeviceBlocks);
+  return NewReader<FrameReader>(kDeviceBlocks);
 }
 
 bool ParseBlock(std::string_view block, const LiveContext& context, LivePing& ping) {

@@ -60,6 +60,9 @@ class LiveRun {
     ping_.header.pitch_deg = kNoAttitude;
   }
 
+  // False without memory for it.
+  [[nodiscard]] bool HasReader() const { return reader_ != nullptr; }
+
   void Run() {
     Begin();
     while (!Stale() && !StopAsked() && Pass()) {
@@ -255,7 +258,7 @@ class LiveRun {
 
 void RunLiveWorker(AppState& state, const LiveMode& mode) {
   const std::unique_ptr<LiveRun> run(new (std::nothrow) LiveRun(state, mode));
-  if (run == nullptr) {
+  if (run == nullptr || !run->HasReader()) {
     StoreShared(state.linkLost, 1);  // the operator hears of it as of a dead line
     return;
   }

@@ -14,7 +14,7 @@ constexpr size_t kFrequencyLineSize = 32;
 
 template <const EpochForm& form>
 std::unique_ptr<StreamReader> MakeReader() {
-  return std::make_unique<EpochReader>(form);
+  return NewReader<EpochReader>(form);
 }
 
 // An epoch goes by its frequency line; one without belongs to the first channel.

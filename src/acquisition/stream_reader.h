@@ -3,8 +3,11 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
+#include <new>
 #include <span>
 #include <string_view>
+#include <utility>
 
 namespace tw {
 
@@ -19,5 +22,11 @@ class StreamReader {
   // The last complete block.
   [[nodiscard]] virtual std::string_view Block() const = 0;
 };
+
+// A reader with all the memory that it will ever need; null without memory.
+template <typename Reader, typename... Arguments>
+[[nodiscard]] std::unique_ptr<StreamReader> NewReader(Arguments&&... arguments) {
+  return std::unique_ptr<StreamReader>(new (std::nothrow) Reader(std::forward<Arguments>(arguments)...));
+}
 
 }  // namespace tw

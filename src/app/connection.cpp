@@ -74,7 +74,14 @@ const FamilyReader* ReadSettings(Handle port, const DeviceSettings& known, Devic
   return reader == std::end(kFamilyReaders) ? nullptr : reader;
 }
 
-void TakeOver(AppState& state, const DeviceSettings& settings) {
+// A channel that older firmware gives no name of its own goes by its frequency.
+void NameChannels(DeviceSettings& settings) {
+  if (settings.virtualLowFrequency_hz == 0) settings.virtualLowFrequency_hz = settings.lowFrequency_hz;
+  if (settings.virtualHighFrequency_hz == 0) settings.virtualHighFrequency_hz = settings.highFrequency_hz;
+}
+
+void TakeOver(AppState& state, DeviceSettings& settings) {
+  NameChannels(settings);
   globals.measuredLowFrequency_hz = settings.virtualLowFrequency_hz;
   globals.measuredHighFrequency_hz = settings.virtualHighFrequency_hz;
   state.appliedSettings = settings;

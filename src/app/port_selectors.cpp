@@ -61,12 +61,18 @@ void FillSpeedCombo(AppState& state, int combo, std::span<const int32_t> speeds,
   SelectComboItem(state, combo, selected == speeds.end() ? 0 : static_cast<int>(selected - speeds.begin()));
 }
 
-void ReadNumber(AppState& state, int combo, std::string_view prefix, int32_t& value) {
+void ReadSpeed(AppState& state, int combo, int32_t& speed_bps) {
   wchar_t wide[kPortNameSize];
   GetControlText(state, combo, wide);
   char narrow[kPortNameSize];
   std::string_view text(narrow, NarrowText(narrow, wide));
-  if (ScanLiteral(text, prefix)) static_cast<void>(ScanInt(text, value));
+  static_cast<void>(ScanInt(text, speed_bps));
+}
+
+void ReadPort(AppState& state, int combo, int32_t& number) {
+  wchar_t text[kPortNameSize];
+  GetControlText(state, combo, text);
+  if (const uint32_t read = PortNumberOf(text); read != 0) number = static_cast<int32_t>(read);
 }
 
 bool SaysNoPort(AppState& state, int combo) {
@@ -115,14 +121,14 @@ void SelectDeviceSpeed(AppState& state, int32_t speed_bps) {
 }
 
 void ReadCommunicationCombos(AppState& state, CommunicationSettings& settings) {
-  ReadNumber(state, ID_DEVICE_PORT, "COM", settings.devicePort);
-  ReadNumber(state, ID_DEVICE_SPEED, "", settings.deviceSpeed_bps);
+  ReadPort(state, ID_DEVICE_PORT, settings.devicePort);
+  ReadSpeed(state, ID_DEVICE_SPEED, settings.deviceSpeed_bps);
   if (SaysNoPort(state, ID_GPS_PORT)) {
     settings.gpsPort = kNoGpsPort;
   } else {
-    ReadNumber(state, ID_GPS_PORT, "COM", settings.gpsPort);
+    ReadPort(state, ID_GPS_PORT, settings.gpsPort);
   }
-  ReadNumber(state, ID_GPS_SPEED, "", settings.gpsSpeed_bps);
+  ReadSpeed(state, ID_GPS_SPEED, settings.gpsSpeed_bps);
 }
 
 }  // namespace tw

@@ -1,6 +1,7 @@
 #include "acquisition/record_file.h"
 #include "app/connection.h"
 #include "app/control_ids.h"
+#include "app/control_states.h"
 #include "app/elapsed_log.h"
 #include "app/family_controls.h"
 #include "app/persistent_settings.h"
@@ -29,6 +30,7 @@ void StartRun(AppState& state) {
   const ElapsedLog log;
   EndFileWorkers(state);
   StoreShared(state.conversionKind, 0);
+  RefreshControlStates(state);  // the playback is over, also when no run follows
 
   WaitPointer pointer;
   ReadCommunication(state);

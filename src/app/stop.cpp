@@ -17,9 +17,10 @@ constexpr uint32_t kStopLimit_ms = 3000;
 
 // The GPS worker is not waited for: it ends when its port closes. Its run number is stale by then, so the
 // position is taken back here.
-void EndGps(AppState& state) {
+void ClosePorts(AppState& state) {
   CloseThread(state.gpsThread);
   state.gpsThread = Handle::null;
+  CloseDevicePort(state);
   CloseGpsPort(state);
   Locked held(state.gpsLock);
   globals.fix.quality = 0;
@@ -52,8 +53,7 @@ void StopRun(AppState& state) {
     WaitPointer pointer;
     EndAcquisition(state, kStopLimit_ms);
     RaiseRunNumber(state);
-    EndGps(state);
-    CloseDevicePort(state);
+    ClosePorts(state);
     CloseRecordFiles(state);
   }
   StoreShared(state.linkLost, 0);

@@ -14,16 +14,17 @@ namespace {
 
 // While the device chooses its interval itself, the operator sees the one that comes.
 void ShowMeasuredInterval(AppState& state) {
-  if (LoadShared(state.devicePort) == Handle::invalid || state.settings.pingInterval_ms != 0) return;
-  wchar_t text[32];
-  FormatWide(text, "%.2f", static_cast<double>(LoadShared(globals.measuredPingInterval_ms)) / 1000.0);
+  wchar_t text[32] = L"";
+  if (LoadShared(state.devicePort) != Handle::invalid && state.settings.pingInterval_ms == 0) {
+    FormatWide(text, "%.2f", static_cast<double>(LoadShared(globals.measuredPingInterval_ms)) / 1000.0);
+  }
   SetControlText(state, ID_MEASURED_INTERVAL, text);
 }
 
 void ShowTitle(AppState& state) {
-  const bool recording =
-      state.acquisitionThread != Handle::null && IsChecked(state, ID_RECORD) && state.playbackActive == 0;
-  SetWindowTitle(state, recording ? globals.titleText : kProgramTitle);
+  const bool works = state.acquisitionThread != Handle::null || LoadShared(state.conversionKind) != 0;
+  const bool named = works && IsChecked(state, ID_RECORD) && state.playbackActive == 0;
+  SetWindowTitle(state, named ? globals.titleText : kProgramTitle);
 }
 
 void Repaint(AppState& state) {
@@ -59,6 +60,7 @@ void SendPendingChange(AppState& state) {
 void ReportLostLink(AppState& state) {
   if (state.acquisitionThread == Handle::null || LoadShared(state.linkLost) == 0) return;
   StopTimer(state, ID_TIMER_LINK);
+  StopTimer(state, ID_TIMER_CHANGES);  // timers go on while the box is shown
   ShowBox(state, L"Connection lost!", L"Error", BoxIcon::error);
   StopRun(state);
 }

@@ -35,7 +35,7 @@ LinkResult ProbeInterface(Handle port) {
   const uint32_t begin = MillisecondClock();
   const LinkResult sent = SendCommandNoValue(port, CommandId::info);
   int idleReads = 0;
-  while (MillisecondClock() - begin <= kProbe_ms) {
+  while (MillisecondClock() - begin < kProbe_ms) {
     uint8_t byte = 0;
     uint32_t got = 0;
     if (!ReadSerialLine(port, &byte, 1, got)) return LinkResult::portFailed;

@@ -26,9 +26,19 @@ struct Listing {
   size_t used;
 };
 
-// The number behind "COM", as the C library reads a wide integer: white space, a sign, and digits up to the
-// first other character. No digits are 0, and what does not fit is the nearest bound.
-uint32_t NumberOf(std::wstring_view name) {
+void TakePort(void* context, const wchar_t* name) {
+  Listing& listing = *static_cast<Listing*>(context);
+  if (!std::wstring_view(name).starts_with(kPrefix) || listing.used == listing.entries.size()) return;
+  PortEntry& entry = listing.entries[listing.used++];
+  entry.number = PortNumberOf(name);
+  CopyWide(entry.name, name);
+}
+
+}  // namespace
+
+// White space, a sign, and digits up to the first other character.
+uint32_t PortNumberOf(std::wstring_view name) {
+  if (!name.starts_with(kPrefix)) return 0;
   std::wstring_view text = name.substr(kPrefix.size());
   text.remove_prefix(std::min(text.find_first_not_of(L" \t\n\v\f\r"), text.size()));
   const bool negative = text.starts_with(L'-');
@@ -41,16 +51,6 @@ uint32_t NumberOf(std::wstring_view name) {
   }
   return static_cast<uint32_t>(negative ? -value : value);
 }
-
-void TakePort(void* context, const wchar_t* name) {
-  Listing& listing = *static_cast<Listing*>(context);
-  if (!std::wstring_view(name).starts_with(kPrefix) || listing.used == listing.entries.size()) return;
-  PortEntry& entry = listing.entries[listing.used++];
-  entry.number = NumberOf(name);
-  CopyWide(entry.name, name);
-}
-
-}  // namespace
 
 Handle OpenDevicePort(int32_t number, int32_t baud) {
   char mode[64];
@@ -69,7 +69,7 @@ bool WaitForAnyByte(Handle port) {
     uint32_t got = 0;
     if (!ReadSerialLine(port, &byte, 1, got)) return false;
     if (got != 0) return true;
-  } while (MillisecondClock() - begin <= kAnyByteLimit_ms);
+  } while (MillisecondClock() - begin < kAnyByteLimit_ms);
   return false;
 }
 

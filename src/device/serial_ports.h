@@ -22,6 +22,10 @@ namespace tw {
 // failed.
 [[nodiscard]] bool WaitForAnyByte(Handle port);
 
+// The number behind "COM" in a port's name, as the C library reads a wide integer: no digits are 0, and what
+// does not fit is the nearest bound. 0 for other names.
+[[nodiscard]] uint32_t PortNumberOf(std::wstring_view name);
+
 // Empties the list: each entry up to the first one whose number is 0.
 void ClearPortList(std::span<PortEntry> entries);
 

@@ -40,7 +40,7 @@ LinkResult Attempt(Handle port) {
     windows.end.Take(static_cast<char>(byte));
     windows.prompt.Take(static_cast<char>(byte));
     if (windows.end.Holds(kEndOfStream) || windows.prompt.Holds(kPrompt)) return LinkResult::success;
-  } while (MillisecondClock() - begin <= kAttempt_ms);
+  } while (MillisecondClock() - begin < kAttempt_ms);
   WriteDebugText(L"Stop command timeout\n");
   return LinkResult::stopTimeOut;
 }

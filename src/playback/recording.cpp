@@ -25,7 +25,7 @@ constexpr float kUsualSoundSpeed_mps = 1500.0f;
 
 template <const FrameFormat& format>
 std::unique_ptr<StreamReader> MakeFrameReader() {
-  return std::make_unique<FrameReader>(format);
+  return NewReader<FrameReader>(format);
 }
 
 // The device's time stands in frames that were made of its blocks; others tell the time of work.
@@ -254,8 +254,8 @@ class Recording final : public PingSource {
     if (tail.size != 0) {
       static_cast<void>(ParserPush(parser_, source_.Bytes().data(), tail.size));
       static_cast<void>(ApplyPackets(parser_, fix_));
-      behind_ += tail.size + tail.blanks;
     }
+    behind_ += tail.size + tail.blanks;
     PingHeader& header = ping_.header;
     TextPosition told{};
     if (fix_.presence != 0) {

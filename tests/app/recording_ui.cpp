@@ -30,6 +30,17 @@ void ResetUi() {
   ui = RecordingUi{};
 }
 
+void RecordingUi::NoteNewFiles() {
+  if (watchedFolder.empty()) return;
+  constexpr size_t kTime = sizeof("20250314_093005") - 1;
+  std::set<std::string> fresh;
+  for (const auto& entry : std::filesystem::directory_iterator(watchedFolder)) {
+    const std::string name = entry.path().filename().string();
+    if (seenFiles.insert(name).second) fresh.insert("file " + name.substr(kTime));
+  }
+  log.insert(log.end(), fresh.begin(), fresh.end());
+}
+
 void RecordingUi::Note(const std::string& what) {
   const uint32_t now_ms = MillisecondClock();
   constexpr uint32_t kShortestWait_ms = 10;
@@ -37,6 +48,7 @@ void RecordingUi::Note(const std::string& what) {
     log.push_back("wait " + std::to_string((now_ms - noted_ms) / kShortestWait_ms * kShortestWait_ms));
   }
   noted_ms = now_ms;
+  NoteNewFiles();
   log.push_back(what);
 }
 

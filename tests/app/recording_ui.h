@@ -3,7 +3,9 @@
 #pragma once
 
 #include <cstdint>
+#include <filesystem>
 #include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -49,6 +51,11 @@ struct RecordingUi {
   // What happened in its order, with the time passed since the last entry where that is 10 ms or more.
   std::vector<std::string> log;
   void Note(const std::string& what);
+  // Files that have appeared here since the last entry are noted first, without the time in front of their
+  // names. Empty: none is watched.
+  std::filesystem::path watchedFolder;
+  std::set<std::string> seenFiles;
+  void NoteNewFiles();
   uint32_t noted_ms = 0;
 
   // Puts a text into a combo and selects it, as if the operator had chosen it.

@@ -1,11 +1,12 @@
-// Start and Apply step by step: the complete order of what happens, for each family; and every way in which
-// the line can fail at each command of them.
+// The commands of a run step by step: the complete order of what happens, for each family; every setting that
+// can be changed; and every way in which the line can fail at each command.
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdio>
+#include <sstream>
 
 #include "app/control_states.h"
+#include "app/family_controls.h"
 #include "app/run_control.h"
 #include "base/shared_value.h"
 #include "platform/clock.h"
@@ -38,7 +39,7 @@ class Saboteur final : public SimulatorPeer {
       line_.push_back(byte);
       if (byte != '\r' && !(byte == ' ' && line_.size() == 1)) continue;
       const std::vector<uint8_t> line = std::exchange(line_, {});
-      Log(line, now_us);
+      Log(line);
       if (++count_ != target_ || sabotage_ == Sabotage::none) {
         SimulatorPeer::Receive(line, now_us);
         continue;
@@ -60,10 +61,17 @@ class Saboteur final : public SimulatorPeer {
     return reply_.empty() ? SimulatorPeer::NextSend_us(now_us) : now_us;
   }
   bool HungUp(int64_t now_us) override { return hungUp_ || SimulatorPeer::HungUp(now_us); }
+  bool Open(const char* mode) override {
+    Ui().Note(std::string("open ") + mode);
+    return SimulatorPeer::Open(mode);
+  }
+  void Close() override {
+    Ui().Note("close");
+    SimulatorPeer::Close();
+  }
 
  private:
-  // The date differs from run to run of the program, not of the test; it is left out all the same.
-  void Log(const std::vector<uint8_t>& line, int64_t) {
+  static void Log(const std::vector<uint8_t>& line) {
     std::string text(line.begin(), line.end());
     if (text.ends_with('\r')) text.pop_back();
     if (text.starts_with("#time ")) text = "#time ...";
@@ -76,6 +84,23 @@ class Saboteur final : public SimulatorPeer {
   bool hungUp_ = false;
   std::vector<uint8_t> line_;
   std::string reply_;
+};
+
+// A GPS receiver, of which only the line is looked at.
+class LoggedGps final : public SimulatorPeer {
+ public:
+  LoggedGps() : SimulatorPeer(receiver_) {}
+  bool Open(const char* mode) override {
+    Ui().Note(std::string("open gps ") + mode);
+    return SimulatorPeer::Open(mode);
+  }
+  void Close() override {
+    Ui().Note("close gps");
+    SimulatorPeer::Close();
+  }
+
+ private:
+  sim::VirtualGps receiver_{sim::GpsOptions{}};
 };
 
 class Sequence : public RunControlTest {
@@ -238,104 +263,283 @@ constexpr char kSecondReads[] =
     "#iden #range #auto #preset #interval #output #threshold #offset #deadzone #txlength #gain "
     "#tvgmode #tvgsprd #tvgabs #sound #getfreq #samplfreq #medianflt #movavgflt #swversion";
 constexpr char kThirdReads[] = "#info {2000} #info";
-constexpr char kStartCommands[] =
+constexpr char kSingleStart[] =
     "#time ...|#tvgmode 1|#pingonce 0|#nmeadpzero 1|#nmeadbt 1|#nmeadpt 0|#nmeamtw 1|#nmeaema 1|#nmeazda 1|"
     "#nmeaxdr 1|#output 2|#go";
+constexpr char kDualStart[] = "#time ...|#nmeadpt 1|#nmeaema 1|#output 2|#range 30000|#go";
+
+using Log = std::vector<std::string>;
 
 struct OrderCase {
   const char* name;
   DeviceFamily family;
+  bool dual;
   std::string identification;  // all that is sent until the family is known and settled
   const char* reads;           // of its own settings
+  const char* start;
   const char* identity;
-  std::string afterSettling;
-  std::string pauseOfSpeedChange;
+  Log afterSettling;
+  const char* pauseOfSpeedChange;
+  Log files;
+  Log filesOfNewSpeed;
+  std::string changes;  // when all that its form has is changed
 };
 
 class Order : public Sequence, public testing::WithParamInterface<OrderCase> {
  protected:
-  static void Add(std::vector<std::string>& log, const std::string& texts, char separator) {
-    std::string text;
-    const auto end = [&] {
-      if (text.empty()) return;
+  static void Add(Log& log, const Log& more) { log.insert(log.end(), more.begin(), more.end()); }
+  static void Add(Log& log, const std::string& texts, char separator) {
+    std::istringstream all(texts);
+    for (std::string text; std::getline(all, text, separator);) {
       log.push_back(text[0] == '{' ? "wait " + text.substr(1, text.size() - 2) : "send " + text);
-      text.clear();
-    };
-    for (const char c : texts) {
-      if (c == separator) {
-        end();
-      } else {
-        text += c;
-      }
     }
-    end();
   }
-  static void AddConnected(std::vector<std::string>& log, const char* speed, const char* identity) {
-    log.push_back(std::string("status 0 Device: COM5,") + speed + "bps, ID: " + identity);
-    log.emplace_back("status 1 GPS: Disconnected");
+  void AddConnected(Log& log, const char* speed) const {
+    log.push_back(std::string("status 0 Device: COM5,") + speed + "bps, ID: " + GetParam().identity);
+    log.emplace_back("status 1 GPS: COM6,4800bps");
   }
-  static void AddRun(std::vector<std::string>& log) {
+  void AddRun(Log& log, const Log& files) const {
+    Add(log, files);
     log.emplace_back("timer 8 every 1000");
-    Add(log, kStartCommands, '|');
+    Add(log, GetParam().start, '|');
   }
-  // What is noted while the command runs, from an entry of our own on.
+  // What is noted while the command runs, from an entry of our own on. The wait for the device's next byte,
+  // or for the worker's read to end, depends on the moment and is left out.
   template <typename Command>
-  std::vector<std::string> LogOf(Command command) {
+  Log LogOf(Command command) {
     Ui().log.clear();
     Ui().Note("begin");
     command();
-    return Ui().log;
+    Log log = Ui().log;
+    for (size_t i = 1; i + 1 < log.size(); ++i) {
+      const bool passing = log[i + 1] == "send <stop key>" || log[i + 1] == "close";
+      if (passing && log[i].starts_with("wait ")) log.erase(log.begin() + static_cast<ptrdiff_t>(i));
+    }
+    return log;
   }
+
+  LoggedGps receiver_;
 };
 
-TEST_P(Order, OfStartApplySpeedChangeAndStop) {
+TEST_P(Order, OfAllThatHappens) {
   const OrderCase& row = GetParam();
-  Connect(row.family);
-  std::vector<std::string> expected{"begin", "wait 4100", "send <return>", "wait 2120"};
-  Add(expected, row.identification, ' ');
-  if (!row.afterSettling.empty()) expected.push_back(row.afterSettling);
-  AddConnected(expected, "921600", row.identity);
-  AddRun(expected);
-  EXPECT_EQ(LogOf([&] { StartRun(*state_); }), expected);
+  Connect(row.family, false, row.dual);
+  AttachPeer(kGpsLine, &receiver_);
+  ChooseGps();
+  Ui().watchedFolder = folder_ / "TIDEWRITERR57_DATA";
+
+  const auto startBehind = [&](const Log& stop) {
+    Log log{"begin", "open baud=921600 parity=N data=8 stop=1"};
+    Add(log, stop);
+    log.emplace_back("open gps baud=4800 parity=N data=8 stop=1");
+    Add(log, row.identification, ' ');
+    Add(log, row.afterSettling);
+    AddConnected(log, "921600");
+    AddRun(log, row.files);
+    return log;
+  };
+  const Log stopped{"begin", "close", "close gps", "status 0 Device: Disconnected",
+                    "status 1 GPS: Disconnected"};
+  EXPECT_EQ(LogOf([&] { StartRun(*state_); }), startBehind({"wait 4000", "send <return>", "wait 2120"}));
+  Run(1);
+  EXPECT_EQ(LogOf([&] { StopRun(*state_); }), stopped);
+  EXPECT_EQ(LogOf([&] { StartRun(*state_); }), startBehind({"send <stop key>", "send <return>", "wait 20"}))
+      << "the device streams on";
 
   Run(1);
   state_->settings.soundSpeed_mps = 1480.0f;
-  expected = {"begin", "wait 10", "send <stop key>", "send <return>", "wait 20", "send #sound 1480.000"};
+  const Log interrupted{"begin", "send <stop key>", "send <return>", "wait 20"};
+  Log expected = interrupted;
+  Add(expected, "#sound 1480.000", '|');
   Add(expected, row.reads, ' ');
-  AddRun(expected);
+  AddRun(expected, row.files);
   EXPECT_EQ(LogOf([&] { ApplySettings(*state_); }), expected);
 
   Run(1);
-  expected = {"begin",
-              "wait 10",
-              "send <stop key>",
-              "send <return>",
-              row.pauseOfSpeedChange,
-              "send #speed 3000000",
-              "wait 100",
-              "send #reset",
-              "wait 100"};
-  AddConnected(expected, "3000000", row.identity);
-  AddRun(expected);
-  EXPECT_EQ(LogOf([&] { ChangeSpeed(*state_, 3'000'000); }), expected);
-  EXPECT_EQ(saboteur_->Mode(), "baud=3000000 parity=N data=8 stop=1 octs=on rts=on");
+  expected = {"begin", "box Change to default setting?"};
+  Add(expected, {interrupted.begin() + 1, interrupted.end()});
+  Add(expected, "#default", ' ');
+  Add(expected, row.reads, ' ');
+  AddRun(expected, row.files);
+  EXPECT_EQ(LogOf([&] { RestoreDefaults(*state_); }), expected);
 
   Run(1);
-  EXPECT_EQ(
-      LogOf([&] { StopRun(*state_); }),
-      (std::vector<std::string>{"begin", "status 0 Device: Disconnected", "status 1 GPS: Disconnected"}));
+  expected = interrupted;
+  expected.back() = row.pauseOfSpeedChange;
+  Add(expected, {"send #speed 3000000", "wait 100", "send #reset", "close", "wait 100",
+                 "open baud=3000000 parity=N data=8 stop=1 octs=on rts=on"});
+  Add(expected, row.filesOfNewSpeed);
+  AddConnected(expected, "3000000");
+  AddRun(expected, {});
+  EXPECT_EQ(LogOf([&] { ChangeSpeed(*state_, 3'000'000); }), expected);
+
+  Run(1);
+  EXPECT_EQ(LogOf([&] { StopRun(*state_); }), stopped);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Families, Order,
-    testing::Values(OrderCase{"First", DeviceFamily::first, std::string(kFirstReads) + " #reset #info",
-                              kFirstReads, "VIRTUAL-0001", "wait 1110", "wait 20"},
-                    OrderCase{"Second", DeviceFamily::second,
-                              std::string("##maxrangel ") + kSecondReads + " #reset", kSecondReads, "0042",
-                              "", "wait 20"},
-                    OrderCase{"Third", DeviceFamily::third, std::string("##maxrangel #iden ") + kThirdReads,
-                              kThirdReads, "0042", "", "wait 10"}),
-    [](const auto& row) { return std::string(row.param.name); });
+// Each field of the form as an operator would enter it, for the low and the high channel.
+struct Entry {
+  SettingsField field;
+  const wchar_t* low;
+  const wchar_t* high;
+};
+using F = SettingsField;
+constexpr Entry kEntries[] = {
+    {F::range, L"25", L"35"},
+    {F::interval, L"0.25", L"0.25"},
+    {F::outputMode, nullptr, nullptr},  // whose name the family decides
+    {F::txLength, L"33", L"34"},
+    {F::txPower, L"55.5", L"55.5"},
+    {F::gain, L"-3.5", L"4.25"},
+    {F::tvgMode, L"3", L"3"},
+    {F::tvgSpreading, L"22.5", L"23.5"},
+    {F::tvgAbsorption, L"0.125", L"0.25"},
+    {F::attenuation, L"7", L"8"},
+    {F::deadZone, L"321", L"322"},
+    {F::offset, L"-12", L"13"},
+    {F::threshold, L"31", L"32"},
+    {F::soundSpeed, L"1487.0", L"1487.0"},
+    {F::medianFilter, L"5", L"5"},
+    {F::movingAverage, L"7", L"7"},
+    {F::outputRate, L"12.50", L"12.50"},
+};
+
+TEST_P(Order, EverySettingReachesTheDeviceAndReadsBack) {
+  const OrderCase& row = GetParam();
+  Connect(row.family, false, row.dual);
+  StartRun(*state_);
+  Run(1);
+  const FormFacts facts = CurrentFormFacts(*state_);
+  const FieldChannel active = ActiveChannel(facts, state_->settings);
+  const auto forEach = [&](auto&& act) {
+    for (const Entry& entry : kEntries) {
+      if (!IsShown(entry.field, facts)) continue;
+      const wchar_t* const mode = facts.family == 1 ? L"Echo Txt 12bit" : L"Echo txt Fixed 200 Samples";
+      const auto with = [&](FieldChannel channel) {
+        const wchar_t* const text = channel == FieldChannel::low ? entry.low : entry.high;
+        act(entry.field, channel, text == nullptr ? mode : text);
+      };
+      if (row.dual) with(FieldChannel::low);
+      with(row.dual ? FieldChannel::high : active);
+    }
+  };
+  forEach([&](F field, FieldChannel channel, const wchar_t* text) {
+    wchar_t error[256] = L"";
+    EXPECT_TRUE(ReadField(field, channel, facts, text, state_->settings, error)) << static_cast<int>(field);
+  });
+
+  Log expected{"begin", "send <stop key>", "send <return>", "wait 20"};
+  Add(expected, row.changes, '|');
+  Add(expected, row.reads, ' ');
+  Log log = LogOf([&] { ApplySettings(*state_); });
+  ASSERT_GE(log.size(), expected.size());
+  log.resize(expected.size());
+  EXPECT_EQ(log, expected);
+  for (const sim::ReceivedCommand& command : sounder_->Commands().Entries()) {
+    EXPECT_FALSE(command.refused && row.changes.find(command.line) != std::string::npos) << command.line;
+  }
+  forEach([&](F field, FieldChannel channel, const wchar_t* text) {
+    // The start of a run sets the TVG mode, that of a dual one both ranges.
+    if (field == F::tvgMode && !row.dual) text = L"1";
+    if (field == F::range && row.dual) text = L"35";
+    wchar_t shown[kFieldTextSize];
+    FormatField(field, channel, facts, state_->settings, shown);
+    EXPECT_STREQ(shown, text) << static_cast<int>(field);
+  });
+}
+
+const OrderCase kOrders[] = {
+    {.name = "First",
+     .family = DeviceFamily::first,
+     .dual = false,
+     .identification = std::string(kFirstReads) + " #reset #info",
+     .reads = kFirstReads,
+     .start = kSingleStart,
+     .identity = "VIRTUAL-0001",
+     .afterSettling = {"wait 1110"},
+     .pauseOfSpeedChange = "wait 20",
+     .files = {"file _Dual_450kHz_id_VIRTUAL-0001_txt10.log"},
+     .filesOfNewSpeed = {"file _Dual_450kHz_id_VIRTUAL-0001_txt10.log"},
+     .changes =
+         "#output 4|#interval 0.25|#rangeh 35000|#thresholdh 32|#offseth 13|#deadzoneh 322|#txlengthh 34|"
+         "#gainhigh 4.250|#tvgsprdh 23.500|#tvgabshigh 0.250|#txpower 55.500|#sound 1487.000|#attnh 8|"
+         "#tvgmode 3|#medianflt 5|#movavgflt 7|#outrate 12.50"},
+    {.name = "Dual",
+     .family = DeviceFamily::first,
+     .dual = true,
+     .identification = std::string(kFirstReads) + " #reset #info",
+     .reads = kFirstReads,
+     .start = kDualStart,
+     .identity = "VIRTUAL-0001",
+     .afterSettling = {"wait 1110"},
+     .pauseOfSpeedChange = "wait 20",
+     .files = {"file _Dual_200kHz_id_VIRTUAL-0001_txt10.log", "file _Dual_450kHz_id_VIRTUAL-0001_txt10.log"},
+     .filesOfNewSpeed = {"file _Dual_200kHz_id_VIRTUAL-0001_txt10.log",
+                         "file _Dual_450kHz_id_VIRTUAL-0001_txt10.log"},
+     .changes =
+         "#output 4|#interval 0.25|#rangel 25000|#rangeh 35000|#thresholdl 31|#thresholdh 32|#offsetl -12|"
+         "#offseth 13|#deadzonel 321|#deadzoneh 322|#txlengthl 33|#txlengthh 34|#gainlow -3.500|"
+         "#gainhigh 4.250|#tvgsprdl 22.500|#tvgsprdh 23.500|#tvgabslow 0.125|#tvgabshigh 0.250|"
+         "#txpower 55.500|#sound 1487.000|#attnl 7|#attnh 8|#tvgmode 3|#medianflt 5|#movavgflt 7|"
+         "#outrate 12.50"},
+    {.name = "Second",
+     .family = DeviceFamily::second,
+     .dual = false,
+     .identification = std::string("##maxrangel ") + kSecondReads + " #reset",
+     .reads = kSecondReads,
+     .start = kSingleStart,
+     .identity = "0042",
+     .afterSettling = {},
+     .pauseOfSpeedChange = "wait 20",
+     .files = {"file _Single_450kHz_id_42_Echosounder.log"},
+     .filesOfNewSpeed = {},
+     .changes =
+         "#output 4|#interval 0.25|#range 35000|#threshold 32|#offset 13|#deadzone 322|#txlength 34|"
+         "#gain 4.250|#tvgsprd 23.500|#tvgabs 0.250|#sound 1487.000|#tvgmode 3|#medianflt 5|#movavgflt 7"},
+    {.name = "Third",
+     .family = DeviceFamily::third,
+     .dual = false,
+     .identification = std::string("##maxrangel #iden ") + kThirdReads,
+     .reads = kThirdReads,
+     .start = kSingleStart,
+     .identity = "0042",
+     .afterSettling = {},
+     .pauseOfSpeedChange = "wait 10",
+     .files = {"file _Single_450kHz_id_42_Echosounder.log"},
+     .filesOfNewSpeed = {},
+     .changes = "#output 4|#interval 0.25|#range 35000|#threshold 32|#offset 13|#deadzone 322|#txlength 34|"
+                "#gain 4.250|#sound 1487.000"},
+};
+INSTANTIATE_TEST_SUITE_P(Families, Order, testing::ValuesIn(kOrders),
+                         [](const auto& row) { return std::string(row.param.name); });
+
+// kept: a speed change looks for the output's text among the first family's and names as that family does.
+TEST_F(Sequence, ANewSpeedNamesFilesAsTheFirstFamilyDoes) {
+  const struct {
+    const wchar_t* output;
+    int32_t mode;
+    const char* file;
+  } rows[] = {{L"Altimeter NMEA", 3, "file _Dual_450kHz_id__nmea.log"}, {L"PSA-916", 7, nullptr}};
+  Connect(DeviceFamily::second);
+  Ui().watchedFolder = folder_ / "TIDEWRITERR57_DATA";
+  StartRun(*state_);
+  int32_t speed_bps = 115'200;
+  for (const auto& row : rows) {
+    state_->settings.outputMode = row.mode;
+    ApplySettings(*state_);
+    Run(1);
+    EXPECT_EQ(Ui().controls[ID_OUTPUT].text, row.output);
+    EXPECT_NE(state_->recordFileA, Handle::invalid);
+    Ui().log.clear();
+    ChangeSpeed(*state_, speed_bps);
+    const auto& log = Ui().log;
+    EXPECT_EQ(row.file != nullptr,
+              std::find(log.begin(), log.end(), row.file == nullptr ? "" : row.file) != log.end());
+    EXPECT_EQ(state_->recordFileA != Handle::invalid, row.file != nullptr);
+    EXPECT_TRUE(IsRunning());
+    speed_bps = 230'400;
+  }
+}
 
 }  // namespace
 }  // namespace tw::test

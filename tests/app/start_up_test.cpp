@@ -112,6 +112,8 @@ TEST_F(StartUpTest, AnAutomaticIntervalIsShownAsItIsMeasured) {
   EXPECT_EQ(Of(ID_MEASURED_INTERVAL).text, L"0.10");
   EXPECT_EQ(Ui().repaints, 2);
   state_->devicePort = Handle::invalid;
+  HandleTimer(*state_, ID_TIMER_REPAINT);
+  EXPECT_EQ(Of(ID_MEASURED_INTERVAL).text, L"") << "nothing is measured any more";
 }
 
 TEST_F(StartUpTest, RecordingSwitchedOffStaysOff) {

@@ -27,18 +27,6 @@ TEST_F(StopTest, WhileStreamingEndsTheRunAndLeavesTheDeviceStreaming) {
   ExpectIdle();
 }
 
-TEST_F(StopTest, AndStartAgain) {
-  ConnectSounder(QuickSounder());
-  for (int run = 0; run < 3; ++run) {
-    StartRun(*state_);
-    ASSERT_TRUE(Ui().boxes.empty());
-    Run(2);
-    StopRun(*state_);
-    ExpectIdle();
-  }
-  EXPECT_EQ(RecordFiles().size(), 3u);
-}
-
 // Stands for an acquisition worker that does not come back: a call of the system that hangs.
 void SleepAMinute(void*) {
   SleepMilliseconds(60'000);
@@ -103,28 +91,48 @@ TEST_F(StopTest, APulledPlugIsReportedAtOnce) {
   EXPECT_EQ(RecordFiles().size(), 1u);
 }
 
-TEST_F(StopTest, RecordingSwitchedOffAndOnMakesASecondFile) {
+// Timers go on while a box is shown.
+TEST_F(StopTest, AChoiceThatWaitsIsNotSentToALostDevice) {
   ConnectSounder(QuickSounder());
   StartRun(*state_);
+  Ui().Choose(ID_OUTPUT, L"Echo Txt 12bit");
+  NoteChoice(*state_);
+  HangUpLine(kDeviceLine);
+  static AppState* state = nullptr;
+  state = state_;
+  Ui().duringBox = [] {
+    if (Ui().timers.contains(ID_TIMER_CHANGES)) HandleTimer(*state, ID_TIMER_CHANGES);
+  };
   Run(2);
-  Ui().controls[ID_RECORD].checked = false;
-  ToggleRecording(*state_);
-  EXPECT_EQ(state_->recordFileA, Handle::invalid);
-  ASSERT_EQ(RecordFiles().size(), 1u);
-  const size_t size = Content(RecordFiles()[0]).size();
-  Run(2);
-  EXPECT_EQ(Content(RecordFiles()[0]).size(), size);
+  ExpectBox(L"Connection lost!", L"Error", BoxIcon::error);
+  ExpectIdle();
+}
 
-  Ui().controls[ID_RECORD].checked = true;
-  ToggleRecording(*state_);
-  Run(2);
+// Whatever the order and the pace: the last tick counts, and each file that is left is whole.
+TEST_F(StopTest, QuickTicksOfRecordDataLeaveWholeFiles) {
+  ConnectSounder(QuickSounder());
+  StartRun(*state_);
+  Run(1);
+  const std::string first = RecordFiles()[0];
+  size_t size = 0;
+  for (int click = 0; click < 25; ++click) {
+    bool& checked = Ui().controls[ID_RECORD].checked;
+    checked = !checked;
+    ToggleRecording(*state_);
+    SleepMilliseconds(static_cast<uint32_t>(37 * click));
+    EXPECT_EQ(state_->recordFileA != Handle::invalid, checked);
+    if (click == 0) size = Content(first).size();
+  }
+  EXPECT_EQ(Content(first).size(), size) << "closed for good";
+  EXPECT_FALSE(Ui().controls[ID_RECORD].checked);
   StopRun(*state_);
-  const std::vector<std::string> files = RecordFiles();
-  ASSERT_EQ(files.size(), 2u);
-  const std::string second = Content(files[1]);
-  EXPECT_EQ(second.substr(0, 7), "INFO:1,");
-  EXPECT_TRUE(second.ends_with("\r\n\r\n"));
-  EXPECT_NE(second.find("#DeviceID "), second.npos);
+  EXPECT_GT(RecordFiles().size(), 5u);
+  for (const std::string& name : RecordFiles()) {
+    const std::string content = Content(name);
+    EXPECT_TRUE(content.starts_with("INFO:1,")) << name;
+    EXPECT_TRUE(content.ends_with("\r\n\r\n") || std::count(content.begin(), content.end(), '\n') == 1)
+        << name;
+  }
 }
 
 }  // namespace
