@@ -23,10 +23,17 @@ void ClearLiveTexts(AppState& state) {
   PostStatusText(state, StatusPart::pingLine, L"");
 }
 
-// A prompt that comes late would shift each later reply by one.
-void SettleReplies(const AppState& state) {
+// Ends the run so far that commands can be sent. On failure the operator has been told, and the program is
+// idle.
+bool BringToPrompt(AppState& state, WaitPointer& pointer) {
+  ClearLiveTexts(state);
+  StopTimer(state, ID_TIMER_CHANGES);
+  StopTimer(state, ID_TIMER_LINK);
+  if (!InterruptRun(state, pointer)) return false;
+  // A prompt that comes late would shift each later reply by one.
   static_cast<void>(SkipReply(state.devicePort));
   SleepMilliseconds(kPause_ms);
+  return true;
 }
 
 // Sends what the operator changed. What the device makes of it shows when the settings are read back; a line
@@ -37,10 +44,12 @@ void SendChanges(AppState& state) {
   static_cast<void>(WriteChangedSettings(state.devicePort, family, state.settings, state.appliedSettings));
 }
 
+// The device refuses the output in dual mode, or with that output the dual mode.
 bool DualOldRefused(const DeviceSettings& wanted, const DeviceSettings& applied, const DeviceSettings& now) {
-  return LoadShared(globals.deviceFamily) == 1 && wanted.simultaneous != 0 &&
-         wanted.outputMode == kFirstFamilyOld && applied.outputMode != kFirstFamilyOld &&
-         now.outputMode != kFirstFamilyOld;
+  if (LoadShared(globals.deviceFamily) != 1 || wanted.simultaneous == 0) return false;
+  if (wanted.outputMode != kFirstFamilyOld) return false;
+  const bool sent = applied.outputMode != kFirstFamilyOld;
+  return (sent && now.outputMode != kFirstFamilyOld) || now.simultaneous == 0;
 }
 
 // A text that is no output of this family leaves the recording closed.
@@ -67,12 +76,8 @@ constexpr wchar_t kUnreadable[] = L"Unable to read settings form the Echosounder
 
 void ApplySettings(AppState& state) {
   if (!IsConnected(state)) return;
-  ClearLiveTexts(state);
   WaitPointer pointer;
-  StopTimer(state, ID_TIMER_CHANGES);
-  StopTimer(state, ID_TIMER_LINK);
-  if (!InterruptRun(state, pointer)) return;
-  SettleReplies(state);
+  if (!BringToPrompt(state, pointer)) return;
 
   const DeviceSettings applied = state.appliedSettings;
   SendChanges(state);
@@ -89,12 +94,8 @@ void RestoreDefaults(AppState& state) {
   if (!IsConnected(state)) return;
   if (!ShowBox(state, L"Change to default setting?", L"Info", BoxIcon::none, BoxButtons::okCancel)) return;
   if (!IsConnected(state)) return;  // lost while the question stood there
-  ClearLiveTexts(state);
   WaitPointer pointer;
-  StopTimer(state, ID_TIMER_CHANGES);
-  StopTimer(state, ID_TIMER_LINK);
-  if (!InterruptRun(state, pointer)) return;
-  SettleReplies(state);
+  if (!BringToPrompt(state, pointer)) return;
 
   static_cast<void>(Exchange(state.devicePort, CommandId::defaults));
   if (!ReadSettingsBack(state)) return GiveUpRun(state, pointer, kUnreadable);

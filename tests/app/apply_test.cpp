@@ -1,8 +1,10 @@
+#include <cerrno>
+
 #include "app/control_states.h"
 #include "app/run_control.h"
 #include "app/view_choices.h"
 #include "base/shared_value.h"
-#include "platform/clock.h"
+#include "platform/host/faults.h"
 #include "tests/app/run_control_fixture.h"
 
 namespace tw::test {
@@ -18,19 +20,6 @@ class Apply : public RunControlTest {
     Ui().boxes.clear();
     Run(2);
   }
-
-  // The commands that carried a value, and those that are words by themselves, since the last call.
-  std::vector<std::string> CommandsWithValues() {
-    std::vector<std::string> lines;
-    const auto& log = sounder_->Commands();
-    for (; seen_ < log.Total(); ++seen_) {
-      const std::string& line = log.Entries()[seen_].line;
-      if (line.find(' ') != std::string::npos) lines.push_back(line);
-    }
-    return lines;
-  }
-
-  uint64_t seen_ = 0;
 };
 
 TEST_F(Apply, WithoutADeviceItOnlySaysSo) {
@@ -45,27 +34,6 @@ TEST_F(Apply, WithoutADeviceItOnlySaysSo) {
   ExpectIdle();
 }
 
-TEST_F(Apply, SendsWhatChangedAndGoesOnInAFreshFile) {
-  StartRecording();
-  static_cast<void>(CommandsWithValues());
-  state_->settings.gainLow = 3.5f;
-  state_->settings.pingInterval_ms = 250;
-  ApplySettings(*state_);
-  Run(2);
-  EXPECT_TRUE(Ui().boxes.empty());
-  const std::vector<std::string> sent = CommandsWithValues();
-  ASSERT_GE(sent.size(), 2u);
-  EXPECT_EQ(sent[0], "#interval 0.25");
-  EXPECT_EQ(sent[1], "#gainlow 3.500");
-  EXPECT_TRUE(sent[2].starts_with("#time ")) << "the start sequence follows";
-  EXPECT_FLOAT_EQ(state_->appliedSettings.gainLow, 3.5f);
-  EXPECT_EQ(state_->settings.pingInterval_ms, 250);
-  EXPECT_EQ(RecordFiles().size(), 2u);
-  EXPECT_GT(Content(RecordFiles()[1]).size(), 1'000u);
-  EXPECT_EQ(StateOfProgram(*state_), ProgramState::running);
-  EXPECT_TRUE(Ui().PointerIsArrow());
-}
-
 TEST_F(Apply, AChangedOutputIsSentASecondLater) {
   StartRecording();
   Ui().Choose(ID_OUTPUT, L"Echo Txt 12bit");
@@ -73,16 +41,43 @@ TEST_F(Apply, AChangedOutputIsSentASecondLater) {
   NoteChoice(*state_);
   EXPECT_EQ(Ui().timers[ID_TIMER_CHANGES], 1000u);
   HandleTimer(*state_, ID_TIMER_CHANGES);
-  Run(1);
+  Run(2);
   EXPECT_FALSE(Ui().timers.contains(ID_TIMER_CHANGES));
   EXPECT_EQ(state_->appliedSettings.outputMode, 4);
   ASSERT_EQ(RecordFiles().size(), 2u) << "a fresh file";
   EXPECT_TRUE(RecordFiles()[0].ends_with("_txt10.log"));
   EXPECT_TRUE(RecordFiles()[1].ends_with("_txt12.log"));
+  EXPECT_GT(Content(RecordFiles()[1]).size(), 1'000u);
   // Nothing differs any more: the timer does nothing.
   const uint64_t commands = sounder_->Commands().Total();
   HandleTimer(*state_, ID_TIMER_CHANGES);
   EXPECT_EQ(sounder_->Commands().Total(), commands);
+}
+
+// Whichever of the two comes second; the run goes on with what the device has.
+TEST_F(Apply, SonarmiteOldForBothFrequenciesMayBeRefused) {
+  sim::SounderOptions options = QuickSounder();
+  options.refusesDualOld = true;
+  ConnectSounder(options);
+  StartRun(*state_);
+  const struct {
+    bool dual;
+    int32_t mode;
+    bool refused;
+  } rows[] = {{true, 2, false}, {true, 9, true}, {true, 4, false}, {false, 9, false}, {true, 9, true}};
+  for (const auto& row : rows) {
+    Ui().controls[ID_DUAL_MODE].checked = row.dual;
+    state_->settings.outputMode = row.mode;
+    ApplySettings(*state_);
+    ASSERT_EQ(Ui().boxes.size(), row.refused ? 1u : 0u);
+    if (row.refused) {
+      EXPECT_EQ(Ui().boxes[0], (Box{L"Sonarmite_old fortmat is not support Dual_mode", L"",
+                                    BoxIcon::information, BoxButtons::ok}));
+    }
+    Ui().boxes.clear();
+    EXPECT_EQ(StateOfProgram(*state_), ProgramState::running);
+    EXPECT_EQ(state_->settings.outputMode == 9 && globals.dualMode != 0, false);
+  }
 }
 
 TEST_F(Apply, DefaultsAreAskedForFirst) {
@@ -101,19 +96,6 @@ TEST_F(Apply, DefaultsAreAskedForFirst) {
   Run(1);
   EXPECT_NE(state_->settings.gainLow, 9.0f);
   EXPECT_NE(state_->acquisitionThread, Handle::null);
-}
-
-TEST_F(Apply, ASilentDeviceEndsTheRun) {
-  sim::SounderOptions options = QuickSounder();
-  options.faults.instrument.silentFrom_us = 30'000'000;
-  options.faults.instrument.silentFor_us = sim::kNever;
-  ConnectSounder(options);
-  StartRun(*state_);
-  Run(30);
-  Ui().boxes.clear();
-  ApplySettings(*state_);
-  ExpectBox(L"Echosounder is not connected", L"Error", BoxIcon::error);
-  ExpectIdle();
 }
 
 TEST_F(Apply, ScreenshotsAreTakenWhileTickedAndRunning) {
@@ -138,22 +120,18 @@ TEST_F(Apply, ScreenshotsAreTakenWhileTickedAndRunning) {
   EXPECT_FALSE(Ui().timers.contains(ID_TIMER_CAPTURE));
 }
 
-TEST_F(Apply, ANewSpeedIsTakenOverByBothEnds) {
+// The device has taken the speed, but the port does not come back.
+TEST_F(Apply, APortThatDoesNotReopenEndsTheRun) {
   StartRecording();
+  InjectFault({.point = FaultPoint::openLine, .code = EBUSY});
   ChangeSpeed(*state_, 3'000'000);
-  Run(2);
-  EXPECT_TRUE(Ui().boxes.empty());
-  EXPECT_EQ(sounder_->LineSpeed(), 3'000'000);
+  EXPECT_EQ(Ui().systemErrors, std::vector<uint32_t>{EBUSY});
   EXPECT_EQ(globals.deviceBaud, 3'000'000);
   EXPECT_EQ(Ui().controls[ID_DEVICE_SPEED].text, L"3000000");
-  EXPECT_NE(state_->acquisitionThread, Handle::null);
-  EXPECT_EQ(RecordFiles().size(), 2u);
-  EXPECT_GT(Content(RecordFiles()[1]).size(), 1'000u);
-  ChangeSpeed(*state_, 115'200);
-  Run(2);
-  EXPECT_EQ(sounder_->LineSpeed(), 115'200);
-  EXPECT_EQ(Ui().controls[ID_DEVICE_SPEED].text, L"115200");
-  EXPECT_TRUE(Ui().boxes.empty());
+  ExpectIdle();
+  StartRun(*state_);
+  EXPECT_EQ(StateOfProgram(*state_), ProgramState::running) << "at the new speed";
+  EXPECT_EQ(sounderPeer_->Mode(), "baud=3000000 parity=N data=8 stop=1 octs=on rts=on");
 }
 
 }  // namespace

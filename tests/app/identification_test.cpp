@@ -1,112 +1,111 @@
 #include <algorithm>
 
 #include "app/run_control.h"
+#include "app/run_steps.h"
 #include "app/worker_control.h"
+#include "base/shared_value.h"
 #include "tests/app/run_control_fixture.h"
-#include "tests/app/scripted_device.h"
 
 namespace tw::test {
 namespace {
 
-// Devices that no simulator plays here: each answers what its family's form asks first.
+using sim::DeviceFamily;
+
 class IdentificationTest : public RunControlTest {
  protected:
-  IdentificationTest() { AttachPeer(kDeviceLine, &device_); }
-
-  // The number of the line in what the device received; the number of lines when it is not there.
-  [[nodiscard]] ptrdiff_t PlaceOf(const char* line) const {
-    return std::find(device_.lines.begin(), device_.lines.end(), line) - device_.lines.begin();
-  }
   [[nodiscard]] bool Received(const char* line) const {
-    return PlaceOf(line) < static_cast<ptrdiff_t>(device_.lines.size());
+    const auto& commands = sounder_->Commands().Entries();
+    return std::any_of(commands.begin(), commands.end(), [&](const auto& each) { return each.line == line; });
   }
-
-  // The values up to the output mode; what comes behind may be missing.
-  void AnswerFirstFamily(const char* outputMode) {
-    device_.answers = {{"##maxrangel", "200000"}, {"#rangeh", "50000"},    {"##maxrangeh", "100000"},
-                       {"##maxlengthh", "100"},   {"##maxlengthl", "200"}, {"#swversion", "3.10"},
-                       {"#getfreq", "447000"},    {"#rangel", "60000"},    {"#interval", "0.005"},
-                       {"#output", outputMode},   {"#reset", ""}};
-  }
-
-  ScriptedDevice device_;
 };
 
 TEST_F(IdentificationTest, ADeviceThatRefusesEverythingIsAskedInThreeForms) {
-  StartRun(*state_);
-  ExpectBox(L"Unable to read settings form the Echosounder", L"Error", BoxIcon::error);
-  ExpectIdle();
-  EXPECT_EQ(state_->settings.highFrequency_hz, 447'000);
-  EXPECT_LT(PlaceOf("##maxrangel"), PlaceOf("#iden"));
-  EXPECT_LT(PlaceOf("#iden"), PlaceOf("#info"));
-  EXPECT_TRUE(Received("#info"));
-  EXPECT_FALSE(Received("#reset"));
-}
-
-TEST_F(IdentificationTest, ADeviceThatAnswersRubbishCannotBeRead) {
-  for (const char* keyword : {"##maxrangel", "#rangeh", "#iden", "#range", "#info", "#reset"}) {
-    device_.answers[keyword] = "%n%s\x01\xff,-,>";
-  }
-  StartRun(*state_);
-  ExpectBox(L"Unable to read settings form the Echosounder", L"Error", BoxIcon::error);
-  ExpectIdle();
-}
-
-TEST_F(IdentificationTest, AFailureGivesTheGpsPortBack) {
+  sim::SounderOptions options = QuickSounder();
+  options.faults.refused = {"##maxrangel", "#iden", "#info"};
+  ConnectSounder(options);
   ConnectGps({});
   ChooseGps();
   StartRun(*state_);
+  ExpectBox(L"Unable to read settings form the Echosounder", L"Error", BoxIcon::error);
+  ExpectIdle();
+  for (const char* line : {"##maxrangel", "#iden", "#info"}) EXPECT_TRUE(Received(line)) << line;
+  EXPECT_FALSE(Received("#reset"));
+  EXPECT_EQ(state_->settings.highFrequency_hz, 447'000) << "what was known stays";
   EXPECT_EQ(gpsPeer_->Opened(), 1);
   EXPECT_EQ(gpsPeer_->Closed(), 1);
-  ExpectIdle();
 }
 
-TEST_F(IdentificationTest, FirstFamily) {
-  AnswerFirstFamily("7");
+TEST_F(IdentificationTest, EachFamilyHasItsControls) {
+  const struct {
+    DeviceFamily family;
+    int32_t number;
+    bool both;  // frequencies, and so the choice of them
+    bool presets;
+  } rows[] = {{DeviceFamily::first, 1, true, true},
+              {DeviceFamily::third, 0, false, false},
+              {DeviceFamily::second, 2, false, true}};
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.number);
+    sim::SounderOptions options = QuickSounder();
+    options.family = row.family;
+    options.identity = "42";
+    ConnectSounder(options);
+    state_->settings.simultaneous = 1;
+    globals.smoothingSupported = 1;
+    StartRun(*state_);
+    EXPECT_EQ(globals.deviceFamily, row.number);
+    EXPECT_EQ(state_->settings.simultaneous, 0);
+    EXPECT_EQ(globals.smoothingSupported, row.number == 1 ? 1 : 0);
+    EXPECT_TRUE(Ui().controls[ID_HIGH_FREQUENCY].visible);
+    EXPECT_EQ(Ui().controls[ID_LOW_FREQUENCY].visible, row.both);
+    EXPECT_EQ(Ui().controls[ID_DUAL_MODE].visible, row.both);
+    EXPECT_EQ(Ui().controls[ID_PRESET].visible, row.presets);
+    EXPECT_EQ(Ui().controls[ID_PRESET_LABEL].visible, row.presets);
+    StopRun(*state_);
+    DetachSerialLines();
+  }
+}
+
+TEST_F(IdentificationTest, ChannelsThatOlderFirmwareDoesNotNameGoByTheirFrequency) {
+  sim::SounderOptions options = QuickSounder();
+  options.faults.lacksFrom = "##vfreql";
+  ConnectSounder(options);
   StartRun(*state_);
-  EXPECT_EQ(globals.deviceFamily, 1);
-  EXPECT_TRUE(Received("#reset"));
-  EXPECT_TRUE(Ui().controls[ID_LOW_FREQUENCY].visible);
-  EXPECT_TRUE(Ui().controls[ID_DUAL_MODE].visible);
-  EXPECT_TRUE(Ui().controls[ID_PRESET].visible);
-  EXPECT_EQ(state_->displayRangeUpper, 50'000);
-  EXPECT_EQ(state_->settings.pingInterval_ms, 10);
-  EXPECT_EQ(state_->appliedSettings.pingInterval_ms, 5);
-  EXPECT_EQ(globals.measuredHighFrequency_hz, 447'000) << "older firmware gives the channels no names";
+  Run(2);
+  EXPECT_EQ(globals.measuredHighFrequency_hz, 450'000);
   EXPECT_EQ(globals.measuredLowFrequency_hz, 200'000);
+  ASSERT_EQ(RecordFiles().size(), 1u);
+  EXPECT_NE(RecordFiles()[0].find("_450kHz_"), std::string::npos);
 }
 
-TEST_F(IdentificationTest, SecondFamily) {
-  device_.answers = {{"#iden", "42"}, {"#range", "20000"}, {"#reset", ""}};
-  state_->settings.simultaneous = 1;
-  state_->settings.outputMode = 3;
-  StartRun(*state_);
-  EXPECT_EQ(globals.deviceFamily, 2);
-  EXPECT_EQ(state_->settings.identifierWord, 42);
-  EXPECT_EQ(state_->settings.simultaneous, 0);
-  EXPECT_EQ(state_->displayRangeUpper, 20'000);
-  EXPECT_TRUE(Received("#reset"));
-  EXPECT_TRUE(Ui().controls[ID_HIGH_FREQUENCY].visible);
-  EXPECT_FALSE(Ui().controls[ID_LOW_FREQUENCY].visible);
-  EXPECT_FALSE(Ui().controls[ID_DUAL_MODE].visible);
-  EXPECT_TRUE(Ui().controls[ID_PRESET].visible);
-}
-
-TEST_F(IdentificationTest, ThirdFamily) {
-  // Identifier 42, range 20,000 mm, interval 0.1 s, output mode 2, 1,480 m/s.
-  device_.answers = {{"#info",
-                      "B64INFO[AAAAACoAAAAgTgAAHgDNzMw9yAAAABkAAABAQAAAAAAAAAIAyAUA]\r\n"
-                      "Tx Frequency      450000 Hz  "}};
-  globals.smoothingSupported = 1;
-  StartRun(*state_);
-  EXPECT_EQ(globals.deviceFamily, 0);
-  EXPECT_EQ(state_->settings.identifierWord, 42);
-  EXPECT_EQ(state_->settings.frequencyInUse_hz, 450'000);
-  EXPECT_EQ(globals.smoothingSupported, 0);
-  EXPECT_FALSE(Received("#reset"));
-  EXPECT_FALSE(Ui().controls[ID_DUAL_MODE].visible);
-  EXPECT_FALSE(Ui().controls[ID_PRESET].visible);
-  EXPECT_FALSE(Ui().controls[ID_PRESET_LABEL].visible);
+TEST_F(IdentificationTest, IntervalAndRangesAreFittedToTheDevice) {
+  const struct {
+    int32_t family, simultaneous, inUse_hz, interval_ms;
+    int32_t fitted_ms, marks, dual, upper_mm, lower_mm;
+  } rows[] = {
+      {1, 0, 450'000, 0, 0, 0, 0, 30'000, 1},      {1, 0, 200'000, 1, 10, 3'000, 0, 50'000, 1},
+      {1, 0, 300'000, 9, 10, 3'000, 0, 30'000, 1}, {1, 1, 200'000, 10, 10, 3'000, 1, 30'000, 50'000},
+      {2, 0, 200'000, 5, 5, 6'000, 0, 30'000, 1},  {0, 1, 200'000, 11, 11, 2'727, 0, 30'000, 1},
+  };
+  for (const auto& row : rows) {
+    StoreShared(globals.deviceFamily, row.family);
+    DeviceSettings& settings = state_->settings;
+    settings.simultaneous = row.simultaneous;
+    settings.lowFrequency_hz = 200'000;
+    settings.frequencyInUse_hz = row.inUse_hz;
+    settings.pingInterval_ms = row.interval_ms;
+    settings.rangeLow_mm = 50;  // firmware that tells metres
+    settings.rangeHigh_mm = 30'000;
+    state_->displayRangeLower = 1;
+    AdoptDevice(*state_);
+    KeepInterval(settings);
+    EXPECT_EQ(settings.pingInterval_ms, row.fitted_ms);
+    EXPECT_EQ(globals.pingInterval_ms, static_cast<float>(row.fitted_ms));
+    EXPECT_EQ(globals.marksAtStart, row.marks) << "in 30 s";
+    EXPECT_EQ(globals.dualMode, row.dual);
+    EXPECT_EQ(state_->displayRangeUpper, row.upper_mm);
+    EXPECT_EQ(state_->displayRangeLower, row.lower_mm);
+  }
 }
 
 TEST_F(IdentificationTest, AModeWithoutAWorkerIsReported) {

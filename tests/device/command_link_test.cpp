@@ -4,38 +4,17 @@
 
 #include <vector>
 
-#include "device/serial_ports.h"
 #include "platform/clock.h"
-#include "platform/host/faults.h"
-#include "platform/host/virtual_clock.h"
-#include "platform/serial_line.h"
 #include "tests/device/line_script.h"
 
 namespace tw {
 namespace {
 
-constexpr wchar_t kLine[] = L"\\\\.\\COM5";
-
-class CommandLinkTest : public testing::Test {
+class CommandLinkTest : public test::ScriptedLineTest {
  protected:
-  CommandLinkTest() {
-    ClearFaults();
-    AttachPeer(kLine, &device_);
-    port_ = OpenDevicePort(5, 115'200);
-  }
-  ~CommandLinkTest() override {
-    CloseSerialLine(port_);
-    DetachSerialLines();
-    ClearFaults();
-  }
-
   void Answer(std::string text, int64_t delay_us = 0) {
     device_.replies.push_back({std::move(text), delay_us});
   }
-
-  VirtualClock clock_{1'700'000'000'000};
-  test::LineScript device_;
-  Handle port_ = Handle::invalid;
 };
 
 TEST(CommandTable, AliasesAndReusedKeywords) {
@@ -142,7 +121,7 @@ TEST_F(CommandLinkTest, APromptIsRecognisedHoweverItComes) {
     Answer(reply);
     EXPECT_EQ(Exchange(port_, CommandId::reset), LinkResult::success) << reply;
   }
-  DeliverSingly(kLine);
+  DeliverSingly(test::kScriptedLine);
   Answer("x\r\n>");
   EXPECT_EQ(Exchange(port_, CommandId::reset), LinkResult::success);
   for (const char* reply : {"x\n\r>", "x\r\n\r>", "x>", "x\r\n"}) {
@@ -192,7 +171,7 @@ TEST_F(CommandLinkTest, WhatCameBeforeATimeOutStaysInTheBuffer) {
   ASSERT_EQ(SendCommandNoValue(port_, CommandId::info), LinkResult::success);
   EXPECT_EQ(ReadReply(port_, buffer, length), LinkResult::noPrompt);
   EXPECT_STREQ(buffer, "half");
-  HangUpLine(kLine);
+  HangUpLine(test::kScriptedLine);
   EXPECT_EQ(ReadReply(port_, buffer, length), LinkResult::portFailed);
 }
 
@@ -204,7 +183,7 @@ TEST_F(CommandLinkTest, ThePromptIsAskedForUpToTenTimes) {
   device_.received.clear();
   EXPECT_EQ(RequestPrompt(port_), LinkResult::noPrompt);
   EXPECT_EQ(device_.received, std::string(10, '\r'));
-  HangUpLine(kLine);
+  HangUpLine(test::kScriptedLine);
   EXPECT_EQ(RequestPrompt(port_), LinkResult::portFailed);
 }
 

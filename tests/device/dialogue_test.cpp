@@ -1,4 +1,5 @@
-// The whole dialogue with the virtual echosounder: stop, read, start, and stop again.
+// The whole dialogue with the virtual echosounder: stop, read, start, and stop again; and which reader takes
+// which family.
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -118,6 +119,30 @@ TEST_F(DialogueTest, ASlowDeviceIsReadOneThatIsTooSlowIsNot) {
   options.faults.replyDelay_ms = 2'100;
   Connect(options);
   EXPECT_EQ(ReadAllSettings(state_->devicePort, state_->settings), LinkResult::invalid);
+}
+
+TEST_F(DialogueTest, EachReaderTakesItsOwnFamilyAlone) {
+  using sim::DeviceFamily;
+  const struct {
+    DeviceFamily family;
+    LinkResult (*reader)(Handle, DeviceSettings&);
+  } rows[] = {{DeviceFamily::first, ReadAllSettings},
+              {DeviceFamily::second, ReadSecondFamilySettings},
+              {DeviceFamily::third, ReadSettingsFromB64Info}};
+  for (const auto& device : rows) {
+    const bool first = device.family == DeviceFamily::first;
+    Connect({.family = device.family, .identity = first ? "KT-1042" : "1042"});
+    for (const auto& reader : rows) {
+      DeviceSettings settings{};
+      const bool own = reader.family == device.family;
+      EXPECT_EQ(reader.reader(state_->devicePort, settings) == LinkResult::success, own)
+          << static_cast<int>(device.family) << " read as " << static_cast<int>(reader.family);
+      EXPECT_EQ(settings.virtualHighFrequency_hz, own ? 450'000 : 0);
+      EXPECT_EQ(settings.identifierWord, own && !first ? 1042 : 0);
+    }
+    CloseSerialLine(state_->devicePort);
+    DetachSerialLines();
+  }
 }
 
 }  // namespace

@@ -2,11 +2,17 @@
 // last one.
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <algorithm>
 #include <deque>
 #include <string>
 
+#include "device/serial_ports.h"
+#include "platform/host/faults.h"
 #include "platform/host/serial_peer.h"
+#include "platform/host/virtual_clock.h"
+#include "platform/serial_line.h"
 
 namespace tw::test {
 
@@ -20,7 +26,6 @@ class LineScript : public SerialPeer {
  public:
   std::deque<ScriptedReply> replies;
   std::string received;
-  int64_t pace_us = 0;  // between two bytes of a reply
 
   void Receive(std::span<const uint8_t> bytes, int64_t now_us) override {
     received.append(bytes.begin(), bytes.end());
@@ -61,6 +66,27 @@ class LineScript : public SerialPeer {
     char byte;
   };
   std::deque<TimedByte> bytes_;
+};
+
+inline constexpr wchar_t kScriptedLine[] = L"\\\\.\\COM5";
+
+// Such a device behind an open line, under the virtual clock.
+class ScriptedLineTest : public testing::Test {
+ protected:
+  ScriptedLineTest() {
+    ClearFaults();
+    AttachPeer(kScriptedLine, &device_);
+    port_ = OpenDevicePort(5, 115'200);
+  }
+  ~ScriptedLineTest() override {
+    CloseSerialLine(port_);
+    DetachSerialLines();
+    ClearFaults();
+  }
+
+  VirtualClock clock_{1'700'000'000'000};
+  LineScript device_;
+  Handle port_ = Handle::invalid;
 };
 
 }  // namespace tw::test

@@ -4,89 +4,59 @@
 
 #include <memory>
 #include <string>
-#include <vector>
 
 #include "device/serial_ports.h"
-#include "platform/clock.h"
 #include "platform/host/virtual_clock.h"
 #include "platform/serial_line.h"
-#include "simulator/virtual_echosounder.h"
-#include "tests/simulator_peer.h"
+#include "tests/device/line_script.h"
 
 namespace tw {
 namespace {
 
-class StartSequenceTest : public testing::Test {
- protected:
-  StartSequenceTest() {
-    AttachPeer(L"\\\\.\\COM5", &peer_);
+TEST(StartSequence, GoesByModeAndPreset) {
+  const std::string single =
+      "#time 1741944605\r#tvgmode 1\r#pingonce 0\r#nmeadpzero 1\r#nmeadbt 1\r#nmeadpt 0\r#nmeamtw 1\r"
+      "#nmeaema 1\r#nmeazda 1\r#nmeaxdr 1\r";
+  const std::string dual = "#time 1741944605\r#nmeadpt 1\r#nmeaema 1\r";
+  const struct {
+    const char* what;
+    bool dual;
+    int32_t presetCapable, preset, mode;
+    std::string sent;
+    int32_t started;  // the mode that is remembered as sent; 0: none was
+  } rows[] = {
+      {"single", false, 0, 3, 4, single + "#output 4\r#go\r", 4},
+      {"dual: the high range for both", true, 0, 3, 4, dual + "#output 4\r#range 30000\r#go\r", 4},
+      {"a preset in force decides the output", false, 1, 3, 4, single + "#go\r", 0},
+      {"preset 255 is none", false, 1, kNoPreset, 4, single + "#output 4\r#go\r", 4},
+      {"an unknown mode is replaced", false, 0, 0, 42, single + "#output 3\r#go\r", 3},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.what);
+    const VirtualClock clock(1'741'944'605'000);
+    test::LineScript device;
+    device.replies.assign(20, {"\r\n>"});
+    AttachPeer(L"\\\\.\\COM5", &device);
     globals = Globals{};
     globals.deviceFamily = 1;
-    state_->devicePort = OpenDevicePort(5, 115'200);
-    state_->settings.outputMode = 4;
-    state_->settings.rangeLow_mm = 10'000;
-    state_->settings.rangeHigh_mm = 30'000;
-  }
-  ~StartSequenceTest() override {
-    CloseSerialLine(state_->devicePort);
+    globals.dualMode = row.dual ? 1 : 0;
+    globals.presetCapable = row.presetCapable;
+    globals.currentPreset = row.preset;
+    const auto state = std::make_unique<AppState>();
+    state->devicePort = OpenDevicePort(5, 115'200);
+    state->settings.outputMode = row.mode;
+    state->settings.rangeLow_mm = 10'000;
+    state->settings.rangeHigh_mm = 30'000;
+    StartDevice(*state);
+    EXPECT_EQ(device.received, row.sent);
+    EXPECT_EQ(state->appliedSettings.outputMode, row.started);
+    EXPECT_EQ(state->settings.outputMode, row.started == 0 ? row.mode : row.started);
+    EXPECT_EQ(state->settings.tvgMode, row.dual ? 0 : 1);
+    EXPECT_EQ(state->settings.rangeLow_mm, row.dual ? 30'000 : 10'000);
+    EXPECT_EQ(state->appliedSettings.rangeLow_mm, row.dual ? 30'000 : 0);
+    CloseSerialLine(state->devicePort);
     DetachSerialLines();
   }
-
-  std::vector<std::string> Start() {
-    StartDevice(*state_);
-    SleepMilliseconds(100);
-    uint8_t bytes[64];
-    static_cast<void>(sounder_.Send(bytes, VirtualNow_us()));
-    std::vector<std::string> lines;
-    for (const sim::ReceivedCommand& command : sounder_.Commands().Entries()) lines.push_back(command.line);
-    return lines;
-  }
-
-  VirtualClock clock_{1'741'944'605'000};
-  sim::VirtualEchosounder sounder_{{}};
-  test::SimulatorPeer peer_{sounder_};
-  std::unique_ptr<AppState> state_ = std::make_unique<AppState>();
-};
-
-TEST_F(StartSequenceTest, Single) {
-  EXPECT_EQ(Start(),
-            (std::vector<std::string>{"#time 1741944605", "#tvgmode 1", "#pingonce 0", "#nmeadpzero 1",
-                                      "#nmeadbt 1", "#nmeadpt 0", "#nmeamtw 1", "#nmeaema 1", "#nmeazda 1",
-                                      "#nmeaxdr 1", "#output 4", "#go"}));
-  EXPECT_TRUE(sounder_.Streaming());
-  EXPECT_EQ(state_->settings.tvgMode, 1);
-  EXPECT_EQ(state_->appliedSettings.outputMode, 4);
-}
-
-TEST_F(StartSequenceTest, DualSendsTheHighRangeForBoth) {
-  globals.dualMode = 1;
-  EXPECT_EQ(Start(), (std::vector<std::string>{"#time 1741944605", "#nmeadpt 1", "#nmeaema 1", "#output 4",
-                                               "#range 30000", "#go"}));
-  for (const DeviceSettings& held : {state_->settings, state_->appliedSettings}) {
-    EXPECT_EQ(held.rangeLow_mm, 30'000);
-    EXPECT_EQ(held.rangeHigh_mm, 30'000);
-    EXPECT_EQ(held.outputMode, 4);
-  }
-}
-
-TEST_F(StartSequenceTest, APresetInForceDecidesTheOutput) {
-  globals.presetCapable = 1;
-  globals.currentPreset = 3;
-  for (const std::string& line : Start()) EXPECT_FALSE(line.starts_with("#output")) << line;
-}
-
-TEST_F(StartSequenceTest, PresetTwoHundredFiftyFiveIsNone) {
-  globals.presetCapable = 1;
-  globals.currentPreset = kNoPreset;
-  const std::vector<std::string> lines = Start();
-  EXPECT_EQ(lines[lines.size() - 2], "#output 4");
-}
-
-TEST_F(StartSequenceTest, AnUnknownModeIsReplaced) {
-  state_->settings.outputMode = 42;
-  const std::vector<std::string> lines = Start();
-  EXPECT_EQ(lines[lines.size() - 2], "#output 3");
-  EXPECT_EQ(state_->settings.outputMode, 3);
 }
 
 }  // namespace

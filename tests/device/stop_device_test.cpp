@@ -94,39 +94,53 @@ class StopDeviceTest : public testing::Test {
   Handle port_ = Handle::invalid;
 };
 
-TEST_F(StopDeviceTest, AnIdleDeviceIsOnlyPrompted) {
-  Connect();
-  const int64_t taken_ms = Stop(LinkResult::success);
-  EXPECT_GE(taken_ms, 4'000);
-  EXPECT_LE(taken_ms, 4'300);
-  EXPECT_EQ(StopKeys(), 0u);
-}
-
-TEST_F(StopDeviceTest, AStreamingDeviceStopsAtTheFirstKey) {
-  options_.streaming = true;
-  Connect();
-  EXPECT_LE(Stop(LinkResult::success), 1'300);
-  EXPECT_FALSE(sounder_->Streaming());
-  EXPECT_EQ(StopKeys(), 1u);
-  EXPECT_TRUE(TakeDebugTexts().empty());
-}
-
-TEST_F(StopDeviceTest, ASplitEndMarkIsRecognised) {
-  options_.streaming = true;
-  options_.faults.splitEndMark = true;
-  options_.faults.splitPause_ms = 300;
-  Connect();
-  EXPECT_LE(Stop(LinkResult::success), 1'900);
-  EXPECT_EQ(StopKeys(), 1u);
-}
-
-TEST_F(StopDeviceTest, AnEndMarkSplitOverTwoAttemptsIsRecognised) {
-  options_.streaming = true;
-  options_.faults.splitEndMark = true;
-  options_.faults.splitPause_ms = 1'500;
-  Connect();
-  EXPECT_LE(Stop(LinkResult::success), 4'500);
-  EXPECT_EQ(StopKeys(), 2u);
+TEST_F(StopDeviceTest, TakesItsTimeAndItsKeys) {
+  using Faults = sim::SounderFaults;
+  const struct {
+    const char* what;
+    bool streaming;
+    Faults faults;
+    LinkResult result;
+    int64_t shortest_ms, longest_ms;
+    size_t keys;
+  } rows[] = {
+      {"an idle device is only prompted", false, {}, LinkResult::success, 4'000, 4'300, 0},
+      {"a streaming device stops at the first key", true, {}, LinkResult::success, 0, 1'300, 1},
+      {"a split end mark",
+       true,
+       {.splitEndMark = true, .splitPause_ms = 300},
+       LinkResult::success,
+       0,
+       1'900,
+       1},
+      {"one split over two attempts",
+       true,
+       {.splitEndMark = true, .splitPause_ms = 1'500},
+       LinkResult::success,
+       0,
+       4'500,
+       2},
+      {"a dead line has no prompt",
+       false,
+       {.instrument = {.dead = true}},
+       LinkResult::noPrompt,
+       24'000,
+       26'500,
+       0},
+      {"noise is no prompt", false, {.chatter = true}, LinkResult::stopTimeOut, 30'000, 34'000, 30},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.what);
+    options_.streaming = row.streaming;
+    options_.faults = row.faults;
+    Connect();
+    const int64_t taken_ms = Stop(row.result);
+    EXPECT_GE(taken_ms, row.shortest_ms);
+    EXPECT_LE(taken_ms, row.longest_ms);
+    EXPECT_EQ(StopKeys(), row.keys);
+    EXPECT_FALSE(sounder_->Streaming());
+    Disconnect();
+  }
 }
 
 TEST_F(StopDeviceTest, ADeafDeviceIsGivenUpAfterThirtyAttempts) {
@@ -142,24 +156,6 @@ TEST_F(StopDeviceTest, ADeafDeviceIsGivenUpAfterThirtyAttempts) {
   EXPECT_EQ(texts[0], L"Stop command timeout\n");
   EXPECT_EQ(texts[1], L"Stop Retry count : 0\n");
   EXPECT_EQ(texts[59], L"Stop Retry count : 29\n");
-}
-
-TEST_F(StopDeviceTest, ADeadLineHasNoPrompt) {
-  options_.faults.instrument.dead = true;
-  Connect();
-  const int64_t taken_ms = Stop(LinkResult::noPrompt);
-  EXPECT_GE(taken_ms, 24'000);
-  EXPECT_LE(taken_ms, 26'500);
-}
-
-// Noise is no prompt, and the stop key alone makes no line that a device would answer.
-TEST_F(StopDeviceTest, AChatteringDeviceIsGivenUpAfterThirtyAttempts) {
-  options_.faults.chatter = true;
-  Connect();
-  const int64_t taken_ms = Stop(LinkResult::stopTimeOut);
-  EXPECT_GE(taken_ms, 30'000);
-  EXPECT_LE(taken_ms, 34'000);
-  EXPECT_EQ(StopKeys(), 30u);
 }
 
 TEST_F(StopDeviceTest, ALineThatCannotBeWrittenIsTriedThirtyTimes) {

@@ -78,6 +78,16 @@ Picture ReadWindow(HWND window) {
   return picture;
 }
 
+// What goes to the debugger: in the end the system raises it as single bytes, in an exception that nobody
+// need handle.
+std::string debugged;
+LONG CALLBACK NoteDebugText(EXCEPTION_POINTERS* raised) {
+  const EXCEPTION_RECORD& record = *raised->ExceptionRecord;
+  if (record.ExceptionCode == DBG_PRINTEXCEPTION_C)
+    debugged += reinterpret_cast<const char*>(record.ExceptionInformation[1]);
+  return EXCEPTION_CONTINUE_SEARCH;
+}
+
 class EchogramWindow : public testing::Test {
  protected:
   static void SetUpTestSuite() {
@@ -262,7 +272,10 @@ TEST_F(EchogramWindow, CursorBringsTheFocusForTheWheel) {
 }
 
 TEST_F(EchogramWindow, RightClickSavesWhatTheNextPaintShows) {
+  void* const noting = AddVectoredExceptionHandler(1, NoteDebugText);
   SendMessageW(view_, WM_RBUTTONDOWN, MK_RBUTTON, 0);
+  RemoveVectoredExceptionHandler(noting);
+  EXPECT_EQ(debugged, "RightButtonDown\n");
   EXPECT_TRUE(Files(folder_).empty());
   Paint();
   const auto files = Files(folder_);

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <memory>
 #include <vector>
 
@@ -77,6 +78,7 @@ constexpr PixelCase kPixels[] = {
     {"the threshold over an echo", 50, 285 + 30, 120, kMarker},
     {"above it: the palette's entry 3,000", 50, 285 + 44, 140, 0xABD700},
     {"no echo there", 50, 285 + 44, 200, kBlack},
+    {"on the way to an echo just as strong as the threshold", 50, 310, 70, kGrey},
     {"the threshold begins", 50, 285 + 30, 20, kMarker},
     {"and ends", 50, 285 + 30, 220, kMarker},
     {"not above", 50, 285 + 30, 19, kBlack},
@@ -96,10 +98,14 @@ TEST_F(Profile, StrongEchoesAreColouredWeakOnesGrey) {
 }
 
 TEST_F(Profile, BehindTheLastSampleItIsZero) {
-  for (size_t i = 0; i < kMaxSlotSamples; ++i) StoreSample(ring_->slots[3], 88, i, 4'095);
-  Draw({3, 10, 444'540, 1'500.0f}, 0);  // 200 rows show the samples 0 to 59,271: twice the slot
+  uint8_t* slot = ring_->slots[3];
+  StoreLe<uint32_t>(slot + 4, 4'096);  // leaves room for 27,632 samples
+  for (size_t i = 0; i < 27'632; ++i) StoreSample(slot, 4'096, i, 4'095);
+  std::fill(std::begin(scratch_->amplitudes), std::end(scratch_->amplitudes), uint16_t{4'095});
+  Draw({3, 10, 444'540, 1'500.0f}, 0);  // 200 rows show the samples 0 to 59,271
   EXPECT_EQ(At(286 + 60, 20 + 90), 0xFF0000u);
-  EXPECT_EQ(At(286 + 60, 20 + 110), kBlack);
+  EXPECT_EQ(At(286 + 60, 20 + 97), kBlack);   // within a slot with a short header
+  EXPECT_EQ(At(286 + 60, 20 + 110), kBlack);  // beyond any slot
 }
 
 TEST_F(Profile, OnlyTheThresholdWhenTheScaleCannotBeDrawn) {

@@ -44,7 +44,7 @@ const ThumbCase kThumbs[] = {
 TEST(Slider, ThumbStandsWhereTheFileIs) {
   for (const ThumbCase& c : kThumbs) {
     SCOPED_TRACE(c.what);
-    const Rect thumb = ThumbOf(c.progress, c.sliderWidth, 22);
+    const Rect thumb = ThumbOf(c.progress, {c.sliderWidth, 22, 96});
     EXPECT_EQ(thumb.left, c.left);
     EXPECT_EQ(thumb.right, c.right);
     if (c.right > 0) {
@@ -84,15 +84,22 @@ const SeekCase kSeeks[] = {
 TEST(Slider, CursorMeansAPosition) {
   for (const SeekCase& c : kSeeks) {
     SCOPED_TRACE(c.what);
-    const uint64_t position = SeekPosition(c.progress, c.x, c.sliderWidth);
+    const uint64_t position = SeekPosition(c.progress, c.x, {c.sliderWidth, 22, 96});
     EXPECT_LE(position, c.progress.fileSize);
     EXPECT_EQ(position, c.position);
   }
 }
 
+TEST(Slider, ThumbGrowsWithTheScreensResolution) {
+  const Rect thumb = ThumbOf(Progress(1, 0, 1'000'000), {1'000, 33, 144});
+  EXPECT_EQ(thumb.right, 30);
+  EXPECT_EQ(thumb.top, 6);
+  EXPECT_EQ(thumb.bottom, 27);
+}
+
 TEST(Slider, DraggingMovesTheFileAndShutsOutTheWorker) {
   SliderState slider;
-  slider.Resize(1'000, 22);
+  slider.Resize({1'000, 22, 96});
   EXPECT_TRUE(slider.TakeProgress(Progress(1'000, 1'600'000, 3'200'000)));  // thumb from 450 to 550
 
   EXPECT_FALSE(slider.Move({300, 10}, true)) << "without a press on the thumb nothing is dragged";

@@ -26,12 +26,18 @@ inline void StoreSample(uint8_t* slot, size_t headerLength, size_t index, uint16
   StoreLe<uint16_t>(slot + headerLength + 640 + 2 * index, amplitude);
 }
 
+// Where a slot's samples stand: 640 bytes behind its header, whose length counts as 88 unless it is 36 to
+// 4,096.
+inline size_t SamplesBegin(uint32_t headerLength) {
+  return (headerLength >= 36 && headerLength <= 4'096 ? headerLength : 88) + 640;
+}
+
 // Amplitudes over the whole 16 bits now and then, mostly 12.
 inline void FillSlot(PingRing& ring, int32_t index, uint32_t headerLength, size_t samples) {
   std::minstd_rand random(static_cast<uint32_t>(index) + 1);
   uint8_t* slot = ring.slots[index];
   StoreLe<uint32_t>(slot + 4, headerLength);
-  const size_t start = (headerLength == 0 ? 88 : headerLength) + 640;
+  const size_t start = SamplesBegin(headerLength);
   for (size_t i = 0; i < samples && start + 2 * i + 2 <= kSlotSize; ++i) {
     const auto value = static_cast<uint32_t>(random());
     StoreLe<uint16_t>(slot + start + 2 * i,

@@ -3,10 +3,6 @@
 // recordings, played and steered while the view paints. What the race detector says is the result; the rest
 // shows that there was something to race for.
 #include <gtest/gtest.h>
-#include <signal.h>
-#include <spawn.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <chrono>
 #include <filesystem>
@@ -22,19 +18,14 @@
 #include "app/control_ids.h"
 #include "app/playback_control.h"
 #include "app/run_control.h"
-#include "app/start_up.h"
 #include "app/worker_control.h"
 #include "base/shared_value.h"
 #include "display/panel.h"
 #include "platform/clock.h"
 #include "platform/host/documents_folder.h"
-#include "platform/host/memory_registry.h"
 #include "platform/host/serial_peer.h"
 #include "platform/thread.h"
-#include "tests/app/recording_ui.h"
-#include "tests/app/test_folder.h"
-
-extern char** environ;
+#include "tests/end_to_end/simulator_process.h"
 
 namespace tw::test {
 namespace {
@@ -45,35 +36,6 @@ using std::chrono::seconds;
 
 constexpr seconds kLength{60};
 constexpr milliseconds kFrame{50};
-
-// echosim as a process of its own, for as long as the object lives.
-class SimulatorProcess {
- public:
-  SimulatorProcess(const std::filesystem::path& sounder, const std::filesystem::path& gps) {
-    std::vector<std::string> words{TW_ECHOSIM,  "--link",      sounder,  "--gps-link", gps,
-                                   "--samples", "400",         "--rate", "25",         "--mode",
-                                   "4",         "--speed",     "921600", "--dual",     "--gps-rate",
-                                   "10",        "--gps-speed", "115200"};
-    std::vector<char*> arguments;
-    for (std::string& word : words) arguments.push_back(word.data());
-    arguments.push_back(nullptr);
-    EXPECT_EQ(posix_spawn(&process_, TW_ECHOSIM, nullptr, nullptr, arguments.data(), environ), 0);
-    const auto deadline = Clock::now() + seconds(20);
-    while (!(std::filesystem::exists(sounder) && std::filesystem::exists(gps)) && Clock::now() < deadline) {
-      std::this_thread::sleep_for(milliseconds(10));
-    }
-  }
-  ~SimulatorProcess() {
-    kill(process_, SIGTERM);
-    int status = 0;
-    EXPECT_EQ(waitpid(process_, &status, 0), process_);
-  }
-  SimulatorProcess(const SimulatorProcess&) = delete;
-  SimulatorProcess& operator=(const SimulatorProcess&) = delete;
-
- private:
-  pid_t process_ = -1;
-};
 
 // What the view does: both panels, the status line and the marks, from what the workers leave.
 class Painter {
@@ -106,25 +68,6 @@ class Painter {
   int frames_ = 0;
 };
 
-AppState& StartedProgram(const TestFolder& folder) {
-  SetDocumentsFolder(folder.Path().c_str());
-  ClearRegistry();
-  DetachSerialLines();
-  SetSerialLineList({L"COM5", L"COM6"});
-  AttachTerminal(L"\\\\.\\COM5", (folder.Path() / "sounder").c_str());
-  AttachTerminal(L"\\\\.\\COM6", (folder.Path() / "gps").c_str());
-  ResetUi();
-  AppState& state = *AllocateState();
-  StartUp(state);
-  state.initialised = 1;
-  Ui().Choose(ID_DEVICE_PORT, L"COM5");
-  Ui().Choose(ID_DEVICE_SPEED, L"921600");
-  Ui().Choose(ID_GPS_PORT, L"COM6");
-  Ui().Choose(ID_GPS_SPEED, L"115200");
-  StoreShared(globals.timestampTicked, 1);
-  return state;
-}
-
 // A second of the window's life: frames and the timers that come with them.
 void Live(AppState& state, Painter& painter) {
   for (const auto end = Clock::now() + seconds(1); Clock::now() < end;) {
@@ -150,8 +93,11 @@ void RestartWorker(AppState& state) {
 
 TEST(Race, WorkersRestartWhileTheViewPaints) {
   const TestFolder folder;
-  const SimulatorProcess simulator(folder.Path() / "sounder", folder.Path() / "gps");
-  AppState& state = StartedProgram(folder);
+  const SimulatorProcess simulator(TW_ECHOSIM, folder,
+                                   {"--samples", "400", "--rate", "25", "--mode", "4", "--speed", "921600",
+                                    "--dual", "--gps-rate", "10", "--gps-speed", "115200"});
+  AppState& state = StartedProgram(folder, L"921600", L"115200");
+  StoreShared(globals.timestampTicked, 1);
   Painter painter(state);
   int starts = 0;
   int restarts = 0;
@@ -221,12 +167,13 @@ TEST(Race, PlaybackIsSteeredWhileTheViewPaints) {
   constexpr seconds kPlayed{20};
   constexpr milliseconds kGesture{15};
   const TestFolder folder;
-  AppState& state = StartedProgram(folder);
+  AppState& state = StartedProgram(folder, L"921600", L"4800");
   Painter painter(state);
   const std::vector<std::wstring> pair = {WriteRecording(folder, 450'000), WriteRecording(folder, 200'000)};
   const uint64_t size = std::filesystem::file_size(pair[0]);
   std::mt19937_64 random(1);
   int playbacks = 0;
+  int pairs = 0;
   for (const auto end = Clock::now() + kPlayed; Clock::now() < end; ++playbacks) {
     Ui().chosenFiles = playbacks % 4 == 3 ? std::vector{pair[1]} : pair;
     PlayFiles(state);
@@ -238,6 +185,7 @@ TEST(Race, PlaybackIsSteeredWhileTheViewPaints) {
       SteerAnyhow(state, random(), random() % size);
       std::this_thread::sleep_for(kGesture);
     }
+    pairs += LoadShared(globals.playedFrequencyB_hz) != 0 ? 1 : 0;
     switch (playbacks % 3) {
       case 0:
         StopRun(state);
@@ -253,10 +201,10 @@ TEST(Race, PlaybackIsSteeredWhileTheViewPaints) {
   }
   StopRun(state);
   EXPECT_TRUE(Ui().boxes.empty());
-  EXPECT_GE(playbacks, 5);
+  EXPECT_GE(playbacks, 3);
   EXPECT_GT(painter.Frames(), 50);
-  EXPECT_NE(LoadShared(globals.playedFrequencyB_hz), 0);
-  std::printf("%d playbacks, %d frames\n", playbacks, painter.Frames());
+  EXPECT_GE(pairs, 1);
+  std::printf("%d playbacks, %d of pairs, %d frames\n", playbacks, pairs, painter.Frames());
   SetDocumentsFolder(nullptr);
 }
 

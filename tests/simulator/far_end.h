@@ -53,4 +53,15 @@ class FarEnd {
   int64_t now_us_ = 0;
 };
 
+// The answers to a line: a value, nothing but the prompt, a refusal.
+inline std::string Told(std::string_view line, std::string_view value) {
+  return std::string(line) + "\r\n" + std::string(value) + "\r\n\r\n>";
+}
+inline std::string Accepted(std::string_view line) {
+  return std::string(line) + "\r\n\r\n>";
+}
+inline std::string Refused(std::string_view line) {
+  return Told(line, "Error");
+}
+
 }  // namespace tw::sim

@@ -14,16 +14,6 @@ constexpr DeviceFamily kSecond = DeviceFamily::second;
 constexpr DeviceFamily kThird = DeviceFamily::third;
 constexpr DeviceFamily kFamilies[] = {kFirst, kSecond, kThird};
 
-std::string Told(std::string_view line, std::string_view value) {
-  return std::string(line) + "\r\n" + std::string(value) + "\r\n\r\n>";
-}
-std::string Accepted(std::string_view line) {
-  return std::string(line) + "\r\n\r\n>";
-}
-std::string Refused(std::string_view line) {
-  return Told(line, "Error");
-}
-
 enum class Can : uint8_t { nothing, ask, set, both };
 
 // A value that is not the factory's, as it is sent and as it reads back.
@@ -156,6 +146,7 @@ TEST(Families, DefaultRestoresEverything) {
     EXPECT_NE(state(), before);
     EXPECT_EQ(end.Ask("#default"), Accepted("#default"));
     EXPECT_EQ(state(), before) << static_cast<int>(family);
+    EXPECT_EQ(end.Ask("#speed"), Told("#speed", "3000000")) << "the line stays as it is";
   }
 }
 
