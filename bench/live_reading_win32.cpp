@@ -53,8 +53,8 @@ struct Reading {
 };
 
 void TakeBlock(Reading& reading, tw::RingWriter& ring) {
-  const tw::ParsedEchoText parsed =
-      tw::ParseEchoTextHeader(reading.reader.Block(), 25'000, 200'000, reading.header);
+  const tw::ParsedEchoText parsed = tw::ParseEchoTextHeader(
+      tw::EchoTextKeys::firstFamily, reading.reader.Block(), 25'000, 200'000, reading.header);
   const std::span<uint16_t> samples(reading.samples, static_cast<size_t>(reading.header.sampleCount));
   static_cast<void>(tw::ReadSampleLines(parsed.dataLines, samples));
   tw::PingHeader header{};

@@ -34,15 +34,20 @@ function(tw_library name)
 endfunction()
 
 # tw_test(NAME SOURCES… LINK libraries… [THREADED]): one GoogleTest program, its cases listed one by one.
-# THREADED ones run real threads on the real clock and are built for the race detector too.
+# THREADED ones run real threads on the real clock and are built for the race detector too. LARGE ones look at
+# millions of values.
 function(tw_test name)
-  cmake_parse_arguments(arg "THREADED" "" "SOURCES;LINK" ${ARGN})
+  cmake_parse_arguments(arg "THREADED;LARGE" "" "SOURCES;LINK" ${ARGN})
   if(TW_THREADED_TESTS_ONLY AND NOT arg_THREADED)
     return()
   endif()
   add_executable(${name} ${arg_SOURCES})
   target_link_libraries(${name} PRIVATE ${arg_LINK} tw_options tw_gtest)
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
+  if(TW_SANITIZE AND NOT arg_LARGE)
+    # Instrumented test code takes twice as long to optimise as to run as it is.
+    target_compile_options(${name} PRIVATE -O0)
+  endif()
   if(CMAKE_CROSSCOMPILING)
     add_test(NAME ${TW_TEST_PREFIX}${name} COMMAND ${name})
   else()

@@ -2,8 +2,8 @@
 // their keys differ:
 //
 //   #DeviceID KT-1042                                     the keys stand in any order, each with one blank
-//   #TimeWork 12.5                                        and its value; whole seconds, milliseconds: 12 s 5
-//   ms #NSamples 3                                           0 to 50,000
+//   #TimeWork 12.5                                        and its value; whole seconds, milliseconds
+//   #NSamples 3                                           0 to 50,000
 //                                 #Resolution,mm 7.5
 //   #OutputMode 4
 //   #Sampling_Frequency,Hz 25000  (none)

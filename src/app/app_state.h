@@ -111,7 +111,8 @@ struct AppState {
   wchar_t rememberedInterval[64];
 };
 
-inline constexpr size_t kMarkTextSize = 27;  // "%04d M %04d-%02d-%02d %02d:%02d:%02d" and its zero
+// "%04d M %04d-%02d-%02d %02d:%02d:%02d" with a number of any length, and its zero.
+inline constexpr size_t kMarkTextSize = 33;
 inline constexpr size_t kMaxMarks = 1'490;
 
 // The time marks of one channel: one entry per ping while "Timestamp" is ticked, newest first. The entries

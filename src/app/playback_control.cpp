@@ -6,6 +6,7 @@
 #include "app/control_states.h"
 #include "app/family_controls.h"
 #include "app/file_naming.h"
+#include "app/run_steps.h"
 #include "app/ui.h"
 #include "app/worker_control.h"
 #include "base/shared_value.h"
@@ -95,7 +96,6 @@ void BeginFileRun(AppState& state) {
   for (Event& event : state.runEvents) Reset(event);
   static_cast<void>(TakeSeekRequest(state.seekRequest));
   StoreShared(globals.playbackEnded, 0);
-  StoreShared(globals.measuredPingInterval_ms, 0.0f);
   state.playbackPaused = 0;
   state.playbackAtEnd = 0;
   RaiseRunNumber(state);
@@ -143,6 +143,7 @@ void BeginPlayback(AppState& state, Candidate& a, Candidate* b) {
   StoreShared(state.conversionKind, 0);
   TakeSettings(state, a);
   TakeLowSettings(state, b != nullptr ? b->told->info : a.told->low);
+  KeepInterval(state.settings);
   StoreShared(globals.dualMode, b != nullptr || a.told->channels > 1 ? 1 : 0);
   StoreShared(globals.playedFrequencyA_hz, 0);
   StoreShared(globals.playedFrequencyB_hz, 0);
@@ -193,6 +194,7 @@ void Convert(AppState& state, Conversion conversion) {
   if (!ChooseInputFiles(state, paths) || paths.empty()) return Refuse(state, L"File is not selected");
   if (paths.size() > 1) return Refuse(state, L"Select One File");
   EndFileWorkers(state);
+  RefreshControlStates(state);
   Candidate input;
   // Nobody may write it meanwhile, and so the output can never be the input.
   if (!Open(state, paths[0], WriteSharing::denied, input)) return;

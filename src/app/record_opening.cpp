@@ -44,8 +44,11 @@ void OpenOne(AppState& state, const RecordFileName& name, RecordChannel channel,
   companion = CreateNamed(state, name.segy);
 }
 
-void CloseCompanion(Handle& companion) {
-  CloseFile(ExchangeShared(companion, Handle::invalid));
+// A conversion's output is closed by its worker, which may just be writing it: the worker finds the field
+// empty.
+void CloseCompanion(const AppState& state, Handle& companion) {
+  const Handle file = ExchangeShared(companion, Handle::invalid);
+  if (LoadShared(state.conversionKind) == 0) CloseFile(file);
 }
 
 }  // namespace
@@ -69,8 +72,8 @@ void OpenRecordFiles(AppState& state, NamingMoment moment, int32_t namingFamily)
 
 void CloseRecordFiles(AppState& state) {
   CloseBothRecordFiles(state);
-  CloseCompanion(state.segyCompanionA);
-  CloseCompanion(state.segyCompanionB);
+  CloseCompanion(state, state.segyCompanionA);
+  CloseCompanion(state, state.segyCompanionB);
 }
 
 }  // namespace tw

@@ -22,9 +22,9 @@ void ShowMeasuredInterval(AppState& state) {
 }
 
 void ShowTitle(AppState& state) {
-  const bool recording =
-      state.acquisitionThread != Handle::null && IsChecked(state, ID_RECORD) && state.playbackActive == 0;
-  SetWindowTitle(state, recording ? globals.titleText : kProgramTitle);
+  const bool works = state.acquisitionThread != Handle::null || LoadShared(state.conversionKind) != 0;
+  const bool named = works && IsChecked(state, ID_RECORD) && state.playbackActive == 0;
+  SetWindowTitle(state, named ? globals.titleText : kProgramTitle);
 }
 
 void Repaint(AppState& state) {

@@ -1,8 +1,6 @@
 #include "display/kept_echogram.h"
 
 #include <algorithm>
-#include <atomic>
-#include <span>
 
 #include "base/shared_value.h"
 #include "platform/memory.h"
@@ -51,6 +49,8 @@ bool KeptEchogram::Fit(const PingRing& ring, const EchogramScale& scale, int32_t
   return true;
 }
 
+// A slot counts as kept with the stamp that it had before it is painted: if a worker writes it meanwhile, its
+// stamp is another one at the next paint.
 size_t KeptEchogram::FindMissing(const PingRing& ring, const EchogramScale& scale, int32_t width,
                                  ColumnJob* jobs) {
   size_t count = 0;
@@ -62,22 +62,10 @@ size_t KeptEchogram::FindMissing(const PingRing& ring, const EchogramScale& scal
     previous = slot;
     const uint32_t stamp = LoadShared(ring.stamps[slot]);
     if (stamp == keptStamps_[slot] && !IsBeingWritten(stamp)) continue;
-    seen_[slot] = stamp;
+    keptStamps_[slot] = stamp;
     jobs[count++] = {slot, slot};
   }
   return count;
-}
-
-// A slot that a worker was writing while it was painted is shown as it came out, but painted again next time.
-void KeptEchogram::KeepUnchanged(const PingRing& ring, std::span<const ColumnJob> jobs) {
-#if !defined(__SANITIZE_THREAD__)  // which knows no fences; the slots' bytes are exempt from it anyway
-  std::atomic_thread_fence(std::memory_order_acquire);
-#endif
-  for (const ColumnJob& job : jobs) {
-    const uint32_t before = seen_[job.slot];
-    const bool isWhole = !IsBeingWritten(before) && LoadShared(ring.stamps[job.slot]) == before;
-    keptStamps_[job.slot] = isWhole ? before : kNothing;
-  }
 }
 
 // Four rows at a time: finding a column costs as much as copying its pixel.
@@ -109,9 +97,7 @@ void KeptEchogram::Render(const PingRing& ring, const EchogramScale& scale, cons
   }
   const size_t count = FindMissing(ring, scale, image.width, scratch.jobs);
   if (count > 0) {
-    const std::span<const ColumnJob> jobs(scratch.jobs, count);
-    reached_ = RenderColumns(ring, jobs, scale, colours, scratch, columns_);
-    KeepUnchanged(ring, jobs);
+    reached_ = RenderColumns(ring, {scratch.jobs, count}, scale, colours, scratch, columns_);
   }
   Compose(image);
 }

@@ -28,7 +28,6 @@ class KeptEchogram {
   bool Fit(const PingRing& ring, const EchogramScale& scale, int32_t height);
   [[nodiscard]] size_t FindMissing(const PingRing& ring, const EchogramScale& scale, int32_t width,
                                    ColumnJob* jobs);
-  void KeepUnchanged(const PingRing& ring, std::span<const ColumnJob> jobs);
   void Compose(const Canvas& image) const;
   void Free();
 
@@ -37,8 +36,7 @@ class KeptEchogram {
   EchogramScale scale_{};
   int32_t reached_ = 0;              // rows that have samples
   int32_t shown_[kMaxJobs];          // slot of each image column
-  uint32_t seen_[kRingSlots];        // stamp of a slot before it was painted
-  uint32_t keptStamps_[kRingSlots];  // kNothing, or the even stamp of the slot that the column shows
+  uint32_t keptStamps_[kRingSlots];  // of each slot when its column was painted; odd: not to be relied on
 };
 
 inline constexpr int32_t kMaxKeptRows = 2'200;

@@ -8,6 +8,7 @@
 #include "acquisition/ping_line.h"
 #include "base/bytes.h"
 #include "base/shared_value.h"
+#include "display/scaling.h"
 #include "platform/sync.h"
 
 namespace tw {
@@ -57,12 +58,14 @@ void DrawColourBar(const Canvas& canvas, const PanelLayout& layout, const Displa
 }
 
 // kept: in modes without echo samples the altitudes are drawn in the client area's own coordinates, as if the
-// image began at its corner, and the black image then covers all but the left and upper margins.
+// image began at its corner, and the black image then covers all but the left and upper margins. So an empty
+// ring, whose altitudes are 0, shows a red line along the upper edge until the first ping has come.
 void DrawAltitudes(const PanelSource& source, const PanelLayout& layout, const Canvas& canvas) {
   const double height = layout.image.Height();
   const int32_t width = layout.image.Width();
   if (source.scale.range_mm <= 0) return;
   const double perMetre = height * 1'000 / source.scale.range_mm;
+  const int32_t lineWidth = ScalePixels(kAltitudeWidth, layout.dpi);
   int32_t previous = -1;
   for (int32_t x = 1; x < width; ++x) {
     const int32_t slot = SlotOfColumn(x, width, source.scale.newest, source.scale.timeScale_s);
@@ -73,8 +76,8 @@ void DrawAltitudes(const PanelSource& source, const PanelLayout& layout, const C
     }
     const auto row = static_cast<int32_t>(y);
     if (previous < 0) previous = row;
-    const int32_t upper = std::min(previous, row) - kAltitudeWidth / 2;
-    const int32_t lower = std::max(previous, row) + kAltitudeWidth / 2;
+    const int32_t upper = std::min(previous, row) - lineWidth / 2;
+    const int32_t lower = std::max(previous, row) + lineWidth / 2;
     FillRect(canvas, {x, layout.panel.top + upper, x + 1, layout.panel.top + lower}, kAltitudeColour);
     previous = row;
   }
@@ -86,7 +89,8 @@ PanelSource DescribePanel(AppState& state, PanelPlace place) {
   const bool isLower = place == PanelPlace::lower;
   const DeviceSettings& settings = state.settings;
   const bool isLow = ShowsLowChannel(settings, place);
-  const bool isPlayed = IsOpen(isLower ? state.inputFileB : state.inputFileA);
+  // One file may hold both channels; then nothing else is open for the lower panel.
+  const bool isPlayed = IsOpen(state.inputFileA) || (isLower && IsOpen(state.inputFileB));
   const int32_t timeScale_s = isLower ? state.timeScaleLower : state.timeScaleUpper;
   const bool sharesPings = place != PanelPlace::single && !isPlayed;  // two channels, one ping rate
   PanelSource source{};

@@ -11,12 +11,11 @@ bool Contains(const Rect& rect, Point point) {
 }  // namespace
 
 void SliderState::PlaceThumb() {
-  thumb_ = ThumbOf(progress_, width_, height_);
+  thumb_ = ThumbOf(progress_, size_);
 }
 
-void SliderState::Resize(int32_t width, int32_t height) {
-  width_ = width;
-  height_ = height;
+void SliderState::Resize(const SliderSize& size) {
+  size_ = size;
   PlaceThumb();
 }
 
@@ -46,7 +45,7 @@ std::optional<uint64_t> SliderState::Move(Point cursor, bool isButtonHeld) {
   cursor_ = cursor;
   isDragging_ = isDragging_ && isButtonHeld;
   if (!isDragging_ || !IsHovered()) return std::nullopt;
-  progress_.position = SeekPosition(progress_, cursor.x, width_);
+  progress_.position = SeekPosition(progress_, cursor.x, size_);
   PlaceThumb();
   return progress_.position;
 }

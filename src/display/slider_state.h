@@ -12,7 +12,7 @@ namespace tw {
 
 class SliderState {
  public:
-  void Resize(int32_t width, int32_t height);
+  void Resize(const SliderSize& size);
 
   // Takes the news from a file worker; false, and without effect, while the operator drags the thumb.
   bool TakeProgress(const ProgressBlock& progress);
@@ -36,8 +36,7 @@ class SliderState {
   void PlaceThumb();
 
   ProgressBlock progress_{};
-  int32_t width_ = 0;
-  int32_t height_ = 0;
+  SliderSize size_{};
   Rect thumb_{};
   bool isDragging_ = false;
   std::optional<Point> cursor_;  // while it is over the slider

@@ -52,6 +52,13 @@ void OnPaint(HWND window, Slider& slider) {
   EndPaint(window, &paint);
 }
 
+void OnSize(HWND window, Slider& slider, int32_t width, int32_t height) {
+  const HDC screen = GetDC(window);
+  slider.state.Resize({width, height, GetDeviceCaps(screen, LOGPIXELSX)});
+  ReleaseDC(window, screen);
+  Repaint(window);
+}
+
 // The plain number is looked for first: it is no pointer.
 bool TakeNews(SliderState& slider, WPARAM parameter, LPARAM position) {
   if (parameter == kProgressSpan) return slider.TakePosition(static_cast<uint64_t>(position));
@@ -94,8 +101,7 @@ LRESULT CALLBACK SliderProcedure(HWND window, UINT message, WPARAM wParam, LPARA
       OnPaint(window, *slider);
       return 0;
     case WM_SIZE:
-      slider->state.Resize(LOWORD(lParam), HIWORD(lParam));
-      Repaint(window);
+      OnSize(window, *slider, LOWORD(lParam), HIWORD(lParam));
       return 0;
     case WM_USER:
       if (TakeNews(slider->state, wParam, lParam)) Repaint(window);

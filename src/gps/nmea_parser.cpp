@@ -5,7 +5,6 @@
 #include <new>
 #include <string_view>
 
-#include "base/checksum.h"
 #include "base/text_scan.h"
 
 namespace tw {
@@ -32,9 +31,14 @@ struct Framed {
 
 // `text` begins with '$'.
 Framed FrameSentence(std::string_view text) {
-  const size_t end = text.substr(0, kMaxSentence).find_first_of("$*", 1);
-  if (end == text.npos) {
-    if (text.size() < kMaxSentence) return {Framed::Kind::wait, 0, {}};
+  const size_t limit = std::min(text.size(), kMaxSentence);
+  size_t end = 1;
+  uint8_t counted = 0;
+  for (; end < limit && text[end] != '$' && text[end] != '*'; ++end) {
+    counted = static_cast<uint8_t>(counted ^ static_cast<uint8_t>(text[end]));
+  }
+  if (end == limit) {
+    if (limit < kMaxSentence) return {Framed::Kind::wait, 0, {}};
     return {Framed::Kind::skip, 1, {}};
   }
   if (text[end] == '$') return {Framed::Kind::skip, end, {}};
@@ -50,7 +54,7 @@ Framed FrameSentence(std::string_view text) {
   if (tail.size() < 4) return {Framed::Kind::wait, 0, {}};
   std::string_view digits = tail.substr(0, 2);
   uint32_t sum = 0;
-  const bool right = ScanHex(digits, 2, sum) && sum == XorChecksum(text.substr(1, end - 1));
+  const bool right = ScanHex(digits, 2, sum) && sum == counted;
   return {right ? Framed::Kind::sentence : Framed::Kind::skip, end + 5, text.substr(0, end + 1)};
 }
 

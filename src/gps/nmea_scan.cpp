@@ -75,8 +75,9 @@ int ScanSentence(std::string_view sentence, std::string_view format, std::span<c
     }
     const Conversion conversion = TakeConversion(format);
     if (sentence.empty() || static_cast<size_t>(converted) >= targets.size()) break;
-    const size_t end = std::min(sentence.find_first_of(",*"), sentence.size());
-    std::string_view field = sentence.substr(0, end);
+    const auto end =
+        std::find_if(sentence.begin(), sentence.end(), [](char c) { return c == ',' || c == '*'; });
+    std::string_view field(sentence.begin(), end);
     if (field.empty() && fieldBegun) break;
     const size_t before = field.size();
     const ScanTarget& target = targets[static_cast<size_t>(converted)];

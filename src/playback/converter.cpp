@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "acquisition/sample_grid.h"
 #include "playback/segy_format.h"
 #include "playback/text_block.h"
 
@@ -45,10 +46,12 @@ bool SegyConverter::Append(const PingHeader& ping, std::span<const uint16_t> sam
 }
 
 bool TextConverter::Append(const PingHeader& ping, std::span<const uint16_t> samples) {
+  if (repeat_ == 0) repeat_ = GridRepeat(ping.samplingFrequency_hz);
   uint8_t* const out = output_.Room(kTextBlockSize);
   if (out == nullptr) return false;
-  output_.Take(LayOutTextBlock(
-      ping, samples, std::span<char, kTextBlockSize>(reinterpret_cast<char*>(out), kTextBlockSize)));
+  output_.Take(
+      LayOutTextBlock(ping, repeat_ == 1 ? samples : std::span<const uint16_t>{},
+                      std::span<char, kTextBlockSize>(reinterpret_cast<char*>(out), kTextBlockSize)));
   return true;
 }
 

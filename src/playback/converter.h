@@ -1,6 +1,7 @@
 // Conversions: what becomes of each ping of a recording, on its way into an output file. One thread.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <span>
 
@@ -44,7 +45,8 @@ class SegyConverter final : public PingConverter {
   uint32_t traces_ = 0;
 };
 
-// One text block a ping.
+// One text block a ping. kept: only a recording on the 100 kHz grid has sample lines, which is found once, at
+// the first ping that tells its sampling frequency.
 class TextConverter final : public PingConverter {
  public:
   explicit TextConverter(OutputFile& output) : output_(output) {}
@@ -53,6 +55,7 @@ class TextConverter final : public PingConverter {
 
  private:
   OutputFile& output_;
+  size_t repeat_ = 0;
 };
 
 }  // namespace tw

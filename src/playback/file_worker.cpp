@@ -47,6 +47,7 @@ class FileRun {
         side_(side),
         runNumber_(LoadShared(state.runNumber)),
         conversion_(LoadShared(state.conversionKind)),
+        outputFile_(conversion_ == 0 ? Handle::invalid : LoadShared(state.segyCompanionA)),
         channels_{{WriterOfRingA(state), globals.marksA}, {WriterOfRingB(state), globals.marksB}},
         report_(state, side.texts, conversion_ != 0) {}
 
@@ -57,6 +58,7 @@ class FileRun {
     const bool prepared = Prepare();
     const bool exhausted = prepared && Play();
     if (output_ != nullptr) ShowSize();
+    if (conversion_ != 0) CloseOutput();
     if (!prepared && side_.first && conversion_ == 0 && !Stale()) StoreShared(globals.playbackEnded, 1);
     return exhausted;
   }
@@ -94,11 +96,11 @@ class FileRun {
 
   bool PrepareConversion() {
     if (conversion_ == 0) return true;
-    output_.reset(new (std::nothrow) OutputFile(LoadShared(state_.segyCompanionA)));
+    output_.reset(new (std::nothrow) OutputFile(outputFile_));
     if (output_ == nullptr) return false;
     if (conversion_ == kSegyConversion) {
       converter_ =
-          std::make_unique<SegyConverter>(*output_, globals.segyTextHeader, source_->Kind().soundSpeed_mps);
+          std::make_unique<SegyConverter>(*output_, globals.segyTextHeader, state_.settings.soundSpeed_mps);
     } else {
       converter_ = std::make_unique<TextConverter>(*output_);
     }
@@ -254,7 +256,9 @@ class FileRun {
     NoteProgress(ping);
   }
 
+  // The field is emptied when the operator clears "Record Data", which closes all files that are written.
   bool ConvertPing(const RecordedPing& ping) {
+    if (LoadShared(state_.segyCompanionA) != outputFile_) return false;
     return converter_->Append(ping.header, ping.samples) && output_->Flush();
   }
 
@@ -321,7 +325,9 @@ class FileRun {
 
   void CloseOutput() {
     converter_.reset();
-    CloseFile(ExchangeShared(state_.segyCompanionA, Handle::invalid));
+    StoreShared(state_.segyCompanionA, Handle::invalid);
+    CloseFile(outputFile_);
+    outputFile_ = Handle::invalid;
   }
 
   PlayedChannel& Own() { return channels_[side_.first ? 0 : 1]; }
@@ -330,6 +336,7 @@ class FileRun {
   const Side side_;
   const uint32_t runNumber_;
   const int32_t conversion_;
+  Handle outputFile_;  // of a conversion
   std::unique_ptr<PingSource> source_;
   std::unique_ptr<OutputFile> output_;
   std::unique_ptr<PingConverter> converter_;

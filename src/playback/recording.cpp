@@ -254,8 +254,8 @@ class Recording final : public PingSource {
     if (tail.size != 0) {
       static_cast<void>(ParserPush(parser_, source_.Bytes().data(), tail.size));
       static_cast<void>(ApplyPackets(parser_, fix_));
-      behind_ += tail.size + tail.blanks;
     }
+    behind_ += tail.size + tail.blanks;
     PingHeader& header = ping_.header;
     TextPosition told{};
     if (fix_.presence != 0) {

@@ -14,7 +14,6 @@
 namespace tw {
 namespace {
 
-constexpr uint32_t kGridFrequency_hz = 100'000;
 constexpr double kRadiansPerDegree = 0.017453292519943295;
 constexpr size_t kTailSize = kGllSize + 32;  // room kept for what stands behind the samples
 constexpr size_t kWidestLine = 8;            // five digits, CR LF, and room to copy eight bytes at once
@@ -103,10 +102,8 @@ void AppendHeader(const PingHeader& ping, BlockText& out) {
   out.Line("#gpsvalid %" PRId32 "\r\n\r\n####DataStart\r\n", ping.gpsValid);
 }
 
-// kept: only pings on the grid have sample lines, and of them every second sample.
-void AppendSamples(const PingHeader& ping, std::span<const uint16_t> samples, BlockText& out) {
-  const uint32_t frequency_hz = ping.samplingFrequency_hz;
-  if (frequency_hz == 0 || kGridFrequency_hz / frequency_hz != 1) return;
+// kept: of the samples every second one.
+void AppendSamples(std::span<const uint16_t> samples, BlockText& out) {
   for (size_t i = 1; i < samples.size() && out.Room() >= kTailSize + kWidestLine; i += 2) {
     out.Sample(samples[i]);
   }
@@ -141,7 +138,7 @@ size_t LayOutTextBlock(const PingHeader& ping, std::span<const uint16_t> samples
                        std::span<char, kTextBlockSize> block) {
   BlockText out(block);
   AppendHeader(ping, out);
-  AppendSamples(ping, samples, out);
+  AppendSamples(samples, out);
   out.Append("##DataEnd\r\n");
   if (!HasPosition(ping)) {
     out.Append("\r\n\r\n");

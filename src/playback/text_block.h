@@ -20,7 +20,7 @@
 //   #gpsvalid 1
 //
 //   ####DataStart                    kept: four signs, where a device's own block has two
-//   23                               samples 1, 3, 5 …, and only of a ping on the 100 kHz grid
+//   23                               samples 1, 3, 5 …
 //   41
 //   ##DataEnd
 //   $GPGLL,4312.0000000,N,00712.0000000,E,221320.00,A,A*57

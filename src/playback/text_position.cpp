@@ -33,7 +33,7 @@ SentenceTail FindSentences(std::string_view text) {
     if (end == std::string_view::npos) break;
     tail.size = end + kLineEnd.size();
   }
-  while (tail.size != 0 && tail.blanks < kMaxBlanks && tail.size + tail.blanks < text.size()) {
+  while (tail.blanks < kMaxBlanks && tail.size + tail.blanks < text.size()) {
     const char next = text[tail.size + tail.blanks];
     if (next != '\r' && next != '\n') break;
     ++tail.blanks;

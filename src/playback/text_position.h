@@ -13,7 +13,7 @@ inline constexpr size_t kSentenceReach = 520;  // two sentences and the blank li
 // ends the ping's own line.
 struct SentenceTail {
   size_t size;    // 0: neither
-  size_t blanks;  // CR and LF behind them
+  size_t blanks;  // CR and LF behind them, or in their place
 };
 [[nodiscard]] SentenceTail FindSentences(std::string_view text);
 

@@ -62,7 +62,12 @@ TEST(DeviceBlock, Companding) {
                {95, 127},   {96, 131},   {126, 251},  {127, 255},  {128, 263},  {158, 503},
                {159, 511},  {160, 527},  {190, 1007}, {191, 1023}, {192, 1055}, {222, 2015},
                {223, 2047}, {224, 2111}, {254, 4031}, {255, 4095}};
-  for (const auto& each : cases) EXPECT_EQ(kCompanding[each.code], each.value) << int{each.code};
+  std::string block =
+      With(With(With(kGoldenDeviceBlock.substr(0, 62), 10, 62u + 256), 46, 256u), 58, 100'000u);
+  for (int code = 0; code < 256; ++code) block.push_back(static_cast<char>(code));
+  const std::vector<uint16_t> samples = SamplesOf(Parse(block));
+  ASSERT_EQ(samples, std::vector<uint16_t>(kCompanding.begin(), kCompanding.end()));
+  for (const auto& each : cases) EXPECT_EQ(samples[each.code], each.value) << int{each.code};
   EXPECT_TRUE(std::is_sorted(kCompanding.begin(), kCompanding.end()));
 }
 

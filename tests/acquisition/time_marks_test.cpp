@@ -58,5 +58,10 @@ TEST_F(TimeMarks, TheListKeepsTheNewest1490) {
   EXPECT_EQ(Text(0), "");
 }
 
+TEST_F(TimeMarks, ANumberOfFiveDigitsLeavesTheTimeWhole) {
+  for (uint32_t ping = 0; ping <= 10'000; ++ping) AddMark(*marks_, 1, kMoment_s);
+  EXPECT_EQ(Text(0), "10000 M 2023-11-14 22:13:20");
+}
+
 }  // namespace
 }  // namespace tw

@@ -20,24 +20,9 @@ namespace tw::test {
 
 namespace fs = std::filesystem;
 
-// What the device sent, whole pings only.
-struct Sent {
-  sim::SentPing ping;
+struct ReadPing {
+  PingHeader header;
   std::vector<uint16_t> samples;
-};
-
-class Log final : public sim::PingObserver {
- public:
-  void PingMade(const sim::SentPing&, std::span<const uint16_t> samples) override {
-    samples_.assign(samples.begin(), samples.end());
-  }
-  void PingEnded(const sim::SentPing& ping) override {
-    if (ping.whole) pings.push_back({ping, samples_});
-  }
-  std::vector<Sent> pings;
-
- private:
-  std::vector<uint16_t> samples_;
 };
 
 class Playback : public RunControlTest {
@@ -45,7 +30,7 @@ class Playback : public RunControlTest {
   // A run of some seconds that records.
   void Record(const sim::SounderOptions& options, int seconds = 20, const sim::GpsOptions& gps = {}) {
     Ui().controls[ID_RECORD].checked = true;
-    ConnectSounder(options, &log_);
+    ConnectSounder(options);
     ConnectGps(gps);
     ChooseGps();
     StartRun(*state_);
@@ -70,18 +55,13 @@ class Playback : public RunControlTest {
     ASSERT_EQ(state_->playbackAtEnd, 1);
   }
 
-  std::vector<Sent> RecordedPings(const std::wstring& file) {
-    std::vector<Sent> pings;
+  static std::vector<ReadPing> ReadPings(const std::wstring& file) {
+    std::vector<ReadPing> pings;
     RecordingFault fault{};
     const auto recording = OpenRecording(file.c_str(), fault);
     EXPECT_NE(recording, nullptr);
     for (RecordedPing ping{}; recording != nullptr && recording->Next(ping);) {
-      pings.push_back({{}, {ping.samples.begin(), ping.samples.end()}});
-      pings.back().ping.number = ping.header.ping;
-      pings.back().ping.altitude_m = ping.header.altitude_m;
-      pings.back().ping.temperature_c = ping.header.temperature_c;
-      pings.back().ping.deviceTime_s = ping.header.timeOfWork_s;
-      EXPECT_EQ(ping.hasPosition, ping.header.gpsValid != 0);
+      pings.push_back({ping.header, {ping.samples.begin(), ping.samples.end()}});
     }
     EXPECT_EQ(recording == nullptr ? 1 : recording->Skipped(), 0u) << "nothing damaged";
     return pings;
@@ -93,7 +73,6 @@ class Playback : public RunControlTest {
   }
   PingHeader HeaderAt(int32_t index) const { return LoadPingHeader(state_->ringA->slots[index]); }
 
-  Log log_;
   std::vector<std::wstring> files_;
 };
 

@@ -1,4 +1,5 @@
 // Binary recordings written frame by frame: what time and sampling frequency make of the ring.
+#include <algorithm>
 #include <cstring>
 #include <fstream>
 
@@ -107,18 +108,34 @@ TEST_F(PlaybackFrames, AfterTheEndTheSliderGoesOnAndOneTickIsOneTick) {
   PlayToTheEnd();
 }
 
-TEST_F(PlaybackFrames, PicturesAreTakenByRecordedTime) {
+// Minutes are played in seconds: what was recorded counts.
+TEST_F(PlaybackFrames, MarksAndPicturesGoByRecordedTime) {
+  StoreShared(globals.timestampTicked, 1);
   StoreShared(globals.autoCaptureTicked, 1);
-  std::vector<Frame> frames;
-  for (uint32_t i = 0; i < 28; ++i) frames.push_back({1'000 + i * 5, 1'000});
-  Play(frames);  // 135 s
-  PlayToTheEnd();
-  EXPECT_EQ(LoadShared(globals.autoCaptureRequested), 0);
-  StopRun(*state_);
-  frames.push_back({1'136, 1'000});
-  Play(frames);
-  PlayToTheEnd();
-  EXPECT_EQ(LoadShared(globals.autoCaptureRequested), 1);
+  const struct {
+    uint32_t seconds;
+    uint32_t framesPerSecond;  // which share their times
+    int pictures;              // more than 135 s behind the first ping, and again
+    int32_t marks;             // one in 30 s
+  } rows[] = {{135, 1, 0, 4}, {136, 1, 1, 4},  {271, 1, 1, 9},
+              {272, 1, 2, 9}, {100, 10, 0, 3}, {100, 4, 0, 3}};
+  for (const auto& row : rows) {
+    std::vector<Frame> frames;
+    for (uint32_t i = 0; i <= row.seconds * row.framesPerSecond; ++i)
+      frames.push_back({1'000 + i / row.framesPerSecond, 1'000});
+    Play(frames);
+    int pictures = 0;
+    while (LoadShared(globals.playbackEnded) == 0) {
+      SleepMilliseconds(10);
+      pictures += ExchangeShared(globals.autoCaptureRequested, 0);
+    }
+    EXPECT_EQ(pictures, row.pictures) << row.seconds;
+    EXPECT_EQ(globals.marksA.markNumber, row.marks) << row.seconds;
+    EXPECT_EQ(globals.measuredPingInterval_ms, 1000.0f / static_cast<float>(row.framesPerSecond));
+    StopRun(*state_);
+  }
+  const auto& told = Ui().posts[static_cast<size_t>(StatusPart::position)];
+  EXPECT_NE(std::find(told.begin(), told.end(), L"Position is not available"), told.end());
 }
 
 }  // namespace

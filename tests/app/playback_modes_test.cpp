@@ -89,6 +89,7 @@ TEST_P(PlaybackModes, TheRingsShowWhatTheyShowedLive) {
   Choose(files_);
   PlayFiles(*state_);
   ASSERT_TRUE(Ui().boxes.empty());
+  EXPECT_EQ(StateOfProgram(*state_), ProgramState::playing);
   if (each.files == 1) {  // what is stepped over is shown again, where it was
     SleepMilliseconds(1'000);
     StepPlaybackBack(*state_, kBack20);
@@ -101,6 +102,17 @@ TEST_P(PlaybackModes, TheRingsShowWhatTheyShowedLive) {
   ExpectSame(liveA, PingsOfA(), "A");
   if (each.dual) ExpectSame(liveB, PingsOfB(), "B");
   EXPECT_EQ(LoadShared(globals.dualMode), each.dual ? 1 : 0);
+  EXPECT_EQ(StateOfProgram(*state_), ProgramState::paused);
+  EXPECT_EQ(state_->playbackPace, 16);
+  EXPECT_EQ(state_->playbackSpan, 320);
+  EXPECT_EQ(Ui().progress.back().position, Ui().progress.back().fileSize);
+  EXPECT_TRUE(Ui().posts[static_cast<size_t>(StatusPart::position)].back().starts_with(L"Position(3D)"));
+  StopRun(*state_);
+  EXPECT_EQ(StateOfProgram(*state_), ProgramState::idle);
+  for (const Handle* const file : {&state_->inputFileA, &state_->inputFileB})
+    EXPECT_EQ(*file, Handle::invalid);
+  for (const Handle* const worker : {&state_->fileWorkerA, &state_->fileWorkerB})
+    EXPECT_EQ(*worker, Handle::null);
 }
 
 constexpr DeviceFamily kFirst = DeviceFamily::first;
@@ -123,7 +135,7 @@ INSTANTIATE_TEST_SUITE_P(
         Case{kSecond, 6, "SecondText1000"}, Case{kSecond, 7, "SecondPsa"}, Case{kSecond, 8, "SecondAltiTemp"},
         Case{kSecond, 9, "SecondDfx"}, Case{kSecond, 10, "SecondOld"}, Case{kSecond, 100, "SecondBinary"},
         Case{kSecond, 101, "SecondCompanded"}, Case{kThird, 2, "ThirdText"}, Case{kThird, 3, "ThirdNmea"},
-        Case{kThird, 8, "ThirdAltiTemp"}),
+        Case{kThird, 8, "ThirdAltiTemp"}, Case{kThird, 100, "ThirdBinary"}),
     [](const auto& each) { return std::string(each.param.name); });
 
 }  // namespace

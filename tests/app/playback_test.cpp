@@ -2,128 +2,106 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cmath>
 #include <filesystem>
 #include <fstream>
+#include <random>
 
+#include "app/file_naming.h"
+#include "base/text_format.h"
 #include "tests/app/playback_fixture.h"
 
 namespace tw::test {
 namespace {
 
-class PlaybackOfMode : public Playback, public testing::WithParamInterface<int32_t> {};
+struct TextPing {
+  uint64_t begin;
+  uint32_t number;
+};
 
-TEST_P(PlaybackOfMode, EveryPingComesBackAsItWasSent) {
-  sim::SounderOptions options = QuickSounder();
-  options.outputMode = GetParam();
-  Record(options);
-  ASSERT_EQ(files_.size(), 1u);
-  const std::vector<Sent> played = RecordedPings(files_[0]);
-  ASSERT_GT(played.size(), 100u);
-  const bool numbered = !played[0].samples.empty() || GetParam() >= 100;
-  // The recording begins with the first ping of the run.
-  const size_t first = numbered ? played[0].ping.number - log_.pings[0].ping.number : 0;
-  ASSERT_LE(first + played.size(), log_.pings.size());
-  for (size_t i = 0; i < played.size(); ++i) {
-    const Sent& sent = log_.pings[first + i];
-    ASSERT_EQ(played[i].ping.altitude_m, sent.ping.altitude_m) << i;
-    if (numbered) {
-      ASSERT_EQ(played[i].ping.number, sent.ping.number) << i;
-    }
-    if (GetParam() != 1) {
-      ASSERT_EQ(played[i].ping.temperature_c, sent.ping.temperature_c) << i;
-    }
-    if (GetParam() == 2 || GetParam() == 4) {
-      ASSERT_EQ(played[i].samples, sent.samples) << i;
-    }
+// Found without the program's readers.
+std::vector<TextPing> PingsInText(const std::wstring& path) {
+  std::ifstream file(fs::path(path), std::ios::binary);
+  const std::string text{std::istreambuf_iterator<char>(file), {}};
+  std::vector<TextPing> pings;
+  for (size_t at = text.find("#DeviceID"); at != text.npos; at = text.find("#DeviceID", at + 1)) {
+    constexpr std::string_view kKey = "#Ping ";
+    pings.push_back(
+        {at, static_cast<uint32_t>(std::stoul(text.substr(text.find(kKey, at) + kKey.size(), 9)))});
   }
-
-  Choose({files_[0]});
-  PlayFiles(*state_);
-  ASSERT_TRUE(Ui().boxes.empty());
-  EXPECT_EQ(StateOfProgram(*state_), ProgramState::playing);
-  PlayToTheEnd();
-  EXPECT_EQ(StateOfProgram(*state_), ProgramState::paused);
-  const PingHeader newest = HeaderAt(IndexA());
-  EXPECT_EQ(newest.altitude_m, played.back().ping.altitude_m);
-  if (numbered) {
-    EXPECT_EQ(newest.ping, played.back().ping.number);
-  }
-  EXPECT_EQ(Ui().progress.back().position, Ui().progress.back().fileSize);
-  StopRun(*state_);
-  EXPECT_EQ(StateOfProgram(*state_), ProgramState::idle);
-  EXPECT_EQ(state_->inputFileA, Handle::invalid);
-  EXPECT_EQ(state_->fileWorkerA, Handle::null);
+  return pings;
 }
-
-INSTANTIATE_TEST_SUITE_P(FirstFamily, PlaybackOfMode, testing::Values(1, 2, 3, 4, 100, 101),
-                         [](const auto& mode) { return "Mode" + std::to_string(mode.param); });
 
 TEST_F(Playback, StepsBackPausesAndSeeks) {
   sim::SounderOptions options = QuickSounder();
   options.outputMode = 4;
   Record(options, 60);
-  const std::vector<Sent> pings = RecordedPings(files_[0]);
+  const std::vector<TextPing> pings = PingsInText(files_[0]);
+  ASSERT_GT(pings.size(), 500u);
+  const uint32_t first = pings.front().number;
+  const uint32_t last = pings.back().number;
+  const auto shown = [] {
+    SleepMilliseconds(50);
+    return LoadShared(globals.pingCounter);
+  };
+  // A ping is played each 16 ms and a place is kept each 20, so each second ping is one to step back to.
+  const auto expectSteps = [](uint32_t from, uint32_t to, uint32_t steps) {
+    EXPECT_GE(from, to + 2 * steps) << steps;
+    EXPECT_LE(from, to + 2 * steps + 1) << steps;
+  };
   Choose({files_[0]});
   PlayFiles(*state_);
-  const auto counter = [] { return LoadShared(globals.pingCounter); };
 
-  // At the start: fewer entries than asked for leave the first ping.
-  SleepMilliseconds(60);
-  PausePlayback(*state_);
-  SleepMilliseconds(100);
-  EXPECT_EQ(StateOfProgram(*state_), ProgramState::paused);
-  StepPlaybackBack(*state_, kBack100);
-  SleepMilliseconds(100);
-  ResumePlayback(*state_);
-  SleepMilliseconds(10);
-  EXPECT_LE(counter(), pings[0].ping.number + 1);
+  // At the start: fewer entries than asked for lead to the first ping.
+  for (const RunEvent step : {kBack20, kBack100}) {
+    SleepMilliseconds(200);
+    PausePlayback(*state_);
+    EXPECT_EQ(StateOfProgram(*state_), ProgramState::paused);
+    EXPECT_GT(shown(), first);
+    StepPlaybackBack(*state_, step);
+    EXPECT_EQ(shown(), first);
+    ResumePlayback(*state_);
+  }
 
-  // In the middle, also while paused.
-  SleepMilliseconds(4'000);
+  // In the middle, while held and not.
+  SleepMilliseconds(6'000);
   PausePlayback(*state_);
-  SleepMilliseconds(50);
-  const uint32_t middle = counter();
-  EXPECT_GT(middle, pings[0].ping.number + 100);
+  const uint32_t middle = shown();
+  EXPECT_GT(middle, first + 300);
   SleepMilliseconds(1'000);
-  EXPECT_EQ(counter(), middle) << "paused";
+  EXPECT_EQ(shown(), middle) << "held";
   StepPlaybackBack(*state_, kBack20);
-  SleepMilliseconds(50);
+  expectSteps(middle, shown(), 20);
+  StepPlaybackBack(*state_, kBack100);
+  expectSteps(middle, shown(), 120);
   ResumePlayback(*state_);
-  SleepMilliseconds(10);
-  EXPECT_LT(counter(), middle);
-  EXPECT_GT(counter() + 60, middle);
+  SleepMilliseconds(1'000);
+  const uint32_t later = LoadShared(globals.pingCounter);
+  StepPlaybackBack(*state_, kBack20);
+  EXPECT_LT(shown(), later - 20) << "while it plays";
 
   // At the end, and then from the beginning.
-  PlayToTheEnd();
-  EXPECT_EQ(counter(), pings.back().ping.number);
-  StepPlaybackBack(*state_, kBack100);
-  SleepMilliseconds(100);
-  EXPECT_LT(counter(), pings.back().ping.number);
+  for (const RunEvent step : {kBack20, kBack100}) {
+    PlayToTheEnd();
+    EXPECT_EQ(shown(), last);
+    PausePlayback(*state_);
+    StepPlaybackBack(*state_, step);
+    expectSteps(last, shown(), step == kBack20 ? 20 : 100);
+    ResumePlayback(*state_);
+  }
   PlayToTheEnd();
   ResumePlayback(*state_);
   SleepMilliseconds(10);
-  EXPECT_LE(counter(), pings[0].ping.number + 1);
+  EXPECT_LE(LoadShared(globals.pingCounter), first + 1) << "begun anew";
 
-  // The next ping after a seek is the first that begins there or behind.
-  const uint64_t size = fs::file_size(fs::path(files_[0]));
-  // Behind the start of the last ping there is none.
-  const uint64_t reach = size - size / pings.size() - 1;
-  uint64_t place = 12'345;
+  // After a seek the first ping is shown that begins there or behind.
+  PausePlayback(*state_);
+  std::mt19937_64 random(3);
   for (int i = 0; i < 200; ++i) {
-    place = (place * 6'364'136'223'846'793'005u + 1'442'695'040'888'963'407u);
-    PausePlayback(*state_);
-    SleepMilliseconds(40);
-    RequestSeek(state_->seekRequest, place % reach);
-    SleepMilliseconds(40);
-    ResumePlayback(*state_);
-    SleepMilliseconds(15);  // a held worker looks every 10
-    const double part = static_cast<double>(place % reach) / static_cast<double>(size);
-    const double expected = part * static_cast<double>(pings.size());
-    EXPECT_NEAR(counter() - pings[0].ping.number, expected, static_cast<double>(pings.size()) * 0.02 + 3)
-        << i;
-    if (state_->playbackAtEnd != 0 || LoadShared(globals.playbackEnded) != 0)
-      StoreShared(globals.playbackEnded, 0);
+    const uint64_t place = random() % (pings.back().begin + 1);
+    const auto next = std::lower_bound(pings.begin(), pings.end(), place,
+                                       [](const TextPing& ping, uint64_t at) { return ping.begin < at; });
+    RequestSeek(state_->seekRequest, place);
+    EXPECT_EQ(shown(), next->number) << place;
   }
 }
 
@@ -183,31 +161,77 @@ TEST_F(ConversionRun, BinaryBecomesSegyAndText) {
   options.outputMode = 100;
   options.samplingFrequency_hz = 100'000;
   Record(options);
-  const std::vector<Sent> pings = RecordedPings(files_[0]);
+  const std::vector<ReadPing> pings = ReadPings(files_[0]);
+  ASSERT_GT(pings.size(), 100u);
+  const fs::path records = folder_ / "TIDEWRITERR57_DATA";
+  const std::string stem = fs::path(files_[0]).stem().string();
   Choose({files_[0]});
   ConvertToSegy(*state_);
   EXPECT_EQ(StateOfProgram(*state_), ProgramState::converting);
+  HandleTimer(*state_, ID_TIMER_REPAINT);
+  EXPECT_TRUE(Ui().title.ends_with(stem + ".sgy")) << Ui().title;
   Wait();
   ExpectBox(L"Convert completed", L"Info", BoxIcon::information);
   EXPECT_EQ(StateOfProgram(*state_), ProgramState::idle);
   EXPECT_EQ(state_->segyCompanionA, Handle::invalid);
-  const std::string stem = fs::path(files_[0]).stem().string();
-  const fs::path records = folder_ / "TIDEWRITERR57_DATA";
   EXPECT_EQ(fs::file_size(records / (stem + ".sgy")),
             3'600 + pings.size() * (240 + 2 * pings[0].samples.size()));
+  HandleTimer(*state_, ID_TIMER_REPAINT);
+  EXPECT_EQ(Ui().title, kProgramTitle);
 
   Ui().boxes.clear();
   ConvertToText(*state_);
   Wait();
   ExpectBox(L"Convert completed", L"Info", BoxIcon::information);
-  const std::vector<Sent> texts = RecordedPings((records / (stem + "_txt.log")).wstring());
+  const std::vector<ReadPing> texts = ReadPings((records / (stem + "_txt.log")).wstring());
   ASSERT_EQ(texts.size(), pings.size());
   for (size_t i = 0; i < pings.size(); ++i) {
-    EXPECT_EQ(texts[i].ping.number, pings[i].ping.number);
-    EXPECT_NEAR(texts[i].ping.altitude_m, pings[i].ping.altitude_m, 0.00005);
+    EXPECT_EQ(texts[i].header.ping, pings[i].header.ping);
+    EXPECT_NEAR(texts[i].header.altitude_m, pings[i].header.altitude_m, 0.00005);
     for (size_t sample = 0; 2 * sample + 1 < pings[i].samples.size(); ++sample) {
       ASSERT_EQ(texts[i].samples[sample], pings[i].samples[2 * sample + 1]) << i << " " << sample;
     }
+  }
+}
+
+// It closes all files that are being written.
+TEST_F(ConversionRun, ClearingRecordDataEndsTheOutput) {
+  sim::SounderOptions options = QuickSounder();
+  options.outputMode = 100;
+  Record(options, 120);
+  const fs::path output = folder_ / "TIDEWRITERR57_DATA" / fs::path(files_[0]).stem().concat(".sgy");
+  Choose({files_[0]});
+  ConvertToSegy(*state_);
+  Wait();
+  const uint64_t whole = fs::file_size(output);
+  ConvertToSegy(*state_);
+  SleepMilliseconds(1);
+  ASSERT_EQ(StateOfProgram(*state_), ProgramState::converting);
+  Ui().controls[ID_RECORD].checked = false;
+  ToggleRecording(*state_);
+  Wait();
+  EXPECT_GT(fs::file_size(output), 3'600u);
+  EXPECT_LT(fs::file_size(output), whole);
+  EXPECT_EQ(state_->segyCompanionA, Handle::invalid);
+}
+
+// An older recording does not tell the sound speed that it was made with: the settings do.
+TEST_F(ConversionRun, SegyTellsTheSoundSpeedOfTheSettings) {
+  const std::string ping =
+      "#DeviceID a\r\n#NSamples 1\r\n#Sampling_Frequency,Hz 25000\r\n##DataStart\r\n7\r\n\r\n\r\n";
+  const std::string info = "INFO:1,450000,30000,0.1,20,0.0,0,15,0.14,0,150,20,0,1432.5,4\r\n";
+  const struct {
+    std::string content;
+    std::string speed;  // 1480, 1432
+  } rows[] = {{ping, "\x05\xC8"}, {info + ping, "\x05\x98"}};
+  for (const auto& row : rows) {
+    const fs::path input = folder_ / "older.log";
+    std::ofstream(input, std::ios::binary) << row.content;
+    state_->settings.soundSpeed_mps = 1480.0f;
+    Choose({input.wstring()});
+    ConvertToSegy(*state_);
+    Wait();
+    EXPECT_EQ(Content("older.sgy").substr(3'600 + 90, 2), row.speed);
   }
 }
 
@@ -227,14 +251,23 @@ TEST_F(ConversionRun, WhatCannotBeConvertedIsSaid) {
       {ConvertToText, {L"a", L"b"}, L"Select One File"},
       {ConvertToSegy, {files_[0]}, L"Cannot convert this file(s)"},
       {ConvertToText, {text.wstring()}, L"Cannot convert this file(s)"},
+      {ConvertToSegy, {(folder_ / "absent.log").wstring()}, L"absent.log  to open file."},
+      {ConvertToSegy, {text.wstring()}, L"Unable to open file."},
   };
+  WidenText(state_->workingFolder, text.string());  // where no file can be made
   for (const auto& row : rows) {
     Ui().boxes.clear();
+    Choose({files_[0]});
+    PlayFiles(*state_);
     Choose(row.files);
     row.command(*state_);
     ExpectBox(row.message, L"Error", BoxIcon::error);
-    EXPECT_EQ(StateOfProgram(*state_), ProgramState::idle);
+    // One file ends the playback, whatever becomes of it.
+    const bool plays = row.files.size() != 1;
+    EXPECT_EQ(StateOfProgram(*state_), plays ? ProgramState::playing : ProgramState::idle) << row.message;
+    EXPECT_EQ(Ui().controls[ID_STOP].enabled, plays) << row.message;
   }
+  StopRun(*state_);
 }
 
 }  // namespace

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+#include <random>
 #include <string>
 
 namespace tw {
@@ -84,6 +86,23 @@ TEST(TextScan, DoublesKeepSixDecimalsOfAPosition) {
   EXPECT_TRUE(ScanDouble(text, value));
   EXPECT_EQ(value, 12311.123456);
   EXPECT_EQ(text, ",");
+}
+
+// Of every length, with the point at every place, as the C library reads them.
+TEST(TextScan, DecimalsAreTheNearestDouble) {
+  std::minstd_rand random(5);
+  for (int run = 0; run < 20'000; ++run) {
+    std::string text = run % 2 == 0 ? "-" : "";
+    for (size_t digits = 1 + random() % 20; digits > 0; --digits)
+      text += static_cast<char>('0' + random() % 10);
+    text.insert(text.size() - random() % text.size(), ".");
+    if (text.starts_with(".-")) continue;
+    std::string_view rest = text;
+    double value = 0;
+    ASSERT_TRUE(ScanDouble(rest, value)) << text;
+    ASSERT_EQ(value, std::strtod(text.c_str(), nullptr)) << text;
+    ASSERT_EQ(rest, "") << text;
+  }
 }
 
 TEST(TextScan, OutOfRangeIsNoValueAndTooSmallIsZero) {

@@ -114,7 +114,7 @@ def text_block(p):
              '#Tx_Frequency,Hz %d' % p[4], '#Range,m %.1f' % p[3], '#OutputMode 4', '#Pitch,deg %.4f' % p[7],
              '#Roll,deg %.4f' % p[8], '#gpsLatitude,radian %.9f' % p[9], '#gpsLongitude,radian %.9f' % p[10],
              '#gpsAltitude,m %f' % p[11], '#gpsPDOP %f' % p[13], '#gpsvalid %d' % p[14], '', '####DataStart']
-    if p[2] == 100000:
+    if 100000 // PINGS[0][2] == 1:  # the first ping decides for all
         lines += ['%d' % s for s in p[15][1::2]]
     lines += ['##DataEnd']
     text = ''.join(line + '\r\n' for line in lines)

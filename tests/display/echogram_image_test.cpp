@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <limits>
+#include <utility>
 #include <vector>
 
 #include "display/kept_echogram.h"
@@ -25,8 +26,7 @@ Pixel ExpectedPixel(const PingRing& ring, const DisplayPalette& palette, int32_t
   const auto index = static_cast<size_t>(std::fmod(asUnsigned, 10'000.0));
   const double sample = std::floor(2.0 * y * range_m * 100'000.0 / (height * soundSpeed));
   const uint8_t* slot = ring.slots[index];
-  const uint32_t headerLength = LoadLe<uint32_t>(slot + 4);
-  const size_t start = (headerLength == 0 ? 88 : headerLength) + 640;
+  const size_t start = SamplesBegin(LoadLe<uint32_t>(slot + 4));
   if (sample >= 29'636 || static_cast<double>(start) + 2 * sample + 2 > 60'000) return 0;
   uint32_t amplitude = LoadLe<uint16_t>(slot + start + 2 * static_cast<size_t>(sample));
   if (amplitude > 4'095) amplitude = 4'095;
@@ -51,7 +51,7 @@ class EchogramImage : public testing::Test {
     const Canvas whole =
         RenderWith([&](const Canvas& image) { RenderEchogram(*ring_, scale, colours_, *scratch_, image); },
                    width, height);
-    EXPECT_TRUE(keptPixels == pixels_);
+    EXPECT_TRUE(keptPixels == pixels_) << "kept columns; newest " << scale.newest;
     return whole;
   }
 
@@ -142,7 +142,7 @@ TEST_F(EchogramImage, FollowsTheRulesAtEveryZoomStep) {
 }
 
 TEST_F(EchogramImage, ShowsSlotsWithOtherHeaderLengthsAndZeroedOnes) {
-  constexpr uint32_t kLengths[] = {88, 36, 0, 4'096, 89, 1'000, 88, 88, 88, 88, 88};
+  constexpr uint32_t kLengths[] = {88, 36, 35, 4'096, 89, 1'000, 0, 4'097, 0xFFFFFFFF, 88, 88, 88, 88};
   for (int32_t i = 0; i < 300; ++i) {
     FillSlot(*ring_, i, kLengths[static_cast<size_t>(i) % std::size(kLengths)], 29'636);
   }
@@ -150,34 +150,20 @@ TEST_F(EchogramImage, ShowsSlotsWithOtherHeaderLengthsAndZeroedOnes) {
   ExpectRules({250, 20, 5'000, 1'500.0f}, 150, 100);
 }
 
-TEST_F(EchogramImage, ColumnsOlderThanIndexZeroAreNotRepaired) {
-  // 10 s over 100 columns are one ping a column: column x shows slot newest - (100 - x).
-  EXPECT_EQ(SlotOfColumn(99, 100, 50, 10), 49);
-  EXPECT_EQ(SlotOfColumn(50, 100, 50, 10), 0);
-  EXPECT_EQ(SlotOfColumn(49, 100, 50, 10), 7'295);  // 4,294,967,295 modulo 10,000
-  EXPECT_EQ(SlotOfColumn(0, 100, 50, 10), 7'246);
-}
-
-struct UndrawableCase {
-  const char* what;
-  int32_t range_mm;
-  float soundSpeed_mps;
-};
-
 TEST_F(EchogramImage, IsBlackWhenTheScaleCannotBeDrawn) {
   for (int32_t i = 0; i < 200; ++i) FillSlot(*ring_, i, 88, 1'000);
-  constexpr float kInfinity = std::numeric_limits<float>::infinity();
-  constexpr UndrawableCase kScales[] = {
-      {"no range", 0, 1'500.0f},
-      {"negative range", -1, 1'500.0f},
-      {"no sound speed", 10'000, 0.0f},
-      {"negative sound speed", 10'000, -1'500.0f},
-      {"not a number", 10'000, std::numeric_limits<float>::quiet_NaN()},
-      {"infinite", 10'000, kInfinity},
+  using Speed = std::numeric_limits<float>;
+  constexpr EchogramScale kScales[] = {
+      {150, 10, 0, 1'500.0f},
+      {150, 10, -1, 1'500.0f},
+      {150, 10, 10'000, 0.0f},
+      {150, 10, 10'000, -1'500.0f},
+      {150, 10, 10'000, Speed::quiet_NaN()},
+      {150, 10, 10'000, Speed::infinity()},
   };
-  for (const UndrawableCase& c : kScales) {
-    SCOPED_TRACE(c.what);
-    const Canvas image = Render({150, 10, c.range_mm, c.soundSpeed_mps}, 40, 30);
+  for (const EchogramScale& scale : kScales) {
+    SCOPED_TRACE(testing::Message() << scale.range_mm << " mm, " << scale.soundSpeed_mps << " m/s");
+    const Canvas image = Render(scale, 40, 30);
     for (int32_t y = 0; y < 30; ++y) {
       for (int32_t x = 0; x < 40; ++x) ASSERT_EQ(image.Row(y)[x], kBlack);
     }
@@ -195,6 +181,72 @@ TEST_F(EchogramImage, SurvivesExtremeScales) {
       Render({9'999, timeScale_s, kMax, soundSpeed}, 37, 21);
     }
   }
+}
+
+// Paint after paint, each compared with a whole rendering of the same ring.
+class KeptImage : public EchogramImage {
+ protected:
+  // What a worker does: the slot's bytes change between two steps of its stamp.
+  void WritePing(int32_t index) {
+    FillSlot(*ring_, index, 88, 3'000);
+    StoreSample(ring_->slots[index], 88, random_() % 1'500, 4'000);
+    ring_->stamps[index] += 2;
+  }
+
+  std::minstd_rand random_{5};
+};
+
+TEST_F(KeptImage, FollowsPingsAcrossTheRingsEndAndBack) {
+  int32_t newest = 9'950;
+  for (int paint = 0; paint < 60; ++paint) {
+    const auto ticks = static_cast<int32_t>(random_() % 4);  // 0: the newest slot is written again
+    for (int32_t tick = 0; tick <= ticks; ++tick) WritePing((newest + tick) % kRingSlots);
+    newest = (newest + ticks) % kRingSlots;
+    Render({newest, 10, 12'000, 1'500.0f}, 77, 41);
+  }
+  for (const int32_t steps : {20, 100}) {  // back in a played file, and on with other pings
+    newest = (newest + kRingSlots - steps) % kRingSlots;
+    Render({newest, 10, 12'000, 1'500.0f}, 77, 41);
+    for (int32_t tick = 0; tick < 30; ++tick) WritePing(newest = (newest + 1) % kRingSlots);
+    Render({newest, 10, 12'000, 1'500.0f}, 77, 41);
+  }
+}
+
+TEST_F(KeptImage, ForgetsWhatWouldLookDifferent) {
+  for (int32_t i = 0; i < 400; ++i) WritePing(i);
+  constexpr EchogramScale kScales[] = {
+      {390, 10, 12'000, 1'500.0f}, {390, 30, 12'000, 1'500.0f}, {390, 30, 20'000, 1'500.0f},
+      {390, 30, 20'000, 1'480.5f}, {390, 30, 1'000, 1'480.5f},  {390, 30, 0, 1'480.5f},
+      {390, 30, 1'000, 0.0f},      {390, 10, 12'000, 1'500.0f}, {390, 10, 200'000, 1'500.0f},
+  };
+  for (const EchogramScale& scale : kScales) {
+    Render(scale, 100, 50);
+    Render(scale, 130, 50);
+    Render(scale, 130, 51);
+  }
+  Render(kScales[0], 100, 50);
+  const TestRing first = std::exchange(ring_, MakeRing());
+  for (int32_t i = 0; i < 400; ++i) WritePing(i);  // as often written as the first ring's
+  Render(kScales[0], 100, 50);
+}
+
+TEST_F(KeptImage, PaintsASlotAgainThatWasBeingWritten) {
+  for (int32_t i = 0; i < 120; ++i) WritePing(i);
+  const EchogramScale scale{110, 10, 12'000, 1'500.0f};
+  ring_->stamps[60] += 1;
+  Render(scale, 100, 40);
+  FillSlot(*ring_, 60, 36, 2'000);
+  Render(scale, 100, 40);
+  ring_->stamps[60] += 1;
+  Render(scale, 100, 40);
+}
+
+TEST_F(KeptImage, RendersAllWhenItCannotKeep) {
+  for (int32_t i = 0; i < 120; ++i) WritePing(i);
+  Render({110, 10, 12'000, 1'500.0f}, 5, kMaxKeptRows + 1);
+  Render({110, 10, 12'000, 1'500.0f}, kMaxJobs + 1, 3);
+  Render({110, 10, 12'000, 1'500.0f}, 0, 3);
+  Render({110, 10, 12'000, 1'500.0f}, 3, 0);
 }
 
 }  // namespace

@@ -48,34 +48,36 @@ TEST_F(MarksOverlay, EachTextStandsAtItsPing) {
   }
 }
 
+struct CountCase {
+  const char* what;
+  int32_t pings;
+  int32_t interval_pings;
+  int32_t pingsSinceMark;
+  float pingInterval_ms;
+  int32_t marksAtStart;
+  size_t marks;
+};
+
+constexpr CountCase kCounts[] = {
+    {"no ping yet", 0, 0, 0, 200.0f, 150, 0},
+    {"the first ping", 1, 150, 1, 200.0f, 0, 1},
+    {"two intervals", 301, 150, 1, 200.0f, 0, 3},
+    {"one ping less", 300, 150, 1, 200.0f, 0, 2},
+    {"the set interval until one is measured", 1'000, 0, 1, 200.0f, 60, 5},
+    {"the set interval reaches further back", 1'000, 0, 1, 200.0f, 300, 4},
+    {"no interval at all", 1'000, 0, 1, 200.0f, 0, 0},
+    {"older than the list", 1'490, 2'000'000'000, 2'000'000'000, 1e30f, 0, 0},
+    {"as old as the list", 1'490, 2'000'000'000, 1'490, 3e38f, 0, 1},
+    {"negative", 1'490, 150, 1, -1.0f, 0, 0},
+    {"not a number", 1'490, 150, 1, std::numeric_limits<float>::quiet_NaN(), 0, 0},
+};
+
 TEST_F(MarksOverlay, ShowsNoMoreThanTheListHolds) {
-  EXPECT_EQ(Find(200.0f, 150).count, 0u);
-  Enter(1, 150);
-  list_->pingsSinceMark = 1;
-  EXPECT_EQ(Find(200.0f).count, 1u);
-  Enter(301, 150);
-  EXPECT_EQ(Find(200.0f).count, 3u);
-  Enter(300, 150);
-  EXPECT_EQ(Find(200.0f).count, 2u);
-}
-
-TEST_F(MarksOverlay, UsesTheSetIntervalUntilOneIsMeasured) {
-  Enter(1'000, 0);
-  list_->pingsSinceMark = 1;
-  const ShownMarks shown = Find(200.0f, 60);
-  ASSERT_EQ(shown.count, 5u);
-  EXPECT_STREQ(shown.marks[1].text, "ping 940");
-  EXPECT_EQ(Find(200.0f, 0).count, 0u);
-}
-
-TEST_F(MarksOverlay, SurvivesHostileValues) {
-  Enter(1'490, 2'000'000'000);
-  list_->pingsSinceMark = 2'000'000'000;
-  EXPECT_EQ(Find(1e30f).count, 0u);
-  list_->pingsSinceMark = 1'490;
-  EXPECT_EQ(Find(3e38f).count, 1u);
-  EXPECT_EQ(Find(-1.0f).count, 0u);
-  EXPECT_EQ(Find(std::numeric_limits<float>::quiet_NaN()).count, 0u);
+  for (const CountCase& c : kCounts) {
+    Enter(c.pings, c.interval_pings);
+    list_->pingsSinceMark = c.pingsSinceMark;
+    EXPECT_EQ(Find(c.pingInterval_ms, c.marksAtStart).count, c.marks) << c.what;
+  }
 }
 
 }  // namespace

@@ -18,28 +18,15 @@ constexpr Pixel kGrid = 0x787878;
 class Panel : public testing::Test {
  protected:
   Panel() {
-    AppState& state = *state_;
-    MakeLock(state.ringLockA);
-    MakeLock(state.ringLockB);
-    state.ringA = ringA_.get();
-    state.ringB = ringB_.get();
-    state.ringIndexA = 500;
-    state.ringIndexB = 400;
-    state.inputFileA = state.inputFileB = Handle::invalid;
-    state.displayRangeUpper = 10'000;
-    state.displayRangeLower = 20'000;
-    state.timeScaleUpper = 150;
-    state.timeScaleLower = 60;
-    state.echogramEnabled = 1;
-    state.settings.soundSpeed_mps = 1'500.0f;
-    state.settings.frequencyInUse_hz = state.settings.highFrequency_hz = 447'000;
-    state.settings.lowFrequency_hz = 200'000;
-    state.settings.thresholdLow_percent = 10;
-    state.settings.thresholdHigh_percent = 30;
-    state.settings.rangeLow_mm = 50'000;
-    state.settings.rangeHigh_mm = 20;  // metres, as some firmware says
-    BuildPalette(state.palette);
     globals = Globals{};
+    FillViewState(*state_, *ringA_, *ringB_);
+    state_->ringIndexA = 500;
+    state_->ringIndexB = 400;
+    state_->displayRangeLower = 20'000;
+    state_->timeScaleLower = 60;
+    state_->settings.thresholdLow_percent = 10;
+    state_->settings.thresholdHigh_percent = 30;
+    state_->settings.rangeHigh_mm = 20;  // metres, as some firmware says
   }
   ~Panel() override {
     DestroyLock(state_->ringLockA);
@@ -61,36 +48,61 @@ class Panel : public testing::Test {
   std::vector<Pixel> pixels_;
 };
 
+struct SingleCase {
+  int32_t used_hz;
+  int32_t threshold_percent;
+  int32_t deviceRange_mm;
+};
+
 TEST_F(Panel, SingleViewFollowsTheFrequencyInUse) {
-  const PanelSource high = DescribePanel(*state_, PanelPlace::single);
-  EXPECT_EQ(high.ring, ringA_.get());
-  EXPECT_EQ(high.scale.newest, 500);
-  EXPECT_EQ(high.scale.timeScale_s, 150);
-  EXPECT_EQ(high.frequency_hz, 447'000);
-  EXPECT_EQ(high.threshold_percent, 30);
-  EXPECT_EQ(DeviceRangeOf(state_->settings, PanelPlace::single), 20'000);
-  state_->settings.frequencyInUse_hz = 200'000;
-  const PanelSource low = DescribePanel(*state_, PanelPlace::single);
-  EXPECT_EQ(low.frequency_hz, 200'000);
-  EXPECT_EQ(low.threshold_percent, 10);
-  EXPECT_EQ(DeviceRangeOf(state_->settings, PanelPlace::single), 50'000);
+  for (const SingleCase& c : {SingleCase{447'000, 30, 20'000}, SingleCase{200'000, 10, 50'000}}) {
+    SCOPED_TRACE(c.used_hz);
+    state_->settings.frequencyInUse_hz = c.used_hz;
+    const PanelSource source = DescribePanel(*state_, PanelPlace::single);
+    EXPECT_EQ(source.ring, ringA_.get());
+    EXPECT_EQ(source.scale.newest, 500);
+    EXPECT_EQ(source.scale.timeScale_s, 150);
+    EXPECT_EQ(source.frequency_hz, c.used_hz);
+    EXPECT_EQ(source.threshold_percent, c.threshold_percent);
+    EXPECT_EQ(DeviceRangeOf(state_->settings, PanelPlace::single), c.deviceRange_mm);
+  }
 }
 
+struct DualCase {
+  const char* what;
+  Handle fileA;
+  Handle fileB;
+  int32_t upperScale_s;
+  int32_t lowerScale_s;
+  int32_t upper_hz;
+  int32_t lower_hz;
+};
+
+// Live the two channels share the ping rate, so each has pings for half the time.
+constexpr DualCase kDualRuns[] = {
+    {"live", Handle::invalid, Handle::invalid, 75, 30, 447'000, 200'000},
+    {"a played pair of files", Handle{60}, Handle{64}, 150, 60, 430'000, 180'000},
+    {"a played file of both channels", Handle{60}, Handle::invalid, 150, 60, 430'000, 180'000},
+};
+
 TEST_F(Panel, DualPanelsShareThePingRateWhenLive) {
-  const PanelSource upper = DescribePanel(*state_, PanelPlace::upper);
-  EXPECT_EQ(upper.scale.timeScale_s, 75);
-  EXPECT_EQ(upper.labelledTimeScale_s, 150);
-  const PanelSource lower = DescribePanel(*state_, PanelPlace::lower);
-  EXPECT_EQ(lower.ring, ringB_.get());
-  EXPECT_EQ(lower.scale.newest, 400);
-  EXPECT_EQ(lower.scale.range_mm, 20'000);
-  EXPECT_EQ(lower.scale.timeScale_s, 30);
-  EXPECT_EQ(lower.frequency_hz, 200'000);
-  state_->inputFileB = Handle{64};
+  globals.playedFrequencyA_hz = 430'000;
   globals.playedFrequencyB_hz = 180'000;
-  const PanelSource played = DescribePanel(*state_, PanelPlace::lower);
-  EXPECT_EQ(played.scale.timeScale_s, 60);
-  EXPECT_EQ(played.frequency_hz, 180'000);
+  for (const DualCase& c : kDualRuns) {
+    SCOPED_TRACE(c.what);
+    state_->inputFileA = c.fileA;
+    state_->inputFileB = c.fileB;
+    const PanelSource upper = DescribePanel(*state_, PanelPlace::upper);
+    EXPECT_EQ(upper.scale.timeScale_s, c.upperScale_s);
+    EXPECT_EQ(upper.labelledTimeScale_s, 150);
+    EXPECT_EQ(upper.frequency_hz, c.upper_hz);
+    const PanelSource lower = DescribePanel(*state_, PanelPlace::lower);
+    EXPECT_EQ(lower.ring, ringB_.get());
+    EXPECT_EQ(lower.scale.newest, 400);
+    EXPECT_EQ(lower.scale.range_mm, 20'000);
+    EXPECT_EQ(lower.scale.timeScale_s, c.lowerScale_s);
+    EXPECT_EQ(lower.frequency_hz, c.lower_hz);
+  }
 }
 
 TEST_F(Panel, OverwritesAllOfThePanel) {
@@ -123,27 +135,61 @@ TEST_F(Panel, WithoutEchogramTheImageIsBlackAndAltitudesShowInTheMarginOnly) {
   EXPECT_EQ(At(29, 131), 0xF00A0Au);
   EXPECT_EQ(At(29, 132), kBlack);
   EXPECT_EQ(At(0, 130), kBlack);
+  EXPECT_EQ(At(29, 0), kBlack) << "no slot is empty";
   for (int32_t y = 20; y < 280; ++y) {
     for (int32_t x = 30; x < 380; ++x) ASSERT_TRUE(At(x, y) == kBlack || At(x, y) == kGrid);
   }
 }
+
+struct StatusCase {
+  const char* what;
+  bool isDual;
+  float pitch_deg;
+  int32_t attitudePresent;
+  int32_t outputMode;
+  const wchar_t* text;
+};
+
+constexpr wchar_t kSingle[] =
+    L"Time:29.02.2024 13:04:05 UTC Ping:17, Altitude:12.250m, Temperature:18.5\u00B0C";
+constexpr wchar_t kSingleAttitude[] =
+    L"Time:29.02.2024 13:04:05 UTC Ping:17, Altitude:12.250m, Temperature:18.5\u00B0C, Pitch:449.9\u00B0, "
+    L"Roll:-2.5\u00B0";
+constexpr wchar_t kDual[] =
+    L"Time:29.02.2024 13:04:05, Ping:17, AltitudeH:11.00m, AltitudeL:10.50m, Temperature:18.5\u00B0C";
+constexpr wchar_t kDualAttitude[] =
+    L"Time:29.02.2024 13:04:05, Ping:17, AltitudeH:11.00m, AltitudeL:10.50m, Temperature:18.5\u00B0C, "
+    L"Pitch:449.9\u00B0, Roll:-2.5\u00B0";
+
+constexpr StatusCase kStatus[] = {
+    {"with attitude", false, 449.9f, 1, 4, kSingleAttitude},
+    {"no attitude in this ping", false, 450.0f, 1, 4, kSingle},
+    {"no attitude in this run", false, 449.9f, 0, 4, kSingle},
+    {"dual, a mode with attitude", true, 449.9f, 0, 4, kDualAttitude},
+    {"dual, no attitude in this ping", true, 450.0f, 1, 4, kDual},
+    {"dual, another mode", true, 449.9f, 1, 5, kDual},
+    {"dual, a played binary file", true, 449.9f, 1, 102, kDual},
+};
 
 TEST_F(Panel, StatusShowsTheNewestPing) {
   uint8_t* slot = ringA_->slots[500];
   StoreLe<uint32_t>(slot + 16, 1'709'211'845);
   StoreLeFloat(slot + 48, 12.25f);
   StoreLeFloat(slot + 52, 18.5f);
-  StoreLeFloat(slot + 56, 450.0f);
+  StoreLeFloat(slot + 60, -2.5f);
   globals.pingCounter = 17;  // the program's own counter, not the number in the ping
   globals.latestAltitudeHigh_m = 11.0f;
   globals.latestAltitudeLow_m = 10.5f;
-  const PanelLayout layout = LayOutPanel(0, kWidth, kHeight, 96);
-  const PanelSource source = DescribePanel(*state_, PanelPlace::single);
-  EXPECT_STREQ(CollectStatus(*state_, source, layout, false).text,
-               L"Time:29.02.2024 13:04:05 UTC Ping:17, Altitude:12.250m, Temperature:18.5\u00B0C");
-  EXPECT_STREQ(CollectStatus(*state_, source, layout, true).text,
-               L"Time:29.02.2024 13:04:05, Ping:17, AltitudeH:11.00m, AltitudeL:10.50m, "
-               L"Temperature:18.5\u00B0C");
+  globals.deviceFamily = 1;
+  for (const StatusCase& c : kStatus) {
+    SCOPED_TRACE(c.what);
+    StoreLeFloat(slot + 56, c.pitch_deg);
+    globals.attitudePresent = c.attitudePresent;
+    state_->settings.outputMode = c.outputMode;
+    const PanelSource source = DescribePanel(*state_, PanelPlace::single);
+    const Label label = CollectStatus(*state_, source, LayOutPanel(0, kWidth, kHeight, 96), c.isDual);
+    EXPECT_STREQ(label.text, c.text);
+  }
 }
 
 TEST_F(Panel, ModesWithAttitudeInADualRun) {
@@ -156,29 +202,6 @@ TEST_F(Panel, ModesWithAttitudeInADualRun) {
   }
   EXPECT_EQ(first, "2 3 4 9 100 101 ");
   EXPECT_EQ(second, "2 3 4 5 6 10 100 101 ");
-}
-
-TEST_F(Panel, StatusDropsAttitudeAt450Degrees) {
-  uint8_t* slot = ringA_->slots[500];
-  StoreLeFloat(slot + 56, 449.9f);
-  const PanelLayout layout = LayOutPanel(0, kWidth, kHeight, 96);
-  const PanelSource source = DescribePanel(*state_, PanelPlace::single);
-  const auto hasPitch = [&](bool isDual) {
-    const std::wstring text = CollectStatus(*state_, source, layout, isDual).text;
-    return text.find(L"Pitch") != std::wstring::npos;
-  };
-  EXPECT_FALSE(hasPitch(false));
-  globals.attitudePresent = 1;
-  EXPECT_TRUE(hasPitch(false));
-  globals.deviceFamily = 1;
-  state_->settings.outputMode = 4;
-  EXPECT_TRUE(hasPitch(true));
-  state_->settings.outputMode = 5;
-  EXPECT_FALSE(hasPitch(true));
-  StoreLeFloat(slot + 56, 450.0f);
-  state_->settings.outputMode = 4;
-  EXPECT_FALSE(hasPitch(false));
-  EXPECT_FALSE(hasPitch(true));
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <memory>
 #include <vector>
 
@@ -64,34 +65,47 @@ TEST_F(Profile, PointsLieBetweenSamples) {
   }
 }
 
+struct PixelCase {
+  const char* what;
+  int32_t threshold_percent;
+  int32_t x;
+  int32_t y;
+  Pixel colour;
+};
+
+constexpr PixelCase kPixels[] = {
+    {"below the threshold", 50, 286, 40, kGrey},
+    {"the threshold over an echo", 50, 285 + 30, 120, kMarker},
+    {"above it: the palette's entry 3,000", 50, 285 + 44, 140, 0xABD700},
+    {"no echo there", 50, 285 + 44, 200, kBlack},
+    {"on the way to an echo just as strong as the threshold", 50, 310, 70, kGrey},
+    {"the threshold begins", 50, 285 + 30, 20, kMarker},
+    {"and ends", 50, 285 + 30, 220, kMarker},
+    {"not above", 50, 285 + 30, 19, kBlack},
+    {"not below", 50, 285 + 30, 221, kBlack},
+    {"the same echo below a higher threshold", 90, 285 + 44, 140, kGrey},
+    {"the weakest right of the threshold: entry 0", 0, 286, 200, 0x140028},
+};
+
 TEST_F(Profile, StrongEchoesAreColouredWeakOnesGrey) {
   uint8_t* slot = ring_->slots[3];
   for (size_t i = 50; i < 100; ++i) StoreSample(slot, 88, i, 2'047);   // x 285 + 30
   for (size_t i = 100; i < 150; ++i) StoreSample(slot, 88, i, 3'000);  // x 285 + 44
-  Draw(kScale, 50);
-  EXPECT_EQ(At(285 + 30, 120), kMarker);  // the threshold, drawn last
-  EXPECT_EQ(At(286, 40), kGrey);
-  EXPECT_EQ(At(285 + 44, 140), 0xABD700u);  // the palette's entry 3,000
-  EXPECT_EQ(At(285 + 44, 200), kBlack);
-  EXPECT_EQ(At(286, 200), kGrey);
-  EXPECT_EQ(At(285 + 30, 20), kMarker);
-  EXPECT_EQ(At(285 + 30, 220), kMarker);
-  EXPECT_EQ(At(285 + 30, 19), kBlack);
-  EXPECT_EQ(At(285 + 30, 221), kBlack);
-  Draw(kScale, 90);
-  EXPECT_EQ(At(285 + 44, 140), kGrey);
+  for (const PixelCase& c : kPixels) {
+    Draw(kScale, c.threshold_percent);
+    EXPECT_EQ(At(c.x, c.y), c.colour) << c.what;
+  }
 }
 
 TEST_F(Profile, BehindTheLastSampleItIsZero) {
-  for (size_t i = 0; i < kMaxSlotSamples; ++i) StoreSample(ring_->slots[3], 88, i, 4'095);
-  Draw({3, 10, 444'540, 1'500.0f}, 0);  // 200 rows show the samples 0 to 59,271: twice the slot
-  EXPECT_EQ(At(286 + 60, 20 + 90), 0x0000FFu << 16);
-  EXPECT_EQ(At(286 + 60, 20 + 110), kBlack);
-}
-
-TEST_F(Profile, WeakestEchoesHaveAColourRightOfTheThreshold) {
-  Draw(kScale, 0);
-  EXPECT_EQ(At(286, 200), 0x140028u);  // the palette's entry 0
+  uint8_t* slot = ring_->slots[3];
+  StoreLe<uint32_t>(slot + 4, 4'096);  // leaves room for 27,632 samples
+  for (size_t i = 0; i < 27'632; ++i) StoreSample(slot, 4'096, i, 4'095);
+  std::fill(std::begin(scratch_->amplitudes), std::end(scratch_->amplitudes), uint16_t{4'095});
+  Draw({3, 10, 444'540, 1'500.0f}, 0);  // 200 rows show the samples 0 to 59,271
+  EXPECT_EQ(At(286 + 60, 20 + 90), 0xFF0000u);
+  EXPECT_EQ(At(286 + 60, 20 + 97), kBlack);   // within a slot with a short header
+  EXPECT_EQ(At(286 + 60, 20 + 110), kBlack);  // beyond any slot
 }
 
 TEST_F(Profile, OnlyTheThresholdWhenTheScaleCannotBeDrawn) {

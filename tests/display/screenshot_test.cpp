@@ -29,22 +29,17 @@ class Screenshot : public testing::Test {
   AutomaticShots shots_{};
 };
 
-TEST_F(Screenshot, ManualShotsOfOneSecondAreOneFile) {
-  EXPECT_EQ(Name(ShotKind::manual, false, kNoon), L"20250314_120005_Dual_450kHz_ScreenShot(Manual)_1.png");
-  EXPECT_EQ(Name(ShotKind::manual, false, kNoon), L"20250314_120005_Dual_450kHz_ScreenShot(Manual)_1.png");
+TEST_F(Screenshot, NamesTellTimeKindAndNumber) {
+  constexpr ShotKind kManual = ShotKind::manual;
+  constexpr ShotKind kAuto = ShotKind::automatic;
+  EXPECT_EQ(Name(kManual, false, kNoon), L"20250314_120005_Dual_450kHz_ScreenShot(Manual)_1.png");
   EXPECT_TRUE(std::filesystem::is_directory(folder_));
-}
-
-TEST_F(Screenshot, AutomaticShotsShareTheFirstOnesTime) {
-  EXPECT_EQ(Name(ShotKind::automatic, false, kNoon), L"20250314_120005_Dual_450kHz_ScreenShot(Auto)_1.png");
-  EXPECT_EQ(Name(ShotKind::manual, false, kLater), L"20250314_120220_Dual_450kHz_ScreenShot(Manual)_1.png");
-  EXPECT_EQ(Name(ShotKind::automatic, false, kLater), L"20250314_120005_Dual_450kHz_ScreenShot(Auto)_2.png");
-}
-
-TEST_F(Screenshot, DualShotsHaveAFolderOfTheirOwn) {
-  std::filesystem::create_directory(folder_);
-  EXPECT_EQ(Name(ShotKind::manual, true, kNoon), L"ScreenShot/20250314_120005_Dual_ScreenShot(Manual)_1.png");
+  EXPECT_EQ(Name(kManual, false, kNoon), L"20250314_120005_Dual_450kHz_ScreenShot(Manual)_1.png");
+  EXPECT_EQ(Name(kAuto, false, kNoon), L"20250314_120005_Dual_450kHz_ScreenShot(Auto)_1.png");
+  EXPECT_EQ(Name(kManual, true, kLater), L"ScreenShot/20250314_120220_Dual_ScreenShot(Manual)_1.png");
   EXPECT_TRUE(std::filesystem::is_directory(folder_ / "ScreenShot"));
+  EXPECT_EQ(Name(kAuto, true, kLater), L"ScreenShot/20250314_120005_Dual_ScreenShot(Auto)_2.png");
+  EXPECT_EQ(Name(kAuto, false, kLater), L"20250314_120005_Dual_450kHz_ScreenShot(Auto)_3.png");
 }
 
 TEST_F(Screenshot, NoneWithoutAFolder) {

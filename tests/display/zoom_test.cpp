@@ -12,6 +12,7 @@ constexpr WheelTurn kOut = WheelTurn::back;
 constexpr int32_t kMax = std::numeric_limits<int32_t>::max();
 constexpr int32_t kMin = std::numeric_limits<int32_t>::min();
 
+// What the steps of the wheel are from end to end the tests of the view's window tell.
 struct RangeCase {
   const char* what;
   int32_t range_mm;
@@ -21,19 +22,12 @@ struct RangeCase {
 };
 
 constexpr RangeCase kRanges[] = {
-    {"one step in", 10'000, 50'000, kIn, 5'000},
-    {"one step out", 10'000, 50'000, kOut, 15'000},
-    {"the smallest stays", 1'000, 50'000, kIn, 1'000},
-    {"the device's range is the largest", 50'000, 50'000, kOut, 50'000},
     {"from beyond the device's range", 80'000, 50'000, kIn, 40'000},
     {"out from beyond it", 80'000, 50'000, kOut, 50'000},
     {"between two steps the nearer one counts", 11'000, 200'000, kOut, 15'000},
     {"of two equally near the first", 12'500, 200'000, kIn, 5'000},
     {"no step nearer than the device's range: the last one", 200'000, 10'000, kIn, 5'000},
     {"device range 1 m", 1'000, 1'000, kOut, 1'000},
-    {"largest of all", 150'000, 200'000, kOut, 200'000},
-    {"device range that is no step, in", 10'000, 25'000, kIn, 1'000},
-    {"device range that is no step, out", 10'000, 25'000, kOut, 1'000},
     {"device range 0", 10'000, 0, kOut, 1'000},
     {"hostile range", kMin, 20'000, kIn, 15'000},
     {"hostile range, large", kMax, 20'000, kOut, 20'000},
@@ -53,11 +47,6 @@ struct TimeCase {
 };
 
 constexpr TimeCase kTimes[] = {
-    {"there is no 90", 60, kOut, 120},
-    {"nor back", 120, kIn, 60},
-    {"from the initial scale", 150, kIn, 120},
-    {"the shortest stays", 10, kIn, 10},
-    {"the longest stays", 300, kOut, 300},
     {"90 is as near to 60 as to 120", 90, kOut, 120},
     {"far beyond", 600, kIn, 270},
     {"hostile", kMin, kOut, 300},

@@ -38,6 +38,7 @@ struct Case {
   bool dual = false;
   bool joint = false;  // a message holds both altitudes
   int files = 1;
+  bool reports = true;  // the transmit frequency, as a device with smoothing does
 };
 
 class AltimeterModes : public test::RunControlTest, public testing::WithParamInterface<Case> {
@@ -109,6 +110,8 @@ TEST_P(AltimeterModes, EveryPingReachesRingsAndFiles) {
   options.family = each.family;
   options.outputMode = each.mode;
   options.dual = each.dual;
+  options.reportsFrequency = each.reports;
+  if (!each.reports) options.smoothing = sim::Smoothing::absent;
   options.delivery_us = 1'000;
   ConnectSounder(options, &account_);
   ConnectGps({});
@@ -147,31 +150,30 @@ constexpr DeviceFamily kFirst = DeviceFamily::first;
 constexpr DeviceFamily kSecond = DeviceFamily::second;
 constexpr DeviceFamily kThird = DeviceFamily::third;
 
-INSTANTIATE_TEST_SUITE_P(Modes, AltimeterModes,
-                         testing::Values(Case{kFirst, 1, "FirstSimple", Says::altitude},
-                                         Case{kFirst, 1, "FirstSimpleDual", Says::altitude, true, false, 2},
-                                         Case{kFirst, 3, "FirstNmea", Says::attitude},
-                                         Case{kFirst, 3, "FirstNmeaDual", Says::attitude, true, false, 2},
-                                         Case{kFirst, 6, "FirstDeso", Says::altitude},
-                                         Case{kFirst, 6, "FirstDesoDual", Says::altitude, true},
-                                         Case{kFirst, 7, "FirstDualSingle", Says::temperature, false, true},
-                                         Case{kFirst, 7, "FirstDual", Says::temperature, true, true},
-                                         Case{kFirst, 8, "FirstDfx", Says::altitude, false, true},
-                                         Case{kFirst, 8, "FirstDfxDual", Says::altitude, true, true},
-                                         Case{kFirst, 9, "FirstOld", Says::altitude, false, true},
-                                         Case{kSecond, 1, "SecondSimple", Says::altitude},
-                                         Case{kSecond, 3, "SecondNmea", Says::attitude},
-                                         Case{kSecond, 7, "SecondPsa916", Says::altitude},
-                                         Case{kSecond, 8, "SecondAltiPlusTemp", Says::temperature},
-                                         Case{kSecond, 9, "SecondDfx", Says::altitude},
-                                         Case{kSecond, 10, "SecondOld", Says::altitude},
-                                         Case{kThird, 1, "ThirdSimple", Says::altitude},
-                                         Case{kThird, 3, "ThirdNmea", Says::attitude},
-                                         Case{kThird, 7, "ThirdPsa916", Says::altitude},
-                                         Case{kThird, 8, "ThirdAltiPlusTemp", Says::temperature},
-                                         Case{kThird, 9, "ThirdDfx", Says::altitude},
-                                         Case{kThird, 10, "ThirdOld", Says::altitude}),
-                         [](const auto& each) { return std::string(each.param.name); });
+INSTANTIATE_TEST_SUITE_P(
+    Modes, AltimeterModes,
+    testing::Values(
+        Case{kFirst, 1, "FirstSimple", Says::altitude},
+        Case{kFirst, 1, "FirstSimpleDual", Says::altitude, true, false, 2},
+        Case{kFirst, 1, "FirstSimpleSilent", Says::altitude, false, false, 1, false},
+        Case{kFirst, 3, "FirstNmea", Says::attitude},
+        Case{kFirst, 3, "FirstNmeaSilent", Says::attitude, false, false, 1, false},
+        Case{kFirst, 3, "FirstNmeaDual", Says::attitude, true, false, 2},
+        Case{kFirst, 6, "FirstDeso", Says::altitude}, Case{kFirst, 6, "FirstDesoDual", Says::altitude, true},
+        Case{kFirst, 7, "FirstDualSingle", Says::temperature, false, true},
+        Case{kFirst, 7, "FirstDual", Says::temperature, true, true},
+        Case{kFirst, 8, "FirstDfx", Says::altitude, false, true},
+        Case{kFirst, 8, "FirstDfxDual", Says::altitude, true, true},
+        Case{kFirst, 9, "FirstOld", Says::altitude, false, true},
+        Case{kSecond, 1, "SecondSimple", Says::altitude}, Case{kSecond, 3, "SecondNmea", Says::attitude},
+        Case{kSecond, 7, "SecondPsa916", Says::altitude},
+        Case{kSecond, 8, "SecondAltiPlusTemp", Says::temperature},
+        Case{kSecond, 9, "SecondDfx", Says::altitude}, Case{kSecond, 10, "SecondOld", Says::altitude},
+        Case{kThird, 1, "ThirdSimple", Says::altitude}, Case{kThird, 3, "ThirdNmea", Says::attitude},
+        Case{kThird, 7, "ThirdPsa916", Says::altitude},
+        Case{kThird, 8, "ThirdAltiPlusTemp", Says::temperature}, Case{kThird, 9, "ThirdDfx", Says::altitude},
+        Case{kThird, 10, "ThirdOld", Says::altitude}),
+    [](const auto& each) { return std::string(each.param.name); });
 
 }  // namespace
 }  // namespace tw

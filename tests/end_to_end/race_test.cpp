@@ -1,35 +1,31 @@
-// The whole program but its window on the real clock, against echosim on pseudo terminals: acquisition, GPS
-// and painting at once, workers restarted every second, the run stopped and started every six. What the race
-// detector says is the result; the rest shows that there was something to race for.
+// The whole program but its window on the real clock. Against echosim on pseudo terminals: acquisition, GPS
+// and painting at once, workers restarted every second, the run stopped and started every six. Then a pair of
+// recordings, played and steered while the view paints. What the race detector says is the result; the rest
+// shows that there was something to race for.
 #include <gtest/gtest.h>
-#include <signal.h>
-#include <spawn.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <chrono>
 #include <filesystem>
+#include <fstream>
+#include <random>
 #include <string>
 #include <thread>
 #include <vector>
 
+#include "acquisition/echo_frame.h"
 #include "acquisition/echo_text_worker.h"
 #include "acquisition/time_marks.h"
 #include "app/control_ids.h"
+#include "app/playback_control.h"
 #include "app/run_control.h"
-#include "app/start_up.h"
 #include "app/worker_control.h"
 #include "base/shared_value.h"
 #include "display/panel.h"
 #include "platform/clock.h"
 #include "platform/host/documents_folder.h"
-#include "platform/host/memory_registry.h"
 #include "platform/host/serial_peer.h"
 #include "platform/thread.h"
-#include "tests/app/recording_ui.h"
-#include "tests/app/test_folder.h"
-
-extern char** environ;
+#include "tests/end_to_end/simulator_process.h"
 
 namespace tw::test {
 namespace {
@@ -40,35 +36,6 @@ using std::chrono::seconds;
 
 constexpr seconds kLength{60};
 constexpr milliseconds kFrame{50};
-
-// echosim as a process of its own, for as long as the object lives.
-class SimulatorProcess {
- public:
-  SimulatorProcess(const std::filesystem::path& sounder, const std::filesystem::path& gps) {
-    std::vector<std::string> words{TW_ECHOSIM,  "--link",      sounder,  "--gps-link", gps,
-                                   "--samples", "400",         "--rate", "25",         "--mode",
-                                   "4",         "--speed",     "921600", "--dual",     "--gps-rate",
-                                   "10",        "--gps-speed", "115200"};
-    std::vector<char*> arguments;
-    for (std::string& word : words) arguments.push_back(word.data());
-    arguments.push_back(nullptr);
-    EXPECT_EQ(posix_spawn(&process_, TW_ECHOSIM, nullptr, nullptr, arguments.data(), environ), 0);
-    const auto deadline = Clock::now() + seconds(20);
-    while (!(std::filesystem::exists(sounder) && std::filesystem::exists(gps)) && Clock::now() < deadline) {
-      std::this_thread::sleep_for(milliseconds(10));
-    }
-  }
-  ~SimulatorProcess() {
-    kill(process_, SIGTERM);
-    int status = 0;
-    EXPECT_EQ(waitpid(process_, &status, 0), process_);
-  }
-  SimulatorProcess(const SimulatorProcess&) = delete;
-  SimulatorProcess& operator=(const SimulatorProcess&) = delete;
-
- private:
-  pid_t process_ = -1;
-};
 
 // What the view does: both panels, the status line and the marks, from what the workers leave.
 class Painter {
@@ -101,25 +68,6 @@ class Painter {
   int frames_ = 0;
 };
 
-AppState& StartedProgram(const TestFolder& folder) {
-  SetDocumentsFolder(folder.Path().c_str());
-  ClearRegistry();
-  DetachSerialLines();
-  SetSerialLineList({L"COM5", L"COM6"});
-  AttachTerminal(L"\\\\.\\COM5", (folder.Path() / "sounder").c_str());
-  AttachTerminal(L"\\\\.\\COM6", (folder.Path() / "gps").c_str());
-  ResetUi();
-  AppState& state = *AllocateState();
-  StartUp(state);
-  state.initialised = 1;
-  Ui().Choose(ID_DEVICE_PORT, L"COM5");
-  Ui().Choose(ID_DEVICE_SPEED, L"921600");
-  Ui().Choose(ID_GPS_PORT, L"COM6");
-  Ui().Choose(ID_GPS_SPEED, L"115200");
-  StoreShared(globals.timestampTicked, 1);
-  return state;
-}
-
 // A second of the window's life: frames and the timers that come with them.
 void Live(AppState& state, Painter& painter) {
   for (const auto end = Clock::now() + seconds(1); Clock::now() < end;) {
@@ -145,8 +93,11 @@ void RestartWorker(AppState& state) {
 
 TEST(Race, WorkersRestartWhileTheViewPaints) {
   const TestFolder folder;
-  const SimulatorProcess simulator(folder.Path() / "sounder", folder.Path() / "gps");
-  AppState& state = StartedProgram(folder);
+  const SimulatorProcess simulator(TW_ECHOSIM, folder,
+                                   {"--samples", "400", "--rate", "25", "--mode", "4", "--speed", "921600",
+                                    "--dual", "--gps-rate", "10", "--gps-speed", "115200"});
+  AppState& state = StartedProgram(folder, L"921600", L"115200");
+  StoreShared(globals.timestampTicked, 1);
   Painter painter(state);
   int starts = 0;
   int restarts = 0;
@@ -172,6 +123,88 @@ TEST(Race, WorkersRestartWhileTheViewPaints) {
   std::printf("%d starts, %d restarts, %d frames\n", starts, restarts, painter.Frames());
   // As in the program, where a worker may outlive its Stop, the state record stays.
   DetachSerialLines();
+  SetDocumentsFolder(nullptr);
+}
+
+// Ten frames a second for two minutes.
+std::wstring WriteRecording(const TestFolder& folder, int32_t frequency_hz) {
+  const auto path =
+      folder.Path() / ("20250314_093005_Dual_" + std::to_string(frequency_hz / 1000) + "kHz.log");
+  std::ofstream file(path, std::ios::binary);
+  const std::vector<uint16_t> samples(400, 1'000);
+  std::vector<uint8_t> bytes(frame::kWrittenHeaderLength + 2 * samples.size());
+  for (uint32_t i = 0; i < 1'200; ++i) {
+    PingHeader header{};
+    header.ping = i + 1;
+    header.timeOfWork_s = 1'700'000'000 + i / 10;
+    header.samplingFrequency_hz = 25'000;
+    header.sampleCount = static_cast<uint32_t>(samples.size());
+    header.txFrequency_hz = frequency_hz;
+    header.altitude_m = 1.0f;
+    const size_t size = LayOutEchoFrame(header, samples, bytes.data());
+    file.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(size));
+  }
+  return path.wstring();
+}
+
+// One thing that an operator does during a playback, whichever it is.
+void SteerAnyhow(AppState& state, uint64_t choice, uint64_t place) {
+  switch (choice % 6) {
+    case 0:
+      return PausePlayback(state);
+    case 1:
+      return ResumePlayback(state);
+    case 2:
+      return StepPlaybackBack(state, kBack20);
+    case 3:
+      return StepPlaybackBack(state, kBack100);
+    default:
+      return RequestSeek(state.seekRequest, place);
+  }
+}
+
+TEST(Race, PlaybackIsSteeredWhileTheViewPaints) {
+  constexpr seconds kPlayed{20};
+  constexpr milliseconds kGesture{15};
+  const TestFolder folder;
+  AppState& state = StartedProgram(folder, L"921600", L"4800");
+  Painter painter(state);
+  const std::vector<std::wstring> pair = {WriteRecording(folder, 450'000), WriteRecording(folder, 200'000)};
+  const uint64_t size = std::filesystem::file_size(pair[0]);
+  std::mt19937_64 random(1);
+  int playbacks = 0;
+  int pairs = 0;
+  for (const auto end = Clock::now() + kPlayed; Clock::now() < end; ++playbacks) {
+    Ui().chosenFiles = playbacks % 4 == 3 ? std::vector{pair[1]} : pair;
+    PlayFiles(state);
+    ASSERT_EQ(state.playbackActive, 1) << playbacks;
+    for (int i = 0; i < 40; ++i) {
+      painter.Paint();
+      HandleTimer(state, ID_TIMER_REPAINT);
+      if (i % 10 == 0) HandleTimer(state, ID_TIMER_PLAYBACK_END);
+      SteerAnyhow(state, random(), random() % size);
+      std::this_thread::sleep_for(kGesture);
+    }
+    pairs += LoadShared(globals.playedFrequencyB_hz) != 0 ? 1 : 0;
+    switch (playbacks % 3) {
+      case 0:
+        StopRun(state);
+        break;
+      case 1:
+        Ui().chosenFiles = {pair[0]};
+        playbacks % 2 == 0 ? ConvertToSegy(state) : ConvertToText(state);
+        painter.Paint();
+        break;
+      default:  // the next one ends it
+        break;
+    }
+  }
+  StopRun(state);
+  EXPECT_TRUE(Ui().boxes.empty());
+  EXPECT_GE(playbacks, 3);
+  EXPECT_GT(painter.Frames(), 50);
+  EXPECT_GE(pairs, 1);
+  std::printf("%d playbacks, %d of pairs, %d frames\n", playbacks, pairs, painter.Frames());
   SetDocumentsFolder(nullptr);
 }
 

@@ -99,6 +99,9 @@ TEST(NmeaBuild, WhatDoesNotFitIsNoSentence) {
   for (size_t size = 0; size <= whole.size(); ++size) {
     EXPECT_EQ(Build(BuildGga, Munich(), false, size), "") << size;
   }
+  GpsFix huge = Munich();
+  huge.latitude = huge.longitude = huge.hdop = huge.elevation_m = huge.speed_kmh = huge.direction_deg = 1e300;
+  for (const Builder builder : {BuildGga, BuildRmc}) EXPECT_EQ(Build(builder, huge, true), "");
 }
 
 }  // namespace

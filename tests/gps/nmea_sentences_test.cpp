@@ -187,6 +187,8 @@ TEST_F(NmeaSentences, RefusedOnes) {
       {"GPGSV,1,1,-1", "GPGSV parse error!"},
       {"GPRMC,123519,A,4807.038,N,01131.000,E,022.4,084.4,230394,003.1", "GPRMC parse error!"},
       {"GPRMC,123519,A,4807.038,N,01131.000,E,022.4,084.4,231394,003.1,W", "GPRMC parse error!"},
+      {"GPRMC,123519,A,4807.038,N,01131.000,E,022.4,084.4,230094,003.1,W", "GPRMC parse error!"},
+      {"GPGGA,123519,1e38,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,", "GPGGA parse error!"},
       {"GPRMC,123519,A,4807.038,N,01131.000,E,022.4,084.4,320394,003.1,W", "GPRMC parse error!"},
       {"GNRMC,123519,A,4807.038,N,01131.000,E,022.4,084.4,2303,003.1,W", "GNRMC parse error!"},
       {"GNRMC,1235,A,4807.038,N,01131.000,E,022.4,084.4,230394,003.1,W", "GNRMC time parse error!"},

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <limits>
 #include <numbers>
 #include <string>
@@ -25,6 +26,7 @@ TEST(PositionText, DegreesAndMinutesToRadians) {
   EXPECT_NEAR(RadiansFromDegreesMinutes(18000), std::numbers::pi, 1e-12);
   EXPECT_NEAR(RadiansFromDegreesMinutes(0.6), 0.01 * std::numbers::pi / 180, 1e-12);
   EXPECT_EQ(RadiansFromDegreesMinutes(0), 0);
+  EXPECT_TRUE(std::isfinite(RadiansFromDegreesMinutes(1e38))) << "degrees beyond any integer";
 }
 
 TEST(PositionText, WholeTexts) {
@@ -32,6 +34,7 @@ TEST(PositionText, WholeTexts) {
             L"Position(3D):  28\u00b0 38.8734\u2032 N, 128\u00b0 54.9302\u2032 W, PDOP:  1.9 (Excellent)");
   EXPECT_EQ(Text({.fixType = 1, .latitude_rad = 0, .longitude_rad = 0, .pdop = 0}),
             L"Position(N/A):   0\u00b0 00.0000\u2032 S,   0\u00b0 00.0000\u2032 W, PDOP:  0.0 (N/A)");
+  EXPECT_TRUE(Text({3, 0, 0, 0.99f}).ends_with(L"PDOP:  1.0 (Ideal)"));
 }
 
 TEST(PositionText, FixTypeWords) {

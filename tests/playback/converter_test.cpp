@@ -186,17 +186,6 @@ TEST_F(SegyConversion, LongerThanTheLengthField) {
   EXPECT_EQ(Long(bytes, TraceByte(240 + 2 * 32'767 + 5)), 2);
 }
 
-TEST_F(Conversion, NothingMoreAfterAFailedWrite) {
-  OutputFile output(Handle::invalid);
-  TextConverter converter(output);
-  const std::vector<Ping> pings = GoldenPings();
-  EXPECT_TRUE(converter.Append(pings[0].header, pings[0].samples)) << "stands in the buffer";
-  EXPECT_FALSE(output.Flush());
-  EXPECT_FALSE(converter.Append(pings[1].header, pings[1].samples));
-  EXPECT_TRUE(output.Failed());
-  EXPECT_EQ(output.Size(), 0u);
-}
-
 TEST_F(TextConversion, PositionLines) {
   const struct {
     const char* what;

@@ -116,15 +116,5 @@ TEST(Detection, NothingThatIsKnown) {
   for (const std::string& start : rows) EXPECT_FALSE(Detect(start)) << start.substr(0, 20);
 }
 
-// A line cut short is no line: what is left of it is judged like any other start.
-TEST(Detection, TruncatedAtEveryLength) {
-  const std::string line = Info(1, 6);
-  for (size_t size = 0; size <= line.size(); ++size) {
-    const auto told = Detect(line.substr(0, size));
-    EXPECT_TRUE(!told || (told->info && told->family == 1)) << size;
-  }
-  EXPECT_TRUE(Detect(line));
-}
-
 }  // namespace
 }  // namespace tw

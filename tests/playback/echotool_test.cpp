@@ -24,7 +24,7 @@ class Work : public testing::Test {
     Options options;
     options.task = task;
     options.folder = folder;
-    return WorkOn(file.string(), options, interrupted_);
+    return WorkOn(file.string(), options, interrupted_, outputs_);
   }
   fs::path Copy(const char* name) {
     const fs::path to = folder_.Path() / name;
@@ -38,6 +38,7 @@ class Work : public testing::Test {
 
   test::TestFolder folder_;
   std::atomic<bool> interrupted_ = false;
+  Outputs outputs_;
 };
 
 TEST_F(Work, OutputsStandBesideTheirInputsUnderTheProgramsNames) {
@@ -61,15 +62,44 @@ TEST_F(Work, OutputsStandBesideTheirInputsUnderTheProgramsNames) {
   EXPECT_EQ(Files(), 5u) << "and nothing else";
 }
 
+TEST_F(Work, WhatARecordingDoesNotTellIsLeftOut) {
+  const fs::path recording = folder_.Path() / "lines.log";
+  const std::string info = "INFO:1,450000,30000,0.1,20,0.0,0,15,0.14,0,150,20,0,1500.0,1\r\n";
+  const std::string inEurope = "$GPGGA,123519.00,4830.0000,N,01130.0000,E,1,08,0.9,545.4,M,46.9,M,,*67\r\n";
+  const std::string nowhere = "$GPGGA,123519.00,9830.0000,N,01130.0000,E,1,08,0.9,545.4,M,46.9,M,,*6A\r\n";
+  const struct {
+    const char* what;
+    std::string content;
+    const char* row;  // of the table, the last
+    const char* placemark;
+  } rows[] = {
+      {"no position, no time", "Alt : 1.5\r\n", "\r\n,1,,,1.500,0.00,,\r\n",
+       "</Style>\n</Document>\n</kml>\n"},
+      {"one place", "Alt : 1.5\r\n" + inEurope, "\r\n,1,48.50000000,11.50000000,1.500,0.00,,\r\n",
+       "<Point>\n<coordinates>\n11.50000000,48.50000000\n</coordinates>\n</Point>"},
+      {"a place beyond the pole", "Alt : 1.5\r\n" + nowhere, "", "</Style>\n</Document>\n</kml>\n"},
+  };
+  for (const auto& row : rows) {
+    std::ofstream(recording, std::ios::binary) << info + row.content;
+    EXPECT_TRUE(Do(Task::csv, recording, folder_.Path().string()).done);
+    EXPECT_TRUE(Contents(folder_.Path() / "lines.csv").ends_with(row.row)) << row.what;
+    EXPECT_TRUE(Do(Task::kml, recording).done);
+    EXPECT_NE(Contents(folder_.Path() / "lines.kml").find(row.placemark), std::string::npos) << row.what;
+    outputs_.clear();
+  }
+}
+
 // The text of a binary recording holds the same pings.
 TEST_F(Work, TextTellsTheSameAsTheBinaryItWasMadeOf) {
   const Result binary = Do(Task::info, fs::path(TW_TEST_DATA) / "three_pings.log");
   const Result text = Do(Task::info, fs::path(TW_TEST_DATA) / "three_pings_txt.log");
   ASSERT_TRUE(binary.done && text.done);
+  EXPECT_NE(binary.text.find("output mode   100 or 101 Echo Bin\n"), std::string::npos) << binary.text;
+  EXPECT_NE(text.text.find("output mode   4 Echo Txt 12bit\n"), std::string::npos) << text.text;
   const auto from = [](const std::string& report) { return report.substr(report.find("  pings")); };
   const auto upTo = [](const std::string& report) { return report.substr(0, report.find("  damaged")); };
   EXPECT_EQ(upTo(from(binary.text)), upTo(from(text.text)));
-  EXPECT_NE(text.text.find("damaged       0 of 1262 bytes"), std::string::npos) << text.text;
+  EXPECT_NE(text.text.find("damaged       0 of 1268 bytes"), std::string::npos) << text.text;
 }
 
 TEST_F(Work, WhatCannotBeDoneLeavesNothing) {
@@ -77,6 +107,11 @@ TEST_F(Work, WhatCannotBeDoneLeavesNothing) {
   const fs::path text = Copy("three_pings_txt.log");
   const fs::path other = folder_.Path() / "other.log";
   std::ofstream(other) << "no recording";
+  const fs::path named = folder_.Path() / "a.csv";
+  fs::copy_file(recording, named);
+  const fs::path twin = folder_.Path() / "three_pings.bin";
+  fs::copy_file(recording, twin);
+  ASSERT_TRUE(Do(Task::kml, recording).done);
   const size_t files = Files();
   const struct {
     Task task;
@@ -88,6 +123,8 @@ TEST_F(Work, WhatCannotBeDoneLeavesNothing) {
       {Task::segy, other, "", "is no recording of a known kind"},
       {Task::text, text, "", "is text already"},
       {Task::segy, recording, (folder_.Path() / "absent").string(), "cannot be made"},
+      {Task::csv, named, (folder_.Path() / ".").string(), "the output would replace it"},
+      {Task::kml, twin, (folder_.Path() / ".").string(), "has just been made of another recording"},
   };
   for (const auto& row : rows) {
     const Result result = Do(row.task, row.file, row.folder);
@@ -104,23 +141,6 @@ TEST_F(Work, AnInterruptionLeavesTheOlderOutput) {
   EXPECT_FALSE(Do(Task::segy, recording).done);
   EXPECT_EQ(Contents(folder_.Path() / "three_pings.sgy"), "older");
   EXPECT_EQ(Files(), 2u);
-}
-
-// Cut anywhere, the whole pings in front of the cut are there and the rest counts as damage.
-TEST_F(Work, TruncatedAtEveryLength) {
-  const std::string whole = Contents(fs::path(TW_TEST_DATA) / "three_pings.log");
-  const fs::path cut = folder_.Path() / "cut.log";
-  for (size_t size = 0; size < whole.size(); ++size) {
-    std::ofstream(cut, std::ios::binary) << whole.substr(0, size);
-    const Result result = Do(Task::info, cut);
-    EXPECT_EQ(result.done, size >= 100) << size;  // the first ping: 88 bytes and six samples
-    if (!result.done) continue;
-    const size_t pings = size < 100 + 94 ? 1 : 2;
-    EXPECT_NE(result.text.find("pings         " + std::to_string(pings)), std::string::npos) << result.text;
-    const size_t skipped = size - (pings == 1 ? 100 : 194);
-    EXPECT_NE(result.text.find("damaged       " + std::to_string(skipped) + " of"), std::string::npos)
-        << result.text;
-  }
 }
 
 TEST(Options, AreRead) {

@@ -45,16 +45,6 @@ TEST(History, Steps) {
   }
 }
 
-TEST(History, StepsOneAfterTheOtherAndOnFromThere) {
-  PlaybackHistory history = Filled(100);
-  EXPECT_EQ(history.StepBack(20)->position, 7'900u);
-  EXPECT_EQ(history.StepBack(20)->position, 5'900u);
-  history.Add(Place(59));  // the place stepped to is played again: no new entry
-  EXPECT_EQ(history.Size(), 60u);
-  history.Add(Place(60));
-  EXPECT_EQ(history.StepBack(1)->position, 5'900u);
-}
-
 TEST(History, StepsToATime) {
   const struct {
     int64_t time_ms;

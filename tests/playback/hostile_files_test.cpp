@@ -43,6 +43,8 @@ void Write(const fs::path& path, std::string_view bytes) {
 struct Outcome {
   RecordingFault fault = RecordingFault::none;
   std::vector<std::string> pings;
+  std::vector<size_t> ends;  // of the pings
+  uint64_t skipped = 0;
   std::string segy;
   std::string text;
 };
@@ -76,11 +78,13 @@ class HostileFiles : public RunControlTest {
     TextConverter text(textOutput);
     for (RecordedPing ping{}; recording->Next(ping);) {
       outcome.pings.push_back(Identity(ping));
+      outcome.ends.push_back(recording->Position());
       EXPECT_TRUE(segy.Append(ping.header, ping.samples));
       EXPECT_TRUE(text.Append(ping.header, ping.samples));
       EXPECT_LE(recording->Position(), recording->Size());
     }
-    EXPECT_LE(recording->Skipped(), recording->Size());
+    outcome.skipped = recording->Skipped();
+    EXPECT_LE(outcome.skipped, recording->Size());
     EXPECT_FALSE(outcome.pings.empty());
     EXPECT_TRUE(segyOutput.Flush() && textOutput.Flush());
     CloseFile(segyFile);
@@ -94,6 +98,8 @@ class HostileFiles : public RunControlTest {
   void ExpectFirstPings(const Outcome& whole, const Outcome& cut, size_t size) {
     if (cut.fault == RecordingFault::none) {
       EXPECT_TRUE(Begins(whole.pings, cut.pings)) << "cut at " << size;
+      EXPECT_EQ(whole.skipped, 0u) << "nothing of a sound recording is damage";
+      EXPECT_EQ(cut.skipped, size - std::min(size, whole.ends[cut.pings.size() - 1])) << "cut at " << size;
       EXPECT_TRUE(Begins(whole.segy, cut.segy)) << "cut at " << size;
       EXPECT_TRUE(Begins(whole.text, cut.text)) << "cut at " << size;
     } else {
@@ -151,7 +157,8 @@ class HostileFiles : public RunControlTest {
     echotool::Options options;
     options.task = task;
     if (task != Task::info) options.folder = outputs.string();
-    const echotool::Result result = echotool::WorkOn(path.string(), options, interrupted_);
+    echotool::Outputs made;
+    const echotool::Result result = echotool::WorkOn(path.string(), options, interrupted_, made);
     const auto files = std::distance(fs::directory_iterator(outputs), fs::directory_iterator());
     EXPECT_EQ(files, result.done && task != Task::info ? 1 : 0) << result.text;
     return result.done;

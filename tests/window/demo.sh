@@ -38,23 +38,10 @@ start_button=(50 154)
 stop_button=(140 154)
 echogram=(500 400)
 
-# The program's choices for this run. Drive R: is build/run, so that the folder's name is short.
+# Drive R: is build/run, so that the working folder's name is short.
 store_choices() {
-  local gps_port=ffffffff
-  [ -z "$gps" ] || gps_port=00000006
   ln -sfn "$run" "$WINEPREFIX/dosdevices/r:"
-  cat >"$session_scratch/choices.reg" <<EOF
-REGEDIT4
-
-[HKEY_CURRENT_USER\\Software\\Brin Ultrasonics\\EchoSounderControlProgram\\Settings]
-"DeviceCOMPort"=dword:00000005
-"DeviceCOMSpeed"=dword:000e1000
-"GPSCOMPort"=dword:$gps_port
-"GPSCOMSpeed"=dword:000012c0
-"WorkingFolder"="R:\\\\records"
-"Recording"=dword:00000001
-EOF
-  wine regedit /S "$(winepath -w "$session_scratch/choices.reg" 2>/dev/null)" >/dev/null 2>&1 8>&-
+  if [ -n "$gps" ]; then session_choices 'R:\records'; else session_choices 'R:\records' ffffffff; fi
 }
 
 program_pid=
@@ -75,13 +62,7 @@ until_true() {
   done
 }
 
-window=
-find_window() {
-  window=$(xdotool search --onlyvisible --name '^Tidewriter Echosounder' 2>/dev/null | head -n 1)
-  [ -n "$window" ]
-}
-
-point_at() { xdotool mousemove --window "$window" "$@"; }
+point_at() { xdotool mousemove --window "$session_window" "$@"; }
 click_at() { point_at "$@" && sleep 0.2 && xdotool click 1; }
 
 sent_pings() { grep -c ' whole' "$log" 2>/dev/null || true; }
@@ -119,13 +100,13 @@ list_records() {
 }
 
 close_program() {
-  xdotool windowfocus "$window" key alt+F4
+  xdotool windowfocus "$session_window" key alt+F4
   until_true 10 eval '! runs' || ! runs || { kill "$program_pid"; return 1; }
 }
 
 watch_by_itself() {
-  until_true 60 find_window || session_fail "the program shows no window"
-  xdotool windowfocus "$window"
+  until_true 60 session_find_window || session_fail "the program shows no window"
+  xdotool windowfocus "$session_window"
   say "Pressing Start"
   click_at "${start_button[@]}"
   until_true 60 has_sent 1 || session_fail "the echosounder was not started"
@@ -137,7 +118,7 @@ watch_by_itself() {
     until_true 60 has_sent 200 || session_fail "only $(sent_pings) pings in 60 s"
   fi
   zoom_time_scale
-  import -window "$window" "$run/window.png"
+  import -window "$session_window" "$run/window.png"
   say "The window: build/run/window.png"
   click_at "${stop_button[@]}"
   sleep 1

@@ -11,6 +11,7 @@ session_scratch=$(mktemp -d)
 session_display_pid=
 session_instruments_pid=
 session_alone=
+session_window=
 
 session_fail() {
   echo "${0##*/}: $*" >&2
@@ -125,6 +126,29 @@ session_instruments() {
   done
   cat "$session_scratch/instruments" >&2
   session_fail "no instruments"
+}
+
+# session_choices FOLDER [GPS_PORT]: what the program finds stored: the instruments' ports, GPS on COM6 unless it is
+# said otherwise (ffffffff is none), the working folder as a Windows path, and recording on.
+session_choices() {
+  cat >"$session_scratch/choices.reg" <<EOF
+REGEDIT4
+
+[HKEY_CURRENT_USER\\Software\\Brin Ultrasonics\\EchoSounderControlProgram\\Settings]
+"DeviceCOMPort"=dword:00000005
+"DeviceCOMSpeed"=dword:000e1000
+"GPSCOMPort"=dword:${2:-00000006}
+"GPSCOMSpeed"=dword:000012c0
+"WorkingFolder"="${1//\\/\\\\}"
+"Recording"=dword:00000001
+EOF
+  wine regedit /S "$(winepath -w "$session_scratch/choices.reg" 2>/dev/null)" >/dev/null 2>&1 8>&-
+}
+
+# session_find_window: the program's main window, once it is shown, for xdotool.
+session_find_window() {
+  session_window=$(xdotool search --onlyvisible --name '^Tidewriter Echosounder' 2>/dev/null | head -n 1)
+  [ -n "$session_window" ]
 }
 
 # session_instruments_end: lets them write their report, which is then in $session_scratch/instruments.

@@ -30,10 +30,10 @@ void ProgressBar::Show(uint64_t position) {
   const int percent = static_cast<int>(position >= size_ ? 100 : position / (size_ / 100 + 1));
   if (percent == shown_) return;
   shown_ = percent;
-  constexpr int kWidth = 40;
+  constexpr int kWidth = 20;  // with a long name all fits into 80 columns
   const int full = percent * kWidth / 100;
-  std::fprintf(stderr, "\r%s [%.*s%*s] %3d %%", label_.c_str(), full,
-               "########################################", kWidth - full, "", percent);
+  std::fprintf(stderr, "\r%.48s [%.*s%*s] %3d %%", label_.c_str(), full, "####################",
+               kWidth - full, "", percent);
   std::fflush(stderr);
 }
 

@@ -38,15 +38,20 @@ int Run(const std::vector<std::string>& arguments) {
   std::signal(SIGINT, Interrupt);
   std::signal(SIGTERM, Interrupt);
   bool failed = false;
+  Outputs outputs;
   for (const std::string& file : options.files) {
-    const Result result = WorkOn(file, options, interrupted);
+    const Result result = WorkOn(file, options, interrupted, outputs);
     if (result.done) {
-      std::fputs(result.text.c_str(), stdout);
+      failed = std::fputs(result.text.c_str(), stdout) < 0 || failed;
     } else {
       std::fprintf(stderr, "echotool: %s\n", result.text.c_str());
       failed = true;
     }
     if (interrupted.load()) return kInterrupted;
+  }
+  if (std::fflush(stdout) != 0) {
+    std::fputs("echotool: standard output cannot be written\n", stderr);
+    failed = true;
   }
   return failed ? kFailed : kDone;
 }
@@ -55,6 +60,11 @@ int Run(const std::vector<std::string>& arguments) {
 }  // namespace tw::echotool
 
 #ifdef _WIN32
+// The start-up code then expands wildcards, which the shells of Windows leave to the programs.
+extern "C" {
+int _dowildcard = -1;
+}
+
 int wmain(int count, wchar_t** words) {
   std::vector<std::string> arguments;
   for (int i = 1; i < count; ++i) {

@@ -29,9 +29,10 @@ std::string TimeText(double seconds) {
 }
 
 std::string ModeText(const RecordingKind& kind) {
-  char text[128];
-  NarrowText(text, NameOfMode(kind.family, kind.outputMode));
-  return text;
+  if (kind.outputMode == kPlayedBinary) return "100 or 101 Echo Bin";  // one form in the file
+  char name[128];
+  NarrowText(name, NameOfMode(kind.family, kind.outputMode));
+  return std::to_string(kind.outputMode) + " " + name;
 }
 
 constexpr double kDegrees = 180.0 / std::numbers::pi;
@@ -62,7 +63,7 @@ std::string Summary::Text(const PingSource& recording) const {
   std::string out;
   Line(out, "kind", "%s", kind.name);
   Line(out, "device family", "%" PRId32, kind.family);
-  Line(out, "output mode", "%" PRId32 " %s", kind.outputMode, ModeText(kind).c_str());
+  Line(out, "output mode", "%s", ModeText(kind).c_str());
   Line(out, "channels", "%" PRId32, kind.channels);
   if (channelPings_[1] != 0) {
     Line(out, "pings", "%" PRIu64 " and %" PRIu64 ", numbers %" PRIu32 " to %" PRIu32, channelPings_[0],

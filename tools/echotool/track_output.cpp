@@ -25,14 +25,20 @@ double Degrees(double radians) {
   return radians * (180.0 / std::numbers::pi);
 }
 
+// Not for what is no number.
+bool IsOnEarth(double latitude_deg, double longitude_deg) {
+  return std::fabs(latitude_deg) <= 90.0 && std::fabs(longitude_deg) <= 180.0;
+}
+
 // A row of comma-separated values that grows field by field.
 class Row {
  public:
   explicit Row(char* text) : text_(text) {}
 
   void Time(uint32_t seconds) {
-    const CalendarTime t = CalendarFromUnixSeconds(seconds);
     Separate();
+    if (seconds == 0) return;  // the recording tells none
+    const CalendarTime t = CalendarFromUnixSeconds(seconds);
     size_ += FormatText(
         Rest(), "%04" PRId32 "-%02" PRId32 "-%02" PRId32 "T%02" PRId32 ":%02" PRId32 ":%02" PRId32 "Z",
         t.year, t.month, t.day, t.hour, t.minute, t.second);
@@ -53,12 +59,13 @@ class Row {
 
  private:
   void Separate() {
-    if (size_ != 0) text_[size_++] = ',';
+    if (fields_++ != 0) text_[size_++] = ',';
   }
   [[nodiscard]] std::span<char> Rest() const { return {text_ + size_, kRowSize - 16 - size_}; }
 
   char* text_;
   size_t size_ = 0;
+  size_t fields_ = 0;
 };
 
 std::string EscapedXml(std::string_view text) {
@@ -113,28 +120,43 @@ bool KmlWriter::Begin() {
       "<Document>\n<name>" +
           name +
           "</name>\n"
-          "<Style id=\"track\"><LineStyle><color>ff0000ff</color><width>3</width></LineStyle></Style>\n"
-          "<Placemark>\n<name>" +
-          name +
-          "</name>\n<styleUrl>#track</styleUrl>\n"
-          "<LineString>\n<tessellate>1</tessellate>\n<coordinates>\n");
+          "<Style id=\"track\"><LineStyle><color>ff0000ff</color><width>3</width></LineStyle></Style>\n");
+}
+
+bool KmlWriter::AppendPlacemark(std::string_view geometry) {
+  return echotool::Append(output_, "<Placemark>\n<name>" + EscapedXml(name_) +
+                                       "</name>\n<styleUrl>#track</styleUrl>\n" + std::string(geometry));
 }
 
 // A receiver is slower than an echosounder: the pings between two of its positions add nothing to a track.
 bool KmlWriter::Append(const RecordedPing& ping) {
-  if (!ping.hasPosition) return true;
-  if (begun_ && ping.latitude_rad == latitude_rad_ && ping.longitude_rad == longitude_rad_) return true;
-  begun_ = true;
+  const double longitude_deg = Degrees(ping.longitude_rad);
+  const double latitude_deg = Degrees(ping.latitude_rad);
+  if (!ping.hasPosition || !IsOnEarth(latitude_deg, longitude_deg)) return true;
+  if (positions_ != 0 && ping.latitude_rad == latitude_rad_ && ping.longitude_rad == longitude_rad_)
+    return true;
   latitude_rad_ = ping.latitude_rad;
   longitude_rad_ = ping.longitude_rad;
   char text[kRowSize];
-  const size_t size = FormatText(text, "%.8f,%.8f\n", Degrees(longitude_rad_), Degrees(latitude_rad_));
-  return echotool::Append(output_, {text, size});
+  const std::string_view position(text, FormatText(text, "%.8f,%.8f\n", longitude_deg, latitude_deg));
+  if (++positions_ == 1) {
+    first_ = position;
+    return true;
+  }
+  if (positions_ == 2 &&
+      !AppendPlacemark("<LineString>\n<tessellate>1</tessellate>\n<coordinates>\n" + first_))
+    return false;
+  return echotool::Append(output_, position);
 }
 
+// A line has two places at least.
 bool KmlWriter::End() {
-  return echotool::Append(output_, "</coordinates>\n</LineString>\n</Placemark>\n</Document>\n</kml>\n") &&
-         output_.Flush();
+  const bool ended =
+      positions_ == 0 ||
+      (positions_ == 1
+           ? AppendPlacemark("<Point>\n<coordinates>\n" + first_ + "</coordinates>\n</Point>\n</Placemark>\n")
+           : echotool::Append(output_, "</coordinates>\n</LineString>\n</Placemark>\n"));
+  return ended && echotool::Append(output_, "</Document>\n</kml>\n") && output_.Flush();
 }
 
 }  // namespace tw::echotool

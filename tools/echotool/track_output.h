@@ -5,7 +5,8 @@
 //   time_utc,ping,latitude_deg,longitude_deg,altitude_m,temperature_c,pitch_deg,roll_deg
 //   2026-05-01T09:30:00Z,17,35.10000000,129.05000000,12.345,14.20,1.25,-0.50
 //
-// KML 2.2: one line through the valid positions, each new one once. Pure but for the output; one thread.
+// KML 2.2: one line through the valid positions, each new one once; a point if there is but one, and nothing
+// without any. Pure but for the output; one thread.
 #pragma once
 
 #include <cstdint>
@@ -46,9 +47,12 @@ class KmlWriter final : public PingWriter {
   [[nodiscard]] bool End() override;
 
  private:
+  [[nodiscard]] bool AppendPlacemark(std::string_view geometry);
+
   OutputFile& output_;
   std::string name_;
-  bool begun_ = false;
+  std::string first_;  // position, as its line in the file
+  uint64_t positions_ = 0;
   double latitude_rad_ = 0;
   double longitude_rad_ = 0;
 };

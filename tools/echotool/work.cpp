@@ -1,5 +1,6 @@
 #include "tools/echotool/work.h"
 
+#include <algorithm>
 #include <array>
 #include <memory>
 #include <utility>
@@ -52,7 +53,22 @@ struct Job {
   const std::string& file;
   const Options& options;
   const std::atomic<bool>& interrupted;
+  Outputs& outputs;
 };
+
+std::string NameOf(const std::string& path) {
+  const size_t separator = path.find_last_of("/\\");
+  return separator == std::string::npos ? path : path.substr(separator + 1);
+}
+
+// However the file is named; empty when it is not there.
+std::wstring FullPath(const std::wstring& path) {
+  const Handle file = OpenFileForReading(path.c_str(), WriteSharing::allowed);
+  wchar_t full[kPathSize];
+  const bool told = file != Handle::invalid && PathOfFile(file, full);
+  CloseFile(file);
+  return told ? full : L"";
+}
 
 std::string FaultText(RecordingFault fault) {
   switch (fault) {
@@ -79,17 +95,22 @@ std::unique_ptr<PingSource> Open(const std::string& file, std::string& error) {
   return recording;
 }
 
-// Hands each ping to `take` until it declines. False when interrupted.
+// Hands each ping to `take` until it declines. False when interrupted, be it in the middle of garbage.
 template <typename Take>
 bool ForEachPing(const Job& job, PingSource& recording, const char* label, Take take) {
-  ProgressBar bar(job.file + label, recording.Size());
+  const auto isInterrupted = [](void* watched) {
+    return static_cast<const Job*>(watched)->interrupted.load();
+  };
+  Job watched = job;
+  recording.SetInterruption({isInterrupted, &watched});
+  ProgressBar bar(NameOf(job.file) + label, recording.Size());
   RecordedPing ping{};
-  while (recording.Next(ping)) {
-    if (job.interrupted.load(std::memory_order_relaxed)) return false;
+  while (!job.interrupted.load(std::memory_order_relaxed) && recording.Next(ping)) {
     bar.Show(recording.Position());
     if (!take(ping)) break;
   }
-  return true;
+  recording.SetInterruption({});
+  return !job.interrupted.load();
 }
 
 bool LooksConvertible(Task task, const RecordingKind& kind, std::string& error) {
@@ -136,7 +157,7 @@ std::unique_ptr<PingWriter> MakeWriter(const Job& job, const RecordingKind& kind
     case Task::csv:
       return std::make_unique<CsvWriter>(output);
     case Task::kml:
-      return std::make_unique<KmlWriter>(output, job.file);
+      return std::make_unique<KmlWriter>(output, NameOf(job.file));
     case Task::text:
       return std::make_unique<ConverterWriter>(output, std::make_unique<TextConverter>(output));
     case Task::segy: {
@@ -176,6 +197,10 @@ Result Write(const Job& job) {
   if (!LooksConvertible(job.options.task, recording->Kind(), error)) return failed(error);
 
   const std::wstring path = OutputPath(job);
+  const std::wstring older = FullPath(path);
+  if (!older.empty() && older == FullPath(Wide(job.file))) return failed("the output would replace it");
+  if (!older.empty() && std::find(job.outputs.begin(), job.outputs.end(), older) != job.outputs.end())
+    return failed(Narrow(path) + " has just been made of another recording");
   WholeFile file;
   if (!file.Create(path)) return failed(Narrow(path) + " cannot be made");
   OutputFile output(file.File());
@@ -190,13 +215,15 @@ Result Write(const Job& job) {
   if (!whole) return failed("interrupted");
   if (recording->Failed()) return failed(FaultText(RecordingFault::unread));
   if (!written || !writer->End() || !file.Complete()) return failed(Narrow(path) + " cannot be written");
+  job.outputs.push_back(FullPath(path));
   return {true, ""};
 }
 
 }  // namespace
 
-Result WorkOn(const std::string& file, const Options& options, const std::atomic<bool>& interrupted) {
-  const Job job{file, options, interrupted};
+Result WorkOn(const std::string& file, const Options& options, const std::atomic<bool>& interrupted,
+              Outputs& outputs) {
+  const Job job{file, options, interrupted, outputs};
   return options.task == Task::info ? Inform(job) : Write(job);
 }
 

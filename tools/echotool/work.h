@@ -3,6 +3,7 @@
 
 #include <atomic>
 #include <string>
+#include <vector>
 
 #include "tools/echotool/options.h"
 
@@ -13,8 +14,11 @@ struct Result {
   std::string text;  // for the user: a report, or what went wrong
 };
 
+// The outputs made so far, by their full paths: none replaces another, nor the recording that it is made of.
+using Outputs = std::vector<std::wstring>;
+
 // Does the task of the options with one recording. Ends early, leaving no output, once `interrupted` is set.
 [[nodiscard]] Result WorkOn(const std::string& file, const Options& options,
-                            const std::atomic<bool>& interrupted);
+                            const std::atomic<bool>& interrupted, Outputs& outputs);
 
 }  // namespace tw::echotool

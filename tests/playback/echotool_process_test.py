@@ -1,0 +1,92 @@
+#!/usr/bin/env python3
+"""echotool as a process: exit codes, what it says and where, its bar, Ctrl-C: echotool_process_test.py ECHOTOOL
+DATA_FOLDER"""
+import os
+import pty
+import shutil
+import signal
+import subprocess
+import sys
+import tempfile
+import time
+
+ECHOTOOL, DATA = sys.argv[1:3]
+problems = []
+
+
+def expect(what, holds, seen=''):
+    if not holds:
+        problems.append('%s: %r' % (what, seen))
+
+
+def run(*words, **options):
+    done = subprocess.run([ECHOTOOL, *words], capture_output='stdout' not in options, text=True, **options)
+    return done.returncode, done.stdout, done.stderr
+
+
+def check_exit_codes(folder):
+    good, bad = os.path.join(folder, 'good.log'), os.path.join(folder, 'bad.log')
+    shutil.copy(os.path.join(DATA, 'three_pings.log'), good)
+    with open(bad, 'w') as out:
+        out.write('no recording')
+    for words, code, told in ((['info', good], 0, ''), (['csv', good], 0, ''), (['--help'], 0, ''),
+                              (['kml', bad, good], 1, 'echotool: %s: ' % bad), (['draw', good], 2, 'echotool: '),
+                              ([], 2, 'echotool: ')):
+        seen = run(*words)
+        expect('exit code of %s' % words, seen[0] == code, seen)
+        expect('quiet but for errors, %s' % words, seen[2].startswith(told) and bool(told) == bool(seen[2]), seen)
+        expect('answers to %s' % words, bool(seen[1]) == (words[:1] in (['info'], ['--help'])), seen)
+    expect('the good one is done', os.path.exists(os.path.join(folder, 'good.kml')))
+    with open('/dev/full', 'w') as full:
+        code = run('info', good, stdout=full, stderr=subprocess.DEVNULL)[0]
+    expect('a report that nobody gets', code == 1, code)
+
+
+def long_recording(folder):
+    """Three pings, and then nothing for 64 GB."""
+    path = os.path.join(folder, 'long.log')
+    shutil.copy(os.path.join(DATA, 'three_pings.log'), path)
+    os.truncate(path, 64 << 30)
+    return path
+
+
+def check_interruption(folder, number):
+    path = long_recording(folder)
+    older = os.path.join(folder, 'long.sgy')
+    with open(older, 'w') as out:
+        out.write('older')
+    process = subprocess.Popen([ECHOTOOL, 'segy', path], stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
+    deadline = time.monotonic() + 20
+    while not os.path.exists(older + '.part') and time.monotonic() < deadline:
+        time.sleep(0.01)
+    process.send_signal(number)
+    _, told = process.communicate(timeout=20)
+    expect('exit code', process.returncode == 130, process.returncode)
+    expect('it says so', told == 'echotool: %s: interrupted\n' % path, told)
+    expect('no half file', sorted(os.listdir(folder)) == ['long.log', 'long.sgy'], os.listdir(folder))
+    with open(older) as kept:
+        expect('the older output', kept.read() == 'older')
+
+
+def check_bar(folder):
+    """On a terminal, and taken away at the end."""
+    shutil.copy(os.path.join(DATA, 'three_pings.log'), folder)
+    terminal, theirs = pty.openpty()
+    subprocess.run([ECHOTOOL, 'csv', os.path.join(folder, 'three_pings.log')], stderr=theirs, check=True)
+    os.close(theirs)
+    shown = ''
+    try:
+        while piece := os.read(terminal, 65536):
+            shown += piece.decode()
+    except OSError:  # all has been read, and nobody is at the other end
+        pass
+    expect('bar', '\rthree_pings.log [' in shown and '100 %' in shown and shown.endswith('\r\033[K'), shown)
+
+
+for check, *arguments in ((check_exit_codes,), (check_interruption, signal.SIGINT), (check_interruption, signal.SIGTERM),
+                          (check_bar,)):
+    with tempfile.TemporaryDirectory() as work:
+        check(work, *arguments)
+for problem in problems:
+    print(problem)
+sys.exit(1 if problems else 0)

@@ -1,0 +1,232 @@
+// A recording that the program has made, played back and converted by it as an operator does it: buttons,
+// menu, file dialog and boxes.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <optional>
+
+#include "app/control_ids.h"
+#include "tests/window/dialog.h"
+#include "tests/window/ping_log.h"
+#include "tests/window/program.h"
+#include "tests/window/stored_choices.h"
+#include "tests/window/view_picture.h"
+
+namespace tw {
+namespace {
+
+constexpr int kStart_s = 60;
+constexpr size_t kPings = 400;
+
+BOOL CALLBACK FindEdit(HWND window, LPARAM found) {
+  wchar_t name[64] = L"";
+  GetClassNameW(window, name, 64);
+  if (std::wstring_view(name) != L"Edit" || !IsWindowVisible(window)) return TRUE;
+  *reinterpret_cast<HWND*>(found) = window;
+  return FALSE;
+}
+
+class Playback : public ::testing::Test {
+ protected:
+  static void SetUpTestSuite() {
+    folder_.emplace();
+    StoreRunChoices(folder_->Path());
+    Program program;
+    program.Click(ID_START);
+    ASSERT_TRUE(WaitUntil([] { return ReadPingLog().size() > kPings; }, kStart_s));
+    program.Click(ID_STOP);
+    ASSERT_TRUE(WaitUntil([&] { return program.IsEnabled(ID_START); }, 20));
+    ASSERT_EQ(program.Exit(), 0);
+    const std::vector<std::wstring> files = folder_->Files();
+    ASSERT_EQ(files.size(), 1u);
+    file_ = files.front();
+    size_ = std::filesystem::file_size(file_);
+  }
+  static void TearDownTestSuite() { folder_.reset(); }
+
+  // In the file dialog that stands open: a file, or none.
+  void ChooseFile(const std::wstring& path) const {
+    const HWND dialog = program_.FindDialog(20);
+    ASSERT_NE(dialog, nullptr);
+    HWND name = nullptr;
+    ASSERT_TRUE(WaitUntil(
+        [&] {
+          EnumChildWindows(dialog, FindEdit, reinterpret_cast<LPARAM>(&name));
+          return name != nullptr;
+        },
+        10));
+    SendMessageW(name, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(path.c_str()));
+    PostMessageW(dialog, WM_COMMAND, path.empty() ? IDCANCEL : IDOK, 0);
+    ASSERT_TRUE(WaitUntil([&] { return !IsWindow(dialog); }, 20));
+  }
+
+  [[nodiscard]] bool Comes(int control) const {
+    return WaitUntil([&] { return program_.IsEnabled(control); }, 60);
+  }
+  [[nodiscard]] HWND Slider() const {
+    return FindWindowExW(program_.Window(), nullptr, L"EchoSliderbar class", nullptr);
+  }
+  [[nodiscard]] bool ShowsSlider() const { return IsWindowVisible(Slider()) != FALSE; }
+
+  // The thumb as it stands on the screen: the middle of its left and right ends; -1 when there is none.
+  [[nodiscard]] int ThumbMiddle() const {
+    constexpr uint32_t kTrack = 0x3E3E42;
+    const Picture slider = PictureOf(Slider());
+    int left = -1;
+    int right = -1;
+    for (int x = 0; x < slider.width; ++x) {
+      if (slider.At(x, slider.height / 2) == kTrack) continue;
+      if (left < 0) left = x;
+      right = x;
+    }
+    return left < 0 ? -1 : (left + right) / 2;
+  }
+  [[nodiscard]] bool ThumbStandsAt(int x) const {
+    constexpr int kPing_px = 4;  // a file goes on at the next ping
+    return WaitUntil([&] { return std::abs(ThumbMiddle() - x) <= kPing_px; }, 10);
+  }
+  void Mouse(UINT message, WPARAM buttons, int x) const {
+    SendMessageW(Slider(), message, buttons, MAKELPARAM(x, 10));
+  }
+  [[nodiscard]] Picture Echogram() const { return PictureOf(program_.Control(ID_ECHOGRAM)); }
+  [[nodiscard]] bool Changes(const Picture& from) const {
+    return WaitUntil([&] { return Echogram().pixels != from.pixels; }, 10);
+  }
+
+  // As the file dialog wants it for several files of its folder.
+  [[nodiscard]] std::wstring AllNames() const {
+    std::wstring names;
+    for (const std::wstring& path : folder_->Files())
+      names += L'"' + std::filesystem::path(path).filename().wstring() + L"\" ";
+    return names;
+  }
+
+  // Asked for with a control or a menu entry; returns what is said at the end.
+  template <typename Ask>
+  MessageBoxContent Converts(Ask ask) {
+    ask();
+    ChooseFile(file_);
+    return program_.AnswerBox(60);
+  }
+
+  static inline std::optional<OwnFolder> folder_;
+  static inline std::wstring file_;
+  static inline uintmax_t size_ = 0;
+  Program program_;
+};
+
+TEST_F(Playback, PlaysHoldsStepsBackAndStops) {
+  EXPECT_FALSE(ShowsSlider());
+  program_.Click(ID_SHOW_SETTINGS);
+  EXPECT_EQ(program_.AnswerBox(10), (MessageBoxContent{L"Error", L"Click after Playback saved file"}));
+
+  program_.Click(ID_PLAYBACK);
+  ChooseFile(file_);
+  ASSERT_TRUE(Comes(ID_PAUSE));
+  EXPECT_TRUE(ShowsSlider());
+  const std::wstring size = L"File size: " + std::to_wstring(size_) + L"Bytes";
+  EXPECT_TRUE(WaitUntil([&] { return program_.Status(3) == size; }, 10));
+  EXPECT_TRUE(WaitUntil([&] { return program_.Status(2).starts_with(L"Position(3D)"); }, 10));
+  EXPECT_TRUE(Changes(Echogram())) << "it plays";
+
+  Sleep(2'000);
+  program_.Click(ID_PAUSE);
+  ASSERT_TRUE(Comes(ID_RESUME));
+  EXPECT_FALSE(program_.IsEnabled(ID_PAUSE));
+  Sleep(300);  // three repaints
+  const Picture held = Echogram();
+  Sleep(500);
+  EXPECT_EQ(Echogram().pixels, held.pixels) << "it holds";
+  SavePicture(program_.Window(), "playback");
+  for (const int back : {ID_BACK, ID_FAST_BACK}) {
+    const Picture before = Echogram();
+    program_.Click(back);
+    EXPECT_TRUE(Changes(before)) << "a step back while it holds: " << back;
+    Sleep(300);
+  }
+
+  program_.Click(ID_SHOW_SETTINGS);
+  {
+    const Dialog settings(program_);
+    EXPECT_EQ(settings.Caption(), L"Settings (Single)");
+    EXPECT_EQ(settings.Value(L"Range [m]"), L"30");
+    SavePicture(settings.Window(), "show-settings");
+    settings.Press(VK_ESCAPE);
+    ASSERT_TRUE(settings.CloseHasCome());
+  }
+
+  program_.Click(ID_RESUME);
+  ASSERT_TRUE(Comes(ID_PAUSE));
+  ASSERT_TRUE(Comes(ID_RESUME)) << "at the end";
+  EXPECT_EQ(program_.Text(ID_RESUME), L"\u25BA");
+  program_.Click(ID_RESUME);
+  ASSERT_TRUE(Comes(ID_PAUSE)) << "begun anew";
+  EXPECT_TRUE(Changes(Echogram()));
+
+  program_.Click(ID_STOP);
+  ASSERT_TRUE(WaitUntil([&] { return !program_.IsEnabled(ID_STOP); }, 20));
+  EXPECT_FALSE(ShowsSlider());
+  EXPECT_TRUE(WaitUntil([&] { return program_.Status(3).empty(); }, 10));
+  EXPECT_EQ(program_.Exit(), 0);
+}
+
+TEST_F(Playback, FileGoesOnWhereTheSliderIsDraggedTo) {
+  program_.Click(ID_PLAYBACK);
+  ChooseFile(file_);
+  ASSERT_TRUE(Comes(ID_PAUSE));
+  ASSERT_TRUE(WaitUntil([&] { return ThumbMiddle() > 0; }, 10));
+  program_.Click(ID_PAUSE);
+  ASSERT_TRUE(Comes(ID_RESUME));
+  int at = ThumbMiddle();
+  const Picture held = Echogram();
+  Mouse(WM_LBUTTONDOWN, MK_LBUTTON, at);
+  for (int step = 0; step < 6; ++step) {
+    at += 40;
+    Mouse(WM_MOUSEMOVE, MK_LBUTTON, at);
+    EXPECT_TRUE(ThumbStandsAt(at)) << "it follows the cursor: " << at << ", " << ThumbMiddle();
+  }
+  Mouse(WM_LBUTTONUP, 0, at);
+  EXPECT_TRUE(Changes(held)) << "the ping from there is shown";
+  EXPECT_TRUE(ThumbStandsAt(at)) << "and the file's own news leave the thumb there";
+  program_.Click(ID_RESUME);
+  ASSERT_TRUE(Comes(ID_PAUSE));
+  EXPECT_TRUE(WaitUntil([&] { return ThumbMiddle() > at + 20; }, 10)) << "it plays on from there";
+  program_.Click(ID_STOP);
+  EXPECT_EQ(program_.Exit(), 0);
+}
+
+TEST_F(Playback, ConvertsToSegyAndToText) {
+  const MessageBoxContent completed{L"Info", L"Convert completed"};
+  EXPECT_EQ(Converts([&] { program_.Click(ID_SEGY_CONVERT); }), completed);
+  EXPECT_EQ(Converts([&] { program_.Choose(ID_MENU_BIN_TO_TXT); }), completed);
+  EXPECT_TRUE(WaitUntil([&] { return program_.IsEnabled(ID_PLAYBACK); }, 10));
+  EXPECT_FALSE(ShowsSlider());
+
+  program_.Choose(ID_MENU_SEGY);
+  ChooseFile(L"");
+  EXPECT_EQ(program_.AnswerBox(10), (MessageBoxContent{L"Error", L"File is not selected"}));
+  program_.Choose(ID_MENU_SEGY);
+  ChooseFile(AllNames());
+  EXPECT_EQ(program_.AnswerBox(10), (MessageBoxContent{L"Error", L"Select One File"}));
+  EXPECT_EQ(program_.Exit(), 0);
+
+  // A frame has 88 bytes ahead of its samples, a trace 240.
+  const std::string frames = ReadWholeFile(file_);
+  const std::wstring stem = file_.substr(0, file_.size() - 4);
+  const std::string segy = ReadWholeFile(stem + L".sgy");
+  const std::string text = ReadWholeFile(stem + L"_txt.log");
+  const auto count = [](std::string_view whole, std::string_view part) {
+    size_t found = 0;
+    for (size_t at = whole.find(part); at != whole.npos; at = whole.find(part, at + 1)) ++found;
+    return found;
+  };
+  const size_t first = frames.find("TR57");
+  const size_t pings = count(frames, "TR57");
+  EXPECT_GE(pings, kPings / 2);
+  EXPECT_EQ(segy.size(), 3'600 + (frames.size() - first) + pings * (240 - 88));
+  EXPECT_EQ(count(text, "##DataEnd\r\n$GPGLL,"), pings);
+}
+
+}  // namespace
+}  // namespace tw
