@@ -105,11 +105,10 @@ class LoggedGps final : public SimulatorPeer {
 
 class Sequence : public RunControlTest {
  protected:
-  void Connect(DeviceFamily family, bool streaming = false, bool dual = false) {
+  void Connect(DeviceFamily family, bool dual = false) {
     sim::SounderOptions options = QuickSounder();
     options.family = family;
     if (family == DeviceFamily::second) options.identity = "42";
-    options.streaming = streaming;
     options.dual = dual;
     sounder_ = std::make_unique<sim::VirtualEchosounder>(options);
     saboteur_ = std::make_unique<Saboteur>(*sounder_);
@@ -154,6 +153,7 @@ class Sequence : public RunControlTest {
   }
 
   std::unique_ptr<Saboteur> saboteur_;
+  LoggedGps receiver_;
 };
 
 struct FamilyCase {
@@ -317,13 +317,11 @@ class Order : public Sequence, public testing::WithParamInterface<OrderCase> {
     }
     return log;
   }
-
-  LoggedGps receiver_;
 };
 
 TEST_P(Order, OfAllThatHappens) {
   const OrderCase& row = GetParam();
-  Connect(row.family, false, row.dual);
+  Connect(row.family, row.dual);
   AttachPeer(kGpsLine, &receiver_);
   ChooseGps();
   Ui().watchedFolder = folder_ / "TIDEWRITERR57_DATA";
@@ -406,7 +404,7 @@ constexpr Entry kEntries[] = {
 
 TEST_P(Order, EverySettingReachesTheDeviceAndReadsBack) {
   const OrderCase& row = GetParam();
-  Connect(row.family, false, row.dual);
+  Connect(row.family, row.dual);
   StartRun(*state_);
   Run(1);
   const FormFacts facts = CurrentFormFacts(*state_);
