@@ -75,14 +75,6 @@ TEST_F(LiveBinary, ABlockBecomesAFrameInRingAndFile) {
   EXPECT_EQ(std::string(slot + 728, 16), kGoldenFrame.substr(88));
 }
 
-TEST_F(LiveBinary, AStreamWithoutAttitudeKeepsNone) {
-  const std::string block = With(With(kGoldenDeviceBlock, 34, 0x7FC00000u), 38, 0x7FC00000u);
-  device_.At_ms(100, block);
-  Run_ms(200);
-  EXPECT_EQ(program_.HeaderA(1).pitch_deg, 450.0f);
-  EXPECT_EQ(program_.HeaderA(1).roll_deg, 0.0f);
-}
-
 TEST_F(LiveBinary, ChannelsGoToTheirRingsAndFiles) {
   globals.dualMode = 1;
   for (uint32_t i = 0; i < 6; ++i) {
@@ -110,18 +102,6 @@ TEST_F(LiveBinary, ARunThatRecordedNothingLeavesOneByteInEachFile) {
   EXPECT_EQ(program_.FileContent(L"a.log"), "\r");
   EXPECT_EQ(program_.FileContent(L"b.log"), "\r");
   EXPECT_FALSE(IsRecordFileOpen(state_, RecordChannel::a));
-}
-
-TEST_F(LiveBinary, AFalseLengthCostsThePingsWithinIt) {
-  // Ping 3 says that it is 66 bytes longer than it is, and ping 7 that it is impossibly long.
-  for (uint32_t ping = 1; ping <= 9; ++ping) {
-    std::string block = With(kGoldenDeviceBlock, kPing, ping);
-    if (ping == 3) block = With(block, 10, 132u);
-    if (ping == 7) block = With(block, 10, 0x00FFFFFFu);
-    device_.At_ms(100 * ping, block);
-  }
-  Run_ms(1'500);
-  EXPECT_EQ(PingsOf(L"a.log"), (std::vector<uint32_t>{1, 2, 3, 5, 6, 8, 9}));
 }
 
 TEST_F(LiveBinary, StopIsHeardInEndlessMagics) {

@@ -1,16 +1,12 @@
 // What the acquisition worker leaves in record files, on the virtual clock.
 #include <gtest/gtest.h>
 
-#include <algorithm>
-
 #include "base/shared_value.h"
 #include "platform/clock.h"
 #include "platform/host/faults.h"
 #include "platform/host/virtual_clock.h"
-#include "simulator/virtual_echosounder.h"
 #include "tests/acquisition/live_program.h"
 #include "tests/acquisition/scripted_line.h"
-#include "tests/simulator_peer.h"
 
 namespace tw {
 namespace {
@@ -44,6 +40,7 @@ class LiveRecording : public testing::Test {
 };
 
 TEST_F(LiveRecording, APingIsItsBlockGgaRmcAndAnEmptyLine) {
+  DeliverSingly(test::kDeviceLine);
   program_.OpenFile(kA, L"a.log");
   Signal(state_.recordingEvent);
   device_.At_ms(100, "noise" + EchoBlock(1) + "noise" + EchoBlock(2));
@@ -118,72 +115,6 @@ TEST_F(LiveRecording, AFailedWriteEndsTheFileSilentlyAndTheRunGoesOn) {
   EXPECT_EQ(posts[1].text, size);
   EXPECT_EQ(posts[2].text, size);
 }
-
-// A stream with faults: every block that is whole reaches the file, byte for byte.
-class Sounder : public sim::PingObserver {
- public:
-  void PingMade(const sim::SentPing& ping, std::span<const uint16_t>) override { made.push_back(ping); }
-  void PingEnded(const sim::SentPing& ping) override { made[ping.number - 1] = ping; }
-  std::vector<sim::SentPing> made;
-};
-
-struct FaultyStream {
-  const char* what;
-  sim::SounderFaults faults;
-  bool singly;
-};
-
-class LiveStream : public testing::TestWithParam<FaultyStream> {};
-
-TEST_P(LiveStream, EveryWholeBlockIsRecorded) {
-  const VirtualClock clock(kBegin_ms);
-  Sounder account;
-  sim::VirtualEchosounder device({.baud = 921'600,
-                                  .outputMode = 4,
-                                  .pingsPerSecond = 20,
-                                  .sampleCount = 300,
-                                  .streaming = true,
-                                  .faults = GetParam().faults},
-                                 &account);
-  test::SimulatorPeer peer(device);
-  LiveProgram program(peer);
-  if (GetParam().singly) DeliverSingly(test::kDeviceLine);
-  program.OpenFile(kA, L"a.log");
-  Signal(program.State().recordingEvent);
-  program.StartWorker();
-  SleepMilliseconds(20'000);
-  program.StopWorker();
-
-  const std::string content = program.FileContent(L"a.log");
-  std::string_view rest(content);
-  size_t recorded = 0;
-  size_t expected = 0;
-  for (const sim::SentPing& ping : account.made) {
-    if (ping.faulty || !ping.whole) continue;
-    ++expected;
-    const size_t at = rest.find("#DeviceID ");
-    if (at == rest.npos) continue;
-    const std::string_view block = rest.substr(at, ping.size);
-    if (sim::HashOf({reinterpret_cast<const uint8_t*>(block.data()), block.size()}) != ping.hash) continue;
-    rest.remove_prefix(at + block.size());
-    EXPECT_TRUE(rest.starts_with("$GPGGA,")) << "ping " << ping.number;
-    ++recorded;
-  }
-  EXPECT_GE(expected, 20u);
-  EXPECT_GE(recorded + 1, expected) << "the last one may still have been on its way";
-  EXPECT_EQ(rest.find("#DeviceID "), rest.npos) << "nothing else was recorded";
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Streams, LiveStream,
-    testing::Values(FaultyStream{"clean", {}, false}, FaultyStream{"one byte at a time", {}, true},
-                    FaultyStream{"garbage", {.garbageBytes = 500}, false},
-                    FaultyStream{"oversize", {.block = sim::BlockFault::oversize, .blockEvery = 5}, false}),
-    [](const auto& each) {
-      std::string name = each.param.what;
-      std::replace(name.begin(), name.end(), ' ', '_');
-      return name;
-    });
 
 }  // namespace
 }  // namespace tw

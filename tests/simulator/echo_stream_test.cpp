@@ -1,4 +1,4 @@
-// What the device streams: the block's text, the picture in its samples, start and stop, pace.
+// What the device streams: the picture in its samples, start and stop, pace.
 #include "simulator/echo_stream.h"
 
 #include <gtest/gtest.h>
@@ -60,49 +60,6 @@ struct Watcher final : PingObserver {
   }
   void PingEnded(const SentPing& ping) override { ended.push_back(ping); }
 };
-
-TEST(EchoStream, BlockOfTheFirstFamilyByHand) {
-  const uint16_t samples[] = {0, 9, 10, 99, 100, 999, 1000, 4095};
-  const PingReport ping = {.identity = "AB-12",
-                           .time_s = 1'700'000'000,
-                           .time_ms = 5,
-                           .outputMode = 4,
-                           .samplingFrequency_hz = 25'000,
-                           .resolution_um = 30'000,
-                           .range_mm = 30'000,
-                           .altitude_mm = 12'034,
-                           .altitudeLow_mm = 0,
-                           .temperature_centi = -105,
-                           .pitch_centi = 0,
-                           .roll_centi = -7,
-                           .ema_centi = 0,
-                           .number = 4'000'000'000,
-                           .txFrequency_hz = 200'000,
-                           .secondChannel = false,
-                           .reportsFrequency = false,
-                           .channels = 1,
-                           .sentences = {},
-                           .samples = samples};
-  StreamMessage message;
-  const StreamMode* mode = FindStreamMode(DeviceFamily::first, 4);
-  ASSERT_NE(mode, nullptr);
-  mode->append(ping, {}, message);
-  EXPECT_EQ(std::string(message.bytes.begin(), message.bytes.end()),
-            "#DeviceID AB-12\r\n"
-            "#TimeWork 1700000000.5\r\n"
-            "#NSamples 8\r\n"
-            "#OutputMode 4\r\n"
-            "#Sampling_Frequency,Hz 25000\r\n"
-            "#Altitude 12.034\r\n"
-            "#Temperature -1.05\r\n"
-            "#Pitch,deg 0.00\r\n"
-            "#Roll,deg -0.07\r\n"
-            "#Ping 4000000000\r\n"
-            "#Tx_Frequency,Hz 200000\r\n"
-            "##DataStart\r\n"
-            "0\r\n9\r\n10\r\n99\r\n100\r\n999\r\n1000\r\n4095\r\n"
-            "\r\n\r\n");
-}
 
 TEST(EchoStream, ObserverAndLogSayWhatIsInTheStream) {
   Watcher watcher;
@@ -267,18 +224,6 @@ TEST(EchoStream, DeviceTimeIsTheTimeItWasGiven) {
   EXPECT_NE(blocks[0].text.find("#TimeWork 1800000000.40\r\n"), std::string::npos)
       << blocks[0].text.substr(0, 60);
   EXPECT_NE(blocks[1].text.find("#TimeWork 1800000000.140\r\n"), std::string::npos);
-}
-
-TEST(EchoStream, DualPingHasABlockOfEachFrequency) {
-  SounderOptions options = Fast();
-  options.dual = true;
-  VirtualEchosounder device(options);
-  const auto blocks = BlocksOf(FarEnd(device).ReadUntil(250'000));
-  ASSERT_EQ(blocks.size(), 6u);
-  for (size_t i = 0; i < blocks.size(); ++i) {
-    EXPECT_EQ(blocks[i].Number("#Tx_Frequency,Hz"), i % 2 == 0 ? 450'000 : 200'000);
-    EXPECT_EQ(blocks[i].Number("#Ping"), static_cast<double>(i / 2 + 1));
-  }
 }
 
 TEST(Pace, NeverFasterThanTheLine) {

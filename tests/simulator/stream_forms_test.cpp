@@ -133,6 +133,34 @@ TEST(StreamForms, VariantsByHand) {
   EXPECT_EQ(Message(DeviceFamily::first, report), "DB12.345 m*\r\n");
 }
 
+// Milliseconds are not padded; numbers of every length.
+TEST(StreamForms, TextOfTheFirstFamilyByHand) {
+  const uint16_t samples[] = {0, 9, 10, 99, 100, 999, 1000, 4095};
+  PingReport report = Report(4);
+  report.time_ms = 5;
+  report.altitude_mm = 12'034;
+  report.temperature_centi = -105;
+  report.pitch_centi = 0;
+  report.roll_centi = -7;
+  report.number = 4'000'000'000;
+  report.samples = samples;
+  EXPECT_EQ(Message(DeviceFamily::first, report),
+            "#DeviceID AB-12\r\n"
+            "#TimeWork 1700000000.5\r\n"
+            "#NSamples 8\r\n"
+            "#OutputMode 4\r\n"
+            "#Sampling_Frequency,Hz 25000\r\n"
+            "#Altitude 12.034\r\n"
+            "#Temperature -1.05\r\n"
+            "#Pitch,deg 0.00\r\n"
+            "#Roll,deg -0.07\r\n"
+            "#Ping 4000000000\r\n"
+            "#Tx_Frequency,Hz 450000\r\n"
+            "##DataStart\r\n"
+            "0\r\n9\r\n10\r\n99\r\n100\r\n999\r\n1000\r\n4095\r\n"
+            "\r\n\r\n");
+}
+
 TEST(StreamForms, NoBottomIsZeroOrEmptyFields) {
   const struct {
     DeviceFamily family;
@@ -171,6 +199,22 @@ TEST(StreamForms, BinaryByHand) {
       "544944455752495445"
       "43";
   const std::string words = "00004200ff0fe803";
+  const std::string frame =
+      "58000000"
+      "0000000000000000"
+      "00f15365"
+      "11000000"
+      "a8610000"
+      "00000000"
+      "04000000"
+      "0000f041"
+      "d0dd0600"
+      "00000000"
+      "1f854541"
+      "33336341"
+      "0000a03f"
+      "000000bf" +
+      std::string(48, '0') + words;
   const struct {
     const char* name;
     void (*append)(const PingReport&, const BlockShape&, StreamMessage&);
@@ -182,40 +226,8 @@ TEST(StreamForms, BinaryByHand) {
       {"companded block", AppendCompandedBlock,
        magic + "42000000" + std::string(kBlockValues) + "010000000400000030750000d0dd0600a8610000" +
            "0040ffbd"},
-      {"frame", AppendFrame,
-       "54523537"
-       "58000000"
-       "0000000000000000"
-       "00f15365"
-       "11000000"
-       "a8610000"
-       "00000000"
-       "04000000"
-       "0000f041"
-       "d0dd0600"
-       "00000000"
-       "1f854541"
-       "33336341"
-       "0000a03f"
-       "000000bf" +
-           std::string(48, '0') + words},
-      {"dual frame", AppendDualFrame,
-       "4455414c"
-       "58000000"
-       "0000000000000000"
-       "00f15365"
-       "11000000"
-       "a8610000"
-       "00000000"
-       "04000000"
-       "0000f041"
-       "d0dd0600"
-       "00000000"
-       "1f854541"
-       "33336341"
-       "0000a03f"
-       "000000bf" +
-           std::string(48, '0') + words},
+      {"frame", AppendFrame, "54523537" + frame},
+      {"dual frame", AppendDualFrame, "4455414c" + frame},
   };
   for (const auto& row : rows) {
     StreamMessage message;
