@@ -271,19 +271,32 @@ TEST_F(EchogramWindow, CursorBringsTheFocusForTheWheel) {
   EXPECT_EQ(GetFocus(), view_);
 }
 
+struct ShotCase {
+  int32_t dualMode;
+  const wchar_t* folder;
+  const wchar_t* nameBehindTime;
+};
+
 TEST_F(EchogramWindow, RightClickSavesWhatTheNextPaintShows) {
   void* const noting = AddVectoredExceptionHandler(1, NoteDebugText);
-  SendMessageW(view_, WM_RBUTTONDOWN, MK_RBUTTON, 0);
+  for (const ShotCase& c : {ShotCase{0, L"", L"_Dual_450kHz_ScreenShot(Manual)_1.png"},
+                            ShotCase{1, L"ScreenShot", L"_Dual_ScreenShot(Manual)_1.png"}}) {
+    globals.dualMode = c.dualMode;
+    Paint();
+    debugged.clear();
+    SendMessageW(view_, WM_RBUTTONDOWN, MK_RBUTTON, 0);
+    EXPECT_EQ(debugged, "RightButtonDown\n");
+    const std::filesystem::path folder = folder_ / c.folder;
+    EXPECT_TRUE(!std::filesystem::exists(folder) || Files(folder).empty());
+    Paint();
+    const auto files = Files(folder);
+    ASSERT_EQ(files.size(), 1u);
+    EXPECT_EQ(files[0].substr(15), c.nameBehindTime);
+    ExpectShown(folder / files[0]);
+    Paint();
+    EXPECT_EQ(Files(folder).size(), 1u) << "one click, one picture";
+  }
   RemoveVectoredExceptionHandler(noting);
-  EXPECT_EQ(debugged, "RightButtonDown\n");
-  EXPECT_TRUE(Files(folder_).empty());
-  Paint();
-  const auto files = Files(folder_);
-  ASSERT_EQ(files.size(), 1u);
-  EXPECT_EQ(files[0].substr(15), L"_Dual_450kHz_ScreenShot(Manual)_1.png");
-  ExpectShown(folder_ / files[0]);
-  Paint();
-  EXPECT_EQ(Files(folder_).size(), 1u) << "one click, one picture";
 }
 
 TEST_F(EchogramWindow, AutomaticShotsCountUpUnderTheFirstOnesTime) {
@@ -302,17 +315,6 @@ TEST_F(EchogramWindow, AutomaticShotsCountUpUnderTheFirstOnesTime) {
     EXPECT_EQ(files[i].substr(15), L"_Dual_450kHz_ScreenShot(Auto)_" + std::to_wstring(i + 1) + L".png");
   }
   ExpectShown(folder_ / files[3]);
-}
-
-TEST_F(EchogramWindow, DualShotsStandInAFolderOfTheirOwn) {
-  globals.dualMode = 1;
-  SendMessageW(view_, WM_RBUTTONDOWN, MK_RBUTTON, 0);
-  Paint();
-  EXPECT_TRUE(Files(folder_).empty());
-  const auto files = Files(folder_ / L"ScreenShot");
-  ASSERT_EQ(files.size(), 1u);
-  EXPECT_EQ(files[0].substr(15), L"_Dual_ScreenShot(Manual)_1.png");
-  ExpectShown(folder_ / L"ScreenShot" / files[0]);
 }
 
 // What this process holds: our own count of drawing objects, the system's of them (Wine always says 0) and of

@@ -93,6 +93,19 @@ class Playback : public ::testing::Test {
     constexpr int kPing_px = 4;  // a file goes on at the next ping
     return WaitUntil([&] { return std::abs(ThumbMiddle() - x) <= kPing_px; }, 10);
   }
+  // At its place below an echogram that begins at `left`.
+  [[nodiscard]] bool SliderStandsFrom(int left) const {
+    const SIZE client = program_.ClientSize();
+    return WaitUntil(
+        [&] {
+          RECT place{};
+          GetWindowRect(Slider(), &place);
+          MapWindowPoints(nullptr, program_.Window(), reinterpret_cast<POINT*>(&place), 2);
+          return place.left == left && place.right == client.cx - 6 && place.top == client.cy - 44 &&
+                 place.bottom == client.cy - 22;
+        },
+        10);
+  }
   void Mouse(UINT message, WPARAM buttons, int x) const {
     SendMessageW(Slider(), message, buttons, MAKELPARAM(x, 10));
   }
@@ -185,6 +198,23 @@ TEST_F(Playback, PlaysHoldsStepsBackAndStops) {
   EXPECT_FALSE(ShowsSlider());
   EXPECT_TRUE(WaitUntil([&] { return program_.Status(3).empty(); }, 10));
   EXPECT_EQ(program_.Exit(), 0);
+}
+
+TEST_F(Playback, SliderKeepsItsPlaceBelowTheEchogram) {
+  program_.Click(ID_PLAYBACK);
+  ChooseFile(file_);
+  ASSERT_TRUE(Comes(ID_PAUSE));
+  const auto clickWithControl = [&] {
+    PostMessageW(program_.Control(ID_ECHOGRAM), WM_LBUTTONDOWN, MK_LBUTTON | MK_CONTROL, 0);
+  };
+  EXPECT_TRUE(SliderStandsFrom(186));
+  clickWithControl();
+  EXPECT_TRUE(SliderStandsFrom(6)) << "the echogram fills the window";
+  program_.Resize(1'200, 800);
+  EXPECT_TRUE(SliderStandsFrom(6));
+  clickWithControl();
+  EXPECT_TRUE(SliderStandsFrom(186));
+  EXPECT_EQ(program_.Exit(), 0) << "while it plays";
 }
 
 TEST_F(Playback, FileGoesOnWhereTheSliderIsDraggedTo) {
