@@ -173,6 +173,7 @@ TEST(Race, PlaybackIsSteeredWhileTheViewPaints) {
   const uint64_t size = std::filesystem::file_size(pair[0]);
   std::mt19937_64 random(1);
   int playbacks = 0;
+  int pairs = 0;
   for (const auto end = Clock::now() + kPlayed; Clock::now() < end; ++playbacks) {
     Ui().chosenFiles = playbacks % 4 == 3 ? std::vector{pair[1]} : pair;
     PlayFiles(state);
@@ -184,6 +185,7 @@ TEST(Race, PlaybackIsSteeredWhileTheViewPaints) {
       SteerAnyhow(state, random(), random() % size);
       std::this_thread::sleep_for(kGesture);
     }
+    pairs += LoadShared(globals.playedFrequencyB_hz) != 0 ? 1 : 0;
     switch (playbacks % 3) {
       case 0:
         StopRun(state);
@@ -199,10 +201,10 @@ TEST(Race, PlaybackIsSteeredWhileTheViewPaints) {
   }
   StopRun(state);
   EXPECT_TRUE(Ui().boxes.empty());
-  EXPECT_GE(playbacks, 5);
+  EXPECT_GE(playbacks, 3);
   EXPECT_GT(painter.Frames(), 50);
-  EXPECT_NE(LoadShared(globals.playedFrequencyB_hz), 0);
-  std::printf("%d playbacks, %d frames\n", playbacks, painter.Frames());
+  EXPECT_GE(pairs, 1);
+  std::printf("%d playbacks, %d of pairs, %d frames\n", playbacks, pairs, painter.Frames());
   SetDocumentsFolder(nullptr);
 }
 
