@@ -10,26 +10,23 @@ ours=$(build/bench/bench/gps_bench "$sentences")
 echo "$ours"
 ours_ms=$(sed -n 's/.* in \([0-9.]*\) ms,.*/\1/p' <<<"$ours")
 
-# microseconds FILE COMMAND...: the median of three runs on FILE.
-microseconds() {
-  local file=$1 begin times=()
+# milliseconds FILE COMMAND...: of processor time on FILE, the median of three runs.
+milliseconds() {
+  local file=$1 TIMEFORMAT='%U %S'
   shift
   for _ in 1 2 3; do
-    begin=$(date +%s%N)
-    "$@" <"$file" >/dev/null
-    times+=($((($(date +%s%N) - begin) / 1000)))
-  done
-  printf '%s\n' "${times[@]}" | sort -n | sed -n 2p
+    { time "$@" <"$file" >/dev/null; } 2>&1 | awk '{ print 1000 * ($1 + $2) }'
+  done | sort -n | sed -n 2p
 }
 
 # compare NAME COMMAND...
 compare() {
   local name=$1 idle busy
   shift
-  idle=$(microseconds /dev/null "$@")
-  busy=$(microseconds "$sentences" "$@")
-  awk -v name="$name" -v us=$((busy - idle)) -v ours="$ours_ms" \
-    'BEGIN { printf "%s: %.0f ms, %.1f x\n", name, us / 1000, us / 1000 / ours }'
+  idle=$(milliseconds /dev/null "$@")
+  busy=$(milliseconds "$sentences" "$@")
+  awk -v name="$name" -v idle="$idle" -v busy="$busy" -v ours="$ours_ms" \
+    'BEGIN { printf "%s: %.0f ms, %.1f x\n", name, busy - idle, (busy - idle) / ours }'
 }
 
 if command -v gpsdecode >/dev/null; then

@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <fstream>
+#include <iterator>
 #include <sstream>
 
 #include "tools/echosim/binding.h"
@@ -22,6 +23,14 @@ std::string Contents(const std::string& path) {
 
 std::string ScratchPath(const std::string& name) {
   return testing::TempDir() + "echosim_" + std::to_string(getpid()) + "_" + name;
+}
+
+bool Parse(const char* line, ToolOptions& options, std::string& error) {
+  std::istringstream in(line);
+  const std::vector<std::string> words{std::istream_iterator<std::string>(in), {}};
+  std::vector<const char*> arguments;
+  for (const std::string& word : words) arguments.push_back(word.c_str());
+  return ParseOptions(arguments, options, error);
 }
 
 // A line that takes only so many bytes, and hands over what a test puts in.
@@ -52,26 +61,14 @@ struct NarrowLine final : Terminal {
 };
 
 TEST(Options, AreRead) {
-  const char* arguments[] = {"--link",     "/tmp/s",
-                             "--gps-link", "/tmp/g",
-                             "--mode",     "4",
-                             "--rate",     "12.5",
-                             "--samples",  "12000",
-                             "--speed",    "921600",
-                             "--seed",     "7",
-                             "--dual",     "--prompt",
-                             "split",      "--refuse",
-                             "#auto",      "--refuse",
-                             "#smooth",    "--missing-key",
-                             "#Altitude",  "--fault-every",
-                             "5",          "--hang-up-at",
-                             "2.5",        "--silent-from",
-                             "1",          "--gps-talker",
-                             "gn",         "--gps-latitude",
-                             "-33.875",    "--gps-no-fix"};
+  const char* const arguments =
+      "--link /tmp/s --gps-link /tmp/g --mode 4 --rate 12.5 --samples 12000 --speed 921600 "
+      "--seed 7 --dual --prompt split --refuse #auto --refuse #smooth --missing-key "
+      "#Altitude --fault-every 5 --hang-up-at 2.5 --silent-from 1 --gps-talker gn "
+      "--gps-latitude -33.875 --gps-no-fix";
   ToolOptions options;
   std::string error;
-  ASSERT_TRUE(ParseOptions(arguments, options, error)) << error;
+  ASSERT_TRUE(Parse(arguments, options, error)) << error;
   EXPECT_EQ(options.device, "/tmp/s");
   EXPECT_EQ(options.gpsDevice, "/tmp/g");
   EXPECT_EQ(options.sounder.outputMode, 4);
@@ -95,46 +92,25 @@ TEST(Options, AreRead) {
 }
 
 TEST(Options, StreamFaultsAddUp) {
-  const char* const arguments[] = {"--stream-fault", "lost", "--stream-fault", "nan",
-                                   "--binary-form",  "frame"};
+  const char* const arguments = "--stream-fault lost --stream-fault nan --binary-form frame";
   ToolOptions options;
   std::string error;
-  ASSERT_TRUE(ParseOptions(arguments, options, error)) << error;
+  ASSERT_TRUE(Parse(arguments, options, error)) << error;
   const sim::SounderFaults& faults = options.sounder.faults;
   EXPECT_EQ(faults.stream, (std::vector{sim::StreamFault::lostBytes, sim::StreamFault::notANumber}));
   EXPECT_EQ(faults.streamRate, 0.01);
   EXPECT_EQ(options.sounder.binaryForm, sim::BinaryForm::frame);
-  const char* const wrong[] = {"--stream-fault", "burnt"};
-  EXPECT_FALSE(ParseOptions(wrong, options, error));
+  EXPECT_FALSE(Parse("--stream-fault burnt", options, error));
 }
 
 TEST(Options, OfTheFamilyInAnyOrder) {
-  const char* arguments[] = {"--mode",
-                             "10",
-                             "--identity",
-                             "1042",
-                             "--lacks",
-                             "#threshold",
-                             "--family",
-                             "2",
-                             "--firmware",
-                             "1.95",
-                             "--auto",
-                             "--preset",
-                             "7",
-                             "--smoothing",
-                             "none",
-                             "--no-dual-old",
-                             "--info-bytes",
-                             "13",
-                             "--lacks-silently",
-                             "--speed-at-once",
-                             "--line-log",
-                             "/tmp/l",
-                             "--strict-line"};
+  const char* const arguments =
+      "--mode 10 --identity 1042 --lacks #threshold --family 2 --firmware 1.95 --auto "
+      "--preset 7 --smoothing none --no-dual-old --info-bytes 13 --lacks-silently "
+      "--speed-at-once --line-log /tmp/l --strict-line";
   ToolOptions options;
   std::string error;
-  ASSERT_TRUE(ParseOptions(arguments, options, error)) << error;
+  ASSERT_TRUE(Parse(arguments, options, error)) << error;
   const sim::SounderOptions& sounder = options.sounder;
   EXPECT_EQ(sounder.family, sim::DeviceFamily::second);
   EXPECT_EQ(sounder.outputMode, 10);
