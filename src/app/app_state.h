@@ -104,6 +104,7 @@ struct AppState {
   Handle recordBusyB;
   uint32_t runNumber;           // shared: raised at each Start and at each Stop; a worker whose number is
                                 // stale touches nothing any more
+  uint32_t recordingNumber;     // shared: raised whenever fresh record files are opened
   PortEntry ports[kMaxPorts];   // GUI thread
   wchar_t rememberedRange[64];  // combo texts at the last Start or Apply; GUI thread
   wchar_t rememberedRangeDual[64];

@@ -62,8 +62,8 @@ void ReopenRecordFiles(AppState& state) {
 }
 
 // Takes the device's own account of its settings and goes on with the run.
-void ResumeRun(AppState& state) {
-  AdoptDevice(state);
+void ResumeRun(AppState& state, PanelRanges before) {
+  AdoptDevice(state, before);
   RefreshSettingsControls(state);
   ReopenRecordFiles(state);
   KeepInterval(state.settings);
@@ -80,6 +80,7 @@ void ApplySettings(AppState& state) {
   if (!BringToPrompt(state, pointer)) return;
 
   const DeviceSettings applied = state.appliedSettings;
+  const PanelRanges ranges = RangesOfPanels(applied);
   SendChanges(state);
   const DeviceSettings wanted = state.settings;
   if (!ReadSettingsBack(state)) return GiveUpRun(state, pointer, kUnreadable);
@@ -87,7 +88,7 @@ void ApplySettings(AppState& state) {
     pointer.Restore();
     ShowBox(state, L"Sonarmite_old fortmat is not support Dual_mode", L"", BoxIcon::information);
   }
-  ResumeRun(state);
+  ResumeRun(state, ranges);
 }
 
 void RestoreDefaults(AppState& state) {
@@ -97,9 +98,10 @@ void RestoreDefaults(AppState& state) {
   WaitPointer pointer;
   if (!BringToPrompt(state, pointer)) return;
 
+  const PanelRanges ranges = RangesOfPanels(state.appliedSettings);
   static_cast<void>(Exchange(state.devicePort, CommandId::defaults));
   if (!ReadSettingsBack(state)) return GiveUpRun(state, pointer, kUnreadable);
-  ResumeRun(state);
+  ResumeRun(state, ranges);
 }
 
 }  // namespace tw

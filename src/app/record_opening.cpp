@@ -59,6 +59,7 @@ void OpenRecordFiles(AppState& state, NamingMoment moment) {
 
 void OpenRecordFiles(AppState& state, NamingMoment moment, int32_t namingFamily) {
   CloseRecordFiles(state);
+  StoreShared(state.recordingNumber, LoadShared(state.recordingNumber) + 1);
   const bool first = namingFamily == 1;
   if (first && moment == NamingMoment::start && state.settings.outputMode == 5) state.settings.outputMode = 6;
 

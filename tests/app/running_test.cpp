@@ -1,0 +1,68 @@
+// What the operator sees and has set stays as it should while a run is interrupted, recorded and resumed.
+#include "app/run_control.h"
+#include "tests/app/run_control_fixture.h"
+
+namespace tw::test {
+namespace {
+
+class Running : public RunControlTest {
+ protected:
+  void Tick(int id, bool checked) { Ui().controls[id].checked = checked; }
+
+  void SetRecording(bool on) {
+    Tick(ID_RECORD, on);
+    ToggleRecording(*state_);
+  }
+
+  // What the status bar tells of the recording, once it has been told again.
+  [[nodiscard]] std::wstring ReportedSize() {
+    Run(2);
+    return Ui().posts[3].empty() ? L"" : Ui().posts[3].back();
+  }
+};
+
+TEST_F(Running, ApplyLeavesTheZoomUnlessTheRangeIsAnother) {
+  sim::SounderOptions options = QuickSounder();
+  options.range_mm = 30'000;
+  ConnectSounder(options);
+  StartRun(*state_);
+  EXPECT_EQ(state_->displayRangeUpper, 30'000);
+
+  state_->displayRangeUpper = 5'000;
+  state_->settings.gainHigh = 3.0f;
+  ApplySettings(*state_);
+  EXPECT_EQ(state_->displayRangeUpper, 5'000) << "the range is the same";
+  state_->settings.rangeHigh_mm = 50'000;
+  ApplySettings(*state_);
+  EXPECT_EQ(state_->displayRangeUpper, 50'000);
+
+  state_->displayRangeUpper = 5'000;
+  state_->displayRangeLower = 1'000;
+  Tick(ID_DUAL_MODE, true);
+  ApplySettings(*state_);
+  EXPECT_EQ(state_->displayRangeUpper, 5'000);
+  EXPECT_EQ(state_->displayRangeLower, 30'000) << "a panel that has just appeared shows all";
+  state_->displayRangeLower = 2'000;
+  ApplySettings(*state_);
+  EXPECT_EQ(state_->displayRangeLower, 2'000);
+}
+
+TEST_F(Running, TheReportedSizeIsThatOfThePresentRecording) {
+  ConnectSounder(QuickSounder());
+  Tick(ID_RECORD, true);
+  StartRun(*state_);
+  Run(20);
+  SetRecording(false);
+  SetRecording(true);
+  const std::wstring told = ReportedSize();
+  ASSERT_EQ(RecordFiles().size(), 2u);
+  const size_t first = Content(RecordFiles()[0]).size();
+  const size_t second = Content(RecordFiles()[1]).size();
+  ASSERT_GT(first, 4 * second);
+  const std::wstring before = L"File size: ";
+  ASSERT_TRUE(told.starts_with(before) && told.ends_with(L"KB"));
+  EXPECT_LE(std::stoul(told.substr(before.size())), second / 1024);
+}
+
+}  // namespace
+}  // namespace tw::test
