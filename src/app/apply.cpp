@@ -18,11 +18,6 @@ namespace {
 constexpr uint32_t kPause_ms = 10;
 constexpr OutputMode kFirstFamilyOld = 9;
 
-void ClearLiveTexts(AppState& state) {
-  PostStatusText(state, StatusPart::position, L"");
-  PostStatusText(state, StatusPart::pingLine, L"");
-}
-
 // Ends the run so far that commands can be sent. On failure the operator has been told, and the program is
 // idle.
 bool BringToPrompt(AppState& state, WaitPointer& pointer) {

@@ -194,6 +194,7 @@ void Convert(AppState& state, Conversion conversion) {
   if (!ChooseInputFiles(state, paths) || paths.empty()) return Refuse(state, L"File is not selected");
   if (paths.size() > 1) return Refuse(state, L"Select One File");
   EndFileWorkers(state);
+  ClearLiveTexts(state);
   RefreshControlStates(state);
   Candidate input;
   // Nobody may write it meanwhile, and so the output can never be the input.
@@ -232,6 +233,7 @@ void PlayFiles(AppState& state) {
   std::vector<std::wstring> paths;
   if (!ChooseInputFiles(state, paths) || paths.empty()) return;
   EndFileWorkers(state);
+  ClearLiveTexts(state);
   if (paths.size() == 1) {
     PlayOne(state, paths[0]);
   } else if (paths.size() == 2) {

@@ -67,6 +67,11 @@ void KeepInterval(const DeviceSettings& settings) {
   StoreShared(globals.marksAtStart, MarkInterval(kSingleMarkPeriod_ms, known_ms));
 }
 
+void ClearLiveTexts(AppState& state) {
+  PostStatusText(state, StatusPart::position, L"");
+  PostStatusText(state, StatusPart::pingLine, L"");
+}
+
 bool StartDeviceAndWorkers(AppState& state) {
   StartTimer(state, ID_TIMER_LINK, kLinkTimerPeriod_ms);
   const WorkerStart result = StartWorkers(state);

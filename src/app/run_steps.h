@@ -22,6 +22,9 @@ void AdoptDevice(AppState& state, PanelRanges before = {});
 // What the workers need to know of the interval; an automatic one is measured.
 void KeepInterval(const DeviceSettings& settings);
 
+// Empties what workers tell in the status bar. Posted, so that it comes behind what they have posted.
+void ClearLiveTexts(AppState& state);
+
 // Starts timer 8, the device and the workers, refreshes the controls, and remembers the selectors' texts. On
 // failure the operator has been told, the program is idle, and the result is false.
 [[nodiscard]] bool StartDeviceAndWorkers(AppState& state);

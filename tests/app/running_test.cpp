@@ -64,5 +64,15 @@ TEST_F(Running, TheReportedSizeIsThatOfThePresentRecording) {
   EXPECT_LE(std::stoul(told.substr(before.size())), second / 1024);
 }
 
+// Part 2 of the status bar tells a position or the size of a conversion, part 3 a file's or a recording's.
+TEST_F(Running, StartTakesBackWhatAFileToldInTheStatusBar) {
+  ConnectSounder(QuickSounder());
+  PostStatusText(*state_, StatusPart::position, L"File size: 3600Bytes");
+  PostStatusText(*state_, StatusPart::pingLine, L"File size: 281655Bytes");
+  StartRun(*state_);
+  EXPECT_EQ(Ui().posts[2].back(), L"");
+  EXPECT_EQ(Ui().posts[3].back(), L"");
+}
+
 }  // namespace
 }  // namespace tw::test
