@@ -138,15 +138,22 @@ void TakeLowSettings(AppState& state, const std::optional<InfoLine>& low) {
   state.displayRangeLower = RangeInMillimetres(low->range_mm);
 }
 
+// What a settings line tells of a channel's frequency. The pings tell it too, but a line with the altitudes
+// of both channels only that of the first.
+int32_t FrequencyOf(const std::optional<InfoLine>& info) {
+  return info ? info->frequency_hz : 0;
+}
+
 void BeginPlayback(AppState& state, Candidate& a, Candidate* b) {
+  const std::optional<InfoLine> low = b != nullptr ? b->told->info : a.told->low;
   BeginFileRun(state);
   StoreShared(state.conversionKind, 0);
   TakeSettings(state, a);
-  TakeLowSettings(state, b != nullptr ? b->told->info : a.told->low);
+  TakeLowSettings(state, low);
   KeepInterval(state.settings);
   StoreShared(globals.dualMode, b != nullptr || a.told->channels > 1 ? 1 : 0);
-  StoreShared(globals.playedFrequencyA_hz, 0);
-  StoreShared(globals.playedFrequencyB_hz, 0);
+  StoreShared(globals.playedFrequencyA_hz, FrequencyOf(a.told->info));
+  StoreShared(globals.playedFrequencyB_hz, FrequencyOf(low));
   globals.lastCapture_s = -1;
   StoreShared(state.echogramEnabled, CarriesEchoes(*a.told) ? 1 : 0);
   state.playbackPace = kPlaybackPace_ms;

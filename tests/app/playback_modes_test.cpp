@@ -102,6 +102,10 @@ TEST_P(PlaybackModes, TheRingsShowWhatTheyShowedLive) {
   ExpectSame(liveA, PingsOfA(), "A");
   if (each.dual) ExpectSame(liveB, PingsOfB(), "B");
   EXPECT_EQ(LoadShared(globals.dualMode), each.dual ? 1 : 0);
+  EXPECT_EQ(LoadShared(globals.playedFrequencyA_hz), 450'000);
+  if (each.dual) {
+    EXPECT_EQ(LoadShared(globals.playedFrequencyB_hz), 200'000);
+  }
   EXPECT_EQ(StateOfProgram(*state_), ProgramState::paused);
   EXPECT_EQ(state_->playbackPace, 16);
   EXPECT_EQ(state_->playbackSpan, 320);
