@@ -87,7 +87,7 @@ struct AppState {
   int32_t conversionKind;  // 0 none, 1 SEG-Y, 2 binary to text; shared
   uint64_t seekRequest;    // shared: the slider asks, the file worker takes; see display/slider_messages.h
 
-  // Fields that the table above has no names for.
+  // Of a playback, of choices that wait to be sent, of the window and of the record files.
   int32_t playbackActive;  // GUI thread
   int32_t playbackPaused;  // GUI thread
   int64_t stepTime_ms;     // recorded time to which the second file follows the first; shared
@@ -98,7 +98,7 @@ struct AppState {
   int32_t pendingRange;    // changes of range and output that timer 7 will send; GUI thread
   int32_t pendingOutput;
   int32_t fullWindow;  // the controls are hidden; GUI thread
-  int32_t fullScreen;  // the window's style is changed; nothing sets it today
+  int32_t fullScreen;  // the window's style is changed; nothing sets it
   Lock recordLock;     // recordFileA, recordFileB and the two busy fields
   Handle recordBusyA;  // the file that the worker is writing to right now, else invalid
   Handle recordBusyB;

@@ -115,9 +115,9 @@ void TakeRange(AppState& state, float range_m) {
   constexpr float kLeast_m = 1.0f;
   constexpr float kMost_m = 200.0f;
   if (!(range_m >= kLeast_m && range_m <= kMost_m)) return;
-  state.settings.rangeHigh_mm = static_cast<int32_t>(range_m * 1000.0f);
-  state.displayRangeUpper = state.settings.rangeHigh_mm;
-  state.displayRangeLower = state.settings.rangeHigh_mm;
+  const auto range_mm = static_cast<int32_t>(range_m * 1000.0f);
+  state.settings.rangeLow_mm = state.settings.rangeHigh_mm = range_mm;
+  state.displayRangeLower = state.displayRangeUpper = range_mm;
 }
 
 // What the recording tells of the settings it was made with.
@@ -127,6 +127,10 @@ void TakeSettings(AppState& state, const Candidate& file) {
   state.settings.outputMode = told.outputMode;
   if (!told.info) return TakeRange(state, file.range_m);
   ApplyInfoLine(*told.info, state.settings);
+  // A view of the low frequency alone goes by the low channel's values.
+  if (told.info->frequency_hz == state.settings.lowFrequency_hz) {
+    ApplyLowInfoLine(*told.info, state.settings);
+  }
   state.displayRangeUpper = RangeInMillimetres(told.info->range_mm);
   state.displayRangeLower = state.displayRangeUpper;
 }

@@ -1,6 +1,7 @@
 // What the operator sees and has set stays as it should while a run is interrupted, recorded and resumed.
-#include "app/run_control.h"
-#include "tests/app/run_control_fixture.h"
+#include "display/panel.h"
+#include "display/zoom.h"
+#include "tests/app/playback_fixture.h"
 
 namespace tw::test {
 namespace {
@@ -72,6 +73,36 @@ TEST_F(Running, StartTakesBackWhatAFileToldInTheStatusBar) {
   StartRun(*state_);
   EXPECT_EQ(Ui().posts[2].back(), L"");
   EXPECT_EQ(Ui().posts[3].back(), L"");
+}
+
+// Wheel and threshold line go by the file, not by what the program had for the low frequency before.
+TEST_F(Playback, AFileOfTheLowFrequencyIsShownByItsOwnValues) {
+  sim::SounderOptions options = QuickSounder();
+  options.lowFrequency = true;
+  options.range_mm = 30'000;
+  Record(options, 5);
+  state_->settings.rangeLow_mm = 10'000;
+  state_->settings.thresholdLow_percent = 77;
+  Choose(files_);
+  PlayFiles(*state_);
+  EXPECT_TRUE(Ui().controls[ID_LOW_FREQUENCY].checked);
+  EXPECT_FALSE(Ui().controls[ID_HIGH_FREQUENCY].checked);
+  EXPECT_EQ(DeviceRangeOf(state_->settings, PanelPlace::single), 30'000);
+  EXPECT_EQ(DescribePanel(*state_, PanelPlace::single).threshold_percent, 10) << "as the device told it";
+  const int32_t zoomed = ZoomedRange(state_->displayRangeUpper, 30'000, WheelTurn::forward);
+  EXPECT_EQ(ZoomedRange(zoomed, DeviceRangeOf(state_->settings, PanelPlace::single), WheelTurn::back),
+            30'000);
+}
+
+TEST_F(Playback, ThePairOfADualRunTicksDualMode) {
+  sim::SounderOptions options = QuickSounder();
+  options.dual = true;
+  Record(options, 5);
+  state_->settings.simultaneous = 0;  // as a device of one frequency has left it
+  Choose(files_);
+  PlayFiles(*state_);
+  EXPECT_TRUE(Ui().controls[ID_DUAL_MODE].checked);
+  EXPECT_FALSE(Ui().controls[ID_HIGH_FREQUENCY].checked);
 }
 
 }  // namespace
