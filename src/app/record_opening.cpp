@@ -17,7 +17,7 @@ NamingFacts CollectFacts(const AppState& state, NamingMoment moment, int32_t fam
       .family = family,
       .dual = LoadShared(globals.dualMode) != 0,
       .outputMode = settings.outputMode,
-      .frequencyInUse_hz = settings.frequencyInUse_hz,
+      .frequencyInUse_hz = state.appliedSettings.frequencyInUse_hz,  // a choice may wait for Apply
       .lowFrequency_hz = settings.lowFrequency_hz,
       .highFrequency_hz = settings.highFrequency_hz,
       .measuredLow_hz = globals.measuredLowFrequency_hz,

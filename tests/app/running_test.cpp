@@ -1,4 +1,5 @@
 // What the operator sees and has set stays as it should while a run is interrupted, recorded and resumed.
+#include "app/family_controls.h"
 #include "display/panel.h"
 #include "display/zoom.h"
 #include "tests/app/playback_fixture.h"
@@ -46,6 +47,22 @@ TEST_F(Running, ApplyLeavesTheZoomUnlessTheRangeIsAnother) {
   state_->displayRangeLower = 2'000;
   ApplySettings(*state_);
   EXPECT_EQ(state_->displayRangeLower, 2'000);
+}
+
+TEST_F(Running, AFrequencyThatIsOnlyChosenIsNeitherShownNorPutIntoNames) {
+  ConnectSounder(QuickSounder());
+  StartRun(*state_);
+  Tick(ID_LOW_FREQUENCY, true);
+  TakeSettingsChoice(*state_, ID_LOW_FREQUENCY);
+  SetRecording(true);
+  Run(2);
+  EXPECT_EQ(DescribePanel(*state_, PanelPlace::single).frequency_hz, 450'000);
+  ApplySettings(*state_);
+  EXPECT_EQ(DescribePanel(*state_, PanelPlace::single).frequency_hz, 200'000);
+  Run(2);
+  ASSERT_EQ(RecordFiles().size(), 2u);
+  EXPECT_NE(RecordFiles()[0].find("_450kHz_"), std::string::npos) << RecordFiles()[0];
+  EXPECT_NE(RecordFiles()[1].find("_200kHz_"), std::string::npos) << RecordFiles()[1];
 }
 
 TEST_F(Running, TheReportedSizeIsThatOfThePresentRecording) {
