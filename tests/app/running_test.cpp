@@ -51,6 +51,7 @@ TEST_F(Running, ApplyLeavesTheZoomUnlessTheRangeIsAnother) {
 
 TEST_F(Running, AFrequencyThatIsOnlyChosenIsNeitherShownNorPutIntoNames) {
   ConnectSounder(QuickSounder());
+  Tick(ID_RECORD, false);
   StartRun(*state_);
   Tick(ID_LOW_FREQUENCY, true);
   TakeSettingsChoice(*state_, ID_LOW_FREQUENCY);
@@ -63,6 +64,22 @@ TEST_F(Running, AFrequencyThatIsOnlyChosenIsNeitherShownNorPutIntoNames) {
   ASSERT_EQ(RecordFiles().size(), 2u);
   EXPECT_NE(RecordFiles()[0].find("_450kHz_"), std::string::npos) << RecordFiles()[0];
   EXPECT_NE(RecordFiles()[1].find("_200kHz_"), std::string::npos) << RecordFiles()[1];
+}
+
+TEST_F(Running, DualModeThatIsOnlyChosenMakesNoFileOfBothChannels) {
+  sim::SounderOptions options = QuickSounder();
+  options.outputMode = 8;
+  ConnectSounder(options);
+  Tick(ID_RECORD, false);
+  StartRun(*state_);
+  Tick(ID_DUAL_MODE, true);
+  TakeSettingsChoice(*state_, ID_DUAL_MODE);
+  SetRecording(true);
+  Run(2);
+  ASSERT_EQ(RecordFiles().size(), 1u);
+  const std::string content = Content(RecordFiles()[0]);
+  EXPECT_TRUE(content.starts_with("INFO:1,450000,"));
+  EXPECT_EQ(content.find("INFO:", 1), std::string::npos) << "one channel, one settings line";
 }
 
 TEST_F(Running, TheReportedSizeIsThatOfThePresentRecording) {

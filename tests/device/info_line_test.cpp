@@ -8,6 +8,7 @@
 #include <iterator>
 #include <memory>
 
+#include "app/app_state.h"
 #include "platform/file.h"
 #include "platform/host/faults.h"
 
@@ -206,7 +207,7 @@ TEST_F(InfoLineFile, BothChannelsHighFirst) {
   ASSERT_NE(file_, Handle::invalid);
   state_->settings.outputMode = 7;
   state_->settings.simultaneous = 1;
-  WriteInfoLine(*state_, file_, 200'000);
+  WriteInfoLine(state_->settings, file_, 200'000);
   EXPECT_EQ(Written(),
             "INFO:1,450000,30000,0.2,20,87.2,-4,20,0.14,2,100,25,5,1487.7,7\r\n"
             "INFO:1,200000,60000,0.2,40,87.2,2,15,0.08,1,150,20,-10,1487.7,7\r\n");
@@ -222,7 +223,7 @@ TEST_F(InfoLineFile, AFailedWriteClosesTheFile) {
     ASSERT_NE(file_, Handle::invalid);
     ClearFaults();
     InjectFault({.point = FaultPoint::writeFile, .call = call, .taken = 5});
-    WriteInfoLine(*state_, file_, 200'000);
+    WriteInfoLine(state_->settings, file_, 200'000);
     EXPECT_EQ(file_, Handle::invalid);
     EXPECT_EQ(CallCount(FaultPoint::writeFile), call) << "nothing is written after the failure";
     EXPECT_TRUE(Written().ends_with("INFO:"));
