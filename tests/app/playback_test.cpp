@@ -5,6 +5,7 @@
 #include "app/file_naming.h"
 #include "base/text_format.h"
 #include "tests/app/playback_fixture.h"
+#include "tests/playback/info_text.h"
 
 namespace tw::test {
 namespace {
@@ -209,11 +210,10 @@ TEST_F(ConversionRun, ClearingRecordDataEndsTheOutput) {
 TEST_F(ConversionRun, SegyTellsTheSoundSpeedOfTheSettings) {
   const std::string ping =
       "#DeviceID a\r\n#NSamples 1\r\n#Sampling_Frequency,Hz 25000\r\n##DataStart\r\n7\r\n\r\n\r\n";
-  const std::string info = "INFO:1,450000,30000,0.1,20,0.0,0,15,0.14,0,150,20,0,1432.5,4\r\n";
   const struct {
     std::string content;
     std::string speed;  // 1480, 1432
-  } rows[] = {{ping, "\x05\xC8"}, {info + ping, "\x05\x98"}};
+  } rows[] = {{ping, "\x05\xC8"}, {InfoText(1, 4, "1432.5") + ping, "\x05\x98"}};
   for (const auto& row : rows) {
     WriteWhole(folder_ / "older.log", row.content);
     state_->settings.soundSpeed_mps = 1480.0f;

@@ -4,16 +4,13 @@
 
 #include <string>
 
+#include "tests/playback/info_text.h"
+
 namespace tw {
 namespace {
 
 std::optional<Detected> Detect(std::string_view start) {
   return DetectRecording({reinterpret_cast<const uint8_t*>(start.data()), start.size()});
-}
-
-std::string Info(int kind, int mode) {
-  return "INFO:" + std::to_string(kind) + ",200000,10000,0.1,20,0.0,0,15,0.08,0,150,20,0,1490.5," +
-         std::to_string(mode) + "\r\n";
 }
 
 TEST(Detection, InfoLineDecides) {
@@ -50,7 +47,7 @@ TEST(Detection, InfoLineDecides) {
   };
   for (const auto& row : rows) {
     // What follows the line would tell something else.
-    const auto told = Detect(Info(row.kind, row.mode) + "Alt : 1.0\r\nTR57");
+    const auto told = Detect(test::InfoText(row.kind, row.mode, "1490.5") + "Alt : 1.0\r\nTR57");
     ASSERT_TRUE(told) << row.what;
     EXPECT_EQ(told->form, row.form) << row.what;
     EXPECT_EQ(told->family, row.kind) << row.what;
@@ -59,7 +56,7 @@ TEST(Detection, InfoLineDecides) {
     ASSERT_TRUE(told->info) << row.what;
     EXPECT_FLOAT_EQ(told->info->soundSpeed_mps, 1490.5f) << row.what;
   }
-  EXPECT_EQ(Detect(Info(1, 6) + Info(1, 6))->channels, 2) << "two lines, two channels";
+  EXPECT_EQ(Detect(test::InfoText(1, 6) + test::InfoText(1, 6))->channels, 2) << "two lines, two channels";
 }
 
 TEST(Detection, MarksOfOlderRecordings) {
@@ -102,16 +99,15 @@ TEST(Detection, MarksOfOlderRecordings) {
 }
 
 TEST(Detection, NothingThatIsKnown) {
+  const std::string zeros(5'000, '\0');
   const std::string rows[] = {
       "",
       "x",
-      std::string(5'000, '\0'),
+      zeros,
       "Parameters and no mode",
       "xTIDEWRITEC",                     // not at the very start
       std::string(2'046, 'x') + "TR57",  // beyond the first bytes
-      std::string("TR5\0"
-                  "7",
-                  5),
+      "TR5" + zeros.substr(0, 1) + "7",
   };
   for (const std::string& start : rows) EXPECT_FALSE(Detect(start)) << start.substr(0, 20);
 }

@@ -1,6 +1,7 @@
 #include "tests/playback/sample_recordings.h"
 
 #include "simulator/virtual_echosounder.h"
+#include "tests/playback/info_text.h"
 
 namespace tw::test {
 namespace {
@@ -53,11 +54,6 @@ const std::vector<SampleKind>& SampleKinds() {
   return kinds;
 }
 
-std::string SampleInfo(int32_t family, int32_t outputMode) {
-  return "INFO:" + std::to_string(family) + ",200000,10000,0.1,20,0.0,0,15,0.08,0,150,20,0,1500.0," +
-         std::to_string(outputMode) + "\r\n";
-}
-
 std::string SampleRecording(const SampleKind& kind, size_t messages, int32_t samples) {
   EndOfMessages end(messages);
   sim::VirtualEchosounder sounder({.family = kind.family,
@@ -81,7 +77,7 @@ std::string SampleRecording(const SampleKind& kind, size_t messages, int32_t sam
     }
   }
   stream.resize(end.End());
-  return (kind.hasInfo ? SampleInfo(static_cast<int32_t>(kind.family), kind.outputMode) : "") + stream;
+  return (kind.hasInfo ? InfoText(static_cast<int32_t>(kind.family), kind.outputMode) : "") + stream;
 }
 
 }  // namespace tw::test
