@@ -69,10 +69,9 @@ class PlaybackModes : public Playback, public testing::WithParamInterface<Case> 
 
 TEST_P(PlaybackModes, TheRingsShowWhatTheyShowedLive) {
   const Case& each = GetParam();
-  sim::SounderOptions options = QuickSounder();
+  sim::SounderOptions options = QuickSounder(each.mode);
   options.family = each.family;
   options.identity = each.family == DeviceFamily::first ? "KT-1042" : "1042";
-  options.outputMode = each.mode;
   options.dual = each.dual;
   options.pingsPerSecond = 4;  // so that each ping has a slot of its own
   options.startTime_s = kBegin_s;

@@ -29,8 +29,7 @@ class PlaybackPair : public Playback, public testing::WithParamInterface<int32_t
 
 // However the two are chosen, the higher frequency is the first.
 TEST_P(PlaybackPair, TheSecondFollowsStepsAndSeeks) {
-  sim::SounderOptions options = QuickSounder();
-  options.outputMode = GetParam();
+  sim::SounderOptions options = QuickSounder(GetParam());
   options.dual = true;
   Record(options, 60);
   ASSERT_EQ(files_.size(), 2u);

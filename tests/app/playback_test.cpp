@@ -28,9 +28,7 @@ std::vector<TextPing> PingsInText(const std::wstring& path) {
 }
 
 TEST_F(Playback, StepsBackPausesAndSeeks) {
-  sim::SounderOptions options = QuickSounder();
-  options.outputMode = 4;
-  Record(options, 60);
+  Record(QuickSounder(4), 60);
   const std::vector<TextPing> pings = PingsInText(files_[0]);
   ASSERT_GT(pings.size(), 500u);
   const uint32_t first = pings.front().number;
@@ -157,8 +155,7 @@ TEST_F(Playback, FilesAreForAfterARun) {
 using ConversionRun = Playback;
 
 TEST_F(ConversionRun, BinaryBecomesSegyAndText) {
-  sim::SounderOptions options = QuickSounder();
-  options.outputMode = 100;
+  sim::SounderOptions options = QuickSounder(100);
   options.samplingFrequency_hz = 100'000;
   Record(options);
   const std::vector<ReadPing> pings = ReadPings(files_[0]);
@@ -190,9 +187,7 @@ TEST_F(ConversionRun, BinaryBecomesSegyAndText) {
 
 // It closes all files that are being written.
 TEST_F(ConversionRun, ClearingRecordDataEndsTheOutput) {
-  sim::SounderOptions options = QuickSounder();
-  options.outputMode = 100;
-  Record(options, 120);
+  Record(QuickSounder(100), 120);
   const fs::path output = records_ / fs::path(files_[0]).stem().concat(".sgy");
   EXPECT_EQ(Convert(files_[0], ConvertToSegy), L"Convert completed");
   const uint64_t whole = fs::file_size(output);
@@ -223,9 +218,7 @@ TEST_F(ConversionRun, SegyTellsTheSoundSpeedOfTheSettings) {
 }
 
 TEST_F(ConversionRun, WhatCannotBeConvertedIsSaid) {
-  sim::SounderOptions options = QuickSounder();
-  options.outputMode = 1;
-  Record(options, 5);
+  Record(QuickSounder(1), 5);
   const fs::path text = folder_ / "text.log";
   WriteWhole(text, kTextPing);
   using Command = void (*)(AppState&);

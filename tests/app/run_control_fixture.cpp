@@ -22,8 +22,9 @@ constexpr int64_t kBegin_ms = 1'741'944'605'000;  // 2025-03-14 09:30:05
 
 }  // namespace
 
-sim::SounderOptions QuickSounder() {
+sim::SounderOptions QuickSounder(int32_t outputMode) {
   sim::SounderOptions options;
+  options.outputMode = outputMode;
   options.baud = 921'600;
   options.sampleCount = 200;
   options.depth_m = 4.0;  // within these samples

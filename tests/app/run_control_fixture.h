@@ -24,7 +24,7 @@ inline constexpr wchar_t kDeviceLine[] = L"\\\\.\\COM5";
 inline constexpr wchar_t kGpsLine[] = L"\\\\.\\COM6";
 
 // A device that is asked little and pings ten times a second.
-[[nodiscard]] sim::SounderOptions QuickSounder();
+[[nodiscard]] sim::SounderOptions QuickSounder(int32_t outputMode = 2);
 
 class RunControlTest : public testing::Test {
  protected:

@@ -48,7 +48,6 @@ class Saboteur final : public NotedPeer {
     target_ = command;
     count_ = 0;
     hungUp_ = false;
-    reply_.clear();
   }
   [[nodiscard]] int Count() const { return count_; }
 
@@ -58,29 +57,17 @@ class Saboteur final : public NotedPeer {
       if (byte != '\r' && !(byte == ' ' && line_.size() == 1)) continue;
       const std::vector<uint8_t> line = std::exchange(line_, {});
       Log(line);
-      if (++count_ != target_ || sabotage_ == Sabotage::none) {
-        SimulatorPeer::Receive(line, now_us);
-        continue;
-      }
-      if (sabotage_ == Sabotage::hangUp) hungUp_ = true;
-      if (sabotage_ == Sabotage::refused) reply_ = "\r\nError\r\n\r\n>";
+      const Sabotage sabotage = ++count_ == target_ ? sabotage_ : Sabotage::none;
+      if (sabotage == Sabotage::none) SimulatorPeer::Receive(line, now_us);
+      if (sabotage == Sabotage::refused) SimulatorPeer::Receive(kNonsense, now_us);
+      if (sabotage == Sabotage::hangUp) hungUp_ = true;
     }
-  }
-  size_t Send(std::span<uint8_t> out, int64_t now_us) override {
-    if (reply_.empty()) return SimulatorPeer::Send(out, now_us);
-    const size_t size = reply_.copy(reinterpret_cast<char*>(out.data()), out.size());
-    reply_.erase(0, size);
-    return size;
-  }
-  size_t Waiting(int64_t now_us) override {
-    return reply_.empty() ? SimulatorPeer::Waiting(now_us) : reply_.size();
-  }
-  int64_t NextSend_us(int64_t now_us) override {
-    return reply_.empty() ? SimulatorPeer::NextSend_us(now_us) : now_us;
   }
   bool HungUp(int64_t now_us) override { return hungUp_ || SimulatorPeer::HungUp(now_us); }
 
  private:
+  static constexpr uint8_t kNonsense[] = {'?', '\r'};
+
   static void Log(const std::vector<uint8_t>& line) {
     std::string text(line.begin(), line.end());
     if (text.ends_with('\r')) text.pop_back();
@@ -93,7 +80,6 @@ class Saboteur final : public NotedPeer {
   int count_ = 0;
   bool hungUp_ = false;
   std::vector<uint8_t> line_;
-  std::string reply_;
 };
 
 class Sequence : public RunControlTest {

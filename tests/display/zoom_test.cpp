@@ -28,6 +28,8 @@ TEST(Zoom, MovesTheDisplayRangeOneStep) {
       {"no step nearer than the device's range: the last one", 200'000, 10'000, kIn, 5'000},
       {"device range 1 m", 1'000, 1'000, kOut, 1'000},
       {"device range 0", 10'000, 0, kOut, 1'000},
+      {"a device range that is no step allows none: out", 10'000, 25'000, kOut, 1'000},
+      {"and in", 10'000, 25'000, kIn, 1'000},
       {"hostile range", kMin, 20'000, kIn, 15'000},
       {"hostile range, large", kMax, 20'000, kOut, 20'000},
   };
