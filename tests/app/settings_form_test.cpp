@@ -85,68 +85,59 @@ TEST(SettingsForm, ValuesAsTexts) {
   }
 }
 
-TEST(SettingsForm, TextsWithinTheLimitsAreTaken) {
-  const struct {
-    F field;
-    FieldChannel channel;
-    const wchar_t* text;
-    std::wstring shown;
-  } rows[] = {
-      {F::range, low, L"200", L"200"},
-      {F::range, high, L"12.5", L"12.5"},
-      {F::interval, common, L"Auto", L"Auto"},
-      {F::interval, common, L"0.25", L"0.25"},
-      {F::outputMode, common, L"DESO-25(M)", L"DESO-25(M)"},
-      {F::txLength, low, L"500", L"500"},
-      {F::txLength, high, L"1000", L"1000"},
-      {F::gain, low, L"-60", L"-60.0"},
-      {F::gain, low, L"+3.5", L"3.5"},
-      {F::deadZone, high, L"10000", L"10000"},
-      {F::offset, low, L"-10000", L"-10000"},
-      {F::tvgAbsorption, high, L"0.14", L"0.14"},
-      {F::movingAverage, common, L"31", L"31"},
-      {F::outputRate, common, L"12.34", L"12.34"},
-  };
-  for (const auto& row : rows) {
-    DeviceSettings settings = Device();
-    EXPECT_EQ(ErrorOf(row.field, row.channel, kDual, row.text, settings), L"taken");
-    EXPECT_EQ(Text(row.field, row.channel, kDual, settings), row.shown);
-  }
-}
-
-TEST(SettingsForm, OthersAreRefusedAndChangeNothing) {
+TEST(SettingsForm, TextsAreHeldAgainstTheLimits) {
   const struct {
     F field;
     FieldChannel channel;
     std::wstring limits;
-    std::vector<const wchar_t*> texts;
+    std::vector<std::wstring> taken;  // and shown as they were entered
+    std::vector<const wchar_t*> refused;
   } rows[] = {
-      {F::range, low, L"Range (low) must be from 1 to 200", {L"200.1", L"0.9"}},
-      {F::range, high, L"Range (high) must be from 1 to 100", {L"100.5"}},
-      {F::interval, common, L"Ping interval must be from 0.01 to 10.00", {L"0.001", L"10.01"}},
-      {F::txLength, low, L"Transmit length (low) must be from 1 to 500", {L"501"}},
-      {F::gain,
-       low,
-       L"Gain (low) must be from -60.0 to 60.0",
-       {L"-60.001", L"3,5", L" 3", L"3 ", L"1e1", L"nan", L"", L"-", L".", L"1.2.3",
-        L"00000000000000000000000000000000000000001"}},
-      {F::deadZone, high, L"Dead zone (high) must be from 0 to 10000", {L"10001", L"10.5"}},
-      {F::threshold, low, L"Threshold (low) must be from 0 to 100", {L"101"}},
-      {F::soundSpeed, common, L"Speed of sound must be from 1300.0 to 1700.0", {L"1299.9"}},
-      {F::tvgAbsorption, high, L"TVG absorption (high) must be from 0.00 to 2.00", {L"2.01"}},
-      {F::movingAverage, common, L"Moving average must be from 1 to 31", {L"-5"}},
+      {F::range, low, L"Range (low) must be from 1 to 200", {L"1", L"200"}, {L"0.9", L"200.1"}},
+      {F::range, high, L"Range (high) must be from 1 to 100", {L"12.5", L"100"}, {L"100.5"}},
+      {F::interval,
+       common,
+       L"Ping interval must be from 0.01 to 10.00",
+       {L"Auto", L"0.25", L"10.00"},
+       {L"0.001", L"10.01"}},
+      {F::txLength, low, L"Transmit length (low) must be from 1 to 500", {L"500"}, {L"0", L"501"}},
+      {F::txLength, high, L"Transmit length (high) must be from 1 to 1000", {L"1000"}, {L"1001"}},
+      {F::gain, low, L"Gain (low) must be from -60.0 to 60.0", {L"-60.0", L"60.0"}, {L"-60.001", L"60.1"}},
+      {F::deadZone, high, L"Dead zone (high) must be from 0 to 10000", {L"10000"}, {L"10001", L"10.5"}},
+      {F::offset, low, L"Offset (low) must be from -10000 to 10000", {L"-10000"}, {L"-10001", L"10001"}},
+      {F::threshold, low, L"Threshold (low) must be from 0 to 100", {L"0", L"100"}, {L"101"}},
+      {F::soundSpeed, common, L"Speed of sound must be from 1300.0 to 1700.0", {L"1700.0"}, {L"1299.9"}},
+      {F::tvgAbsorption, high, L"TVG absorption (high) must be from 0.00 to 2.00", {L"0.14"}, {L"2.01"}},
+      {F::movingAverage, common, L"Moving average must be from 1 to 31", {L"31"}, {L"-5", L"32"}},
+      {F::outputRate, common, L"Output rate must be from 0.00 to 100.00", {L"12.34"}, {L"100.01"}},
   };
-  DeviceSettings settings = Device();
   for (const auto& row : rows) {
-    const std::wstring before = Text(row.field, row.channel, kDual, settings);
-    for (const wchar_t* const text : row.texts) {
-      EXPECT_EQ(ErrorOf(row.field, row.channel, kDual, text, settings), L"Value of " + row.limits + L".")
-          << testing::PrintToString(text);
-      EXPECT_EQ(Text(row.field, row.channel, kDual, settings), before) << testing::PrintToString(text);
+    SCOPED_TRACE(testing::PrintToString(row.limits));
+    DeviceSettings settings = Device();
+    for (const std::wstring& text : row.taken) {
+      EXPECT_EQ(ErrorOf(row.field, row.channel, kDual, text.c_str(), settings), L"taken");
+      EXPECT_EQ(Text(row.field, row.channel, kDual, settings), text);
+    }
+    for (const wchar_t* const text : row.refused) {
+      EXPECT_EQ(ErrorOf(row.field, row.channel, kDual, text, settings), L"Value of " + row.limits + L".");
+      EXPECT_EQ(Text(row.field, row.channel, kDual, settings), row.taken.back());
     }
   }
+}
+
+TEST(SettingsForm, NumbersAreReadStrictly) {
+  DeviceSettings settings = Device();
+  for (const wchar_t* const text : {L"3,5", L" 3", L"3 ", L"1e1", L"nan", L"", L"-", L".", L"1.2.3",
+                                    L"00000000000000000000000000000000000000001"}) {
+    EXPECT_EQ(ErrorOf(F::gain, high, kDual, text, settings),
+              L"Value of Gain (high) must be from -60.0 to 60.0.");
+    EXPECT_EQ(settings.gainHigh, 2.125f);
+  }
+  EXPECT_EQ(ErrorOf(F::gain, high, kDual, L"+3.5", settings), L"taken");
+  EXPECT_EQ(settings.gainHigh, 3.5f);
   EXPECT_EQ(ErrorOf(F::outputMode, common, kDual, L"deso-25(m)", settings), L"") << "no item";
-  EXPECT_EQ(settings.outputMode, 4);
+  EXPECT_EQ(ErrorOf(F::outputMode, common, kDual, L"DESO-25(M)", settings), L"taken");
+  EXPECT_EQ(settings.outputMode, 6);
 }
 
 // What the device reported may lie outside all limits; a form that is confirmed unchanged changes nothing.

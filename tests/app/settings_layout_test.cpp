@@ -9,20 +9,6 @@
 namespace tw {
 namespace {
 
-constexpr struct {
-  const char* name;
-  FormFacts facts;
-} kForms[] = {
-    {"single", {1, false, false, false, 0, 1.0f}},
-    {"single that smooths", {1, false, true, false, 0, 1.0f}},
-    {"dual", {1, true, false, false, 0, 1.0f}},
-    {"dual that smooths", {1, true, true, false, 0, 1.0f}},
-    {"second family", {2, false, false, true, 0, 1.0f}},
-    {"third family", {0, false, false, false, 0, 1.0f}},
-    {"played", {1, false, false, false, 0, 1.0f, true}},
-    {"played pair", {1, true, false, false, 0, 1.0f, true}},
-};
-
 // As much of an item as is seen while no list is open.
 DialogRect SeenOf(const FormItem& item) {
   constexpr int32_t kClosedCombo = 14;
@@ -67,7 +53,18 @@ void ExpectLabelsAheadOfTheirValues(const FormLayout& layout) {
 }
 
 TEST(SettingsLayout, NothingOverlapsAndEachLabelStandsAheadOfItsValue) {
-  for (const auto& form : kForms) {
+  const struct {
+    const char* name;
+    FormFacts facts;
+  } forms[] = {{"single", {1, false, false, false, 0, 1.0f}},
+               {"single that smooths", {1, false, true, false, 0, 1.0f}},
+               {"dual", {1, true, false, false, 0, 1.0f}},
+               {"dual that smooths", {1, true, true, false, 0, 1.0f}},
+               {"second family", {2, false, false, true, 0, 1.0f}},
+               {"third family", {0, false, false, false, 0, 1.0f}},
+               {"played", {1, false, false, false, 0, 1.0f, true}},
+               {"played pair", {1, true, false, false, 0, 1.0f, true}}};
+  for (const auto& form : forms) {
     SCOPED_TRACE(form.name);
     const FormLayout layout = LayOutForm(form.facts, DeviceSettings{});
     ExpectApart(layout);
