@@ -42,6 +42,17 @@ TEST_F(Apply, AChangedOutputIsSentASecondLater) {
   EXPECT_EQ(sounder_->Commands().Total(), commands);
 }
 
+TEST_F(Apply, WithoutRecordDataNoFileIsOpened) {
+  StartQuickRun(1);
+  Ui().controls[ID_RECORD].checked = false;
+  ToggleRecording(*state_);
+  ApplySettings(*state_);
+  EXPECT_EQ(state_->recordFileA, Handle::invalid);
+  ChangeSpeed(*state_, 460'800);
+  EXPECT_EQ(state_->recordFileA, Handle::invalid);
+  EXPECT_EQ(StateOfProgram(*state_), ProgramState::running);
+}
+
 // Whichever of the two comes second; the run goes on with what the device has.
 TEST_F(Apply, SonarmiteOldForBothFrequenciesMayBeRefused) {
   sim::SounderOptions options = QuickSounder();

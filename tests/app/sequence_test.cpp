@@ -246,6 +246,7 @@ Log Sent(const std::string& commands) {
 const Log kInterrupted = Sent("<stop key>|<return>|{20}");
 
 struct OrderCase {
+  friend void PrintTo(const OrderCase& each, std::ostream* out) { *out << each.name; }
   const char* name;
   DeviceFamily family;
   bool dual;

@@ -28,7 +28,7 @@ namespace {
 
 class StartTest : public RunControlTest {};
 
-TEST_F(StartTest, RemembersTheSelectorsAndShowsTheEchogram) {
+TEST_F(StartTest, HappensOnceAndRemembersTheSelectors) {
   StartQuickRun();
   EXPECT_TRUE(Ui().boxes.empty());
   EXPECT_TRUE(Ui().PointerIsArrow());
@@ -36,6 +36,10 @@ TEST_F(StartTest, RemembersTheSelectorsAndShowsTheEchogram) {
   EXPECT_EQ(StoredNumber(L"DeviceCOMSpeed"), 921'600u);
   EXPECT_EQ(StoredNumber(L"GPSCOMPort"), 0xFFFFFFFFu);
   EXPECT_EQ(state_->echogramEnabled, 1);
+  const Handle thread = state_->acquisitionThread;
+  StartRun(*state_);
+  EXPECT_EQ(state_->acquisitionThread, thread);
+  EXPECT_EQ(sounderPeer_->Opened(), 1);
 }
 
 TEST_F(StartTest, RecordsFromTheFirstPingOn) {
@@ -192,14 +196,6 @@ TEST_F(StartTest, NoGpsThread) {
   ExpectBox(L"Unable to run GPS working thread", L"Error", BoxIcon::error);
   EXPECT_EQ(state_->gpsPort, Handle::invalid);
   ExpectIdle();
-}
-
-TEST_F(StartTest, WhileRunningDoesNothing) {
-  StartQuickRun();
-  const Handle thread = state_->acquisitionThread;
-  StartRun(*state_);
-  EXPECT_EQ(state_->acquisitionThread, thread);
-  EXPECT_EQ(sounderPeer_->Opened(), 1);
 }
 
 }  // namespace

@@ -64,7 +64,10 @@ TEST_F(StopTest, APulledPlugIsReportedOnceAndNothingIsSentToALostDevice) {
   static AppState* state = nullptr;
   state = state_;
   Ui().duringBox = [] {
-    if (Ui().timers.contains(ID_TIMER_CHANGES)) HandleTimer(*state, ID_TIMER_CHANGES);
+    Ui().duringBox = nullptr;
+    for (const int timer : {ID_TIMER_CHANGES, ID_TIMER_LINK}) {
+      if (Ui().timers.contains(timer)) HandleTimer(*state, timer);
+    }
   };
   Run(2);
   ExpectBox(L"Connection lost!", L"Error", BoxIcon::error);
