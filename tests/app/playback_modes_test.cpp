@@ -100,8 +100,6 @@ TEST_P(PlaybackModes, TheRingsShowWhatTheyShowedLive) {
   if (each.dual) ExpectSame(liveB, PingsOfB(), "B");
   EXPECT_EQ(LoadShared(globals.dualMode), each.dual ? 1 : 0);
   EXPECT_EQ(StateOfProgram(*state_), ProgramState::paused);
-  EXPECT_EQ(state_->playbackPace, 16);
-  EXPECT_EQ(state_->playbackSpan, 320);
   EXPECT_EQ(Ui().progress.back().position, Ui().progress.back().fileSize);
   EXPECT_TRUE(Ui().posts[static_cast<size_t>(StatusPart::position)].back().starts_with(L"Position(3D)"));
   StopRun(*state_);

@@ -94,15 +94,14 @@ class HostileFiles : public Playback {
 
   // A cut recording gives the pings before the cut and nothing else.
   void ExpectFirstPings(const Outcome& whole, const Outcome& cut, size_t size) {
-    if (cut.fault == RecordingFault::none) {
-      EXPECT_TRUE(Begins(whole.pings, cut.pings)) << "cut at " << size;
-      EXPECT_EQ(whole.skipped, 0u) << "nothing of a sound recording is damage";
-      EXPECT_EQ(cut.skipped, size - std::min(size, whole.ends[cut.pings.size() - 1])) << "cut at " << size;
-      EXPECT_TRUE(Begins(whole.segy, cut.segy)) << "cut at " << size;
-      EXPECT_TRUE(Begins(whole.text, cut.text)) << "cut at " << size;
-    } else {
-      EXPECT_NE(cut.fault, RecordingFault::notOpened) << "cut at " << size;
-    }
+    SCOPED_TRACE("cut at " + std::to_string(size));
+    EXPECT_NE(cut.fault, RecordingFault::notOpened);
+    if (cut.fault != RecordingFault::none) return;
+    EXPECT_TRUE(Begins(whole.pings, cut.pings));
+    EXPECT_EQ(whole.skipped, 0u) << "nothing of a sound recording is damage";
+    EXPECT_EQ(cut.skipped, size - std::min(size, whole.ends[cut.pings.size() - 1]));
+    EXPECT_TRUE(Begins(whole.segy, cut.segy));
+    EXPECT_TRUE(Begins(whole.text, cut.text));
   }
 
   // Plays to the end, or says why not; idle afterwards either way. Returns whether it was played.
