@@ -25,10 +25,6 @@ std::vector<std::string> FramesOf(const FrameFormat& format, std::string_view st
   return test::BlocksOf(reader, stream, pieceSize);
 }
 
-std::string Dual(std::string frame) {
-  return "DUAL" + frame.substr(4);
-}
-
 struct Format {
   const char* name;
   const FrameFormat& format;
@@ -36,53 +32,8 @@ struct Format {
 };
 
 const Format kFormats[] = {{"TR57", kEchoFrames, kGoldenFrame},
-                           {"DUAL", kDualEchoFrames, Dual(kGoldenFrame)},
+                           {"DUAL", kDualEchoFrames, "DUAL" + kGoldenFrame.substr(4)},
                            {"TIDEWRITEC", kDeviceBlocks, kGoldenDeviceBlock}};
-
-TEST(FrameReader, FindsFramesBetweenGarbage) {
-  for (const Format& each : kFormats) {
-    const std::string& golden = each.golden;
-    const std::string magic(each.format.magic);
-    const std::vector<std::string> two{golden, golden};
-    for (const std::string& stream :
-         {golden + golden, "noise" + golden + "T" + golden + "D",
-          magic.substr(0, 2) + golden + magic.substr(0, magic.size() - 1) + golden,
-          "INFO:1,200000\r\n" + golden + std::string(3, '\0') + golden + magic}) {
-      for (const size_t piece : {size_t{1}, size_t{7}, kWhole}) {
-        EXPECT_EQ(FramesOf(each.format, stream, piece), two) << each.name << " in pieces of " << piece;
-      }
-    }
-  }
-}
-
-TEST(FrameReader, ATruncatedFrameCostsTheOneBehindItOrThoseWithinItsFalseLength) {
-  for (const Format& each : kFormats) {
-    const bool block = each.format.magic.size() > 4;
-    const std::string marked = With(each.golden, block ? 22 : 20, 99u);
-    for (size_t length = 0; length < each.golden.size(); ++length) {
-      // Cut between its length and its count, a frame takes the count from the one behind it.
-      const bool falseLength = length >= (block ? 10 : 8) && length < (block ? 50 : 36);
-      const size_t copies = falseLength ? kFrameBufferSize / each.golden.size() + 2 : 1;
-      std::string stream = each.golden.substr(0, length);
-      for (size_t i = 0; i < copies; ++i) stream += each.golden;
-      const auto frames = FramesOf(each.format, stream + marked);
-      ASSERT_FALSE(frames.empty()) << each.name << " cut at " << length;
-      EXPECT_EQ(frames.back(), marked) << each.name << " cut at " << length;
-      // A piece of a magic costs nothing, not even when the next one's first byte fits behind it.
-      if (length < each.format.magic.size()) {
-        EXPECT_EQ(frames.size(), 2u) << each.name << " cut at " << length;
-      }
-    }
-  }
-}
-
-TEST(FrameReader, EveryTruncationAloneIsNoFrame) {
-  for (const Format& each : kFormats) {
-    for (size_t length = 0; length < each.golden.size(); ++length) {
-      EXPECT_TRUE(FramesOf(each.format, each.golden.substr(0, length), 1).empty()) << each.name << length;
-    }
-  }
-}
 
 // A frame whose lengths were replaced, padded to as long as they say.
 struct Lengths {
@@ -146,15 +97,6 @@ TEST(FrameReader, LengthsAtTheirBounds) {
     }
     EXPECT_EQ(FramesOf(format.format, frame, kWhole, each.channels), expected) << each.what;
     EXPECT_EQ(FramesOf(format.format, frame, 1, each.channels), expected) << each.what;
-  }
-}
-
-TEST(FrameReader, AFrameRightBehindAFalseMagicIsFound) {
-  for (const Format& each : kFormats) {
-    const std::string magic(each.format.magic);
-    const std::string stream = magic + magic + "\x01" + magic + each.golden;
-    EXPECT_EQ(FramesOf(each.format, stream), std::vector<std::string>{each.golden}) << each.name;
-    EXPECT_EQ(FramesOf(each.format, stream, 1), std::vector<std::string>{each.golden}) << each.name;
   }
 }
 

@@ -95,16 +95,6 @@ TEST_F(RecordFile, AShortWriteIsCutBackToTheLastWholePingAndTheFileClosed) {
   }
 }
 
-TEST_F(RecordFile, AFullDiskEndsTheRecordingWithWholePings) {
-  Open(kA, L"a.log");
-  LimitDiskSpace(20);
-  EXPECT_EQ(Write(kA, "12345678"), 8u);
-  EXPECT_EQ(Write(kA, "12345678"), 8u);
-  EXPECT_EQ(Write(kA, "12345678"), 0u);
-  EXPECT_FALSE(IsOpen(kA));
-  EXPECT_EQ(Content(L"a.log"), "INFO\r\n1234567812345678");
-}
-
 TEST_F(RecordFile, AFileThatIsClosedWhileItIsWrittenIsClosedByTheWriter) {
   Open(kA, L"a.log");
   const Handle file = state_->recordFileA;
@@ -126,13 +116,6 @@ TEST_F(RecordFile, AnotherFilePutInItsPlaceClosesTheFirst) {
   EXPECT_EQ(Write(kA, "ping"), 4u);
   CloseBothRecordFiles(*state_);
   EXPECT_EQ(Content(L"next.log"), "INFO\r\nping");
-}
-
-TEST_F(RecordFile, FilesOfARunThatRecordedNothingAreDeleted) {
-  Open(kA, L"a.log");
-  DeleteEmptyRecordFiles(*state_);
-  EXPECT_FALSE(IsOpen(kA));
-  EXPECT_EQ(Content(L"a.log"), "absent");
 }
 
 TEST_F(RecordFile, AFileWhoseNameIsNotFoundStaysWithItsReturnCharacter) {
