@@ -110,23 +110,17 @@ TEST(SerialPorts, TheModeStringsOfBothForms) {
   DetachSerialLines();
 }
 
-TEST(SerialPorts, WaitingForAnyByteTakesFourSecondsAndEatsTheByte) {
-  VirtualClock clock(0);
-  test::LineScript peer;
-  AttachPeer(L"\\\\.\\COM5", &peer);
-  const Handle port = OpenDevicePort(5, 115'200);
-  EXPECT_FALSE(WaitForAnyByte(port));
+class WaitForByte : public test::ScriptedLineTest {};
+
+TEST_F(WaitForByte, TakesFourSecondsAndEatsTheByte) {
+  EXPECT_FALSE(WaitForAnyByte(port_));
   EXPECT_GE(VirtualNow_us(), 4'000'000);
   EXPECT_LE(VirtualNow_us(), 4'010'000) << "no read begins when they are over";
-  peer.replies = {{"xy"}};
-  ASSERT_TRUE(WriteSerialLine(port, "\r", 1));
-  EXPECT_TRUE(WaitForAnyByte(port));
-  EXPECT_EQ(BytesWaiting(port), 1u);
-  HangUpLine(L"\\\\.\\COM5");
-  EXPECT_FALSE(WaitForAnyByte(port));
-  CloseSerialLine(port);
-  ClearFaults();
-  DetachSerialLines();
+  device_.Say({"xy"}, VirtualNow_us());
+  EXPECT_TRUE(WaitForAnyByte(port_));
+  EXPECT_EQ(BytesWaiting(port_), 1u);
+  HangUpLine(test::kScriptedLine);
+  EXPECT_FALSE(WaitForAnyByte(port_));
 }
 
 }  // namespace
