@@ -82,17 +82,6 @@ TEST(B64Info, ValuesThatAreNoNumbersOrBeyondReasonLeaveTheirFields) {
   }
 }
 
-TEST(B64Info, TheFrequencyLine) {
-  int32_t frequency_hz = 7;
-  EXPECT_TRUE(ParseTxFrequency("Tx Frequency      450000 Hz  ", frequency_hz));
-  EXPECT_EQ(frequency_hz, 450'000);
-  for (const char* bad :
-       {"Tx Frequency", "Tx Frequency  x Hz", "Tx Frequency  450000 kHz", "tx frequency 1 Hz"}) {
-    EXPECT_FALSE(ParseTxFrequency(bad, frequency_hz)) << bad;
-  }
-  EXPECT_EQ(frequency_hz, 450'000);
-}
-
 int fatalErrors = 0;
 
 class B64InfoDialogue : public test::ScriptedLineTest {
@@ -162,6 +151,7 @@ TEST_F(B64InfoDialogue, TheFrequencyStandsInALineOfTheFirstKilobyteOrIsAsItWas) 
     int32_t frequency_hz;
   } rows[] = {{"no answer", "", 7},
               {"no number", "#info\r\nTx Frequency    ? Hz\r\n>", 7},
+              {"another unit", "#info\r\nTx Frequency  450000 kHz\r\n>", 7},
               {"no line", "#info\r\nTx Freq\r\n>", 7},
               {"last in the kilobyte", std::string(1024 - line.size(), ' ') + line, 450'000},
               {"just behind it", std::string(1025 - line.size(), ' ') + line, 7}};
