@@ -1,4 +1,5 @@
-// A run of the acquisition worker: blocks of echo text to the rings, status texts, marks, and how it ends.
+// A run of the acquisition worker: channels, status texts, marks, and how it ends. That every value and
+// sample of a ping reaches its ring is shown with the virtual echosounder, end to end.
 #include <gtest/gtest.h>
 
 #include "acquisition/altimeter_worker.h"
@@ -8,7 +9,6 @@
 #include "base/shared_value.h"
 #include "platform/thread.h"
 #include "tests/acquisition/golden_block.h"
-#include "tests/acquisition/golden_frames.h"
 #include "tests/acquisition/live_fixture.h"
 
 namespace tw {
@@ -17,67 +17,16 @@ namespace {
 using test::EchoBlock;
 using test::kGoldenBlock;
 using test::TakePostedTexts;
-using V = std::vector<uint16_t>;
 
 class LiveWorker : public test::LiveTest {};
-
-TEST_F(LiveWorker, APingReachesTheRing) {
-  globals.gpsLatitude_rad = 0.5f;
-  globals.gpsLongitude_rad = -1.5f;
-  globals.fix.elevation_m = 37.25;
-  globals.gpsTime_s = 1'699'999'999;
-  globals.gpsPdop = 2.5f;
-  globals.gpsQuality = 1;
-  state_.ringIndexA = 7;
-  device_.At_ms(1'500, kGoldenBlock);
-  Run_ms(2'000);
-  ASSERT_EQ(program_.IndexA(), 8);
-  EXPECT_EQ(test::ValuesOf(PingA()), test::ValuesOf({.deviceSeconds = 0,  // only in frames of binary blocks
-                                                     .deviceMilliseconds = 0,
-                                                     .timeOfWork_s = 1'700'000'001,  // this computer's clock
-                                                     .ping = 17,
-                                                     .samplingFrequency_hz = 25'000,
-                                                     .sampleCount = 4,
-                                                     .range_m = 12.5f,
-                                                     .txFrequency_hz = 200'000,
-                                                     .altitude_m = 4.25f,
-                                                     .temperature_c = 11.4f,
-                                                     .pitch_deg = 1.2f,
-                                                     .roll_deg = -0.35f,
-                                                     .gpsLatitude_rad = 0.5f,
-                                                     .gpsLongitude_rad = -1.5f,
-                                                     .gpsAltitude_m = 37.25f,
-                                                     .gpsTime_s = 1'699'999'999,
-                                                     .gpsPdop = 2.5f,
-                                                     .gpsValid = 1}));
-  EXPECT_EQ(program_.SamplesA(8, 17), (V{12, 12, 12, 12, 7, 7, 7, 7, 4011, 4011, 4011, 4011, 0, 0, 0, 0, 0}));
-  EXPECT_EQ(LoadShared(globals.pingCounter), 17u);
-  EXPECT_EQ(LoadShared(globals.latestAltitudeHigh_m), 4.25f);
-  EXPECT_EQ(LoadShared(globals.attitudePresent), 1);
-  EXPECT_EQ(globals.marksA.count, 0) << "\"Timestamp\" is not ticked";
-}
 
 TEST_F(LiveWorker, TenBitSamplesAreScaledAndThoseOfTheLastBlockAreGone) {
   state_.settings.outputMode = 2;
   Take(kGoldenBlock);
   Take("#DeviceID A\r\n#NSamples 3\r\n##DataStart\r\n5\r\n\r\n\r\n");
   // The sampling frequency is the configured 50,000 Hz, and two of the three samples did not come.
-  EXPECT_EQ(program_.SamplesA(program_.IndexA(), 6), (V{20, 20, 0, 0, 0, 0}));
+  EXPECT_EQ(program_.SamplesA(program_.IndexA(), 6), (std::vector<uint16_t>{20, 20, 0, 0, 0, 0}));
   EXPECT_EQ(PingA().altitude_m, 4.25f) << "the previous block's";
-}
-
-TEST_F(LiveWorker, TheSecondFamilysBlockTakesTheConfiguredSamplingFrequency) {
-  const struct {
-    int32_t mode;
-    V samples;  // four, twice each at the configured 50,000 Hz
-  } cases[] = {{2, {48, 48, 28, 28, 16044, 16044, 0, 0}}, {5, {12, 12, 7, 7, 4011, 4011, 0, 0}}};
-  globals.deviceFamily = 2;
-  for (const auto& each : cases) {
-    state_.settings.outputMode = each.mode;
-    RunWith(test::kGoldenSecondBlock, SecondFamilyEchoTextWorker);
-    EXPECT_EQ(PingA().samplingFrequency_hz, 50'000u);
-    EXPECT_EQ(program_.SamplesA(program_.IndexA(), 8), each.samples) << "mode " << each.mode;
-  }
 }
 
 TEST_F(LiveWorker, DualBlocksGoToTheirChannelsAndOneWithoutFrequencyIsDropped) {
@@ -94,6 +43,8 @@ TEST_F(LiveWorker, DualBlocksGoToTheirChannelsAndOneWithoutFrequencyIsDropped) {
   EXPECT_EQ(PingB().range_m, 40.0f);
   EXPECT_EQ(LoadShared(globals.latestAltitudeHigh_m), 1.5f);
   EXPECT_EQ(LoadShared(globals.latestAltitudeLow_m), 2.5f);
+  EXPECT_EQ(LoadShared(globals.attitudePresent), 1);
+  EXPECT_EQ(globals.marksA.count, 0) << "\"Timestamp\" is not ticked";
   Take(EchoBlock(4, 33'000));
   EXPECT_EQ(PingB().ping, 4u) << "the virtual low frequency";
 }

@@ -87,29 +87,6 @@ TEST(SerialPorts, AListThatCannotBeReadIsEmpty) {
   ClearFaults();
 }
 
-class ModePeer : public test::LineScript {
- public:
-  bool Open(const char* text) override {
-    mode = text;
-    return true;
-  }
-  std::string mode;
-};
-
-TEST(SerialPorts, TheModeStringsOfBothForms) {
-  VirtualClock clock(0);
-  ModePeer peer;
-  AttachPeer(L"\\\\.\\COM12", &peer);
-  Handle port = OpenDevicePort(12, 4800);
-  EXPECT_EQ(peer.mode, "baud=4800 parity=N data=8 stop=1");
-  CloseSerialLine(port);
-  port = OpenFastDevicePort(12);
-  EXPECT_EQ(peer.mode, "baud=3000000 parity=N data=8 stop=1 octs=on rts=on");
-  CloseSerialLine(port);
-  EXPECT_EQ(OpenDevicePort(13, 4800), Handle::invalid);
-  DetachSerialLines();
-}
-
 class WaitForByte : public test::ScriptedLineTest {};
 
 TEST_F(WaitForByte, TakesFourSecondsAndEatsTheByte) {

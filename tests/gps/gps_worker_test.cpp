@@ -10,7 +10,6 @@
 #include "app/posts.h"
 #include "base/shared_value.h"
 #include "platform/clock.h"
-#include "platform/host/faults.h"
 #include "platform/host/serial_peer.h"
 #include "platform/host/virtual_clock.h"
 #include "platform/serial_line.h"
@@ -44,7 +43,6 @@ class GpsRace : public testing::Test {
   ~GpsRace() override {
     DestroyLock(state_->gpsLock);
     DetachSerialLines();
-    ClearFaults();
   }
 
   void Start(const sim::GpsOptions& options = {}) {
@@ -137,23 +135,12 @@ TEST_F(GpsWorkerTest, APulledPlugClosesThePortOnceAndLeavesNoQuality) {
   EXPECT_NE(globals.gpsLatitude_rad, 0.0f);
 }
 
-TEST_F(GpsWorkerTest, AFailedReadEndsIt) {
-  InjectFault({.point = FaultPoint::readLine, .call = 20, .subject = L"COM4"});
-  Start();
-  SleepMilliseconds(5'000);
-  WaitForEnd();
-  ExpectNoQuality();
-  EXPECT_EQ(peer_->Closed(), 1);
-  EXPECT_EQ(CallCount(FaultPoint::readLine), 20u);
-}
-
 TEST_F(GpsWorkerTest, OnTheNullHandleItEndsAtOnce) {
   globals.gpsQuality = 3;
   ASSERT_EQ(state_->gpsPort, Handle::null);
   StartWorker();
   WaitForEnd();
   ExpectNoQuality();
-  EXPECT_EQ(globals.fix.utc.year, 123);
 }
 
 TEST_F(GpsWorkerTest, OvertakenByAnotherStartItTouchesNothing) {
