@@ -208,7 +208,7 @@ TEST(SampleLines, AnyMixtureOfLinesReadsAsEachLineAlone) {
     int32_t value;  // -1: none
   } kinds[] = {{"0", 0},         {"9", 9},         {"10", 10},    {"99", 99},    {"100", 100}, {"4095", 4095},
                {"10000", 10000}, {"65535", 65535}, {"65536", -1}, {"000004", 4}, {" 5", 5},    {"", -1},
-               {"\xB0", -1},     {"6\r", 6},       {"-7", -1},    {"1:", 1},     {"\r8", 8}};
+               {"\xB0", -1},     {"6\r", 6},       {"-7", -1},    {"1:", 1},     {"\r8", 8},   {"\n8", 8}};
   std::minstd_rand random(7);
   for (int run = 0; run < 400; ++run) {
     // From nothing but plain lines to nothing but odd ones.

@@ -149,6 +149,7 @@ TEST(StreamReaders, GetBackInStep) {
   const std::string endless = block.substr(0, block.size() - 1) + "\r";
   const std::string anew = "#DeviceID \r\n\r\r\n\r\n\r\n";
   const std::string brief = "#DeviceID \0\0\r\n\r\n\r\n"s;
+  const std::string full = "$GPDBT" + std::string(4'095 - 6, '7');
   const std::string alt = "Alt : 4.25\r\n";
   const std::string pair = "Hz\r\n 2\r\n" + alt;
   const std::string frames = "TR57TR57\x01TR57" + kGoldenFrame;
@@ -164,12 +165,13 @@ TEST(StreamReaders, GetBackInStep) {
       {"zero bytes inside", kEchoText, brief + ".", {brief}},
       {"only two line ends", kEchoText, "#DeviceID 1\r\n\r\n.", {}},
       {"no end mark: the next start is part of the block", kEchoText, endless + block, {endless + block}},
+      {"an endless epoch up to the next", kSecondEpochs, full + test::kSecondEpoch, {test::kSecondEpoch}},
       {"a mark that begins anew inside itself", kSimple, "AltAlt : 1\r\n", {"Alt : 1\r\n"}},
       {"DESO's two marks share a letter", kDeso, "DDDA1 m*DDB2 m*", {"DA1 m*", "DB2 m*"}},
       {"what follows DESO's asterisk is dropped", kDeso, "DA1 m*\r\nDB2 m*\r\n", {"DA1 m*", "DB2 m*"}},
       {"a lost line end costs its line alone", kSimple, "Alt : 1.0" + alt, {alt}},
       {"half a line end", kSimple, "Alt : 1.0\r" + alt, {alt}},
-      {"an altitude without its frequency", kReporting, alt + pair, {alt, pair}},
+      {"altitudes without their frequency", kReporting, alt + pair + alt, {alt, pair, alt}},
       {"the newest of two frequencies counts", kReporting, "Hz\r\n 1\r\n" + pair, {pair}},
       {"a frequency whose altitude is damaged", kReporting, "Hz\r\n 1\r\nAlt; 3\r\n" + pair, {pair}},
       {"an endless frequency", kReporting, "Hz\r\n" + std::string(300, '7') + "\r\n" + alt, {alt}},

@@ -169,15 +169,16 @@ TEST_F(GpsWorkerTest, OvertakenByAnotherStartItTouchesNothing) {
   CloseSerialLine(first);
 }
 
-TEST_F(GpsWorkerTest, TheTalkerFlagOutlivesAWorker) {
-  globals.gpsTalkerGn = 1;
-  Start(
-      {.fixFrom_us = 100'000'000, .faults = {.instrument = {.silentFrom_us = 0, .silentFor_us = 9'000'000}}});
-  SleepMilliseconds(8'000);
-  EXPECT_EQ(globals.gpsTalkerGn, 1);
-  SleepMilliseconds(4'000);  // the first sentences of a GP receiver
-  EXPECT_EQ(globals.gpsTalkerGn, 0);
+TEST_F(GpsWorkerTest, TheTalkerFlagChangesOnlyWithASentenceThatIsApplied) {
+  globals.gpsTalkerGn = 1;  // of the last run
+  Start({.faults = {.instrument = {}, .badChecksumEvery = 1}});
+  SleepMilliseconds(3'000);
   Stop();
+  EXPECT_EQ(globals.gpsTalkerGn, 1);
+  Start();
+  SleepMilliseconds(3'000);
+  Stop();
+  EXPECT_EQ(globals.gpsTalkerGn, 0);
 }
 
 TEST_F(GpsWorkerTest, PositionStatusTextsStayWholeForAWhile) {

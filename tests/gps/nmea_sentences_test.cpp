@@ -124,7 +124,7 @@ TEST_F(NmeaSentences, ModeLetters) {
   const std::pair<const char*, int32_t> rows[] = {{"A", 0}, {"D", 1}, {"E", 2}, {"M", 3},
                                                   {"N", 4}, {"R", 4}, {"", 4}};
   for (const auto& [letter, code] : rows) {
-    EXPECT_EQ(Take(Sentence("GNRMC,000000,A,0,N,0,E,0,0,010120,0,E," + std::string(letter))), 1);
+    EXPECT_EQ(Take(Sentence("GNRMC,000000,A,9000,N,18000,W,0,0,010120,0,E," + std::string(letter))), 1);
     EXPECT_EQ(fix_.modeCode, code) << letter;
   }
 }
