@@ -3,6 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <vector>
+
+#include "base/bytes.h"
 #include "platform/clock.h"
 #include "platform/host/virtual_clock.h"
 #include "tests/acquisition/live_program.h"
@@ -36,9 +39,14 @@ class LiveTest : public testing::Test {
     Signal(state_.recordingEvent);
   }
 
-  // The pings on view.
-  [[nodiscard]] PingHeader PingA() { return program_.HeaderA(program_.IndexA()); }
-  [[nodiscard]] PingHeader PingB() { return program_.HeaderB(program_.IndexB()); }
+  // The pings on view, and the first samples of ring A's.
+  [[nodiscard]] PingHeader PingA() { return LoadPingHeader(state_.ringA->slots[program_.IndexA()]); }
+  [[nodiscard]] PingHeader PingB() { return LoadPingHeader(state_.ringB->slots[program_.IndexB()]); }
+  [[nodiscard]] std::vector<uint16_t> SamplesA(size_t count) {
+    std::vector<uint16_t> samples(count);
+    LoadLeNumbers(std::span(samples), state_.ringA->slots[program_.IndexA()] + kSlotSamples);
+    return samples;
+  }
 
   const VirtualClock clock_{1'700'000'000'000};  // 2023-11-14 22:13:20 UTC
   LineScript device_;

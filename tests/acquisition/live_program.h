@@ -2,7 +2,6 @@
 #pragma once
 
 #include <string>
-#include <vector>
 
 #include "acquisition/echo_text_worker.h"
 #include "acquisition/ping_ring.h"
@@ -40,10 +39,6 @@ class LiveProgram {
 
   [[nodiscard]] int32_t IndexA();
   [[nodiscard]] int32_t IndexB();
-  [[nodiscard]] PingHeader HeaderA(int32_t slot) const;
-  [[nodiscard]] PingHeader HeaderB(int32_t slot) const;
-  // The first samples of a slot of ring A.
-  [[nodiscard]] std::vector<uint16_t> SamplesA(int32_t slot, size_t count) const;
 
  private:
   AppState* state_;

@@ -25,7 +25,7 @@ TEST_F(LiveWorker, TenBitSamplesAreScaledAndThoseOfTheLastBlockAreGone) {
   Take(kGoldenBlock);
   Take("#DeviceID A\r\n#NSamples 3\r\n##DataStart\r\n5\r\n\r\n\r\n");
   // The sampling frequency is the configured 50,000 Hz, and two of the three samples did not come.
-  EXPECT_EQ(program_.SamplesA(program_.IndexA(), 6), (std::vector<uint16_t>{20, 20, 0, 0, 0, 0}));
+  EXPECT_EQ(SamplesA(6), (std::vector<uint16_t>{20, 20, 0, 0, 0, 0}));
   EXPECT_EQ(PingA().altitude_m, 4.25f) << "the previous block's";
 }
 
@@ -51,8 +51,8 @@ TEST_F(LiveWorker, DualBlocksGoToTheirChannelsAndOneWithoutFrequencyIsDropped) {
 
 TEST_F(LiveWorker, ASingleRunNeedsNoFrequencyAndHasOneChannel) {
   Take(EchoBlock(1, 0) + EchoBlock(2, 30'000));
-  EXPECT_EQ(program_.HeaderA(1).ping, 2u);
-  EXPECT_EQ(program_.HeaderB(1).ping, 0u);
+  EXPECT_EQ(PingA().ping, 2u);
+  EXPECT_EQ(PingB().ping, 0u);
 }
 
 TEST_F(LiveWorker, StopIsHeardWithinATenthOfASecondInSilenceAndInEndlessGarbage) {

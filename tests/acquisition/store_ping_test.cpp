@@ -6,6 +6,7 @@
 #include <memory>
 #include <vector>
 
+#include "base/bytes.h"
 #include "platform/memory.h"
 
 namespace tw {
@@ -13,11 +14,8 @@ namespace {
 
 // The samples of a slot that are in use.
 std::vector<uint16_t> SamplesOf(const uint8_t* slot, size_t count) {
-  std::vector<uint16_t> samples;
-  for (size_t i = 0; i < count; ++i) {
-    const uint8_t* sample = slot + 728 + 2 * i;
-    samples.push_back(static_cast<uint16_t>(sample[0] | sample[1] << 8));
-  }
+  std::vector<uint16_t> samples(count);
+  LoadLeNumbers(std::span(samples), slot + 728);
   return samples;
 }
 
