@@ -35,18 +35,6 @@ class RecordFile : public test::LiveTest {
   [[nodiscard]] bool IsOpen(RecordChannel channel) { return IsRecordFileOpen(state_, channel); }
 };
 
-TEST_F(RecordFile, EachChannelHasItsOwn) {
-  program_.OpenFile(kA, L"a.log");
-  EXPECT_EQ(Write(kA, "one"), 3u);
-  EXPECT_EQ(Write(kB, "lost"), 0u) << "no file is open";
-  program_.OpenFile(kB, L"b.log");
-  EXPECT_EQ(Write(kB, "two"), 3u);
-  CloseBothRecordFiles(state_);
-  EXPECT_EQ(Write(kA, "late"), 0u);
-  EXPECT_EQ(program_.FileContent(L"a.log"), "INFO\r\none");
-  EXPECT_EQ(program_.FileContent(L"b.log"), "INFO\r\ntwo");
-}
-
 TEST_F(RecordFile, AShortWriteIsCutBackToTheLastWholePingAndTheFileClosed) {
   for (const uint32_t taken : {0u, 1u, 5u}) {
     program_.OpenFile(kA, L"a.log");
