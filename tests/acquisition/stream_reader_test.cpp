@@ -153,6 +153,7 @@ TEST(StreamReaders, GetBackInStep) {
   const std::string alt = "Alt : 4.25\r\n";
   const std::string pair = "Hz\r\n 2\r\n" + alt;
   const std::string frames = "TR57TR57\x01TR57" + kGoldenFrame;
+  const std::string odd = test::With(kGoldenFrame, 24, 0xFFFFFFFF);  // no count, where a false one has it
   const std::string blocks = "TIDEWRITECTIDEWRITEC\x01TIDEWRITEC" + kGoldenDeviceBlock;
   const struct {
     const char* what;
@@ -180,6 +181,11 @@ TEST(StreamReaders, GetBackInStep) {
       {"CR and LF alone end nothing", kPlain, "1\r2\n3\r\n", {"1\r2\n3\r\n"}},
       {"a frame right behind false magics", kFrames, frames, {kGoldenFrame}},
       {"a block right behind false magics", kBlocks, blocks, {kGoldenDeviceBlock}},
+      {"a frame within a false one", kFrames, odd.substr(0, 8) + odd, {odd}},
+      {"a block within a false one",
+       kBlocks,
+       kGoldenDeviceBlock.substr(0, 14) + kGoldenDeviceBlock,
+       {kGoldenDeviceBlock}},
   };
   for (const auto& each : cases) {
     for (const size_t piece : {size_t{1}, test::kWhole}) {
