@@ -117,16 +117,5 @@ TEST_F(LiveLines, TheStatusLineGoesByTheRun) {
   }
 }
 
-TEST_F(LiveLines, AnAltitudeThatFitsNoSlotIsAPingWithoutPulse) {
-  Take("Alt : 1e38\r\nAlt : nan\r\n", SimpleWorker);
-  EXPECT_EQ(PingA().altitude_m, 1e38f);
-  EXPECT_EQ(PulseAt(), -1);
-  EXPECT_EQ(LoadShared(globals.pingCounter), 1u) << "not a number is no ping";
-  Run_ms(100);
-  Take("Alt : -3\r\n");
-  EXPECT_EQ(PingA().altitude_m, -3.0f);
-  EXPECT_EQ(PulseAt(), -1);
-}
-
 }  // namespace
 }  // namespace tw
