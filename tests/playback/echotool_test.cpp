@@ -129,15 +129,6 @@ TEST_F(Work, WhatCannotBeDoneLeavesNothing) {
   }
 }
 
-TEST_F(Work, AnInterruptionLeavesTheOlderOutput) {
-  const fs::path recording = Copy("three_pings.log");
-  WriteWhole(folder_ / "three_pings.sgy", "older");
-  interrupted_ = true;
-  EXPECT_FALSE(Do(Task::segy, recording).done);
-  EXPECT_EQ(ReadWhole(folder_ / "three_pings.sgy"), "older");
-  EXPECT_EQ(Files(), 2u);
-}
-
 TEST(Options, AreRead) {
   const struct {
     std::vector<std::string> words;
