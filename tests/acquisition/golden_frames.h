@@ -5,6 +5,9 @@
 #include <cstring>
 #include <string>
 #include <string_view>
+#include <tuple>
+
+#include "acquisition/ping_record.h"
 
 namespace tw::test {
 
@@ -22,6 +25,18 @@ inline std::string FromHex(std::string_view text) {
   return bytes;
 }
 
+// Puts a number of 32 bits, little-endian, to an offset.
+inline std::string With(std::string bytes, size_t offset, uint32_t value) {
+  for (size_t i = 0; i < 4; ++i) bytes[offset + i] = static_cast<char>(value >> (8 * i) & 0xFF);
+  return bytes;
+}
+
+inline std::string With(std::string bytes, size_t offset, float value) {
+  uint32_t bits = 0;
+  std::memcpy(&bits, &value, sizeof bits);
+  return With(std::move(bytes), offset, bits);
+}
+
 // A device's block: 1,700,000,000 s 250 ms, ping 17, 4.25 m, 11.5 degrees Celsius, pitch 1.25, roll -0.5,
 // four companded samples (12, 65, 255 and 4,095) at 25,000 Hz, transmitted at 200,000 Hz.
 inline const std::string kGoldenDeviceBlock = FromHex(
@@ -37,20 +52,10 @@ inline const std::string kGoldenDeviceBlock = FromHex(
     "0C 40 7F FF");
 
 // The same with two samples of 16 bits, 1 and 4,011.
-inline const std::string kGoldenWordBlock = FromHex(
-    "54 49 44 45 57 52 49 54 45 43"
-    "42 00 00 00"
-    "00 F1 53 65  FA 00 00 00"
-    "11 00 00 00"
-    "00 00 88 40  00 00 38 41"
-    "00 00 A0 3F  00 00 00 BF"
-    "00 00 00 00  02 00 00 00"
-    "07 00 00 00"
-    "40 0D 03 00  A8 61 00 00"
-    "01 00 AB 0F");
+inline const std::string kGoldenWordBlock =
+    With(With(kGoldenDeviceBlock.substr(0, 62), 42, 0u), 46, 2u) + FromHex("01 00 AB 0F");
 
-// What the word block becomes: 1,700,000,001 s on this computer, range 12.5 m, position 0.75 and -0.125 rad,
-// 37.25 m, at 1,699,999,999 s, PDOP 2.5, valid; eight samples on the grid.
+// What the word block becomes: a frame with its eight samples on the grid.
 inline const std::string kGoldenFrame = FromHex(
     "54 52 35 37"                            // "TR57"
     "58 00 00 00"                            // header of 88 bytes
@@ -67,16 +72,31 @@ inline const std::string kGoldenFrame = FromHex(
     "FF F0 53 65  00 00 20 40  01 00 00 00"  // time of fix, PDOP, valid
     "01 00 01 00 01 00 01 00 AB 0F AB 0F AB 0F AB 0F");
 
-// Puts a number of 32 bits, little-endian, to an offset.
-inline std::string With(std::string bytes, size_t offset, uint32_t value) {
-  for (size_t i = 0; i < 4; ++i) bytes[offset + i] = static_cast<char>(value >> (8 * i) & 0xFF);
-  return bytes;
-}
+inline constexpr PingHeader kGoldenPing = {.deviceSeconds = 1'700'000'000,
+                                           .deviceMilliseconds = 250,
+                                           .timeOfWork_s = 1'700'000'001,
+                                           .ping = 17,
+                                           .samplingFrequency_hz = 100'000,
+                                           .sampleCount = 8,
+                                           .range_m = 12.5f,
+                                           .txFrequency_hz = 200'000,
+                                           .altitude_m = 4.25f,
+                                           .temperature_c = 11.5f,
+                                           .pitch_deg = 1.25f,
+                                           .roll_deg = -0.5f,
+                                           .gpsLatitude_rad = 0.75f,
+                                           .gpsLongitude_rad = -0.125f,
+                                           .gpsAltitude_m = 37.25f,
+                                           .gpsTime_s = 1'699'999'999,
+                                           .gpsPdop = 2.5f,
+                                           .gpsValid = 1};
 
-inline std::string With(std::string bytes, size_t offset, float value) {
-  uint32_t bits = 0;
-  std::memcpy(&bits, &value, sizeof bits);
-  return With(std::move(bytes), offset, bits);
+// All values of a ping, for comparison at once.
+inline auto ValuesOf(const PingHeader& ping) {
+  const auto& [seconds, milliseconds, work, number, sampling, count, range, tx, altitude, temperature, pitch,
+               roll, latitude, longitude, height, gpsTime, pdop, valid] = ping;
+  return std::tuple(seconds, milliseconds, work, number, sampling, count, range, tx, altitude, temperature,
+                    pitch, roll, latitude, longitude, height, gpsTime, pdop, valid);
 }
 
 }  // namespace tw::test

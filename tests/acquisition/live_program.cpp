@@ -97,23 +97,6 @@ int32_t LiveProgram::IndexB() {
   return state_->ringIndexB;
 }
 
-PingHeader LiveProgram::HeaderA(int32_t slot) const {
-  return LoadPingHeader(state_->ringA->slots[slot]);
-}
-
-PingHeader LiveProgram::HeaderB(int32_t slot) const {
-  return LoadPingHeader(state_->ringB->slots[slot]);
-}
-
-std::vector<uint16_t> LiveProgram::SamplesA(int32_t slot, size_t count) const {
-  std::vector<uint16_t> samples;
-  for (size_t i = 0; i < count; ++i) {
-    const uint8_t* sample = state_->ringA->slots[slot] + 728 + 2 * i;
-    samples.push_back(static_cast<uint16_t>(sample[0] | sample[1] << 8));
-  }
-  return samples;
-}
-
 std::string EchoBlock(uint32_t ping, int32_t tx_hz) {
   std::string block = "#DeviceID A\r\n#Ping " + std::to_string(ping) +
                       "\r\n#NSamples 1\r\n#Sampling_Frequency,Hz 25000\r\n#Altitude " + std::to_string(ping) +

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <string>
-#include <vector>
 
 #include "acquisition/echo_text_worker.h"
 #include "acquisition/ping_ring.h"
@@ -18,8 +17,7 @@ namespace tw::test {
 inline constexpr wchar_t kDeviceLine[] = L"\\\\.\\COM7";
 
 // A device of the first family in output mode 4, single, 12.5 and 40 m of range, 200 kHz in use,
-// 1,500 m/s. Make it
-// after the clock of the test has been started, if that is a virtual one.
+// 1,500 m/s. Make it after the clock of the test has been started, if that is a virtual one.
 class LiveProgram {
  public:
   explicit LiveProgram(SerialPeer& device);
@@ -41,15 +39,16 @@ class LiveProgram {
 
   [[nodiscard]] int32_t IndexA();
   [[nodiscard]] int32_t IndexB();
-  [[nodiscard]] PingHeader HeaderA(int32_t slot) const;
-  [[nodiscard]] PingHeader HeaderB(int32_t slot) const;
-  // The first samples of a slot of ring A.
-  [[nodiscard]] std::vector<uint16_t> SamplesA(int32_t slot, size_t count) const;
 
  private:
   AppState* state_;
   TestFolder folder_;
 };
+
+// What stands behind a recorded ping while there is no fix at all.
+inline const std::string kNoPosition =
+    "$GPGGA,000000.00,00.0000,S,00.0000,W,0,00,0.0,0.000,M,0.000,M,0.0,0000*4c\r\n"
+    "$GPRMC,000000.00,V,00.0000,S,00.0000,W,0.0,0.0,000100,0.0,W,A*0e\r\n";
 
 // An echo text block with these values and one sample, 25,000 Hz; no transmit frequency when `tx_hz` is 0.
 [[nodiscard]] std::string EchoBlock(uint32_t ping, int32_t tx_hz = 200'000);

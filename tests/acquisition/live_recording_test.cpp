@@ -1,105 +1,77 @@
-// What the acquisition worker leaves in record files, on the virtual clock.
+// What the acquisition worker leaves in record files.
 #include <gtest/gtest.h>
 
+#include "acquisition/frame_worker.h"
 #include "base/shared_value.h"
-#include "platform/clock.h"
 #include "platform/host/faults.h"
-#include "platform/host/virtual_clock.h"
-#include "tests/acquisition/live_program.h"
-#include "tests/acquisition/scripted_line.h"
+#include "tests/acquisition/golden_frames.h"
+#include "tests/acquisition/live_fixture.h"
 
 namespace tw {
 namespace {
 
 using test::EchoBlock;
-using test::LiveProgram;
-using test::ScriptedLine;
-using test::TakePostedTexts;
+using test::kA;
+using test::kGoldenFrame;
+using test::kGoldenWordBlock;
 
-constexpr int64_t kBegin_ms = 1'700'000'000'000;
-constexpr RecordChannel kA = RecordChannel::a;
-constexpr RecordChannel kB = RecordChannel::b;
-
-// What stands behind each block while there is no fix at all: two sentences and an empty line.
-const std::string kPosition =
-    "$GPGGA,000000.00,00.0000,S,00.0000,W,0,00,0.0,0.000,M,0.000,M,0.0,0000*4c\r\n"
-    "$GPRMC,000000.00,V,00.0000,S,00.0000,W,0.0,0.0,000100,0.0,W,A*0e\r\n"
-    "\r\n\r\n";
-
-class LiveRecording : public testing::Test {
- protected:
-  void Run_ms(uint32_t duration_ms) {
-    if (program_.State().acquisitionThread == Handle::null) program_.StartWorker();
-    SleepMilliseconds(duration_ms);
-  }
-
-  const VirtualClock clock_{kBegin_ms};
-  ScriptedLine device_;
-  LiveProgram program_{device_};
-  AppState& state_ = program_.State();
-};
-
-TEST_F(LiveRecording, APingIsItsBlockGgaRmcAndAnEmptyLine) {
-  DeliverSingly(test::kDeviceLine);
-  program_.OpenFile(kA, L"a.log");
-  Signal(state_.recordingEvent);
-  device_.At_ms(100, "noise" + EchoBlock(1) + "noise" + EchoBlock(2));
-  Run_ms(200);
-  program_.StopWorker();
-  EXPECT_EQ(program_.FileContent(L"a.log"), "INFO\r\n" + EchoBlock(1) + kPosition + EchoBlock(2) + kPosition);
+// A block as it is recorded while there is no fix at all: two sentences and an empty line behind it.
+std::string Recorded(uint32_t ping) {
+  return EchoBlock(ping) + test::kNoPosition + "\r\n\r\n";
 }
 
+class LiveRecording : public test::LiveTest {};
+
 TEST_F(LiveRecording, IsSwitchedOffAndOnBetweenTwoPings) {
-  program_.OpenFile(kA, L"a.log");
-  for (uint32_t ping = 1; ping <= 4; ++ping) device_.At_ms(100 * ping, EchoBlock(ping));
-  Signal(state_.recordingEvent);
-  Run_ms(150);
+  Record();
+  Take("noise" + EchoBlock(1));
   Reset(state_.recordingEvent);
-  Run_ms(200);
+  Take(EchoBlock(2) + EchoBlock(3));
   Signal(state_.recordingEvent);
-  Run_ms(100);
-  program_.StopWorker();
-  EXPECT_EQ(program_.FileContent(L"a.log"), "INFO\r\n" + EchoBlock(1) + kPosition + EchoBlock(4) + kPosition);
+  RunWith(EchoBlock(4));
+  EXPECT_EQ(program_.FileContent(L"a.log"), "INFO\r\n" + Recorded(1) + Recorded(4));
+  EXPECT_EQ(program_.FileContent(L"b.log"), "INFO\r\n") << "one ping in one file keeps both";
   EXPECT_EQ(LoadShared(globals.pingCounter), 4u);
 }
 
-TEST_F(LiveRecording, ChannelsGoToTheirFiles) {
-  globals.dualMode = 1;
-  program_.OpenFile(kA, L"a.log");
-  program_.OpenFile(kB, L"b.log");
-  Signal(state_.recordingEvent);
-  device_.At_ms(100, EchoBlock(1, 200'000) + EchoBlock(2, 30'000));
-  Run_ms(200);
-  program_.StopWorker();
-  EXPECT_EQ(program_.FileContent(L"a.log"), "INFO\r\n" + EchoBlock(1, 200'000) + kPosition);
-  EXPECT_EQ(program_.FileContent(L"b.log"), "INFO\r\n" + EchoBlock(2, 30'000) + kPosition);
-}
-
 TEST_F(LiveRecording, ARunThatRecordedNothingLeavesNoFiles) {
-  program_.OpenFile(kA, L"a.log");
-  program_.OpenFile(kB, L"b.log");
-  device_.At_ms(100, EchoBlock(1));  // recording is off
-  Run_ms(200);
-  program_.StopWorker();
+  Record();
+  Reset(state_.recordingEvent);
+  RunWith(EchoBlock(1));
   EXPECT_EQ(program_.FileContent(L"a.log"), "absent");
   EXPECT_EQ(program_.FileContent(L"b.log"), "absent");
 }
 
-TEST_F(LiveRecording, ARunThatRecordedOneChannelKeepsBothFiles) {
-  globals.dualMode = 1;
-  program_.OpenFile(kA, L"a.log");
-  program_.OpenFile(kB, L"b.log");
-  Signal(state_.recordingEvent);
-  device_.At_ms(100, EchoBlock(1, 200'000));
-  Run_ms(200);
+TEST_F(LiveRecording, ABinaryRunThatRecordedNothingLeavesOneByteInEachFile) {
+  Record();
+  Reset(state_.recordingEvent);
+  RunWith(kGoldenWordBlock, BinaryEchoWorker);
+  EXPECT_EQ(program_.FileContent(L"a.log"), "\r");
+  EXPECT_EQ(program_.FileContent(L"b.log"), "\r");
+  EXPECT_FALSE(IsRecordFileOpen(state_, kA));
+}
+
+TEST_F(LiveRecording, ABlockBecomesAFrameInRingAndFile) {
+  globals.gpsLatitude_rad = 0.75f;
+  globals.gpsLongitude_rad = -0.125f;
+  globals.fix.elevation_m = 37.25;
+  globals.gpsTime_s = 1'699'999'999;
+  globals.gpsPdop = 2.5f;
+  globals.gpsQuality = 1;
+  Record();
+  device_.At_ms(1'500, "noise" + kGoldenWordBlock);
+  Run_ms(2'000, BinaryEchoWorker);
   program_.StopWorker();
-  EXPECT_NE(program_.FileContent(L"a.log"), "absent");
-  EXPECT_EQ(program_.FileContent(L"b.log"), "INFO\r\n");
+  EXPECT_EQ(program_.FileContent(L"a.log"), "INFO\r\n" + kGoldenFrame);
+  ASSERT_EQ(program_.IndexA(), 1);
+  const auto* slot = reinterpret_cast<const char*>(state_.ringA->slots[1]);
+  EXPECT_EQ(std::string(slot, 88), kGoldenFrame.substr(0, 88));
+  EXPECT_EQ(std::string(slot + 88, 640), std::string(640, '\0')) << "the gap";
+  EXPECT_EQ(std::string(slot + 728, 16), kGoldenFrame.substr(88));
 }
 
 TEST_F(LiveRecording, AFailedWriteEndsTheFileSilentlyAndTheRunGoesOn) {
-  program_.OpenFile(kA, L"a.log");
-  Signal(state_.recordingEvent);
+  Record();
   for (uint32_t ping = 1; ping <= 30; ++ping) device_.At_ms(100 * ping, EchoBlock(ping));
   InjectFault({.point = FaultPoint::writeFile, .call = 3, .taken = 20});
   Run_ms(3'100);
@@ -107,10 +79,10 @@ TEST_F(LiveRecording, AFailedWriteEndsTheFileSilentlyAndTheRunGoesOn) {
   EXPECT_EQ(LoadShared(globals.pingCounter), 30u);
   program_.StopWorker();
   const std::string content = program_.FileContent(L"a.log");
-  EXPECT_EQ(content, "INFO\r\n" + EchoBlock(1) + kPosition + EchoBlock(2) + kPosition);
+  EXPECT_EQ(content, "INFO\r\n" + Recorded(1) + Recorded(2));
   // The size report simply stops growing.
   const std::wstring size = L"File size: " + std::to_wstring(content.size() - 6) + L"Bytes";
-  const auto posts = TakePostedTexts();
+  const auto posts = test::TakePostedTexts();
   ASSERT_EQ(posts.size(), 3u);
   EXPECT_EQ(posts[1].text, size);
   EXPECT_EQ(posts[2].text, size);

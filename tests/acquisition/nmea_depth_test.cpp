@@ -18,51 +18,62 @@ constexpr auto kValue = SentenceResult::value;
 constexpr auto kMissing = SentenceResult::missing;
 constexpr auto kNoBottom = SentenceResult::noBottom;
 
-struct Sentence {
-  const char* what;
-  std::string text;
-  SentenceResult result;
-  float value = kBefore;
+// One reading of an epoch.
+using Parser = SentenceResult (*)(std::string_view, float&);
+constexpr Parser kDepth = [](std::string_view epoch, float& depth_m) {
+  return ParseDepth(epoch, kFirstFamilyNmea, depth_m);
+};
+constexpr Parser kSecondDepth = [](std::string_view epoch, float& depth_m) {
+  return ParseDepth(epoch, kSecondFamilyNmea, depth_m);
+};
+constexpr Parser kTemperature = [](std::string_view epoch, float& temperature_c) {
+  return ParseWaterTemperature(epoch, kFirstFamilyNmea, temperature_c);
+};
+constexpr Parser kSecondTemperature = [](std::string_view epoch, float& temperature_c) {
+  return ParseWaterTemperature(epoch, kSecondFamilyNmea, temperature_c);
 };
 
-TEST(NmeaDepth, FirstFamily) {
-  const Sentence cases[] = {
-      {"whole epoch", kFirstEpoch, kValue, 4.25f},
-      {"wrong checksum", "$SDDBT,13.94,f,4.250,M,2.32,F*00\r\n", kValue, 4.25f},
-      {"no checksum digits", "$SDDBT,13.94,f,4.250,M,2.32,F*\r\n", kValue, 4.25f},
-      {"three empty fields: no bottom", "$SDDBT,,f,,M,,F*21\r\n", kNoBottom, 0},
-      {"one empty field", "$SDDBT,13.94,f,4.250,M,,F*00\r\n", kNoBottom, 0},
-      {"the first field empty", "$SDDBT,,f,4.250,M,2.32,F*00\r\n", kNoBottom, 0},
-      {"an empty field of the next sentence", "$SDDBT,1,f,2,M,3,F*00\r\n$SDMTW,,*00\r\n", kValue, 2},
-      {"no such sentence", "$GPDBT,13.94,f,4.250,M,,*62\r\n", kMissing},
-      {"no line end", "$SDDBT,13.94,f,4.250,M,2.32,F*39", kMissing},
-      {"no line end, empty field", "$SDDBT,,f,,M,,F*21", kMissing},
-      {"a wrong letter", "$SDDBT,13.94,f,4.250,m,2.32,F*39\r\n", kMissing},
-      {"no star", "$SDDBT,13.94,f,4.250,M,2.32,F\r\n", kMissing},
-      {"not a number", "$SDDBT,13.94,f,nan,M,2.32,F*39\r\n", kMissing},
-      {"infinite", "$SDDBT,13.94,f,inf,M,2.32,F*39\r\n", kMissing},
-      {"beyond a float", "$SDDBT,13.94,f,1e39,M,2.32,F*39\r\n", kMissing},
-      {"nothing", "", kMissing},
+TEST(NmeaDepth, DepthTemperatureAndEma) {
+  const struct {
+    const char* what;
+    Parser parse;
+    std::string text;
+    SentenceResult result;
+    float value = kBefore;
+  } cases[] = {
+      {"depth of an epoch", kDepth, kFirstEpoch, kValue, 4.25f},
+      {"wrong checksum", kDepth, "$SDDBT,13.94,f,4.250,M,2.32,F*00\r\n", kValue, 4.25f},
+      {"no checksum digits", kDepth, "$SDDBT,13.94,f,4.250,M,2.32,F*\r\n", kValue, 4.25f},
+      {"three empty fields: no bottom", kDepth, "$SDDBT,,f,,M,,F*21\r\n", kNoBottom, 0},
+      {"one empty field", kDepth, "$SDDBT,13.94,f,4.250,M,,F*00\r\n", kNoBottom, 0},
+      {"the first field empty", kDepth, "$SDDBT,,f,4.250,M,2.32,F*00\r\n", kNoBottom, 0},
+      {"an empty field of the next sentence", kDepth, "$SDDBT,1,f,2,M,3,F*00\r\n$SDMTW,,*00\r\n", kValue, 2},
+      {"the other family's depth", kDepth, "$GPDBT,13.94,f,4.250,M,,*62\r\n", kMissing},
+      {"no line end", kDepth, "$SDDBT,13.94,f,4.250,M,2.32,F*39", kMissing},
+      {"no line end, empty field", kDepth, "$SDDBT,,f,,M,,F*21", kMissing},
+      {"a wrong letter", kDepth, "$SDDBT,13.94,f,4.250,m,2.32,F*39\r\n", kMissing},
+      {"no star", kDepth, "$SDDBT,13.94,f,4.250,M,2.32,F\r\n", kMissing},
+      {"not a number", kDepth, "$SDDBT,13.94,f,nan,M,2.32,F*39\r\n", kMissing},
+      {"infinite", kDepth, "$SDDBT,13.94,f,inf,M,2.32,F*39\r\n", kMissing},
+      {"beyond a float", kDepth, "$SDDBT,13.94,f,1e39,M,2.32,F*39\r\n", kMissing},
+      {"nothing", kDepth, "", kMissing},
+      {"second family's depth", kSecondDepth, kSecondEpoch, kValue, 4.25f},
+      {"its checksum is not looked at either", kSecondDepth, "$GPDBT,13.94,f,4.250,M,,*00\r\n", kValue,
+       4.25f},
+      {"it knows no empty-field test", kSecondDepth, "$GPDBT,,f,,M,,*00\r\n", kMissing},
+      {"nor fathoms", kSecondDepth, "$GPDBT,13.94,f,4.250,M,2.32,F*00\r\n", kMissing},
+      {"temperature", kTemperature, kFirstEpoch, kValue, 11.4f},
+      {"second family's temperature", kSecondTemperature, kSecondEpoch, kValue, 11.4f},
+      {"the other family's temperature", kTemperature, kSecondEpoch, kMissing},
+      {"empty temperature", kTemperature, "$SDMTW,,*00\r\n", kMissing},
+      {"temperature with its unit", kTemperature, "$SDMTW,11.4,C*00\r\n", kMissing},
+      {"EMA behind pitch and roll", ParseEma, kFirstEpoch, kValue, 1.5f},
+      {"no EMA", ParseEma, "$SDXDR,A,2.0,D,PTCH,A,-1.0,D,ROLL*65\r\n", kMissing},
   };
-  for (const Sentence& each : cases) {
-    float depth_m = kBefore;
-    EXPECT_EQ(ParseDepth(each.text, kFirstFamilyNmea, depth_m), each.result) << each.what;
-    EXPECT_EQ(depth_m, each.value) << each.what;
-  }
-}
-
-TEST(NmeaDepth, SecondFamilyKnowsNoEmptyFieldTest) {
-  const Sentence cases[] = {
-      {"whole epoch", kSecondEpoch, kValue, 4.25f},
-      {"wrong checksum", "$GPDBT,13.94,f,4.250,M,,*00\r\n", kValue, 4.25f},
-      {"empty depth", "$GPDBT,,f,,M,,*00\r\n", kMissing},
-      {"with fathoms", "$GPDBT,13.94,f,4.250,M,2.32,F*00\r\n", kMissing},
-      {"the other family's", kFirstEpoch, kMissing},
-  };
-  for (const Sentence& each : cases) {
-    float depth_m = kBefore;
-    EXPECT_EQ(ParseDepth(each.text, kSecondFamilyNmea, depth_m), each.result) << each.what;
-    EXPECT_EQ(depth_m, each.value) << each.what;
+  for (const auto& each : cases) {
+    float value = kBefore;
+    EXPECT_EQ(each.parse(each.text, value), each.result) << each.what;
+    EXPECT_EQ(value, each.value) << each.what;
   }
 }
 
@@ -76,6 +87,7 @@ TEST(NmeaDepth, PitchAndRollComeFromTheFirstSentenceWithRoll) {
     SentenceResult result;
     float pitch = kBefore;
     float roll = kBefore;
+    const NmeaForms& forms = kFirstFamilyNmea;
   } cases[] = {
       {"EMA stands before it", ema + roll, kValue, 2, -1},
       {"the first of two", ema + roll + later, kValue, 2, -1},
@@ -83,49 +95,33 @@ TEST(NmeaDepth, PitchAndRollComeFromTheFirstSentenceWithRoll) {
       {"EMA alone", ema, kMissing},
       {"no line end", ema + "$SDXDR,A,2.0,D,PTCH,A,-1.0,D,ROLL*65", kMissing},
       {"roll is no number", "$SDXDR,A,2.0,D,PTCH,A,,D,ROLL*65\r\n", kMissing},
-      {"no sentence at all", kSecondEpoch, kMissing},
+      {"the other family's", kSecondEpoch, kMissing},
+      {"second family", kSecondEpoch, kValue, 2, -1, kSecondFamilyNmea},
   };
   for (const auto& each : cases) {
     float pitch_deg = kBefore;
     float roll_deg = kBefore;
-    EXPECT_EQ(ParsePitchRoll(each.text, kFirstFamilyNmea, pitch_deg, roll_deg), each.result) << each.what;
+    EXPECT_EQ(ParsePitchRoll(each.text, each.forms, pitch_deg, roll_deg), each.result) << each.what;
     EXPECT_EQ(pitch_deg, each.pitch) << each.what;
     EXPECT_EQ(roll_deg, each.roll) << each.what;
   }
-  float pitch_deg = kBefore;
-  float roll_deg = kBefore;
-  EXPECT_EQ(ParsePitchRoll(kSecondEpoch, kSecondFamilyNmea, pitch_deg, roll_deg), kValue);
-  EXPECT_EQ(pitch_deg, 2.0f);
-  EXPECT_EQ(roll_deg, -1.0f);
-}
-
-TEST(NmeaDepth, TemperatureAndEma) {
-  float value = kBefore;
-  EXPECT_EQ(ParseWaterTemperature(kFirstEpoch, kFirstFamilyNmea, value), kValue);
-  EXPECT_EQ(value, 11.4f);
-  value = kBefore;
-  EXPECT_EQ(ParseWaterTemperature(kSecondEpoch, kSecondFamilyNmea, value), kValue);
-  EXPECT_EQ(value, 11.4f);
-  value = kBefore;
-  EXPECT_EQ(ParseWaterTemperature(kSecondEpoch, kFirstFamilyNmea, value), kMissing);
-  EXPECT_EQ(ParseWaterTemperature("$SDMTW,,*00\r\n", kFirstFamilyNmea, value), kMissing);
-  EXPECT_EQ(ParseWaterTemperature("$SDMTW,11.4,C*00\r\n", kFirstFamilyNmea, value), kMissing);
-  EXPECT_EQ(ParseEma("$SDXDR,A,2.0,D,PTCH,A,-1.0,D,ROLL*65\r\n", value), kMissing);
-  EXPECT_EQ(value, kBefore);
-  EXPECT_EQ(ParseEma(kFirstEpoch, value), kValue);
-  EXPECT_EQ(value, 1.5f);
 }
 
 TEST(NmeaDepth, DeviceTime) {
   DeviceTime time{};
   ASSERT_EQ(ParseDeviceTime(kFirstEpoch, time), kValue);
-  EXPECT_EQ(time.unix_s, 1'794'832'496u);
   EXPECT_EQ(time.milliseconds, 780u);
   const CalendarTime& calendar = time.calendar;
   EXPECT_EQ(calendar.year * 10'000 + calendar.month * 100 + calendar.day, 20'261'116);
   EXPECT_EQ(calendar.hour * 10'000 + calendar.minute * 100 + calendar.second, 123'456);
 
-  const Sentence cases[] = {
+  const struct {
+    const char* what;
+    std::string text;
+    SentenceResult result;
+    uint32_t unix_s = 7;  // what stood there before
+  } cases[] = {
+      {"epoch", kFirstEpoch, kValue, 1'794'832'496},
       {"first moment", "$SDZDA,000000.00,1,1,1970,00,00,*00\r\n", kValue, 0},
       {"leap day", "$SDZDA,000000.00,29,2,2024,00,00,*00\r\n", kValue, 1'709'164'800},
       {"no comma before the star", "$SDZDA,123456.78,16,11,2026,00,00*43\r\n", kMissing},
@@ -142,18 +138,18 @@ TEST(NmeaDepth, DeviceTime) {
       {"beyond an int", "$SDZDA,123456.78,99999999999,11,2026,00,00,*43\r\n", kMissing},
       {"no line end", "$SDZDA,123456.78,16,11,2026,00,00,*43", kMissing},
   };
-  for (const Sentence& each : cases) {
+  for (const auto& each : cases) {
     DeviceTime read{.unix_s = 7, .calendar = {}, .milliseconds = 0};
     EXPECT_EQ(ParseDeviceTime(each.text, read), each.result) << each.what;
-    EXPECT_EQ(read.unix_s, each.result == kValue ? static_cast<uint32_t>(each.value) : 7u) << each.what;
+    EXPECT_EQ(read.unix_s, each.unix_s) << each.what;
   }
 }
 
 TEST(NmeaDepth, FrequencyLine) {
   int32_t frequency_hz = 7;
-  EXPECT_FALSE(ParseFrequencyLine(kFirstEpoch, frequency_hz));
-  EXPECT_FALSE(ParseFrequencyLine("#F Hz\r\n", frequency_hz));
-  EXPECT_FALSE(ParseFrequencyLine("#F 99999999999 Hz\r\n", frequency_hz));
+  for (const char* none : {kFirstEpoch, "#F Hz\r\n", "#F 99999999999 Hz\r\n"}) {
+    EXPECT_FALSE(ParseFrequencyLine(none, frequency_hz)) << none;
+  }
   EXPECT_EQ(frequency_hz, 7);
   EXPECT_TRUE(ParseFrequencyLine(kReportingEpoch, frequency_hz));
   EXPECT_EQ(frequency_hz, 200'000);
@@ -162,10 +158,11 @@ TEST(NmeaDepth, FrequencyLine) {
 TEST(NmeaDepth, ACutEpochHasNoHalfValues) {
   const std::string_view epoch(kFirstEpoch);
   for (size_t length = 0; length <= epoch.size(); ++length) {
-    const std::string_view cut = epoch.substr(0, length);
     float depth_m = kBefore;
-    EXPECT_EQ(ParseDepth(cut, kFirstFamilyNmea, depth_m) == kValue, length >= epoch.find("$SDXDR")) << length;
-    EXPECT_TRUE(depth_m == kBefore || depth_m == 4.25f) << length;
+    const bool whole = length >= epoch.find("$SDXDR");
+    EXPECT_EQ(ParseDepth(epoch.substr(0, length), kFirstFamilyNmea, depth_m), whole ? kValue : kMissing)
+        << length;
+    EXPECT_EQ(depth_m, whole ? 4.25f : kBefore) << length;
   }
 }
 

@@ -10,32 +10,20 @@
 namespace tw::test {
 namespace {
 
-class Apply : public RunControlTest {
- protected:
-  void StartRecording() {
-    Ui().controls[ID_RECORD].checked = true;
-    ConnectSounder(QuickSounder());
-    StartRun(*state_);
-    ASSERT_NE(state_->acquisitionThread, Handle::null);
-    Ui().boxes.clear();
-    Run(2);
-  }
-};
+class Apply : public RunControlTest {};
 
 TEST_F(Apply, WithoutADeviceItOnlySaysSo) {
-  using Command = void (*)(AppState&);
-  constexpr Command kCommands[] = {ApplySettings, RestoreDefaults,
-                                   [](AppState& state) { ChangeSpeed(state, 9600); }};
-  for (const Command command : kCommands) {
-    Ui().boxes.clear();
-    command(*state_);
-    ExpectBox(L"Echosounder is not connected", L"Error", BoxIcon::error);
-  }
+  ApplySettings(*state_);
+  ExpectBox(L"Echosounder is not connected", L"Error", BoxIcon::error);
+  RestoreDefaults(*state_);
+  ExpectBox(L"Echosounder is not connected", L"Error", BoxIcon::error);
+  ChangeSpeed(*state_, 9600);
+  ExpectBox(L"Echosounder is not connected", L"Error", BoxIcon::error);
   ExpectIdle();
 }
 
 TEST_F(Apply, AChangedOutputIsSentASecondLater) {
-  StartRecording();
+  StartQuickRun(2);
   Ui().Choose(ID_OUTPUT, L"Echo Txt 12bit");
   state_->settings.outputMode = 4;
   NoteChoice(*state_);
@@ -54,6 +42,17 @@ TEST_F(Apply, AChangedOutputIsSentASecondLater) {
   EXPECT_EQ(sounder_->Commands().Total(), commands);
 }
 
+TEST_F(Apply, WithoutRecordDataNoFileIsOpened) {
+  StartQuickRun(1);
+  Ui().controls[ID_RECORD].checked = false;
+  ToggleRecording(*state_);
+  ApplySettings(*state_);
+  EXPECT_EQ(state_->recordFileA, Handle::invalid);
+  ChangeSpeed(*state_, 460'800);
+  EXPECT_EQ(state_->recordFileA, Handle::invalid);
+  EXPECT_EQ(StateOfProgram(*state_), ProgramState::running);
+}
+
 // Whichever of the two comes second; the run goes on with what the device has.
 TEST_F(Apply, SonarmiteOldForBothFrequenciesMayBeRefused) {
   sim::SounderOptions options = QuickSounder();
@@ -69,32 +68,22 @@ TEST_F(Apply, SonarmiteOldForBothFrequenciesMayBeRefused) {
     Ui().controls[ID_DUAL_MODE].checked = row.dual;
     state_->settings.outputMode = row.mode;
     ApplySettings(*state_);
-    ASSERT_EQ(Ui().boxes.size(), row.refused ? 1u : 0u);
     if (row.refused) {
-      EXPECT_EQ(Ui().boxes[0], (Box{L"Sonarmite_old fortmat is not support Dual_mode", L"",
-                                    BoxIcon::information, BoxButtons::ok}));
+      ExpectBox(L"Sonarmite_old fortmat is not support Dual_mode", L"", BoxIcon::information);
     }
-    Ui().boxes.clear();
+    EXPECT_TRUE(Ui().boxes.empty());
     EXPECT_EQ(StateOfProgram(*state_), ProgramState::running);
     EXPECT_EQ(state_->settings.outputMode == 9 && globals.dualMode != 0, false);
   }
 }
 
-TEST_F(Apply, DefaultsAreAskedForFirst) {
-  StartRecording();
-  state_->settings.gainLow = 9.0f;
-  ApplySettings(*state_);
+TEST_F(Apply, DefaultsAreNotSentWithoutConsent) {
+  StartQuickRun(2);
   Ui().answerOk = false;
   const uint64_t commands = sounder_->Commands().Total();
   RestoreDefaults(*state_);
-  ASSERT_EQ(Ui().boxes.size(), 1u);
-  EXPECT_EQ(Ui().boxes[0],
-            (Box{L"Change to default setting?", L"Info", BoxIcon::none, BoxButtons::okCancel}));
+  ExpectBox(L"Change to default setting?", L"Info", BoxIcon::none, BoxButtons::okCancel);
   EXPECT_EQ(sounder_->Commands().Total(), commands);
-  Ui().answerOk = true;
-  RestoreDefaults(*state_);
-  Run(1);
-  EXPECT_NE(state_->settings.gainLow, 9.0f);
   EXPECT_NE(state_->acquisitionThread, Handle::null);
 }
 
@@ -105,7 +94,7 @@ TEST_F(Apply, ScreenshotsAreTakenWhileTickedAndRunning) {
   ToggleAutoCapture(*state_);
   EXPECT_EQ(state_->timeScaleUpper, 150);
   EXPECT_FALSE(Ui().timers.contains(ID_TIMER_CAPTURE)) << "nothing runs yet";
-  StartRecording();
+  StartQuickRun(2);
   EXPECT_EQ(Ui().timers[ID_TIMER_CAPTURE], kPeriod_ms);
   HandleTimer(*state_, ID_TIMER_CAPTURE);
   EXPECT_EQ(ExchangeShared(globals.screenshotRequested, 0), 1);
@@ -122,7 +111,7 @@ TEST_F(Apply, ScreenshotsAreTakenWhileTickedAndRunning) {
 
 // The device has taken the speed, but the port does not come back.
 TEST_F(Apply, APortThatDoesNotReopenEndsTheRun) {
-  StartRecording();
+  StartQuickRun(2);
   InjectFault({.point = FaultPoint::openLine, .code = EBUSY});
   ChangeSpeed(*state_, 3'000'000);
   EXPECT_EQ(Ui().systemErrors, std::vector<uint32_t>{EBUSY});

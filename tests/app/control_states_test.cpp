@@ -60,28 +60,25 @@ TEST_F(ControlStates, WhatTheDeviceAllows) {
     int32_t family;
     bool presets;
     int32_t preset;
-    bool frequencies;
-    bool presetBox;
-    bool values;  // output, range, interval
+    std::vector<bool> use;  // of the frequencies, the preset, and the values: output, range, interval
   } rows[] = {
-      {"first family, no preset in force", 1, true, kNoPreset, true, true, true},
-      {"first family, a preset in force", 1, true, 3, true, true, false},
-      {"first family, automatic mode", 1, true, kAutomaticPreset, true, true, false},
-      {"first family without presets", 1, false, 3, true, false, true},
-      {"second family", 2, true, kNoPreset, false, true, true},
-      {"third family", 0, false, 0, false, false, true},
+      {"first family, no preset in force", 1, true, kNoPreset, {true, true, true}},
+      {"first family, a preset in force", 1, true, 3, {true, true, false}},
+      {"first family, automatic mode", 1, true, kAutomaticPreset, {true, true, false}},
+      {"first family without presets", 1, false, 3, {true, false, true}},
+      {"second family", 2, true, kNoPreset, {false, true, true}},
+      {"third family", 0, false, 0, {false, false, true}},
   };
+  const std::vector<int> groups[] = {
+      {ID_LOW_FREQUENCY, ID_HIGH_FREQUENCY, ID_DUAL_MODE}, {ID_PRESET}, {ID_OUTPUT, ID_RANGE, ID_INTERVAL}};
   for (const auto& row : rows) {
     StoreShared(globals.deviceFamily, row.family);
     globals.presetCapable = row.presets ? 1 : 0;
     state_->settings.preset = row.preset;
     Enter(ProgramState::running);
-    for (const int id : {ID_LOW_FREQUENCY, ID_HIGH_FREQUENCY, ID_DUAL_MODE}) {
-      EXPECT_EQ(Ui().controls[id].enabled, row.frequencies) << row.what;
-    }
-    EXPECT_EQ(Ui().controls[ID_PRESET].enabled, row.presetBox) << row.what;
-    for (const int id : {ID_OUTPUT, ID_RANGE, ID_INTERVAL}) {
-      EXPECT_EQ(Ui().controls[id].enabled, row.values) << row.what;
+    for (size_t group = 0; group < std::size(groups); ++group) {
+      for (const int id : groups[group])
+        EXPECT_EQ(Ui().controls[id].enabled, row.use[group]) << row.what << ", " << id;
     }
   }
 }

@@ -8,10 +8,10 @@
 
 #include "platform/host/documents_folder.h"
 #include "platform/host/faults.h"
-#include "platform/host/memory_registry.h"
+#include "tests/app/stored_values.h"
 #include "tests/app/test_folder.h"
 
-namespace tw {
+namespace tw::test {
 namespace {
 
 using Writes = std::vector<std::wstring>;
@@ -21,7 +21,7 @@ class PersistentSettings : public testing::Test {
   PersistentSettings() {
     ClearRegistry();
     ClearFaults();
-    SetDocumentsFolder(documents_.c_str());
+    SetDocumentsFolder(folder_.Path().c_str());
   }
   ~PersistentSettings() override {
     SetDocumentsFolder(nullptr);
@@ -29,63 +29,27 @@ class PersistentSettings : public testing::Test {
     ClearRegistry();
   }
 
-  static void PutNumber(const wchar_t* name, uint32_t number) {
-    RegistryValue value;
-    value.number = number;
-    PutRegistryValue(kSettingsKey, name, value);
-  }
-  static void PutText(const wchar_t* name, const std::wstring& text) {
-    RegistryValue value;
-    value.type = RegistryType::text;
-    value.text = text;
-    PutRegistryValue(kSettingsKey, name, value);
-  }
-  static void PutCommunication() {
-    PutNumber(L"DeviceCOMPort", 7);
-    PutNumber(L"DeviceCOMSpeed", 3'000'000);
-    PutNumber(L"GPSCOMPort", 8);
-    PutNumber(L"GPSCOMSpeed", 9'600);
-  }
-  // 0xDEAD when there is no such number.
-  static uint32_t Number(const wchar_t* name) {
-    RegistryValue value;
-    const bool found = FindRegistryValue(kSettingsKey, name, value) && value.type == RegistryType::number;
-    return found ? value.number : 0xDEAD;
-  }
-  static std::wstring Text(const wchar_t* name) {
-    RegistryValue value;
-    return FindRegistryValue(kSettingsKey, name, value) ? value.text : L"(none)";
-  }
-
-  const test::TestFolder folder_;
-  const std::filesystem::path& documents_ = folder_.Path();
+  const TestFolder folder_;
+  const std::filesystem::path default_ = folder_.Path() / "TIDEWRITERR57_DATA";
   std::unique_ptr<AppState> state_ = std::make_unique<AppState>();
 };
 
-TEST_F(PersistentSettings, StoredCommunicationValuesAreRead) {
-  PutCommunication();
-  const CommunicationSettings read = LoadCommunicationSettings();
-  EXPECT_EQ(read.devicePort, 7);
-  EXPECT_EQ(read.deviceSpeed_bps, 3'000'000);
-  EXPECT_EQ(read.gpsPort, 8);
-  EXPECT_EQ(read.gpsSpeed_bps, 9'600);
-  EXPECT_EQ(RegistryWrites(), Writes{});
-}
-
 TEST_F(PersistentSettings, OneMissingValueMakesAllFourTheDefaults) {
-  for (const wchar_t* missing : {L"DeviceCOMPort", L"DeviceCOMSpeed", L"GPSCOMPort", L"GPSCOMSpeed"}) {
+  const std::wstring names[] = {L"DeviceCOMPort", L"DeviceCOMSpeed", L"GPSCOMPort", L"GPSCOMSpeed"};
+  for (const std::wstring& missing : names) {
     ClearRegistry();
-    PutCommunication();
-    RemoveRegistryValue(kSettingsKey, missing);
+    for (const std::wstring& name : names) {
+      if (name != missing) PutNumber(name.c_str(), 7);
+    }
     const CommunicationSettings read = LoadCommunicationSettings();
     EXPECT_EQ(read.devicePort, 1);
     EXPECT_EQ(read.deviceSpeed_bps, 115'200);
     EXPECT_EQ(read.gpsPort, -1);
     EXPECT_EQ(read.gpsSpeed_bps, 4'800);
-    EXPECT_EQ(Number(L"DeviceCOMPort"), 1u);
-    EXPECT_EQ(Number(L"DeviceCOMSpeed"), 115'200u);
-    EXPECT_EQ(Number(L"GPSCOMPort"), 0xFFFFFFFFu);
-    EXPECT_EQ(Number(L"GPSCOMSpeed"), 4'800u);
+    EXPECT_EQ(StoredNumber(L"DeviceCOMPort"), 1u);
+    EXPECT_EQ(StoredNumber(L"DeviceCOMSpeed"), 115'200u);
+    EXPECT_EQ(StoredNumber(L"GPSCOMPort"), 0xFFFFFFFFu);
+    EXPECT_EQ(StoredNumber(L"GPSCOMSpeed"), 4'800u);
   }
 }
 
@@ -95,51 +59,46 @@ TEST_F(PersistentSettings, WritingGoesInItsOrderAndStopsAtTheFirstFailure) {
   ClearRegistry();
   InjectFault({.point = FaultPoint::writeRegistry, .subject = L"GPSCOMPort"});
   SaveCommunicationSettings({4, 9'600, 5, 19'200});
-  EXPECT_EQ(Number(L"DeviceCOMPort"), 4u);
-  EXPECT_EQ(Number(L"DeviceCOMSpeed"), 9'600u);
-  EXPECT_EQ(Number(L"GPSCOMPort"), 0xDEADu);
-  EXPECT_EQ(Number(L"GPSCOMSpeed"), 0xDEADu);
+  EXPECT_EQ(StoredNumber(L"DeviceCOMPort"), 4u);
+  EXPECT_EQ(StoredNumber(L"DeviceCOMSpeed"), 9'600u);
+  EXPECT_EQ(StoredNumber(L"GPSCOMPort"), kNoNumber);
+  EXPECT_EQ(StoredNumber(L"GPSCOMSpeed"), kNoNumber);
 }
 
 TEST_F(PersistentSettings, RecordingIsOnUnlessItWasSwitchedOff) {
   EXPECT_TRUE(LoadRecordingFlag());
-  EXPECT_EQ(Number(L"Recording"), 1u);
+  EXPECT_EQ(StoredNumber(L"Recording"), 1u);
   SaveRecordingFlag(false);
   EXPECT_FALSE(LoadRecordingFlag());
-  EXPECT_EQ(Number(L"Recording"), 0u);
+  EXPECT_EQ(StoredNumber(L"Recording"), 0u);
+  PutNumber(L"Recording", 2);
+  EXPECT_TRUE(LoadRecordingFlag());
 }
 
 TEST_F(PersistentSettings, FirstStartMakesAFolderInTheDocuments) {
-  const std::filesystem::path folder = documents_ / "TIDEWRITERR57_DATA";
   LoadWorkingFolder(*state_);
-  EXPECT_EQ(state_->workingFolder, folder.wstring());
-  EXPECT_EQ(Text(L"WorkingFolder"), folder.wstring());
-  EXPECT_TRUE(std::filesystem::is_directory(folder));
+  EXPECT_EQ(state_->workingFolder, default_.wstring());
+  EXPECT_EQ(StoredText(L"WorkingFolder"), default_.wstring());
+  EXPECT_TRUE(std::filesystem::is_directory(default_));
 }
 
-TEST_F(PersistentSettings, AStoredFolderStaysAlthoughItIsAbsent) {
-  PutText(L"WorkingFolder", L"/nowhere/at/all");
-  LoadWorkingFolder(*state_);
-  EXPECT_STREQ(state_->workingFolder, L"/nowhere/at/all");
-  EXPECT_EQ(RegistryWrites(), Writes{});
-}
-
-TEST_F(PersistentSettings, AFolderOf129CharactersPassesAndOneOf130DoesNot) {
+TEST_F(PersistentSettings, AStoredFolderStaysUpTo129CharactersAlthoughItIsAbsent) {
   const std::wstring longest(129, L'f');
   PutText(L"WorkingFolder", longest);
   LoadWorkingFolder(*state_);
   EXPECT_EQ(state_->workingFolder, longest);
+  EXPECT_EQ(RegistryWrites(), Writes{});
 
   PutText(L"WorkingFolder", longest + L'f');
   LoadWorkingFolder(*state_);
-  EXPECT_EQ(state_->workingFolder, (documents_ / "TIDEWRITERR57_DATA").wstring());
-  EXPECT_EQ(Text(L"WorkingFolder"), (documents_ / "TIDEWRITERR57_DATA").wstring());
+  EXPECT_EQ(state_->workingFolder, default_.wstring());
+  EXPECT_EQ(StoredText(L"WorkingFolder"), default_.wstring());
 }
 
 TEST_F(PersistentSettings, ARegistryThatTakesNothingStillGivesAFolder) {
   InjectFault({.point = FaultPoint::writeRegistry, .repeat = kEveryCall});
   LoadWorkingFolder(*state_);
-  EXPECT_EQ(state_->workingFolder, (documents_ / "TIDEWRITERR57_DATA").wstring());
+  EXPECT_EQ(state_->workingFolder, default_.wstring());
 }
 
 TEST_F(PersistentSettings, ThePlacementIsEightLittleEndianWords) {
@@ -153,4 +112,4 @@ TEST_F(PersistentSettings, ThePlacementIsEightLittleEndianWords) {
 }
 
 }  // namespace
-}  // namespace tw
+}  // namespace tw::test

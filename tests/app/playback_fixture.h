@@ -1,10 +1,11 @@
-// A run that records, and its recording played back: what the tests of playback have in common.
+// A run that records, and recordings played back and converted by the window's commands: what the tests of
+// playback have in common.
 #pragma once
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "acquisition/ping_ring.h"
@@ -18,8 +19,6 @@
 
 namespace tw::test {
 
-namespace fs = std::filesystem;
-
 struct ReadPing {
   PingHeader header;
   std::vector<uint16_t> samples;
@@ -29,7 +28,6 @@ class Playback : public RunControlTest {
  protected:
   // A run of some seconds that records.
   void Record(const sim::SounderOptions& options, int seconds = 20, const sim::GpsOptions& gps = {}) {
-    Ui().controls[ID_RECORD].checked = true;
     ConnectSounder(options);
     ConnectGps(gps);
     ChooseGps();
@@ -38,21 +36,42 @@ class Playback : public RunControlTest {
     Run(seconds);
     StopRun(*state_);
     ExpectIdle();
-    Ui().boxes.clear();
-    for (const std::string& name : RecordFiles())
-      files_.push_back((folder_ / "TIDEWRITERR57_DATA" / name).wstring());
+    for (const std::string& name : RecordFiles()) files_.push_back((records_ / name).wstring());
     ASSERT_FALSE(files_.empty());
   }
 
-  void Choose(std::vector<std::wstring> files) { Ui().chosenFiles = std::move(files); }
+  void Play(std::vector<std::wstring> files) {
+    Ui().chosenFiles = std::move(files);
+    PlayFiles(*state_);
+  }
 
   // Lets the worker run, the end timer included, until the file is exhausted.
   void PlayToTheEnd() {
-    for (int i = 0; i < 6'000 && state_->playbackAtEnd == 0; ++i) {
+    for (int i = 0; i < 60'000 && state_->playbackAtEnd == 0; ++i) {
       SleepMilliseconds(20);
       HandleTimer(*state_, ID_TIMER_PLAYBACK_END);
     }
     ASSERT_EQ(state_->playbackAtEnd, 1);
+  }
+
+  // Lets a conversion run to its end, of which the worker tells last of all.
+  void FinishConversion() {
+    for (int i = 0; i < 60'000 && LoadShared(state_->conversionKind) != 0; ++i) SleepMilliseconds(10);
+    SleepMilliseconds(10);
+    for (const bool exhausted : std::exchange(Ui().conversionEnds, {}))
+      HandleConversionEnd(*state_, exhausted);
+    EXPECT_EQ(StateOfProgram(*state_), ProgramState::idle);
+    EXPECT_EQ(state_->segyCompanionA, Handle::invalid);
+    EXPECT_EQ(state_->inputFileA, Handle::invalid);
+  }
+  // What the box at its end says; empty: there is none.
+  std::wstring Convert(const std::wstring& file, void (*command)(AppState&)) {
+    Ui().chosenFiles = {file};
+    command(*state_);
+    FinishConversion();
+    const std::vector<Box> boxes = std::exchange(Ui().boxes, {});
+    EXPECT_LE(boxes.size(), 1u);
+    return boxes.empty() ? L"" : boxes[0].text;
   }
 
   static std::vector<ReadPing> ReadPings(const std::wstring& file) {

@@ -1,7 +1,6 @@
 // Binary recordings written frame by frame: what time and sampling frequency make of the ring.
 #include <algorithm>
 #include <cstring>
-#include <fstream>
 
 #include "acquisition/echo_frame.h"
 #include "app/control_ids.h"
@@ -20,23 +19,21 @@ constexpr uint32_t kDay_s = 86'400;
 class PlaybackFrames : public Playback {
  protected:
   // Each frame holds the samples 100 and 200; frame i is ping i + 1.
-  void Play(const std::vector<Frame>& frames) {
+  void PlayFrames(const std::vector<Frame>& frames) {
     const uint16_t samples[] = {100, 200};
-    const fs::path path = folder_ / "frames.log";
-    std::ofstream file(path, std::ios::binary);
+    std::string bytes;
     for (size_t i = 0; i < frames.size(); ++i) {
       PingHeader header{};
       header.ping = static_cast<uint32_t>(i + 1);
       header.timeOfWork_s = frames[i].time_s;
       header.samplingFrequency_hz = frames[i].sampling_hz;
       header.sampleCount = 2;
-      uint8_t bytes[frame::kWrittenHeaderLength + sizeof samples];
-      frameSize_ = LayOutEchoFrame(header, samples, bytes);
-      file.write(reinterpret_cast<const char*>(bytes), static_cast<std::streamsize>(frameSize_));
+      uint8_t frame[frame::kWrittenHeaderLength + sizeof samples];
+      frameSize_ = LayOutEchoFrame(header, samples, frame);
+      bytes.append(reinterpret_cast<const char*>(frame), frameSize_);
     }
-    file.close();
-    Choose({path.wstring()});
-    PlayFiles(*state_);
+    WriteWhole(folder_ / "frames.log", bytes);
+    Play({(folder_ / "frames.log").wstring()});
     ASSERT_TRUE(Ui().boxes.empty());
   }
 
@@ -52,7 +49,7 @@ class PlaybackFrames : public Playback {
 
 TEST_F(PlaybackFrames, RepetitionIsFoundOnce) {
   // One second apart, so that the pings stand ten slots apart.
-  Play({{100, 0}, {101, 50'000}, {102, 25'000}, {103, 100'001}, {104, 100'000}});
+  PlayFrames({{100, 0}, {101, 50'000}, {102, 25'000}, {103, 100'001}, {104, 100'000}});
   PlayToTheEnd();
   const std::vector<uint16_t> twice = {100, 100, 200, 200};
   EXPECT_EQ(SamplesAt(0), std::vector<uint16_t>()) << "no frequency, no samples";
@@ -77,7 +74,7 @@ TEST_F(PlaybackFrames, SlotsGoByRecordedTime) {
        (1 + 30 * 86'400) % 10'000},
   };
   for (const auto& row : rows) {
-    Play(row.frames);
+    PlayFrames(row.frames);
     PlayToTheEnd();
     EXPECT_EQ(IndexA(), row.index) << row.what;
     EXPECT_EQ(HeaderAt(IndexA()).ping, row.frames.size()) << row.what;
@@ -88,7 +85,7 @@ TEST_F(PlaybackFrames, SlotsGoByRecordedTime) {
 TEST_F(PlaybackFrames, AfterTheEndTheSliderGoesOnAndOneTickIsOneTick) {
   std::vector<Frame> frames;
   for (uint32_t i = 0; i < 100; ++i) frames.push_back({1'000'000 + i * kDay_s, 1'000});
-  Play(frames);
+  PlayFrames(frames);
   PlayToTheEnd();
   const int32_t end = IndexA();
   EXPECT_EQ(StateOfProgram(*state_), ProgramState::paused);
@@ -123,7 +120,7 @@ TEST_F(PlaybackFrames, MarksAndPicturesGoByRecordedTime) {
     std::vector<Frame> frames;
     for (uint32_t i = 0; i <= row.seconds * row.framesPerSecond; ++i)
       frames.push_back({1'000 + i / row.framesPerSecond, 1'000});
-    Play(frames);
+    PlayFrames(frames);
     int pictures = 0;
     while (LoadShared(globals.playbackEnded) == 0) {
       SleepMilliseconds(10);

@@ -1,7 +1,5 @@
 // Two files of a dual recording played together: which is which, and that the second goes where the first
 // goes.
-#include <fstream>
-
 #include "tests/app/playback_fixture.h"
 
 namespace tw::test {
@@ -12,14 +10,6 @@ constexpr int32_t kLow_hz = 200'000;
 
 class PlaybackPair : public Playback, public testing::WithParamInterface<int32_t> {
  protected:
-  void RecordPair(int seconds) {
-    sim::SounderOptions options = QuickSounder();
-    options.outputMode = GetParam();
-    options.dual = true;
-    Record(options, seconds);
-    ASSERT_EQ(files_.size(), 2u);
-  }
-
   PingHeader NewestOfA() { return HeaderAt(IndexA()); }
   PingHeader NewestOfB() {
     Locked held(state_->ringLockB);
@@ -39,9 +29,11 @@ class PlaybackPair : public Playback, public testing::WithParamInterface<int32_t
 
 // However the two are chosen, the higher frequency is the first.
 TEST_P(PlaybackPair, TheSecondFollowsStepsAndSeeks) {
-  RecordPair(60);
-  Choose(GetParam() == 4 ? files_ : std::vector{files_[1], files_[0]});
-  PlayFiles(*state_);
+  sim::SounderOptions options = QuickSounder(GetParam());
+  options.dual = true;
+  Record(options, 60);
+  ASSERT_EQ(files_.size(), 2u);
+  Play(GetParam() == 4 ? files_ : std::vector{files_[1], files_[0]});
   SleepMilliseconds(3'000);
   PausePlayback(*state_);
   SleepMilliseconds(100);
@@ -88,36 +80,6 @@ TEST_P(PlaybackPair, TheSecondFollowsStepsAndSeeks) {
 
 INSTANTIATE_TEST_SUITE_P(Modes, PlaybackPair, testing::Values(4, 100),
                          [](const auto& mode) { return "Mode" + std::to_string(mode.param); });
-
-using PlaybackPairNames = Playback;
-
-TEST_F(PlaybackPairNames, TwoFilesThatAreNoPairAreRefused) {
-  const std::string text = "#DeviceID a\r\n#NSamples 0\r\n##DataStart\r\n\r\n\r\n";
-  const std::string lines = "Alt : 1.5\r\n";
-  const auto make = [this](const char* name, const std::string& content) {
-    const fs::path path = folder_ / name;
-    std::ofstream(path, std::ios::binary) << content;
-    return path.wstring();
-  };
-  const std::wstring high = make("20250314_093005_Dual_450kHz_id_a_txt12.log", text);
-  const std::wstring low = make("20250314_093005_Dual_200kHz_id_a_txt12.log", text);
-  const std::wstring later = make("20250314_093006_Dual_200kHz_id_a_txt12.log", text);
-  const std::wstring other = make("20250314_093005_Dual_210kHz_id_a_txt12.log", lines);
-  const std::wstring nameless = make("yesterday.log", text);
-  const std::vector<std::wstring> pairs[] = {{high, high}, {high, later}, {high, other}, {high, nameless}};
-  for (const auto& pair : pairs) {
-    Ui().boxes.clear();
-    Choose(pair);
-    PlayFiles(*state_);
-    ExpectBox(L"Select correct pair of files!!", L"Error", BoxIcon::error);
-    EXPECT_EQ(state_->playbackActive, 0);
-    EXPECT_EQ(state_->inputFileA, Handle::invalid);
-  }
-  Ui().boxes.clear();
-  Choose({low, high});
-  PlayFiles(*state_);
-  EXPECT_TRUE(Ui().boxes.empty());
-}
 
 }  // namespace
 }  // namespace tw::test

@@ -1,14 +1,11 @@
 // A recording made by a live run, played back and converted: what the ring showed then, it shows again.
-#include <gtest/gtest.h>
-
 #include <algorithm>
-#include <filesystem>
-#include <fstream>
 #include <random>
 
 #include "app/file_naming.h"
 #include "base/text_format.h"
 #include "tests/app/playback_fixture.h"
+#include "tests/playback/info_text.h"
 
 namespace tw::test {
 namespace {
@@ -20,8 +17,7 @@ struct TextPing {
 
 // Found without the program's readers.
 std::vector<TextPing> PingsInText(const std::wstring& path) {
-  std::ifstream file(fs::path(path), std::ios::binary);
-  const std::string text{std::istreambuf_iterator<char>(file), {}};
+  const std::string text = ReadWhole(path);
   std::vector<TextPing> pings;
   for (size_t at = text.find("#DeviceID"); at != text.npos; at = text.find("#DeviceID", at + 1)) {
     constexpr std::string_view kKey = "#Ping ";
@@ -32,9 +28,7 @@ std::vector<TextPing> PingsInText(const std::wstring& path) {
 }
 
 TEST_F(Playback, StepsBackPausesAndSeeks) {
-  sim::SounderOptions options = QuickSounder();
-  options.outputMode = 4;
-  Record(options, 60);
+  Record(QuickSounder(4), 60);
   const std::vector<TextPing> pings = PingsInText(files_[0]);
   ASSERT_GT(pings.size(), 500u);
   const uint32_t first = pings.front().number;
@@ -48,8 +42,7 @@ TEST_F(Playback, StepsBackPausesAndSeeks) {
     EXPECT_GE(from, to + 2 * steps) << steps;
     EXPECT_LE(from, to + 2 * steps + 1) << steps;
   };
-  Choose({files_[0]});
-  PlayFiles(*state_);
+  Play({files_[0]});
 
   // At the start: fewer entries than asked for lead to the first ping.
   for (const RunEvent step : {kBack20, kBack100}) {
@@ -105,85 +98,83 @@ TEST_F(Playback, StepsBackPausesAndSeeks) {
   }
 }
 
+constexpr char kTextPing[] = "#DeviceID a\r\n#NSamples 0\r\n##DataStart\r\n\r\n\r\n";
+
 TEST_F(Playback, WhatCannotBePlayedIsSaid) {
-  const fs::path empty = folder_ / "empty.log";
-  const fs::path strange = folder_ / "strange.log";
-  const fs::path noPing = folder_ / "noping.log";
-  std::ofstream(empty).flush();
-  std::ofstream(strange) << std::string(3'000, 'x');
-  std::ofstream(noPing) << "#DeviceID without an end";
+  const fs::path high = "20250314_093005_Dual_450kHz_id_a_txt12.log";
+  const fs::path low = "20250314_093005_Dual_200kHz_id_a_txt12.log";
+  const fs::path later = "20250314_093006_Dual_200kHz_id_a_txt12.log";
+  const fs::path otherKind = "20250314_093005_Dual_210kHz_id_a_txt12.log";
+  for (const fs::path& name : {high, low, later, fs::path("nameless.log")})
+    WriteWhole(folder_ / name, kTextPing);
+  WriteWhole(folder_ / otherKind, "Alt : 1.5\r\n");
+  WriteWhole(folder_ / "empty.log", "");
+  WriteWhole(folder_ / "strange.log", std::string(3'000, 'x'));
+  WriteWhole(folder_ / "noping.log", "#DeviceID without an end");
+  const auto play = [this](const std::vector<fs::path>& names) {
+    std::vector<std::wstring> paths;
+    for (const fs::path& name : names) paths.push_back((folder_ / name).wstring());
+    Play(paths);
+  };
   const struct {
-    std::vector<std::wstring> files;
+    std::vector<fs::path> files;
     const wchar_t* text;
   } rows[] = {
-      {{empty.wstring()}, L"Invalid file format."},
-      {{strange.wstring()}, L"Invalid file format."},
-      {{noPing.wstring()}, L"This file Cannot be playback"},
-      {{(folder_ / "absent.log").wstring()}, L"absent.log  to open file."},
-      {{noPing.wstring(), strange.wstring()}, L"Select correct pair of files!!"},
-      {{noPing.wstring(), strange.wstring(), empty.wstring()}, L"Select correct pair of files!!"},
+      {{"empty.log"}, L"Invalid file format."},
+      {{"strange.log"}, L"Invalid file format."},
+      {{"noping.log"}, L"This file Cannot be playback"},
+      {{"absent.log"}, L"absent.log  to open file."},
+      {{high, high}, L"Select correct pair of files!!"},
+      {{high, later}, L"Select correct pair of files!!"},
+      {{high, otherKind}, L"Select correct pair of files!!"},
+      {{high, "nameless.log"}, L"Select correct pair of files!!"},
+      {{"noping.log", "strange.log"}, L"Select correct pair of files!!"},
+      {{high, low, low}, L"Select correct pair of files!!"},
   };
   for (const auto& row : rows) {
-    Ui().boxes.clear();
-    Choose(row.files);
-    PlayFiles(*state_);
+    SCOPED_TRACE(row.files.back());
+    play(row.files);
     ExpectBox(row.text, L"Error", BoxIcon::error);
     EXPECT_EQ(StateOfProgram(*state_), ProgramState::idle);
+    EXPECT_EQ(state_->inputFileA, Handle::invalid);
   }
-  Ui().boxes.clear();
-  Choose({});
-  PlayFiles(*state_);
-  EXPECT_TRUE(Ui().boxes.empty()) << "cancelled";
+  play({});
+  play({low, high});
+  EXPECT_TRUE(Ui().boxes.empty()) << "cancelled, or a pair";
+}
 
-  ConnectSounder(QuickSounder());
-  StartRun(*state_);
-  Choose({noPing.wstring()});
+TEST_F(Playback, FilesAreForAfterARun) {
+  StartQuickRun();
+  Ui().chosenFiles = {L"any.log"};
   for (void (*const command)(AppState&) : {PlayFiles, ConvertToSegy, ConvertToText}) {
-    Ui().boxes.clear();
     command(*state_);
     ExpectBox(L"To open a file you should press \"Stop\" button first.", L"", BoxIcon::information);
   }
 }
 
-class ConversionRun : public Playback {
- protected:
-  void Wait() {
-    for (int i = 0; i < 1'000 && LoadShared(state_->fileWorkerA) != Handle::null; ++i) SleepMilliseconds(10);
-    SleepMilliseconds(10);
-    ASSERT_EQ(Ui().conversionEnds.size(), 1u);
-    HandleConversionEnd(*state_, Ui().conversionEnds[0]);
-    Ui().conversionEnds.clear();
-  }
-};
+using ConversionRun = Playback;
 
 TEST_F(ConversionRun, BinaryBecomesSegyAndText) {
-  sim::SounderOptions options = QuickSounder();
-  options.outputMode = 100;
+  sim::SounderOptions options = QuickSounder(100);
   options.samplingFrequency_hz = 100'000;
   Record(options);
   const std::vector<ReadPing> pings = ReadPings(files_[0]);
   ASSERT_GT(pings.size(), 100u);
-  const fs::path records = folder_ / "TIDEWRITERR57_DATA";
   const std::string stem = fs::path(files_[0]).stem().string();
-  Choose({files_[0]});
+  Ui().chosenFiles = {files_[0]};
   ConvertToSegy(*state_);
   EXPECT_EQ(StateOfProgram(*state_), ProgramState::converting);
   HandleTimer(*state_, ID_TIMER_REPAINT);
   EXPECT_TRUE(Ui().title.ends_with(stem + ".sgy")) << Ui().title;
-  Wait();
+  FinishConversion();
   ExpectBox(L"Convert completed", L"Info", BoxIcon::information);
-  EXPECT_EQ(StateOfProgram(*state_), ProgramState::idle);
-  EXPECT_EQ(state_->segyCompanionA, Handle::invalid);
-  EXPECT_EQ(fs::file_size(records / (stem + ".sgy")),
+  EXPECT_EQ(fs::file_size(records_ / (stem + ".sgy")),
             3'600 + pings.size() * (240 + 2 * pings[0].samples.size()));
   HandleTimer(*state_, ID_TIMER_REPAINT);
   EXPECT_EQ(Ui().title, kProgramTitle);
 
-  Ui().boxes.clear();
-  ConvertToText(*state_);
-  Wait();
-  ExpectBox(L"Convert completed", L"Info", BoxIcon::information);
-  const std::vector<ReadPing> texts = ReadPings((records / (stem + "_txt.log")).wstring());
+  EXPECT_EQ(Convert(files_[0], ConvertToText), L"Convert completed");
+  const std::vector<ReadPing> texts = ReadPings((records_ / (stem + "_txt.log")).wstring());
   ASSERT_EQ(texts.size(), pings.size());
   for (size_t i = 0; i < pings.size(); ++i) {
     EXPECT_EQ(texts[i].header.ping, pings[i].header.ping);
@@ -196,51 +187,40 @@ TEST_F(ConversionRun, BinaryBecomesSegyAndText) {
 
 // It closes all files that are being written.
 TEST_F(ConversionRun, ClearingRecordDataEndsTheOutput) {
-  sim::SounderOptions options = QuickSounder();
-  options.outputMode = 100;
-  Record(options, 120);
-  const fs::path output = folder_ / "TIDEWRITERR57_DATA" / fs::path(files_[0]).stem().concat(".sgy");
-  Choose({files_[0]});
-  ConvertToSegy(*state_);
-  Wait();
+  Record(QuickSounder(100), 120);
+  const fs::path output = records_ / fs::path(files_[0]).stem().concat(".sgy");
+  EXPECT_EQ(Convert(files_[0], ConvertToSegy), L"Convert completed");
   const uint64_t whole = fs::file_size(output);
   ConvertToSegy(*state_);
   SleepMilliseconds(1);
   ASSERT_EQ(StateOfProgram(*state_), ProgramState::converting);
   Ui().controls[ID_RECORD].checked = false;
   ToggleRecording(*state_);
-  Wait();
+  FinishConversion();
   EXPECT_GT(fs::file_size(output), 3'600u);
   EXPECT_LT(fs::file_size(output), whole);
-  EXPECT_EQ(state_->segyCompanionA, Handle::invalid);
 }
 
 // An older recording does not tell the sound speed that it was made with: the settings do.
 TEST_F(ConversionRun, SegyTellsTheSoundSpeedOfTheSettings) {
   const std::string ping =
       "#DeviceID a\r\n#NSamples 1\r\n#Sampling_Frequency,Hz 25000\r\n##DataStart\r\n7\r\n\r\n\r\n";
-  const std::string info = "INFO:1,450000,30000,0.1,20,0.0,0,15,0.14,0,150,20,0,1432.5,4\r\n";
   const struct {
     std::string content;
     std::string speed;  // 1480, 1432
-  } rows[] = {{ping, "\x05\xC8"}, {info + ping, "\x05\x98"}};
+  } rows[] = {{ping, "\x05\xC8"}, {InfoText(1, 4, "1432.5") + ping, "\x05\x98"}};
   for (const auto& row : rows) {
-    const fs::path input = folder_ / "older.log";
-    std::ofstream(input, std::ios::binary) << row.content;
+    WriteWhole(folder_ / "older.log", row.content);
     state_->settings.soundSpeed_mps = 1480.0f;
-    Choose({input.wstring()});
-    ConvertToSegy(*state_);
-    Wait();
+    EXPECT_EQ(Convert((folder_ / "older.log").wstring(), ConvertToSegy), L"Convert completed");
     EXPECT_EQ(Content("older.sgy").substr(3'600 + 90, 2), row.speed);
   }
 }
 
 TEST_F(ConversionRun, WhatCannotBeConvertedIsSaid) {
-  sim::SounderOptions options = QuickSounder();
-  options.outputMode = 1;
-  Record(options, 5);
+  Record(QuickSounder(1), 5);
   const fs::path text = folder_ / "text.log";
-  std::ofstream(text, std::ios::binary) << "#DeviceID a\r\n#NSamples 0\r\n##DataStart\r\n\r\n\r\n";
+  WriteWhole(text, kTextPing);
   using Command = void (*)(AppState&);
   const struct {
     Command command;
@@ -256,10 +236,8 @@ TEST_F(ConversionRun, WhatCannotBeConvertedIsSaid) {
   };
   WidenText(state_->workingFolder, text.string());  // where no file can be made
   for (const auto& row : rows) {
-    Ui().boxes.clear();
-    Choose({files_[0]});
-    PlayFiles(*state_);
-    Choose(row.files);
+    Play({files_[0]});
+    Ui().chosenFiles = row.files;
     row.command(*state_);
     ExpectBox(row.message, L"Error", BoxIcon::error);
     // One file ends the playback, whatever becomes of it.
@@ -267,7 +245,6 @@ TEST_F(ConversionRun, WhatCannotBeConvertedIsSaid) {
     EXPECT_EQ(StateOfProgram(*state_), plays ? ProgramState::playing : ProgramState::idle) << row.message;
     EXPECT_EQ(Ui().controls[ID_STOP].enabled, plays) << row.message;
   }
-  StopRun(*state_);
 }
 
 }  // namespace

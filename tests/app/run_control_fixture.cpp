@@ -3,8 +3,7 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <fstream>
-#include <iterator>
+#include <utility>
 
 #include "acquisition/ping_ring.h"
 #include "app/run_control.h"
@@ -23,8 +22,9 @@ constexpr int64_t kBegin_ms = 1'741'944'605'000;  // 2025-03-14 09:30:05
 
 }  // namespace
 
-sim::SounderOptions QuickSounder() {
+sim::SounderOptions QuickSounder(int32_t outputMode) {
   sim::SounderOptions options;
+  options.outputMode = outputMode;
   options.baud = 921'600;
   options.sampleCount = 200;
   options.depth_m = 4.0;  // within these samples
@@ -79,6 +79,13 @@ void RunControlTest::ConnectGps(const sim::GpsOptions& options) {
   AttachPeer(kGpsLine, gpsPeer_.get());
 }
 
+void RunControlTest::StartQuickRun(int seconds) {
+  ConnectSounder(QuickSounder());
+  StartRun(*state_);
+  ASSERT_NE(state_->acquisitionThread, Handle::null);
+  Run(seconds);
+}
+
 void RunControlTest::Run(int seconds) {
   for (int i = 0; i < seconds; ++i) {
     SleepMilliseconds(1000);
@@ -88,17 +95,11 @@ void RunControlTest::Run(int seconds) {
 
 std::vector<std::string> RunControlTest::RecordFiles() const {
   std::vector<std::string> names;
-  const std::filesystem::path records = folder_ / "TIDEWRITERR57_DATA";
-  for (const auto& entry : std::filesystem::directory_iterator(records)) {
+  for (const auto& entry : std::filesystem::directory_iterator(records_)) {
     names.push_back(entry.path().filename().string());
   }
   std::sort(names.begin(), names.end());
   return names;
-}
-
-std::string RunControlTest::Content(const std::string& name) const {
-  std::ifstream file(folder_ / "TIDEWRITERR57_DATA" / name, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
 void RunControlTest::ExpectIdle() const {
@@ -114,9 +115,9 @@ void RunControlTest::ExpectIdle() const {
   EXPECT_EQ(Ui().status[1], L"GPS: Disconnected");
 }
 
-void RunControlTest::ExpectBox(const wchar_t* text, const wchar_t* caption, BoxIcon icon) const {
-  ASSERT_EQ(Ui().boxes.size(), 1u);
-  EXPECT_EQ(Ui().boxes[0], (Box{text, caption, icon, BoxButtons::ok}));
+void RunControlTest::ExpectBox(const wchar_t* text, const wchar_t* caption, BoxIcon icon,
+                               BoxButtons buttons) {
+  EXPECT_EQ(std::exchange(Ui().boxes, {}), (std::vector<Box>{{text, caption, icon, buttons}}));
 }
 
 }  // namespace tw::test

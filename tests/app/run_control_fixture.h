@@ -14,6 +14,7 @@
 #include "simulator/virtual_echosounder.h"
 #include "simulator/virtual_gps.h"
 #include "tests/app/recording_ui.h"
+#include "tests/app/test_files.h"
 #include "tests/app/test_folder.h"
 #include "tests/simulator_peer.h"
 
@@ -23,7 +24,7 @@ inline constexpr wchar_t kDeviceLine[] = L"\\\\.\\COM5";
 inline constexpr wchar_t kGpsLine[] = L"\\\\.\\COM6";
 
 // A device that is asked little and pings ten times a second.
-[[nodiscard]] sim::SounderOptions QuickSounder();
+[[nodiscard]] sim::SounderOptions QuickSounder(int32_t outputMode = 2);
 
 class RunControlTest : public testing::Test {
  protected:
@@ -35,20 +36,25 @@ class RunControlTest : public testing::Test {
   void ConnectGps(const sim::GpsOptions& options);
   void ChooseGps() { Ui().Choose(ID_GPS_PORT, L"COM6"); }
 
+  // Connects a quick device, starts a run that must succeed, and lets it go on.
+  void StartQuickRun(int seconds = 0);
+
   // Lets the program run, its one-second timer included.
   void Run(int seconds);
 
   // The names of the record files, in their order; and the content of one.
   [[nodiscard]] std::vector<std::string> RecordFiles() const;
-  [[nodiscard]] std::string Content(const std::string& name) const;
+  [[nodiscard]] std::string Content(const std::string& name) const { return ReadWhole(records_ / name); }
 
   // What every failure leaves behind.
   void ExpectIdle() const;
-  // The one message box of the test so far.
-  void ExpectBox(const wchar_t* text, const wchar_t* caption, BoxIcon icon) const;
+  // The one message box since the last call.
+  static void ExpectBox(const wchar_t* text, const wchar_t* caption, BoxIcon icon,
+                        BoxButtons buttons = BoxButtons::ok);
 
   const TestFolder testFolder_;
   const std::filesystem::path& folder_ = testFolder_.Path();
+  const std::filesystem::path records_ = folder_ / "TIDEWRITERR57_DATA";
   AppState* state_;
   std::unique_ptr<sim::VirtualEchosounder> sounder_;
   std::unique_ptr<sim::VirtualGps> gps_;

@@ -2,9 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cwctype>
 #include <string>
+#include <vector>
 
 namespace tw {
 namespace {
@@ -12,30 +12,11 @@ namespace {
 using F = SettingsField;
 using enum FieldChannel;
 
-constexpr FormFacts kSingle{.family = 1,
-                            .dual = false,
-                            .smoothingSupported = false,
-                            .presetCapable = true,
-                            .interfaceType = 2,
-                            .firmwareVersion = 3.25f};
-constexpr FormFacts kDual{.family = 1,
-                          .dual = true,
-                          .smoothingSupported = true,
-                          .presetCapable = false,
-                          .interfaceType = 0,
-                          .firmwareVersion = 4.0f};
-constexpr FormFacts kSecond{.family = 2,
-                            .dual = false,
-                            .smoothingSupported = false,
-                            .presetCapable = false,
-                            .interfaceType = 0,
-                            .firmwareVersion = 1.0f};
-constexpr FormFacts kThird{.family = 0,
-                           .dual = false,
-                           .smoothingSupported = false,
-                           .presetCapable = false,
-                           .interfaceType = 0,
-                           .firmwareVersion = 0.0f};
+// Family, both channels, smoothing, presets, interface, firmware.
+constexpr FormFacts kSingle{1, false, false, true, 2, 3.25f};
+constexpr FormFacts kDual{1, true, true, false, 0, 4.0f};
+constexpr FormFacts kSecond{2, false, false, false, 0, 1.0f};
+constexpr FormFacts kThird{0, false, false, false, 0, 0.0f};
 
 DeviceSettings Device() {
   DeviceSettings s{};
@@ -65,6 +46,16 @@ std::wstring Text(F field, FieldChannel channel, const FormFacts& facts, const D
   return text;
 }
 
+// What is said when the text is refused.
+std::wstring ErrorOf(F field, FieldChannel channel, const FormFacts& facts, const wchar_t* text,
+                     DeviceSettings& settings) {
+  wchar_t error[256] = L"";
+  const bool taken = ReadField(field, channel, facts, text, settings, error);
+  EXPECT_TRUE(!taken || *error == L'\0');
+  return taken ? L"taken" : error;
+}
+
+// What the limits below do not show.
 TEST(SettingsForm, ValuesAsTexts) {
   const struct {
     F field;
@@ -72,15 +63,9 @@ TEST(SettingsForm, ValuesAsTexts) {
     FormFacts facts;
     std::wstring text;
   } rows[] = {
-      {F::range, low, kSingle, L"30"},
-      {F::range, high, kSingle, L"10"},
-      {F::interval, common, kSingle, L"0.10"},
       {F::outputMode, common, kSingle, L"Echo Txt 12bit"},
       {F::outputMode, common, kThird, L"Echo txt Fixed 200 Samples"},
-      {F::gain, low, kDual, L"-1.5"},
       {F::gain, high, kDual, L"2.125"},
-      {F::soundSpeed, common, kSingle, L"1500.0"},
-      {F::medianFilter, common, kSingle, L"3"},
       {F::firmware, common, kSingle, L"3.25"},
       {F::interfaceType, common, kSingle, L"USB"},
       {F::identity, common, kSecond, L"0042"},
@@ -95,63 +80,59 @@ TEST(SettingsForm, ValuesAsTexts) {
   }
 }
 
-TEST(SettingsForm, TextsAreReadStrictly) {
+TEST(SettingsForm, TextsAreHeldAgainstTheLimits) {
   const struct {
     F field;
     FieldChannel channel;
-    const wchar_t* text;
-    std::wstring shows;  // afterwards; empty: refused
-    const wchar_t* error = L"";
+    std::wstring limits;
+    std::vector<std::wstring> taken;  // and shown as they were entered
+    std::vector<const wchar_t*> refused;
   } rows[] = {
-      {F::range, low, L"200", L"200"},
-      {F::range, low, L"200.1", L"", L"Value of Range (low) must be from 1 to 200."},
-      {F::range, high, L"100.5", L"", L"Value of Range (high) must be from 1 to 100."},
-      {F::range, high, L"12.5", L"12.5"},
-      {F::range, low, L"0.9", L"", L"Value of Range (low) must be from 1 to 200."},
-      {F::interval, common, L"Auto", L"Auto"},
-      {F::interval, common, L"0.25", L"0.25"},
-      {F::interval, common, L"0.001", L"", L"Value of Ping interval must be from 0.01 to 10.00."},
-      {F::interval, common, L"10.01", L"", L"Value of Ping interval must be from 0.01 to 10.00."},
-      {F::outputMode, common, L"DESO-25(M)", L"DESO-25(M)"},
-      {F::outputMode, common, L"deso-25(m)", L""},
-      {F::txLength, low, L"500", L"500"},
-      {F::txLength, low, L"501", L"", L"Value of Transmit length (low) must be from 1 to 500."},
-      {F::txLength, high, L"1000", L"1000"},
-      {F::gain, low, L"-60", L"-60.0"},
-      {F::gain, low, L"-60.001", L"", L"Value of Gain (low) must be from -60.0 to 60.0."},
-      {F::gain, low, L"+3.5", L"3.5"},
-      {F::gain, low, L"3,5", L"", L"Value of Gain (low) must be from -60.0 to 60.0."},
-      {F::gain, low, L" 3", L"", L"Value of Gain (low) must be from -60.0 to 60.0."},
-      {F::gain, low, L"3 ", L"", L"Value of Gain (low) must be from -60.0 to 60.0."},
-      {F::gain, low, L"1e1", L"", L"Value of Gain (low) must be from -60.0 to 60.0."},
-      {F::gain, low, L"nan", L"", L"Value of Gain (low) must be from -60.0 to 60.0."},
-      {F::gain, low, L"", L"", L"Value of Gain (low) must be from -60.0 to 60.0."},
-      {F::gain, low, L"-", L"", L"Value of Gain (low) must be from -60.0 to 60.0."},
-      {F::gain, low, L".", L"", L"Value of Gain (low) must be from -60.0 to 60.0."},
-      {F::gain, low, L"1.2.3", L"", L"Value of Gain (low) must be from -60.0 to 60.0."},
-      {F::gain, low, L"00000000000000000000000000000000000000001", L"",
-       L"Value of Gain (low) must be from -60.0 to 60.0."},
-      {F::deadZone, high, L"10000", L"10000"},
-      {F::deadZone, high, L"10001", L"", L"Value of Dead zone (high) must be from 0 to 10000."},
-      {F::deadZone, high, L"10.5", L"", L"Value of Dead zone (high) must be from 0 to 10000."},
-      {F::offset, low, L"-10000", L"-10000"},
-      {F::threshold, low, L"101", L"", L"Value of Threshold (low) must be from 0 to 100."},
-      {F::soundSpeed, common, L"1299.9", L"", L"Value of Speed of sound must be from 1300.0 to 1700.0."},
-      {F::tvgAbsorption, high, L"0.14", L"0.14"},
-      {F::tvgAbsorption, high, L"2.01", L"", L"Value of TVG absorption (high) must be from 0.00 to 2.00."},
-      {F::movingAverage, common, L"31", L"31"},
-      {F::movingAverage, common, L"-5", L"", L"Value of Moving average must be from 1 to 31."},
-      {F::outputRate, common, L"12.34", L"12.34"},
+      {F::range, low, L"Range (low) must be from 1 to 200", {L"1", L"200"}, {L"0.9", L"200.1"}},
+      {F::range, high, L"Range (high) must be from 1 to 100", {L"12.5", L"100"}, {L"100.5"}},
+      {F::interval,
+       common,
+       L"Ping interval must be from 0.01 to 10.00",
+       {L"Auto", L"0.25", L"10.00"},
+       {L"0.001", L"10.01"}},
+      {F::txLength, low, L"Transmit length (low) must be from 1 to 500", {L"500"}, {L"0", L"501"}},
+      {F::txLength, high, L"Transmit length (high) must be from 1 to 1000", {L"1000"}, {L"1001"}},
+      {F::gain, low, L"Gain (low) must be from -60.0 to 60.0", {L"-60.0", L"60.0"}, {L"-60.001", L"60.1"}},
+      {F::deadZone, high, L"Dead zone (high) must be from 0 to 10000", {L"10000"}, {L"10001", L"10.5"}},
+      {F::offset, low, L"Offset (low) must be from -10000 to 10000", {L"-10000"}, {L"-10001", L"10001"}},
+      {F::threshold, low, L"Threshold (low) must be from 0 to 100", {L"0", L"100"}, {L"101"}},
+      {F::soundSpeed, common, L"Speed of sound must be from 1300.0 to 1700.0", {L"1700.0"}, {L"1299.9"}},
+      {F::tvgAbsorption, high, L"TVG absorption (high) must be from 0.00 to 2.00", {L"0.14"}, {L"2.01"}},
+      {F::movingAverage, common, L"Moving average must be from 1 to 31", {L"31"}, {L"-5", L"32"}},
+      {F::outputRate, common, L"Output rate must be from 0.00 to 100.00", {L"12.34"}, {L"100.01"}},
   };
   for (const auto& row : rows) {
+    SCOPED_TRACE(testing::PrintToString(row.limits));
     DeviceSettings settings = Device();
-    const std::wstring before = Text(row.field, row.channel, kDual, settings);
-    wchar_t error[256] = L"";
-    const bool taken = ReadField(row.field, row.channel, kDual, row.text, settings, error);
-    EXPECT_EQ(taken, !row.shows.empty()) << static_cast<int>(row.field) << std::wstring(row.text).size();
-    EXPECT_STREQ(error, row.error);
-    EXPECT_EQ(Text(row.field, row.channel, kDual, settings), taken ? row.shows : before);
+    for (const std::wstring& text : row.taken) {
+      EXPECT_EQ(ErrorOf(row.field, row.channel, kDual, text.c_str(), settings), L"taken");
+      EXPECT_EQ(Text(row.field, row.channel, kDual, settings), text);
+    }
+    for (const wchar_t* const text : row.refused) {
+      EXPECT_EQ(ErrorOf(row.field, row.channel, kDual, text, settings), L"Value of " + row.limits + L".");
+      EXPECT_EQ(Text(row.field, row.channel, kDual, settings), row.taken.back());
+    }
   }
+}
+
+TEST(SettingsForm, NumbersAreReadStrictly) {
+  DeviceSettings settings = Device();
+  for (const wchar_t* const text : {L"3,5", L" 3", L"3 ", L"1e1", L"nan", L"", L"-", L".", L"1.2.3",
+                                    L"00000000000000000000000000000000000000001"}) {
+    EXPECT_EQ(ErrorOf(F::gain, high, kDual, text, settings),
+              L"Value of Gain (high) must be from -60.0 to 60.0.");
+    EXPECT_EQ(settings.gainHigh, 2.125f);
+  }
+  EXPECT_EQ(ErrorOf(F::gain, high, kDual, L"+3.5", settings), L"taken");
+  EXPECT_EQ(settings.gainHigh, 3.5f);
+  EXPECT_EQ(ErrorOf(F::outputMode, common, kDual, L"deso-25(m)", settings), L"") << "no item";
+  EXPECT_EQ(ErrorOf(F::outputMode, common, kDual, L"DESO-25(M)", settings), L"taken");
+  EXPECT_EQ(settings.outputMode, 6);
 }
 
 // What the device reported may lie outside all limits; a form that is confirmed unchanged changes nothing.
@@ -162,14 +143,11 @@ TEST(SettingsForm, UnchangedTextsAreAlwaysTaken) {
   settings.outputMode = 77;
   settings.rangeLow_mm = 30;  // firmware that tells metres
   for (size_t i = 0; i < kSettingsFields; ++i) {
-    const auto field = static_cast<F>(i);
     for (const FieldChannel channel : {low, high}) {
-      DeviceSettings read = settings;
-      wchar_t error[256] = L"";
-      EXPECT_TRUE(
-          ReadField(field, channel, kDual, Text(field, channel, kDual, settings).c_str(), read, error))
-          << i;
-      EXPECT_EQ(Text(field, channel, kDual, read), Text(field, channel, kDual, settings)) << i;
+      const auto field = static_cast<F>(i);
+      const std::wstring shown = Text(field, channel, kDual, settings);
+      EXPECT_EQ(ErrorOf(field, channel, kDual, shown.c_str(), settings), L"taken") << i;
+      EXPECT_EQ(Text(field, channel, kDual, settings), shown) << i;
     }
   }
 }
@@ -179,10 +157,18 @@ TEST(SettingsForm, FirmwareThatTellsMetresIsAnsweredInMetres) {
   settings.rangeLow_mm = 30;
   settings.maxRangeLow_mm = 50;
   EXPECT_EQ(Text(F::range, low, kSingle, settings), L"30");
-  wchar_t error[256];
-  EXPECT_FALSE(ReadField(F::range, low, kSingle, L"60", settings, error));
-  EXPECT_TRUE(ReadField(F::range, low, kSingle, L"40", settings, error));
+  EXPECT_EQ(ErrorOf(F::range, low, kSingle, L"60", settings), L"Value of Range must be from 1 to 50.");
+  EXPECT_EQ(ErrorOf(F::range, low, kSingle, L"40", settings), L"taken");
   EXPECT_EQ(settings.rangeLow_mm, 40);
+}
+
+TEST(SettingsForm, ARangeBelowTheDeadZoneIsRefusedAtTheDeadZone) {
+  DeviceSettings settings = Device();
+  settings.deadZoneLow_mm = 5'000;
+  EXPECT_EQ(ErrorOf(F::deadZone, low, kSingle, L"5000", settings), L"taken");
+  EXPECT_EQ(ErrorOf(F::range, low, kSingle, L"3", settings), L"taken");
+  EXPECT_EQ(ErrorOf(F::deadZone, low, kSingle, L"5000", settings),
+            L"Value of Dead zone must be from 0 to 3000.");
 }
 
 std::wstring Items(F field, FieldChannel channel, const FormFacts& facts, const DeviceSettings& settings) {
@@ -194,79 +180,56 @@ std::wstring Items(F field, FieldChannel channel, const FormFacts& facts, const 
 }
 
 TEST(SettingsForm, ItemsHoldTheDevicesOwnValueInItsPlace) {
+  const struct {
+    int32_t range_mm;
+    int32_t maximum_mm;  // 0: not told
+    std::wstring items;
+  } ranges[] = {
+      {10'000, 100'000, L"1|2|3|5|10|15|20|30|40|50|60|70|80|90|100"},
+      {12'500, 20'000, L"1|2|3|5|10|12.5|15|20"},
+      {500'000, 20'000, L"1|2|3|5|10|15|20|500"},
+      {10'000, 0, L"1|2|3|5|10|15|20|30|40|50|60|70|80|90|100|120|150|200"},
+  };
   DeviceSettings settings = Device();
-  EXPECT_EQ(Items(F::range, high, kSingle, settings), L"1|2|3|5|10|15|20|30|40|50|60|70|80|90|100");
-  settings.rangeHigh_mm = 12'500;
-  settings.maxRangeHigh_mm = 20'000;
-  EXPECT_EQ(Items(F::range, high, kSingle, settings), L"1|2|3|5|10|12.5|15|20");
-  settings.rangeHigh_mm = 500'000;
-  EXPECT_EQ(Items(F::range, high, kSingle, settings), L"1|2|3|5|10|15|20|500");
-  settings.maxRangeHigh_mm = 0;
-  settings.rangeHigh_mm = 10'000;
-  EXPECT_EQ(Items(F::range, high, kSecond, settings),
-            L"1|2|3|5|10|15|20|30|40|50|60|70|80|90|100|120|150|200");
+  for (const auto& row : ranges) {
+    settings.rangeHigh_mm = row.range_mm;
+    settings.maxRangeHigh_mm = row.maximum_mm;
+    EXPECT_EQ(Items(F::range, high, kSingle, settings), row.items);
+  }
   EXPECT_EQ(Items(F::interval, common, kSingle, settings),
             L"Auto|0.01|0.02|0.05|0.10|0.20|0.25|0.50|1.00|2.00|5.00|10.00");
   settings.pingInterval_ms = 33;
   EXPECT_EQ(Items(F::interval, common, kSingle, settings),
             L"Auto|0.01|0.02|0.033|0.05|0.10|0.20|0.25|0.50|1.00|2.00|5.00|10.00");
-  EXPECT_TRUE(Items(F::outputMode, common, kThird, settings).starts_with(L"Altimeter Simple|Echo Txt|"));
   EXPECT_EQ(Items(F::tvgMode, common, kSingle, settings), L"0|1|2|3");
   const std::wstring modes = Items(F::outputMode, common, kThird, settings);
+  EXPECT_TRUE(modes.starts_with(L"Altimeter Simple|Echo Txt|"));
   EXPECT_TRUE(modes.ends_with(L"|Sonarmite OLD")) << "a mode that the list has";
   settings.outputMode = 101;
   EXPECT_EQ(Items(F::outputMode, common, kThird, settings), modes + L"|101");
-}
-
-TEST(SettingsForm, ARangeBelowTheDeadZoneIsRefusedAtTheDeadZone) {
-  DeviceSettings settings = Device();
-  settings.deadZoneLow_mm = 5'000;
-  wchar_t error[256];
-  EXPECT_TRUE(ReadField(F::deadZone, low, kSingle, L"5000", settings, error));
-  ASSERT_TRUE(ReadField(F::range, low, kSingle, L"3", settings, error));
-  EXPECT_FALSE(ReadField(F::deadZone, low, kSingle, L"5000", settings, error));
-  EXPECT_STREQ(error, L"Value of Dead zone must be from 0 to 3000.");
 }
 
 TEST(SettingsForm, FieldsOfEachForm) {
   const struct {
     FormFacts facts;
     SettingsForm form;
-    std::string fields;  // a letter a field, in order
+    std::string mnemonics;  // one a field, in order; a dot: none
   } rows[] = {
-      {kSingle, SettingsForm::single,
-       "riolpgmsandftuev"
-       "?????"},
-      {kDual, SettingsForm::dual,
-       "riolpgmsandftuevh"
-       "?????"},
-      {kSecond, SettingsForm::detail,
-       "riolgmsadftuev"
-       "?????"},
-      {kThird, SettingsForm::detail,
-       "riolgdftu"
-       "?????"},
+      {kSingle, SettingsForm::single, "riolpgmsandftuev....."},
+      {kDual, SettingsForm::dual, "riolpgmsandftuevh....."},
+      {kSecond, SettingsForm::detail, "riolgmsadftuev....."},
+      {kThird, SettingsForm::detail, "riolgdftu....."},
   };
   for (const auto& row : rows) {
     EXPECT_EQ(FormOf(row.facts), row.form);
-    std::string fields;
+    std::string mnemonics;
     for (size_t i = 0; i < kSettingsFields; ++i) {
-      const auto field = static_cast<F>(i);
-      if (!IsShown(field, row.facts)) continue;
-      const std::wstring label = LabelOf(field);
-      const size_t mnemonic = label.find(L'&');
-      fields += mnemonic == label.npos
-                    ? '?'
-                    : static_cast<char>(towlower(static_cast<wint_t>(label[mnemonic + 1])));
+      if (!IsShown(static_cast<F>(i), row.facts)) continue;
+      const std::wstring label = LabelOf(static_cast<F>(i));
+      const size_t at = label.find(L'&');
+      mnemonics += at == label.npos ? '.' : static_cast<char>(towlower(static_cast<wint_t>(label[at + 1])));
     }
-    // The letters lead to one field each.
-    std::string sortedOnce = fields.substr(0, fields.find('?'));
-    std::sort(sortedOnce.begin(), sortedOnce.end());
-    EXPECT_EQ(std::adjacent_find(sortedOnce.begin(), sortedOnce.end()), sortedOnce.end()) << fields;
-    EXPECT_EQ(fields.size(), row.fields.size());
-    std::string expected = row.fields.substr(0, row.fields.find('?'));
-    std::sort(expected.begin(), expected.end());
-    EXPECT_EQ(sortedOnce, expected);
+    EXPECT_EQ(mnemonics, row.mnemonics);
   }
 }
 

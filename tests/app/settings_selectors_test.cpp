@@ -26,7 +26,6 @@ class SettingsSelectors : public RunControlTest {
     settings.preset = kNoPreset;
     Be(1, false);
   }
-  ~SettingsSelectors() override { Be(1, false); }
 
   static void Be(int32_t family, bool dual) {
     StoreShared(globals.deviceFamily, family);
@@ -48,10 +47,10 @@ class SettingsSelectors : public RunControlTest {
     TakeSettingsChoice(*state_, id);
   }
 
-  void ExpectFrequencies(bool low, bool high, bool both) {
-    EXPECT_EQ(Of(ID_LOW_FREQUENCY).checked, low);
-    EXPECT_EQ(Of(ID_HIGH_FREQUENCY).checked, high);
-    EXPECT_EQ(Of(ID_DUAL_MODE).checked, both);
+  // Those that are ticked.
+  static std::string Frequencies() {
+    return std::string(Of(ID_LOW_FREQUENCY).checked ? "low " : "") +
+           (Of(ID_HIGH_FREQUENCY).checked ? "high " : "") + (Of(ID_DUAL_MODE).checked ? "both " : "");
   }
 };
 
@@ -64,7 +63,11 @@ TEST_F(SettingsSelectors, OfferWhatTheDeviceCanDo) {
   EXPECT_EQ(Of(ID_INTERVAL).items.front(), L"Auto");
   EXPECT_EQ(Of(ID_INTERVAL).text, L"0.10");
   EXPECT_EQ(Of(ID_PRESET).text, L"Off");
-  ExpectFrequencies(false, true, false);
+  EXPECT_EQ(Frequencies(), "high ");
+  Be(0, false);
+  RefreshSettingsControls(*state_);
+  EXPECT_TRUE(Of(ID_PRESET).items.empty()) << "a family without presets";
+  EXPECT_EQ(Of(ID_OUTPUT).text, L"Echo txt Fixed 200 Samples");
 }
 
 TEST_F(SettingsSelectors, ChoicesEditTheSettingsAlone) {
@@ -96,15 +99,15 @@ TEST_F(SettingsSelectors, LowHighAndBothExcludeEachOther) {
   RefreshSettingsControls(*state_);
   Tick(ID_DUAL_MODE, true);
   EXPECT_EQ(state_->settings.simultaneous, 1);
-  ExpectFrequencies(false, false, true);
+  EXPECT_EQ(Frequencies(), "both ");
   RefreshSettingsControls(*state_);
-  ExpectFrequencies(false, false, true);
+  EXPECT_EQ(Frequencies(), "both ");
   Tick(ID_DUAL_MODE, false);
-  ExpectFrequencies(false, true, false);
+  EXPECT_EQ(Frequencies(), "high ");
   Tick(ID_DUAL_MODE, true);
   Tick(ID_LOW_FREQUENCY, true);
   EXPECT_EQ(state_->settings.simultaneous, 0);
-  ExpectFrequencies(true, false, false);
+  EXPECT_EQ(Frequencies(), "low ");
 }
 
 // One selector stands for both channels; a channel that cannot reach so far keeps its own range.
@@ -121,13 +124,6 @@ TEST_F(SettingsSelectors, InDualModeTheRangeIsThatOfBothChannels) {
   ChooseItem(ID_RANGE, L"40");
   EXPECT_EQ(state_->settings.rangeHigh_mm, 40'000);
   EXPECT_EQ(state_->settings.rangeLow_mm, 30'000);
-}
-
-TEST_F(SettingsSelectors, FamiliesWithoutPresetsOfferNone) {
-  Be(0, false);
-  RefreshSettingsControls(*state_);
-  EXPECT_TRUE(Of(ID_PRESET).items.empty());
-  EXPECT_EQ(Of(ID_OUTPUT).text, L"Echo txt Fixed 200 Samples");
 }
 
 // Record files tell the high values, whichever frequency they were recorded with.

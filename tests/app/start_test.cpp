@@ -4,13 +4,11 @@
 #include <new>
 
 #include "app/control_states.h"
-#include "app/persistent_settings.h"
 #include "app/run_control.h"
-#include "platform/clock.h"
 #include "platform/host/debug_capture.h"
 #include "platform/host/faults.h"
-#include "platform/host/memory_registry.h"
 #include "tests/app/run_control_fixture.h"
+#include "tests/app/stored_values.h"
 
 namespace {
 
@@ -28,34 +26,24 @@ void* operator new(size_t size, const std::nothrow_t&) noexcept {
 namespace tw::test {
 namespace {
 
-constexpr wchar_t kNotConnected[] = L"Echosounder is not connected";
-
-uint32_t StoredNumber(const wchar_t* name) {
-  RegistryValue value;
-  return FindRegistryValue(kSettingsKey, name, value) ? value.number : 0xDEAD;
-}
-
 class StartTest : public RunControlTest {};
 
-TEST_F(StartTest, ShowsTheDeviceAndRunsIt) {
-  ConnectSounder(QuickSounder());
-  StartRun(*state_);
+TEST_F(StartTest, HappensOnceAndRemembersTheSelectors) {
+  StartQuickRun();
   EXPECT_TRUE(Ui().boxes.empty());
-  EXPECT_EQ(Ui().status[1], L"GPS: Disconnected");
-  EXPECT_FALSE(Ui().controls[ID_START].enabled);
   EXPECT_TRUE(Ui().PointerIsArrow());
   EXPECT_EQ(StoredNumber(L"DeviceCOMPort"), 5u);
   EXPECT_EQ(StoredNumber(L"DeviceCOMSpeed"), 921'600u);
   EXPECT_EQ(StoredNumber(L"GPSCOMPort"), 0xFFFFFFFFu);
-  EXPECT_EQ(state_->displayRangeUpper, 30'000);
   EXPECT_EQ(state_->echogramEnabled, 1);
-  EXPECT_TRUE(sounder_->Streaming());
+  const Handle thread = state_->acquisitionThread;
+  StartRun(*state_);
+  EXPECT_EQ(state_->acquisitionThread, thread);
+  EXPECT_EQ(sounderPeer_->Opened(), 1);
 }
 
 TEST_F(StartTest, RecordsFromTheFirstPingOn) {
-  ConnectSounder(QuickSounder());
-  StartRun(*state_);
-  Run(5);
+  StartQuickRun(5);
   const std::vector<std::string> files = RecordFiles();
   ASSERT_EQ(files.size(), 1u);
   EXPECT_EQ(files[0].substr(0, 12), "20250314_093");
@@ -71,12 +59,11 @@ TEST_F(StartTest, RecordsFromTheFirstPingOn) {
 }
 
 TEST_F(StartTest, WritesItsTimesToTheDebugOutput) {
-  ConnectSounder(QuickSounder());
   StartDebugCapture();
-  StartRun(*state_);
+  StartQuickRun();
   const std::vector<std::wstring> texts = TakeDebugTexts();
   StopDebugCapture();
-  for (const wchar_t* label :
+  for (const std::wstring label :
        {L"Start  time : ", L"After Connect Time :  ", L"After Stop Time   ", L"After GetSetting Time ",
         L"Before Start Device Time  ", L"After Start Device Time "}) {
     EXPECT_EQ(std::count_if(texts.begin(), texts.end(),
@@ -87,30 +74,18 @@ TEST_F(StartTest, WritesItsTimesToTheDebugOutput) {
 }
 
 TEST_F(StartTest, WithoutRecordDataNoFileIsMade) {
-  ConnectSounder(QuickSounder());
   Ui().controls[ID_RECORD].checked = false;
   ToggleRecording(*state_);
-  StartRun(*state_);
-  Run(2);
+  StartQuickRun(2);
   EXPECT_TRUE(RecordFiles().empty());
 }
 
 TEST_F(StartTest, AFolderThatCannotBeMadeLosesOnlyTheRecording) {
-  ConnectSounder(QuickSounder());
   std::filesystem::remove_all(folder_);
-  StartRun(*state_);
-  Run(2);
+  StartQuickRun(2);
   EXPECT_TRUE(Ui().boxes.empty());
   EXPECT_EQ(state_->recordFileA, Handle::invalid);
-  EXPECT_NE(state_->acquisitionThread, Handle::null);
   EXPECT_GT(state_->ringIndexA, 0);
-}
-
-TEST_F(StartTest, AMissingPortShowsTheSystemsError) {
-  StartRun(*state_);
-  EXPECT_EQ(Ui().systemErrors, std::vector<uint32_t>{ENOENT});
-  EXPECT_TRUE(Ui().boxes.empty());
-  ExpectIdle();
 }
 
 // Another port than the chosen one is never opened in its place.
@@ -124,12 +99,13 @@ TEST_F(StartTest, ANumberBeyondReasonIsAPortOfItsOwn) {
   ExpectIdle();
 }
 
-TEST_F(StartTest, APlaybackIsOverAlsoWhenNoRunFollows) {
+TEST_F(StartTest, APlaybackIsOverAlsoWhenThePortIsMissing) {
   state_->playbackActive = 1;
   RefreshControlStates(*state_);
   ASSERT_TRUE(Ui().controls[ID_PAUSE].enabled);
   StartRun(*state_);
   EXPECT_EQ(Ui().systemErrors, std::vector<uint32_t>{ENOENT});
+  EXPECT_TRUE(Ui().boxes.empty());
   EXPECT_FALSE(Ui().controls[ID_PAUSE].enabled);
   EXPECT_FALSE(Ui().controls[ID_STOP].enabled);
   ExpectIdle();
@@ -153,18 +129,16 @@ TEST_F(StartTest, NobodyAnswers) {
   StartRun(*state_);
   const std::vector<std::wstring> texts = TakeDebugTexts();
   StopDebugCapture();
-  ExpectBox(kNotConnected, L"Error", BoxIcon::error);
+  ExpectBox(L"Echosounder is not connected", L"Error", BoxIcon::error);
   EXPECT_TRUE(texts.back().starts_with(L"After Stop Fail time :  "));
   EXPECT_EQ(sounderPeer_->Closed(), 1);
   ExpectIdle();
 }
 
 TEST_F(StartTest, GpsIsShownAndReadWhenItIsChosen) {
-  ConnectSounder(QuickSounder());
   ConnectGps({});
   ChooseGps();
-  StartRun(*state_);
-  Run(5);
+  StartQuickRun(5);
   EXPECT_EQ(globals.gpsQuality, 2);
   StopRun(*state_);
   EXPECT_EQ(globals.gpsQuality, 0);
@@ -181,14 +155,12 @@ TEST_F(StartTest, AGpsPortThatFailsClosesTheDevicePortToo) {
 }
 
 TEST_F(StartTest, FirstStartWithoutGpsRunsAWorkerOnTheNullHandleAndLaterOnesDoNot) {
-  ConnectSounder(QuickSounder());
   EXPECT_EQ(state_->gpsPort, Handle::null);
-  StartRun(*state_);
+  StartQuickRun();
   EXPECT_NE(state_->gpsThread, Handle::null);
   Run(1);
   StopRun(*state_);
   EXPECT_EQ(state_->gpsPort, Handle::invalid);
-  EXPECT_EQ(state_->gpsThread, Handle::null);
 
   StartRun(*state_);
   EXPECT_NE(state_->acquisitionThread, Handle::null);
@@ -204,7 +176,6 @@ TEST_F(StartTest, WithoutMemoryForTheWorkerTheLinkCountsAsLost) {
     Run(2);
     ExpectBox(L"Connection lost!", L"Error", BoxIcon::error);
     ExpectIdle();
-    Ui().boxes.clear();
   }
   largeBlocks = -1;
   StartRun(*state_);
@@ -216,15 +187,6 @@ TEST_F(StartTest, WithoutAnAcquisitionThreadTheProcessEnds) {
   ConnectSounder(QuickSounder());
   InjectFault({.point = FaultPoint::startThread});
   EXPECT_EXIT(StartRun(*state_), testing::ExitedWithCode(1), "");
-}
-
-TEST_F(StartTest, WhileRunningDoesNothing) {
-  ConnectSounder(QuickSounder());
-  StartRun(*state_);
-  const Handle thread = state_->acquisitionThread;
-  StartRun(*state_);
-  EXPECT_EQ(state_->acquisitionThread, thread);
-  EXPECT_EQ(sounderPeer_->Opened(), 1);
 }
 
 TEST_F(StartTest, NoGpsThread) {

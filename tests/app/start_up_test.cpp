@@ -2,24 +2,17 @@
 
 #include <gtest/gtest.h>
 
-#include "app/persistent_settings.h"
 #include "app/port_selectors.h"
 #include "app/run_control.h"
 #include "platform/host/faults.h"
-#include "platform/host/memory_registry.h"
 #include "platform/memory.h"
 #include "tests/app/run_control_fixture.h"
+#include "tests/app/stored_values.h"
 
 namespace tw::test {
 namespace {
 
 using Items = std::vector<std::wstring>;
-
-void PutNumber(const wchar_t* name, uint32_t number) {
-  RegistryValue value;
-  value.number = number;
-  PutRegistryValue(kSettingsKey, name, value);
-}
 
 class StartUpTest : public RunControlTest {
  protected:
@@ -50,28 +43,25 @@ TEST_F(StartUpTest, FirstStartOfAll) {
 
 TEST_F(StartUpTest, StoredChoicesAreSelectedByTheirExactText) {
   SetSerialLineList({L"COM10", L"COM1", L"COM9", L"AUX2"});
-  PutNumber(L"DeviceCOMPort", 1);
-  PutNumber(L"DeviceCOMSpeed", 921'600);
-  PutNumber(L"GPSCOMPort", 9);
-  PutNumber(L"GPSCOMSpeed", 9'600);
-  FillCommunicationControls(*state_);
-  EXPECT_EQ(Of(ID_DEVICE_PORT).items, (Items{L"COM1", L"COM9", L"COM10"}));
-  EXPECT_EQ(Of(ID_DEVICE_PORT).text, L"COM1");
-  EXPECT_EQ(Of(ID_GPS_PORT).text, L"COM9");
-  EXPECT_EQ(Of(ID_DEVICE_SPEED).text, L"921600");
-  EXPECT_EQ(Of(ID_GPS_SPEED).text, L"9600");
-}
-
-TEST_F(StartUpTest, AStoredSpeedThatIsNotOfferedSelectsTheFirst) {
-  PutNumber(L"DeviceCOMPort", 77);
-  PutNumber(L"DeviceCOMSpeed", 128'000);
-  PutNumber(L"GPSCOMPort", 78);
-  PutNumber(L"GPSCOMSpeed", 0xFFFFFFFF);
-  FillCommunicationControls(*state_);
-  EXPECT_EQ(Of(ID_DEVICE_SPEED).text, L"4800");
-  EXPECT_EQ(Of(ID_GPS_SPEED).text, L"2400");
-  EXPECT_EQ(Of(ID_DEVICE_PORT).text, L"COM5");
-  EXPECT_EQ(Of(ID_GPS_PORT).text, L"N/A");
+  const struct {
+    const char* what;
+    uint32_t devicePort, deviceSpeed, gpsPort, gpsSpeed;
+    Items selected;
+  } rows[] = {
+      {"on offer", 1, 3'000'000, 9, 9'600, {L"COM1", L"3000000", L"COM9", L"9600"}},
+      {"not on offer", 77, 128'000, 78, 0xFFFFFFFF, {L"COM1", L"4800", L"N/A", L"2400"}},
+  };
+  for (const auto& row : rows) {
+    PutNumber(L"DeviceCOMPort", row.devicePort);
+    PutNumber(L"DeviceCOMSpeed", row.deviceSpeed);
+    PutNumber(L"GPSCOMPort", row.gpsPort);
+    PutNumber(L"GPSCOMSpeed", row.gpsSpeed);
+    FillCommunicationControls(*state_);
+    EXPECT_EQ(Of(ID_DEVICE_PORT).items, (Items{L"COM1", L"COM9", L"COM10"})) << row.what;
+    const Items selected = {Of(ID_DEVICE_PORT).text, Of(ID_DEVICE_SPEED).text, Of(ID_GPS_PORT).text,
+                            Of(ID_GPS_SPEED).text};
+    EXPECT_EQ(selected, row.selected) << row.what;
+  }
 }
 
 TEST_F(StartUpTest, TheTimerKeepsTheSelectionAndListsNewPorts) {
@@ -109,13 +99,11 @@ TEST_F(StartUpTest, TheTimerTouchesNoSelectorWhilePortsStayTheSame) {
   EXPECT_EQ(Of(ID_DEVICE_PORT).items.back(), L"untouched");
 }
 
-TEST_F(StartUpTest, TimersDoNothingBeforeTheStartUpIsOver) {
+TEST_F(StartUpTest, AnAutomaticIntervalIsShownAsItIsMeasured) {
   state_->initialised = 0;
   HandleTimer(*state_, ID_TIMER_REPAINT);
-  EXPECT_EQ(Ui().repaints, 0);
-}
-
-TEST_F(StartUpTest, AnAutomaticIntervalIsShownAsItIsMeasured) {
+  EXPECT_EQ(Ui().repaints, 0) << "timers do nothing before the start-up is over";
+  state_->initialised = 1;
   state_->devicePort = Handle{77};
   globals.measuredPingInterval_ms = 104.0f;
   HandleTimer(*state_, ID_TIMER_REPAINT);
@@ -141,9 +129,7 @@ TEST_F(StartUpTest, TheRingsTakeNoMemoryUntilTheyAreUsed) {
 }
 
 TEST_F(StartUpTest, ClosingWhileRecordingClosesTheFileBeforeThePositionIsStored) {
-  ConnectSounder(QuickSounder());
-  StartRun(*state_);
-  Run(2);
+  StartQuickRun(2);
   BeginShutDown(*state_);
   EXPECT_EQ(state_->recordFileA, Handle::invalid);
   EXPECT_EQ(globals.screenshotRequested, 1);

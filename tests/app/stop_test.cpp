@@ -10,53 +10,24 @@
 namespace tw::test {
 namespace {
 
-class StopTest : public RunControlTest {};
+class StopTest : public RunControlTest {
+ protected:
+  // How long it takes.
+  uint32_t Stop_ms() {
+    const uint32_t began_ms = MillisecondClock();
+    StopRun(*state_);
+    return MillisecondClock() - began_ms;
+  }
+};
 
 TEST_F(StopTest, WhileStreamingEndsTheRunAndLeavesTheDeviceStreaming) {
-  ConnectSounder(QuickSounder());
-  StartRun(*state_);
-  Run(3);
-  const uint32_t began = MillisecondClock();
-  StopRun(*state_);
-  EXPECT_LT(MillisecondClock() - began, 500u);
+  StartQuickRun(3);
+  EXPECT_LT(Stop_ms(), 500u);
   EXPECT_EQ(Ui().status[2], L"");
   EXPECT_EQ(Ui().status[3], L"");
   EXPECT_EQ(sounderPeer_->Closed(), 1);
   EXPECT_TRUE(sounder_->Streaming());
-  EXPECT_EQ(RecordFiles().size(), 1u);
   ExpectIdle();
-}
-
-// Stands for an acquisition worker that does not come back: a call of the system that hangs.
-void SleepAMinute(void*) {
-  SleepMilliseconds(60'000);
-}
-
-TEST_F(StopTest, GivesAHangingWorkerThreeSeconds) {
-  ConnectSounder(QuickSounder());
-  StartRun(*state_);
-  Signal(state_->stopEvent);
-  ASSERT_EQ(WaitForThread(state_->acquisitionThread, 5000), ThreadWait::ended);
-  CloseThread(state_->acquisitionThread);
-  state_->acquisitionThread = StartThread(SleepAMinute, nullptr);
-  const uint32_t began = MillisecondClock();
-  const uint32_t number = state_->runNumber;
-  StopRun(*state_);
-  const uint32_t took = MillisecondClock() - began;
-  EXPECT_GE(took, 3000u);
-  EXPECT_LE(took, 3100u);
-  EXPECT_NE(state_->runNumber, number);
-  ExpectIdle();
-}
-
-TEST_F(StopTest, ARunWithoutAPingLeavesNoFile) {
-  sim::SounderOptions options = QuickSounder();
-  options.faults.refused = {"#go"};
-  ConnectSounder(options);
-  StartRun(*state_);
-  Run(2);
-  StopRun(*state_);
-  EXPECT_TRUE(RecordFiles().empty());
 }
 
 TEST_F(StopTest, WhileIdleDoesNoHarm) {
@@ -65,54 +36,51 @@ TEST_F(StopTest, WhileIdleDoesNoHarm) {
   EXPECT_EQ(state_->gpsPort, Handle::null);
 }
 
-TEST_F(StopTest, SilenceIsReportedOnceAndStopsTheRun) {
-  ConnectSounder(QuickSounder());
-  StartRun(*state_);
-  Run(2);
-  SilenceLine(kDeviceLine);
-  Run(59);
-  EXPECT_TRUE(Ui().boxes.empty());
-  Run(10);
-  ExpectBox(L"Connection lost!", L"Error", BoxIcon::error);
-  ExpectIdle();
-  Run(120);
-  EXPECT_EQ(Ui().boxes.size(), 1u);
-  EXPECT_EQ(state_->linkLost, 0);
+// Stands for an acquisition worker that does not come back: a call of the system that hangs.
+void SleepAMinute(void*) {
+  SleepMilliseconds(60'000);
 }
 
-TEST_F(StopTest, APulledPlugIsReportedAtOnce) {
-  ConnectSounder(QuickSounder());
-  StartRun(*state_);
-  Run(2);
-  HangUpLine(kDeviceLine);
-  Run(2);
-  ExpectBox(L"Connection lost!", L"Error", BoxIcon::error);
+TEST_F(StopTest, GivesAHangingWorkerThreeSeconds) {
+  StartQuickRun();
+  Signal(state_->stopEvent);
+  ASSERT_EQ(WaitForThread(state_->acquisitionThread, 5000), ThreadWait::ended);
+  CloseThread(state_->acquisitionThread);
+  state_->acquisitionThread = StartThread(SleepAMinute, nullptr);
+  const uint32_t number = state_->runNumber;
+  const uint32_t took_ms = Stop_ms();
+  EXPECT_GE(took_ms, 3000u);
+  EXPECT_LE(took_ms, 3100u);
+  EXPECT_NE(state_->runNumber, number);
   ExpectIdle();
-  EXPECT_EQ(RecordFiles().size(), 1u);
 }
 
-// Timers go on while a box is shown.
-TEST_F(StopTest, AChoiceThatWaitsIsNotSentToALostDevice) {
-  ConnectSounder(QuickSounder());
-  StartRun(*state_);
+// Timers go on while its box is shown.
+TEST_F(StopTest, APulledPlugIsReportedOnceAndNothingIsSentToALostDevice) {
+  StartQuickRun(2);
   Ui().Choose(ID_OUTPUT, L"Echo Txt 12bit");
   NoteChoice(*state_);
   HangUpLine(kDeviceLine);
   static AppState* state = nullptr;
   state = state_;
   Ui().duringBox = [] {
-    if (Ui().timers.contains(ID_TIMER_CHANGES)) HandleTimer(*state, ID_TIMER_CHANGES);
+    Ui().duringBox = nullptr;
+    for (const int timer : {ID_TIMER_CHANGES, ID_TIMER_LINK}) {
+      if (Ui().timers.contains(timer)) HandleTimer(*state, timer);
+    }
   };
   Run(2);
   ExpectBox(L"Connection lost!", L"Error", BoxIcon::error);
   ExpectIdle();
+  EXPECT_EQ(RecordFiles().size(), 1u);
+  Run(120);
+  EXPECT_TRUE(Ui().boxes.empty());
+  EXPECT_EQ(state_->linkLost, 0);
 }
 
 // Whatever the order and the pace: the last tick counts, and each file that is left is whole.
 TEST_F(StopTest, QuickTicksOfRecordDataLeaveWholeFiles) {
-  ConnectSounder(QuickSounder());
-  StartRun(*state_);
-  Run(1);
+  StartQuickRun(1);
   const std::string first = RecordFiles()[0];
   size_t size = 0;
   for (int click = 0; click < 25; ++click) {

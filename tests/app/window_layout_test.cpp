@@ -2,39 +2,36 @@
 
 #include <gtest/gtest.h>
 
+#include <vector>
+
 namespace tw {
 namespace {
 
-struct Row {
-  const char* what;
-  WindowLayout layout;
-  Box echogram;
-  Box slider;
-};
+using Numbers = std::vector<int32_t>;
 
-// Worked out by hand from the window's margins.
-constexpr Row kRows[] = {
-    {"normal view", {964, 691, false, false, 96}, {186, 6, 772, 655}, {186, 647, 772, 22}},
-    {"normal view while playing", {964, 691, false, true, 96}, {186, 6, 772, 640}, {186, 647, 772, 22}},
-    {"full window", {964, 691, true, false, 96}, {6, 6, 952, 655}, {6, 647, 952, 22}},
-    {"full window while playing", {964, 691, true, true, 96}, {6, 6, 952, 640}, {6, 647, 952, 22}},
-    {"large", {1904, 1021, false, false, 96}, {186, 6, 1712, 985}, {186, 977, 1712, 22}},
-    {"half as dense again", {1446, 1036, false, true, 144}, {279, 9, 1158, 959}, {279, 970, 1158, 33}},
-    {"narrower than the controls", {100, 20, false, false, 96}, {186, 6, 0, 0}, {186, -24, 0, 22}},
-};
-
-void ExpectSame(const Box& box, const Box& expected) {
-  EXPECT_EQ(box.x, expected.x);
-  EXPECT_EQ(box.y, expected.y);
-  EXPECT_EQ(box.width, expected.width);
-  EXPECT_EQ(box.height, expected.height);
+Numbers PlaceOf(const Box& box) {
+  return {box.x, box.y, box.width, box.height};
 }
 
+// Worked out by hand from the window's margins.
 TEST(WindowLayout, PlacesEchogramAndSlider) {
-  for (const Row& row : kRows) {
-    SCOPED_TRACE(row.what);
-    ExpectSame(EchogramBox(row.layout), row.echogram);
-    ExpectSame(SliderBox(row.layout), row.slider);
+  const struct {
+    const char* what;
+    WindowLayout layout;
+    Numbers echogram;
+    Numbers slider;
+  } rows[] = {
+      {"normal view", {964, 691, false, false, 96}, {186, 6, 772, 655}, {186, 647, 772, 22}},
+      {"normal view while playing", {964, 691, false, true, 96}, {186, 6, 772, 640}, {186, 647, 772, 22}},
+      {"full window", {964, 691, true, false, 96}, {6, 6, 952, 655}, {6, 647, 952, 22}},
+      {"full window while playing", {964, 691, true, true, 96}, {6, 6, 952, 640}, {6, 647, 952, 22}},
+      {"large", {1904, 1021, false, false, 96}, {186, 6, 1712, 985}, {186, 977, 1712, 22}},
+      {"half as dense again", {1446, 1036, false, true, 144}, {279, 9, 1158, 959}, {279, 970, 1158, 33}},
+      {"narrower than the controls", {100, 20, false, false, 96}, {186, 6, 0, 0}, {186, -24, 0, 22}},
+  };
+  for (const auto& row : rows) {
+    EXPECT_EQ(PlaceOf(EchogramBox(row.layout)), row.echogram) << row.what;
+    EXPECT_EQ(PlaceOf(SliderBox(row.layout)), row.slider) << row.what;
   }
 }
 

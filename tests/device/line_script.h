@@ -27,6 +27,17 @@ class LineScript : public SerialPeer {
   std::deque<ScriptedReply> replies;
   std::string received;
 
+  // Says something unasked. Texts are added in the order of their times.
+  void Say(const ScriptedReply& reply, int64_t now_us) {
+    int64_t at_us = now_us + reply.delay_us;
+    for (const char byte : reply.text) {
+      bytes_.push_back({at_us, byte});
+      at_us += reply.spacing_us;
+    }
+  }
+  void At_ms(int64_t time_ms, std::string_view text) { Say({std::string(text)}, time_ms * 1'000); }
+  void HangUpAt_ms(int64_t time_ms) { hangUp_us_ = time_ms * 1'000; }
+
   void Receive(std::span<const uint8_t> bytes, int64_t now_us) override {
     received.append(bytes.begin(), bytes.end());
     for (const uint8_t byte : bytes) {
@@ -36,29 +47,19 @@ class LineScript : public SerialPeer {
     }
   }
   size_t Send(std::span<uint8_t> out, int64_t now_us) override {
-    size_t count = 0;
-    for (; count < out.size() && !bytes_.empty() && bytes_.front().at_us <= now_us; ++count) {
-      out[count] = static_cast<uint8_t>(bytes_.front().byte);
-      bytes_.pop_front();
-    }
+    const size_t count = std::min(out.size(), Waiting(now_us));
+    for (size_t i = 0; i < count; ++i, bytes_.pop_front()) out[i] = static_cast<uint8_t>(bytes_.front().byte);
     return count;
   }
   int64_t NextSend_us(int64_t now_us) override {
-    return bytes_.empty() ? kNever : std::max(now_us, bytes_.front().at_us);
+    const int64_t next_us = bytes_.empty() ? kNever : bytes_.front().at_us;
+    return std::max(now_us, std::min(next_us, hangUp_us_));
   }
   size_t Waiting(int64_t now_us) override {
-    const auto later = [now_us](const TimedByte& each) { return each.at_us > now_us; };
-    return static_cast<size_t>(std::find_if(bytes_.begin(), bytes_.end(), later) - bytes_.begin());
+    const auto come = [now_us](const TimedByte& each) { return each.at_us <= now_us; };
+    return static_cast<size_t>(std::partition_point(bytes_.begin(), bytes_.end(), come) - bytes_.begin());
   }
-
-  // Says something unasked.
-  void Say(const ScriptedReply& reply, int64_t now_us) {
-    int64_t at_us = now_us + reply.delay_us;
-    for (const char byte : reply.text) {
-      bytes_.push_back({at_us, byte});
-      at_us += reply.spacing_us;
-    }
-  }
+  bool HungUp(int64_t now_us) override { return now_us >= hangUp_us_; }
 
  private:
   struct TimedByte {
@@ -66,6 +67,7 @@ class LineScript : public SerialPeer {
     char byte;
   };
   std::deque<TimedByte> bytes_;
+  int64_t hangUp_us_ = kNever;
 };
 
 inline constexpr wchar_t kScriptedLine[] = L"\\\\.\\COM5";

@@ -1,32 +1,133 @@
-// Reading the whole parameter set, with each query failing in turn in each way.
+// Reading the whole parameter set of the families that are asked query by query, with each query failing in
+// turn in each way.
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <span>
 #include <string>
 #include <vector>
 
 #include "app/app_state.h"
-#include "device/serial_ports.h"
 #include "device/settings_readers.h"
-#include "platform/host/faults.h"
-#include "platform/host/virtual_clock.h"
-#include "platform/serial_line.h"
-#include "tests/device/first_family_queries.h"
 #include "tests/device/line_script.h"
 
 namespace tw {
 namespace {
 
-using test::After;
-using test::kQueries;
-using test::Query;
+using S = DeviceSettings;
 
-constexpr wchar_t kLine[] = L"\\\\.\\COM5";
-constexpr size_t kNone = std::size(kQueries);
+// What a failure does to the reading.
+enum class After : uint8_t { fails, ends, skipsNext };
+
+// A field of the record of either type; none for what stands elsewhere.
+struct Field {
+  constexpr Field() = default;
+  constexpr Field(int32_t S::*field) : whole(field) {}
+  constexpr Field(float S::*field) : real(field) {}
+
+  void Set(S& settings, double value) const {
+    if (whole != nullptr) settings.*whole = static_cast<int32_t>(value);
+    if (real != nullptr) settings.*real = static_cast<float>(value);
+  }
+  [[nodiscard]] double Get(const S& settings) const {
+    if (whole != nullptr) return settings.*whole;
+    return real != nullptr ? static_cast<double>(settings.*real) : 0.0;
+  }
+
+  int32_t S::*whole = nullptr;
+  float S::*real = nullptr;
+};
+
+struct Query {
+  std::string_view keyword;
+  std::string answer;
+  double kept;  // of the answer
+  Field field;
+  After after = After::ends;
+  double fallback = -1;  // what a failure leaves in the field; -1: what stood there
+};
+
+const Query kFirstFamily[] = {
+    {"##maxrangel", "201000", 201'000, &S::maxRangeLow_mm, After::fails},
+    {"#rangeh", "31000", 31'000, &S::rangeHigh_mm, After::fails},
+    {"#auto", "0", 0, &S::automaticMode, After::skipsNext},
+    {"#preset", "3", 3, &S::preset},
+    {"##maxrangeh", "101000", 101'000, &S::maxRangeHigh_mm},
+    {"##maxlengthh", "205", 205, &S::maxLengthHigh},
+    {"##maxlengthl", "410", 410, &S::maxLengthLow},
+    {"#swversion", "1.25", 0, {}, After::fails},
+    {"#getfreq", "447000", 447'000, &S::frequencyInUse_hz, After::fails},
+    {"#rangel", "61000", 61'000, &S::rangeLow_mm, After::fails},
+    {"#rangeh", "32000", 32'000, &S::rangeHigh_mm, After::fails},
+    {"#interval", "0.25", 250, &S::pingInterval_ms},
+    {"#output", "5", 6, &S::outputMode},
+    {"#thresholdl", "21", 21, &S::thresholdLow_percent},
+    {"#thresholdh", "22", 22, &S::thresholdHigh_percent},
+    {"#offsetl", "-11", -11, &S::offsetLow_mm},
+    {"#offseth", "+12", 12, &S::offsetHigh_mm},
+    {"#deadzonel", "151", 151, &S::deadZoneLow_mm},
+    {"#deadzoneh", "152", 152, &S::deadZoneHigh_mm},
+    {"#txlengthl", "41", 41, &S::txLengthLow},
+    {"#txlengthh", "42", 42, &S::txLengthHigh},
+    {"#gainlow", "-1.5", -1.5, &S::gainLow},
+    {"#gainhigh", "2.5", 2.5, &S::gainHigh},
+    {"#tvgsprdl", "15.5", 15.5, &S::tvgSpreadingLow},
+    {"#tvgsprdh", "20.5", 20.5, &S::tvgSpreadingHigh},
+    {"#tvgabslow", "0.0625", 0.0625, &S::tvgAbsorptionLow},
+    {"#tvgabshigh", ".125", 0.125, &S::tvgAbsorptionHigh},
+    {"##freql", "199000", 199'000, &S::lowFrequency_hz},
+    {"##freqh", "447000", 447'000, &S::highFrequency_hz},
+    {"#tvgmode", "2", 2, &S::tvgMode},
+    {"#iden", "KT-1042", 0, {}},
+    {"#sound", "1487.5", 1487.5, &S::soundSpeed_mps},
+    {"#txpower", "87.5", 87.5, &S::txPower},
+    {"#samplfreq", "25000", 25'000, &S::samplingFrequency_hz},
+    {"#attnl", "1", 1, &S::attenuationLow},
+    {"#attnh", "2", 2, &S::attenuationHigh},
+    {"##vfreql", "200000", 200'000, &S::virtualLowFrequency_hz},
+    {"##vfreqh", "450000", 450'000, &S::virtualHighFrequency_hz},
+    {"##getsimul", "0", 0, &S::simultaneous},
+    {"#smooth", "0", 0, &S::smoothing, After::skipsNext, 0},
+    {"#outrate", "7.5", 7.5, &S::outputRate},
+    {"#medianflt", "5", 5, &S::medianFilter, After::ends, 2},
+    {"#movavgflt", "4", 4, &S::movingAverageFilter, After::ends, 1},
+};
+
+const Query kSecondFamily[] = {
+    {"#iden", "1042", 1042, &S::identifierWord, After::fails},
+    {"#range", "50", 50, &S::rangeHigh_mm, After::fails},
+    {"#auto", "0", 0, &S::automaticMode, After::skipsNext},
+    {"#preset", "255", 255, &S::preset},
+    {"#interval", "0.1", 100, &S::pingInterval_ms},
+    {"#output", "5", 5, &S::outputMode},
+    {"#threshold", "20", 20, &S::thresholdHigh_percent},
+    {"#offset", "-30", -30, &S::offsetHigh_mm},
+    {"#deadzone", "150", 150, &S::deadZoneHigh_mm},
+    {"#txlength", "50", 50, &S::txLengthHigh},
+    {"#gain", "-2.5", -2.5, &S::gainHigh},
+    {"#tvgmode", "1", 1, &S::tvgMode},
+    {"#tvgsprd", "15.5", 15.5, &S::tvgSpreadingHigh},
+    {"#tvgabs", "0.125", 0.125, &S::tvgAbsorptionHigh},
+    {"#sound", "1500", 1500, &S::soundSpeed_mps},
+    {"#getfreq", "450000", 450'000, &S::frequencyInUse_hz},
+    {"#samplfreq", "100000", 100'000, &S::samplingFrequency_hz},
+    {"#medianflt", "3", 3, &S::medianFilter},
+    {"#movavgflt", "4", 4, &S::movingAverageFilter},
+    {"#swversion", "1.25", 0, {}},
+};
+
+struct Family {
+  friend void PrintTo(const Family& family, std::ostream* out) { *out << family.name; }
+  const char* name;
+  LinkResult (*read)(Handle, S&);
+  std::span<const Query> queries;
+};
+const Family kFirst = {"First", ReadAllSettings, kFirstFamily};
+const Family kSecond = {"Second", ReadSecondFamilySettings, kSecondFamily};
 
 // A record in which every field shows whether it was set; the filters are small enough to be replaced.
-DeviceSettings Before() {
-  DeviceSettings settings;
+S Before() {
+  S settings;
   std::memset(&settings, 0x11, sizeof settings);
   std::memset(settings.identity, 0, sizeof settings.identity);
   settings.medianFilter = 0;
@@ -34,223 +135,170 @@ DeviceSettings Before() {
   return settings;
 }
 
-// What stays when the query `failing` fails, and with it all later ones when the line is gone.
-DeviceSettings Kept(size_t failing, bool gone) {
-  DeviceSettings settings = Before();
-  for (size_t i = 0; i < kNone; ++i) {
-    const bool skipped = (failing == test::kAuto && i == test::kPreset) ||
-                         (failing == test::kSmooth && i == test::kOutputRate);
-    if (i == failing) {
-      if (i == test::kSmooth) settings.smoothing = 0;
-      if (i == test::kSmooth) settings.outputRate = 0.f;
-      if (i == test::kMedian || (i == test::kSmooth && gone)) settings.medianFilter = 2;
-      if (i == test::kMovingAverage) settings.movingAverageFilter = 1;
-      if (gone || kQueries[i].after != After::goesOn) break;
-    } else if (i == test::kIdentity) {
-      std::memcpy(settings.identity, "KT-1042", 7);
-    } else if (!skipped) {
-      kQueries[i].field.Set(settings, kQueries[i].kept);
+std::string Reply(std::string_view keyword, std::string_view answer) {
+  return std::string(keyword) + "\r\n" + std::string(answer) + "\r\n\r\n>";
+}
+
+// One reading in which a query fails: what the device says and is asked, and what is left.
+struct Reading {
+  Reading(const Family& family, size_t failing, std::string_view failure) {
+    for (size_t i = 0; i < family.queries.size(); ++i) {
+      const Query& query = family.queries[i];
+      asked += std::string(query.keyword) + "\r";
+      replies.push_back(i == failing ? std::string(failure) : Reply(query.keyword, query.answer));
+      if (i != failing) {
+        Keep(query, family.read == ReadAllSettings);
+        continue;
+      }
+      if (query.fallback >= 0) query.field.Set(settings, query.fallback);
+      if (query.keyword == "#auto") presetCapable = 0;
+      if (query.keyword == "#smooth") settings.outputRate = 0;
+      if (query.after == After::fails) result = LinkResult::invalid;
+      if (query.after != After::skipsNext) return;
+      ++i;
     }
   }
-  return settings;
-}
 
-// True when the reading comes to the query, and it succeeds.
-bool IsAnswered(size_t query, size_t failing, bool gone) {
-  if (query < failing) return true;
-  return query > failing && !gone && kQueries[failing].after == After::goesOn;
-}
+  void Keep(const Query& query, bool first) {
+    query.field.Set(settings, query.kept);
+    if (query.keyword == "#getfreq" && !first) {
+      settings.highFrequency_hz = settings.virtualHighFrequency_hz = settings.frequencyInUse_hz;
+    }
+    if (query.keyword == "#iden" && first) std::strcpy(settings.identity, query.answer.c_str());
+    if (query.keyword == "#auto") presetCapable = 1;
+    if (query.keyword == "#preset") currentPreset = static_cast<int32_t>(query.kept);
+    if (query.keyword == "#swversion") firmware = 1.25f;
+    if (query.keyword == "#smooth") smoothingSupported = 1;
+  }
 
-std::string Reply(const Query& query) {
-  return std::string(query.keyword) + "\r\n" + query.answer + "\r\n\r\n>";
-}
+  std::vector<std::string> replies;
+  std::string asked;
+  LinkResult result = LinkResult::success;
+  S settings = Before();
+  int32_t presetCapable = 7;  // before
+  int32_t currentPreset = 7;
+  int32_t smoothingSupported = 0;
+  float firmware = 0;
+};
 
-class ReadSettingsTest : public testing::Test {
+class ReadSettings : public test::ScriptedLineTest, public testing::WithParamInterface<Family> {
  protected:
-  ~ReadSettingsTest() override { ClearFaults(); }
-
-  void Read(const std::vector<std::string>& replies, DeviceSettings before = Before()) {
+  void Read(const Family& family, const std::vector<std::string>& replies, const S& before = Before()) {
     device_ = test::LineScript();
     for (const std::string& reply : replies) device_.replies.push_back({reply});
     globals = Globals{};
     globals.presetCapable = 7;
     globals.currentPreset = 7;
     settings_ = before;
-    const VirtualClock clock(1'700'000'000'000);
-    AttachPeer(kLine, &device_);
-    const Handle port = OpenDevicePort(5, 115'200);
-    result_ = ReadAllSettings(port, settings_);
-    CloseSerialLine(port);
-    DetachSerialLines();
+    result_ = family.read(port_, settings_);
   }
 
-  void Expect(size_t failing, bool gone) const {
-    const DeviceSettings kept = Kept(failing, gone);
-    const bool fails = failing < kNone && kQueries[failing].after == After::fails;
-    EXPECT_EQ(result_, fails ? LinkResult::invalid : LinkResult::success);
-    for (const Query& query : kQueries) {
-      EXPECT_EQ(query.field.Get(settings_), query.field.Get(kept)) << "of " << query.keyword;
-    }
-    EXPECT_STREQ(settings_.identity, kept.identity);
-    EXPECT_EQ(std::memcmp(&settings_, &kept, sizeof kept), 0) << "fields that no query tells";
-    EXPECT_EQ(globals.firmwareVersion, IsAnswered(test::kFirmware, failing, gone) ? 1.25f : 0.f);
-  }
-
-  test::LineScript device_;
-  DeviceSettings settings_{};
+  S settings_{};
   LinkResult result_ = LinkResult::success;
 };
 
-// The replies when the query `failing` is answered with this, and what the device then receives.
-struct Script {
-  std::vector<std::string> replies;
-  std::string received;
+TEST_P(ReadSettings, EachQueryFailingInItsTurn) {
+  const std::span<const Query> queries = GetParam().queries;
+  for (const std::string failure : {"", "#x\r\n\r\n>", "#x\r\nError\r\n\r\n>"}) {
+    for (size_t failing = 0; failing <= queries.size(); ++failing) {
+      const std::string keyword(failing < queries.size() ? queries[failing].keyword : "none");
+      SCOPED_TRACE(keyword + " answered with " + failure);
+      // A refused identity is a text like any other.
+      if (keyword == "#iden" && failing > 0 && failure.find("Error") != failure.npos) continue;
+      const Reading expected(GetParam(), failing, failure);
+      Read(GetParam(), expected.replies);
+      EXPECT_EQ(result_, expected.result);
+      EXPECT_EQ(device_.received, expected.asked);
+      for (const Query& query : queries) {
+        EXPECT_EQ(query.field.Get(settings_), query.field.Get(expected.settings)) << "of " << query.keyword;
+      }
+      EXPECT_STREQ(settings_.identity, expected.settings.identity);
+      EXPECT_EQ(std::memcmp(&settings_, &expected.settings, sizeof settings_), 0) << "what no query tells";
+      EXPECT_EQ(globals.presetCapable, expected.presetCapable);
+      EXPECT_EQ(globals.currentPreset, expected.currentPreset);
+      EXPECT_EQ(globals.smoothingSupported, expected.smoothingSupported);
+      EXPECT_EQ(globals.firmwareVersion, expected.firmware);
+    }
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Families, ReadSettings, testing::Values(kFirst, kSecond),
+                         [](const auto& family) { return std::string(family.param.name); });
+
+// Answers of the first family that change what is kept.
+class ReadFirstFamily : public ReadSettings {
+ protected:
+  struct Answer {
+    std::string_view keyword;
+    std::string_view text;  // empty: the query is not asked
+  };
+  void ReadWith(const std::vector<Answer>& others, const S& before = Before()) {
+    std::vector<std::string> replies;
+    for (const Query& query : kFirstFamily) {
+      std::string_view text = query.answer;
+      for (const Answer& other : others) text = other.keyword == query.keyword ? other.text : text;
+      if (!text.empty()) replies.push_back(Reply(query.keyword, text));
+    }
+    Read(kFirst, replies, before);
+    EXPECT_EQ(result_, LinkResult::success);
+  }
 };
 
-Script ScriptOf(size_t failing, const char* answer) {
-  Script script;
-  for (size_t i = 0; i < kNone; ++i) {
-    if (failing == test::kAuto && i == test::kPreset) continue;
-    if (failing == test::kSmooth && i == test::kOutputRate) continue;
-    const bool fails = i == failing;
-    script.received += kQueries[i].keyword + std::string("\r");
-    script.replies.push_back(fails ? answer : Reply(kQueries[i]));
-    if (fails && kQueries[i].after != After::goesOn) break;
-  }
-  return script;
-}
-
-TEST_F(ReadSettingsTest, AllThatTheDeviceTells) {
-  const Script script = ScriptOf(kNone, "");
-  Read(script.replies);
-  Expect(kNone, false);
-  EXPECT_EQ(device_.received, script.received);
-  EXPECT_EQ(globals.presetCapable, 1);
-  EXPECT_EQ(globals.currentPreset, 3);
-  EXPECT_EQ(globals.smoothingSupported, 1);
-  EXPECT_EQ(globals.highChannelActive, 1) << "447 kHz in use is the high frequency";
-}
-
-TEST_F(ReadSettingsTest, EachQueryFailingInItsTurn) {
-  // Silence, no value line, and a refusal, which for the identity is a line like any other.
-  for (const char* answer : {"", "#x\r\n\r\n>", "#x\r\nError\r\n\r\n>"}) {
-    for (size_t failing = 0; failing < kNone; ++failing) {
-      if (failing == test::kIdentity && std::strstr(answer, "Error") != nullptr) continue;
-      SCOPED_TRACE(std::string(kQueries[failing].keyword) + " answered with " + answer);
-      const Script script = ScriptOf(failing, answer);
-      Read(script.replies);
-      Expect(failing, false);
-      EXPECT_EQ(device_.received, script.received);
-      EXPECT_EQ(globals.presetCapable, failing < 2 ? 7 : failing == test::kAuto ? 0 : 1);
-      EXPECT_EQ(globals.currentPreset, failing <= test::kPreset ? 7 : 3);
-      EXPECT_EQ(globals.smoothingSupported, IsAnswered(test::kSmooth, failing, false) ? 1 : 0);
-    }
-  }
-}
-
-TEST_F(ReadSettingsTest, ARefusedIdentityIsALineLikeAnyOther) {
-  std::vector<std::string> replies = ScriptOf(kNone, "").replies;
-  replies[test::kIdentity] = "#iden\r\nError\r\n\r\n>";
-  Read(replies);
+TEST_F(ReadFirstFamily, ARefusedIdentityIsALineLikeAnyOther) {
+  ReadWith({{"#iden", "Error"}});
   EXPECT_STREQ(settings_.identity, "Error");
-  EXPECT_EQ(settings_.movingAverageFilter, 4);
+  EXPECT_EQ(settings_.movingAverageFilter, 4) << "the reading goes on";
 }
 
-TEST_F(ReadSettingsTest, EachWriteFailing) {
-  for (size_t call = 0; call < 2 * kNone; ++call) {
-    const size_t failing = call / 2;  // keyword and carriage return
-    SCOPED_TRACE(std::string(kQueries[failing].keyword) + (call % 2 == 0 ? ", keyword" : ", return"));
-    std::vector<std::string> replies = ScriptOf(failing, "never").replies;
-    std::erase(replies, "never");
-    InjectFault({.point = FaultPoint::writeLine, .call = call + 1});
-    Read(replies);
-    Expect(failing, false);
-    ClearFaults();
-  }
-}
-
-TEST_F(ReadSettingsTest, TheLineFailingAtEachByte) {
-  const std::vector<std::string> replies = ScriptOf(kNone, "").replies;
-  size_t failing = 0;
-  size_t ofReply = 0;
-  for (uint64_t bytes = 0; failing < kNone; ++bytes) {
-    SCOPED_TRACE(std::string(kQueries[failing].keyword) + ", byte " + std::to_string(ofReply));
-    HangUpLine(kLine, bytes);
-    Read(replies);
-    Expect(failing, true);
-    ClearFaults();
-    if (++ofReply == replies[failing].size()) {
-      ++failing;
-      ofReply = 0;
-    }
-  }
-}
-
-TEST_F(ReadSettingsTest, TheAutomaticModeIsPresetTenWithoutAsking) {
-  std::vector<std::string> replies = ScriptOf(kNone, "").replies;
-  replies[test::kAuto] = "#auto\r\n1\r\n\r\n>";
-  replies.erase(replies.begin() + test::kPreset);
-  Read(replies);
-  EXPECT_EQ(result_, LinkResult::success);
+TEST_F(ReadFirstFamily, TheAutomaticModeIsPresetTenWithoutAsking) {
+  ReadWith({{"#auto", "1"}, {"#preset", ""}});
   EXPECT_EQ(settings_.preset, 10);
   EXPECT_EQ(globals.currentPreset, 10);
   EXPECT_EQ(settings_.movingAverageFilter, 4);
 }
 
-TEST_F(ReadSettingsTest, WhileSmoothingTheFiltersAreAskedInVain) {
-  std::vector<std::string> replies = ScriptOf(kNone, "").replies;
-  replies[test::kSmooth] = "#smooth\r\n1\r\n\r\n>";
-  replies[test::kMedian] = "#medianflt\r\nError\r\n\r\n>";
-  replies[test::kMovingAverage] = "#movavgflt\r\nError\r\n\r\n>";
-  Read(replies);
-  EXPECT_EQ(result_, LinkResult::success);
+TEST_F(ReadFirstFamily, WhileSmoothingTheFiltersAreAskedInVain) {
+  ReadWith({{"#smooth", "1"}, {"#medianflt", "Error"}, {"#movavgflt", "Error"}});
   EXPECT_EQ(settings_.medianFilter, 0);
   EXPECT_EQ(settings_.movingAverageFilter, 0);
   EXPECT_TRUE(device_.received.ends_with("#medianflt\r#movavgflt\r"));
 }
 
-TEST_F(ReadSettingsTest, FiltersThatAreLargeEnoughStay) {
+TEST_F(ReadFirstFamily, FiltersThatAreLargeEnoughStay) {
   const struct {
+    std::string_view refused;
+    int32_t S::*filter;
     int32_t before, after;
-  } medians[] = {{2, 2}, {3, 3}, {7, 7}, {-1, 2}}, averages[] = {{0, 1}, {1, 1}, {2, 2}, {9, 9}};
-  for (const auto& row : medians) {
-    DeviceSettings before = Before();
-    before.medianFilter = row.before;
-    Read(ScriptOf(test::kMedian, "x\r\n\r\n>").replies, before);
-    EXPECT_EQ(settings_.medianFilter, row.after) << row.before;
-  }
-  for (const auto& row : averages) {
-    DeviceSettings before = Before();
-    before.movingAverageFilter = row.before;
-    Read(ScriptOf(test::kMovingAverage, "x\r\n\r\n>").replies, before);
-    EXPECT_EQ(settings_.movingAverageFilter, row.after) << row.before;
+  } rows[] = {{"#medianflt", &S::medianFilter, -1, 2},       {"#medianflt", &S::medianFilter, 2, 2},
+              {"#medianflt", &S::medianFilter, 3, 3},        {"#movavgflt", &S::movingAverageFilter, 1, 1},
+              {"#movavgflt", &S::movingAverageFilter, 0, 1}, {"#movavgflt", &S::movingAverageFilter, 2, 2}};
+  for (const auto& row : rows) {
+    S before = Before();
+    before.*row.filter = row.before;
+    ReadWith({{row.refused, "Error"}}, before);
+    EXPECT_EQ(settings_.*row.filter, row.after) << row.refused << " " << row.before;
   }
 }
 
-TEST_F(ReadSettingsTest, TheHighChannelIsActiveOnlyAlone) {
+TEST_F(ReadFirstFamily, TheHighChannelIsActiveOnlyAlone) {
   const struct {
     const char* inUse;
     const char* simultaneous;
     int32_t active;
   } rows[] = {{"447000", "0", 1}, {"199000", "0", 0}, {"447000", "1", 0}};
   for (const auto& row : rows) {
-    std::vector<std::string> replies = ScriptOf(kNone, "").replies;
-    replies[test::kInUse] = std::string("#getfreq\r\n") + row.inUse + "\r\n\r\n>";
-    replies[test::kSimultaneous] = std::string("##getsimul\r\n") + row.simultaneous + "\r\n\r\n>";
-    Read(replies);
+    ReadWith({{"#getfreq", row.inUse}, {"##getsimul", row.simultaneous}});
     EXPECT_EQ(globals.highChannelActive, row.active) << row.inUse << " " << row.simultaneous;
   }
 }
 
-TEST_F(ReadSettingsTest, AnIntervalBeyondReasonIsNotTaken) {
+TEST_F(ReadFirstFamily, AnIntervalBeyondReasonIsNotTaken) {
   const struct {
     const char* interval;
     int32_t kept;
   } rows[] = {{"0", 0}, {"0.0157", 15}, {"3600", 3'600'000}, {"3601", 0x11111111}, {"-0.5", 0x11111111}};
   for (const auto& row : rows) {
-    std::vector<std::string> replies = ScriptOf(kNone, "").replies;
-    replies[test::kInterval] = std::string("#interval\r\n") + row.interval + "\r\n\r\n>";
-    Read(replies);
+    ReadWith({{"#interval", row.interval}});
     EXPECT_EQ(settings_.pingInterval_ms, row.kept) << row.interval;
     EXPECT_EQ(settings_.movingAverageFilter, 4) << "the reading goes on";
   }

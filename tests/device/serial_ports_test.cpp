@@ -87,46 +87,17 @@ TEST(SerialPorts, AListThatCannotBeReadIsEmpty) {
   ClearFaults();
 }
 
-class ModePeer : public test::LineScript {
- public:
-  bool Open(const char* text) override {
-    mode = text;
-    return true;
-  }
-  std::string mode;
-};
+class WaitForByte : public test::ScriptedLineTest {};
 
-TEST(SerialPorts, TheModeStringsOfBothForms) {
-  VirtualClock clock(0);
-  ModePeer peer;
-  AttachPeer(L"\\\\.\\COM12", &peer);
-  Handle port = OpenDevicePort(12, 4800);
-  EXPECT_EQ(peer.mode, "baud=4800 parity=N data=8 stop=1");
-  CloseSerialLine(port);
-  port = OpenFastDevicePort(12);
-  EXPECT_EQ(peer.mode, "baud=3000000 parity=N data=8 stop=1 octs=on rts=on");
-  CloseSerialLine(port);
-  EXPECT_EQ(OpenDevicePort(13, 4800), Handle::invalid);
-  DetachSerialLines();
-}
-
-TEST(SerialPorts, WaitingForAnyByteTakesFourSecondsAndEatsTheByte) {
-  VirtualClock clock(0);
-  test::LineScript peer;
-  AttachPeer(L"\\\\.\\COM5", &peer);
-  const Handle port = OpenDevicePort(5, 115'200);
-  EXPECT_FALSE(WaitForAnyByte(port));
+TEST_F(WaitForByte, TakesFourSecondsAndEatsTheByte) {
+  EXPECT_FALSE(WaitForAnyByte(port_));
   EXPECT_GE(VirtualNow_us(), 4'000'000);
   EXPECT_LE(VirtualNow_us(), 4'010'000) << "no read begins when they are over";
-  peer.replies = {{"xy"}};
-  ASSERT_TRUE(WriteSerialLine(port, "\r", 1));
-  EXPECT_TRUE(WaitForAnyByte(port));
-  EXPECT_EQ(BytesWaiting(port), 1u);
-  HangUpLine(L"\\\\.\\COM5");
-  EXPECT_FALSE(WaitForAnyByte(port));
-  CloseSerialLine(port);
-  ClearFaults();
-  DetachSerialLines();
+  device_.Say({"xy"}, VirtualNow_us());
+  EXPECT_TRUE(WaitForAnyByte(port_));
+  EXPECT_EQ(BytesWaiting(port_), 1u);
+  HangUpLine(test::kScriptedLine);
+  EXPECT_FALSE(WaitForAnyByte(port_));
 }
 
 }  // namespace

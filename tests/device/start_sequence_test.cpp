@@ -5,19 +5,17 @@
 #include <memory>
 #include <string>
 
-#include "device/serial_ports.h"
-#include "platform/host/virtual_clock.h"
-#include "platform/serial_line.h"
 #include "tests/device/line_script.h"
 
 namespace tw {
 namespace {
 
-TEST(StartSequence, GoesByModeAndPreset) {
+class StartSequence : public test::ScriptedLineTest {};
+
+TEST_F(StartSequence, GoesByModeAndPreset) {
   const std::string single =
-      "#time 1741944605\r#tvgmode 1\r#pingonce 0\r#nmeadpzero 1\r#nmeadbt 1\r#nmeadpt 0\r#nmeamtw 1\r"
-      "#nmeaema 1\r#nmeazda 1\r#nmeaxdr 1\r";
-  const std::string dual = "#time 1741944605\r#nmeadpt 1\r#nmeaema 1\r";
+      "#tvgmode 1\r#pingonce 0\r#nmeadpzero 1\r#nmeadbt 1\r#nmeadpt 0\r#nmeamtw 1\r#nmeaema 1\r#nmeazda 1\r"
+      "#nmeaxdr 1\r";
   const struct {
     const char* what;
     bool dual;
@@ -26,36 +24,33 @@ TEST(StartSequence, GoesByModeAndPreset) {
     int32_t started;  // the mode that is remembered as sent; 0: none was
   } rows[] = {
       {"single", false, 0, 3, 4, single + "#output 4\r#go\r", 4},
-      {"dual: the high range for both", true, 0, 3, 4, dual + "#output 4\r#range 30000\r#go\r", 4},
+      {"dual: the high range for both", true, 0, 3, 4,
+       "#nmeadpt 1\r#nmeaema 1\r#output 4\r#range 30000\r#go\r", 4},
       {"a preset in force decides the output", false, 1, 3, 4, single + "#go\r", 0},
       {"preset 255 is none", false, 1, kNoPreset, 4, single + "#output 4\r#go\r", 4},
       {"an unknown mode is replaced", false, 0, 0, 42, single + "#output 3\r#go\r", 3},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.what);
-    const VirtualClock clock(1'741'944'605'000);
-    test::LineScript device;
-    device.replies.assign(20, {"\r\n>"});
-    AttachPeer(L"\\\\.\\COM5", &device);
+    device_.received.clear();
+    device_.replies.assign(20, {"\r\n>"});
     globals = Globals{};
     globals.deviceFamily = 1;
     globals.dualMode = row.dual ? 1 : 0;
     globals.presetCapable = row.presetCapable;
     globals.currentPreset = row.preset;
     const auto state = std::make_unique<AppState>();
-    state->devicePort = OpenDevicePort(5, 115'200);
+    state->devicePort = port_;
     state->settings.outputMode = row.mode;
     state->settings.rangeLow_mm = 10'000;
     state->settings.rangeHigh_mm = 30'000;
     StartDevice(*state);
-    EXPECT_EQ(device.received, row.sent);
+    EXPECT_EQ(device_.received, "#time 1700000000\r" + row.sent);
     EXPECT_EQ(state->appliedSettings.outputMode, row.started);
     EXPECT_EQ(state->settings.outputMode, row.started == 0 ? row.mode : row.started);
     EXPECT_EQ(state->settings.tvgMode, row.dual ? 0 : 1);
     EXPECT_EQ(state->settings.rangeLow_mm, row.dual ? 30'000 : 10'000);
     EXPECT_EQ(state->appliedSettings.rangeLow_mm, row.dual ? 30'000 : 0);
-    CloseSerialLine(state->devicePort);
-    DetachSerialLines();
   }
 }
 

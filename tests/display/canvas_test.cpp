@@ -3,39 +3,29 @@
 #include <gtest/gtest.h>
 
 #include <string>
-#include <vector>
+
+#include "tests/display/test_canvas.h"
 
 namespace tw {
 namespace {
 
-// The canvas as text, a '#' for each drawn pixel.
-class Picture {
- public:
-  Picture(int32_t width, int32_t height)
-      : pixels_(static_cast<size_t>(width * height)), canvas_{pixels_.data(), width, height, width} {}
-
-  const Canvas& Drawn() const { return canvas_; }
-  std::string Text() const {
-    std::string text;
-    for (int32_t y = 0; y < canvas_.height; ++y) {
-      for (int32_t x = 0; x < canvas_.width; ++x) text += canvas_.Row(y)[x] != 0 ? '#' : '.';
-      text += '\n';
-    }
-    return text;
+// A '#' for each drawn pixel.
+std::string Text(const TestCanvas& canvas) {
+  std::string text;
+  for (int32_t y = 0; y < canvas.Whole().height; ++y) {
+    for (int32_t x = 0; x < canvas.Whole().width; ++x) text += canvas.At(x, y) != 0 ? '#' : '.';
+    text += '\n';
   }
-
- private:
-  std::vector<Pixel> pixels_;
-  Canvas canvas_;
-};
+  return text;
+}
 
 TEST(Canvas, LinesIncludeBothEnds) {
-  Picture picture(8, 4);
-  DrawLine(picture.Drawn(), {1, 0}, {6, 0}, 1);
-  DrawLine(picture.Drawn(), {7, 3}, {7, 1}, 1);
-  DrawLine(picture.Drawn(), {0, 1}, {2, 3}, 1);
-  DrawLine(picture.Drawn(), {4, 2}, {4, 2}, 1);
-  EXPECT_EQ(picture.Text(),
+  TestCanvas canvas(8, 4);
+  DrawLine(canvas.Whole(), {1, 0}, {6, 0}, 1);
+  DrawLine(canvas.Whole(), {7, 3}, {7, 1}, 1);
+  DrawLine(canvas.Whole(), {0, 1}, {2, 3}, 1);
+  DrawLine(canvas.Whole(), {4, 2}, {4, 2}, 1);
+  EXPECT_EQ(Text(canvas),
             ".######.\n"
             "#......#\n"
             ".#..#..#\n"
@@ -43,22 +33,22 @@ TEST(Canvas, LinesIncludeBothEnds) {
 }
 
 TEST(Canvas, DashDotIsThreeOneOneOne) {
-  Picture picture(14, 1);
-  DrawLine(picture.Drawn(), {0, 0}, {13, 0}, 1, LineStyle::dashDot);
-  EXPECT_EQ(picture.Text(), "###.#.###.#.##\n");
+  TestCanvas canvas(14, 1);
+  DrawLine(canvas.Whole(), {0, 0}, {13, 0}, 1, LineStyle::dashDot);
+  EXPECT_EQ(Text(canvas), "###.#.###.#.##\n");
 }
 
 TEST(Canvas, EverythingIsClipped) {
-  Picture picture(4, 3);
-  DrawLine(picture.Drawn(), {-5, 1}, {2'000'000'000, 1}, 1);
-  FillRect(picture.Drawn(), {3, -9, 99, 1}, 1);
-  FillRect(picture.Drawn(), {2, 2, 1, 9}, 1);
-  FillRect(picture.Drawn(), {4, 0, 9, 9}, 1);
-  EXPECT_EQ(picture.Text(),
+  TestCanvas canvas(4, 3);
+  DrawLine(canvas.Whole(), {-5, 1}, {2'000'000'000, 1}, 1);
+  FillRect(canvas.Whole(), {3, -9, 99, 1}, 1);
+  FillRect(canvas.Whole(), {2, 2, 1, 9}, 1);
+  FillRect(canvas.Whole(), {4, 0, 9, 9}, 1);
+  EXPECT_EQ(Text(canvas),
             "...#\n"
             "####\n"
             "....\n");
-  const Canvas outside = Part(picture.Drawn(), {5, 0, 7, 2});
+  const Canvas outside = Part(canvas.Whole(), {5, 0, 7, 2});
   EXPECT_EQ(outside.width, 0);
   EXPECT_EQ(outside.height, 0);
 }

@@ -250,14 +250,6 @@ TEST_F(EchogramWindow, DualViewZoomsThePanelUnderTheCursor) {
   EXPECT_EQ(state_->timeScaleLower, 120);
 }
 
-TEST_F(EchogramWindow, DeviceRangeThatIsNoStepAllowsOneMetreOnly) {
-  state_->settings.rangeHigh_mm = 25'000;
-  for (const int turn : {kForward, kBack}) {
-    state_->displayRangeUpper = 10'000;
-    ExpectSteps(turn, state_->displayRangeUpper, {1'000});
-  }
-}
-
 TEST_F(EchogramWindow, FullWindowNeedsControl) {
   SendMessageW(view_, WM_LBUTTONDOWN, MK_LBUTTON, 0);
   EXPECT_EQ(fullWindowToggles, 0);
@@ -271,27 +263,26 @@ TEST_F(EchogramWindow, CursorBringsTheFocusForTheWheel) {
   EXPECT_EQ(GetFocus(), view_);
 }
 
-struct ShotCase {
-  int32_t dualMode;
-  const wchar_t* folder;
-  const wchar_t* nameBehindTime;
-};
-
 TEST_F(EchogramWindow, RightClickSavesWhatTheNextPaintShows) {
+  const struct {
+    int32_t dualMode;
+    const wchar_t* folder;
+    const wchar_t* nameBehindTime;
+  } rows[] = {{0, L"", L"_Dual_450kHz_ScreenShot(Manual)_1.png"},
+              {1, L"ScreenShot", L"_Dual_ScreenShot(Manual)_1.png"}};
   void* const noting = AddVectoredExceptionHandler(1, NoteDebugText);
-  for (const ShotCase& c : {ShotCase{0, L"", L"_Dual_450kHz_ScreenShot(Manual)_1.png"},
-                            ShotCase{1, L"ScreenShot", L"_Dual_ScreenShot(Manual)_1.png"}}) {
-    globals.dualMode = c.dualMode;
+  for (const auto& row : rows) {
+    globals.dualMode = row.dualMode;
     Paint();
     debugged.clear();
     SendMessageW(view_, WM_RBUTTONDOWN, MK_RBUTTON, 0);
     EXPECT_EQ(debugged, "RightButtonDown\n");
-    const std::filesystem::path folder = folder_ / c.folder;
+    const std::filesystem::path folder = folder_ / row.folder;
     EXPECT_TRUE(!std::filesystem::exists(folder) || Files(folder).empty());
     Paint();
     const auto files = Files(folder);
     ASSERT_EQ(files.size(), 1u);
-    EXPECT_EQ(files[0].substr(15), c.nameBehindTime);
+    EXPECT_EQ(files[0].substr(15), row.nameBehindTime);
     ExpectShown(folder / files[0]);
     Paint();
     EXPECT_EQ(Files(folder).size(), 1u) << "one click, one picture";

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "base/text_format.h"
+#include "tests/display/test_canvas.h"
 
 namespace tw {
 namespace {
@@ -18,13 +19,14 @@ class MarksOverlay : public testing::Test {
   ~MarksOverlay() override { DestroyLock(list_->lock); }
 
   // Pings as the worker enters them: number k, the newest being `pings`.
-  void Enter(int32_t pings, int32_t interval_pings) {
+  void Enter(int32_t pings, int32_t interval_pings, int32_t pingsSinceMark) {
     list_->count = pings;
     list_->newest = 1'400;
     for (int32_t age = 0; age < pings; ++age) {
       FormatText(list_->texts[(1'400 + age) % static_cast<int32_t>(kMaxMarks)], "ping %d", pings - age);
     }
     list_->interval_pings = interval_pings;
+    list_->pingsSinceMark = pingsSinceMark;
   }
 
   ShownMarks Find(float pingInterval_ms, int32_t marksAtStart = 0) {
@@ -35,48 +37,44 @@ class MarksOverlay : public testing::Test {
 };
 
 TEST_F(MarksOverlay, EachTextStandsAtItsPing) {
-  Enter(700, 150);             // 200 ms a ping: 150 pings are 30 s, two grid columns
-  list_->pingsSinceMark = 51;  // the mark's own ping counts: it is 50 pings old, 10 s
+  // 200 ms a ping: 150 pings are 30 s, two grid columns. The mark's own ping counts: it is 50 pings old, 10
+  // s, which are 66 pixels.
+  Enter(700, 150, 51);
   const ShownMarks shown = Find(200.0f);
   ASSERT_EQ(shown.count, 5u);
   const std::string texts[] = {"ping 650", "ping 500", "ping 350", "ping 200", "ping 50"};
-  const int32_t columns[] = {964, 764, 564, 364, 164};  // 10 s are 66 pixels
+  const int32_t columns[] = {964, 764, 564, 364, 164};
   for (size_t i = 0; i < 5; ++i) {
     EXPECT_EQ(shown.marks[i].text, texts[i]);
-    EXPECT_EQ(shown.marks[i].at.x, columns[i]);
-    EXPECT_EQ(shown.marks[i].at.y, 50);
+    EXPECT_EQ(PlaceOf(shown.marks[i].at), (Numbers{columns[i], 50}));
   }
 }
 
-struct CountCase {
-  const char* what;
-  int32_t pings;
-  int32_t interval_pings;
-  int32_t pingsSinceMark;
-  float pingInterval_ms;
-  int32_t marksAtStart;
-  size_t marks;
-};
-
-constexpr CountCase kCounts[] = {
-    {"no ping yet", 0, 0, 0, 200.0f, 150, 0},
-    {"the first ping", 1, 150, 1, 200.0f, 0, 1},
-    {"two intervals", 301, 150, 1, 200.0f, 0, 3},
-    {"one ping less", 300, 150, 1, 200.0f, 0, 2},
-    {"the set interval until one is measured", 1'000, 0, 1, 200.0f, 60, 5},
-    {"the set interval reaches further back", 1'000, 0, 1, 200.0f, 300, 4},
-    {"no interval at all", 1'000, 0, 1, 200.0f, 0, 0},
-    {"older than the list", 1'490, 2'000'000'000, 2'000'000'000, 1e30f, 0, 0},
-    {"as old as the list", 1'490, 2'000'000'000, 1'490, 3e38f, 0, 1},
-    {"negative", 1'490, 150, 1, -1.0f, 0, 0},
-    {"not a number", 1'490, 150, 1, std::numeric_limits<float>::quiet_NaN(), 0, 0},
-};
-
 TEST_F(MarksOverlay, ShowsNoMoreThanTheListHolds) {
-  for (const CountCase& c : kCounts) {
-    Enter(c.pings, c.interval_pings);
-    list_->pingsSinceMark = c.pingsSinceMark;
-    EXPECT_EQ(Find(c.pingInterval_ms, c.marksAtStart).count, c.marks) << c.what;
+  const struct {
+    const char* what;
+    int32_t pings;
+    int32_t interval_pings;
+    int32_t pingsSinceMark;
+    float pingInterval_ms;
+    int32_t marksAtStart;
+    size_t marks;
+  } rows[] = {
+      {"no ping yet", 0, 0, 0, 200.0f, 150, 0},
+      {"the first ping", 1, 150, 1, 200.0f, 0, 1},
+      {"two intervals", 301, 150, 1, 200.0f, 0, 3},
+      {"one ping less", 300, 150, 1, 200.0f, 0, 2},
+      {"the set interval until one is measured", 1'000, 0, 1, 200.0f, 60, 5},
+      {"the set interval reaches further back", 1'000, 0, 1, 200.0f, 300, 4},
+      {"no interval at all", 1'000, 0, 1, 200.0f, 0, 0},
+      {"older than the list", 1'490, 2'000'000'000, 2'000'000'000, 1e30f, 0, 0},
+      {"as old as the list", 1'490, 2'000'000'000, 1'490, 3e38f, 0, 1},
+      {"negative", 1'490, 150, 1, -1.0f, 0, 0},
+      {"not a number", 1'490, 150, 1, std::numeric_limits<float>::quiet_NaN(), 0, 0},
+  };
+  for (const auto& row : rows) {
+    Enter(row.pings, row.interval_pings, row.pingsSinceMark);
+    EXPECT_EQ(Find(row.pingInterval_ms, row.marksAtStart).count, row.marks) << row.what;
   }
 }
 

@@ -4,8 +4,8 @@
 
 #include <algorithm>
 #include <memory>
-#include <vector>
 
+#include "tests/display/test_canvas.h"
 #include "tests/display/test_ring.h"
 
 namespace tw {
@@ -13,8 +13,6 @@ namespace {
 
 // A panel 400 x 240: profile from x 285 to 345, image rows 20 to 220. At 1,500 m/s and 1.5 m the 200 rows
 // show the samples 0 to 199, one a row.
-constexpr int32_t kWidth = 400;
-constexpr int32_t kHeight = 240;
 constexpr EchogramScale kScale{3, 10, 1'500, 1'500.0f};
 constexpr Pixel kGrey = 0xAFAFAF;
 constexpr Pixel kMarker = 0xFFFA9D;
@@ -24,96 +22,82 @@ class Profile : public testing::Test {
   Profile() { BuildPalette(palette_); }
 
   void Draw(const EchogramScale& scale, int32_t threshold_percent) {
-    pixels_.assign(size_t{kWidth} * kHeight, kBlack);
-    DrawProfile(*ring_, scale, layout_, threshold_percent, palette_, *scratch_, canvas_);
+    FillRect(canvas_.Whole(), {0, 0, 400, 240}, kBlack);
+    DrawProfile(*ring_, scale, layout_, threshold_percent, palette_, *scratch_, canvas_.Whole());
   }
-  Pixel At(int32_t x, int32_t y) const { return pixels_[static_cast<size_t>(y * kWidth + x)]; }
 
   TestRing ring_ = MakeRing();
+  uint8_t* const slot_ = ring_->slots[3];
   std::unique_ptr<ProfileScratch> scratch_ = std::make_unique<ProfileScratch>();
   DisplayPalette palette_;
-  PanelLayout layout_ = LayOutPanel(0, kWidth, kHeight, 96);
-  std::vector<Pixel> pixels_ = std::vector<Pixel>(size_t{kWidth} * kHeight);
-  Canvas canvas_{pixels_.data(), kWidth, kHeight, kWidth};
-};
-
-struct PointCase {
-  const char* what;
-  int32_t index;
-  int32_t amplitude;
-  int32_t x;
-  int32_t y;
-};
-
-constexpr PointCase kPoints[] = {
-    {"first sample", 0, 0, 286, 21},       {"a quarter of the way to the next", 1, 250, 289, 21},
-    {"three quarters", 3, 750, 296, 21},   {"the next sample", 4, 1'000, 300, 22},
-    {"capped", 8, 4'095, 346, 23},         {"a quarter of the way down from 5,000", 9, 3'750, 340, 23},
-    {"half way down", 10, 2'500, 322, 23},
+  PanelLayout layout_ = LayOutPanel(0, 400, 240, 96);
+  TestCanvas canvas_{400, 240};
 };
 
 TEST_F(Profile, PointsLieBetweenSamples) {
-  *scratch_ = {};
+  const struct {
+    const char* what;
+    int32_t index;
+    int32_t amplitude;
+    Numbers place;
+  } rows[] = {
+      {"first sample", 0, 0, {286, 21}},       {"a quarter of the way to the next", 1, 250, {289, 21}},
+      {"three quarters", 3, 750, {296, 21}},   {"the next sample", 4, 1'000, {300, 22}},
+      {"capped", 8, 4'095, {346, 23}},         {"a quarter of the way down from 5,000", 9, 3'750, {340, 23}},
+      {"half way down", 10, 2'500, {322, 23}},
+  };
   scratch_->amplitudes[1] = 1'000;
   scratch_->amplitudes[2] = 5'000;
-  for (const PointCase& c : kPoints) {
-    SCOPED_TRACE(c.what);
-    const ProfilePoint point = FindProfilePoint(c.index, *scratch_, kScale, layout_);
-    EXPECT_EQ(point.at.y, c.y);
-    EXPECT_EQ(point.amplitude, c.amplitude);
-    EXPECT_EQ(point.at.x, c.x);
+  for (const auto& row : rows) {
+    const ProfilePoint point = FindProfilePoint(row.index, *scratch_, kScale, layout_);
+    EXPECT_EQ(point.amplitude, row.amplitude) << row.what;
+    EXPECT_EQ(PlaceOf(point.at), row.place) << row.what;
   }
 }
 
-struct PixelCase {
-  const char* what;
-  int32_t threshold_percent;
-  int32_t x;
-  int32_t y;
-  Pixel colour;
-};
-
-constexpr PixelCase kPixels[] = {
-    {"below the threshold", 50, 286, 40, kGrey},
-    {"the threshold over an echo", 50, 285 + 30, 120, kMarker},
-    {"above it: the palette's entry 3,000", 50, 285 + 44, 140, 0xABD700},
-    {"no echo there", 50, 285 + 44, 200, kBlack},
-    {"on the way to an echo just as strong as the threshold", 50, 310, 70, kGrey},
-    {"the threshold begins", 50, 285 + 30, 20, kMarker},
-    {"and ends", 50, 285 + 30, 220, kMarker},
-    {"not above", 50, 285 + 30, 19, kBlack},
-    {"not below", 50, 285 + 30, 221, kBlack},
-    {"the same echo below a higher threshold", 90, 285 + 44, 140, kGrey},
-    {"the weakest right of the threshold: entry 0", 0, 286, 200, 0x140028},
-};
-
 TEST_F(Profile, StrongEchoesAreColouredWeakOnesGrey) {
-  uint8_t* slot = ring_->slots[3];
-  for (size_t i = 50; i < 100; ++i) StoreSample(slot, 88, i, 2'047);   // x 285 + 30
-  for (size_t i = 100; i < 150; ++i) StoreSample(slot, 88, i, 3'000);  // x 285 + 44
-  for (const PixelCase& c : kPixels) {
-    Draw(kScale, c.threshold_percent);
-    EXPECT_EQ(At(c.x, c.y), c.colour) << c.what;
+  const struct {
+    const char* what;
+    int32_t threshold_percent;
+    int32_t x;
+    int32_t y;
+    Pixel colour;
+  } rows[] = {
+      {"below the threshold", 50, 286, 40, kGrey},
+      {"the threshold over an echo", 50, 285 + 30, 120, kMarker},
+      {"above it: the palette's entry 3,000", 50, 285 + 44, 140, 0xABD700},
+      {"no echo there", 50, 285 + 44, 200, kBlack},
+      {"on the way to an echo just as strong as the threshold", 50, 310, 70, kGrey},
+      {"the threshold begins", 50, 285 + 30, 20, kMarker},
+      {"and ends", 50, 285 + 30, 220, kMarker},
+      {"not above", 50, 285 + 30, 19, kBlack},
+      {"not below", 50, 285 + 30, 221, kBlack},
+      {"the same echo below a higher threshold", 90, 285 + 44, 140, kGrey},
+      {"the weakest right of the threshold: entry 0", 0, 286, 200, 0x140028},
+  };
+  for (size_t i = 50; i < 100; ++i) StoreSample(slot_, 88, i, 2'047);   // x 285 + 30
+  for (size_t i = 100; i < 150; ++i) StoreSample(slot_, 88, i, 3'000);  // x 285 + 44
+  for (const auto& row : rows) {
+    Draw(kScale, row.threshold_percent);
+    EXPECT_EQ(canvas_.At(row.x, row.y), row.colour) << row.what;
   }
 }
 
 TEST_F(Profile, BehindTheLastSampleItIsZero) {
-  uint8_t* slot = ring_->slots[3];
-  StoreLe<uint32_t>(slot + 4, 4'096);  // leaves room for 27,632 samples
-  for (size_t i = 0; i < 27'632; ++i) StoreSample(slot, 4'096, i, 4'095);
+  StoreLe<uint32_t>(slot_ + 4, 4'096);  // leaves room for 27,632 samples
+  for (size_t i = 0; i < 27'632; ++i) StoreSample(slot_, 4'096, i, 4'095);
   std::fill(std::begin(scratch_->amplitudes), std::end(scratch_->amplitudes), uint16_t{4'095});
   Draw({3, 10, 444'540, 1'500.0f}, 0);  // 200 rows show the samples 0 to 59,271
-  EXPECT_EQ(At(286 + 60, 20 + 90), 0xFF0000u);
-  EXPECT_EQ(At(286 + 60, 20 + 97), kBlack);   // within a slot with a short header
-  EXPECT_EQ(At(286 + 60, 20 + 110), kBlack);  // beyond any slot
+  EXPECT_EQ(canvas_.At(286 + 60, 20 + 90), 0xFF0000u);
+  EXPECT_EQ(canvas_.At(286 + 60, 20 + 97), kBlack);   // within a slot with a short header
+  EXPECT_EQ(canvas_.At(286 + 60, 20 + 110), kBlack);  // beyond any slot
 }
 
 TEST_F(Profile, OnlyTheThresholdWhenTheScaleCannotBeDrawn) {
-  for (size_t i = 0; i < 300; ++i) StoreSample(ring_->slots[3], 88, i, 4'095);
+  for (size_t i = 0; i < 300; ++i) StoreSample(slot_, 88, i, 4'095);
   Draw({3, 10, 1'500, 0.0f}, 50);
-  int32_t drawn = 0;
-  for (const Pixel pixel : pixels_) drawn += pixel != kBlack;
-  EXPECT_EQ(drawn, 201);
+  const auto& pixels = canvas_.Pixels();
+  EXPECT_EQ(pixels.size() - static_cast<size_t>(std::count(pixels.begin(), pixels.end(), kBlack)), 201u);
 }
 
 TEST_F(Profile, ThresholdIsBounded) {

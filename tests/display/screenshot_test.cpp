@@ -5,6 +5,8 @@
 #include <filesystem>
 #include <string>
 
+#include "tests/app/test_folder.h"
+
 namespace tw {
 namespace {
 
@@ -13,9 +15,6 @@ constexpr CalendarTime kLater{2025, 3, 14, 12, 2, 20, 0};
 
 class Screenshot : public testing::Test {
  protected:
-  Screenshot() : folder_(testing::TempDir() + "tw_screenshot_test") { std::filesystem::remove_all(folder_); }
-  ~Screenshot() override { std::filesystem::remove_all(folder_); }
-
   // The path below the working folder, or "none".
   std::wstring Name(ShotKind kind, bool isDual, const CalendarTime& time) {
     wchar_t path[1024] = L"";
@@ -25,7 +24,8 @@ class Screenshot : public testing::Test {
     return std::filesystem::path(path).lexically_relative(folder_).generic_wstring();
   }
 
-  std::filesystem::path folder_;
+  const test::TestFolder root_;
+  const std::filesystem::path folder_ = root_.Path() / "not made yet";
   AutomaticShots shots_{};
 };
 

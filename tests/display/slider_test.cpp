@@ -5,6 +5,7 @@
 #include "display/slider_geometry.h"
 #include "display/slider_messages.h"
 #include "display/slider_state.h"
+#include "tests/display/test_canvas.h"
 
 namespace tw {
 namespace {
@@ -15,86 +16,65 @@ ProgressBlock Progress(int32_t sampleCount, uint64_t position, uint64_t fileSize
   return {Handle::null, kProgressSpan, sampleCount, 1, position, fileSize};
 }
 
-struct ThumbCase {
-  const char* what;
-  ProgressBlock progress;
-  int32_t sliderWidth;
-  int32_t left;
-  int32_t right;
-};
-
 // 1,000 samples are a span of 320,000 bytes.
-const ThumbCase kThumbs[] = {
-    {"a tenth of the file", Progress(1'000, 0, 3'200'000), 1'000, 0, 100},
-    {"half way", Progress(1'000, 1'600'000, 3'200'000), 1'000, 450, 550},
-    {"at the end", Progress(1'000, 3'200'000, 3'200'000), 1'000, 900, 1'000},
-    {"beyond the end", Progress(1'000, 9'000'000, 3'200'000), 1'000, 900, 1'000},
-    {"a huge file", Progress(1'000, 0, 1'000'000'000'000), 1'000, 0, 20},
-    {"the largest file", Progress(1'000, kMaxSize, kMaxSize), 1'000, 980, 1'000},
-    {"a file shorter than a span", Progress(1'000, 5'000, 10'000), 1'000, 0, 1'000},
-    {"an empty file", Progress(1'000, 0, 0), 1'000, 0, 1'000},
-    {"an empty file read beyond its end", Progress(1'000, 7, 0), 1'000, 0, 1'000},
-    {"a slider as narrow as a thumb", Progress(1'000, 1'600'000, 3'200'000), 20, 0, 20},
-    {"a slider narrower than a thumb", Progress(1'000, 1'600'000, 3'200'000), 7, 0, 7},
-    {"a slider without width", Progress(1'000, 1'600'000, 3'200'000), 0, 0, 0},
-    {"no file", Progress(0, 1'600'000, 3'200'000), 1'000, 0, 0},
-    {"a sample count below 0", Progress(-5, 1'600'000, 3'200'000), 1'000, 0, 0},
-};
-
 TEST(Slider, ThumbStandsWhereTheFileIs) {
-  for (const ThumbCase& c : kThumbs) {
-    SCOPED_TRACE(c.what);
-    const Rect thumb = ThumbOf(c.progress, {c.sliderWidth, 22, 96});
-    EXPECT_EQ(thumb.left, c.left);
-    EXPECT_EQ(thumb.right, c.right);
-    if (c.right > 0) {
-      EXPECT_EQ(thumb.top, 4);
-      EXPECT_EQ(thumb.bottom, 18);
-    }
+  const struct {
+    const char* what;
+    ProgressBlock progress;
+    int32_t sliderWidth;
+    Numbers edges;
+  } rows[] = {
+      {"a tenth of the file", Progress(1'000, 0, 3'200'000), 1'000, {0, 4, 100, 18}},
+      {"half way", Progress(1'000, 1'600'000, 3'200'000), 1'000, {450, 4, 550, 18}},
+      {"at the end", Progress(1'000, 3'200'000, 3'200'000), 1'000, {900, 4, 1'000, 18}},
+      {"beyond the end", Progress(1'000, 9'000'000, 3'200'000), 1'000, {900, 4, 1'000, 18}},
+      {"a huge file", Progress(1'000, 0, 1'000'000'000'000), 1'000, {0, 4, 20, 18}},
+      {"the largest file", Progress(1'000, kMaxSize, kMaxSize), 1'000, {980, 4, 1'000, 18}},
+      {"a file shorter than a span", Progress(1'000, 5'000, 10'000), 1'000, {0, 4, 1'000, 18}},
+      {"an empty file", Progress(1'000, 0, 0), 1'000, {0, 4, 1'000, 18}},
+      {"an empty file read beyond its end", Progress(1'000, 7, 0), 1'000, {0, 4, 1'000, 18}},
+      {"a slider as narrow as a thumb", Progress(1'000, 1'600'000, 3'200'000), 20, {0, 4, 20, 18}},
+      {"a slider narrower than a thumb", Progress(1'000, 1'600'000, 3'200'000), 7, {0, 4, 7, 18}},
+      {"a slider without width", Progress(1'000, 1'600'000, 3'200'000), 0, {0, 0, 0, 0}},
+      {"no file", Progress(0, 1'600'000, 3'200'000), 1'000, {0, 0, 0, 0}},
+      {"a sample count below 0", Progress(-5, 1'600'000, 3'200'000), 1'000, {0, 0, 0, 0}},
+  };
+  for (const auto& row : rows) {
+    EXPECT_EQ(EdgesOf(ThumbOf(row.progress, {row.sliderWidth, 22, 96})), row.edges) << row.what;
   }
+  EXPECT_EQ(EdgesOf(ThumbOf(Progress(1, 0, 1'000'000), {1'000, 33, 144})), (Numbers{0, 6, 30, 27}))
+      << "grows with the screen's resolution";
 }
-
-struct SeekCase {
-  const char* what;
-  int32_t x;
-  int32_t sliderWidth;
-  ProgressBlock progress;
-  uint64_t position;
-};
 
 // The thumb is 100 pixels wide on a track of 900, unless the row says something else.
-const SeekCase kSeeks[] = {
-    {"the thumb's middle at the left end", 50, 1'000, Progress(1'000, 0, 3'200'000), 0},
-    {"left of that", 10, 1'000, Progress(1'000, 0, 3'200'000), 0},
-    {"left of the slider", -2'000'000'000, 1'000, Progress(1'000, 0, 3'200'000), 0},
-    {"one pixel on", 51, 1'000, Progress(1'000, 0, 3'200'000), 3'555},
-    {"half of the track", 500, 1'000, Progress(1'000, 0, 3'200'000), 1'600'000},
-    {"the last place on the track", 896, 1'000, Progress(1'000, 0, 3'200'000), 3'008'000},
-    {"beyond it: half a span before the end", 897, 1'000, Progress(1'000, 0, 3'200'000), 3'040'000},
-    {"right of the slider", 2'000'000'000, 1'000, Progress(1'000, 0, 3'200'000), 3'040'000},
-    {"half a span is more than the file", 999, 1'000, Progress(1'000, 0, 10'000), 0},
-    {"an empty file", 500, 1'000, Progress(1'000, 0, 0), 0},
-    {"no track", 5, 20, Progress(1'000, 0, 3'200'000), 3'040'000},
-    {"no width", 5, 0, Progress(1'000, 0, 3'200'000), 3'040'000},
-    // The thumb has 20 pixels, the track 980: (500 - 10) / 980 of the file is half of it.
-    {"the largest file", 500, 1'000, Progress(1'000, 0, kMaxSize), kMaxSize / 2},
-    {"one byte less", 500, 1'000, Progress(1'000, 0, kMaxSize - 1), kMaxSize / 2},
-};
-
 TEST(Slider, CursorMeansAPosition) {
-  for (const SeekCase& c : kSeeks) {
-    SCOPED_TRACE(c.what);
-    const uint64_t position = SeekPosition(c.progress, c.x, {c.sliderWidth, 22, 96});
-    EXPECT_LE(position, c.progress.fileSize);
-    EXPECT_EQ(position, c.position);
+  const struct {
+    const char* what;
+    int32_t x;
+    int32_t sliderWidth;
+    uint64_t fileSize;
+    uint64_t position;
+  } rows[] = {
+      {"the thumb's middle at the left end", 50, 1'000, 3'200'000, 0},
+      {"left of that", 10, 1'000, 3'200'000, 0},
+      {"left of the slider", -2'000'000'000, 1'000, 3'200'000, 0},
+      {"one pixel on", 51, 1'000, 3'200'000, 3'555},
+      {"half of the track", 500, 1'000, 3'200'000, 1'600'000},
+      {"the last place on the track", 896, 1'000, 3'200'000, 3'008'000},
+      {"beyond it: half a span before the end", 897, 1'000, 3'200'000, 3'040'000},
+      {"right of the slider", 2'000'000'000, 1'000, 3'200'000, 3'040'000},
+      {"half a span is more than the file", 999, 1'000, 10'000, 0},
+      {"an empty file", 500, 1'000, 0, 0},
+      {"no track", 5, 20, 3'200'000, 3'040'000},
+      {"no width", 5, 0, 3'200'000, 3'040'000},
+      // The thumb has 20 pixels, the track 980: (500 - 10) / 980 of the file is half of it.
+      {"the largest file", 500, 1'000, kMaxSize, kMaxSize / 2},
+      {"one byte less", 500, 1'000, kMaxSize - 1, kMaxSize / 2},
+  };
+  for (const auto& row : rows) {
+    EXPECT_EQ(SeekPosition(Progress(1'000, 0, row.fileSize), row.x, {row.sliderWidth, 22, 96}), row.position)
+        << row.what;
   }
-}
-
-TEST(Slider, ThumbGrowsWithTheScreensResolution) {
-  const Rect thumb = ThumbOf(Progress(1, 0, 1'000'000), {1'000, 33, 144});
-  EXPECT_EQ(thumb.right, 30);
-  EXPECT_EQ(thumb.top, 6);
-  EXPECT_EQ(thumb.bottom, 27);
 }
 
 TEST(Slider, DraggingMovesTheFileAndShutsOutTheWorker) {

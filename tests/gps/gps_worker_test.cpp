@@ -10,7 +10,6 @@
 #include "app/posts.h"
 #include "base/shared_value.h"
 #include "platform/clock.h"
-#include "platform/host/faults.h"
 #include "platform/host/serial_peer.h"
 #include "platform/host/virtual_clock.h"
 #include "platform/serial_line.h"
@@ -30,67 +29,74 @@ void PostStatusText(AppState&, StatusPart part, const wchar_t* text) {
 
 namespace {
 
-constexpr wchar_t kName[] = L"\\\\.\\COM4";
-constexpr char kMode[] = "baud=4800 parity=N data=8 stop=1";
-constexpr int64_t kStart_ms = 1'700'000'000'000;
+constexpr wchar_t kLine[] = L"\\\\.\\COM4";
 
-// The virtual receiver behind a line in this process.
-struct Receiver {
-  explicit Receiver(const sim::GpsOptions& options) : gps(options), peer(gps) {}
-
-  sim::VirtualGps gps;
-  test::SimulatorPeer peer;
-};
-
-class GpsWorkerTest : public testing::Test {
+// A worker with the virtual receiver behind a line in this process, on the real clock.
+class GpsRace : public testing::Test {
  protected:
-  GpsWorkerTest() {
+  GpsRace() {
     globals = {};
     posts.clear();
     MakeLock(state_->gpsLock);
     state_->runNumber = 7;
   }
-  ~GpsWorkerTest() override {
+  ~GpsRace() override {
     DestroyLock(state_->gpsLock);
     DetachSerialLines();
-    ClearFaults();
   }
 
-  void Start(Receiver& receiver) {
-    AttachPeer(kName, &receiver.peer);
-    state_->gpsPort = OpenSerialLine(kName, kMode, 100);
+  void Start(const sim::GpsOptions& options = {}) {
+    gps_ = std::make_unique<sim::VirtualGps>(options);
+    peer_ = std::make_unique<test::SimulatorPeer>(*gps_);
+    AttachPeer(kLine, peer_.get());
+    state_->gpsPort = OpenSerialLine(kLine, "baud=4800 parity=N data=8 stop=1", 100);
     ASSERT_NE(state_->gpsPort, Handle::invalid);
+    StartWorker();
+  }
+  void StartWorker() {
     thread_ = StartThread(GpsWorker, state_.get());
     ASSERT_NE(thread_, Handle::null);
   }
-
   void WaitForEnd() {
     EXPECT_EQ(WaitForThread(thread_, 1000), ThreadWait::ended);
     CloseThread(thread_);
   }
-
   // What Stop does with the GPS port.
   void Stop() {
     StoreShared(state_->runNumber, state_->runNumber + 1);
     CloseSerialLine(ExchangeShared(state_->gpsPort, Handle::invalid));
+    WaitForEnd();
+    EXPECT_EQ(peer_->Closed(), 1);
+  }
+  // Else a next run without a receiver would record the old position as a valid one.
+  void ExpectNoQuality() const {
+    EXPECT_EQ(state_->gpsPort, Handle::invalid);
+    EXPECT_EQ(globals.gpsQuality, 0);
+    EXPECT_EQ(globals.fix.quality, 0);
   }
 
   std::unique_ptr<AppState> state_ = std::make_unique<AppState>();
+  std::unique_ptr<sim::VirtualGps> gps_;
+  std::unique_ptr<test::SimulatorPeer> peer_;
   Handle thread_ = Handle::null;
 };
 
+// The same on the virtual clock.
+class GpsWorkerTest : public GpsRace {
+ protected:
+  const VirtualClock clock_{1'700'000'000'000};  // 2023-11-14
+};
+
 TEST_F(GpsWorkerTest, KeepsTheFixAndWhatIsDerivedFromIt) {
-  const VirtualClock clock(kStart_ms);
-  Receiver receiver({.baud = 9'600,
-                     .latitude_deg = -35.1,
-                     .longitude_deg = 129.05,
-                     .startTime_s = 1'600'000'000,
-                     .faults = {.instrument = {.silentFrom_us = 9'500'000, .silentFor_us = 60'000'000}}});
-  Start(receiver);
+  Start({.baud = 9'600,
+         .latitude_deg = -35.1,
+         .longitude_deg = 129.05,
+         .startTime_s = 1'600'000'000,
+         .faults = {.instrument = {.silentFrom_us = 9'500'000, .silentFor_us = 60'000'000}}});
   SleepMilliseconds(10'900);
   {
     const Locked held(state_->gpsLock);
-    const sim::SentEpoch& epoch = receiver.gps.Epochs().Entries().back();
+    const sim::SentEpoch& epoch = gps_->Epochs().Entries().back();
     EXPECT_NEAR(globals.gpsLatitude_rad, epoch.latitude_deg * std::numbers::pi / 180, 1e-6);
     EXPECT_NEAR(globals.gpsLongitude_rad, epoch.longitude_deg * std::numbers::pi / 180, 1e-6);
     EXPECT_NEAR(globals.gpsLongitudeDdmm, 12903, 2);
@@ -99,18 +105,15 @@ TEST_F(GpsWorkerTest, KeepsTheFixAndWhatIsDerivedFromIt) {
     EXPECT_EQ(globals.gpsQuality, 2);
     EXPECT_EQ(globals.gpsFixType, 3);
     EXPECT_GT(globals.gpsPdop, 0.5f);
-    const auto& sent = receiver.gps.Counts();
+    const auto& sent = gps_->Counts();
     EXPECT_EQ(globals.gpsUpdates, sent.gga + sent.gsa + sent.gsv + sent.rmc + sent.vtg);
   }
   Stop();
-  WaitForEnd();
-  EXPECT_EQ(receiver.peer.Closed(), 1);
+  ExpectNoQuality();
 }
 
 TEST_F(GpsWorkerTest, BeforeTheFirstSentenceTheTimeIsTheSystems) {
-  const VirtualClock clock(kStart_ms);
-  Receiver receiver({.faults = {.instrument = {.dead = true}}});
-  Start(receiver);
+  Start({.faults = {.instrument = {.dead = true}}});
   SleepMilliseconds(500);
   EXPECT_EQ(globals.fix.utc.year, 123);
   EXPECT_EQ(globals.fix.utc.month, 10);
@@ -119,72 +122,34 @@ TEST_F(GpsWorkerTest, BeforeTheFirstSentenceTheTimeIsTheSystems) {
   EXPECT_EQ(globals.gpsQuality, 0);
   EXPECT_EQ(globals.gpsUpdates, 0u);
   Stop();
-  WaitForEnd();
 }
 
 TEST_F(GpsWorkerTest, APulledPlugClosesThePortOnceAndLeavesNoQuality) {
-  const VirtualClock clock(kStart_ms);
-  Receiver receiver({.faults = {.instrument = {.hangUpAt_us = 5'000'000}}});
-  Start(receiver);
+  Start({.faults = {.instrument = {.hangUpAt_us = 5'000'000}}});
   SleepMilliseconds(4'500);
   EXPECT_EQ(globals.gpsQuality, 2);
   SleepMilliseconds(1'000);
   WaitForEnd();
-  EXPECT_EQ(state_->gpsPort, Handle::invalid);
-  EXPECT_EQ(receiver.peer.Closed(), 1);
-  EXPECT_EQ(globals.gpsQuality, 0);
-  EXPECT_EQ(globals.fix.quality, 0);
+  ExpectNoQuality();
+  EXPECT_EQ(peer_->Closed(), 1);
   EXPECT_NE(globals.gpsLatitude_rad, 0.0f);
-  Stop();
-  EXPECT_EQ(receiver.peer.Closed(), 1);
-}
-
-TEST_F(GpsWorkerTest, AFailedReadEndsIt) {
-  const VirtualClock clock(kStart_ms);
-  InjectFault({.point = FaultPoint::readLine, .call = 20, .subject = L"COM4"});
-  Receiver receiver({});
-  Start(receiver);
-  SleepMilliseconds(5'000);
-  WaitForEnd();
-  EXPECT_EQ(state_->gpsPort, Handle::invalid);
-  EXPECT_EQ(receiver.peer.Closed(), 1);
-  EXPECT_EQ(CallCount(FaultPoint::readLine), 20u);
 }
 
 TEST_F(GpsWorkerTest, OnTheNullHandleItEndsAtOnce) {
-  const VirtualClock clock(kStart_ms);
   globals.gpsQuality = 3;
   ASSERT_EQ(state_->gpsPort, Handle::null);
-  thread_ = StartThread(GpsWorker, state_.get());
+  StartWorker();
   WaitForEnd();
-  EXPECT_EQ(state_->gpsPort, Handle::invalid);
-  EXPECT_EQ(globals.gpsQuality, 0);
-  EXPECT_EQ(globals.fix.quality, 0);
-  EXPECT_EQ(globals.fix.utc.year, 123);
-}
-
-// Else a next run without a receiver would record the old position as a valid one.
-TEST_F(GpsWorkerTest, AfterStopNoQualityIsLeft) {
-  const VirtualClock clock(kStart_ms);
-  Receiver receiver({});
-  Start(receiver);
-  SleepMilliseconds(3'000);
-  EXPECT_EQ(globals.fix.quality, 2);
-  Stop();
-  WaitForEnd();
-  EXPECT_EQ(globals.fix.quality, 0);
-  EXPECT_EQ(globals.gpsQuality, 0);
+  ExpectNoQuality();
 }
 
 TEST_F(GpsWorkerTest, OvertakenByAnotherStartItTouchesNothing) {
-  const VirtualClock clock(kStart_ms);
-  Receiver receiver({});
-  Start(receiver);
+  Start();
   const Handle first = state_->gpsPort;
   SleepMilliseconds(3'000);
   for (const Handle other : {first, Handle{0x1234}}) {
     if (other != first) {  // a second worker, for the case that the port's handle is another one
-      thread_ = StartThread(GpsWorker, state_.get());
+      StartWorker();
       SleepMilliseconds(3'000);
     }
     StoreShared(state_->gpsPort, other);
@@ -195,7 +160,7 @@ TEST_F(GpsWorkerTest, OvertakenByAnotherStartItTouchesNothing) {
     const uint32_t updates = globals.gpsUpdates;
     WaitForEnd();
     EXPECT_EQ(state_->gpsPort, other);
-    EXPECT_EQ(receiver.peer.Closed(), 0);
+    EXPECT_EQ(peer_->Closed(), 0);
     EXPECT_EQ(globals.fix.quality, 5);
     EXPECT_EQ(globals.fix.presence, 0u);
     EXPECT_EQ(globals.gpsQuality, 5);
@@ -204,18 +169,16 @@ TEST_F(GpsWorkerTest, OvertakenByAnotherStartItTouchesNothing) {
   CloseSerialLine(first);
 }
 
-TEST_F(GpsWorkerTest, TheTalkerFlagOutlivesAWorker) {
-  const VirtualClock clock(kStart_ms);
-  globals.gpsTalkerGn = 1;
-  Receiver receiver(
-      {.fixFrom_us = 100'000'000, .faults = {.instrument = {.silentFrom_us = 0, .silentFor_us = 9'000'000}}});
-  Start(receiver);
-  SleepMilliseconds(8'000);
-  EXPECT_EQ(globals.gpsTalkerGn, 1);
-  SleepMilliseconds(4'000);  // the first sentences of a GP receiver
-  EXPECT_EQ(globals.gpsTalkerGn, 0);
+TEST_F(GpsWorkerTest, TheTalkerFlagChangesOnlyWithASentenceThatIsApplied) {
+  globals.gpsTalkerGn = 1;  // of the last run
+  Start({.faults = {.instrument = {}, .badChecksumEvery = 1}});
+  SleepMilliseconds(3'000);
   Stop();
-  WaitForEnd();
+  EXPECT_EQ(globals.gpsTalkerGn, 1);
+  Start();
+  SleepMilliseconds(3'000);
+  Stop();
+  EXPECT_EQ(globals.gpsTalkerGn, 0);
 }
 
 TEST_F(GpsWorkerTest, PositionStatusTextsStayWholeForAWhile) {
@@ -234,18 +197,15 @@ TEST_F(GpsWorkerTest, PositionStatusTextsStayWholeForAWhile) {
   }
 }
 
-// On the real clock, for the race detector: a worker and those who read what it derives.
-TEST_F(GpsWorkerTest, ReadersUnderTheLockSeeWholeValues) {
-  Receiver receiver({.baud = 115'200, .epochsPerSecond = 10, .startTime_s = 1'600'000'000});
-  Start(receiver);
+// For the race detector: a worker and those who read what it derives.
+TEST_F(GpsRace, ReadersUnderTheLockSeeWholeValues) {
+  Start({.baud = 115'200, .epochsPerSecond = 10, .startTime_s = 1'600'000'000});
   for (int i = 0; i < 200; ++i) {
     FormatPositionStatus(*state_);
     static_cast<void>(LoadShared(globals.gpsUpdates));
     SleepMilliseconds(1);
   }
   Stop();
-  WaitForEnd();
-  EXPECT_EQ(receiver.peer.Closed(), 1);
 }
 
 }  // namespace

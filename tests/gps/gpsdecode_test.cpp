@@ -43,51 +43,53 @@ double Degrees(double ddmm) {
   return whole + (ddmm - whole * 100.0) / 60.0;
 }
 
-struct Row {
-  const char* what;
-  double latitude;
-  double longitude;
-  double elevation_m;
-  double speed_kmh;
-  double direction_deg;
-};
+// Four seconds of a fix, since the decoder has to learn where a cycle ends.
+std::string Sentences(GpsFix fix, bool gn) {
+  std::string sentences;
+  for (fix.utc.second = 0; fix.utc.second < 4; ++fix.utc.second) {
+    char text[256];
+    sentences.append(text, BuildGga(text, fix, gn));
+    sentences.append(text, BuildRmc(text, fix, gn));
+  }
+  return sentences;
+}
 
-constexpr Row kRows[] = {
-    {"north-east", 4807.0380, 1131.0000, 545.4, 41.5, 84.4},
-    {"north-west", 4042.7712, -7400.3561, 10.0, 0.5, 359.9},
-    {"south-east", -3352.1230, 15112.4567, -2.5, 18.52, 180.0},
-    {"south-west", -5447.9990, -6818.0001, 0.0, 0.0, 0.0},
-    {"degrees that are not padded", 507.5000, -3.2500, 1.0, 3.7, 5.5},
-    {"near the pole and the date line", 8959.9000, -17959.9000, 9999.9, 99.9, 270.0},
-};
+GpsFix FixAt(double latitude, double longitude) {
+  GpsFix fix{};
+  fix.utc = {125, 5, 17, 23, 59, 0, 25};
+  fix.latitude = latitude;
+  fix.longitude = longitude;
+  fix.geoidHeight_m = 46.9;
+  return fix;
+}
 
 class RecordedPosition : public testing::TestWithParam<bool> {};
 
 TEST_P(RecordedPosition, IsUnderstoodByAnIndependentDecoder) {
-  const bool gn = GetParam();
-  const double minuteDecimals = gn ? 1e-6 : 1e-4;
-  for (const Row& row : kRows) {
-    GpsFix fix{};
-    fix.utc = {125, 5, 17, 23, 59, 0, 25};
+  const struct {
+    const char* what;
+    double latitude, longitude;
+    double elevation_m, speed_kmh, direction_deg;
+  } rows[] = {
+      {"north-east", 4807.0380, 1131.0000, 545.4, 41.5, 84.4},
+      {"north-west", 4042.7712, -7400.3561, 10.0, 0.5, 359.9},
+      {"south-east", -3352.1230, 15112.4567, -2.5, 18.52, 180.0},
+      {"south-west", -5447.9990, -6818.0001, 0.0, 0.0, 0.0},
+      {"degrees that are not padded", 507.5000, -3.2500, 1.0, 3.7, 5.5},
+      {"near the pole and the date line", 8959.9000, -17959.9000, 9999.9, 99.9, 270.0},
+  };
+  const double half = (GetParam() ? 1e-6 : 1e-4) / 60.0;  // of the last decimal
+  for (const auto& row : rows) {
+    GpsFix fix = FixAt(row.latitude, row.longitude);
     fix.quality = 1;
     fix.hdop = 0.9;
     fix.satellitesInUse = 8;
-    fix.latitude = row.latitude;
-    fix.longitude = row.longitude;
     fix.elevation_m = row.elevation_m;
     fix.speed_kmh = row.speed_kmh;
     fix.direction_deg = row.direction_deg;
-    fix.geoidHeight_m = 46.9;
-    std::string sentences;
-    for (fix.utc.second = 0; fix.utc.second < 4; ++fix.utc.second) {  // it has to learn where a cycle ends
-      char text[256];
-      sentences.append(text, BuildGga(text, fix, gn));
-      sentences.append(text, BuildRmc(text, fix, gn));
-    }
-    const std::string reports = Decoded(sentences);
+    const std::string reports = Decoded(Sentences(fix, GetParam()));
     EXPECT_EQ(Value(reports, "mode"), "3") << row.what << reports;
     EXPECT_EQ(Value(reports, "time"), "\"2025-06-17T23:59:03.250Z\"") << row.what;
-    const double half = minuteDecimals / 60.0;
     EXPECT_NEAR(atof(Value(reports, "lat").c_str()), Degrees(row.latitude), half) << row.what;
     EXPECT_NEAR(atof(Value(reports, "lon").c_str()), Degrees(row.longitude), half) << row.what;
     EXPECT_NEAR(atof(Value(reports, "altMSL").c_str()), row.elevation_m, 0.001) << row.what;
@@ -100,17 +102,7 @@ TEST_P(RecordedPosition, IsUnderstoodByAnIndependentDecoder) {
 
 // A position that is not valid must not look like one.
 TEST_P(RecordedPosition, WithoutQualityIsNone) {
-  GpsFix fix{};
-  fix.utc = {125, 5, 17, 12, 0, 0, 0};
-  fix.latitude = 4807.038;
-  fix.longitude = 1131.0;
-  std::string sentences;
-  for (fix.utc.second = 0; fix.utc.second < 4; ++fix.utc.second) {
-    char text[256];
-    sentences.append(text, BuildGga(text, fix, GetParam()));
-    sentences.append(text, BuildRmc(text, fix, GetParam()));
-  }
-  EXPECT_EQ(Value(Decoded(sentences), "lat"), "");
+  EXPECT_EQ(Value(Decoded(Sentences(FixAt(4807.038, 1131.0), GetParam())), "lat"), "");
 }
 
 INSTANTIATE_TEST_SUITE_P(Talkers, RecordedPosition, testing::Values(false, true),

@@ -36,7 +36,7 @@ GpsFix Munich() {
 
 GpsFix BuenosAires() {
   GpsFix fix{};
-  fix.utc = {.year = 99, .month = 0, .day = 1, .hour = 0, .minute = 0, .second = 0, .hundredth = 0};
+  fix.utc = {.year = 99, .month = 0, .day = 1, .hour = 23, .minute = 59, .second = 59, .hundredth = 99};
   fix.quality = 4;
   fix.hdop = 12.3;
   fix.latitude = -3351.123456;
@@ -53,38 +53,38 @@ GpsFix BuenosAires() {
   return fix;
 }
 
-// The sentences were put together and their checksums counted by hand (a shell and another language).
+// Put together, and their checksums counted, by hand (a shell and another language).
 TEST(NmeaBuild, WholeSentences) {
-  EXPECT_EQ(Build(BuildGga, Munich(), false),
-            "$GPGGA,123519.07,4807.0380,N,1131.0000,E,1,08,0.9,545.400,M,46.900,M,0.0,0000*70\r\n");
-  EXPECT_EQ(Build(BuildRmc, Munich(), false),
-            "$GPRMC,123519.07,A,4807.0380,N,1131.0000,E,22.4,84.4,230394,3.1,W,A*1e\r\n");
-  GpsFix fix = BuenosAires();
-  EXPECT_EQ(Build(BuildGga, fix, true),
-            "$GNGGA,000000.00,3351.123456,S,5812.432100,W,4,17,12.3,-3.250,M,-10.125,M,1.5,0042*58\r\n");
-  fix.utc.hour = 23;
-  fix.utc.minute = fix.utc.second = 59;
-  fix.utc.hundredth = 99;
-  fix.quality = 0;
-  EXPECT_EQ(Build(BuildRmc, fix, true),
-            "$GNRMC,235959.99,V,3351.123456,S,5812.432100,W,10.0,359.9,010199,20.3,E,N*02\r\n");
+  GpsFix lost = BuenosAires();
+  lost.quality = 0;
+  const struct {
+    const char* what;
+    Builder builder;
+    GpsFix fix;
+    bool gn;
+    const char* text;
+  } rows[] = {
+      {"GPGGA", BuildGga, Munich(), false,
+       "$GPGGA,123519.07,4807.0380,N,1131.0000,E,1,08,0.9,545.400,M,46.900,M,0.0,0000*70\r\n"},
+      {"GPRMC", BuildRmc, Munich(), false,
+       "$GPRMC,123519.07,A,4807.0380,N,1131.0000,E,22.4,84.4,230394,3.1,W,A*1e\r\n"},
+      {"GNGGA", BuildGga, BuenosAires(), true,
+       "$GNGGA,235959.99,3351.123456,S,5812.432100,W,4,17,12.3,-3.250,M,-10.125,M,1.5,0042*59\r\n"},
+      {"GNRMC without quality", BuildRmc, lost, true,
+       "$GNRMC,235959.99,V,3351.123456,S,5812.432100,W,10.0,359.9,010199,20.3,E,N*02\r\n"},
+      {"an empty fix is south and west", BuildGga, GpsFix{}, false,
+       "$GPGGA,000000.00,00.0000,S,00.0000,W,0,00,0.0,0.000,M,0.000,M,0.0,0000*4c\r\n"},
+  };
+  for (const auto& row : rows) EXPECT_EQ(Build(row.builder, row.fix, row.gn), row.text) << row.what;
 }
 
-TEST(NmeaBuild, AnEmptyFixIsSouthAndWest) {
-  EXPECT_EQ(Build(BuildGga, GpsFix{}, false),
-            "$GPGGA,000000.00,00.0000,S,00.0000,W,0,00,0.0,0.000,M,0.000,M,0.0,0000*4c\r\n");
-}
-
-TEST(NmeaBuild, YearsOfBothCenturies) {
+TEST(NmeaBuild, YearsOfBothCenturiesAndModeLetters) {
   GpsFix fix = Munich();
-  for (const auto& [year, digits] : {std::pair{99, "230399"}, {100, "230300"}, {125, "230325"}}) {
+  for (const auto& [year, end] :
+       {std::pair{99, "230399,3.1,W,A"}, {100, "230300,3.1,W,A"}, {125, "230325,3.1,W,A"}}) {
     fix.utc.year = year;
-    EXPECT_NE(Build(BuildRmc, fix, false).find(digits), std::string::npos) << year;
+    EXPECT_NE(Build(BuildRmc, fix, false).find(end), std::string::npos) << year;
   }
-}
-
-TEST(NmeaBuild, ModeLetters) {
-  GpsFix fix = Munich();
   for (const auto& [code, letter] :
        {std::pair{0, 'A'}, {1, 'D'}, {2, 'E'}, {3, 'M'}, {4, 'N'}, {5, 'N'}, {-1, 'N'}}) {
     fix.modeCode = code;

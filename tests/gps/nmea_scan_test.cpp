@@ -2,44 +2,39 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 namespace tw {
 namespace {
 
 TEST(NmeaScan, CountsWhatItConverts) {
+  using Values = std::tuple<std::string_view, double, char, int32_t>;
   const struct {
     std::string_view text;
     int converted;
-    std::string_view first;
-    double second;
-    char third;
-    int32_t fourth;
+    Values values;  // "-", -1, '?' and -1 where nothing was converted
   } rows[] = {
-      {"$X,ab,1.5,N,7*", 4, "ab", 1.5, 'N', 7},
-      {"$X,,,,*", 4, "", 0, '\0', 0},                // empty fields count
-      {"$X,ab,1.5,N,7,8,9*", 4, "ab", 1.5, 'N', 7},  // surplus ones do not
-      {"$X,ab,1.5,N*", 3, "ab", 1.5, 'N', -1},       // the sentence ended
-      {"$X,ab,1.5,N,", 3, "ab", 1.5, 'N', -1},
-      {"$X,ab,1.5,N", 3, "ab", 1.5, 'N', -1},
-      {"$X,ab,x,N,7*", 1, "ab", -1, '?', -1},  // no number
-      {"$X,ab,1.5x,N,7*", 2, "ab", 1.5, '?', -1},
-      {"$X,ab,1.5,NE,7*", 3, "ab", 1.5, 'N', -1},
-      {"$X,ab,1e999,N,7*", 1, "ab", -1, '?', -1},
-      {"$X,ab,1.5,N,99999999999*", 3, "ab", 1.5, 'N', -1},
-      {"$X*", 0, "-", -1, '?', -1},
-      {"$Y,ab,1.5,N,7*", 0, "-", -1, '?', -1},
-      {"", 0, "-", -1, '?', -1},
+      {"$X,ab,1.5,N,7*", 4, {"ab", 1.5, 'N', 7}},
+      {"$X,,,,*", 4, {"", 0, '\0', 0}},                // empty fields count
+      {"$X,ab,1.5,N,7,8,9*", 4, {"ab", 1.5, 'N', 7}},  // surplus ones do not
+      {"$X,ab,1.5,N*", 3, {"ab", 1.5, 'N', -1}},       // the sentence ended
+      {"$X,ab,1.5,N,", 3, {"ab", 1.5, 'N', -1}},
+      {"$X,ab,1.5,N", 3, {"ab", 1.5, 'N', -1}},
+      {"$X,ab,x,N,7*", 1, {"ab", -1, '?', -1}},  // no number
+      {"$X,ab,1.5x,N,7*", 2, {"ab", 1.5, '?', -1}},
+      {"$X,ab,1.5,NE,7*", 3, {"ab", 1.5, 'N', -1}},
+      {"$X,ab,1e999,N,7*", 1, {"ab", -1, '?', -1}},
+      {"$X,ab,1.5,N,99999999999*", 3, {"ab", 1.5, 'N', -1}},
+      {"$X*", 0, {"-", -1, '?', -1}},
+      {"$Y,ab,1.5,N,7*", 0, {"-", -1, '?', -1}},
+      {"", 0, {"-", -1, '?', -1}},
   };
   for (const auto& row : rows) {
-    std::string_view first = "-";
-    double second = -1;
-    char third = '?';
-    int32_t fourth = -1;
-    const ScanTarget targets[] = {&first, &second, &third, &fourth};
+    Values values{"-", -1, '?', -1};
+    auto& [text, real, letter, whole] = values;
+    const ScanTarget targets[] = {&text, &real, &letter, &whole};
     EXPECT_EQ(ScanSentence(row.text, "$X,%s,%f,%C,%d*", targets), row.converted) << row.text;
-    EXPECT_EQ(first, row.first) << row.text;
-    EXPECT_EQ(second, row.second) << row.text;
-    EXPECT_EQ(third, row.third) << row.text;
-    EXPECT_EQ(fourth, row.fourth) << row.text;
+    EXPECT_EQ(values, row.values) << row.text;
   }
 }
 
@@ -47,18 +42,15 @@ TEST(NmeaScan, NumbersThatShareAField) {
   const struct {
     std::string_view text;
     int converted;
-    int32_t day, month, year;
-  } rows[] = {
-      {",230394,", 3, 23, 3, 94}, {",,", 3, 0, 0, 0},         {",*", 3, 0, 0, 0},   {",2303,", 2, 23, 3, -1},
-      {",23039x,", 3, 23, 3, 9},  {",2x0394,", 1, 2, -1, -1}, {",", 0, -1, -1, -1},
-  };
+    std::tuple<int32_t, int32_t, int32_t> date;
+  } rows[] = {{",230394,", 3, {23, 3, 94}}, {",,", 3, {0, 0, 0}},        {",*", 3, {0, 0, 0}},
+              {",2303,", 2, {23, 3, -1}},   {",23039x,", 3, {23, 3, 9}}, {",2x0394,", 1, {2, -1, -1}},
+              {",", 0, {-1, -1, -1}}};
   for (const auto& row : rows) {
-    int32_t day = -1, month = -1, year = -1;
-    const ScanTarget targets[] = {&day, &month, &year};
+    std::tuple<int32_t, int32_t, int32_t> date{-1, -1, -1};
+    const ScanTarget targets[] = {&std::get<0>(date), &std::get<1>(date), &std::get<2>(date)};
     EXPECT_EQ(ScanSentence(row.text, ",%2d%2d%2d", targets), row.converted) << row.text;
-    EXPECT_EQ(day, row.day) << row.text;
-    EXPECT_EQ(month, row.month) << row.text;
-    EXPECT_EQ(year, row.year) << row.text;
+    EXPECT_EQ(date, row.date) << row.text;
   }
 }
 

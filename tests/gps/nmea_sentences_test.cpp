@@ -1,16 +1,24 @@
+#include <array>
+
 #include "tests/gps/parser_fixture.h"
 
 namespace tw {
 namespace {
 
-class NmeaSentences : public ParserTest {};
+constexpr char kGga[] = "GPGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,";
+
+class NmeaSentences : public ParserTest {
+ protected:
+  // Years since 1900, months from 0, and the digits behind the seconds as they stand.
+  void ExpectTime(std::array<int32_t, 7> expected) const {
+    const auto& [year, month, day, hour, minute, second, hundredth] = fix_.utc;
+    EXPECT_EQ((std::array{year, month, day, hour, minute, second, hundredth}), expected);
+  }
+};
 
 TEST_F(NmeaSentences, GgaFillsPositionAndQuality) {
   EXPECT_EQ(Take("$GPGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,*47\r\n"), 1);
-  EXPECT_EQ(fix_.utc.hour, 12);
-  EXPECT_EQ(fix_.utc.minute, 35);
-  EXPECT_EQ(fix_.utc.second, 19);
-  EXPECT_EQ(fix_.utc.hundredth, 0);
+  ExpectTime({0, 0, 0, 12, 35, 19, 0});
   EXPECT_EQ(fix_.latitude, 4807.038);
   EXPECT_EQ(fix_.longitude, 1131.0);
   EXPECT_EQ(fix_.quality, 1);
@@ -25,11 +33,7 @@ TEST_F(NmeaSentences, GgaFillsPositionAndQuality) {
 
 TEST_F(NmeaSentences, RmcFillsSpeedAndDate) {
   EXPECT_EQ(Take("$GPRMC,225446.5,A,3351.1234,S,05812.4321,W,5.5,270.0,191194,020.3,E,D*02\r\n"), 1);
-  EXPECT_EQ(fix_.utc.year, 94);
-  EXPECT_EQ(fix_.utc.month, 10);
-  EXPECT_EQ(fix_.utc.day, 19);
-  EXPECT_EQ(fix_.utc.hour, 22);
-  EXPECT_EQ(fix_.utc.hundredth, 5);  // the digits as they stand
+  ExpectTime({94, 10, 19, 22, 54, 46, 5});
   EXPECT_EQ(fix_.latitude, -3351.1234);
   EXPECT_EQ(fix_.longitude, -5812.4321);
   EXPECT_NEAR(fix_.speed_kmh, 10.186, 1e-9);
@@ -49,10 +53,8 @@ TEST_F(NmeaSentences, DilutionSatellitesAndCourse) {
   EXPECT_EQ(fix_.hdop, 1.3);
   EXPECT_EQ(fix_.vdop, 2.1);
   EXPECT_EQ(fix_.satellitesInView, 8);
-  EXPECT_EQ(fix_.satellites[2].id, 12);
-  EXPECT_EQ(fix_.satellites[2].elevation_deg, 7);
-  EXPECT_EQ(fix_.satellites[2].azimuth_deg, 344);
-  EXPECT_EQ(fix_.satellites[2].signal_db, 39);
+  const auto& [id, elevation_deg, azimuth_deg, signal_db] = fix_.satellites[2];
+  EXPECT_EQ((std::array{id, elevation_deg, azimuth_deg, signal_db}), (std::array{12, 7, 344, 39}));
   EXPECT_EQ(fix_.direction_deg, 54.7);
   EXPECT_EQ(fix_.speed_kmh, 10.2);
 }
@@ -63,9 +65,7 @@ TEST_F(NmeaSentences, NewerReceiversSendMoreFieldsAndTheOtherTalker) {
                  "$GPGSA,A,3,23,29,07,08,09,18,26,28,,,,,1.94,1.18,1.54,1*10\r\n"
                  "$GPVTG,77.52,T,,M,0.004,N,0.008,K,A*06\r\n"),
             4);
-  EXPECT_EQ(fix_.utc.year, 102);
-  EXPECT_EQ(fix_.utc.month, 11);
-  EXPECT_EQ(fix_.utc.day, 9);
+  ExpectTime({102, 11, 9, 9, 27, 25, 0});
   EXPECT_EQ(fix_.modeCode, 0);
   EXPECT_EQ(fix_.latitude, 4717.11399);
   EXPECT_EQ(fix_.longitude, 833.9159);
@@ -103,70 +103,61 @@ TEST_F(NmeaSentences, AReceiverThatKnowsTheTimeOnly) {
   EXPECT_EQ(fix_.modeCode, 4);
 }
 
-TEST_F(NmeaSentences, YearsFrom90AreOfTheLastCentury) {
+TEST_F(NmeaSentences, DatesOfBothCenturiesAndNone) {
   const struct {
     const char* date;
-    int32_t year;
-  } rows[] = {{"010190", 90}, {"010199", 99}, {"010189", 189}, {"010100", 100}};
+    int32_t year, month, day;
+  } rows[] = {{"010190", 90, 0, 1},
+              {"311299", 99, 11, 31},
+              {"010189", 189, 0, 1},
+              {"010100", 100, 0, 1},
+              {"", 125, 6, 4}};  // what it was
   for (const auto& row : rows) {
-    EXPECT_EQ(Take(Sentence("GPRMC,000000,A,0,N,0,E,0,0," + std::string(row.date) + ",0,E")), 1) << row.date;
-    EXPECT_EQ(fix_.utc.year, row.year) << row.date;
+    SCOPED_TRACE(row.date);
+    fix_.utc = {.year = 125, .month = 6, .day = 4, .hour = 0, .minute = 0, .second = 0, .hundredth = 0};
+    EXPECT_EQ(Take(Sentence("GPRMC,112233,A,0,N,0,E,0,0," + std::string(row.date) + ",0,E")), 1);
+    ExpectTime({row.year, row.month, row.day, 11, 22, 33, 0});
   }
-}
-
-TEST_F(NmeaSentences, AnEmptyDateKeepsTheDate) {
-  fix_.utc = {.year = 125, .month = 6, .day = 4, .hour = 0, .minute = 0, .second = 0, .hundredth = 0};
-  EXPECT_EQ(Take(Sentence("GPRMC,112233,A,4807.038,N,01131.000,E,1,2,,,")), 1);
-  EXPECT_EQ(fix_.utc.year, 125);
-  EXPECT_EQ(fix_.utc.month, 6);
-  EXPECT_EQ(fix_.utc.day, 4);
-  EXPECT_EQ(fix_.utc.hour, 11);
 }
 
 TEST_F(NmeaSentences, ModeLetters) {
   const std::pair<const char*, int32_t> rows[] = {{"A", 0}, {"D", 1}, {"E", 2}, {"M", 3},
                                                   {"N", 4}, {"R", 4}, {"", 4}};
   for (const auto& [letter, code] : rows) {
-    EXPECT_EQ(Take(Sentence("GNRMC,000000,A,0,N,0,E,0,0,010120,0,E," + std::string(letter))), 1);
+    EXPECT_EQ(Take(Sentence("GNRMC,000000,A,9000,N,18000,W,0,0,010120,0,E," + std::string(letter))), 1);
     EXPECT_EQ(fix_.modeCode, code) << letter;
   }
 }
 
 TEST_F(NmeaSentences, TimeFields) {
-  const struct {
-    const char* field;
-    bool valid;
-    int32_t hundredth;
-    size_t errors;
-  } rows[] = {
-      {"123519", true, 0, 0},       {"123519.5", true, 5, 0},     {"123519.25", true, 25, 0},
-      {"123519.125", true, 125, 0}, {"1235", false, 0, 2},        {"12351", false, 0, 2},
-      {"1235190", false, 0, 2},     {"123519.1234", false, 0, 2}, {"", false, 0, 2},
-      {"1235x9", false, 0, 1},      {"123519:5", false, 0, 1},    {"123519.x", false, 0, 1},
-      {"240000", false, 0, 1},      {"236000", false, 0, 1},      {"235961", false, 0, 1},
-      {"235960", true, 0, 0},       {"-10000", false, 0, 1},      {"123519.-5", false, 0, 1},
-  };
-  for (const auto& row : rows) {
+  using Errors = std::vector<std::string>;
+  const auto take = [this](const char* time) {
     errors_.clear();
-    fix_ = {};
-    const std::string text =
-        Sentence("GPGGA," + std::string(row.field) + ",4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,");
-    EXPECT_EQ(Take(text), row.valid ? 1 : 0) << row.field;
-    EXPECT_EQ(fix_.utc.hundredth, row.hundredth) << row.field;
-    ASSERT_EQ(errors_.size(), row.errors) << row.field;
-    if (row.errors == 0) continue;
-    EXPECT_EQ(errors_.front(),
-              row.errors == 2 ? "Parse of time error (format error)!" : "GPGGA time parse error!");
-    EXPECT_EQ(errors_.back(), "GPGGA time parse error!");
+    fix_.utc.hundredth = -1;
+    return Take(Sentence(std::string(kGga).replace(6, 6, time)));
+  };
+  for (const auto& [time, hundredth] :
+       {std::pair{"123519", 0}, {"123519.5", 5}, {"123519.25", 25}, {"123519.125", 125}, {"235960", 0}}) {
+    EXPECT_EQ(take(time), 1) << time;
+    EXPECT_EQ(fix_.utc.hundredth, hundredth) << time;
+    EXPECT_EQ(errors_, Errors{}) << time;
+  }
+  for (const char* time : {"", "1235", "12351", "1235190", "123519.1234"}) {
+    EXPECT_EQ(take(time), 0) << time;
+    EXPECT_EQ(fix_.utc.hundredth, -1) << time;
+    EXPECT_EQ(errors_, (Errors{"Parse of time error (format error)!", "GPGGA time parse error!"})) << time;
+  }
+  for (const char* time :
+       {"1235x9", "123519:5", "123519.x", "240000", "236000", "235961", "-10000", "123519.-5"}) {
+    EXPECT_EQ(take(time), 0) << time;
+    EXPECT_EQ(fix_.utc.hundredth, -1) << time;
+    EXPECT_EQ(errors_, Errors{"GPGGA time parse error!"}) << time;
   }
 }
 
 // Each of these has a right checksum, changes nothing and says why.
 TEST_F(NmeaSentences, RefusedOnes) {
-  const struct {
-    const char* body;
-    const char* error;
-  } rows[] = {
+  const std::pair<const char*, const char*> rows[] = {
       {"GPGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,", "GPGGA parse error!"},  // 13 fields
       {"GNGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M", "GNGGA parse error!"},
       {"GPGGA,123519,9000.1,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,", "GPGGA parse error!"},
@@ -199,12 +190,12 @@ TEST_F(NmeaSentences, RefusedOnes) {
       {"GNGLL,4717.11364,N,00833.91565,E,092321.00,A,A", "GNGLL parse error!"},
       {"GPGGAX,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,", "GPGGA parse error!"},
   };
-  for (const auto& row : rows) {
+  for (const auto& [body, error] : rows) {
     errors_.clear();
-    EXPECT_EQ(Take(Sentence(row.body)), 0) << row.body;
-    ASSERT_FALSE(errors_.empty()) << row.body;
-    EXPECT_EQ(errors_.back(), row.error) << row.body;
-    EXPECT_EQ(fix_.presence, 0u) << row.body;
+    EXPECT_EQ(Take(Sentence(body)), 0) << body;
+    ASSERT_FALSE(errors_.empty()) << body;
+    EXPECT_EQ(errors_.back(), error) << body;
+    EXPECT_EQ(fix_.presence, 0u) << body;
   }
 }
 
@@ -218,10 +209,7 @@ TEST_F(NmeaSentences, OtherSentencesAreSkippedInSilence) {
 }
 
 TEST_F(NmeaSentences, OnlyGnrmcSetsTheTalkerFlag) {
-  const struct {
-    const char* body;
-    bool flag;
-  } rows[] = {
+  const std::pair<const char*, bool> rows[] = {
       {"GNGGA,000000,0,N,0,E,1,0,0,0,M,0,M,,", false},
       {"GNRMC,000000,A,0,N,0,E,0,0,010120,0,E", true},
       {"GNGLL,0,N,0,E,000000,A,A", true},  // never reaches the fix
@@ -230,9 +218,9 @@ TEST_F(NmeaSentences, OnlyGnrmcSetsTheTalkerFlag) {
       {"GNRMC,000000,A,0,N,0,E,0,0,010120,0,E", true},
       {"GPGSV,1,1,00", false},
   };
-  for (const auto& row : rows) {
-    Take(Sentence(row.body));
-    EXPECT_EQ(parser_.talkerGn, row.flag) << row.body;
+  for (const auto& [body, flag] : rows) {
+    Take(Sentence(body));
+    EXPECT_EQ(parser_.talkerGn, flag) << body;
   }
 }
 

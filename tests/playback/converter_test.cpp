@@ -1,9 +1,9 @@
+// What the golden files do not show of both conversions.
 #include "playback/converter.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <fstream>
 #include <limits>
 #include <string>
 #include <vector>
@@ -12,119 +12,13 @@
 #include "platform/file.h"
 #include "playback/segy_format.h"
 #include "playback/text_block.h"
+#include "tests/app/test_files.h"
+#include "tests/app/test_folder.h"
 
 namespace tw {
 namespace {
 
-struct Ping {
-  PingHeader header;
-  std::vector<uint16_t> samples;
-};
-
-std::string Golden(const char* name) {
-  std::ifstream file(std::string(TW_TEST_DATA "/") + name, std::ios::binary);
-  EXPECT_TRUE(file.is_open()) << name;
-  return {std::istreambuf_iterator<char>(file), {}};
-}
-
-// The frames of the golden recording, read without the program's own reader.
-std::vector<Ping> GoldenPings() {
-  const std::string bytes = Golden("three_pings.log");
-  const auto* at = reinterpret_cast<const uint8_t*>(bytes.data());
-  std::vector<Ping> pings;
-  for (const auto* end = at + bytes.size(); at < end;) {
-    Ping ping{LoadPingHeader(at), {}};
-    at += 88;
-    for (uint32_t i = 0; i < ping.header.sampleCount; ++i, at += 2) {
-      ping.samples.push_back(LoadLe<uint16_t>(at));
-    }
-    pings.push_back(std::move(ping));
-  }
-  return pings;
-}
-
-// What a converter makes of pings, written to a file and read back.
-class Conversion : public testing::Test {
- protected:
-  void SetUp() override {
-    path_ = std::wstring(L"converter_test_") +
-            std::to_wstring(::testing::UnitTest::GetInstance()->random_seed()) + L"_" +
-            std::to_wstring(reinterpret_cast<uintptr_t>(this)) + L".out";
-    file_ = CreateFileAnew(path_.c_str());
-    ASSERT_NE(file_, Handle::invalid);
-  }
-  void TearDown() override {
-    CloseFile(file_);
-    EXPECT_TRUE(RemoveFile(path_.c_str()));
-  }
-  std::string Written() {
-    uint64_t size = 0;
-    EXPECT_TRUE(SeekFile(file_, 0) && FileSize(file_, size));
-    std::string bytes(size, '\0');
-    uint32_t got = 0;
-    EXPECT_TRUE(ReadFileBytes(file_, bytes.data(), static_cast<uint32_t>(size), got));
-    EXPECT_EQ(got, size);
-    return bytes;
-  }
-  std::string Segy(const std::vector<Ping>& pings, const SegyOptions& options = {}) {
-    OutputFile output(file_);
-    BuildSegyTextHeader(textHeader_);
-    SegyConverter converter(output, textHeader_, 1500.9f, options);
-    for (const Ping& ping : pings) EXPECT_TRUE(converter.Append(ping.header, ping.samples));
-    EXPECT_TRUE(output.Flush());
-    return Written();
-  }
-
-  Handle file_ = Handle::invalid;
-
- private:
-  std::wstring path_;
-  uint8_t textHeader_[kSegyTextHeaderSize];
-};
-
-using SegyConversion = Conversion;
-using TextConversion = Conversion;
-
-int16_t Word(const std::string& bytes, size_t at) {
-  return LoadBe<int16_t>(reinterpret_cast<const uint8_t*>(bytes.data()) + at);
-}
-int32_t Long(const std::string& bytes, size_t at) {
-  return LoadBe<int32_t>(reinterpret_cast<const uint8_t*>(bytes.data()) + at);
-}
-
-constexpr size_t kFirstTrace = 3600;
-constexpr size_t TraceByte(size_t byte) {
-  return kFirstTrace + byte - 1;
-}
-
-TEST_F(SegyConversion, ThreePingsByteForByte) {
-  EXPECT_EQ(Segy(GoldenPings()), Golden("three_pings.sgy"));
-}
-
-TEST_F(TextConversion, ThreePingsByteForByte) {
-  OutputFile output(file_);
-  TextConverter converter(output);
-  for (const Ping& ping : GoldenPings()) EXPECT_TRUE(converter.Append(ping.header, ping.samples));
-  EXPECT_TRUE(output.Flush());
-  EXPECT_EQ(Written(), Golden("three_pings_txt.log"));
-}
-
-// The longest trace has six samples: all traces get them, and nothing but those fields and the numbers
-// change.
-TEST_F(SegyConversion, PaddedAndNumbered) {
-  const std::string bytes = Segy(GoldenPings(), {.paddedLength = 6, .numbered = true});
-  ASSERT_EQ(bytes.size(), 3600u + 3 * (240 + 12));
-  EXPECT_EQ(Word(bytes, 3503 - 1), 1) << "fixed-length flag";
-  for (size_t trace = 0; trace < 3; ++trace) {
-    const size_t at = trace * 252;
-    EXPECT_EQ(Word(bytes, at + TraceByte(115)), 6);
-    EXPECT_EQ(Long(bytes, at + TraceByte(189)), 1);
-    EXPECT_EQ(Long(bytes, at + TraceByte(193)), static_cast<int32_t>(trace) + 1);
-  }
-  EXPECT_EQ(bytes.substr(kFirstTrace + 252 + 240, 12), std::string("\0\x0A\0\xC8\x0B\xB8\0\0\0\0\0\0", 12));
-}
-
-TEST_F(SegyConversion, FieldsAtTheirBounds) {
+TEST(SegyTrace, FieldsAtTheirBounds) {
   constexpr float kInfinity = std::numeric_limits<float>::infinity();
   const struct {
     const char* what;
@@ -154,7 +48,7 @@ TEST_F(SegyConversion, FieldsAtTheirBounds) {
   }
 }
 
-TEST_F(SegyConversion, SoundSpeedsThatAreNone) {
+TEST(SegyTrace, SoundSpeedsThatAreNone) {
   const struct {
     float speed;
     int16_t field;
@@ -168,25 +62,51 @@ TEST_F(SegyConversion, SoundSpeedsThatAreNone) {
   }
 }
 
-TEST_F(SegyConversion, WithoutSamplingFrequencyNoTrace) {
-  std::vector<Ping> pings = GoldenPings();
-  pings[0].header.samplingFrequency_hz = 0;
-  const std::string bytes = Segy(pings);
-  ASSERT_EQ(bytes.size(), 3600u + 2 * 240 + 2 * (3 + 4));
-  EXPECT_EQ(Word(bytes, 3221 - 1), 3) << "the first trace is the second ping";
-  EXPECT_EQ(Long(bytes, TraceByte(5)), 1);
+struct Ping {
+  uint32_t sampling_hz;
+  size_t samples;
+};
+
+std::string SegyOf(const std::vector<Ping>& pings) {
+  const test::TestFolder folder;
+  const auto path = folder.Path() / "out.sgy";
+  const Handle file = CreateFileAnew(path.wstring().c_str());
+  OutputFile output(file);
+  uint8_t textHeader[kSegyTextHeaderSize];
+  BuildSegyTextHeader(textHeader);
+  SegyConverter converter(output, textHeader, 1500.9f, {});
+  for (const Ping& ping : pings) {
+    PingHeader header{};
+    header.samplingFrequency_hz = ping.sampling_hz;
+    EXPECT_TRUE(converter.Append(header, std::vector<uint16_t>(ping.samples, 7)));
+  }
+  EXPECT_TRUE(output.Flush());
+  CloseFile(file);
+  return test::ReadWhole(path);
+}
+
+// The big-endian number that begins at a byte of the file, or of a header there; the standard counts from 1.
+template <typename Number>
+Number At(const std::string& segy, size_t byte, size_t header = 0) {
+  return LoadBe<Number>(reinterpret_cast<const uint8_t*>(segy.data()) + header + byte - 1);
+}
+constexpr size_t kFirstTrace = 3600;
+
+TEST(SegyConversion, WithoutSamplingFrequencyNoTrace) {
+  const std::string segy = SegyOf({{0, 6}, {100'000, 3}, {30'000, 4}});
+  ASSERT_EQ(segy.size(), kFirstTrace + 2 * 240 + 2 * (3 + 4));
+  EXPECT_EQ(At<int16_t>(segy, 3221), 3) << "the first trace is the second ping";
+  EXPECT_EQ(At<int32_t>(segy, 5, kFirstTrace), 1);
 }
 
 // Readers take a trace's length from its header, so the samples end where the field does.
-TEST_F(SegyConversion, LongerThanTheLengthField) {
-  std::vector<Ping> pings = GoldenPings();
-  pings[0].samples.assign(50'000, 7);
-  const std::string bytes = Segy(pings);
-  EXPECT_EQ(bytes.size(), 3600u + 3 * 240 + 2 * (32'767 + 3 + 4));
-  EXPECT_EQ(Long(bytes, TraceByte(240 + 2 * 32'767 + 5)), 2);
+TEST(SegyConversion, LongerThanTheLengthField) {
+  const std::string segy = SegyOf({{100'000, 50'000}, {100'000, 3}});
+  EXPECT_EQ(segy.size(), kFirstTrace + 2 * 240 + 2 * (32'767 + 3));
+  EXPECT_EQ(At<int32_t>(segy, 5, kFirstTrace + 240 + 2 * 32'767), 2);
 }
 
-TEST_F(TextConversion, PositionLines) {
+TEST(TextBlock, PositionLines) {
   const struct {
     const char* what;
     float latitude_rad;
@@ -211,7 +131,7 @@ TEST_F(TextConversion, PositionLines) {
 }
 
 // The widest numbers and the longest ping leave room for the lines behind the samples.
-TEST_F(TextConversion, WidestBlockFits) {
+TEST(TextBlock, WidestBlockFits) {
   constexpr float kWidest = -std::numeric_limits<float>::max();
   PingHeader header{};
   header.samplingFrequency_hz = 100'000;

@@ -4,6 +4,8 @@
 
 #include <string>
 
+#include "tests/playback/info_text.h"
+
 namespace tw {
 namespace {
 
@@ -11,55 +13,38 @@ std::optional<Detected> Detect(std::string_view start) {
   return DetectRecording({reinterpret_cast<const uint8_t*>(start.data()), start.size()});
 }
 
-std::string Info(int kind, int mode) {
-  return "INFO:" + std::to_string(kind) + ",200000,10000,0.1,20,0.0,0,15,0.08,0,150,20,0,1490.5," +
-         std::to_string(mode) + "\r\n";
-}
-
 TEST(Detection, InfoLineDecides) {
   using enum StreamForm;
+  // A mode that the family does not have, as 5 and 10 of the first, is taken for its NMEA.
   const struct {
-    const char* what;
-    int kind;
+    int family;
     int mode;
     StreamForm form;
     int32_t toldMode;
-  } rows[] = {
-      {"first family, simple", 1, 1, simple, 1},
-      {"first family, text of 10 bits", 1, 2, firstText, 2},
-      {"first family, NMEA", 1, 3, firstNmea, 3},
-      {"first family, text of 12 bits", 1, 4, firstText, 4},
-      {"a mode that it does not have", 1, 5, firstNmea, 3},
-      {"first family, DESO", 1, 6, deso, 6},
-      {"first family, dual lines", 1, 7, dual, 7},
-      {"first family, DFX", 1, 8, dfx, 8},
-      {"first family, OLD", 1, 9, old, 9},
-      {"another that it does not have", 1, 10, firstNmea, 3},
-      {"binary", 1, 100, frames, 102},
-      {"binary, companded", 1, 101, frames, 102},
-      {"binary as an older program told it", 1, 102, frames, 102},
-      {"a mode out of the world", 1, -2147483647, firstNmea, 3},
-      {"second family, fixed samples", 2, 6, secondText, 6},
-      {"second family, PSA-916", 2, 7, psa916, 7},
-      {"second family, depth and temperature", 2, 8, altiTemp, 8},
-      {"second family, DFX", 2, 9, dfx, 9},
-      {"second family, OLD", 2, 10, old, 10},
-      {"second family, NMEA", 2, 3, secondNmea, 3},
-      {"third family, text", 0, 2, secondText, 2},
-      {"third family, binary", 0, 101, frames, 102},
-  };
+  } rows[] = {{1, 1, simple, 1},     {1, 2, firstText, 2},
+              {1, 3, firstNmea, 3},  {1, 4, firstText, 4},
+              {1, 6, deso, 6},       {1, 7, dual, 7},
+              {1, 8, dfx, 8},        {1, 9, old, 9},
+              {1, 100, frames, 102}, {1, 101, frames, 102},
+              {1, 102, frames, 102}, {1, 5, firstNmea, 3},
+              {1, 10, firstNmea, 3}, {1, -2147483647, firstNmea, 3},
+              {2, 3, secondNmea, 3}, {2, 6, secondText, 6},
+              {2, 7, psa916, 7},     {2, 8, altiTemp, 8},
+              {2, 9, dfx, 9},        {2, 10, old, 10},
+              {0, 2, secondText, 2}, {0, 101, frames, 102}};
   for (const auto& row : rows) {
+    SCOPED_TRACE(testing::Message() << "family " << row.family << ", mode " << row.mode);
     // What follows the line would tell something else.
-    const auto told = Detect(Info(row.kind, row.mode) + "Alt : 1.0\r\nTR57");
-    ASSERT_TRUE(told) << row.what;
-    EXPECT_EQ(told->form, row.form) << row.what;
-    EXPECT_EQ(told->family, row.kind) << row.what;
-    EXPECT_EQ(told->outputMode, row.toldMode) << row.what;
-    EXPECT_EQ(told->channels, 1) << row.what;
-    ASSERT_TRUE(told->info) << row.what;
-    EXPECT_FLOAT_EQ(told->info->soundSpeed_mps, 1490.5f) << row.what;
+    const auto told = Detect(test::InfoText(row.family, row.mode, "1490.5") + "Alt : 1.0\r\nTR57");
+    ASSERT_TRUE(told);
+    EXPECT_EQ(told->form, row.form);
+    EXPECT_EQ(told->family, row.family);
+    EXPECT_EQ(told->outputMode, row.toldMode);
+    EXPECT_EQ(told->channels, 1);
+    ASSERT_TRUE(told->info);
+    EXPECT_FLOAT_EQ(told->info->soundSpeed_mps, 1490.5f);
   }
-  EXPECT_EQ(Detect(Info(1, 6) + Info(1, 6))->channels, 2) << "two lines, two channels";
+  EXPECT_EQ(Detect(test::InfoText(1, 6) + test::InfoText(1, 6))->channels, 2) << "two lines, two channels";
 }
 
 TEST(Detection, MarksOfOlderRecordings) {
@@ -102,16 +87,15 @@ TEST(Detection, MarksOfOlderRecordings) {
 }
 
 TEST(Detection, NothingThatIsKnown) {
+  const std::string zeros(5'000, '\0');
   const std::string rows[] = {
       "",
       "x",
-      std::string(5'000, '\0'),
+      zeros,
       "Parameters and no mode",
       "xTIDEWRITEC",                     // not at the very start
       std::string(2'046, 'x') + "TR57",  // beyond the first bytes
-      std::string("TR5\0"
-                  "7",
-                  5),
+      "TR5" + zeros.substr(0, 1) + "7",
   };
   for (const std::string& start : rows) EXPECT_FALSE(Detect(start)) << start.substr(0, 20);
 }

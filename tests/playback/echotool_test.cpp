@@ -1,10 +1,9 @@
 // echotool's work on files, as a user would have it.
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <fstream>
-
+#include "tests/app/test_files.h"
 #include "tests/app/test_folder.h"
+#include "tests/playback/info_text.h"
 #include "tools/echotool/options.h"
 #include "tools/echotool/work.h"
 
@@ -12,11 +11,11 @@ namespace tw::echotool {
 namespace {
 
 namespace fs = std::filesystem;
+using test::InfoText;
+using test::ReadWhole;
+using test::WriteWhole;
 
-std::string Contents(const fs::path& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
+const fs::path kGolden = TW_TEST_DATA;
 
 class Work : public testing::Test {
  protected:
@@ -27,16 +26,15 @@ class Work : public testing::Test {
     return WorkOn(file.string(), options, interrupted_, outputs_);
   }
   fs::path Copy(const char* name) {
-    const fs::path to = folder_.Path() / name;
-    fs::copy_file(fs::path(TW_TEST_DATA) / name, to);
-    return to;
+    fs::copy_file(kGolden / name, folder_ / name);
+    return folder_ / name;
   }
   [[nodiscard]] size_t Files() const {
-    return static_cast<size_t>(
-        std::distance(fs::directory_iterator(folder_.Path()), fs::directory_iterator()));
+    return static_cast<size_t>(std::distance(fs::directory_iterator(folder_), fs::directory_iterator()));
   }
 
-  test::TestFolder folder_;
+  const test::TestFolder testFolder_;
+  const fs::path folder_ = testFolder_.Path();
   std::atomic<bool> interrupted_ = false;
   Outputs outputs_;
 };
@@ -44,27 +42,24 @@ class Work : public testing::Test {
 TEST_F(Work, OutputsStandBesideTheirInputsUnderTheProgramsNames) {
   const fs::path recording = Copy("three_pings.log");
   EXPECT_TRUE(Do(Task::segy, recording).done);
-  EXPECT_EQ(Contents(folder_.Path() / "three_pings.sgy"),
-            Contents(fs::path(TW_TEST_DATA) / "three_pings.sgy"));
+  EXPECT_EQ(ReadWhole(folder_ / "three_pings.sgy"), ReadWhole(kGolden / "three_pings.sgy"));
   EXPECT_TRUE(Do(Task::text, recording).done);
-  EXPECT_EQ(Contents(folder_.Path() / "three_pings_txt.log"),
-            Contents(fs::path(TW_TEST_DATA) / "three_pings_txt.log"));
+  EXPECT_EQ(ReadWhole(folder_ / "three_pings_txt.log"), ReadWhole(kGolden / "three_pings_txt.log"));
   EXPECT_TRUE(Do(Task::csv, recording).done);
-  EXPECT_EQ(Contents(folder_.Path() / "three_pings.csv"),
+  EXPECT_EQ(ReadWhole(folder_ / "three_pings.csv"),
             "time_utc,ping,latitude_deg,longitude_deg,altitude_m,temperature_c,pitch_deg,roll_deg\r\n"
             "2024-02-29T23:59:58Z,7,42.97183463,7.16197244,4.250,11.50,1.25,-0.50\r\n"
             "2024-12-31T00:00:00Z,8,-28.64788976,-71.61972439,0.000,-1.75,,\r\n"
             "2023-03-01T01:02:03Z,9,,,199.875,0.00,0.00,0.00\r\n");
   EXPECT_TRUE(Do(Task::kml, recording).done);
-  EXPECT_NE(Contents(folder_.Path() / "three_pings.kml")
+  EXPECT_NE(ReadWhole(folder_ / "three_pings.kml")
                 .find("<coordinates>\n7.16197244,42.97183463\n-71.61972439,-28.64788976\n</coordinates>"),
             std::string::npos);
   EXPECT_EQ(Files(), 5u) << "and nothing else";
 }
 
 TEST_F(Work, WhatARecordingDoesNotTellIsLeftOut) {
-  const fs::path recording = folder_.Path() / "lines.log";
-  const std::string info = "INFO:1,450000,30000,0.1,20,0.0,0,15,0.14,0,150,20,0,1500.0,1\r\n";
+  const fs::path recording = folder_ / "lines.log";
   const std::string inEurope = "$GPGGA,123519.00,4830.0000,N,01130.0000,E,1,08,0.9,545.4,M,46.9,M,,*67\r\n";
   const std::string nowhere = "$GPGGA,123519.00,9830.0000,N,01130.0000,E,1,08,0.9,545.4,M,46.9,M,,*6A\r\n";
   const struct {
@@ -80,19 +75,19 @@ TEST_F(Work, WhatARecordingDoesNotTellIsLeftOut) {
       {"a place beyond the pole", "Alt : 1.5\r\n" + nowhere, "", "</Style>\n</Document>\n</kml>\n"},
   };
   for (const auto& row : rows) {
-    std::ofstream(recording, std::ios::binary) << info + row.content;
-    EXPECT_TRUE(Do(Task::csv, recording, folder_.Path().string()).done);
-    EXPECT_TRUE(Contents(folder_.Path() / "lines.csv").ends_with(row.row)) << row.what;
+    WriteWhole(recording, InfoText(1, 1) + row.content);
+    EXPECT_TRUE(Do(Task::csv, recording, folder_.string()).done);
+    EXPECT_TRUE(ReadWhole(folder_ / "lines.csv").ends_with(row.row)) << row.what;
     EXPECT_TRUE(Do(Task::kml, recording).done);
-    EXPECT_NE(Contents(folder_.Path() / "lines.kml").find(row.placemark), std::string::npos) << row.what;
+    EXPECT_NE(ReadWhole(folder_ / "lines.kml").find(row.placemark), std::string::npos) << row.what;
     outputs_.clear();
   }
 }
 
 // The text of a binary recording holds the same pings.
 TEST_F(Work, TextTellsTheSameAsTheBinaryItWasMadeOf) {
-  const Result binary = Do(Task::info, fs::path(TW_TEST_DATA) / "three_pings.log");
-  const Result text = Do(Task::info, fs::path(TW_TEST_DATA) / "three_pings_txt.log");
+  const Result binary = Do(Task::info, kGolden / "three_pings.log");
+  const Result text = Do(Task::info, kGolden / "three_pings_txt.log");
   ASSERT_TRUE(binary.done && text.done);
   EXPECT_NE(binary.text.find("output mode   100 or 101 Echo Bin\n"), std::string::npos) << binary.text;
   EXPECT_NE(text.text.find("output mode   4 Echo Txt 12bit\n"), std::string::npos) << text.text;
@@ -105,11 +100,11 @@ TEST_F(Work, TextTellsTheSameAsTheBinaryItWasMadeOf) {
 TEST_F(Work, WhatCannotBeDoneLeavesNothing) {
   const fs::path recording = Copy("three_pings.log");
   const fs::path text = Copy("three_pings_txt.log");
-  const fs::path other = folder_.Path() / "other.log";
-  std::ofstream(other) << "no recording";
-  const fs::path named = folder_.Path() / "a.csv";
+  const fs::path other = folder_ / "other.log";
+  WriteWhole(other, "no recording");
+  const fs::path named = folder_ / "a.csv";
   fs::copy_file(recording, named);
-  const fs::path twin = folder_.Path() / "three_pings.bin";
+  const fs::path twin = folder_ / "three_pings.bin";
   fs::copy_file(recording, twin);
   ASSERT_TRUE(Do(Task::kml, recording).done);
   const size_t files = Files();
@@ -119,12 +114,12 @@ TEST_F(Work, WhatCannotBeDoneLeavesNothing) {
     std::string folder;
     const char* says;
   } rows[] = {
-      {Task::segy, folder_.Path() / "absent.log", "", "cannot be opened"},
+      {Task::segy, folder_ / "absent.log", "", "cannot be opened"},
       {Task::segy, other, "", "is no recording of a known kind"},
       {Task::text, text, "", "is text already"},
-      {Task::segy, recording, (folder_.Path() / "absent").string(), "cannot be made"},
-      {Task::csv, named, (folder_.Path() / ".").string(), "the output would replace it"},
-      {Task::kml, twin, (folder_.Path() / ".").string(), "has just been made of another recording"},
+      {Task::segy, recording, (folder_ / "absent").string(), "cannot be made"},
+      {Task::csv, named, (folder_ / ".").string(), "the output would replace it"},
+      {Task::kml, twin, (folder_ / ".").string(), "has just been made of another recording"},
   };
   for (const auto& row : rows) {
     const Result result = Do(row.task, row.file, row.folder);
@@ -132,15 +127,6 @@ TEST_F(Work, WhatCannotBeDoneLeavesNothing) {
     EXPECT_NE(result.text.find(row.says), std::string::npos) << result.text;
     EXPECT_EQ(Files(), files) << row.says;
   }
-}
-
-TEST_F(Work, AnInterruptionLeavesTheOlderOutput) {
-  const fs::path recording = Copy("three_pings.log");
-  std::ofstream(folder_.Path() / "three_pings.sgy") << "older";
-  interrupted_ = true;
-  EXPECT_FALSE(Do(Task::segy, recording).done);
-  EXPECT_EQ(Contents(folder_.Path() / "three_pings.sgy"), "older");
-  EXPECT_EQ(Files(), 2u);
 }
 
 TEST(Options, AreRead) {

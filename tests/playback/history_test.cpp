@@ -6,17 +6,16 @@
 namespace tw {
 namespace {
 
-PlayedPlace Place(int32_t i) {
-  PlayedPlace place{};
-  place.position = static_cast<uint64_t>(i) * 100;
-  place.recorded_ms = int64_t{i} * 1000;
-  return place;
-}
-
+// Place i stands at byte 100 i and second i.
 PlaybackHistory Filled(int32_t entries) {
   PlaybackHistory history;
   EXPECT_TRUE(history.Prepare());
-  for (int32_t i = 0; i < entries; ++i) history.Add(Place(i));
+  for (int32_t i = 0; i < entries; ++i) {
+    PlayedPlace place{};
+    place.position = static_cast<uint64_t>(i) * 100;
+    place.recorded_ms = int64_t{i} * 1000;
+    history.Add(place);
+  }
   return history;
 }
 

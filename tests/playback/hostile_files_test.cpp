@@ -5,38 +5,31 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
-#include <filesystem>
-#include <fstream>
 #include <random>
 
-#include "app/control_states.h"
-#include "app/playback_control.h"
-#include "app/run_control.h"
 #include "base/bytes.h"
-#include "base/shared_value.h"
-#include "platform/clock.h"
 #include "platform/file.h"
 #include "platform/host/faults.h"
 #include "playback/converter.h"
-#include "playback/ping_source.h"
 #include "simulator/sent_ping.h"
-#include "tests/app/run_control_fixture.h"
+#include "tests/app/playback_fixture.h"
+#include "tests/playback/info_text.h"
 #include "tests/playback/sample_recordings.h"
 #include "tools/echotool/work.h"
 
 namespace tw::test {
 namespace {
 
-namespace fs = std::filesystem;
 using echotool::Task;
 
-std::string Contents(const fs::path& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
+constexpr Task kOutputTasks[] = {Task::segy, Task::text, Task::csv, Task::kml};
+const SampleKind kFrames{"Frames", sim::DeviceFamily::first, 100};
+const SampleKind kFramesWithoutInfo{"FramesAlone", sim::DeviceFamily::first, 100, false};
 
-void Write(const fs::path& path, std::string_view bytes) {
-  std::ofstream(path, std::ios::binary).write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+// The same bytes with another value, little-endian, at a place.
+std::string Altered(std::string bytes, size_t at, uint32_t value) {
+  StoreLe(reinterpret_cast<uint8_t*>(bytes.data()) + at, value);
+  return bytes;
 }
 
 // What a reader makes of a file: of each ping what identifies it, and the pings' SEG-Y and text.
@@ -62,11 +55,12 @@ bool Begins(const Sequence& whole, const Sequence& part) {
   return part.size() <= whole.size() && std::equal(part.begin(), part.end(), whole.begin());
 }
 
-class HostileFiles : public RunControlTest {
+class HostileFiles : public Playback {
  protected:
-  Outcome Read(const fs::path& path) {
+  // What the reader and both converters make of the file, which holds these bytes, when they are given.
+  Outcome Read() {
     Outcome outcome;
-    const auto recording = OpenRecording(path.wstring().c_str(), outcome.fault);
+    const auto recording = OpenRecording(file_.c_str(), outcome.fault);
     EXPECT_EQ(recording != nullptr, outcome.fault == RecordingFault::none);
     if (recording == nullptr) return outcome;
     const Handle segyFile = CreateFileAnew((folder_ / "out.sgy").wstring().c_str());
@@ -89,68 +83,47 @@ class HostileFiles : public RunControlTest {
     EXPECT_TRUE(segyOutput.Flush() && textOutput.Flush());
     CloseFile(segyFile);
     CloseFile(textFile);
-    outcome.segy = Contents(folder_ / "out.sgy");
-    outcome.text = Contents(folder_ / "out.txt");
+    outcome.segy = ReadWhole(folder_ / "out.sgy");
+    outcome.text = ReadWhole(folder_ / "out.txt");
     return outcome;
+  }
+  Outcome Read(std::string_view bytes) {
+    WriteWhole(file_, bytes);
+    return Read();
   }
 
   // A cut recording gives the pings before the cut and nothing else.
   void ExpectFirstPings(const Outcome& whole, const Outcome& cut, size_t size) {
-    if (cut.fault == RecordingFault::none) {
-      EXPECT_TRUE(Begins(whole.pings, cut.pings)) << "cut at " << size;
-      EXPECT_EQ(whole.skipped, 0u) << "nothing of a sound recording is damage";
-      EXPECT_EQ(cut.skipped, size - std::min(size, whole.ends[cut.pings.size() - 1])) << "cut at " << size;
-      EXPECT_TRUE(Begins(whole.segy, cut.segy)) << "cut at " << size;
-      EXPECT_TRUE(Begins(whole.text, cut.text)) << "cut at " << size;
-    } else {
-      EXPECT_NE(cut.fault, RecordingFault::notOpened) << "cut at " << size;
-    }
+    SCOPED_TRACE("cut at " + std::to_string(size));
+    EXPECT_NE(cut.fault, RecordingFault::notOpened);
+    if (cut.fault != RecordingFault::none) return;
+    EXPECT_TRUE(Begins(whole.pings, cut.pings));
+    EXPECT_EQ(whole.skipped, 0u) << "nothing of a sound recording is damage";
+    EXPECT_EQ(cut.skipped, size - std::min(size, whole.ends[cut.pings.size() - 1]));
+    EXPECT_TRUE(Begins(whole.segy, cut.segy));
+    EXPECT_TRUE(Begins(whole.text, cut.text));
   }
 
   // Plays to the end, or says why not; idle afterwards either way. Returns whether it was played.
-  bool Plays(const fs::path& path) {
-    Ui().boxes.clear();
-    Ui().chosenFiles = {path.wstring()};
-    PlayFiles(*state_);
-    const bool played = Ui().boxes.empty();
-    if (played) {
-      WaitForEnd();
+  bool Plays() {
+    Play({file_});
+    const std::vector<Box> boxes = std::exchange(Ui().boxes, {});
+    if (boxes.empty()) {
+      PlayToTheEnd();
     } else {
-      EXPECT_TRUE(Ui().boxes[0].text == L"Invalid file format." ||
-                  Ui().boxes[0].text == L"This file Cannot be playback");
-      EXPECT_EQ(Ui().boxes.size(), 1u);
+      EXPECT_TRUE(boxes[0].text == L"Invalid file format." ||
+                  boxes[0].text == L"This file Cannot be playback");
+      EXPECT_EQ(boxes.size(), 1u);
     }
     StopRun(*state_);
     EXPECT_EQ(state_->inputFileA, Handle::invalid);
     EXPECT_EQ(state_->fileWorkerA, Handle::null);
     EXPECT_EQ(StateOfProgram(*state_), ProgramState::idle);
-    return played;
-  }
-  void WaitForEnd() {
-    for (int i = 0; i < 60'000 && state_->playbackAtEnd == 0; ++i) {
-      SleepMilliseconds(20);
-      HandleTimer(*state_, ID_TIMER_PLAYBACK_END);
-    }
-    EXPECT_EQ(state_->playbackAtEnd, 1);
-  }
-
-  // A conversion by the window's command; returns its last message.
-  std::wstring Converts(const fs::path& path, void (*command)(AppState&)) {
-    Ui().boxes.clear();
-    Ui().conversionEnds.clear();
-    Ui().chosenFiles = {path.wstring()};
-    command(*state_);
-    for (int i = 0; i < 60'000 && LoadShared(state_->conversionKind) != 0; ++i) SleepMilliseconds(10);
-    SleepMilliseconds(10);
-    for (const bool exhausted : Ui().conversionEnds) HandleConversionEnd(*state_, exhausted);
-    EXPECT_EQ(StateOfProgram(*state_), ProgramState::idle);
-    EXPECT_EQ(state_->segyCompanionA, Handle::invalid);
-    EXPECT_EQ(state_->inputFileA, Handle::invalid);
-    return Ui().boxes.empty() ? L"" : Ui().boxes.back().text;
+    return boxes.empty();
   }
 
   // echotool's work; an output is there exactly when it says so.
-  bool Works(Task task, const fs::path& path) {
+  bool Works(Task task) {
     const fs::path outputs = folder_ / "outputs";
     fs::remove_all(outputs);
     fs::create_directory(outputs);
@@ -158,24 +131,22 @@ class HostileFiles : public RunControlTest {
     options.task = task;
     if (task != Task::info) options.folder = outputs.string();
     echotool::Outputs made;
-    const echotool::Result result = echotool::WorkOn(path.string(), options, interrupted_, made);
+    const echotool::Result result = echotool::WorkOn(fs::path(file_).string(), options, interrupted_, made);
     const auto files = std::distance(fs::directory_iterator(outputs), fs::directory_iterator());
     EXPECT_EQ(files, result.done && task != Task::info ? 1 : 0) << result.text;
     return result.done;
   }
-  void ThroughAll(const fs::path& path) {
-    for (const Task task : {Task::info, Task::segy, Task::text, Task::csv, Task::kml})
-      static_cast<void>(Works(task, path));
-    static_cast<void>(Plays(path));
+  void ThroughAll() {
+    static_cast<void>(Works(Task::info));
+    for (const Task task : kOutputTasks) static_cast<void>(Works(task));
+    static_cast<void>(Plays());
     for (void (*const command)(AppState&) : {ConvertToSegy, ConvertToText}) {
-      const std::wstring said = Converts(path, command);
+      const std::wstring said = Convert(file_, command);
       EXPECT_TRUE(said == L"Convert completed" || said == L"Cannot convert this file(s)");
     }
   }
 
-  [[nodiscard]] fs::path File(const char* name = "hostile.log") const { return folder_ / name; }
-  [[nodiscard]] fs::path Records() const { return folder_ / "TIDEWRITERR57_DATA"; }
-
+  const std::wstring file_ = (folder_ / "hostile.log").wstring();
   std::atomic<bool> interrupted_ = false;
 };
 
@@ -185,61 +156,59 @@ INSTANTIATE_TEST_SUITE_P(Kinds, HostileKind, testing::ValuesIn(SampleKinds()),
                          [](const auto& kind) { return std::string(kind.param.name); });
 
 TEST_P(HostileKind, CutAtEveryLengthGivesThePingsBeforeTheCut) {
-  Write(File(), SampleRecording(GetParam(), 3));
-  const Outcome whole = Read(File());
+  const std::string bytes = SampleRecording(GetParam(), 3);
+  const Outcome whole = Read(bytes);
   ASSERT_GE(whole.pings.size(), 2u);
-  for (size_t size = fs::file_size(File()); size-- != 0;) {
-    fs::resize_file(File(), size);
-    const Outcome cut = Read(File());
-    ExpectFirstPings(whole, cut, size);
-    if (size % 97 == 0) ThroughAll(File());
+  for (size_t size = bytes.size(); size-- != 0;) {
+    fs::resize_file(file_, size);
+    ExpectFirstPings(whole, Read(), size);
+    if (size % 97 == 0) ThroughAll();
   }
 }
 
 TEST_P(HostileKind, DamageAnywhereLeavesTheOtherPings) {
   const std::string sound = SampleRecording(GetParam(), 6);
-  Write(File(), sound);
-  const size_t pings = Read(File()).pings.size();
+  const size_t pings = Read(sound).pings.size();
+  // Behind the first pings and what tells the kind, so that it is still known.
+  const size_t head = GetParam().hasInfo ? InfoText(1, GetParam().outputMode).size() : 0;
   std::mt19937 random(7);
   for (int i = 0; i < 60; ++i) {
     std::string damaged = sound;
-    // Behind the first pings and what tells the kind, so that it is still known.
-    const size_t head = GetParam().hasInfo ? SampleInfo(1, GetParam().outputMode).size() : 0;
     const size_t at = head + (sound.size() - head) / 3 + random() % ((sound.size() - head) / 2);
     for (size_t byte = at; byte < std::min(at + 1 + random() % 8, damaged.size()); ++byte)
       damaged[byte] = static_cast<char>(random());
-    Write(File(), damaged);
-    EXPECT_GE(Read(File()).pings.size() + 3, pings) << "damaged at " << at;
-    if (i % 20 == 0) ThroughAll(File());
+    EXPECT_GE(Read(damaged).pings.size() + 3, pings) << "damaged at " << at;
+    if (i % 20 == 0) ThroughAll();
   }
 }
 
 TEST_F(HostileFiles, LongRecordingsCutAtRandomLengths) {
+  const SampleKind kinds[] = {
+      kFrames,
+      {"Text", sim::DeviceFamily::first, 2},
+      {"Blocks", sim::DeviceFamily::first, 100, false, sim::BinaryForm::block},
+  };
   std::mt19937 random(11);
-  for (const char* const name : {"Frames", "FirstText", "Blocks"}) {
-    const auto kind = std::find_if(SampleKinds().begin(), SampleKinds().end(), [&](const SampleKind& each) {
-      return std::string_view(each.name) == name;
-    });
-    const std::string bytes = SampleRecording(*kind, 50);
-    Write(File(), bytes);
-    const Outcome whole = Read(File());
+  for (const SampleKind& kind : kinds) {
+    SCOPED_TRACE(kind.name);
+    const std::string bytes = SampleRecording(kind, 50);
+    const Outcome whole = Read(bytes);
     ASSERT_GE(whole.pings.size(), 49u);
     std::vector<size_t> sizes(1'000);
     for (size_t& size : sizes) size = random() % bytes.size();
     std::sort(sizes.rbegin(), sizes.rend());
     for (const size_t size : sizes) {
-      fs::resize_file(File(), size);
-      ExpectFirstPings(whole, Read(File()), size);
+      fs::resize_file(file_, size);
+      ExpectFirstPings(whole, Read(), size);
     }
   }
 }
 
 TEST_F(HostileFiles, TooShortToBeAnything) {
-  for (const size_t size : {size_t{0}, size_t{1}, size_t{2'047}}) {
+  for (const size_t size : {0, 1, 2'047}) {
     for (const char fill : {'\0', 'x', '#', '\xFF'}) {
-      Write(File(), std::string(size, fill));
-      EXPECT_EQ(Read(File()).fault, RecordingFault::unknown) << size;
-      ThroughAll(File());
+      EXPECT_EQ(Read(std::string(size, fill)).fault, RecordingFault::unknown) << size;
+      ThroughAll();
     }
   }
 }
@@ -252,24 +221,15 @@ TEST_F(HostileFiles, GarbageWithoutEndIsReadToItsEnd) {
     const uint64_t value = random();
     std::memcpy(garbage.data() + i, &value, sizeof value);
   }
-  const std::string starts[] = {"",
-                                "TIDEWRITEC",
-                                "TR57",
-                                SampleInfo(1, 1),
-                                SampleInfo(1, 2) + "#DeviceID",
-                                SampleInfo(1, 3),
-                                SampleInfo(1, 100),
-                                SampleInfo(2, 2)};
-  Write(File(), garbage);
-  for (const std::string& start : starts) {
-    std::fstream file(File(), std::ios::binary | std::ios::in | std::ios::out);
-    file.write(start.data(), static_cast<std::streamsize>(start.size()));
-    file.close();
-    const bool plays = Read(File()).fault == RecordingFault::none;
-    EXPECT_FALSE(plays) << start;
+  WriteWhole(file_, garbage);
+  for (const std::string& start :
+       {std::string(), std::string("TIDEWRITEC"), std::string("TR57"), InfoText(1, 1),
+        InfoText(1, 2) + "#DeviceID", InfoText(1, 3), InfoText(1, 100), InfoText(2, 2)}) {
+    std::fstream(fs::path(file_), std::ios::binary | std::ios::in | std::ios::out) << start;
+    EXPECT_NE(Read().fault, RecordingFault::none) << start;
   }
-  EXPECT_FALSE(Works(Task::csv, File()));
-  EXPECT_FALSE(Plays(File()));
+  EXPECT_FALSE(Works(Task::csv));
+  EXPECT_FALSE(Plays());
 }
 
 // Values at and behind the ends of what a field can hold, 32 bits each.
@@ -285,26 +245,24 @@ void ExpectFirstPingStands(const Outcome& outcome, const Outcome& sound) {
 TEST_F(HostileFiles, FrameFieldsAtTheirExtremes) {
   const struct {
     SampleKind kind;
+    const char* magic;
     size_t fields[2];  // of a frame's header, the bytes from and to
     size_t fieldStep;
-  } rows[] = {{{"Frames", sim::DeviceFamily::first, 100}, {4, 88}, 4},
-              {{"Blocks", sim::DeviceFamily::first, 100, false, sim::BinaryForm::block}, {10, 62}, 2}};
+  } rows[] = {
+      {kFrames, "TR57", {4, 88}, 4},
+      {{"Blocks", sim::DeviceFamily::first, 100, false, sim::BinaryForm::block}, "TIDEWRITEC", {10, 62}, 2},
+  };
   for (const auto& row : rows) {
     const std::string bytes = SampleRecording(row.kind, 3);
-    Write(File(), bytes);
-    const Outcome sound = Read(File());
+    const Outcome sound = Read(bytes);
     ASSERT_EQ(sound.pings.size(), 3u);
-    const std::string magic = row.kind.hasInfo ? "TR57" : "TIDEWRITEC";
-    const size_t second = bytes.find(magic, bytes.find(magic) + 1);
+    const size_t second = bytes.find(row.magic, bytes.find(row.magic) + 1);
     ASSERT_NE(second, std::string::npos);
     for (size_t field = row.fields[0]; field + 4 <= row.fields[1]; field += row.fieldStep) {
       for (const uint32_t value : kExtremes) {
-        std::string strange = bytes;
-        StoreLe(reinterpret_cast<uint8_t*>(strange.data()) + second + field, value);
-        Write(File(), strange);
         SCOPED_TRACE(std::to_string(field) + " = " + std::to_string(value));
-        ExpectFirstPingStands(Read(File()), sound);
-        if (value == 0 || value == 0xFFFFFFFF || value == 0x7FC00000) ThroughAll(File());
+        ExpectFirstPingStands(Read(Altered(bytes, second + field, value)), sound);
+        if (value == 0 || value == 0xFFFFFFFF || value == 0x7FC00000) ThroughAll();
       }
     }
   }
@@ -312,141 +270,109 @@ TEST_F(HostileFiles, FrameFieldsAtTheirExtremes) {
 
 // The first frame's own header decides the replication factor, the SEG-Y interval and the lengths.
 TEST_F(HostileFiles, FirstFrameWithoutSamplesFrequencyOrTime) {
-  const std::string bytes = SampleRecording({"", sim::DeviceFamily::first, 100, false}, 2);
+  const std::string bytes = SampleRecording(kFramesWithoutInfo, 2);
+  const std::string empty = Altered(bytes.substr(0, 88), 32, 0);
   const struct {
-    size_t field;
-    uint32_t value;
-    size_t pings;
-    size_t traces;
+    const char* what;
+    std::string bytes;
+    size_t segySize;
   } rows[] = {
-      {24, 0, 2, 1},           // sampling frequency 0: no trace of it
-      {16, 0xFFFFFFFF, 2, 2},  // the year 2106
-      {16, 0x80000000, 2, 2},  // 2038
-      {16, 0, 2, 2},           // 1970
+      {"sampling frequency 0: no trace of it", Altered(bytes, 24, 0), 3'600 + 240 + 200},
+      {"the year 2106", Altered(bytes, 16, 0xFFFFFFFF), 3'600 + 2 * (240 + 200)},
+      {"2038", Altered(bytes, 16, 0x80000000), 3'600 + 2 * (240 + 200)},
+      {"1970", Altered(bytes, 16, 0), 3'600 + 2 * (240 + 200)},
+      {"0 samples: the header alone is the frame", empty + empty, 3'600 + 2 * 240},
   };
   for (const auto& row : rows) {
-    std::string strange = bytes;
-    StoreLe(reinterpret_cast<uint8_t*>(strange.data()) + row.field, row.value);
-    Write(File(), strange);
-    const Outcome outcome = Read(File());
-    EXPECT_EQ(outcome.pings.size(), row.pings) << row.field;
-    EXPECT_EQ(outcome.segy.size(), 3'600 + row.traces * (240 + 200)) << row.field;
-    ThroughAll(File());
+    const Outcome outcome = Read(row.bytes);
+    EXPECT_EQ(outcome.pings.size(), 2u) << row.what;
+    EXPECT_EQ(outcome.segy.size(), row.segySize) << row.what;
+    ThroughAll();
   }
-  // 0 samples: the header alone is the frame.
-  std::string empty = bytes.substr(0, 88);
-  StoreLe(reinterpret_cast<uint8_t*>(empty.data()) + 32, uint32_t{0});
-  Write(File(), empty + empty);
-  const Outcome outcome = Read(File());
-  EXPECT_EQ(outcome.pings.size(), 2u);
-  EXPECT_EQ(outcome.segy.size(), 3'600u + 2 * 240);
-  ThroughAll(File());
 }
 
 TEST_F(HostileFiles, TextValuesAtTheirExtremes) {
-  const SampleKind kind{"", sim::DeviceFamily::first, 2};
-  const std::string bytes = SampleRecording(kind, 3);
-  Write(File(), bytes);
-  const Outcome sound = Read(File());
+  const std::string bytes = SampleRecording({"", sim::DeviceFamily::first, 2}, 3);
+  const Outcome sound = Read(bytes);
   const size_t second = bytes.find("#DeviceID", bytes.find("#DeviceID") + 1);
   ASSERT_NE(second, std::string::npos);
-  const char* const keys[] = {"#TimeWork ",
-                              "#Ping ",
-                              "#Altitude ",
-                              "#Temperature ",
-                              "#NSamples ",
-                              "#Pitch,deg ",
-                              "#Sampling_Frequency,Hz ",
-                              "#Tx_Frequency,Hz "};
-  const char* const values[] = {
-      "",    "0",    "-1",    "-2208988800",          "2147483648", "4294967295.999", "50001", "4294967296",
-      "nan", "-inf", "1e999", "99999999999999999999", "string",     "100000",         "1e-320"};
-  for (const char* const key : keys) {
+  for (const std::string key : {"#TimeWork ", "#Ping ", "#Altitude ", "#Temperature ", "#NSamples ",
+                                "#Pitch,deg ", "#Sampling_Frequency,Hz ", "#Tx_Frequency,Hz "}) {
     const size_t at = bytes.find(key, second);
     ASSERT_NE(at, std::string::npos) << key;
-    const size_t value = at + std::strlen(key);
-    const size_t end = bytes.find("\r\n", value);
-    for (const char* const text : values) {
-      Write(File(), bytes.substr(0, value) + text + bytes.substr(end));
-      SCOPED_TRACE(std::string(key) + text);
-      ExpectFirstPingStands(Read(File()), sound);
-      if (std::string_view(text) == "-1") ThroughAll(File());
+    const std::string before = bytes.substr(0, at + key.size());
+    const std::string behind = bytes.substr(bytes.find("\r\n", at));
+    for (const std::string value :
+         {"", "0", "-1", "-2208988800", "2147483648", "4294967295.999", "50001", "4294967296", "nan", "-inf",
+          "1e999", "99999999999999999999", "string", "100000", "1e-320"}) {
+      SCOPED_TRACE(key + value);
+      ExpectFirstPingStands(Read(before + value + behind), sound);
+      if (value == "-1") ThroughAll();
     }
   }
 }
 
 TEST_F(HostileFiles, WhatIsAppendedDuringAPlaybackIsPlayedToo) {
-  const SampleKind kind{"", sim::DeviceFamily::first, 100, false};
-  const std::string bytes = SampleRecording(kind, 60);
+  const std::string bytes = SampleRecording(kFramesWithoutInfo, 60);
   const size_t half = bytes.size() / 2 + 40;  // within a frame
-  Write(File(), bytes.substr(0, half));
-  Ui().chosenFiles = {File().wstring()};
-  PlayFiles(*state_);
+  WriteWhole(file_, bytes.substr(0, half));
+  Play({file_});
   ASSERT_TRUE(Ui().boxes.empty());
   SleepMilliseconds(200);
-  std::ofstream(File(), std::ios::binary | std::ios::app) << bytes.substr(half);
-  WaitForEnd();
+  std::ofstream(fs::path(file_), std::ios::binary | std::ios::app) << bytes.substr(half);
+  PlayToTheEnd();
   StopRun(*state_);
-  RecordingFault fault{};
-  uint32_t last = 0;
-  const auto recording = OpenRecording(File().wstring().c_str(), fault);
-  ASSERT_NE(recording, nullptr);
-  for (RecordedPing ping{}; recording->Next(ping);) last = ping.header.ping;
-  EXPECT_EQ(LoadShared(globals.pingCounter), last);
+  EXPECT_EQ(LoadShared(globals.pingCounter), ReadPings(file_).back().header.ping);
 }
 
 // The disk or the network share is gone. A playback ends there; a conversion ends too, but does not say that
 // it is complete; echotool leaves nothing.
 TEST_F(HostileFiles, FailingReadsAreNotTheEndOfTheFile) {
-  const SampleKind kind{"", sim::DeviceFamily::first, 100};
-  Write(File(), SampleRecording(kind, 1'000, 500));
+  WriteWhole(file_, SampleRecording(kFrames, 1'000, 500));
   const auto failFrom = [](uint64_t call) {
     ClearFaults();
     InjectFault({.point = FaultPoint::readFile, .call = call, .repeat = kEveryCall});
   };
   // So many reads the whole file takes, the one at its end included.
   ClearFaults();
-  ASSERT_TRUE(Works(Task::segy, File()));
+  ASSERT_TRUE(Works(Task::segy));
   const uint64_t reads = CallCount(FaultPoint::readFile);
   for (uint64_t call = 1; call <= reads; ++call) {
     failFrom(call);
-    EXPECT_FALSE(Works(Task::segy, File())) << call;
+    EXPECT_FALSE(Works(Task::segy)) << call;
     failFrom(call);
-    EXPECT_FALSE(Works(Task::info, File())) << call;
+    EXPECT_FALSE(Works(Task::info)) << call;
     failFrom(call);
-    EXPECT_NE(Converts(File(), ConvertToSegy), L"Convert completed") << call;
+    EXPECT_NE(Convert(file_, ConvertToSegy), L"Convert completed") << call;
     failFrom(call);
-    static_cast<void>(Plays(File()));
+    static_cast<void>(Plays());
   }
-  ClearFaults();
 }
 
 TEST_F(HostileFiles, NoPermissionToWrite) {
-  const SampleKind kind{"", sim::DeviceFamily::first, 100};
-  Write(File(), SampleRecording(kind, 3));
+  WriteWhole(file_, SampleRecording(kFrames, 3));
   InjectFault({.point = FaultPoint::createFile, .repeat = kEveryCall, .code = EACCES});
-  EXPECT_EQ(Converts(File(), ConvertToSegy), L"Unable to open file.");
-  EXPECT_EQ(Converts(File(), ConvertToText), L"Unable to open file.");
-  for (const Task task : {Task::segy, Task::text, Task::csv, Task::kml}) EXPECT_FALSE(Works(task, File()));
+  EXPECT_EQ(Convert(file_, ConvertToSegy), L"Unable to open file.");
+  EXPECT_EQ(Convert(file_, ConvertToText), L"Unable to open file.");
+  for (const Task task : kOutputTasks) EXPECT_FALSE(Works(task));
   ClearFaults();
   InjectFault({.point = FaultPoint::renameFile, .repeat = kEveryCall, .code = EACCES});
-  for (const Task task : {Task::segy, Task::text, Task::csv, Task::kml}) EXPECT_FALSE(Works(task, File()));
+  for (const Task task : kOutputTasks) EXPECT_FALSE(Works(task));
 }
 
 // The window leaves what went onto the disk and reads on; echotool leaves nothing.
 TEST_F(HostileFiles, FullDisk) {
-  const SampleKind kind{"", sim::DeviceFamily::first, 100};
-  Write(File(), SampleRecording(kind, 20));
-  ASSERT_EQ(Converts(File(), ConvertToSegy), L"Convert completed");
-  const std::string whole = Contents(Records() / "hostile.sgy");
+  WriteWhole(file_, SampleRecording(kFrames, 20));
+  ASSERT_EQ(Convert(file_, ConvertToSegy), L"Convert completed");
+  const std::string whole = Content("hostile.sgy");
   ASSERT_EQ(whole.size(), 3'600u + 20 * (240 + 200));
   for (const size_t room : {0, 1, 3'199, 3'200, 3'600, 3'700, 3'839, 3'840, 4'041, 4'800}) {
     LimitDiskSpace(room);
-    EXPECT_EQ(Converts(File(), ConvertToSegy), L"Convert completed");
-    EXPECT_EQ(Contents(Records() / "hostile.sgy"), whole.substr(0, room));
-    for (const Task task : {Task::segy, Task::text, Task::csv, Task::kml}) {
+    EXPECT_EQ(Convert(file_, ConvertToSegy), L"Convert completed");
+    EXPECT_EQ(Content("hostile.sgy"), whole.substr(0, room));
+    for (const Task task : kOutputTasks) {
       LimitDiskSpace(task == Task::csv || task == Task::kml ? std::min<size_t>(room, 50) : room);
-      EXPECT_FALSE(Works(task, File())) << room;
+      EXPECT_FALSE(Works(task)) << room;
     }
     ClearFaults();
   }

@@ -1,22 +1,18 @@
 // Recordings read from any place of theirs, and their times.
 #include <gtest/gtest.h>
 
-#include <fstream>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "playback/ping_source.h"
 #include "playback/time_search.h"
+#include "tests/app/test_files.h"
 #include "tests/app/test_folder.h"
+#include "tests/playback/info_text.h"
 
-namespace tw {
+namespace tw::test {
 namespace {
-
-std::string Info(int kind, int mode) {
-  return "INFO:" + std::to_string(kind) + ",450000,30000,0.1,20,0.0,0,15,0.14,0,150,20,0,1500.0," +
-         std::to_string(mode) + "\r\n";
-}
 
 constexpr char kSentences[] =
     "$GPGGA,123519.00,4807.0380,N,01131.0000,E,1,08,0.9,545.4,M,46.9,M,,*42\r\n"
@@ -31,15 +27,14 @@ struct Piece {
 struct Sample {
   const char* what;
   std::string start;
-  std::vector<Piece> pings;
-  const char* behind;  // each ping
+  std::vector<Piece> pings;  // with both sentences behind each
 };
 
 class Recordings : public testing::Test {
  protected:
   std::unique_ptr<PingSource> Open(const std::string& content) {
     const auto path = folder_.Path() / "recording.log";
-    std::ofstream(path, std::ios::binary) << content;
+    WriteWhole(path, content);
     RecordingFault fault{};
     auto recording = OpenRecording(path.wstring().c_str(), fault);
     EXPECT_NE(recording, nullptr);
@@ -47,7 +42,7 @@ class Recordings : public testing::Test {
   }
 
  private:
-  test::TestFolder folder_;
+  TestFolder folder_;
 };
 
 // The first numbers of these lines begin so that a line cut anywhere still looks like one.
@@ -58,47 +53,42 @@ TEST_F(Recordings, FromAnyPlaceTheNextWholePingComes) {
   };
   const Sample samples[] = {
       {"DFX",
-       Info(1, 8),
+       InfoText(1, 8),
        {{"1 11.11 1.11 1.0 11.0 1\r\n", 11.11f},
         {"1 12.5 1.11 1.0 11.0 1\r\n", 12.5f},
-        {"1 111.75 1.11 1.0 11.0 1\r\n", 111.75f}},
-       kSentences},
+        {"1 111.75 1.11 1.0 11.0 1\r\n", 111.75f}}},
       {"depth and temperature",
-       Info(2, 8),
-       {{"12.250,   11.40\r\n", 12.25f}, {"112.500,   11.40\r\n", 112.5f}, {"1.250,   11.40\r\n", 1.25f}},
-       kSentences},
-      {"OLD",
-       Info(1, 9),
-       {{"1 11.5 0 0 0 12.10 0 0\r\n", 11.5f}, {"1 1.25 0 0 0 2.10 0 0\r\n", 1.25f}},
-       kSentences},
-      {"simple", Info(1, 1), {{"Alt : 11.5\r\n", 11.5f}, {"Alt : 12.25\r\n", 12.25f}}, kSentences},
-      {"PSA-916", Info(2, 7), {{"R11.5\r\n", 11.5f}, {"R12.25\r\n", 12.25f}}, kSentences},
-      {"echo text", Info(1, 4), {{block("11.5"), 11.5f}, {block("12.25"), 12.25f}}, kSentences},
+       InfoText(2, 8),
+       {{"12.250,   11.40\r\n", 12.25f}, {"112.500,   11.40\r\n", 112.5f}, {"1.250,   11.40\r\n", 1.25f}}},
+      {"OLD", InfoText(1, 9), {{"1 11.5 0 0 0 12.10 0 0\r\n", 11.5f}, {"1 1.25 0 0 0 2.10 0 0\r\n", 1.25f}}},
+      {"simple", InfoText(1, 1), {{"Alt : 11.5\r\n", 11.5f}, {"Alt : 12.25\r\n", 12.25f}}},
+      {"PSA-916", InfoText(2, 7), {{"R11.5\r\n", 11.5f}, {"R12.25\r\n", 12.25f}}},
+      {"echo text", InfoText(1, 4), {{block("11.5"), 11.5f}, {block("12.25"), 12.25f}}},
   };
   for (const Sample& sample : samples) {
     std::string content = sample.start;
     std::vector<size_t> begins;
     for (const Piece& ping : sample.pings) {
       begins.push_back(content.size());
-      content += ping.text + sample.behind;
+      content += ping.text + kSentences;
     }
+    SCOPED_TRACE(sample.what);
     const auto recording = Open(content);
     for (size_t place = 0; place <= content.size(); ++place) {
       size_t expected = 0;
       while (expected < begins.size() && begins[expected] < place) ++expected;
-      ASSERT_TRUE(recording->Seek(place)) << sample.what;
+      ASSERT_TRUE(recording->Seek(place));
       RecordedPing ping{};
-      ASSERT_EQ(recording->Next(ping), expected < begins.size()) << sample.what << " from " << place;
+      ASSERT_EQ(recording->Next(ping), expected < begins.size()) << place;
       if (expected == begins.size()) continue;
-      EXPECT_EQ(ping.begin, begins[expected]) << sample.what << " from " << place;
-      EXPECT_EQ(ping.header.altitude_m, sample.pings[expected].altitude_m)
-          << sample.what << " from " << place;
+      EXPECT_EQ(ping.begin, begins[expected]) << place;
+      EXPECT_EQ(ping.header.altitude_m, sample.pings[expected].altitude_m) << place;
     }
   }
 }
 
 TEST_F(Recordings, AnInterruptionEndsNothing) {
-  std::string content = Info(1, 1) + "Alt : 1.5\r\n" + std::string(2'000'000, '.') + "Alt : 2.5\r\n";
+  std::string content = InfoText(1, 1) + "Alt : 1.5\r\n" + std::string(2'000'000, '.') + "Alt : 2.5\r\n";
   const auto recording = Open(content);
   RecordedPing ping{};
   ASSERT_TRUE(recording->Next(ping));
@@ -113,7 +103,7 @@ TEST_F(Recordings, AnInterruptionEndsNothing) {
 
 // Blocks of 10 to 300 samples, the i-th at 1,000 + 7 i seconds.
 std::string TimedBlocks(int count) {
-  std::string content = Info(1, 4);
+  std::string content = InfoText(1, 4);
   for (int i = 0; i < count; ++i) {
     const int samples = 10 + i * 37 % 290;
     content += "#DeviceID KT\r\n#TimeWork " + std::to_string(1'000 + 7 * i) + ".250\r\n#NSamples " +
@@ -160,7 +150,7 @@ TEST_F(Recordings, ATimeIsFoundWithFewReads) {
 }
 
 TEST_F(Recordings, WithoutTimesNoTimeIsFound) {
-  const auto recording = Open(Info(1, 1) + "Alt : 1.5\r\nAlt : 2.5\r\n");
+  const auto recording = Open(InfoText(1, 1) + "Alt : 1.5\r\nAlt : 2.5\r\n");
   EXPECT_FALSE(SeekToTime(*recording, 1'000));
 }
 
@@ -185,4 +175,4 @@ TEST_F(Recordings, AFrequencyLineIsNoDamage) {
 }
 
 }  // namespace
-}  // namespace tw
+}  // namespace tw::test

@@ -1,29 +1,10 @@
 #include "tests/playback/sample_recordings.h"
 
 #include "simulator/virtual_echosounder.h"
+#include "tests/playback/info_text.h"
+#include "tests/sent_account.h"
 
 namespace tw::test {
-namespace {
-
-// The offset behind the last of the first messages.
-class EndOfMessages final : public sim::PingObserver {
- public:
-  explicit EndOfMessages(size_t wanted) : wanted_(wanted) {}
-  void PingMade(const sim::SentPing&, std::span<const uint16_t>) override {}
-  void PingEnded(const sim::SentPing& ping) override {
-    if (ended_ < wanted_ && ping.whole && ++ended_ == wanted_) end_ = ping.offset + ping.size;
-  }
-  [[nodiscard]] bool Reached() const { return ended_ == wanted_; }
-  [[nodiscard]] uint64_t End() const { return end_; }
-
- private:
-  size_t wanted_;
-  size_t ended_ = 0;
-  uint64_t end_ = 0;
-};
-
-}  // namespace
-
 const std::vector<SampleKind>& SampleKinds() {
   using sim::BinaryForm;
   constexpr auto kFirst = sim::DeviceFamily::first;
@@ -53,13 +34,8 @@ const std::vector<SampleKind>& SampleKinds() {
   return kinds;
 }
 
-std::string SampleInfo(int32_t family, int32_t outputMode) {
-  return "INFO:" + std::to_string(family) + ",200000,10000,0.1,20,0.0,0,15,0.08,0,150,20,0,1500.0," +
-         std::to_string(outputMode) + "\r\n";
-}
-
 std::string SampleRecording(const SampleKind& kind, size_t messages, int32_t samples) {
-  EndOfMessages end(messages);
+  SentAccount account;
   sim::VirtualEchosounder sounder({.family = kind.family,
                                    .baud = 12'000'000,
                                    .delivery_us = 1'000,
@@ -70,18 +46,22 @@ std::string SampleRecording(const SampleKind& kind, size_t messages, int32_t sam
                                    .relief_m = 0.3,
                                    .binaryForm = kind.binaryForm,
                                    .streaming = true},
-                                  &end);
+                                  &account);
+  const auto isComplete = [&] {
+    return account.messages.size() >= messages && account.messages[messages - 1].sent.whole;
+  };
   std::string stream;
   constexpr int64_t kLongest_us = 600'000'000;
-  for (int64_t now_us = 0; !end.Reached() && now_us < kLongest_us; now_us += 1'000) {
+  for (int64_t now_us = 0; !isComplete() && now_us < kLongest_us; now_us += 1'000) {
     uint8_t bytes[4096];
     for (size_t size = sizeof bytes; size == sizeof bytes;) {
       size = sounder.Send(bytes, now_us);
       stream.append(reinterpret_cast<const char*>(bytes), size);
     }
   }
-  stream.resize(end.End());
-  return (kind.hasInfo ? SampleInfo(static_cast<int32_t>(kind.family), kind.outputMode) : "") + stream;
+  const sim::SentPing& last = account.messages[messages - 1].sent;
+  stream.resize(last.offset + last.size);
+  return (kind.hasInfo ? InfoText(static_cast<int32_t>(kind.family), kind.outputMode) : "") + stream;
 }
 
 }  // namespace tw::test

@@ -24,7 +24,4 @@ struct SampleKind {
 // So many messages of it; of modes with samples, 100 in each unless said otherwise.
 [[nodiscard]] std::string SampleRecording(const SampleKind& kind, size_t messages, int32_t samples = 100);
 
-// The settings line alone.
-[[nodiscard]] std::string SampleInfo(int32_t family, int32_t outputMode);
-
 }  // namespace tw::test

@@ -29,6 +29,7 @@ def check_headers(f):
     first = golden.PINGS[0]
     expect('interval', f.bin[segyio.BinField.Interval], 1000000 // first[2])
     expect('format', f.bin[segyio.BinField.Format], 3)
+    expect('fixed-length flag', f.bin[segyio.BinField.TraceFlag], 1)
 
 
 def check_trace(f, index, ping, length):

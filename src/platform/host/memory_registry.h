@@ -24,7 +24,6 @@ void ClearRegistry();
 // What a key holds under the name; false when there is no such value.
 [[nodiscard]] bool FindRegistryValue(const wchar_t* key, const wchar_t* name, RegistryValue& value);
 void PutRegistryValue(const wchar_t* key, const wchar_t* name, const RegistryValue& value);
-void RemoveRegistryValue(const wchar_t* key, const wchar_t* name);
 
 // "name" of each write since ClearRegistry(), in order.
 [[nodiscard]] std::vector<std::wstring> RegistryWrites();

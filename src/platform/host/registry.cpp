@@ -67,11 +67,6 @@ void PutRegistryValue(const wchar_t* key, const wchar_t* name, const RegistryVal
   Shared().values[{key, name}] = value;
 }
 
-void RemoveRegistryValue(const wchar_t* key, const wchar_t* name) {
-  const std::lock_guard held(Shared().mutex);
-  Shared().values.erase({key, name});
-}
-
 std::vector<std::wstring> RegistryWrites() {
   const std::lock_guard held(Shared().mutex);
   return Shared().writes;
