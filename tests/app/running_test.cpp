@@ -117,8 +117,7 @@ TEST_F(Playback, AFileOfTheLowFrequencyIsShownByItsOwnValues) {
   Record(options, 5);
   state_->settings.rangeLow_mm = 10'000;
   state_->settings.thresholdLow_percent = 77;
-  Choose(files_);
-  PlayFiles(*state_);
+  Play(files_);
   EXPECT_TRUE(Ui().controls[ID_LOW_FREQUENCY].checked);
   EXPECT_FALSE(Ui().controls[ID_HIGH_FREQUENCY].checked);
   EXPECT_EQ(DeviceRangeOf(state_->settings, PanelPlace::single), 30'000);
@@ -133,8 +132,7 @@ TEST_F(Playback, ThePairOfADualRunTicksDualMode) {
   options.dual = true;
   Record(options, 5);
   state_->settings.simultaneous = 0;  // as a device of one frequency has left it
-  Choose(files_);
-  PlayFiles(*state_);
+  Play(files_);
   EXPECT_TRUE(Ui().controls[ID_DUAL_MODE].checked);
   EXPECT_FALSE(Ui().controls[ID_HIGH_FREQUENCY].checked);
 }

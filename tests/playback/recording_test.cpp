@@ -165,7 +165,7 @@ TEST_F(Recordings, AFrequencyLineIsNoDamage) {
     uint64_t skipped;
   } rows[] = {{"whole", "", 0}, {"noise", "noise\r\n", 7 + 14}, {"two lines", "#F 450000 Hz\r\n", 14}};
   for (const auto& row : rows) {
-    const auto recording = Open(Info(2, 3) + ping + row.between + ping);
+    const auto recording = Open(InfoText(2, 3) + ping + row.between + ping);
     RecordedPing read{};
     int pings = 0;
     while (recording->Next(read)) ++pings;
