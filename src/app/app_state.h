@@ -63,8 +63,8 @@ struct AppState {
   Handle acquisitionThread;  // GUI thread
   Handle gpsThread;          // GUI thread
   Event recordingEvent;
-  DeviceSettings settings;  // GUI thread while no worker runs; workers read
-  DeviceSettings appliedSettings;
+  DeviceSettings settings;         // with choices that wait for Apply; GUI thread, workers read
+  DeviceSettings appliedSettings;  // as the device has them; GUI thread
   WindowPlacement windowPlacement;
   int32_t initialised;
   PingRing* ringA;
