@@ -4,6 +4,7 @@
 
 #include "app/control_ids.h"
 #include "app/run_control.h"
+#include "app/settings_text.h"
 #include "app/ui.h"
 #include "base/shared_value.h"
 

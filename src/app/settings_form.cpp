@@ -8,8 +8,8 @@
 #include <string_view>
 
 #include "acquisition/output_mode.h"
+#include "app/settings_text.h"
 #include "base/text_format.h"
-#include "base/text_scan.h"
 #include "display/zoom.h"
 
 namespace tw {
@@ -88,8 +88,6 @@ constexpr int32_t kDefaultMaxRange_mm = 200'000;
 constexpr int32_t kDefaultMaxLength = 1'000;
 constexpr int32_t kShortestInterval_ms = 10;
 constexpr int32_t kIntervals_ms[] = {0, 10, 20, 50, 100, 200, 250, 500, 1'000, 2'000, 5'000, 10'000};
-constexpr wchar_t kAuto[] = L"Auto";
-constexpr wchar_t kOff[] = L"Off";
 constexpr wchar_t kUnknown[] = L"unknown";  // this family tells nobody
 constexpr int32_t kPresets = 10;            // numbers 0 to 9
 
@@ -132,58 +130,6 @@ Limits LimitsOf(const Row& row, FieldChannel channel, const FormFacts& facts, co
                                                                                 : settings.rangeHigh_mm))};
     default:
       return {row.lowest, row.highest};
-  }
-}
-
-// At least `decimals` places, more only where they are needed.
-void FormatNumber(double value, int decimals, std::span<wchar_t> text) {
-  constexpr int kMostDecimals = 3;
-  char digits[64];
-  size_t size = FormatText(digits, "%.*f", kMostDecimals, value);
-  const size_t point = size - kMostDecimals - 1;
-  const size_t keep = decimals == 0 ? point : point + 1 + static_cast<size_t>(decimals);
-  while (size > keep && (digits[size - 1] == '0' || digits[size - 1] == '.')) --size;
-  WidenText(text, {digits, size});
-}
-
-// Digits with at most one point and a sign, nothing else.
-bool ReadNumber(std::wstring_view text, bool whole, double& value) {
-  char narrow[32];
-  if (text.empty() || text.size() >= std::size(narrow)) return false;
-  bool digit = false;
-  bool point = whole;
-  for (size_t i = 0; i < text.size(); ++i) {
-    const wchar_t c = text[i];
-    if (c >= L'0' && c <= L'9') {
-      digit = true;
-    } else if (c == L'.' && !point) {
-      point = true;
-    } else if (i != 0 || (c != L'-' && c != L'+')) {
-      return false;
-    }
-    narrow[i] = static_cast<char>(c);
-  }
-  std::string_view rest(narrow, text.size());
-  return digit && ScanDouble(rest, value) && rest.empty();
-}
-
-void FormatInterval(int32_t interval_ms, std::span<wchar_t> text) {
-  if (interval_ms == 0) {
-    CopyWide(text, kAuto);
-  } else {
-    FormatNumber(interval_ms / 1000.0, 2, text);
-  }
-}
-
-// A mode that the family's list has no name for shows as its number.
-void FormatMode(int32_t family, OutputMode mode, std::span<wchar_t> text) {
-  const std::wstring_view name = NameOfMode(family, mode);
-  if (mode == kPlayedBinary) {
-    CopyWide(text, L"Echo Bin");
-  } else if (name.empty()) {
-    FormatWide(text, "%" PRId32, mode);
-  } else {
-    CopyWide(text, name);
   }
 }
 
@@ -394,7 +340,7 @@ bool ReadField(SettingsField field, FieldChannel channel, const FormFacts& facts
   // A dead zone that stands may lie beyond a range that was entered before it.
   if (field != F::deadZone && std::wcscmp(text, standing) == 0) return true;
   if (row.unit == Unit::mode) return ModeOfName(facts.family, text, settings.outputMode);
-  if (row.unit == Unit::secondsOfMilliseconds && std::wcscmp(text, kAuto) == 0) {
+  if (row.unit == Unit::secondsOfMilliseconds && std::wcscmp(text, kAutomaticText) == 0) {
     settings.pingInterval_ms = 0;
     return true;
   }
@@ -407,16 +353,6 @@ bool ReadField(SettingsField field, FieldChannel channel, const FormFacts& facts
   }
   Store(row, channel, value, settings);
   return true;
-}
-
-void FormatPreset(int32_t preset, std::span<wchar_t> text) {
-  if (preset == kNoPreset) {
-    CopyWide(text, kOff);
-  } else if (preset == kAutomaticPreset) {
-    CopyWide(text, kAuto);
-  } else {
-    FormatWide(text, "%" PRId32, preset);
-  }
 }
 
 void ListPresets(const DeviceSettings& settings, FieldItems& items) {
@@ -432,19 +368,6 @@ void ListPresets(const DeviceSettings& settings, FieldItems& items) {
   const bool known =
       settings.preset == kNoPreset || (settings.preset >= 0 && settings.preset <= kAutomaticPreset);
   if (!known) add(settings.preset);
-}
-
-bool ReadPreset(const wchar_t* text, int32_t& preset) {
-  if (std::wcscmp(text, kOff) == 0) {
-    preset = kNoPreset;
-  } else if (std::wcscmp(text, kAuto) == 0) {
-    preset = kAutomaticPreset;
-  } else {
-    double value = 0;
-    if (!ReadNumber(text, true, value) || std::fabs(value) > 1e6) return false;
-    preset = static_cast<int32_t>(value);
-  }
-  return true;
 }
 
 }  // namespace tw

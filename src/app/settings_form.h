@@ -97,9 +97,7 @@ void ListItems(SettingsField field, FieldChannel channel, const FormFacts& facts
 [[nodiscard]] bool ReadField(SettingsField field, FieldChannel channel, const FormFacts& facts,
                              const wchar_t* text, DeviceSettings& settings, std::span<wchar_t> error);
 
-// The presets of the main window's selector: "Off", "Auto" and numbers.
+// The presets of the main window's selector: off, automatic and the numbers 0 to 9.
 void ListPresets(const DeviceSettings& settings, FieldItems& items);
-void FormatPreset(int32_t preset, std::span<wchar_t> text);
-[[nodiscard]] bool ReadPreset(const wchar_t* text, int32_t& preset);
 
 }  // namespace tw

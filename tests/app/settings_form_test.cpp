@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "app/settings_text.h"
+
 namespace tw {
 namespace {
 
