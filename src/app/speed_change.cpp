@@ -53,6 +53,7 @@ void ChangeSpeed(AppState& state, int32_t speed_bps) {
   WaitPointer pointer;
   StopTimer(state, ID_TIMER_CHANGES);
   if (!InterruptRun(state, pointer)) return;
+  ClearLiveTexts(state);  // the first ping at a slow speed may take long
   if (AwaitsReplies()) {
     static_cast<void>(SkipReply(state.devicePort));
     SleepMilliseconds(kPause_ms);

@@ -109,6 +109,15 @@ TEST_F(Running, StartTakesBackWhatAFileToldInTheStatusBar) {
   EXPECT_EQ(Ui().posts[3].back(), L"");
 }
 
+TEST_F(Running, ASpeedChangeTakesBackTheSizeOfTheFileThatIsClosed) {
+  ConnectSounder(QuickSounder());
+  StartRun(*state_);
+  Run(3);
+  EXPECT_NE(Ui().posts[3].back(), L"");
+  ChangeSpeed(*state_, 4'800);
+  EXPECT_EQ(Ui().posts[3].back(), L"");
+}
+
 // Wheel and threshold line go by the file, not by what the program had for the low frequency before.
 TEST_F(Playback, AFileOfTheLowFrequencyIsShownByItsOwnValues) {
   sim::SounderOptions options = QuickSounder();
