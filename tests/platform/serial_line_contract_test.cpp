@@ -98,12 +98,6 @@ TEST_F(SerialLineContract, OpeningThrowsAwayWhatWaited) {
   EXPECT_EQ(ReadBack(5), "fresh");
 }
 
-TEST_F(SerialLineContract, ALineIsForOneProgramAtATime) {
-  if (!EchoLine::IsExclusive()) GTEST_SKIP() << "this system shares its lines";
-  EXPECT_EQ(OpenSerialLine(echo_.Name().c_str(), kMode, kConstant_ms), Handle::invalid);
-  EXPECT_NE(LastSystemError(), 0u);
-}
-
 TEST_F(SerialLineContract, AModeStringThatMakesNoSenseStillOpens) {
   CloseSerialLine(line_);
   line_ = Open("baud=999999999999 rubbish");

@@ -4,6 +4,7 @@
 #include "platform/host/faults.h"
 #include "platform/host/serial_peer.h"
 #include "platform/serial_line.h"
+#include "platform/system_error.h"
 #include "platform/thread.h"
 #include "tests/platform/echo_terminal.h"
 
@@ -40,6 +41,12 @@ class TerminalLineTest : public testing::Test {
   EchoTerminal terminal_;
   Handle line_ = Handle::invalid;
 };
+
+// Not in the contract: Wine shares its lines.
+TEST_F(TerminalLineTest, ALineIsForOneProgramAtATime) {
+  EXPECT_EQ(OpenSerialLine(kName, "", kLong_ms), Handle::invalid);
+  EXPECT_NE(LastSystemError(), 0u);
+}
 
 TEST_F(TerminalLineTest, AHangUpMakesReadAndWriteFail) {
   terminal_.HangUp();

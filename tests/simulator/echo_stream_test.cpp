@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cmath>
+#include <cstdio>
 
 #include "tests/simulator/recorded_stream.h"
 
@@ -22,25 +22,18 @@ TEST(EchoStream, ObserverAndLogSayWhatIsInTheStream) {
     EXPECT_EQ(log[i].hash, ping.hash);
     EXPECT_EQ(ping.number, i + 1);
     EXPECT_EQ(ping.sampleCount, 1'000u) << "30 m, 25,000 Hz, 1,500 m/s";
-    unsigned count = 0, number = 0;
-    float altitude = 0, temperature = 0, pitch = 0, roll = 0;
-    int begin = 0;
-    const std::string block = stream.substr(log[i].offset, log[i].size);
-    std::sscanf(
-        block.c_str(),
-        "#DeviceID VIRTUAL-0001 #TimeWork %*d.%*d #NSamples %u #OutputMode 2 #Sampling_Frequency,Hz 25000 "
-        "#Altitude %f #Temperature %f #Pitch,deg %f #Roll,deg %f #Ping %u #Tx_Frequency,Hz 450000 "
-        "##DataStart %n",
-        &count, &altitude, &temperature, &pitch, &roll, &number, &begin);
-    EXPECT_EQ(number, ping.number);
-    EXPECT_EQ(count, ping.sampleCount);
-    EXPECT_EQ(altitude, ping.altitude_m);
-    EXPECT_EQ(temperature, ping.temperature_c);
-    EXPECT_EQ(pitch, ping.pitch_deg);
-    EXPECT_EQ(roll, ping.roll_deg);
+    char header[400];
+    std::snprintf(header, sizeof header,
+                  "#DeviceID VIRTUAL-0001\r\n#TimeWork %u.%u\r\n#NSamples 1000\r\n#OutputMode 2\r\n"
+                  "#Sampling_Frequency,Hz 25000\r\n#Altitude %.3f\r\n#Temperature %.2f\r\n"
+                  "#Pitch,deg %.2f\r\n#Roll,deg %.2f\r\n#Ping %zu\r\n#Tx_Frequency,Hz 450000\r\n"
+                  "##DataStart\r\n",
+                  ping.deviceTime_s, ping.deviceTime_ms, static_cast<double>(ping.altitude_m),
+                  static_cast<double>(ping.temperature_c), static_cast<double>(ping.pitch_deg),
+                  static_cast<double>(ping.roll_deg), i + 1);
     std::string samples;
     for (const uint16_t sample : account.messages[i].samples) samples += std::to_string(sample) + "\r\n";
-    EXPECT_EQ(block.substr(static_cast<size_t>(begin)), samples + "\r\n\r\n");
+    EXPECT_EQ(stream.substr(log[i].offset, log[i].size), header + samples + "\r\n\r\n");
   }
 }
 

@@ -54,21 +54,6 @@ std::string Hex(const StreamMessage& message) {
 
 TEST(StreamForms, TextByHand) {
   using enum DeviceFamily;
-  const std::string firstText =
-      "#DeviceID AB-12\r\n"
-      "#TimeWork 1700000000.250\r\n"
-      "#NSamples 4\r\n"
-      "#OutputMode 4\r\n"
-      "#Sampling_Frequency,Hz 25000\r\n"
-      "#Altitude 12.345\r\n"
-      "#Temperature 14.20\r\n"
-      "#Pitch,deg 1.25\r\n"
-      "#Roll,deg -0.50\r\n"
-      "#Ping 17\r\n"
-      "#Tx_Frequency,Hz 450000\r\n"
-      "##DataStart\r\n"
-      "0\r\n66\r\n4095\r\n1000\r\n"
-      "\r\n\r\n";
   const std::string secondText =
       "#DeviceID AB-12\r\n"
       "#TimeWork 1700000000.250\r\n"
@@ -103,7 +88,6 @@ TEST(StreamForms, TextByHand) {
        "$SDXDR,A,1.25,D,PTCH,A,-0.50,D,ROLL*65\r\n"
        "$SDMTW,14.20,*70\r\n"
        "$SDXDR,A,1.17,P,EMA*18\r\n"},
-      {first, 4, firstText},
       {first, 5, "no such mode"},
       {first, 6, "DA12.345 m*\r\n"},
       {first, 7, "Dual : 17, 12.345, 12.601, 14.20\r\n"},
