@@ -10,7 +10,6 @@
 #include "platform/memory.h"
 #include "platform/sync.h"
 #include "platform/system_error.h"
-#include "platform/thread.h"
 #include "tests/platform/virtual_line.h"
 
 namespace tw {
@@ -65,18 +64,13 @@ TEST(SystemFaults, WhatTheSystemRefusesToGive) {
   Event event{};
   InjectFault({.point = FaultPoint::makeEvent});
   InjectFault({.point = FaultPoint::allocate, .code = ENOMEM});
-  InjectFault({.point = FaultPoint::startThread});
   InjectFault({.point = FaultPoint::createFolder, .code = EROFS});
-  InjectFault({.point = FaultPoint::listLines, .code = EPERM});
   EXPECT_FALSE(MakeEvent(event, ResetMode::manual));
   EXPECT_EQ(event.word, 0u);
   EXPECT_EQ(AllocateZeroed(4096), nullptr);
   EXPECT_EQ(LastSystemError(), static_cast<uint32_t>(ENOMEM));
-  EXPECT_EQ(StartThread([](void*) {}, nullptr), Handle::null);
   EXPECT_FALSE(CreateFolder(L"never made"));
   EXPECT_EQ(LastSystemError(), static_cast<uint32_t>(EROFS));
-  EXPECT_FALSE(ListSerialLines([](void*, const wchar_t*) {}, nullptr));
-  EXPECT_EQ(LastSystemError(), static_cast<uint32_t>(EPERM));
   ClearFaults();
 }
 

@@ -63,26 +63,38 @@ struct NarrowLine final : Terminal {
   LineSettings settings_{115'200, 8, 'N', 1, false};
 };
 
-TEST(Options, AreRead) {
+TEST(Options, AreReadInAnyOrder) {
   ToolOptions options;
   ASSERT_EQ(
-      ErrorOf("--link /tmp/s --gps-link /tmp/g --mode 4 --rate 12.5 --samples 12000 --speed 921600 "
-              "--seed 7 --dual --prompt split --refuse #auto --refuse #smooth --missing-key "
-              "#Altitude --fault-every 5 --hang-up-at 2.5 --silent-from 1 --stream-fault lost "
-              "--stream-fault nan --binary-form frame --gps-talker gn --gps-latitude -33.875 --gps-no-fix",
+      ErrorOf("--link /tmp/s --gps-link /tmp/g --line-log /tmp/l --strict-line --mode 10 --identity 1042 "
+              "--lacks #threshold --family 2 --firmware 1.95 --rate 12.5 --samples 12000 --speed 921600 "
+              "--speed-at-once --seed 7 --auto --preset 7 --smoothing none --no-dual-old "
+              "--binary-form frame --lacks-silently --info-bytes 13 --prompt split --refuse #auto "
+              "--refuse #smooth --missing-key #Altitude --fault-every 5 --hang-up-at 2.5 --silent-from 1 "
+              "--stream-fault lost --stream-fault nan --gps-talker gn --gps-latitude -33.875 --gps-no-fix",
               options),
       "");
   EXPECT_EQ(options.device, "/tmp/s");
   EXPECT_EQ(options.gpsDevice, "/tmp/g");
+  EXPECT_EQ(options.lineFile, "/tmp/l");
+  EXPECT_TRUE(options.strictLine);
   const sim::SounderOptions& sounder = options.sounder;
-  EXPECT_EQ(sounder.outputMode, 4);
+  EXPECT_EQ(sounder.outputMode, 10);
+  EXPECT_EQ(sounder.identity, "1042");
+  EXPECT_EQ(sounder.family, sim::DeviceFamily::second);
+  EXPECT_EQ(sounder.firmware_hundredths, 195);
   EXPECT_EQ(sounder.pingsPerSecond, 12.5);
   EXPECT_EQ(sounder.sampleCount, 12'000);
   EXPECT_EQ(sounder.baud, 921'600);
   EXPECT_EQ(sounder.seed, 7u);
-  EXPECT_TRUE(sounder.dual);
+  EXPECT_TRUE(sounder.automatic && sounder.refusesDualOld && sounder.speedAtOnce);
+  EXPECT_EQ(sounder.preset, 7);
+  EXPECT_EQ(sounder.smoothing, sim::Smoothing::absent);
   EXPECT_EQ(sounder.binaryForm, sim::BinaryForm::frame);
   const sim::SounderFaults& faults = sounder.faults;
+  EXPECT_EQ(faults.lacksFrom, "#threshold");
+  EXPECT_TRUE(faults.lacksSilently);
+  EXPECT_EQ(faults.informationBytes, 13);
   EXPECT_EQ(faults.prompt, sim::PromptStyle::split);
   EXPECT_EQ(faults.refused, (std::vector<std::string>{"#auto", "#smooth"}));
   EXPECT_EQ(faults.block, sim::BlockFault::missingKey);
@@ -96,28 +108,6 @@ TEST(Options, AreRead) {
   EXPECT_EQ(options.gps.talker, sim::GpsTalker::gn);
   EXPECT_EQ(options.gps.latitude_deg, -33.875);
   EXPECT_EQ(options.gps.fixFrom_us, sim::kNever);
-}
-
-TEST(Options, OfTheFamilyInAnyOrder) {
-  ToolOptions options;
-  ASSERT_EQ(ErrorOf("--mode 10 --identity 1042 --lacks #threshold --family 2 --firmware 1.95 --auto "
-                    "--preset 7 --smoothing none --no-dual-old --info-bytes 13 --lacks-silently "
-                    "--speed-at-once --line-log /tmp/l --strict-line",
-                    options),
-            "");
-  const sim::SounderOptions& sounder = options.sounder;
-  EXPECT_EQ(sounder.family, sim::DeviceFamily::second);
-  EXPECT_EQ(sounder.outputMode, 10);
-  EXPECT_EQ(sounder.identity, "1042");
-  EXPECT_EQ(sounder.firmware_hundredths, 195);
-  EXPECT_TRUE(sounder.automatic && sounder.refusesDualOld && sounder.speedAtOnce);
-  EXPECT_EQ(sounder.preset, 7);
-  EXPECT_EQ(sounder.smoothing, sim::Smoothing::absent);
-  EXPECT_EQ(sounder.faults.lacksFrom, "#threshold");
-  EXPECT_TRUE(sounder.faults.lacksSilently);
-  EXPECT_EQ(sounder.faults.informationBytes, 13);
-  EXPECT_EQ(options.lineFile, "/tmp/l");
-  EXPECT_TRUE(options.strictLine);
 }
 
 TEST(Options, WhatIsWrongIsNamed) {

@@ -28,7 +28,7 @@ const struct {
 
 TEST(OutputModes, AreThoseThatTheFamilyCanBeToldToStream) {
   for (const auto& family : kFamilies) {
-    Sounder end({.family = family.family});
+    Sounder end({.family = family.family, .dual = true});
     for (int mode = 0; mode <= 110; ++mode) {
       const std::string line = "#output " + std::to_string(mode);
       EXPECT_EQ(end.Ask(line, 100), family.samples.contains(mode) ? Accepted(line) : Refused(line))

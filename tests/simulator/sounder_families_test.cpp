@@ -241,17 +241,5 @@ TEST(Variants, OlderFirmwareCannotTellWhatCameLater) {
   EXPECT_EQ(second.Ask("#interval"), Refused("#interval"));
 }
 
-TEST(Variants, SonarmiteOldIsNotForBothChannels) {
-  EXPECT_EQ(Sounder({.dual = true}).Ask("#output 9"), Accepted("#output 9")) << "but for some";
-  Sounder end({.refusesDualOld = true});
-  EXPECT_EQ(end.Ask("#output 9"), Accepted("#output 9"));
-  EXPECT_EQ(end.Ask("#setfreqdual"), Refused("#setfreqdual"));
-  EXPECT_EQ(end.Ask("##getsimul"), Told("##getsimul", "0"));
-  EXPECT_EQ(end.Ask("#output 8"), Accepted("#output 8"));
-  EXPECT_EQ(end.Ask("#setfreqdual"), Accepted("#setfreqdual"));
-  EXPECT_EQ(end.Ask("#output 9"), Refused("#output 9"));
-  EXPECT_EQ(end.Ask("#output"), Told("#output", "8"));
-}
-
 }  // namespace
 }  // namespace tw::sim
