@@ -10,6 +10,13 @@ SounderOptions Streaming(const SounderFaults& faults) {
   return Fast({.sampleCount = 100, .faults = faults});
 }
 
+TEST(Faults, DeadDeviceSaysNothingAndHeedsNothing) {
+  Sounder end(Streaming({.instrument = {.dead = true}}));
+  EXPECT_EQ(end.Ask(" "), "");
+  EXPECT_EQ(end.Ask("#rangel", 10'000), "");
+  EXPECT_EQ(end.device.Bytes().Total(), 10u) << "it was told all the same";
+}
+
 TEST(Faults, SilenceBeginsAndEnds) {
   Sounder end(Streaming({.instrument = {.silentFrom_us = 1'000'000, .silentFor_us = 61'000'000}}));
   EXPECT_EQ(Count(end.ReadUntil(1'050'000), "#Ping "), 10u);

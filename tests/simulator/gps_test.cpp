@@ -144,6 +144,12 @@ TEST(VirtualGps, OnceASecondFitsTheSlowestLine) {
   EXPECT_EQ(gps.Counts().leftOut, 0u);
 }
 
+TEST(VirtualGps, HangUpCutsTheStreamAtItsMoment) {
+  VirtualGps gps({.faults = {.instrument = {.hangUpAt_us = 500'000}}});
+  const std::string text = FarEnd(gps).ReadUntil(20'000'000);
+  EXPECT_NEAR(static_cast<double>(text.size()), 240.0, 1.0) << "half a second of the line";
+}
+
 TEST(VirtualGps, EachHowManiethChecksumIsWrong) {
   VirtualGps gps({.faults = {.badChecksumEvery = 3}});
   const auto lines = Lines(FarEnd(gps).ReadUntil(3'000'000));
