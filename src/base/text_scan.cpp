@@ -60,12 +60,33 @@ size_t TakePlainDecimal(std::string_view magnitude, double& value) {
   return at;
 }
 
+// Whole numbers of up to nine digits without a sign, which nearly all are. False when the number is of
+// another form.
+bool TakePlainWhole(std::string_view field, size_t& taken, uint32_t& value) {
+  constexpr size_t kMostDigits = 9;
+  size_t at = 0;
+  uint32_t result = 0;
+  for (; at < field.size() && IsDigit(field[at]); ++at) {
+    if (at == kMostDigits) return false;
+    result = result * 10 + static_cast<uint32_t>(field[at] - '0');
+  }
+  taken = at;
+  value = result;
+  return at != 0;
+}
+
 template <typename T>
 bool ScanWhole(std::string_view& text, size_t width, T& value) {
   std::string_view rest = text;
   SkipWhiteSpace(rest);
   const size_t available = std::min(width, rest.size());
   const std::string_view field = rest.substr(0, available);
+  size_t taken = 0;
+  if (uint32_t plain = 0; TakePlainWhole(field, taken, plain)) {
+    text = rest.substr(taken);
+    value = static_cast<T>(plain);
+    return true;
+  }
   std::string_view digits = field;
   T result = 0;
   if (!TakePlus(digits)) return false;

@@ -29,19 +29,29 @@ struct Framed {
   std::string_view text;  // '$' to '*' inclusive
 };
 
+// The exclusive or of all bytes, eight at a time.
+uint8_t ChecksumOf(std::string_view text) {
+  uint64_t sums = 0;
+  for (; text.size() >= sizeof sums; text.remove_prefix(sizeof sums)) {
+    uint64_t eight = 0;
+    std::memcpy(&eight, text.data(), sizeof eight);
+    sums ^= eight;
+  }
+  for (const char c : text) sums ^= static_cast<uint8_t>(c);
+  for (const int half : {32, 16, 8}) sums ^= sums >> half;
+  return static_cast<uint8_t>(sums);
+}
+
 // `text` begins with '$'.
 Framed FrameSentence(std::string_view text) {
-  const size_t limit = std::min(text.size(), kMaxSentence);
-  size_t end = 1;
-  uint8_t counted = 0;
-  for (; end < limit && text[end] != '$' && text[end] != '*'; ++end) {
-    counted = static_cast<uint8_t>(counted ^ static_cast<uint8_t>(text[end]));
-  }
-  if (end == limit) {
-    if (limit < kMaxSentence) return {Framed::Kind::wait, 0, {}};
+  const std::string_view reach = text.substr(0, kMaxSentence);
+  const size_t end = std::min(reach.find('*'), reach.size());
+  const size_t next = reach.substr(0, end).find('$', 1);
+  if (next != reach.npos) return {Framed::Kind::skip, next, {}};
+  if (end == reach.size()) {
+    if (end < kMaxSentence) return {Framed::Kind::wait, 0, {}};
     return {Framed::Kind::skip, 1, {}};
   }
-  if (text[end] == '$') return {Framed::Kind::skip, end, {}};
   // Behind the '*' each byte that has come must fit; then it may still wait for the others.
   const std::string_view tail = text.substr(end + 1, 4);
   const auto isHex = [](char c) {
@@ -54,12 +64,19 @@ Framed FrameSentence(std::string_view text) {
   if (tail.size() < 4) return {Framed::Kind::wait, 0, {}};
   std::string_view digits = tail.substr(0, 2);
   uint32_t sum = 0;
-  const bool right = ScanHex(digits, 2, sum) && sum == counted;
+  const bool right = ScanHex(digits, 2, sum) && sum == ChecksumOf(text.substr(1, end - 1));
   return {right ? Framed::Kind::sentence : Framed::Kind::skip, end + 5, text.substr(0, end + 1)};
 }
 
+std::unique_ptr<PacketNode> TakeNode(NmeaParser& parser) {
+  if (parser.spare == nullptr) return parser.makeNode();
+  std::unique_ptr<PacketNode> node = std::move(parser.spare);
+  parser.spare = std::move(node->next);
+  return node;
+}
+
 bool Enqueue(NmeaParser& parser, SentenceType type, const Packet& packet) {
-  std::unique_ptr<PacketNode> node = parser.makeNode();
+  std::unique_ptr<PacketNode> node = TakeNode(parser);
   if (node == nullptr) {
     parser.error(parser.context, kNoMemory);
     return false;
@@ -185,11 +202,13 @@ int ParserPush(NmeaParser& parser, const uint8_t* bytes, size_t count) {
 int ApplyPackets(NmeaParser& parser, GpsFix& fix) {
   int applied = 0;
   while (parser.first != nullptr) {
-    const std::unique_ptr<PacketNode> node = std::move(parser.first);
+    std::unique_ptr<PacketNode> node = std::move(parser.first);
     parser.first = std::move(node->next);
     std::visit([&](const auto& packet) { Apply(packet, fix); }, node->packet);
     // kept: a GNGGA clears the flag as well, so the sentences behind it go back to four decimals.
     parser.talkerGn = node->type == SentenceType::gnrmc;
+    node->next = std::move(parser.spare);
+    parser.spare = std::move(node);
     ++applied;
   }
   parser.last = nullptr;

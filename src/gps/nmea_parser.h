@@ -32,7 +32,7 @@ struct NmeaParser {
   void (*trace)(void* context, std::string_view text);
   void (*error)(void* context, std::string_view text);
   void* context;
-  // Give the buffer and a packet's node; null when there is no memory.
+  // Give the buffer, and a packet's node when none is spare; null when there is no memory.
   std::unique_ptr<uint8_t[]> (*makeBuffer)(size_t size);
   std::unique_ptr<PacketNode> (*makeNode)();
 
@@ -41,6 +41,7 @@ struct NmeaParser {
   size_t length;
   std::unique_ptr<PacketNode> first;
   PacketNode* last;
+  std::unique_ptr<PacketNode> spare;  // nodes of sentences that were applied, used again
   bool talkerGn;  // the last sentence applied to the fix was a GNRMC; outlives the parser, see GpsWorker
 };
 
@@ -53,7 +54,8 @@ struct NmeaParser {
 // buffer is emptied first; of a push as large as the buffer its tail is kept. Returns the sentences parsed.
 int ParserPush(NmeaParser& parser, const uint8_t* bytes, size_t count);
 
-// Applies the parsed sentences to the fix in the order of their arrival, and frees them. Returns how many.
+// Applies the parsed sentences to the fix in the order of their arrival, and keeps their nodes for the next
+// ones. Returns how many.
 int ApplyPackets(NmeaParser& parser, GpsFix& fix);
 
 }  // namespace tw
