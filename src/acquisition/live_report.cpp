@@ -38,11 +38,11 @@ bool LiveReport::IsDue(uint32_t now_ms) {
   return true;
 }
 
-void LiveReport::Show(const PingHeader& ping, bool dual, uint64_t recorded, uint32_t now_ms) {
+void LiveReport::Show(const PingHeader& ping, bool dual, uint64_t size, uint32_t now_ms) {
   if (!IsDue(now_ms)) return;
   auto& text = liveTexts.Next();
   if (WaitForEvent(state_.recordingEvent, 0)) {
-    FormatFileSize(text, recorded);
+    FormatFileSize(text, size);
   } else {
     FormatLine(text, ping, dual);
   }

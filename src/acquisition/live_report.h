@@ -14,9 +14,9 @@ class LiveReport {
  public:
   explicit LiveReport(AppState& state) : state_(state) {}
 
-  // After each ping; `recorded` is the number of bytes recorded in this run. A dual run's line tells the
-  // latest altitude of both channels.
-  void Show(const PingHeader& ping, bool dual, uint64_t recorded, uint32_t now_ms);
+  // After each ping; `size` is the number of bytes that the present recording has. A dual run's line tells
+  // the latest altitude of both channels.
+  void Show(const PingHeader& ping, bool dual, uint64_t size, uint32_t now_ms);
 
   // The line's losses of input so far.
   void NoteOverruns(uint32_t overruns);

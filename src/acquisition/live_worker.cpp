@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <new>
+#include <utility>
 
 #include "acquisition/byte_source.h"
 #include "acquisition/live_report.h"
@@ -132,7 +133,7 @@ class LiveRun {
     TakePing(channels_[ping_.secondChannel ? 1 : 0], now_ms);
     if (ping_.bothChannels) TakeSecondAltitude(now_ms);
     Record(block, sentences);
-    report_.Show(ping_.header, context_.dual, recorded_, now_ms);
+    report_.Show(ping_.header, context_.dual, recordingSize_, now_ms);
   }
 
   void BeginPulsePing() {
@@ -211,15 +212,19 @@ class LiveRun {
   // All of a ping in one write, so that nothing can come between its parts.
   void Record(std::string_view block, size_t sentences) {
     if (!WaitForEvent(state_.recordingEvent, 0)) return;
+    const uint32_t recording = LoadShared(state_.recordingNumber);
+    if (std::exchange(recordingNumber_, recording) != recording) recordingSize_ = 0;
     const bool second = ping_.secondChannel && mode_.recordRule == RecordRule::fileOfChannel;
     const size_t size = mode_.layOutRecord(block, ping_, {sentences_, sentences}, std::span(record_));
-    recorded_ +=
+    const uint32_t written =
         WriteRecord(state_, second ? RecordChannel::b : RecordChannel::a, std::span(record_).first(size));
+    recordingSize_ += written;
+    recordedAny_ = recordedAny_ || written != 0;
   }
 
   void End() {
     if (Stale()) return;
-    if (recorded_ == 0) EndEmptyRun();
+    if (!recordedAny_) EndEmptyRun();
     CloseBothRecordFiles(state_);
     CloseFile(ExchangeShared(state_.segyCompanionB, Handle::invalid));
   }
@@ -247,7 +252,9 @@ class LiveRun {
   bool stopped_ = false;
   bool fresh_ = true;
   uint32_t silentSince_ms_ = 0;
-  uint64_t recorded_ = 0;
+  bool recordedAny_ = false;    // in this run
+  uint64_t recordingSize_ = 0;  // bytes, since the files of recordingNumber_ were opened
+  uint32_t recordingNumber_ = 0;
   LivePing ping_{};
   SlotImage image_{};
   char sentences_[2 * kSentenceSize];

@@ -63,8 +63,8 @@ struct AppState {
   Handle acquisitionThread;  // GUI thread
   Handle gpsThread;          // GUI thread
   Event recordingEvent;
-  DeviceSettings settings;  // GUI thread while no worker runs; workers read
-  DeviceSettings appliedSettings;
+  DeviceSettings settings;         // with choices that wait for Apply; GUI thread, workers read
+  DeviceSettings appliedSettings;  // as the device has them; GUI thread
   WindowPlacement windowPlacement;
   int32_t initialised;
   PingRing* ringA;
@@ -87,7 +87,7 @@ struct AppState {
   int32_t conversionKind;  // 0 none, 1 SEG-Y, 2 binary to text; shared
   uint64_t seekRequest;    // shared: the slider asks, the file worker takes; see display/slider_messages.h
 
-  // Fields that the table above has no names for.
+  // Of a playback, of choices that wait to be sent, of the window and of the record files.
   int32_t playbackActive;  // GUI thread
   int32_t playbackPaused;  // GUI thread
   int64_t stepTime_ms;     // recorded time to which the second file follows the first; shared
@@ -98,12 +98,13 @@ struct AppState {
   int32_t pendingRange;    // changes of range and output that timer 7 will send; GUI thread
   int32_t pendingOutput;
   int32_t fullWindow;  // the controls are hidden; GUI thread
-  int32_t fullScreen;  // the window's style is changed; nothing sets it today
+  int32_t fullScreen;  // the window's style is changed; nothing sets it
   Lock recordLock;     // recordFileA, recordFileB and the two busy fields
   Handle recordBusyA;  // the file that the worker is writing to right now, else invalid
   Handle recordBusyB;
   uint32_t runNumber;           // shared: raised at each Start and at each Stop; a worker whose number is
                                 // stale touches nothing any more
+  uint32_t recordingNumber;     // shared: raised whenever fresh record files are opened
   PortEntry ports[kMaxPorts];   // GUI thread
   wchar_t rememberedRange[64];  // combo texts at the last Start or Apply; GUI thread
   wchar_t rememberedRangeDual[64];

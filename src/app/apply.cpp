@@ -18,11 +18,6 @@ namespace {
 constexpr uint32_t kPause_ms = 10;
 constexpr OutputMode kFirstFamilyOld = 9;
 
-void ClearLiveTexts(AppState& state) {
-  PostStatusText(state, StatusPart::position, L"");
-  PostStatusText(state, StatusPart::pingLine, L"");
-}
-
 // Ends the run so far that commands can be sent. On failure the operator has been told, and the program is
 // idle.
 bool BringToPrompt(AppState& state, WaitPointer& pointer) {
@@ -62,8 +57,8 @@ void ReopenRecordFiles(AppState& state) {
 }
 
 // Takes the device's own account of its settings and goes on with the run.
-void ResumeRun(AppState& state) {
-  AdoptDevice(state);
+void ResumeRun(AppState& state, PanelRanges before) {
+  AdoptDevice(state, before);
   RefreshSettingsControls(state);
   ReopenRecordFiles(state);
   KeepInterval(state.settings);
@@ -80,6 +75,7 @@ void ApplySettings(AppState& state) {
   if (!BringToPrompt(state, pointer)) return;
 
   const DeviceSettings applied = state.appliedSettings;
+  const PanelRanges ranges = RangesOfPanels(applied);
   SendChanges(state);
   const DeviceSettings wanted = state.settings;
   if (!ReadSettingsBack(state)) return GiveUpRun(state, pointer, kUnreadable);
@@ -87,7 +83,7 @@ void ApplySettings(AppState& state) {
     pointer.Restore();
     ShowBox(state, L"Sonarmite_old fortmat is not support Dual_mode", L"", BoxIcon::information);
   }
-  ResumeRun(state);
+  ResumeRun(state, ranges);
 }
 
 void RestoreDefaults(AppState& state) {
@@ -97,9 +93,10 @@ void RestoreDefaults(AppState& state) {
   WaitPointer pointer;
   if (!BringToPrompt(state, pointer)) return;
 
+  const PanelRanges ranges = RangesOfPanels(state.appliedSettings);
   static_cast<void>(Exchange(state.devicePort, CommandId::defaults));
   if (!ReadSettingsBack(state)) return GiveUpRun(state, pointer, kUnreadable);
-  ResumeRun(state);
+  ResumeRun(state, ranges);
 }
 
 }  // namespace tw

@@ -80,8 +80,8 @@ void TakePreset(AppState& state) {
 void ShowFrequencies(AppState& state) {
   const DeviceSettings& settings = state.settings;
   const FormFacts facts = CurrentFormFacts(state);
-  const bool both = facts.family == 1 && settings.simultaneous != 0;
-  const bool low = ActiveChannel(facts, settings) == FieldChannel::low;
+  const bool both = facts.family == 1 && (facts.played ? facts.dual : settings.simultaneous != 0);
+  const bool low = facts.family == 1 && settings.frequencyInUse_hz == settings.lowFrequency_hz;
   SetChecked(state, ID_DUAL_MODE, both);
   SetChecked(state, ID_LOW_FREQUENCY, !both && low);
   SetChecked(state, ID_HIGH_FREQUENCY, !both && !low);

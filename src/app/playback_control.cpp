@@ -115,9 +115,9 @@ void TakeRange(AppState& state, float range_m) {
   constexpr float kLeast_m = 1.0f;
   constexpr float kMost_m = 200.0f;
   if (!(range_m >= kLeast_m && range_m <= kMost_m)) return;
-  state.settings.rangeHigh_mm = static_cast<int32_t>(range_m * 1000.0f);
-  state.displayRangeUpper = state.settings.rangeHigh_mm;
-  state.displayRangeLower = state.settings.rangeHigh_mm;
+  const auto range_mm = static_cast<int32_t>(range_m * 1000.0f);
+  state.settings.rangeLow_mm = state.settings.rangeHigh_mm = range_mm;
+  state.displayRangeLower = state.displayRangeUpper = range_mm;
 }
 
 // What the recording tells of the settings it was made with.
@@ -127,6 +127,10 @@ void TakeSettings(AppState& state, const Candidate& file) {
   state.settings.outputMode = told.outputMode;
   if (!told.info) return TakeRange(state, file.range_m);
   ApplyInfoLine(*told.info, state.settings);
+  // A view of the low frequency alone goes by the low channel's values.
+  if (told.info->frequency_hz == state.settings.lowFrequency_hz) {
+    ApplyLowInfoLine(*told.info, state.settings);
+  }
   state.displayRangeUpper = RangeInMillimetres(told.info->range_mm);
   state.displayRangeLower = state.displayRangeUpper;
 }
@@ -138,15 +142,22 @@ void TakeLowSettings(AppState& state, const std::optional<InfoLine>& low) {
   state.displayRangeLower = RangeInMillimetres(low->range_mm);
 }
 
+// What a settings line tells of a channel's frequency. The pings tell it too, but a line with the altitudes
+// of both channels only that of the first.
+int32_t FrequencyOf(const std::optional<InfoLine>& info) {
+  return info ? info->frequency_hz : 0;
+}
+
 void BeginPlayback(AppState& state, Candidate& a, Candidate* b) {
+  const std::optional<InfoLine> low = b != nullptr ? b->told->info : a.told->low;
   BeginFileRun(state);
   StoreShared(state.conversionKind, 0);
   TakeSettings(state, a);
-  TakeLowSettings(state, b != nullptr ? b->told->info : a.told->low);
+  TakeLowSettings(state, low);
   KeepInterval(state.settings);
   StoreShared(globals.dualMode, b != nullptr || a.told->channels > 1 ? 1 : 0);
-  StoreShared(globals.playedFrequencyA_hz, 0);
-  StoreShared(globals.playedFrequencyB_hz, 0);
+  StoreShared(globals.playedFrequencyA_hz, FrequencyOf(a.told->info));
+  StoreShared(globals.playedFrequencyB_hz, FrequencyOf(low));
   globals.lastCapture_s = -1;
   StoreShared(state.echogramEnabled, CarriesEchoes(*a.told) ? 1 : 0);
   state.playbackPace = kPlaybackPace_ms;
@@ -194,6 +205,7 @@ void Convert(AppState& state, Conversion conversion) {
   if (!ChooseInputFiles(state, paths) || paths.empty()) return Refuse(state, L"File is not selected");
   if (paths.size() > 1) return Refuse(state, L"Select One File");
   EndFileWorkers(state);
+  ClearLiveTexts(state);
   RefreshControlStates(state);
   Candidate input;
   // Nobody may write it meanwhile, and so the output can never be the input.
@@ -232,6 +244,7 @@ void PlayFiles(AppState& state) {
   std::vector<std::wstring> paths;
   if (!ChooseInputFiles(state, paths) || paths.empty()) return;
   EndFileWorkers(state);
+  ClearLiveTexts(state);
   if (paths.size() == 1) {
     PlayOne(state, paths[0]);
   } else if (paths.size() == 2) {

@@ -5,6 +5,7 @@
 #include <cwchar>
 #include <iterator>
 #include <span>
+#include <vector>
 
 #include "app/control_ids.h"
 #include "app/ui.h"
@@ -31,6 +32,10 @@ std::span<const PortEntry> ListPorts(AppState& state) {
   static_cast<void>(EnumerateSerialPorts(state.ports));
   SortPorts(state.ports);
   return KnownPorts(state);
+}
+
+bool SamePort(const PortEntry& a, const PortEntry& b) {
+  return a.number == b.number && std::wcscmp(a.name, b.name) == 0;
 }
 
 // Selects the port whose name is exactly `text`, else the first item. `itemsBefore` stand ahead of the ports.
@@ -92,8 +97,12 @@ void FillGpsPortCombo(AppState& state) {
 }
 
 void RefreshPortCombos(AppState& state) {
-  if (!IsComboOpen(state, ID_DEVICE_PORT)) FillDevicePortCombo(state);
-  if (!IsComboOpen(state, ID_GPS_PORT)) FillGpsPortCombo(state);
+  if (IsComboOpen(state, ID_DEVICE_PORT) || IsComboOpen(state, ID_GPS_PORT)) return;
+  const std::span<const PortEntry> known = KnownPorts(state);
+  const std::vector<PortEntry> before(known.begin(), known.end());
+  if (std::ranges::equal(before, ListPorts(state), SamePort)) return;
+  FillDevicePortCombo(state);
+  FillGpsPortCombo(state);
 }
 
 void SelectStoredPorts(AppState& state, const CommunicationSettings& stored) {

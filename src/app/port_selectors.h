@@ -16,7 +16,7 @@ inline constexpr wchar_t kNoPortText[] = L"N/A";
 void FillDevicePortCombo(AppState& state);
 void FillGpsPortCombo(AppState& state);
 
-// Both, but a selector whose list is dropped down is left alone.
+// Both, when the ports have changed: a selector that is refilled flickers. Not while a list is dropped down.
 void RefreshPortCombos(AppState& state);
 
 // Selects stored ports in selectors that are already filled; the first item where a port is not listed.

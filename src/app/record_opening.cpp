@@ -10,19 +10,27 @@
 namespace tw {
 namespace {
 
+// What the device runs with: another frequency that the operator has chosen may wait for Apply.
+DeviceSettings RunningSettings(const AppState& state) {
+  DeviceSettings settings = state.settings;
+  settings.frequencyInUse_hz = state.appliedSettings.frequencyInUse_hz;
+  settings.simultaneous = LoadShared(globals.dualMode);
+  return settings;
+}
+
 NamingFacts CollectFacts(const AppState& state, NamingMoment moment, int32_t family) {
-  const DeviceSettings& settings = state.settings;
+  const DeviceSettings settings = RunningSettings(state);
   return {
       .moment = moment,
       .family = family,
-      .dual = LoadShared(globals.dualMode) != 0,
+      .dual = settings.simultaneous != 0,
       .outputMode = settings.outputMode,
       .frequencyInUse_hz = settings.frequencyInUse_hz,
       .lowFrequency_hz = settings.lowFrequency_hz,
       .highFrequency_hz = settings.highFrequency_hz,
       .measuredLow_hz = globals.measuredLowFrequency_hz,
       .measuredHigh_hz = globals.measuredHighFrequency_hz,
-      .identity = settings.identity,
+      .identity = state.settings.identity,  // the facts only point to it
       .identifierWord = settings.identifierWord,
       .segyCompanions = LoadShared(state.conversionKind) == 1,
       .localTime = LocalNow(),
@@ -39,7 +47,7 @@ Handle CreateNamed(const AppState& state, const char* name) {
 // Creates one record file with its settings line(s). The worker sees the handle only when they are written.
 void OpenOne(AppState& state, const RecordFileName& name, RecordChannel channel, Handle& companion) {
   Handle file = CreateNamed(state, name.record);
-  if (file != Handle::invalid) WriteInfoLine(state, file, name.channelFrequency_hz);
+  if (file != Handle::invalid) WriteInfoLine(RunningSettings(state), file, name.channelFrequency_hz);
   PutRecordFile(state, channel, file);
   companion = CreateNamed(state, name.segy);
 }
@@ -59,6 +67,7 @@ void OpenRecordFiles(AppState& state, NamingMoment moment) {
 
 void OpenRecordFiles(AppState& state, NamingMoment moment, int32_t namingFamily) {
   CloseRecordFiles(state);
+  StoreShared(state.recordingNumber, LoadShared(state.recordingNumber) + 1);
   const bool first = namingFamily == 1;
   if (first && moment == NamingMoment::start && state.settings.outputMode == 5) state.settings.outputMode = 6;
 

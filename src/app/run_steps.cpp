@@ -40,7 +40,14 @@ void RememberTexts(AppState& state) {
 
 }  // namespace
 
-void AdoptDevice(AppState& state) {
+PanelRanges RangesOfPanels(const DeviceSettings& settings) {
+  const bool dual = LoadShared(globals.dualMode) != 0;
+  const bool single = LoadShared(globals.deviceFamily) == 1 && !dual;
+  return {RangeInMillimetres(single ? SingleRange(settings) : settings.rangeHigh_mm),
+          dual ? RangeInMillimetres(settings.rangeLow_mm) : 0};
+}
+
+void AdoptDevice(AppState& state, PanelRanges before) {
   DeviceSettings& settings = state.settings;
   const bool first = LoadShared(globals.deviceFamily) == 1;
   const bool dual = first && settings.simultaneous != 0;
@@ -48,9 +55,9 @@ void AdoptDevice(AppState& state) {
   if (first && settings.pingInterval_ms >= 1 && settings.pingInterval_ms < kShortestInterval_ms) {
     settings.pingInterval_ms = kShortestInterval_ms;
   }
-  const int32_t upper = first && !dual ? SingleRange(settings) : settings.rangeHigh_mm;
-  state.displayRangeUpper = RangeInMillimetres(upper);
-  if (dual) state.displayRangeLower = RangeInMillimetres(settings.rangeLow_mm);
+  const PanelRanges now = RangesOfPanels(settings);
+  if (now.upper_mm != before.upper_mm) state.displayRangeUpper = now.upper_mm;
+  if (dual && now.lower_mm != before.lower_mm) state.displayRangeLower = now.lower_mm;
 }
 
 void KeepInterval(const DeviceSettings& settings) {
@@ -58,6 +65,11 @@ void KeepInterval(const DeviceSettings& settings) {
   StoreShared(globals.measuredPingInterval_ms, 0.0f);
   const auto known_ms = static_cast<uint32_t>(std::max(settings.pingInterval_ms, 0));
   StoreShared(globals.marksAtStart, MarkInterval(kSingleMarkPeriod_ms, known_ms));
+}
+
+void ClearLiveTexts(AppState& state) {
+  PostStatusText(state, StatusPart::position, L"");
+  PostStatusText(state, StatusPart::pingLine, L"");
 }
 
 bool StartDeviceAndWorkers(AppState& state) {

@@ -6,11 +6,24 @@
 
 namespace tw {
 
-// Fits dual mode, ping interval and display ranges to the settings that the device answered with.
-void AdoptDevice(AppState& state);
+// The ranges of the channels that the two panels show; the lower one is 0 unless both frequencies run.
+struct PanelRanges {
+  int32_t upper_mm = 0;
+  int32_t lower_mm = 0;
+};
+
+// As they are with these settings, in the mode that runs.
+[[nodiscard]] PanelRanges RangesOfPanels(const DeviceSettings& settings);
+
+// Fits dual mode, ping interval and display ranges to the settings that the device answered with. A panel
+// whose range is still the one before stays zoomed as the operator left it.
+void AdoptDevice(AppState& state, PanelRanges before = {});
 
 // What the workers need to know of the interval; an automatic one is measured.
 void KeepInterval(const DeviceSettings& settings);
+
+// Empties what workers tell in the status bar. Posted, so that it comes behind what they have posted.
+void ClearLiveTexts(AppState& state);
 
 // Starts timer 8, the device and the workers, refreshes the controls, and remembers the selectors' texts. On
 // failure the operator has been told, the program is idle, and the result is false.

@@ -29,6 +29,7 @@ void StartRun(AppState& state) {
   if (LoadShared(state.devicePort) != Handle::invalid) return;  // runs already
   const ElapsedLog log;
   EndFileWorkers(state);
+  ClearLiveTexts(state);  // of a playback or conversion
   StoreShared(state.conversionKind, 0);
   RefreshControlStates(state);  // the playback is over, also when no run follows
 

@@ -3,6 +3,7 @@
 #include "app/control_states.h"
 #include "app/record_opening.h"
 #include "app/run_control.h"
+#include "app/run_steps.h"
 #include "app/ui.h"
 #include "app/view_choices.h"
 #include "app/wait_pointer.h"
@@ -35,9 +36,7 @@ bool HoldsSomething(AppState& state) {
 
 void ShowIdle(AppState& state) {
   ShowDisconnected(state);
-  // Posted, so that they come behind what the workers have posted.
-  PostStatusText(state, StatusPart::position, L"");
-  PostStatusText(state, StatusPart::pingLine, L"");
+  ClearLiveTexts(state);
   Reset(state.recordingEvent);
   StopTimer(state, ID_TIMER_LINK);
   StopTimer(state, ID_TIMER_CHANGES);

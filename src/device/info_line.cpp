@@ -2,6 +2,7 @@
 
 #include <cinttypes>
 
+#include "app/app_state.h"
 #include "base/shared_value.h"
 #include "base/text_format.h"
 #include "base/text_scan.h"
@@ -118,10 +119,9 @@ int MakeInfoLines(const DeviceSettings& settings, int32_t family, int32_t channe
   return 1;
 }
 
-void WriteInfoLine(const AppState& state, Handle& file, int32_t channelFrequency_hz) {
+void WriteInfoLine(const DeviceSettings& settings, Handle& file, int32_t channelFrequency_hz) {
   InfoLine lines[2];
-  const int count =
-      MakeInfoLines(state.settings, LoadShared(globals.deviceFamily), channelFrequency_hz, lines);
+  const int count = MakeInfoLines(settings, LoadShared(globals.deviceFamily), channelFrequency_hz, lines);
   for (int i = 0; i < count; ++i) {
     if (WriteLine(file, lines[i])) continue;
     CloseFile(file);

@@ -11,7 +11,8 @@
 #include <span>
 #include <string_view>
 
-#include "app/app_state.h"
+#include "device/device_settings.h"
+#include "platform/handle.h"
 
 namespace tw {
 
@@ -45,7 +46,7 @@ int MakeInfoLines(const DeviceSettings& settings, int32_t family, int32_t channe
 
 // Writes the lines to an open record file, each in one write. When one fails the file is closed and its
 // handle becomes invalid. GUI thread.
-void WriteInfoLine(const AppState& state, Handle& file, int32_t channelFrequency_hz);
+void WriteInfoLine(const DeviceSettings& settings, Handle& file, int32_t channelFrequency_hz);
 
 // Reads the first INFO line in the text, of either form. False, and `info` unchanged, when there is none or a
 // field is missing. Pure.

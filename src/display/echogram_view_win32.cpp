@@ -115,7 +115,7 @@ void ZoomTimeScale(AppState& state, WheelTurn turn) {
 
 void ZoomRange(AppState& state, PanelPlace place, WheelTurn turn) {
   int32_t& range_mm = place == PanelPlace::lower ? state.displayRangeLower : state.displayRangeUpper;
-  range_mm = ZoomedRange(range_mm, DeviceRangeOf(state.settings, place), turn);
+  range_mm = ZoomedRange(range_mm, DeviceRangeOf(ShownSettings(state), place), turn);
 }
 
 // `at` is where the cursor stands on the screen.

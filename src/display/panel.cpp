@@ -85,9 +85,13 @@ void DrawAltitudes(const PanelSource& source, const PanelLayout& layout, const C
 
 }  // namespace
 
+const DeviceSettings& ShownSettings(const AppState& state) {
+  return IsOpen(state.devicePort) ? state.appliedSettings : state.settings;
+}
+
 PanelSource DescribePanel(AppState& state, PanelPlace place) {
   const bool isLower = place == PanelPlace::lower;
-  const DeviceSettings& settings = state.settings;
+  const DeviceSettings& settings = ShownSettings(state);
   const bool isLow = ShowsLowChannel(settings, place);
   // One file may hold both channels; then nothing else is open for the lower panel.
   const bool isPlayed = IsOpen(state.inputFileA) || (isLower && IsOpen(state.inputFileB));

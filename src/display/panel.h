@@ -26,6 +26,10 @@ struct PanelSource {
   bool hasEchogram;
 };
 
+// What the device runs with, or without one what the played file was recorded with. Choices that wait for
+// "Apply" are not shown.
+[[nodiscard]] const DeviceSettings& ShownSettings(const AppState& state);
+
 // Reads the write index under the ring's lock.
 [[nodiscard]] PanelSource DescribePanel(AppState& state, PanelPlace place);
 

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cmath>
 #include <new>
 #include <string_view>
@@ -146,6 +147,7 @@ class Recording final : public PingSource {
 
   [[nodiscard]] bool Next(RecordedPing& ping) override {
     interrupted_ = false;
+    PassFrequencyLine();
     while (ReadBlock()) {
       const uint64_t end = source_.Position();
       const uint64_t begin = end - reader_->Block().size();
@@ -213,6 +215,17 @@ class Recording final : public PingSource {
       if (reader_->Feed(source_.Bytes())) return true;
     }
     return false;
+  }
+
+  // The line that was recorded ahead of an epoch, where the reader begins behind it: no damage.
+  void PassFrequencyLine() {
+    constexpr size_t kReach = 32;
+    if (form_.form != StreamForm::secondNmea || behind_ < source_.Position()) return;
+    const auto from = static_cast<size_t>(behind_ - source_.Position());
+    const std::string_view ahead = AsText(source_.Ahead(std::min(from + kReach, FileSource::kMaxAhead)));
+    if (ahead.size() <= from || !ahead.substr(from).starts_with("#F ")) return;
+    const size_t end = ahead.find("\r\n", from);
+    if (end != std::string_view::npos) behind_ += end + 2 - from;
   }
 
   bool RenewReader() {

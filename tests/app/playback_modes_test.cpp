@@ -99,6 +99,10 @@ TEST_P(PlaybackModes, TheRingsShowWhatTheyShowedLive) {
   ExpectSame(liveA, PingsOfA(), "A");
   if (each.dual) ExpectSame(liveB, PingsOfB(), "B");
   EXPECT_EQ(LoadShared(globals.dualMode), each.dual ? 1 : 0);
+  EXPECT_EQ(LoadShared(globals.playedFrequencyA_hz), 450'000);
+  if (each.dual) {
+    EXPECT_EQ(LoadShared(globals.playedFrequencyB_hz), 200'000);
+  }
   EXPECT_EQ(StateOfProgram(*state_), ProgramState::paused);
   EXPECT_EQ(Ui().progress.back().position, Ui().progress.back().fileSize);
   EXPECT_TRUE(Ui().posts[static_cast<size_t>(StatusPart::position)].back().starts_with(L"Position(3D)"));

@@ -78,12 +78,25 @@ TEST_F(StartUpTest, TheTimerKeepsTheSelectionAndListsNewPorts) {
   EXPECT_TRUE(Of(ID_DEVICE_PORT).items.empty());
 }
 
-TEST_F(StartUpTest, TheTimerLeavesAnOpenListAlone) {
-  Of(ID_DEVICE_PORT).open = true;
-  SetSerialLineList({L"COM3"});
+TEST_F(StartUpTest, TheTimerWaitsUntilAnOpenListIsClosed) {
+  for (const int open : {ID_DEVICE_PORT, ID_GPS_PORT}) {
+    SetSerialLineList({L"COM5"});
+    HandleTimer(*state_, ID_TIMER_PORTS);
+    Of(open).open = true;
+    SetSerialLineList({L"COM3"});
+    HandleTimer(*state_, ID_TIMER_PORTS);
+    EXPECT_EQ(Of(ID_DEVICE_PORT).text, L"COM5");
+    Of(open).open = false;
+    HandleTimer(*state_, ID_TIMER_PORTS);
+    EXPECT_EQ(Of(ID_DEVICE_PORT).text, L"COM3");
+    EXPECT_EQ(Of(ID_GPS_PORT).items, (Items{L"N/A", L"COM3"}));
+  }
+}
+
+TEST_F(StartUpTest, TheTimerTouchesNoSelectorWhilePortsStayTheSame) {
+  Of(ID_DEVICE_PORT).items.emplace_back(L"untouched");
   HandleTimer(*state_, ID_TIMER_PORTS);
-  EXPECT_EQ(Of(ID_DEVICE_PORT).text, L"COM5");
-  EXPECT_EQ(Of(ID_GPS_PORT).items, (Items{L"N/A", L"COM3"}));
+  EXPECT_EQ(Of(ID_DEVICE_PORT).items.back(), L"untouched");
 }
 
 TEST_F(StartUpTest, AnAutomaticIntervalIsShownAsItIsMeasured) {

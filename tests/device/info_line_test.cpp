@@ -5,9 +5,9 @@
 #include <cstring>
 #include <fstream>
 #include <iterator>
-#include <memory>
 #include <tuple>
 
+#include "app/app_state.h"
 #include "platform/file.h"
 #include "platform/host/faults.h"
 #include "tests/app/test_folder.h"
@@ -173,10 +173,9 @@ TEST(InfoLine, FillsTheSettingsOfItsChannel) {
 TEST(InfoLine, AFailedWriteClosesTheFile) {
   const test::TestFolder folder;
   const std::filesystem::path path = folder.Path() / "record.log";
-  const auto state = std::make_unique<AppState>();
-  state->settings = SampleSettings();
-  state->settings.outputMode = 6;
-  state->settings.simultaneous = 1;
+  DeviceSettings settings = SampleSettings();
+  settings.outputMode = 6;
+  settings.simultaneous = 1;
   globals.deviceFamily = 1;
   const char* const written[] = {"INFO:",
                                  "INFO:1,450000,30000,0.2,42,87.2,-4,20,0.14,2,152,22,12,1487.7,6\r\nINFO:"};
@@ -184,7 +183,7 @@ TEST(InfoLine, AFailedWriteClosesTheFile) {
     Handle file = CreateFileAnew(path.wstring().c_str());
     ClearFaults();
     InjectFault({.point = FaultPoint::writeFile, .call = call, .taken = 5});
-    WriteInfoLine(*state, file, 200'000);
+    WriteInfoLine(settings, file, 200'000);
     EXPECT_EQ(file, Handle::invalid);
     EXPECT_EQ(CallCount(FaultPoint::writeFile), call) << "nothing is written after the failure";
     std::ifstream content(path, std::ios::binary);

@@ -154,5 +154,25 @@ TEST_F(Recordings, WithoutTimesNoTimeIsFound) {
   EXPECT_FALSE(SeekToTime(*recording, 1'000));
 }
 
+// The reader begins behind the line that is recorded ahead of each epoch.
+TEST_F(Recordings, AFrequencyLineIsNoDamage) {
+  const std::string ping =
+      std::string("#F 450000 Hz\r\n$GPDBT,40.16,f,12.240,M,,*58\r\n$GPMTW,15.08,*7B\r\n$GPEMA,1.92*66\r\n") +
+      kSentences;
+  const struct {
+    const char* what;
+    const char* between;
+    uint64_t skipped;
+  } rows[] = {{"whole", "", 0}, {"noise", "noise\r\n", 7 + 14}, {"two lines", "#F 450000 Hz\r\n", 14}};
+  for (const auto& row : rows) {
+    const auto recording = Open(InfoText(2, 3) + ping + row.between + ping);
+    RecordedPing read{};
+    int pings = 0;
+    while (recording->Next(read)) ++pings;
+    EXPECT_EQ(pings, 2) << row.what;
+    EXPECT_EQ(recording->Skipped(), row.skipped) << row.what;
+  }
+}
+
 }  // namespace
 }  // namespace tw::test
