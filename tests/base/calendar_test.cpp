@@ -2,8 +2,14 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+
 namespace tw {
 namespace {
+
+std::array<int32_t, 6> FieldsOf(const CalendarTime& time) {
+  return {time.year, time.month, time.day, time.hour, time.minute, time.second};
+}
 
 // Expected seconds from date(1): date -u -d '…' +%s
 TEST(Calendar, ConvertsBothWays) {
@@ -22,13 +28,7 @@ TEST(Calendar, ConvertsBothWays) {
   };
   for (const auto& row : rows) {
     EXPECT_EQ(UnixSecondsFromCalendar(row.time), row.seconds);
-    const CalendarTime back = CalendarFromUnixSeconds(row.seconds);
-    EXPECT_EQ(back.year, row.time.year);
-    EXPECT_EQ(back.month, row.time.month);
-    EXPECT_EQ(back.day, row.time.day);
-    EXPECT_EQ(back.hour, row.time.hour);
-    EXPECT_EQ(back.minute, row.time.minute);
-    EXPECT_EQ(back.second, row.time.second);
+    EXPECT_EQ(FieldsOf(CalendarFromUnixSeconds(row.seconds)), FieldsOf(row.time)) << row.seconds;
   }
 }
 

@@ -10,21 +10,15 @@ namespace tw {
 class EchoLine {
  public:
   EchoLine();
-  ~EchoLine();
-  EchoLine(const EchoLine&) = delete;
-  EchoLine& operator=(const EchoLine&) = delete;
 
   // As it is opened: "\\.\COM7". Empty when there is no such line here.
   [[nodiscard]] const std::wstring& Name() const { return name_; }
   // As it is listed: "COM7".
   [[nodiscard]] std::wstring ListedName() const { return name_.substr(4); }
-  // Whether the system keeps a second program from opening the line; Wine does not.
-  [[nodiscard]] static bool IsExclusive();
 
  private:
-  struct Terminal;
-  std::unique_ptr<Terminal> terminal_;
   std::wstring name_;
+  std::shared_ptr<void> farEnd_;  // what this process has of it
 };
 
 }  // namespace tw

@@ -6,32 +6,33 @@
 #include "tests/platform/echo_terminal.h"
 
 namespace tw {
+namespace {
 
-struct EchoLine::Terminal {
+struct FarEnd {
+  ~FarEnd() {
+    ends = true;
+    if (echo.joinable()) echo.join();
+    DetachSerialLines();
+  }
+
   EchoTerminal terminal;
   std::atomic<bool> ends = false;
   std::thread echo;
 };
 
-EchoLine::EchoLine() : terminal_(std::make_unique<Terminal>()) {
-  if (!terminal_->terminal.IsOpen()) return;
+}  // namespace
+
+EchoLine::EchoLine() {
+  const auto end = std::make_shared<FarEnd>();
+  if (!end->terminal.IsOpen()) return;
   name_ = L"\\\\.\\COM7";
-  AttachTerminal(name_.c_str(), terminal_->terminal.Path().c_str());
+  AttachTerminal(name_.c_str(), end->terminal.Path().c_str());
   SetSerialLineList({L"COM3", ListedName()});
-  terminal_->echo = std::thread([inside = terminal_.get()] {
+  end->echo = std::thread([inside = end.get()] {
     while (!inside->ends && inside->terminal.Echo(10)) {
     }
   });
-}
-
-EchoLine::~EchoLine() {
-  terminal_->ends = true;
-  if (terminal_->echo.joinable()) terminal_->echo.join();
-  DetachSerialLines();
-}
-
-bool EchoLine::IsExclusive() {
-  return true;
+  farEnd_ = end;
 }
 
 }  // namespace tw

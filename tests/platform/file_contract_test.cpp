@@ -13,8 +13,6 @@
 namespace tw {
 namespace {
 
-constexpr Handle kBadHandles[] = {Handle::null, Handle::invalid};
-
 // Each test works in a folder of its own below the working folder, with a letter that is not ASCII.
 class FileContract : public testing::Test {
  protected:
@@ -44,6 +42,12 @@ class FileContract : public testing::Test {
     return file;
   }
 
+  static uint64_t PositionOf(Handle file) {
+    uint64_t position = 0;
+    EXPECT_TRUE(FilePosition(file, position));
+    return position;
+  }
+
   static std::string ReadRest(Handle file) {
     std::string text;
     char bytes[7];
@@ -67,9 +71,7 @@ class FileContract : public testing::Test {
 
 TEST_F(FileContract, WhatIsWrittenIsReadBackFromAnyPosition) {
   const Handle file = Create(Path(L"a.log"), "0123456789");
-  uint64_t position = 0;
-  ASSERT_TRUE(FilePosition(file, position));
-  EXPECT_EQ(position, 10u);
+  EXPECT_EQ(PositionOf(file), 10u);
   EXPECT_EQ(ReadRest(file), "");
   ASSERT_TRUE(SeekFile(file, 3));
   EXPECT_EQ(ReadRest(file), "3456789");
@@ -83,28 +85,17 @@ TEST_F(FileContract, WhatIsWrittenIsReadBackFromAnyPosition) {
 
 TEST_F(FileContract, PositionsBeyondFourGigabytesHold) {
   const Handle file = CreateFileAnew(Path(L"far.log"));
-  uint64_t position = 0;
   ASSERT_TRUE(SeekFile(file, 5'000'000'000));
-  ASSERT_TRUE(FilePosition(file, position));
-  EXPECT_EQ(position, 5'000'000'000u);
+  EXPECT_EQ(PositionOf(file), 5'000'000'000u);
   EXPECT_FALSE(SeekFile(file, UINT64_MAX));
   CloseFile(file);
-}
-
-TEST_F(FileContract, CreatingAnewDropsTheOldContent) {
-  const wchar_t* path = Path(L"a.log");
-  CloseFile(Create(path, "old and long"));
-  CloseFile(Create(path, "new"));
-  EXPECT_EQ(ReadAll(path), "new");
 }
 
 TEST_F(FileContract, TruncatingCutsOrExtendsAndMovesToTheEnd) {
   const wchar_t* path = Path(L"a.log");
   const Handle file = Create(path, "whole ping, torn pi");
-  uint64_t position = 0;
   ASSERT_TRUE(TruncateFile(file, 10));
-  ASSERT_TRUE(FilePosition(file, position));
-  EXPECT_EQ(position, 10u);
+  EXPECT_EQ(PositionOf(file), 10u);
   uint32_t written = 0;
   ASSERT_TRUE(WriteFileBytes(file, "!", 1, written));
   ASSERT_TRUE(TruncateFile(file, 13));
@@ -132,11 +123,12 @@ TEST_F(FileContract, SharingBetweenOneThatWritesAndOthers) {
   EXPECT_FALSE(RemoveFile(path));
 }
 
-TEST_F(FileContract, RenamingReplaces) {
+TEST_F(FileContract, CreatingAnewAndRenamingReplace) {
   const wchar_t* from = Path(L"from.log");
   const wchar_t* to = Path(L"to.log");
+  CloseFile(Create(from, "old and long"));
   CloseFile(Create(from, "new"));
-  CloseFile(Create(to, "old"));
+  CloseFile(Create(to, "another"));
   EXPECT_TRUE(RenameFile(from, to));
   EXPECT_EQ(ReadAll(to), "new");
   EXPECT_FALSE(RenameFile(from, to));
@@ -170,7 +162,7 @@ TEST_F(FileContract, FoldersAndFilesAreToldApart) {
 }
 
 TEST(FileContractHandles, NoneMeansFailureEverywhere) {
-  for (const Handle none : kBadHandles) {
+  for (const Handle none : {Handle::null, Handle::invalid}) {
     char byte = 'x';
     uint32_t count = 7;
     uint64_t value = 7;

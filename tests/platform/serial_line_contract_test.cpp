@@ -13,7 +13,6 @@ namespace tw {
 namespace {
 
 constexpr char kMode[] = "baud=115200 parity=N data=8 stop=1";
-constexpr char kFastMode[] = "baud=3000000 parity=N data=8 stop=1 octs=on rts=on";
 constexpr uint32_t kConstant_ms = 100;
 constexpr uint32_t kLong_ms = 20'000;  // "soon", on a busy machine
 
@@ -93,18 +92,10 @@ TEST_F(SerialLineContract, OpeningThrowsAwayWhatWaited) {
   ASSERT_TRUE(WriteSerialLine(line_, "stale", 5));
   ASSERT_TRUE(AwaitWaiting(5));
   CloseSerialLine(line_);
-  line_ = Open(kFastMode);
+  line_ = Open("baud=3000000 parity=N data=8 stop=1 octs=on rts=on");
   EXPECT_EQ(BytesWaiting(line_), 0u);
   ASSERT_TRUE(WriteSerialLine(line_, "fresh", 5));
   EXPECT_EQ(ReadBack(5), "fresh");
-}
-
-TEST_F(SerialLineContract, ALineIsForOneProgramAtATime) {
-  if (!EchoLine::IsExclusive()) GTEST_SKIP() << "this system shares its lines";
-  EXPECT_EQ(OpenSerialLine(echo_.Name().c_str(), kMode, kConstant_ms), Handle::invalid);
-  EXPECT_NE(LastSystemError(), 0u);
-  CloseSerialLine(line_);
-  line_ = Open(kMode);
 }
 
 TEST_F(SerialLineContract, AModeStringThatMakesNoSenseStillOpens) {

@@ -3,7 +3,6 @@
 #include <string>
 #include <string_view>
 
-#include "platform/debug_output.h"
 #include "platform/file.h"
 #include "platform/memory.h"
 #include "platform/system_error.h"
@@ -42,12 +41,6 @@ TEST(MemoryContract, BigBlocksAreZeroAndCostPagesOnlyWhereTheyAreTouched) {
 TEST(MemoryContract, WhatNobodyHasIsRefused) {
   EXPECT_EQ(AllocateZeroed(size_t{1} << 60), nullptr);
   EXPECT_NE(LastSystemError(), 0u);
-}
-
-TEST(DebugOutputContract, TextMayBeEmptyOrLong) {
-  const std::wstring longText(100'000, L'x');
-  WriteDebugText(L"");
-  WriteDebugText(longText.c_str());
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include "platform/host/faults.h"
 #include "platform/host/serial_peer.h"
 #include "platform/serial_line.h"
+#include "platform/system_error.h"
 #include "platform/thread.h"
 #include "tests/platform/echo_terminal.h"
 
@@ -11,7 +12,6 @@ namespace tw {
 namespace {
 
 constexpr wchar_t kName[] = L"\\\\.\\COM7";
-constexpr char kMode[] = "baud=9600 parity=N data=8 stop=1";
 constexpr uint32_t kLong_ms = 60'000;
 
 class TerminalLineTest : public testing::Test {
@@ -19,71 +19,78 @@ class TerminalLineTest : public testing::Test {
   void SetUp() override {
     ASSERT_TRUE(terminal_.IsOpen());
     AttachTerminal(kName, terminal_.Path().c_str());
+    line_ = OpenSerialLine(kName, "baud=9600 parity=N data=8 stop=1", kLong_ms);
+    ASSERT_NE(line_, Handle::invalid);
   }
   void TearDown() override {
+    CloseSerialLine(line_);
     DetachSerialLines();
     ClearFaults();
   }
+
+  // Runs `body` in a thread until it blocks, most likely; `end` makes it return.
+  template <typename End>
+  void ExpectEnded(ThreadBody body, End end) {
+    const Handle thread = StartThread(body, &line_);
+    SleepMilliseconds(20);
+    end();
+    EXPECT_EQ(WaitForThread(thread, kLong_ms / 2), ThreadWait::ended);
+    CloseThread(thread);
+  }
+
   EchoTerminal terminal_;
+  Handle line_ = Handle::invalid;
 };
 
+// Not in the contract: Wine shares its lines.
+TEST_F(TerminalLineTest, ALineIsForOneProgramAtATime) {
+  EXPECT_EQ(OpenSerialLine(kName, "", kLong_ms), Handle::invalid);
+  EXPECT_NE(LastSystemError(), 0u);
+}
+
 TEST_F(TerminalLineTest, AHangUpMakesReadAndWriteFail) {
-  const Handle line = OpenSerialLine(kName, kMode, kLong_ms);
-  ASSERT_NE(line, Handle::invalid);
   terminal_.HangUp();
   char byte = 0;
   uint32_t got = 7;
-  EXPECT_FALSE(ReadSerialLine(line, &byte, 1, got));
+  EXPECT_FALSE(ReadSerialLine(line_, &byte, 1, got));
   EXPECT_EQ(got, 0u);
-  EXPECT_FALSE(WriteSerialLine(line, "x", 1));
-  CloseSerialLine(line);
+  EXPECT_FALSE(WriteSerialLine(line_, "x", 1));
 }
 
 TEST_F(TerminalLineTest, ClosingByAnotherThreadMakesABlockedReadFail) {
-  Handle line = OpenSerialLine(kName, kMode, kLong_ms);
-  const Handle thread = StartThread(
-      [](void* argument) {
+  ExpectEnded(
+      [](void* line) {
         char byte = 0;
         uint32_t got = 0;
-        while (ReadSerialLine(*static_cast<Handle*>(argument), &byte, 1, got)) {
+        while (ReadSerialLine(*static_cast<Handle*>(line), &byte, 1, got)) {
         }
       },
-      &line);
-  SleepMilliseconds(20);
-  CloseSerialLine(line);
-  EXPECT_EQ(WaitForThread(thread, kLong_ms / 2), ThreadWait::ended);
-  CloseThread(thread);
+      [&] { CloseSerialLine(line_); });
 }
 
 TEST_F(TerminalLineTest, ABlockedWriteEndsWhenTheTerminalHangsUp) {
-  Handle line = OpenSerialLine(kName, kMode, 100);
-  const Handle thread = StartThread(
-      [](void* argument) {
+  ExpectEnded(
+      [](void* line) {
         const char bytes[4096] = {};
-        while (WriteSerialLine(*static_cast<Handle*>(argument), bytes, sizeof(bytes))) {
+        while (WriteSerialLine(*static_cast<Handle*>(line), bytes, sizeof(bytes))) {
         }
       },
-      &line);
-  SleepMilliseconds(20);
-  terminal_.HangUp();
-  EXPECT_EQ(WaitForThread(thread, kLong_ms), ThreadWait::ended);
-  CloseThread(thread);
-  CloseSerialLine(line);
+      [&] { terminal_.HangUp(); });
 }
 
 TEST_F(TerminalLineTest, FaultsApplyToTerminalsToo) {
-  const Handle line = OpenSerialLine(kName, kMode, 100);
+  CloseSerialLine(line_);
+  line_ = OpenSerialLine(kName, "", 100);
   SilenceLine(kName, 3);
-  EXPECT_TRUE(WriteSerialLine(line, "abcdef", 6));
-  while (BytesWaiting(line) < 3) ASSERT_TRUE(terminal_.Echo(10));
+  EXPECT_TRUE(WriteSerialLine(line_, "abcdef", 6));
+  while (BytesWaiting(line_) < 3) ASSERT_TRUE(terminal_.Echo(10));
   char bytes[8] = {};
   uint32_t got = 0;
-  EXPECT_TRUE(ReadSerialLine(line, bytes, sizeof(bytes), got));
+  EXPECT_TRUE(ReadSerialLine(line_, bytes, sizeof(bytes), got));
   EXPECT_STREQ(bytes, "abc");
-  EXPECT_EQ(BytesWaiting(line), 0u);
-  EXPECT_TRUE(ReadSerialLine(line, bytes, sizeof(bytes), got));
+  EXPECT_EQ(BytesWaiting(line_), 0u);
+  EXPECT_TRUE(ReadSerialLine(line_, bytes, sizeof(bytes), got));
   EXPECT_EQ(got, 0u);
-  CloseSerialLine(line);
 }
 
 }  // namespace

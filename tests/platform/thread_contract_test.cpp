@@ -16,6 +16,14 @@ struct Exchange {
   int count;
 };
 
+// Counts what it is asked for.
+void Answer(void* argument) {
+  auto& shared = *static_cast<Exchange*>(argument);
+  if (!WaitForEvent(shared.ask, kLong_ms)) return;
+  ++shared.count;
+  Signal(shared.answer);
+}
+
 class ThreadContract : public testing::Test {
  protected:
   void SetUp() override {
@@ -60,14 +68,7 @@ TEST_F(ThreadContract, AnEventThatWasNeverMadeIsNeverSignalled) {
 }
 
 TEST_F(ThreadContract, AWaitSeesTheEventOfAnotherThread) {
-  const Handle thread = StartThread(
-      [](void* argument) {
-        auto& shared = *static_cast<Exchange*>(argument);
-        if (!WaitForEvent(shared.ask, kLong_ms)) return;
-        shared.count = 1;
-        Signal(shared.answer);
-      },
-      &shared_);
+  const Handle thread = StartThread(Answer, &shared_);
   ASSERT_NE(thread, Handle::null);
   EXPECT_EQ(WaitForThread(thread, 0), ThreadWait::timedOut);
   EXPECT_EQ(WaitForThread(thread, 20), ThreadWait::timedOut);
@@ -80,12 +81,7 @@ TEST_F(ThreadContract, AWaitSeesTheEventOfAnotherThread) {
 }
 
 TEST_F(ThreadContract, AThreadGoesOnAfterItsHandleWasClosed) {
-  const Handle thread = StartThread(
-      [](void* argument) {
-        auto& shared = *static_cast<Exchange*>(argument);
-        if (WaitForEvent(shared.ask, kLong_ms)) Signal(shared.answer);
-      },
-      &shared_);
+  const Handle thread = StartThread(Answer, &shared_);
   CloseThread(thread);
   EXPECT_EQ(WaitForThread(thread, 0), ThreadWait::failed);
   Signal(shared_.ask);

@@ -2,7 +2,6 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
-#include <termios.h>
 #include <unistd.h>
 
 #include <fstream>
@@ -25,12 +24,16 @@ std::string ScratchPath(const std::string& name) {
   return testing::TempDir() + "echosim_" + std::to_string(getpid()) + "_" + name;
 }
 
-bool Parse(const char* line, ToolOptions& options, std::string& error) {
+// Of a command line's words; empty when they were taken.
+std::string ErrorOf(const std::string& line, ToolOptions& options) {
   std::istringstream in(line);
   const std::vector<std::string> words{std::istream_iterator<std::string>(in), {}};
   std::vector<const char*> arguments;
   for (const std::string& word : words) arguments.push_back(word.c_str());
-  return ParseOptions(arguments, options, error);
+  std::string error;
+  const bool taken = ParseOptions(arguments, options, error);
+  EXPECT_EQ(taken, error.empty());
+  return error;
 }
 
 // A line that takes only so many bytes, and hands over what a test puts in.
@@ -60,24 +63,38 @@ struct NarrowLine final : Terminal {
   LineSettings settings_{115'200, 8, 'N', 1, false};
 };
 
-TEST(Options, AreRead) {
-  const char* const arguments =
-      "--link /tmp/s --gps-link /tmp/g --mode 4 --rate 12.5 --samples 12000 --speed 921600 "
-      "--seed 7 --dual --prompt split --refuse #auto --refuse #smooth --missing-key "
-      "#Altitude --fault-every 5 --hang-up-at 2.5 --silent-from 1 --gps-talker gn "
-      "--gps-latitude -33.875 --gps-no-fix";
+TEST(Options, AreReadInAnyOrder) {
   ToolOptions options;
-  std::string error;
-  ASSERT_TRUE(Parse(arguments, options, error)) << error;
+  ASSERT_EQ(
+      ErrorOf("--link /tmp/s --gps-link /tmp/g --line-log /tmp/l --strict-line --mode 10 --identity 1042 "
+              "--lacks #threshold --family 2 --firmware 1.95 --rate 12.5 --samples 12000 --speed 921600 "
+              "--speed-at-once --seed 7 --auto --preset 7 --smoothing none --no-dual-old "
+              "--binary-form frame --lacks-silently --info-bytes 13 --prompt split --refuse #auto "
+              "--refuse #smooth --missing-key #Altitude --fault-every 5 --hang-up-at 2.5 --silent-from 1 "
+              "--stream-fault lost --stream-fault nan --gps-talker gn --gps-latitude -33.875 --gps-no-fix",
+              options),
+      "");
   EXPECT_EQ(options.device, "/tmp/s");
   EXPECT_EQ(options.gpsDevice, "/tmp/g");
-  EXPECT_EQ(options.sounder.outputMode, 4);
-  EXPECT_EQ(options.sounder.pingsPerSecond, 12.5);
-  EXPECT_EQ(options.sounder.sampleCount, 12'000);
-  EXPECT_EQ(options.sounder.baud, 921'600);
-  EXPECT_EQ(options.sounder.seed, 7u);
-  EXPECT_TRUE(options.sounder.dual);
-  const sim::SounderFaults& faults = options.sounder.faults;
+  EXPECT_EQ(options.lineFile, "/tmp/l");
+  EXPECT_TRUE(options.strictLine);
+  const sim::SounderOptions& sounder = options.sounder;
+  EXPECT_EQ(sounder.outputMode, 10);
+  EXPECT_EQ(sounder.identity, "1042");
+  EXPECT_EQ(sounder.family, sim::DeviceFamily::second);
+  EXPECT_EQ(sounder.firmware_hundredths, 195);
+  EXPECT_EQ(sounder.pingsPerSecond, 12.5);
+  EXPECT_EQ(sounder.sampleCount, 12'000);
+  EXPECT_EQ(sounder.baud, 921'600);
+  EXPECT_EQ(sounder.seed, 7u);
+  EXPECT_TRUE(sounder.automatic && sounder.refusesDualOld && sounder.speedAtOnce);
+  EXPECT_EQ(sounder.preset, 7);
+  EXPECT_EQ(sounder.smoothing, sim::Smoothing::absent);
+  EXPECT_EQ(sounder.binaryForm, sim::BinaryForm::frame);
+  const sim::SounderFaults& faults = sounder.faults;
+  EXPECT_EQ(faults.lacksFrom, "#threshold");
+  EXPECT_TRUE(faults.lacksSilently);
+  EXPECT_EQ(faults.informationBytes, 13);
   EXPECT_EQ(faults.prompt, sim::PromptStyle::split);
   EXPECT_EQ(faults.refused, (std::vector<std::string>{"#auto", "#smooth"}));
   EXPECT_EQ(faults.block, sim::BlockFault::missingKey);
@@ -86,116 +103,69 @@ TEST(Options, AreRead) {
   EXPECT_EQ(faults.instrument.hangUpAt_us, 2'500'000);
   EXPECT_EQ(faults.instrument.silentFrom_us, 1'000'000);
   EXPECT_EQ(faults.instrument.silentFor_us, sim::kNever) << "no length: for ever";
+  EXPECT_EQ(faults.stream, (std::vector{sim::StreamFault::lostBytes, sim::StreamFault::notANumber}));
+  EXPECT_EQ(faults.streamRate, 0.01);
   EXPECT_EQ(options.gps.talker, sim::GpsTalker::gn);
   EXPECT_EQ(options.gps.latitude_deg, -33.875);
   EXPECT_EQ(options.gps.fixFrom_us, sim::kNever);
 }
 
-TEST(Options, StreamFaultsAddUp) {
-  const char* const arguments = "--stream-fault lost --stream-fault nan --binary-form frame";
-  ToolOptions options;
-  std::string error;
-  ASSERT_TRUE(Parse(arguments, options, error)) << error;
-  const sim::SounderFaults& faults = options.sounder.faults;
-  EXPECT_EQ(faults.stream, (std::vector{sim::StreamFault::lostBytes, sim::StreamFault::notANumber}));
-  EXPECT_EQ(faults.streamRate, 0.01);
-  EXPECT_EQ(options.sounder.binaryForm, sim::BinaryForm::frame);
-  EXPECT_FALSE(Parse("--stream-fault burnt", options, error));
-}
-
-TEST(Options, OfTheFamilyInAnyOrder) {
-  const char* const arguments =
-      "--mode 10 --identity 1042 --lacks #threshold --family 2 --firmware 1.95 --auto "
-      "--preset 7 --smoothing none --no-dual-old --info-bytes 13 --lacks-silently "
-      "--speed-at-once --line-log /tmp/l --strict-line";
-  ToolOptions options;
-  std::string error;
-  ASSERT_TRUE(Parse(arguments, options, error)) << error;
-  const sim::SounderOptions& sounder = options.sounder;
-  EXPECT_EQ(sounder.family, sim::DeviceFamily::second);
-  EXPECT_EQ(sounder.outputMode, 10);
-  EXPECT_EQ(sounder.identity, "1042");
-  EXPECT_EQ(sounder.firmware_hundredths, 195);
-  EXPECT_TRUE(sounder.automatic && sounder.refusesDualOld && sounder.speedAtOnce);
-  EXPECT_EQ(sounder.preset, 7);
-  EXPECT_EQ(sounder.smoothing, sim::Smoothing::absent);
-  EXPECT_EQ(sounder.faults.lacksFrom, "#threshold");
-  EXPECT_TRUE(sounder.faults.lacksSilently);
-  EXPECT_EQ(sounder.faults.informationBytes, 13);
-  EXPECT_EQ(options.lineFile, "/tmp/l");
-  EXPECT_TRUE(options.strictLine);
-}
-
 TEST(Options, WhatIsWrongIsNamed) {
-  const struct {
-    std::vector<const char*> arguments;
-    std::string_view error;
-  } rows[] = {
-      {{"--bogus"}, "unknown option --bogus"},
-      {{"--rate"}, "--rate needs a value"},
-      {{"--rate", "0.5"}, "--rate cannot be 0.5"},
-      {{"--rate", "51"}, "--rate cannot be 51"},
-      {{"--rate", "ten"}, "--rate cannot be ten"},
-      {{"--rate", "nan"}, "--rate cannot be nan"},
-      {{"--rate", "5x"}, "--rate cannot be 5x"},
-      {{"--samples", "99"}, "--samples cannot be 99"},
-      {{"--samples", "12001"}, "--samples cannot be 12001"},
-      {{"--speed", "12345"}, "--speed cannot be 12345"},
-      {{"--mode", "5"}, "--mode cannot be 5"},
-      {{"--family", "3"}, "--family cannot be 3"},
-      {{"--mode", "10", "--family", "1"}, "--mode cannot be 10"},
-      {{"--family", "2", "--mode", "11"}, "--mode cannot be 11"},
-      {{"--identity", "SIM1", "--family", "2"}, "--identity cannot be SIM1"},
-      {{"--lacks", "#rangel", "--family", "2"}, "--lacks cannot be #rangel"},
-      {{"--dual", "--family", "0"}, "--dual and --low are for family 1"},
-      {{"--firmware", "0"}, "--firmware cannot be 0"},
-      {{"--smoothing", "yes"}, "--smoothing cannot be yes"},
-      {{"--preset", "256"}, "--preset cannot be 256"},
-      {{"--prompt", "odd"}, "--prompt cannot be odd"},
-      {{"--silent-from", "-1"}, "--silent-from cannot be -1"},
-      {{"--link", ""}, "--link cannot be "},
-      {{"--seed", "99999999999999999999"}, "--seed cannot be 99999999999999999999"},
+  // The first option with its value is the wrong one.
+  const char* const lines[] = {
+      "--rate 0.5",   "--rate 51",    "--samples 99",      "--mode 10 --family 1",
+      "--rate ten",   "--mode 5",     "--samples 12001",   "--mode 11 --family 2",
+      "--rate nan",   "--family 3",   "--speed 12345",     "--stream-fault burnt",
+      "--rate 5x",    "--prompt odd", "--smoothing yes",   "--identity A1 --family 2",
+      "--firmware 0", "--preset 256", "--silent-from -1",  "--lacks #rangel --family 2",
+      "--seed -1",    "--seed 1e3",   "--info-bytes 1001", "--seed 99999999999999999999",
   };
-  for (const auto& row : rows) {
+  for (const std::string line : lines) {
     ToolOptions options;
-    std::string error;
-    EXPECT_FALSE(ParseOptions(row.arguments, options, error));
-    EXPECT_EQ(error, row.error);
+    std::string option, value;
+    std::istringstream(line) >> option >> value;
+    EXPECT_EQ(ErrorOf(line, options), option + " cannot be " + value);
   }
+  ToolOptions options;
+  EXPECT_EQ(ErrorOf("--bogus", options), "unknown option --bogus");
+  EXPECT_EQ(ErrorOf("--rate", options), "--rate needs a value");
+  EXPECT_EQ(ErrorOf("--dual --family 0", options), "--dual and --low are for family 1");
+  std::string error;
+  EXPECT_FALSE(ParseOptions(std::vector{"--link", ""}, options, error));
+  EXPECT_EQ(error, "--link cannot be ");
 }
 
-TEST(Binding, WhatTheLineDoesNotTakeIsDroppedAndCounted) {
-  const std::string path = ScratchPath("lost");
-  {
-    sim::VirtualEchosounder device({.streaming = true});
-    LineFile lost;
-    ASSERT_TRUE(lost.Create(path));
-    Binding binding(device, std::make_unique<NarrowLine>(1'000), {.lost = &lost});
-    binding.Pump(100'000);
-    EXPECT_EQ(binding.Sent(), 1'152u) << "a tenth of a second";
-    EXPECT_EQ(binding.Dropped(), 152u);
-  }
-  EXPECT_EQ(Contents(path), "dropped 100000 1000 152\n");
-  unlink(path.c_str());
+// A binding's log, in a file of the test's own.
+class BindingTest : public testing::Test {
+ protected:
+  BindingTest() { EXPECT_TRUE(log_.Create(path_)); }
+  ~BindingTest() override { unlink(path_.c_str()); }
+
+  const std::string path_ = ScratchPath("log");
+  LineFile log_;
+};
+
+TEST_F(BindingTest, WhatTheLineDoesNotTakeIsDroppedAndCounted) {
+  sim::VirtualEchosounder device({.streaming = true});
+  Binding binding(device, std::make_unique<NarrowLine>(1'000), {.lost = &log_});
+  binding.Pump(100'000);
+  EXPECT_EQ(binding.Sent(), 1'152u) << "a tenth of a second";
+  EXPECT_EQ(binding.Dropped(), 152u);
+  EXPECT_EQ(Contents(path_), "dropped 100000 1000 152\n");
 }
 
-TEST(Binding, ReceivedBytesAreWrittenWithTheirTime) {
-  const std::string path = ScratchPath("received");
-  {
-    sim::VirtualEchosounder device({});
-    LineFile received;
-    ASSERT_TRUE(received.Create(path));
-    Binding binding(device, std::make_unique<NarrowLine>(1'000, "#auto\r\n \\\x01"), {.received = &received});
-    binding.Pump(42);
-    EXPECT_EQ(binding.Received(), 10u);
-    EXPECT_EQ(device.Commands().Total(), 1u);
-  }
-  EXPECT_EQ(Contents(path), "42 #auto\\r\\n \\x5C\\x01\n");
-  unlink(path.c_str());
+TEST_F(BindingTest, ReceivedBytesAreWrittenWithTheirTime) {
+  sim::VirtualEchosounder device({});
+  Binding binding(device, std::make_unique<NarrowLine>(1'000, "#auto\r\n \\\x01"), {.received = &log_});
+  binding.Pump(42);
+  EXPECT_EQ(binding.Received(), 10u);
+  EXPECT_EQ(device.Commands().Total(), 1u);
+  EXPECT_EQ(Contents(path_), "42 #auto\\r\\n \\x5C\\x01\n");
 }
 
-TEST(Binding, StrictLineCarriesNoiseWhileTheSpeedsDiffer) {
+TEST_F(BindingTest, StrictLineCarriesNoiseWhileTheSpeedsDiffer) {
   for (const bool strict : {false, true}) {
+    SCOPED_TRACE(strict);
     sim::VirtualEchosounder device({.streaming = true});
     auto terminal = std::make_unique<NarrowLine>(100'000, " ");
     NarrowLine& line = *terminal;
@@ -212,20 +182,27 @@ TEST(Binding, StrictLineCarriesNoiseWhileTheSpeedsDiffer) {
   }
 }
 
-TEST(Binding, AnswerToTheResetLeavesAStrictLineAtTheOldSpeed) {
+TEST_F(BindingTest, AnswerToTheResetLeavesAStrictLineAtTheOldSpeed) {
   sim::VirtualEchosounder device({});
   auto terminal = std::make_unique<NarrowLine>(100'000, "#speed 3000000\r#reset\r");
   NarrowLine& line = *terminal;
-  Binding binding(device, std::move(terminal), {}, true);
-  for (const int64_t now_us : {0, 1'000'000, 2'000'000}) binding.Pump(now_us);
+  Binding binding(device, std::move(terminal), {.line = &log_}, true);
+  for (const int64_t now_us : {0, 1'000'000}) binding.Pump(now_us);
   EXPECT_EQ(line.sent_, "#speed 3000000\r\n\r\n>#reset\r\n\r\n>");
-  EXPECT_EQ(device.LineSpeed(), 3'000'000);
+  line.input_ = "#time\r";
+  binding.Pump(2'000'000);
+  EXPECT_EQ(device.Commands().Total(), 2u) << "the program is not there yet";
+  line.settings_ = {3'000'000, 7, 'E', 2, true};
   line.input_ = "#time\r";
   binding.Pump(3'000'000);
-  EXPECT_EQ(device.Commands().Total(), 2u);
+  EXPECT_EQ(device.Commands().Total(), 3u);
+  EXPECT_EQ(Contents(path_),
+            "line 0 115200 8N1 none 115200\n"
+            "line 1000000 115200 8N1 none 3000000\n"
+            "line 3000000 3000000 7E2 rtscts 3000000\n");
 }
 
-TEST(Binding, HangUpClosesTheLine) {
+TEST_F(BindingTest, HangUpClosesTheLine) {
   sim::VirtualEchosounder device({.faults = {.instrument = {.hangUpAt_us = 5'000}}});
   Binding binding(device, std::make_unique<NarrowLine>(1'000), {});
   binding.Pump(4'999);
@@ -257,45 +234,6 @@ TEST(PseudoTerminal, CarriesADialogueAndTakesItsLinkAway) {
   }
   struct stat status {};
   EXPECT_NE(lstat(link.c_str(), &status), 0);
-}
-
-// As a program does that goes to the fast speed and back, with the device following at its resets.
-TEST(PseudoTerminal, TellsHowTheProgramSetUpTheLine) {
-  const std::string link = ScratchPath("settings");
-  const std::string path = ScratchPath("line");
-  sim::VirtualEchosounder device({});
-  std::string error;
-  {
-    LineFile log;
-    ASSERT_TRUE(log.Create(path));
-    Binding binding(device, OpenTerminal(link, 115'200, error), {.line = &log});
-    ASSERT_NE(binding.Line(), nullptr) << error;
-    binding.Pump(0);
-    const int line = open(link.c_str(), O_RDWR | O_NOCTTY);
-    ASSERT_GE(line, 0);
-    const auto set = [&](speed_t speed, tcflag_t flow) {
-      termios state{};
-      ASSERT_EQ(tcgetattr(line, &state), 0);
-      cfsetspeed(&state, speed);
-      state.c_cflag = (state.c_cflag & ~static_cast<tcflag_t>(CRTSCTS)) | flow;
-      ASSERT_EQ(tcsetattr(line, TCSANOW, &state), 0);
-    };
-    ASSERT_EQ(write(line, "#speed 3000000\r#reset\r", 22), 22);
-    binding.Pump(1'000'000);
-    binding.Pump(2'000'000);
-    set(B3000000, CRTSCTS);
-    binding.Pump(3'000'000);
-    binding.Pump(4'000'000);
-    set(B19200, 0);
-    binding.Pump(5'000'000);
-    close(line);
-  }
-  EXPECT_EQ(Contents(path),
-            "line 0 115200 8N1 none 115200\n"
-            "line 2000000 115200 8N1 none 3000000\n"
-            "line 3000000 3000000 8N1 rtscts 3000000\n"
-            "line 5000000 19200 8N1 none 3000000\n");
-  unlink(path.c_str());
 }
 
 TEST(PseudoTerminal, NobodyReadingNeverBlocks) {

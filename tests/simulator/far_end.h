@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "simulator/instrument.h"
+#include "simulator/virtual_echosounder.h"
 
 namespace tw::sim {
 
@@ -14,7 +14,7 @@ class FarEnd {
  public:
   explicit FarEnd(VirtualInstrument& instrument) : instrument_(instrument) {}
 
-  int64_t Now_us() const { return now_us_; }
+  [[nodiscard]] int64_t Now_us() const { return now_us_; }
 
   void Write(std::string_view text) {
     instrument_.Receive({reinterpret_cast<const uint8_t*>(text.data()), text.size()}, now_us_);
@@ -51,6 +51,14 @@ class FarEnd {
 
   VirtualInstrument& instrument_;
   int64_t now_us_ = 0;
+};
+
+// An echosounder and the near end of its line.
+struct Sounder : FarEnd {
+  explicit Sounder(const SounderOptions& options, PingObserver* observer = nullptr)
+      : FarEnd(device), device(options, observer) {}
+
+  VirtualEchosounder device;
 };
 
 // The answers to a line: a value, nothing but the prompt, a refusal.
