@@ -27,11 +27,11 @@ def main():
     source, target = sys.argv[1:]
     count = sum(1 for _ in frames(source))
     header, samples = next(frames(source))
-    spec = segyio.spec()
-    spec.format = 3
-    spec.samples = list(range(len(samples)))
-    spec.tracecount = count
-    with segyio.create(target, spec) as out:
+    layout = segyio.spec()
+    layout.format = 3
+    layout.samples = list(range(len(samples)))
+    layout.tracecount = count
+    with segyio.create(target, layout) as out:
         for i, (header, samples) in enumerate(frames(source)):
             seconds, ping, frequency, _, length = struct.unpack_from('<5I', header, 16)
             latitude, longitude = (int(math.degrees(v) * 3600000) for v in struct.unpack_from('<2f', header, 64))

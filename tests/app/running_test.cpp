@@ -99,7 +99,7 @@ TEST_F(Running, TheReportedSizeIsThatOfThePresentRecording) {
   EXPECT_LE(std::stoul(told.substr(before.size())), second / 1024);
 }
 
-// Part 2 of the status bar tells a position or the size of a conversion, part 3 a file's or a recording's.
+// The status bar's position text may be the size of a conversion, its ping text that of a file.
 TEST_F(Running, StartTakesBackWhatAFileToldInTheStatusBar) {
   ConnectSounder(QuickSounder());
   PostStatusText(*state_, StatusPart::position, L"File size: 3600Bytes");

@@ -24,6 +24,7 @@
 #include "simulator/virtual_echosounder.h"
 #include "tests/acquisition/live_program.h"
 #include "tests/end_to_end/pulse_watch.h"
+#include "tests/end_to_end/received_pings.h"
 #include "tests/sent_account.h"
 #include "tests/simulator_peer.h"
 
@@ -32,22 +33,19 @@ namespace {
 
 using sim::DeviceFamily;
 using sim::StreamFault;
+using test::RecordedFile;
+using test::RingWatch;
 using test::Says;
 using test::SentMessage;
+using test::Shown;
+using Form = test::RecordForm;
+using test::kRepeat;
 
 constexpr size_t kMessages = 500;
 constexpr int32_t kLow_hz = 200'000;
 constexpr int32_t kHigh_hz = 450'000;
 constexpr size_t kMostLines = 1'000;  // that a message of another mode can be taken for
 constexpr size_t kBlockHeader = 62;
-constexpr size_t kRepeat = 4;  // a sample on the grid: the device samples at 25,000 Hz
-
-enum class Form : uint8_t {
-  line,   // recorded as it came, behind it the position
-  epoch,  // the same behind a frequency line
-  text,   // recorded as it came, behind it the position and an empty line
-  block,  // recorded as a frame
-};
 
 struct Mode {
   friend void PrintTo(const Mode& mode, std::ostream* out) { *out << mode.name; }
@@ -142,90 +140,6 @@ class ListeningPeer final : public test::SimulatorPeer {
   std::string bytes;
 };
 
-// A ping that was on view, or a frame of a file.
-struct Shown {
-  PingHeader header;
-  std::vector<uint16_t> samples;
-};
-
-std::vector<uint16_t> SamplesAt(const uint8_t* bytes, size_t count) {
-  std::vector<uint16_t> samples(count);
-  for (size_t i = 0; i < count; ++i) samples[i] = LoadLe<uint16_t>(bytes + 2 * i);
-  return samples;
-}
-
-// Collects what a ring shows, as long as it is looked at more often than pings come.
-class RingWatch {
- public:
-  RingWatch(const PingRing& ring, Form form) : ring_(ring), form_(form) {}
-
-  void Look(int32_t index) {
-    const uint8_t* slot = ring_.slots[index];
-    const std::string_view bytes(reinterpret_cast<const char*>(slot), kLooked);
-    if (bytes == last_) return;
-    last_ = bytes;
-    Shown shown{LoadPingHeader(slot), {}};
-    const bool block = form_ == Form::block;
-    const size_t count = size_t{shown.header.sampleCount} * (block ? 1 : kRepeat);
-    shown.samples = SamplesAt(slot + kSlotSamples, std::min(count, kMaxSlotSamples));
-    if (form_ == Form::line || form_ == Form::epoch)
-      shown.samples = SamplesAt(slot + kSlotSamples, kPulseReach);
-    seen.push_back(std::move(shown));
-  }
-
-  std::vector<Shown> seen;
-
- private:
-  static constexpr size_t kLooked = kSlotSamples + 400;
-  static constexpr size_t kPulseReach = 3'000;
-  const PingRing& ring_;
-  const Form form_;
-  std::string last_ = std::string(kLooked, '\0');
-};
-
-struct File {
-  std::vector<std::string> messages;  // as they came, in the forms that are recorded so
-  std::vector<Shown> frames;
-  [[nodiscard]] size_t Size() const { return messages.size() + frames.size(); }
-};
-
-// Takes a sentence of the position off the front.
-void TakeSentence(std::string_view& file, std::string_view begin) {
-  const size_t end = file.find("\r\n");
-  ASSERT_TRUE(end != file.npos && file.starts_with(begin)) << file.substr(0, 100);
-  file.remove_prefix(end + 2);
-}
-
-void ReadTexts(std::string_view file, Form form, File& out) {
-  constexpr std::string_view kPosition = "$GPGGA,000000.00,";
-  while (!file.empty()) {
-    if (form == Form::epoch) {
-      ASSERT_NO_FATAL_FAILURE(TakeSentence(file, "#F "));
-    }
-    const size_t end = file.find(kPosition);
-    ASSERT_NE(end, file.npos) << file.substr(0, 100);
-    out.messages.emplace_back(file.substr(0, end));
-    file.remove_prefix(end);
-    ASSERT_NO_FATAL_FAILURE(TakeSentence(file, "$GPGGA,"));
-    ASSERT_NO_FATAL_FAILURE(TakeSentence(file, "$GPRMC,"));
-    if (form != Form::text) continue;
-    ASSERT_TRUE(file.starts_with("\r\n\r\n"));
-    file.remove_prefix(4);
-  }
-}
-
-void ReadFrames(std::string_view file, File& out) {
-  while (!file.empty()) {
-    ASSERT_GE(file.size(), 88u);
-    ASSERT_TRUE(file.starts_with(std::string_view("TR57\x58\0\0\0", 8)));
-    const auto* frame = reinterpret_cast<const uint8_t*>(file.data());
-    const PingHeader header = LoadPingHeader(frame);
-    ASSERT_GE(file.size(), 88 + 2 * size_t{header.sampleCount}) << "a torn frame";
-    out.frames.push_back({header, SamplesAt(frame + 88, header.sampleCount)});
-    file.remove_prefix(88 + 2 * size_t{header.sampleCount});
-  }
-}
-
 struct Case {
   friend void PrintTo(const Case& each, std::ostream* out) { *out << each.mode.name; }
   Mode mode;
@@ -263,7 +177,7 @@ class StreamFaultCell {
   void MarkOwed();
   void ExpectRecorded(size_t file);
   void ExpectShown(const std::vector<Shown>& seen, bool low) const;
-  void ExpectSent(const File& file) const;
+  void ExpectSent(const RecordedFile& file) const;
 
   [[nodiscard]] std::string_view Bytes(const SentMessage& message) const {
     return std::string_view(peer_.bytes).substr(message.sent.offset, message.sent.size);
@@ -278,7 +192,7 @@ class StreamFaultCell {
   [[nodiscard]] uint64_t EndOfDamage(const SentMessage& message) const;
   [[nodiscard]] bool ShowsSamples(const Shown& shown, const SentMessage& message, bool low) const;
   [[nodiscard]] bool Shows(const Shown& shown, const SentMessage& message, bool low) const;
-  [[nodiscard]] bool Holds(const File& file, size_t record, const SentMessage& message) const;
+  [[nodiscard]] bool Holds(const RecordedFile& file, size_t record, const SentMessage& message) const;
 
   const Mode mode_;
   const bool dual_;
@@ -289,7 +203,7 @@ class StreamFaultCell {
   size_t judged_ = 0;  // messages; a few more come until the worker ends
   std::vector<bool> owed_;
   std::vector<Shown> seen_[2];
-  File files_[2];
+  RecordedFile files_[2];
 };
 
 void StreamFaultCell::Configure(AppState& state) const {
@@ -404,7 +318,7 @@ bool StreamFaultCell::Shows(const Shown& shown, const SentMessage& message, bool
          header.roll_deg == (attitude ? sent.roll_deg : 0.0f) && ShowsSamples(shown, message, low);
 }
 
-bool StreamFaultCell::Holds(const File& file, size_t record, const SentMessage& message) const {
+bool StreamFaultCell::Holds(const RecordedFile& file, size_t record, const SentMessage& message) const {
   if (mode_.form != Form::block) return file.messages[record] == Bytes(message);
   return Shows(file.frames[record], message, false);
 }
@@ -412,7 +326,7 @@ bool StreamFaultCell::Holds(const File& file, size_t record, const SentMessage& 
 // The file holds each message that is owed to it, in order. What it holds besides stems from damaged ones: no
 // more of it than was damaged so far. (Lines have no numbers, so one may be taken for its like.)
 void StreamFaultCell::ExpectRecorded(size_t file) {
-  const File& recorded = files_[file];
+  const RecordedFile& recorded = files_[file];
   size_t record = 0;
   size_t owed = 0;
   size_t doubtful = 0;
@@ -448,7 +362,7 @@ void StreamFaultCell::ExpectShown(const std::vector<Shown>& seen, bool low) cons
 }
 
 // Nothing is recorded that was not sent so, in that order.
-void StreamFaultCell::ExpectSent(const File& file) const {
+void StreamFaultCell::ExpectSent(const RecordedFile& file) const {
   size_t from = 0;
   for (const std::string& message : file.messages) {
     const size_t at = peer_.bytes.find(message, from);
@@ -462,7 +376,7 @@ Figures StreamFaultCell::Judge() {
   for (size_t file = 0; file < 2; ++file) ExpectRecorded(file);
   // A line may be recorded behind one that was kept, and with a line end of the program's.
   if (mode_.form == Form::text || mode_.form == Form::epoch) {
-    for (const File& file : files_) ExpectSent(file);
+    for (const RecordedFile& file : files_) ExpectSent(file);
   }
   ExpectShown(seen_[0], false);
   if (dual_) ExpectShown(seen_[1], true);
