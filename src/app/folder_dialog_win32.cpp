@@ -24,10 +24,12 @@ constexpr UINT kBrowserFlags =
 static_assert(kBrowserFlags == 0x1053);
 constexpr size_t kFolderLimit = 260;  // characters that can be entered
 
-// Some folders come up with "OK" greyed; only a posted message changes that.
+// The first selection may be lost on the way, while the tree is still being filled, so it is asked for once
+// more behind that. Some folders come up with "OK" greyed; only a posted message changes that.
 int CALLBACK OnBrowse(HWND browser, UINT message, LPARAM, LPARAM folder) {
   if (message == BFFM_INITIALIZED) {
     SendMessageW(browser, BFFM_SETSELECTIONW, TRUE, folder);
+    PostMessageW(browser, BFFM_SETSELECTIONW, TRUE, folder);
     PostMessageW(browser, BFFM_ENABLEOK, 0, TRUE);
   }
   return 0;
