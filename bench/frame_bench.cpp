@@ -108,8 +108,9 @@ void MeasureStoring(PingRing& ring, size_t count, uint32_t frequency_hz, uint16_
   Lock lock;
   MakeLock(lock);
   int32_t index = 0;
+  int64_t time = 0;
   std::vector<uint16_t> reach(kRingSlots);
-  RingWriter writer{&ring, &index, &lock, reach.data()};
+  RingWriter writer{&ring, &index, &time, &lock, reach.data()};
   const auto image = std::make_unique<SlotImage>();
   uint32_t now_ms = 0;
   const auto store = [&] {

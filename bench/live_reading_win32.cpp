@@ -49,6 +49,7 @@ struct Reading {
   tw::SlotImage image;
   tw::Lock lock{};
   int32_t index = 0;
+  int64_t time = 0;
   uint16_t reach[tw::kRingSlots]{};
 };
 
@@ -81,7 +82,7 @@ int main(int argc, char** argv) {
     std::fprintf(stderr, "live_reading: no port, no file or no memory\n");
     return 1;
   }
-  tw::RingWriter ring{ringMemory, &reading->index, &reading->lock, reading->reach};
+  tw::RingWriter ring{ringMemory, &reading->index, &reading->time, &reading->lock, reading->reach};
   const auto source = std::make_unique<tw::ByteSource>(port);
   tw::RaiseTimerResolution();
   if (!tw::WriteSerialLine(port, "g", 1)) return 1;

@@ -51,10 +51,10 @@ class LiveRun {
         source_(LoadShared(state.devicePort)),
         reader_(mode.makeReader()),
         channels_{{RecordChannel::a,
-                   {state.ringA, &state.ringIndexA, &state.ringLockA, globals.slotReachA},
+                   {state.ringA, &state.ringIndexA, &state.ringTimeA, &state.ringLockA, globals.slotReachA},
                    globals.marksA},
                   {RecordChannel::b,
-                   {state.ringB, &state.ringIndexB, &state.ringLockB, globals.slotReachB},
+                   {state.ringB, &state.ringIndexB, &state.ringTimeB, &state.ringLockB, globals.slotReachB},
                    globals.marksB}},
         report_(state) {
     // A stream that sends no attitude shows none.
@@ -78,8 +78,7 @@ class LiveRun {
       Locked held(state_.ringLockA);
       index = state_.ringIndexA;
     }
-    Locked held(state_.ringLockB);
-    state_.ringIndexB = index;
+    MoveRing(channels_[1].ring, index);
     StoreShared(globals.attitudePresent, 1);
   }
 

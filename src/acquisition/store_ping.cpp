@@ -75,7 +75,7 @@ std::span<const uint16_t> SlotImage::OntoGrid(std::span<const uint16_t> samples,
   return {grid, DecodeOntoGrid(samples.size(), repeat, grid, scale)};
 }
 
-void StorePing(RingWriter& writer, const SlotImage& image, uint32_t now_ms) {
+int64_t StorePing(RingWriter& writer, const SlotImage& image, uint32_t now_ms) {
   int32_t index = 0;
   {
     Locked held(*writer.lock);
@@ -89,6 +89,13 @@ void StorePing(RingWriter& writer, const SlotImage& image, uint32_t now_ms) {
   }
   Locked held(*writer.lock);
   *writer.index = static_cast<int32_t>((static_cast<uint64_t>(index) + ticks) % kRingSlots);
+  return *writer.time += ticks;
+}
+
+void MoveRing(const RingWriter& writer, int32_t index) {
+  Locked held(*writer.lock);
+  *writer.time += (index - *writer.index + kRingSlots) % kRingSlots;
+  *writer.index = index;
 }
 
 void ClearRing(const RingWriter& writer) {
@@ -96,8 +103,7 @@ void ClearRing(const RingWriter& writer) {
   for (size_t slot = 0; slot < kRingSlots; ++slot) {
     if (writer.reach[slot] > 0) FillSlot(writer, slot, kNothing, 0);
   }
-  Locked held(*writer.lock);
-  *writer.index = 0;
+  MoveRing(writer, 0);
 }
 
 }  // namespace tw

@@ -15,6 +15,7 @@ namespace tw {
 struct RingWriter {
   PingRing* ring;
   int32_t* index;  // published under `lock`
+  int64_t* time;   // likewise: how many slots the index has come on in all
   Lock* lock;
   uint16_t* reach;  // kRingSlots entries: bytes of each slot that are in use
   uint32_t last_ms = 0;
@@ -46,7 +47,13 @@ struct SlotImage {
 // each slot stepped over, the new one included, and publishes the index. `now_ms` is a millisecond clock that
 // may wrap; when it goes backwards no tick passes and time counts from there. From 10,000 ticks on each slot
 // is filled once.
-void StorePing(RingWriter& writer, const SlotImage& image, uint32_t now_ms);
+// Returns the ring's time at which the ping is published: a slot whose time is 10,000 or more behind the
+// ring's has been written again.
+int64_t StorePing(RingWriter& writer, const SlotImage& image, uint32_t now_ms);
+
+// The next ping goes to another slot, 0 to 9,999. Nothing is written; the ring's time goes on as far as the
+// index does, forwards.
+void MoveRing(const RingWriter& writer, int32_t index);
 
 // Zeroes all slots in use and sets the index to 0, while nobody else writes the ring.
 void ClearRing(const RingWriter& writer);

@@ -71,6 +71,8 @@ struct AppState {
   PingRing* ringB;
   int32_t ringIndexA;  // ringLockA
   int32_t ringIndexB;  // ringLockB
+  int64_t ringTimeA;   // ringLockA: how many slots ringIndexA has come on in all; never goes back
+  int64_t ringTimeB;   // ringLockB
   Lock ringLockA;
   Lock gpsLock;
   Event stopEvent;

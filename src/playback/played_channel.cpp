@@ -49,8 +49,7 @@ void PlayedChannel::GoBack(const ChannelPlace& place) {
   latest_ms_ = place.latest_ms;
   pingsAtLatest_ = 0;
   ClearMarks(marks_);
-  Locked held(*ring_.lock);
-  *ring_.index = place.ringIndex;
+  MoveRing(ring_, place.ringIndex);
 }
 
 ChannelPlace PlayedChannel::Place() const {
@@ -59,11 +58,11 @@ ChannelPlace PlayedChannel::Place() const {
 }
 
 RingWriter WriterOfRingA(AppState& state) {
-  return {state.ringA, &state.ringIndexA, &state.ringLockA, globals.slotReachA};
+  return {state.ringA, &state.ringIndexA, &state.ringTimeA, &state.ringLockA, globals.slotReachA};
 }
 
 RingWriter WriterOfRingB(AppState& state) {
-  return {state.ringB, &state.ringIndexB, &state.ringLockB, globals.slotReachB};
+  return {state.ringB, &state.ringIndexB, &state.ringTimeB, &state.ringLockB, globals.slotReachB};
 }
 
 void ClearRings(AppState& state) {

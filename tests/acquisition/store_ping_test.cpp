@@ -57,6 +57,7 @@ class Ring : public testing::Test {
     MakeLock(lock_);
     writer_.ring = static_cast<PingRing*>(AllocateZeroed(kRingSize));
     writer_.index = &index_;
+    writer_.time = &time_;
     writer_.lock = &lock_;
     writer_.reach = reach_.data();
   }
@@ -87,6 +88,7 @@ class Ring : public testing::Test {
 
   Lock lock_{};
   int32_t index_ = 0;
+  int64_t time_ = 0;
   std::vector<uint16_t> reach_ = std::vector<uint16_t>(kRingSlots);
   RingWriter writer_{};
   std::unique_ptr<SlotImage> image_ = std::make_unique<SlotImage>();
@@ -137,6 +139,9 @@ TEST_F(Ring, ALongPauseFillsEverySlotOnce) {
   for (int32_t slot = 0; slot < kRingSlots; ++slot) ASSERT_EQ(PingAt(slot), 2u) << slot;
   Store(3, 2'147'483'647);  // 21,464,836 ticks
   EXPECT_EQ(index_, (1 + 21'464'836) % 10'000);
+  EXPECT_EQ(time_, 1 + 10'000 + 21'464'836);
+  MoveRing(writer_, 4'836);
+  EXPECT_EQ(time_, 21'484'836) << "one back is 9,999 on";
   for (int32_t slot = 0; slot < kRingSlots; ++slot) ASSERT_EQ(PingAt(slot), 3u) << slot;
 }
 
