@@ -68,6 +68,7 @@ bool FillState(AppState& state) {
   MakeLock(globals.marksB.lock);
   BuildPalette(state.palette);
   state.ringIndexA = state.ringIndexB = kNewest;
+  state.ringTimeA = state.ringTimeB = kNewest;
   state.inputFileA = state.inputFileB = Handle::invalid;
   state.displayRangeUpper = state.displayRangeLower = 80'000;
   state.timeScaleUpper = state.timeScaleLower = 150;
@@ -80,13 +81,14 @@ bool FillState(AppState& state) {
   state.initialised = 1;
   globals.pingCounter = 12'345;
   globals.attitudePresent = 1;
-  globals.pingInterval_ms = 100;
   return true;
 }
 
 void FillMarks() {
   globals.timestampTicked = 1;
-  for (uint32_t i = 0; i < 1'490; ++i) AddMark(globals.marksA, 300, 1'700'000'000u + i / 10);
+  for (uint32_t i = 0; i < 1'490; ++i) {
+    AddMark(globals.marksA, 300, {1'700'000'000u + i / 10, int64_t{kNewest} - 1'489 + i});
+  }
 }
 
 LRESULT CALLBACK ParentProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {

@@ -149,10 +149,10 @@ class LiveRun {
     if (mode_.echo == EchoSource::pulse) {
       DrawPulse(image_, ping_.header.altitude_m, settings_.soundSpeed_mps);
     }
-    StorePing(channel.ring, image_, now_ms);
+    const int64_t ringTime = StorePing(channel.ring, image_, now_ms);
     Publish(channel);
     if (LoadShared(globals.timestampTicked) != 0) {
-      AddMark(channel.marks, MarksOf(channel), ping_.header.timeOfWork_s);
+      AddMark(channel.marks, MarksOf(channel), {ping_.header.timeOfWork_s, ringTime});
     }
   }
 

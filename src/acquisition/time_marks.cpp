@@ -7,6 +7,31 @@
 #include "base/text_format.h"
 
 namespace tw {
+namespace {
+
+// Puts the ping at the head of the list; the caller holds its lock.
+void Enter(MarkList& marks, bool rises, const MarkedPing& ping) {
+  if (rises) {
+    ++marks.markNumber;
+    marks.pingsSinceMark = 0;
+    marks.sinceMark_ms = 0;
+  }
+  const CalendarTime time = CalendarFromUnixSeconds(ping.time_s);
+  constexpr auto kEntries = static_cast<int32_t>(kMaxMarks);
+  marks.newest = (marks.newest + kEntries - 1) % kEntries;
+  MarkEntry& entry = marks.entries[marks.newest];
+  FormatText(entry.text,
+             "%04" PRId32 " M %04" PRId32 "-%02" PRId32 "-%02" PRId32 " %02" PRId32 ":%02" PRId32
+             ":%02" PRId32,
+             marks.markNumber, time.year, time.month, time.day, time.hour, time.minute, time.second);
+  entry.begins = rises || marks.count == 0;
+  entry.ringTime = ping.ringTime;
+  marks.count = std::min(marks.count + 1, kEntries);
+  ++marks.pingsSinceMark;
+  marks.changed = 1;
+}
+
+}  // namespace
 
 int32_t MarkInterval(uint32_t period_ms, uint32_t pingInterval_ms) {
   if (pingInterval_ms == 0) return 0;
@@ -18,34 +43,27 @@ void ClearMarks(MarkList& marks) {
   marks.newest = 0;
   marks.count = 0;
   marks.pingsSinceMark = 0;
+  marks.sinceMark_ms = 0;
   marks.markNumber = 0;
   marks.changed = 1;
 }
 
-void AddMark(MarkList& marks, int32_t interval_pings, uint32_t time_s) {
-  const CalendarTime time = CalendarFromUnixSeconds(time_s);
+void AddMark(MarkList& marks, int32_t interval_pings, const MarkedPing& ping) {
   Locked held(marks.lock);
-  marks.interval_pings = interval_pings;
-  if (marks.pingsSinceMark >= interval_pings) {
-    ++marks.markNumber;
-    marks.pingsSinceMark = 0;
-  }
-  constexpr auto kEntries = static_cast<int32_t>(kMaxMarks);
-  marks.newest = (marks.newest + kEntries - 1) % kEntries;
-  FormatText(marks.texts[marks.newest],
-             "%04" PRId32 " M %04" PRId32 "-%02" PRId32 "-%02" PRId32 " %02" PRId32 ":%02" PRId32
-             ":%02" PRId32,
-             marks.markNumber, time.year, time.month, time.day, time.hour, time.minute, time.second);
-  marks.count = std::min(marks.count + 1, kEntries);
-  ++marks.pingsSinceMark;
-  marks.changed = 1;
+  Enter(marks, marks.pingsSinceMark >= interval_pings, ping);
+}
+
+void AddPlayedMark(MarkList& marks, int64_t passed_ms, const MarkedPing& ping) {
+  Locked held(marks.lock);
+  marks.sinceMark_ms += passed_ms;
+  Enter(marks, marks.sinceMark_ms >= kSingleMarkPeriod_ms, ping);
 }
 
 bool CopyMark(MarkList& marks, int32_t age, std::span<char, kMarkTextSize> text) {
   Locked held(marks.lock);
   if (age < 0 || age >= marks.count) return false;
   const auto entry = static_cast<size_t>(marks.newest + age) % kMaxMarks;
-  std::copy_n(marks.texts[entry], kMarkTextSize, text.begin());
+  std::copy_n(marks.entries[entry].text, kMarkTextSize, text.begin());
   return true;
 }
 

@@ -118,16 +118,22 @@ struct AppState {
 inline constexpr size_t kMarkTextSize = 33;
 inline constexpr size_t kMaxMarks = 1'490;
 
+struct MarkEntry {
+  char text[kMarkTextSize];
+  bool begins;       // the first ping of its number
+  int64_t ringTime;  // of the slot at which its ping was published
+};
+
 // The time marks of one channel: one entry per ping while "Timestamp" is ticked, newest first. The entries
-// stand in a circle: entry i of the list is texts[(newest + i) % kMaxMarks].
+// stand in a circle: entry i of the list is entries[(newest + i) % kMaxMarks].
 struct MarkList {
   Lock lock;
-  char texts[kMaxMarks][kMarkTextSize];
+  MarkEntry entries[kMaxMarks];
   int32_t newest;
   int32_t count;
   int32_t pingsSinceMark;
+  int64_t sinceMark_ms;  // recorded time, of a playback
   int32_t markNumber;
-  int32_t interval_pings;  // N
   int32_t changed;
 };
 
@@ -167,7 +173,7 @@ struct Globals {
   float latestAltitudeLow_m;
   int32_t attitudePresent;
   float pingInterval_ms;          // set interval at Start
-  float measuredPingInterval_ms;  // 0 until two pings have come
+  float measuredPingInterval_ms;  // of a run; 0 until two pings have come
   int32_t timestampTicked;        // GUI thread writes
   int32_t autoCaptureTicked;
   int32_t autoCaptureRequested;

@@ -152,6 +152,12 @@ int32_t SlotOfColumn(int32_t x, int32_t width, int32_t newest, int32_t timeScale
   return static_cast<int32_t>(static_cast<uint32_t>(static_cast<int64_t>(difference)) % kRingSlots);
 }
 
+int32_t ColumnOfAge(int64_t age, int32_t width, int32_t newest, int32_t timeScale_s) {
+  const int64_t slotsInView = int64_t{timeScale_s} * 10;
+  if (slotsInView <= 0 || age < 0 || age > std::min<int64_t>(slotsInView, newest)) return -1;
+  return width - static_cast<int32_t>(age * width / slotsInView);
+}
+
 bool IsDrawable(const EchogramScale& scale, int32_t height) {
   return height > 0 && scale.range_mm > 0 && std::isfinite(scale.soundSpeed_mps) && scale.soundSpeed_mps > 0;
 }

@@ -61,6 +61,12 @@ struct EchogramScratch {
 // not the ring's wrap (2^32 is no multiple of 10,000).
 [[nodiscard]] int32_t SlotOfColumn(int32_t x, int32_t width, int32_t newest, int32_t timeScale_s);
 
+// The other way round: the column of the slot that lies `age` slots behind the newest. Where columns are
+// coarser than slots and none shows that one, it is the column of the next newer slot shown. The newest
+// itself counts as column `width`. Negative when that place is out of view or to the left of index 0, where
+// the image shows other slots.
+[[nodiscard]] int32_t ColumnOfAge(int64_t age, int32_t width, int32_t newest, int32_t timeScale_s);
+
 // False when range, sound speed or height is 0 or less, or not a number.
 [[nodiscard]] bool IsDrawable(const EchogramScale& scale, int32_t height);
 

@@ -1,12 +1,14 @@
-// Which time marks stand where in the image while "Timestamp" is ticked: up to five texts, each at the column
-// of the ping that it belongs to, about 30 s apart. GUI thread; takes the list's lock for the time of the
-// call.
+// Which time marks stand where in the image while "Timestamp" is ticked: a text at the first ping of each
+// mark number, in the column of the slot at which that ping was published. In a steady single run that is
+// where the mark's age in pings times their interval puts it; a pause, jitter or another time scale moves
+// text and image alike. GUI thread; takes the list's lock for the time of the call.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 
 #include "app/app_state.h"
+#include "display/echogram_image.h"
 #include "display/layout.h"
 
 namespace tw {
@@ -24,9 +26,9 @@ struct ShownMarks {
   size_t count;
 };
 
-// `marksAtStart` is the marks interval in pings while the list has none of its own yet; without either, and
-// with a ping interval that is negative or no number, there are no marks.
-[[nodiscard]] ShownMarks FindShownMarks(MarkList& list, const PanelLayout& layout, int32_t marksAtStart,
-                                        float pingInterval_ms);
+// The newest of those in view, newest first. `scale` is what the panel's image is drawn with and `ringTime`
+// the ring's time at scale.newest.
+[[nodiscard]] ShownMarks FindShownMarks(MarkList& list, const PanelLayout& layout, const EchogramScale& scale,
+                                        int64_t ringTime);
 
 }  // namespace tw

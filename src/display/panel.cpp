@@ -103,6 +103,7 @@ PanelSource DescribePanel(AppState& state, PanelPlace place) {
   {
     const Locked locked(isLower ? state.ringLockB : state.ringLockA);
     source.scale.newest = isLower ? state.ringIndexB : state.ringIndexA;
+    source.ringTime = isLower ? state.ringTimeB : state.ringTimeA;
   }
   source.scale.timeScale_s = sharesPings ? timeScale_s / 2 : timeScale_s;
   source.scale.range_mm = isLower ? state.displayRangeLower : state.displayRangeUpper;

@@ -19,6 +19,7 @@ enum class PanelPlace : uint8_t { single, upper, lower };
 struct PanelSource {
   const DisplayPalette* palette;
   const PingRing* ring;  // null: nothing to show yet
+  int64_t ringTime;      // of the newest ping's slot, see StorePing
   EchogramScale scale;
   int32_t labelledTimeScale_s;
   int32_t frequency_hz;
@@ -30,7 +31,7 @@ struct PanelSource {
 // "Apply" are not shown.
 [[nodiscard]] const DeviceSettings& ShownSettings(const AppState& state);
 
-// Reads the write index under the ring's lock.
+// Reads the write index and the ring's time under the ring's lock.
 [[nodiscard]] PanelSource DescribePanel(AppState& state, PanelPlace place);
 
 // The device range that limits the zoom of a panel, in mm.

@@ -27,12 +27,9 @@ void ViewPainter::PaintLabels(const PanelSource& source, const PanelLayout& layo
   for (size_t i = 0; i < labels.count; ++i) labels_.Draw(picture_, labels.labels[i]);
 }
 
-void ViewPainter::PaintMarks(MarkList& marks, const PanelLayout& layout) {
+void ViewPainter::PaintMarks(MarkList& marks, const PanelSource& source, const PanelLayout& layout) {
   if (LoadShared(globals.timestampTicked) == 0) return;
-  const float measured_ms = LoadShared(globals.measuredPingInterval_ms);
-  const float interval_ms = measured_ms > 0 ? measured_ms : LoadShared(globals.pingInterval_ms);
-  marks_.Draw(picture_.Dc(), FindShownMarks(marks, layout, LoadShared(globals.marksAtStart), interval_ms),
-              layout.dpi);
+  marks_.Draw(picture_.Dc(), FindShownMarks(marks, layout, source.scale, source.ringTime), layout.dpi);
 }
 
 void ViewPainter::PaintSingle(AppState& state, int32_t width, int32_t height, int32_t dpi) {
@@ -40,7 +37,7 @@ void ViewPainter::PaintSingle(AppState& state, int32_t width, int32_t height, in
   const PanelSource source = PaintPanel(state, PanelPlace::single, layout);
   PaintLabels(source, layout);
   labels_.DrawOnce(picture_, CollectStatus(state, source, layout, false));
-  PaintMarks(globals.marksA, layout);
+  PaintMarks(globals.marksA, source, layout);
 }
 
 void ViewPainter::PaintDual(AppState& state, int32_t width, int32_t height, int32_t dpi) {
@@ -51,8 +48,8 @@ void ViewPainter::PaintDual(AppState& state, int32_t width, int32_t height, int3
   PaintLabels(upper, upperLayout);
   PaintLabels(lower, lowerLayout);
   labels_.DrawOnce(picture_, CollectStatus(state, upper, lowerLayout, true));
-  PaintMarks(globals.marksA, upperLayout);
-  PaintMarks(globals.marksB, lowerLayout);
+  PaintMarks(globals.marksA, upper, upperLayout);
+  PaintMarks(globals.marksB, lower, lowerLayout);
 }
 
 }  // namespace tw

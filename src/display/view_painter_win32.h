@@ -24,7 +24,7 @@ class ViewPainter {
   void PaintDual(AppState& state, int32_t width, int32_t height, int32_t dpi);
   PanelSource PaintPanel(AppState& state, PanelPlace place, const PanelLayout& layout);
   void PaintLabels(const PanelSource& source, const PanelLayout& layout);
-  void PaintMarks(MarkList& marks, const PanelLayout& layout);
+  void PaintMarks(MarkList& marks, const PanelSource& source, const PanelLayout& layout);
 
   OffscreenPicture picture_;
   LabelPainter labels_;

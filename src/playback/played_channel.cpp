@@ -1,7 +1,6 @@
 #include "playback/played_channel.h"
 
 #include <algorithm>
-#include <limits>
 
 #include "acquisition/time_marks.h"
 #include "base/shared_value.h"
@@ -9,30 +8,11 @@
 namespace tw {
 
 void PlayedChannel::Store(const SlotImage& image, int64_t recorded_ms, uint32_t time_s) {
-  StorePing(ring_, image, static_cast<uint32_t>(recorded_ms));
-  Mark(recorded_ms, time_s);
-}
-
-// Many recordings tell whole seconds, which several pings share.
-void PlayedChannel::MeasureInterval(int64_t recorded_ms) {
-  if (begun_ && recorded_ms > latest_ms_) {
-    const int64_t interval_ms = (recorded_ms - latest_ms_) / std::max<int64_t>(pingsAtLatest_, 1);
-    interval_ms_ =
-        static_cast<uint32_t>(std::clamp<int64_t>(interval_ms, 1, std::numeric_limits<uint32_t>::max()));
-    StoreShared(globals.measuredPingInterval_ms, static_cast<float>(interval_ms_));
-  }
-  if (!begun_ || recorded_ms != latest_ms_) pingsAtLatest_ = 0;
-  ++pingsAtLatest_;
-}
-
-void PlayedChannel::Mark(int64_t recorded_ms, uint32_t time_s) {
-  MeasureInterval(recorded_ms);
+  const int64_t ringTime = StorePing(ring_, image, static_cast<uint32_t>(recorded_ms));
+  const int64_t passed_ms = begun_ ? std::max<int64_t>(recorded_ms - latest_ms_, 0) : 0;
   begun_ = true;
   latest_ms_ = recorded_ms;
-  if (LoadShared(globals.timestampTicked) == 0) return;
-  const uint32_t period_ms = LoadShared(globals.dualMode) != 0 ? kDualMarkPeriod_ms : kSingleMarkPeriod_ms;
-  const int32_t set_pings = LoadShared(globals.marksAtStart);
-  AddMark(marks_, interval_ms_ == 0 ? set_pings : MarkInterval(period_ms, interval_ms_), time_s);
+  if (LoadShared(globals.timestampTicked) != 0) AddPlayedMark(marks_, passed_ms, {time_s, ringTime});
 }
 
 void PlayedChannel::Jump() {
@@ -47,7 +27,6 @@ void PlayedChannel::GoBack(const ChannelPlace& place) {
   ring_.remainder_ms = place.remainder_ms;
   begun_ = place.begun;
   latest_ms_ = place.latest_ms;
-  pingsAtLatest_ = 0;
   ClearMarks(marks_);
   MoveRing(ring_, place.ringIndex);
 }

@@ -29,14 +29,9 @@ class PlayedChannel {
   [[nodiscard]] bool HasPingAt(int64_t recorded_ms) const { return begun_ && latest_ms_ >= recorded_ms; }
 
  private:
-  void MeasureInterval(int64_t recorded_ms);
-  void Mark(int64_t recorded_ms, uint32_t time_s);
-
   RingWriter ring_;
   MarkList& marks_;
   int64_t latest_ms_ = 0;
-  uint32_t interval_ms_ = 0;  // between pings; 0: not known yet
-  int64_t pingsAtLatest_ = 0;
   bool begun_ = false;
 };
 

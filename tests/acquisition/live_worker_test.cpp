@@ -10,6 +10,7 @@
 #include "platform/thread.h"
 #include "tests/acquisition/golden_block.h"
 #include "tests/acquisition/live_fixture.h"
+#include "tests/display/marks_at_pings.h"
 
 namespace tw {
 namespace {
@@ -126,6 +127,24 @@ TEST_F(LiveWorker, WithTwoSecondsBetweenPingsAMarkComesEachFifteen) {
   EXPECT_FALSE(CopyMark(globals.marksA, 17, text)) << "one entry a ping";
   EXPECT_FALSE(CopyMark(globals.marksB, 0, text));
   EXPECT_EQ(LoadShared(globals.measuredPingInterval_ms), 2'000.0f);
+}
+
+// The channels ping in turn, each 200 ms with a jitter, and their image is half as long.
+TEST_F(LiveWorker, EachChannelOfADualRunHasAMarkIn15SecondsWhereItsPingStands) {
+  globals.dualMode = globals.timestampTicked = 1;
+  globals.marksAtStart = 150;
+  state_.timeScaleUpper = state_.timeScaleLower = 150;
+  for (uint32_t i = 0; i < 500; ++i) {
+    device_.At_ms(1'000 + 100 * i + i * i % 31, EchoBlock(i, i % 2 == 0 ? 200'000 : 30'000));
+  }
+  for (int32_t second = 0; second < 52; ++second) {
+    Run_ms(1'000);
+    static_cast<void>(test::NumbersAtTheirPings(state_, PanelPlace::upper, globals.marksA));
+    static_cast<void>(test::NumbersAtTheirPings(state_, PanelPlace::lower, globals.marksB));
+  }
+  const std::vector<int32_t> numbers = {3, 2, 1, 0};
+  EXPECT_EQ(test::NumbersAtTheirPings(state_, PanelPlace::upper, globals.marksA), numbers);
+  EXPECT_EQ(test::NumbersAtTheirPings(state_, PanelPlace::lower, globals.marksB), numbers);
 }
 
 TEST_F(LiveWorker, TheStatusBarHearsOfAPingAtMostOnceASecond) {

@@ -38,7 +38,7 @@ TEST_F(TimeMarks, IntervalIsThePeriodOverThePingInterval) {
 }
 
 TEST_F(TimeMarks, EveryPingIsListedAndTheNumberRisesEachFifteen) {
-  for (uint32_t ping = 0; ping < 31; ++ping) AddMark(*marks_, 15, kMoment_s + 2 * ping);
+  for (uint32_t ping = 0; ping < 31; ++ping) AddMark(*marks_, 15, {kMoment_s + 2 * ping, 0});
   EXPECT_EQ(Text(0), "0002 M 2023-11-14 22:14:20");
   EXPECT_EQ(Text(1), "0001 M 2023-11-14 22:14:18");
   EXPECT_EQ(Text(15), "0001 M 2023-11-14 22:13:50");
@@ -50,7 +50,7 @@ TEST_F(TimeMarks, EveryPingIsListedAndTheNumberRisesEachFifteen) {
 }
 
 TEST_F(TimeMarks, TheListKeepsTheNewest1490) {
-  for (uint32_t ping = 0; ping < 1'500; ++ping) AddMark(*marks_, 30'000, kMoment_s + ping);
+  for (uint32_t ping = 0; ping < 1'500; ++ping) AddMark(*marks_, 30'000, {kMoment_s + ping, 0});
   EXPECT_EQ(Text(0), "0000 M 2023-11-14 22:38:19");
   EXPECT_EQ(Text(1'489), "0000 M 2023-11-14 22:13:30");
   EXPECT_EQ(Text(1'490), "");
@@ -59,7 +59,7 @@ TEST_F(TimeMarks, TheListKeepsTheNewest1490) {
 }
 
 TEST_F(TimeMarks, ANumberOfFiveDigitsLeavesTheTimeWhole) {
-  for (uint32_t ping = 0; ping <= 10'000; ++ping) AddMark(*marks_, 1, kMoment_s);
+  for (uint32_t ping = 0; ping <= 10'000; ++ping) AddMark(*marks_, 1, {kMoment_s, 0});
   EXPECT_EQ(Text(0), "10000 M 2023-11-14 22:13:20");
 }
 

@@ -1,6 +1,7 @@
 // Two files of a dual recording played together: which is which, and that the second goes where the first
 // goes.
 #include "tests/app/playback_fixture.h"
+#include "tests/display/marks_at_pings.h"
 
 namespace tw::test {
 namespace {
@@ -76,6 +77,20 @@ TEST_P(PlaybackPair, TheSecondFollowsStepsAndSeeks) {
   EXPECT_EQ(LoadShared(globals.playedFrequencyA_hz), kHigh_hz);
   EXPECT_EQ(LoadShared(globals.playedFrequencyB_hz), kLow_hz);
   for (const ProgressBlock& block : Ui().progress) ASSERT_EQ(block.inputFile, state_->inputFileA);
+}
+
+// The two lists go by their own file's recorded time, which is played in a few seconds.
+TEST_P(PlaybackPair, MarksStand30RecordedSecondsApartAtTheirPings) {
+  sim::SounderOptions options = QuickSounder(GetParam());
+  options.dual = true;
+  Record(options, 70);
+  StoreShared(globals.timestampTicked, 1);
+  Play(files_);
+  PlayToTheEnd();
+  SleepMilliseconds(1'000);
+  const std::vector<int32_t> numbers = {2, 1, 0};
+  EXPECT_EQ(NumbersAtTheirPings(*state_, PanelPlace::upper, globals.marksA), numbers);
+  EXPECT_EQ(NumbersAtTheirPings(*state_, PanelPlace::lower, globals.marksB), numbers);
 }
 
 INSTANTIATE_TEST_SUITE_P(Modes, PlaybackPair, testing::Values(4, 100),

@@ -308,6 +308,35 @@ TEST_F(EchogramWindow, AutomaticShotsCountUpUnderTheFirstOnesTime) {
   ExpectShown(folder_ / files[3]);
 }
 
+// A text runs downwards, its letters to the left of its place; other white is in the margins alone.
+TEST_F(EchogramWindow, MarksStandInTheColumnsOfTheirOwnPanel) {
+  constexpr int kLetters = 25;
+  state_->ringIndexA = state_->ringIndexB = 2'000;
+  state_->ringTimeA = 52'000;
+  state_->ringTimeB = 72'000;
+  ClearMarks(globals.marksA);
+  ClearMarks(globals.marksB);
+  AddMark(globals.marksA, 300, {1'700'000'000, 51'650});  // 35 s ago
+  AddMark(globals.marksB, 300, {1'700'000'000, 71'475});  // 52.5 s ago
+  globals.timestampTicked = 1;
+  const auto whiteFrom = [&](int left, int right) {
+    const Picture picture = ReadWindow(view_);
+    int white = 0;
+    for (int x = left; x < right; ++x) {
+      for (int y = 30; y < 130; ++y) white += picture.At(x, y) == 0xFFFFFF ? 1 : 0;
+    }
+    return white;
+  };
+  Paint();
+  EXPECT_GT(whiteFrom(524 - kLetters, 524), 0) << "350 of 1,500 slots from the right edge";
+  EXPECT_EQ(whiteFrom(30, 524 - kLetters) + whiteFrom(525, 674), 0);
+  globals.dualMode = 1;
+  Paint();
+  EXPECT_GT(whiteFrom(374 - kLetters, 374), 0) << "350 of 750";
+  EXPECT_GT(whiteFrom(224 - kLetters, 224), 0) << "525 of 750; the text reaches into the upper panel";
+  EXPECT_EQ(whiteFrom(30, 224 - kLetters) + whiteFrom(225, 374 - kLetters) + whiteFrom(375, 674), 0);
+}
+
 // What this process holds: our own count of drawing objects, the system's of them (Wine always says 0) and of
 // windows, and memory.
 struct Holdings {
@@ -320,7 +349,8 @@ struct Holdings {
 
 TEST_F(EchogramWindow, TenThousandPaintsHoldWhatOneHundredDo) {
   constexpr size_t kHeapsOwn = 256 << 10;  // the system's heaps round up
-  for (uint32_t i = 0; i < kMaxMarks; ++i) AddMark(globals.marksA, 300, 1'700'000'000 + i);
+  for (uint32_t i = 0; i < kMaxMarks; ++i)
+    AddMark(globals.marksA, 300, {1'700'000'000 + i, i - int64_t{kMaxMarks}});
   globals.dualMode = globals.timestampTicked = 1;
   MoveWindow(view_, 0, 0, 500, 400, FALSE);
   const auto paintAt = [&](int32_t newest) {

@@ -14,12 +14,12 @@
 
 #include "acquisition/echo_frame.h"
 #include "acquisition/echo_text_worker.h"
-#include "acquisition/time_marks.h"
 #include "app/control_ids.h"
 #include "app/playback_control.h"
 #include "app/run_control.h"
 #include "app/worker_control.h"
 #include "base/shared_value.h"
+#include "display/marks_overlay.h"
 #include "display/panel.h"
 #include "platform/clock.h"
 #include "platform/host/documents_folder.h"
@@ -51,8 +51,8 @@ class Painter {
       DrawPanel(source, layout, *scratch_, canvas);
       static_cast<void>(CollectLabels(source, layout));
       if (place == PanelPlace::lower) static_cast<void>(CollectStatus(state_, source, layout, true));
-      char text[kMarkTextSize];
-      static_cast<void>(CopyMark(globals.marksA, 0, text));
+      MarkList& marks = place == PanelPlace::lower ? globals.marksB : globals.marksA;
+      static_cast<void>(FindShownMarks(marks, layout, source.scale, source.ringTime));
     }
     ++frames_;
   }
