@@ -215,28 +215,35 @@ class LiveRun {
     if (std::exchange(recordingNumber_, recording) != recording) recordingSize_ = 0;
     const bool second = ping_.secondChannel && mode_.recordRule == RecordRule::fileOfChannel;
     const size_t size = mode_.layOutRecord(block, ping_, {sentences_, sentences}, std::span(record_));
-    const uint32_t written =
-        WriteRecord(state_, second ? RecordChannel::b : RecordChannel::a, std::span(record_).first(size));
+    const GiveUp giveUp = mode_.emptyRun == EmptyRun::leaveOneByte && recordingSize_ == 0
+                              ? GiveUp::leaveOneByte
+                              : GiveUp::leavePings;
+    const uint32_t written = WriteRecord(state_, second ? RecordChannel::b : RecordChannel::a,
+                                         std::span(record_).first(size), giveUp);
     recordingSize_ += written;
     recordedAny_ = recordedAny_ || written != 0;
   }
 
+  // Each file may take its time.
   void End() {
-    if (Stale()) return;
-    if (!recordedAny_) EndEmptyRun();
-    CloseBothRecordFiles(state_);
-    CloseFile(ExchangeShared(state_.segyCompanionB, Handle::invalid));
+    for (const Channel& channel : channels_) {
+      if (!Stale()) EndFile(channel.record);
+    }
+    if (!Stale()) CloseFile(ExchangeShared(state_.segyCompanionB, Handle::invalid));
   }
 
-  void EndEmptyRun() {
+  void EndFile(RecordChannel channel) {
     switch (mode_.emptyRun) {
       case EmptyRun::deleteFiles:
-        DeleteEmptyRecordFiles(state_);
-        return;
+        return recordedAny_ ? CloseRecordFile(state_, channel) : DeleteEmptyRecordFile(state_, channel);
       case EmptyRun::leaveOneByte:
-        LeaveOneByteInRecordFiles(state_);
-        return;
+        return IsRecordingEmpty() ? LeaveOneByte(state_, channel) : CloseRecordFile(state_, channel);
     }
+  }
+
+  // Of the files that are open now; those before them may hold pings.
+  [[nodiscard]] bool IsRecordingEmpty() const {
+    return recordingSize_ == 0 || recordingNumber_ != LoadShared(state_.recordingNumber);
   }
 
   AppState& state_;

@@ -9,6 +9,8 @@
 namespace tw {
 namespace {
 
+constexpr size_t kPathSize = 1'024;
+
 struct Slot {
   Handle& file;
   Handle& busy;
@@ -53,23 +55,14 @@ void CutBack(Handle file, uint32_t written) {
   }
 }
 
-void DeleteEmptyRecordFile(AppState& state, RecordChannel channel) {
-  const Handle file = BeginWriting(state, channel);
-  if (file == Handle::invalid) return;
-  wchar_t path[1024];
+// Ends the writing to a file without pings. The CR goes over the first byte, which takes no room on the disk.
+void EndWithOneByte(AppState& state, RecordChannel channel, Handle file) {
+  wchar_t path[kPathSize];
   uint32_t written = 0;
-  const bool named = WriteFileBytes(file, "\r", 1, written) && PathOfFile(file, path);
+  const bool left = SeekFile(file, 0) && WriteFileBytes(file, "\r", 1, written) && TruncateFile(file, 1);
+  const bool remove = !left && PathOfFile(file, path);
   EndWriting(state, channel, file, true);
-  if (named) static_cast<void>(RemoveFile(path));  // an undeletable file stays, with its settings line
-}
-
-void LeaveOneByte(AppState& state, RecordChannel channel) {
-  const Handle file = BeginWriting(state, channel);
-  if (file == Handle::invalid) return;
-  uint32_t written = 0;
-  // A disk that refuses leaves the settings line, which means as much.
-  static_cast<void>(TruncateFile(file, 0) && WriteFileBytes(file, "\r", 1, written));
-  EndWriting(state, channel, file, true);
+  if (remove) static_cast<void>(RemoveFile(path));  // an undeletable file stays as it is
 }
 
 }  // namespace
@@ -101,14 +94,28 @@ bool IsRecordFileOpen(AppState& state, RecordChannel channel) {
   return IsOpen(SlotOf(state, channel).file);
 }
 
-uint32_t WriteRecord(AppState& state, RecordChannel channel, std::span<const char> ping) {
+uint32_t WriteRecord(AppState& state, RecordChannel channel, std::span<const char> ping, GiveUp giveUp) {
   const Handle file = BeginWriting(state, channel);
   if (file == Handle::invalid) return 0;
   uint32_t written = 0;
   const bool whole = WriteFileBytes(file, ping.data(), static_cast<uint32_t>(ping.size()), written);
   if (!whole) CutBack(file, written);
-  EndWriting(state, channel, file, !whole);
+  if (!whole && giveUp == GiveUp::leaveOneByte) {
+    EndWithOneByte(state, channel, file);
+  } else {
+    EndWriting(state, channel, file, !whole);
+  }
   return whole ? written : 0;
+}
+
+void DeleteEmptyRecordFile(AppState& state, RecordChannel channel) {
+  const Handle file = BeginWriting(state, channel);
+  if (file == Handle::invalid) return;
+  wchar_t path[kPathSize];
+  uint32_t written = 0;
+  const bool named = WriteFileBytes(file, "\r", 1, written) && PathOfFile(file, path);
+  EndWriting(state, channel, file, true);
+  if (named) static_cast<void>(RemoveFile(path));  // an undeletable file stays, with its settings line
 }
 
 void DeleteEmptyRecordFiles(AppState& state) {
@@ -116,9 +123,9 @@ void DeleteEmptyRecordFiles(AppState& state) {
   DeleteEmptyRecordFile(state, RecordChannel::b);
 }
 
-void LeaveOneByteInRecordFiles(AppState& state) {
-  LeaveOneByte(state, RecordChannel::a);
-  LeaveOneByte(state, RecordChannel::b);
+void LeaveOneByte(AppState& state, RecordChannel channel) {
+  const Handle file = BeginWriting(state, channel);
+  if (file != Handle::invalid) EndWithOneByte(state, channel, file);
 }
 
 void FormatFileSize(std::span<wchar_t> text, uint64_t size_bytes) {

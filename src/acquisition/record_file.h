@@ -25,19 +25,26 @@ void CloseBothRecordFiles(AppState& state);
 
 [[nodiscard]] bool IsRecordFileOpen(AppState& state, RecordChannel channel);
 
+// What stays of a file that the disk refuses to go on with: its whole pings, or what LeaveOneByte leaves.
+enum class GiveUp : uint8_t { leavePings, leaveOneByte };
+
 // Writes one whole ping in one write and returns the bytes recorded: all of them, or 0. When there is no open
 // file nothing happens. When the disk takes less than all, the file is cut back to the last whole ping and
 // closed, silently. Acquisition worker only.
-[[nodiscard]] uint32_t WriteRecord(AppState& state, RecordChannel channel, std::span<const char> ping);
+[[nodiscard]] uint32_t WriteRecord(AppState& state, RecordChannel channel, std::span<const char> ping,
+                                   GiveUp giveUp = GiveUp::leavePings);
 
-// The end of a run that recorded nothing: writes one CR into each open file (a file of length 0 has no name
+// The end of a run that recorded nothing: writes one CR into the open file (a file of length 0 has no name
 // to be found), looks up its name, closes and deletes it. Acquisition worker, or the GUI thread when there is
 // none.
+void DeleteEmptyRecordFile(AppState& state, RecordChannel channel);
+
+// Both files.
 void DeleteEmptyRecordFiles(AppState& state);
 
-// kept: the same of a binary run, whose files stay, cut down to that one CR, and are closed. Acquisition
-// worker only.
-void LeaveOneByteInRecordFiles(AppState& state);
+// kept: the same of a binary recording, whose file stays, cut down to that one CR, and is closed. Where the
+// disk refuses even this the file is deleted. Acquisition worker only.
+void LeaveOneByte(AppState& state, RecordChannel channel);
 
 inline constexpr size_t kSizeTextSize = 64;
 

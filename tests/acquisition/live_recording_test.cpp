@@ -51,6 +51,39 @@ TEST_F(LiveRecording, ABinaryRunThatRecordedNothingLeavesOneByteInEachFile) {
   EXPECT_FALSE(IsRecordFileOpen(state_, kA));
 }
 
+TEST_F(LiveRecording, ABinaryRecordingWithoutAPingNeverLeavesAnEmptyFile) {
+  enum class Disk : uint8_t { refusesOneWrite, isFull };
+  const struct {
+    const char* what;
+    std::string_view block;
+    Disk disk;
+    const char* left;
+  } rows[] = {{"the first frame is refused", kGoldenWordBlock, Disk::refusesOneWrite, "\r"},
+              {"so is the byte", kGoldenWordBlock, Disk::isFull, "absent"},
+              {"no frame came", "noise", Disk::isFull, "absent"}};
+  for (const auto& row : rows) {
+    program_.OpenFile(kA, L"a.log");
+    Signal(state_.recordingEvent);
+    if (row.disk == Disk::isFull) LimitDiskSpace(0);
+    if (row.disk == Disk::refusesOneWrite) InjectFault({.point = FaultPoint::writeFile, .taken = 20});
+    RunWith(row.block, BinaryEchoWorker);
+    EXPECT_EQ(program_.FileContent(L"a.log"), row.left) << row.what;
+    EXPECT_FALSE(IsRecordFileOpen(state_, kA)) << row.what;
+    ClearFaults();
+  }
+}
+
+TEST_F(LiveRecording, AnEmptySecondRecordingOfABinaryRunIsOneByte) {
+  program_.OpenFile(kA, L"a.log");
+  Signal(state_.recordingEvent);
+  Take(kGoldenWordBlock, BinaryEchoWorker);
+  program_.OpenFile(kA, L"second.log");
+  StoreShared(state_.recordingNumber, state_.recordingNumber + 1);
+  program_.StopWorker();
+  EXPECT_EQ(program_.FileContent(L"a.log").size(), 6 + kGoldenFrame.size());
+  EXPECT_EQ(program_.FileContent(L"second.log"), "\r");
+}
+
 TEST_F(LiveRecording, ABlockBecomesAFrameInRingAndFile) {
   globals.gpsLatitude_rad = 0.75f;
   globals.gpsLongitude_rad = -0.125f;
