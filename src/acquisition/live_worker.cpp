@@ -31,10 +31,14 @@ struct Channel {
   bool begun = false;
 };
 
-LiveContext ContextOf(const AppState& state) {
-  const DeviceSettings& settings = state.settings;
-  return {LoadShared(globals.dualMode) != 0, settings.outputMode,      settings.samplingFrequency_hz,
-          settings.frequencyInUse_hz,        settings.lowFrequency_hz, settings.virtualLowFrequency_hz,
+LiveContext ContextOf(const LiveStart& start) {
+  const DeviceSettings& settings = start.settings;
+  return {start.dual,
+          settings.outputMode,
+          settings.samplingFrequency_hz,
+          settings.frequencyInUse_hz,
+          settings.lowFrequency_hz,
+          settings.virtualLowFrequency_hz,
           settings.highFrequency_hz};
 }
 
@@ -42,13 +46,13 @@ LiveContext ContextOf(const AppState& state) {
 // when the next one starts.
 class LiveRun {
  public:
-  LiveRun(AppState& state, const LiveMode& mode)
+  LiveRun(AppState& state, const LiveMode& mode, const LiveStart& start)
       : state_(state),
         mode_(mode),
-        settings_(state.settings),
-        context_(ContextOf(state)),
-        runNumber_(LoadShared(state.runNumber)),
-        source_(LoadShared(state.devicePort)),
+        settings_(start.settings),
+        context_(ContextOf(start)),
+        runNumber_(start.runNumber),
+        source_(start.port),
         reader_(mode.makeReader()),
         channels_{{RecordChannel::a,
                    {state.ringA, &state.ringIndexA, &state.ringTimeA, &state.ringLockA, globals.slotReachA},
@@ -65,6 +69,7 @@ class LiveRun {
   [[nodiscard]] bool HasReader() const { return reader_ != nullptr; }
 
   void Run() {
+    if (Stale()) return;
     Begin();
     while (!Stale() && !StopAsked() && Pass()) {
     }
@@ -132,6 +137,7 @@ class LiveRun {
     TakePing(channels_[ping_.secondChannel ? 1 : 0], now_ms);
     if (ping_.bothChannels) TakeSecondAltitude(now_ms);
     Record(block, sentences);
+    if (Stale()) return;
     report_.Show(ping_.header, context_.dual, recordingSize_, now_ms);
   }
 
@@ -248,7 +254,7 @@ class LiveRun {
 
   AppState& state_;
   const LiveMode& mode_;
-  const DeviceSettings settings_;  // as the run began; the operator may be choosing others by now
+  const DeviceSettings settings_;
   const LiveContext context_;
   const uint32_t runNumber_;
   ByteSource source_;
@@ -269,13 +275,20 @@ class LiveRun {
 
 }  // namespace
 
+bool HandOver(AppState& state, const LiveStart& start) {
+  auto* const laidOut = new (std::nothrow) LiveStart(start);
+  delete ExchangeShared(state.liveStart, laidOut);
+  return laidOut != nullptr;
+}
+
 void RunLiveWorker(AppState& state, const LiveMode& mode) {
-  const std::unique_ptr<LiveRun> run(new (std::nothrow) LiveRun(state, mode));
-  if (run == nullptr || !run->HasReader()) {
-    StoreShared(state.linkLost, 1);  // the operator hears of it as of a dead line
-    return;
-  }
-  run->Run();
+  const std::unique_ptr<const LiveStart> start(ExchangeShared(state.liveStart, nullptr));
+  if (start == nullptr) return;
+  const std::unique_ptr<LiveRun> run(new (std::nothrow) LiveRun(state, mode, *start));
+  if (run != nullptr && run->HasReader()) return run->Run();
+  if (LoadShared(state.runNumber) != start->runNumber) return;
+  PostStatusText(state, StatusPart::position, L"Insufficient memory!");
+  StoreShared(state.linkLost, 1);  // the operator hears of it as of a dead line
 }
 
 }  // namespace tw

@@ -17,6 +17,19 @@
 
 namespace tw {
 
+// Everything that a worker has from the GUI thread, which goes on with choices of its own.
+struct LiveStart {
+  DeviceSettings settings;  // as the device has them
+  int32_t deviceFamily;
+  bool dual;
+  Handle port;
+  uint32_t runNumber;
+};
+
+// Lays the values out for the worker that is started next, which takes them as its first step. What an
+// earlier worker did not come to take is freed. False without memory. GUI thread.
+[[nodiscard]] bool HandOver(AppState& state, const LiveStart& start);
+
 // What a mode's parser has to know of the device, taken from the settings when the run starts.
 struct LiveContext {
   bool dual;
@@ -87,7 +100,9 @@ struct LiveMode {
 };
 
 // The body of an acquisition thread. Runs until stopEvent is signalled, the device port fails, or the run
-// number has become stale; in the first two cases it closes the record files at its end.
+// number has become stale; in the first two cases it closes the record files at its end. A worker for which
+// nothing was laid out, and one that hung in a call of the system until its number was stale, touches nothing
+// and posts nothing any more.
 void RunLiveWorker(AppState& state, const LiveMode& mode);
 
 }  // namespace tw

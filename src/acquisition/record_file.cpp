@@ -40,7 +40,7 @@ void EndWriting(AppState& state, RecordChannel channel, Handle file, bool giveUp
   {
     Locked held(state.recordLock);
     const Slot slot = SlotOf(state, channel);
-    slot.busy = Handle::invalid;
+    if (slot.busy == file) slot.busy = Handle::invalid;  // after a long time it may be the next worker's
     close = slot.file != file || giveUp;
     if (slot.file == file && giveUp) slot.file = Handle::invalid;
   }

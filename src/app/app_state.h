@@ -16,6 +16,7 @@
 namespace tw {
 
 struct PingRing;
+struct LiveStart;
 
 inline constexpr size_t kWorkingFolderSize = 260;
 inline constexpr size_t kMaxPorts = 256;
@@ -106,6 +107,8 @@ struct AppState {
   Handle recordBusyB;
   uint32_t runNumber;           // shared: raised at each Start and at each Stop; a worker whose number is
                                 // stale touches nothing any more
+  LiveStart* liveStart;         // shared: for the acquisition worker that begins next; see
+                                // acquisition/live_worker.h
   uint32_t recordingNumber;     // shared: raised whenever fresh record files are opened
   PortEntry ports[kMaxPorts];   // GUI thread
   wchar_t rememberedRange[64];  // combo texts at the last Start or Apply; GUI thread

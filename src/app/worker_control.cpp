@@ -5,6 +5,7 @@
 #include "acquisition/altimeter_worker.h"
 #include "acquisition/echo_text_worker.h"
 #include "acquisition/frame_worker.h"
+#include "acquisition/live_worker.h"
 #include "acquisition/nmea_worker.h"
 #include "acquisition/output_mode.h"
 #include "app/ui.h"
@@ -83,7 +84,19 @@ void EndFileWorker(Handle& thread, Event& stop) {
   StoreShared(thread, Handle::null);
 }
 
-bool StartAcquisition(AppState& state, ThreadBody worker) {
+// The device has been started by now, so the applied settings are what it runs with.
+LiveStart DescribeStart(const AppState& state, OutputMode mode) {
+  LiveStart start{.settings = state.appliedSettings,
+                  .deviceFamily = LoadShared(globals.deviceFamily),
+                  .dual = LoadShared(globals.dualMode) != 0,
+                  .port = LoadShared(state.devicePort),
+                  .runNumber = LoadShared(state.runNumber)};
+  start.settings.outputMode = mode;
+  return start;
+}
+
+bool StartAcquisition(AppState& state, ThreadBody worker, OutputMode mode) {
+  if (!HandOver(state, DescribeStart(state, mode))) return false;
   Reset(state.stopEvent);
   Reset(state.stopEventB);
   StoreShared(state.linkLost, 0);
@@ -109,7 +122,7 @@ WorkerStart StartWorkers(AppState& state) {
   if (worker == nullptr) return WorkerStart::unsupportedOutput;
   StoreShared(state.echogramEnabled, CarriesEchoSamples(family, mode) ? 1 : 0);
   StartDevice(state);
-  if (!StartAcquisition(state, worker)) return WorkerStart::noAcquisitionThread;
+  if (!StartAcquisition(state, worker, mode)) return WorkerStart::noAcquisitionThread;
   return StartGps(state) ? WorkerStart::started : WorkerStart::noGpsThread;
 }
 

@@ -5,6 +5,7 @@
 #include <fstream>
 #include <iterator>
 
+#include "acquisition/live_worker.h"
 #include "base/shared_value.h"
 #include "platform/file.h"
 #include "platform/host/faults.h"
@@ -60,6 +61,11 @@ LiveProgram::~LiveProgram() {
 }
 
 void LiveProgram::StartWorker(ThreadBody worker) {
+  EXPECT_TRUE(HandOver(*state_, {.settings = state_->settings,
+                                 .deviceFamily = LoadShared(globals.deviceFamily),
+                                 .dual = LoadShared(globals.dualMode) != 0,
+                                 .port = state_->devicePort,
+                                 .runNumber = LoadShared(state_->runNumber)}));
   state_->acquisitionThread = StartThread(worker, state_);
 }
 

@@ -4,9 +4,11 @@
 
 #include "acquisition/altimeter_worker.h"
 #include "acquisition/frame_worker.h"
+#include "acquisition/live_worker.h"
 #include "acquisition/nmea_worker.h"
 #include "acquisition/time_marks.h"
 #include "base/shared_value.h"
+#include "platform/host/file_sink.h"
 #include "platform/thread.h"
 #include "tests/acquisition/golden_block.h"
 #include "tests/acquisition/live_fixture.h"
@@ -110,6 +112,69 @@ TEST_F(LiveWorker, AWorkerOfAnEarlierRunTouchesNothing) {
   EXPECT_TRUE(IsRecordFileOpen(state_, test::kA));
   EXPECT_EQ(program_.IndexA(), 0);
   EXPECT_EQ(LoadShared(state_.linkLost), 0);
+}
+
+TEST_F(LiveWorker, RunsWithTheValuesOfItsStartWhateverIsChosenMeanwhile) {
+  program_.StartWorker();
+  state_.settings.rangeHigh_mm = 99'000;  // before its first step
+  globals.dualMode = 1;
+  Take(EchoBlock(1, 30'000));
+  EXPECT_EQ(PingA().ping, 1u);
+  EXPECT_EQ(PingA().range_m, 12.5f);
+}
+
+TEST_F(LiveWorker, WhoseStartIsNotItsOwnTouchesNothing) {
+  state_.ringIndexB = 9'000;
+  program_.OpenFile(test::kA, L"a.log");
+  device_.HangUpAt_ms(0);
+  for (const bool taken : {true, false}) {
+    program_.StartWorker();
+    if (taken) delete ExchangeShared(state_.liveStart, nullptr);
+    StoreShared(state_.runNumber, state_.runNumber + (taken ? 0 : 1));  // another Stop and Start
+    Signal(state_.stopEvent);
+    SleepMilliseconds(1'000);
+    program_.WaitForWorker();
+    EXPECT_TRUE(WaitForEvent(state_.stopEvent, 0)) << taken;
+    EXPECT_EQ(program_.IndexB(), 9'000) << taken;
+    EXPECT_EQ(LoadShared(globals.attitudePresent), 0) << taken;
+    EXPECT_EQ(LoadShared(state_.linkLost), 0) << taken;
+    EXPECT_TRUE(IsRecordFileOpen(state_, test::kA)) << taken;
+  }
+  EXPECT_TRUE(TakePostedTexts().empty());
+}
+
+// A disk that takes a write up only after the next run has begun.
+class SlowDisk final : public FileSink {
+ public:
+  SlowDisk(AppState& state, std::string_view late) : state_(state), late_(late) { SinkFiles(L"", this); }
+  ~SlowDisk() override { SinkFiles(nullptr, nullptr); }
+  void Written(std::wstring_view, uint64_t, std::span<const uint8_t> bytes) override {
+    if (bytes[0] != static_cast<uint8_t>(late_[0])) return;
+    StoreShared(state_.runNumber, state_.runNumber + 1);
+    state_.recordBusyA = kNextRuns;
+  }
+  static constexpr Handle kNextRuns{0x1234};
+
+ private:
+  AppState& state_;
+  const std::string_view late_;
+};
+
+TEST_F(LiveWorker, ThatHungInAWriteComesBackSilently) {
+  for (const std::string_view late : {"#DeviceID", "\r"}) {
+    const SlowDisk disk(state_, late);
+    Reset(state_.stopEvent);
+    Record();
+    if (late == "\r") Reset(state_.recordingEvent);  // the byte is what an empty run writes
+    Take(EchoBlock(1));
+    EXPECT_EQ(TakePostedTexts().empty(), late != "\r") << late;
+    Signal(state_.stopEvent);
+    SleepMilliseconds(1'000);
+    program_.WaitForWorker();
+    EXPECT_EQ(std::exchange(state_.recordBusyA, Handle::invalid), SlowDisk::kNextRuns) << late;
+    EXPECT_TRUE(IsRecordFileOpen(state_, test::kB)) << late;
+    CloseBothRecordFiles(state_);
+  }
 }
 
 TEST_F(LiveWorker, WithTwoSecondsBetweenPingsAMarkComesEachFifteen) {

@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <new>
 
+#include "acquisition/live_worker.h"
 #include "app/control_states.h"
 #include "app/run_control.h"
 #include "platform/host/debug_capture.h"
@@ -14,12 +15,14 @@ namespace {
 
 // Large blocks that the system still gives; the one after them it refuses. Negative: none is refused.
 std::atomic<int> largeBlocks = -1;
+std::atomic<bool> noStart = false;  // nor what a live worker starts with
 
 }  // namespace
 
 void* operator new(size_t size, const std::nothrow_t&) noexcept {
   constexpr size_t kLarge = 200'000;
   if (size > kLarge && largeBlocks >= 0 && largeBlocks-- == 0) return nullptr;
+  if (size == sizeof(tw::LiveStart) && noStart) return nullptr;
   return ::operator new(size);
 }
 
@@ -175,6 +178,9 @@ TEST_F(StartTest, WithoutMemoryForTheWorkerTheLinkCountsAsLost) {
     StartRun(*state_);
     Run(2);
     ExpectBox(L"Connection lost!", L"Error", BoxIcon::error);
+    const auto& told = Ui().posts[static_cast<int>(StatusPart::position)];
+    EXPECT_NE(std::find(told.begin(), told.end(), L"Insufficient memory!"), told.end());
+    Ui().posts[static_cast<int>(StatusPart::position)].clear();
     ExpectIdle();
   }
   largeBlocks = -1;
@@ -187,6 +193,10 @@ TEST_F(StartTest, WithoutAnAcquisitionThreadTheProcessEnds) {
   ConnectSounder(QuickSounder());
   InjectFault({.point = FaultPoint::startThread});
   EXPECT_EXIT(StartRun(*state_), testing::ExitedWithCode(1), "");
+  ClearFaults();
+  noStart = true;
+  EXPECT_EXIT(StartRun(*state_), testing::ExitedWithCode(1), "");
+  noStart = false;
 }
 
 TEST_F(StartTest, NoGpsThread) {

@@ -14,7 +14,9 @@
 
 #include "acquisition/echo_frame.h"
 #include "acquisition/echo_text_worker.h"
+#include "acquisition/live_worker.h"
 #include "app/control_ids.h"
+#include "app/family_controls.h"
 #include "app/playback_control.h"
 #include "app/run_control.h"
 #include "app/worker_control.h"
@@ -87,8 +89,62 @@ int32_t NewestSlot(AppState& state) {
 void RestartWorker(AppState& state) {
   EndAcquisition(state, kWaitForever);
   Reset(state.stopEvent);
+  ASSERT_TRUE(HandOver(state, {.settings = state.appliedSettings,
+                               .deviceFamily = LoadShared(globals.deviceFamily),
+                               .dual = LoadShared(globals.dualMode) != 0,
+                               .port = LoadShared(state.devicePort),
+                               .runNumber = LoadShared(state.runNumber)}));
   state.acquisitionThread = StartThread(EchoTextWorker, &state);
   ASSERT_NE(state.acquisitionThread, Handle::null);
+}
+
+// What an operator can do to the settings with one click, whichever it is.
+void ChooseAnyhow(AppState& state, int cycle) {
+  switch (cycle % 5) {
+    case 0:
+      Ui().Choose(ID_RANGE, cycle % 2 == 0 ? L"10" : L"5");
+      return TakeSettingsChoice(state, ID_RANGE);
+    case 1:
+      Ui().Choose(ID_INTERVAL, L"Auto");
+      return TakeSettingsChoice(state, ID_INTERVAL);
+    case 2:
+      return TakeSettingsChoice(state, ID_LOW_FREQUENCY);
+    case 3:
+      Ui().controls[ID_DUAL_MODE].checked = cycle % 2 == 0;
+      return TakeSettingsChoice(state, ID_DUAL_MODE);
+    default:
+      Ui().controls[ID_RECORD].checked = !Ui().controls[ID_RECORD].checked;
+      return ToggleRecording(state);
+  }
+}
+
+TEST(Race, ChoicesAreMadeWhileTheWorkerBegins) {
+  constexpr int kRestarts = 60;  // of a run
+  const TestFolder folder;
+  const SimulatorProcess simulator(TW_ECHOSIM, folder,
+                                   {"--samples", "400", "--rate", "25", "--mode", "4", "--speed", "921600",
+                                    "--dual", "--gps-rate", "10", "--gps-speed", "115200"});
+  AppState& state = StartedProgram(folder, L"921600", L"115200");
+  int choices = 0;
+  for (int run = 0; run < 2; ++run) {
+    StartRun(state);
+    ChooseAnyhow(state, choices++);
+    ASSERT_NE(state.acquisitionThread, Handle::null) << "start " << run;
+    ApplySettings(state);
+    ChooseAnyhow(state, choices++);
+    ASSERT_NE(state.acquisitionThread, Handle::null) << "apply " << run;
+    for (int i = 0; i < kRestarts; ++i) {
+      RestartWorker(state);
+      ChooseAnyhow(state, choices++);
+    }
+    const int32_t before = NewestSlot(state);
+    std::this_thread::sleep_for(seconds(1));
+    EXPECT_NE(NewestSlot(state), before);
+    StopRun(state);
+  }
+  EXPECT_TRUE(Ui().boxes.empty());
+  DetachSerialLines();
+  SetDocumentsFolder(nullptr);
 }
 
 TEST(Race, WorkersRestartWhileTheViewPaints) {
