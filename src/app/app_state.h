@@ -109,6 +109,7 @@ struct AppState {
                                 // stale touches nothing any more
   LiveStart* liveStart;         // shared: for the acquisition worker that begins next; see
                                 // acquisition/live_worker.h
+  uint32_t gpsRunNumber;        // shared: of the GPS worker that begins next; 0 is no run's number
   uint32_t recordingNumber;     // shared: raised whenever fresh record files are opened
   PortEntry ports[kMaxPorts];   // GUI thread
   wchar_t rememberedRange[64];  // combo texts at the last Start or Apply; GUI thread

@@ -108,6 +108,7 @@ bool StartAcquisition(AppState& state, ThreadBody worker, OutputMode mode) {
 // port then starts a GPS worker all the same; its first read fails and it ends.
 bool StartGps(AppState& state) {
   if (state.gpsThread != Handle::null || LoadShared(state.gpsPort) == Handle::invalid) return true;
+  StoreShared(state.gpsRunNumber, LoadShared(state.runNumber));
   state.gpsThread = StartThread(GpsWorker, &state);
   return state.gpsThread != Handle::null;
 }

@@ -1,12 +1,16 @@
 #include "gps/gps_worker.h"
 
 #include <algorithm>
+#include <cinttypes>
 #include <cmath>
+#include <utility>
 
 #include "app/posts.h"
 #include "base/shared_value.h"
+#include "base/text_format.h"
 #include "gps/nmea_parser.h"
 #include "gps/position_text.h"
+#include "platform/debug_output.h"
 #include "platform/serial_line.h"
 
 namespace tw {
@@ -38,10 +42,16 @@ void DeriveValues(const NmeaParser& parser) {
   globals.gpsTime_s = UnixSecondsOfFix(fix.utc);
 }
 
-// One read of what waits, or of the first byte that comes.
-bool ReadSome(Handle port, uint8_t (&bytes)[kReadSize], uint32_t& got) {
-  const uint32_t wanted = std::clamp<uint32_t>(BytesWaiting(port), 1, kReadSize);
+// One read of what waits, or of the first byte that comes. `overruns` as in BytesWaiting.
+bool ReadSome(Handle port, uint8_t (&bytes)[kReadSize], uint32_t& got, uint32_t& overruns) {
+  const uint32_t wanted = std::clamp<uint32_t>(BytesWaiting(port, &overruns), 1, kReadSize);
   return ReadSerialLine(port, bytes, wanted, got);
+}
+
+void TellOverruns(uint32_t overruns) {
+  wchar_t text[64];
+  FormatWide(text, "GPS input lost : %" PRIu32 "\n", overruns);
+  WriteDebugText(text);
 }
 
 // False when the run is over.
@@ -57,40 +67,51 @@ bool TakeBytes(AppState& state, const GpsRun& run, NmeaParser& parser, const uin
 
 // The talker flag outlives the parser: it changes only with a sentence that is applied.
 bool BeginRun(AppState& state, const GpsRun& run, NmeaParser& parser) {
-  const Locked held(state.gpsLock);
-  if (!run.IsCurrent(state)) return false;
-  ClearFix(globals.fix);
-  parser.talkerGn = globals.gpsTalkerGn != 0;
-  return MakeParser(parser, kParserCapacity);
+  {
+    const Locked held(state.gpsLock);
+    if (!run.IsCurrent(state)) return false;
+    ClearFix(globals.fix);
+    parser.talkerGn = globals.gpsTalkerGn != 0;
+  }
+  if (MakeParser(parser, kParserCapacity)) return true;
+  PostStatusText(state, StatusPart::position, L"Insufficient memory!");
+  return false;
 }
 
-// The port is closed by whoever takes it out of the record, this thread or Stop. Without a port nobody else
-// owns the fix: its quality becomes 0 even after a Stop, or the next run without a receiver would record this
-// run's position as a valid one.
-void EndRun(AppState& state, const GpsRun& run) {
-  const Locked held(state.gpsLock);
-  if (LoadShared(state.runNumber) == run.number &&
-      CompareExchangeShared(state.gpsPort, run.port, Handle::invalid)) {
-    CloseSerialLine(run.port);
+void ReadUntilTheEnd(AppState& state, const GpsRun& run, NmeaParser& parser) {
+  uint8_t bytes[kReadSize];
+  uint32_t got = 0;
+  uint32_t overruns = 0;
+  uint32_t told = 0;
+  while (run.IsCurrent(state) && ReadSome(run.port, bytes, got, overruns)) {
+    if (got != 0 && !TakeBytes(state, run, parser, bytes, got)) return;
+    if (std::exchange(told, overruns) != overruns) TellOverruns(overruns);
   }
-  if (LoadShared(state.gpsPort) != Handle::invalid) return;
-  globals.fix.quality = 0;
-  globals.gpsQuality = 0;
+}
+
+// The port is closed by whoever takes it out of the record, this thread or Stop, which takes the quality back
+// itself. The lock is not held while the port closes: that can take seconds, in which each ping and each
+// paint would wait for it.
+void EndRun(AppState& state, const GpsRun& run) {
+  {
+    const Locked held(state.gpsLock);
+    if (LoadShared(state.runNumber) != run.number ||
+        !CompareExchangeShared(state.gpsPort, run.port, Handle::invalid)) {
+      return;
+    }
+    globals.fix.quality = 0;
+    globals.gpsQuality = 0;
+  }
+  CloseSerialLine(run.port);
 }
 
 }  // namespace
 
 void GpsWorker(void* argument) {
   AppState& state = *static_cast<AppState*>(argument);
-  const GpsRun run{.port = LoadShared(state.gpsPort), .number = LoadShared(state.runNumber)};
+  const GpsRun run{.port = LoadShared(state.gpsPort), .number = ExchangeShared(state.gpsRunNumber, 0)};
   NmeaParser parser{};
-  if (BeginRun(state, run, parser)) {
-    uint8_t bytes[kReadSize];
-    uint32_t got = 0;
-    while (run.IsCurrent(state) && ReadSome(run.port, bytes, got)) {
-      if (got != 0 && !TakeBytes(state, run, parser, bytes, got)) break;
-    }
-  }
+  if (BeginRun(state, run, parser)) ReadUntilTheEnd(state, run, parser);
   EndRun(state, run);
 }
 

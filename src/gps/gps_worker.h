@@ -5,9 +5,11 @@
 
 namespace tw {
 
-// Thread body; `state` is the state record. Reads `gpsPort` until a read fails, or the port is no longer the
-// one that it began with (Stop, another Start). A port that failed is closed and marked invalid. Quality 0 is
-// left behind, unless another port is open by then, whose worker owns the fix.
+// Thread body; `state` is the state record. Its run is the one that the starter has put into `gpsRunNumber`,
+// which it takes as its first step; where none stands it ends and touches nothing. Reads `gpsPort` until a
+// read fails, or the port is no longer the one that it began with (Stop, another Start; Apply leaves both). A
+// port that failed is closed and marked invalid, and quality 0 left behind; after a Stop the worker touches
+// nothing. Losses of input go to the debug output.
 void GpsWorker(void* state);
 
 // Posts the position text to the status bar. GUI thread and playback workers.

@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <memory>
+#include <new>
 #include <numbers>
 #include <string>
 #include <vector>
@@ -17,6 +19,16 @@
 #include "simulator/virtual_gps.h"
 #include "tests/simulator_peer.h"
 
+namespace {
+
+std::atomic<bool> memoryIsUsedUp = false;
+
+}  // namespace
+
+void* operator new[](size_t size, const std::nothrow_t&) noexcept {
+  return memoryIsUsedUp ? nullptr : ::operator new[](size);
+}
+
 namespace tw {
 
 namespace {
@@ -30,6 +42,17 @@ void PostStatusText(AppState&, StatusPart part, const wchar_t* text) {
 namespace {
 
 constexpr wchar_t kLine[] = L"\\\\.\\COM4";
+
+// A receiver whose port can take its time to close.
+class ReceiverPeer final : public test::SimulatorPeer {
+ public:
+  using SimulatorPeer::SimulatorPeer;
+  void Close() override {
+    SimulatorPeer::Close();
+    if (closing_ms != 0) SleepMilliseconds(closing_ms);
+  }
+  uint32_t closing_ms = 0;
+};
 
 // A worker with the virtual receiver behind a line in this process, on the real clock.
 class GpsRace : public testing::Test {
@@ -47,13 +70,14 @@ class GpsRace : public testing::Test {
 
   void Start(const sim::GpsOptions& options = {}) {
     gps_ = std::make_unique<sim::VirtualGps>(options);
-    peer_ = std::make_unique<test::SimulatorPeer>(*gps_);
+    peer_ = std::make_unique<ReceiverPeer>(*gps_);
     AttachPeer(kLine, peer_.get());
     state_->gpsPort = OpenSerialLine(kLine, "baud=4800 parity=N data=8 stop=1", 100);
     ASSERT_NE(state_->gpsPort, Handle::invalid);
     StartWorker();
   }
   void StartWorker() {
+    StoreShared(state_->gpsRunNumber, state_->runNumber);
     thread_ = StartThread(GpsWorker, state_.get());
     ASSERT_NE(thread_, Handle::null);
   }
@@ -77,7 +101,7 @@ class GpsRace : public testing::Test {
 
   std::unique_ptr<AppState> state_ = std::make_unique<AppState>();
   std::unique_ptr<sim::VirtualGps> gps_;
-  std::unique_ptr<test::SimulatorPeer> peer_;
+  std::unique_ptr<ReceiverPeer> peer_;
   Handle thread_ = Handle::null;
 };
 
@@ -109,7 +133,6 @@ TEST_F(GpsWorkerTest, KeepsTheFixAndWhatIsDerivedFromIt) {
     EXPECT_EQ(globals.gpsUpdates, sent.gga + sent.gsa + sent.gsv + sent.rmc + sent.vtg);
   }
   Stop();
-  ExpectNoQuality();
 }
 
 TEST_F(GpsWorkerTest, BeforeTheFirstSentenceTheTimeIsTheSystems) {
@@ -133,6 +156,51 @@ TEST_F(GpsWorkerTest, APulledPlugClosesThePortOnceAndLeavesNoQuality) {
   ExpectNoQuality();
   EXPECT_EQ(peer_->Closed(), 1);
   EXPECT_NE(globals.gpsLatitude_rad, 0.0f);
+}
+
+TEST_F(GpsWorkerTest, WhileThePortIsClosingNobodyWaitsForTheFix) {
+  Start({.faults = {.instrument = {.hangUpAt_us = 1'000'000}}});
+  peer_->closing_ms = 5'000;
+  SleepMilliseconds(3'000);
+  const int64_t begin_us = VirtualNow_us();
+  Enter(state_->gpsLock);
+  Leave(state_->gpsLock);
+  EXPECT_EQ(peer_->Closed(), 1);
+  EXPECT_LT(VirtualNow_us() - begin_us, 1'000);
+  SleepMilliseconds(5'000);
+  WaitForEnd();
+  ExpectNoQuality();
+}
+
+TEST_F(GpsWorkerTest, WithoutMemoryItSaysSoAndEnds) {
+  memoryIsUsedUp = true;
+  Start();
+  WaitForEnd();
+  memoryIsUsedUp = false;
+  ASSERT_EQ(posts.size(), 1u);
+  EXPECT_STREQ(posts[0].second, L"Insufficient memory!");
+  ExpectNoQuality();
+}
+
+TEST_F(GpsWorkerTest, OfNoRunOrOfAnEarlierOneItTouchesNothing) {
+  for (const bool early : {true, false}) {
+    Start();
+    const Handle port = state_->gpsPort;
+    globals.fix.quality = 5;
+    if (early) {  // before its first step
+      state_->runNumber += 2;
+    } else {
+      state_->gpsRunNumber = 0;
+      state_->gpsPort = Handle::invalid;
+    }
+    SleepMilliseconds(3'000);
+    WaitForEnd();
+    EXPECT_EQ(state_->gpsPort, early ? port : Handle::invalid);
+    EXPECT_EQ(peer_->Closed(), 0) << early;
+    EXPECT_EQ(globals.fix.quality, 5) << early;
+    EXPECT_EQ(globals.gpsUpdates, 0u) << early;
+    CloseSerialLine(port);
+  }
 }
 
 TEST_F(GpsWorkerTest, OnTheNullHandleItEndsAtOnce) {
