@@ -12,6 +12,7 @@
 #include "app/wait_pointer.h"
 #include "app/worker_control.h"
 #include "base/shared_value.h"
+#include "gps/gps_worker.h"
 
 namespace tw {
 namespace {
@@ -49,6 +50,7 @@ void StartRun(AppState& state) {
   KeepInterval(state.settings);
   log.Write("Before Start Device Time  ");
   RaiseRunNumber(state);
+  ClearPosition(state, globals.gpsPortNumber != kNoGpsPort);
   if (!StartDeviceAndWorkers(state)) return;
   log.Write("After Start Device Time ");
 }

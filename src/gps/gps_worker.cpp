@@ -115,6 +115,19 @@ void GpsWorker(void* argument) {
   EndRun(state, run);
 }
 
+void ClearPosition(AppState& state, bool receiver) {
+  const Locked held(state.gpsLock);
+  ClearFix(globals.fix);
+  if (!receiver) globals.fix.quality = 0;
+  globals.gpsLatitude_rad = 0;
+  globals.gpsLongitude_rad = 0;
+  globals.gpsLongitudeDdmm = 0;
+  globals.gpsQuality = 0;
+  globals.gpsFixType = 0;
+  globals.gpsPdop = 0;
+  globals.gpsTime_s = 0;
+}
+
 void FormatPositionStatus(AppState& state) {
   static constinit StatusTexts texts{};  // which one is next: under gpsLock
   const wchar_t* posted = nullptr;

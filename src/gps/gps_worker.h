@@ -12,6 +12,10 @@ namespace tw {
 // nothing. Losses of input go to the debug output.
 void GpsWorker(void* state);
 
+// Takes the fix and what is derived from it back, for a run that begins. Without a receiver the quality is 0
+// as well, so that the sentences say so. The talker flag stays: it goes by the sentences. GUI thread.
+void ClearPosition(AppState& state, bool receiver);
+
 // Posts the position text to the status bar. GUI thread and playback workers.
 void FormatPositionStatus(AppState& state);
 

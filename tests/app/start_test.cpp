@@ -4,6 +4,7 @@
 #include <new>
 
 #include "acquisition/live_worker.h"
+#include "acquisition/ping_ring.h"
 #include "app/control_states.h"
 #include "app/run_control.h"
 #include "platform/host/debug_capture.h"
@@ -197,6 +198,28 @@ TEST_F(StartTest, WithoutAnAcquisitionThreadTheProcessEnds) {
   noStart = true;
   EXPECT_EXIT(StartRun(*state_), testing::ExitedWithCode(1), "");
   noStart = false;
+}
+
+TEST_F(StartTest, ARunWithoutAReceiverHasNothingOfThePositionBefore) {
+  ConnectGps({});
+  ChooseGps();
+  StartQuickRun(5);
+  EXPECT_NE(LoadPingHeader(state_->ringA->slots[state_->ringIndexA]).gpsLatitude_rad, 0.0f);
+  StopRun(*state_);
+  Ui().Choose(ID_GPS_PORT, L"N/A");
+  StartRun(*state_);
+  Run(2);
+  const PingHeader ping = LoadPingHeader(state_->ringA->slots[state_->ringIndexA]);
+  EXPECT_EQ(ping.gpsLatitude_rad, 0.0f);
+  EXPECT_EQ(ping.gpsLongitude_rad, 0.0f);
+  EXPECT_EQ(ping.gpsAltitude_m, 0.0f);
+  EXPECT_EQ(ping.gpsTime_s, 0u);
+  EXPECT_EQ(ping.gpsPdop, 0.0f);
+  EXPECT_EQ(ping.gpsValid, 0);
+  StopRun(*state_);
+  const std::string content = Content(RecordFiles().back());
+  EXPECT_NE(content.find(",00.0000,S,00.0000,W,0,00,"), content.npos);
+  EXPECT_NE(content.find(",V,00.0000,S,00.0000,W,"), content.npos);
 }
 
 TEST_F(StartTest, NoGpsThread) {
