@@ -201,7 +201,7 @@ class LiveRun {
     header.gpsAltitude_m = static_cast<float>(globals.fix.elevation_m);
     header.gpsTime_s = globals.gpsTime_s;
     header.gpsPdop = globals.gpsPdop;
-    header.gpsValid = globals.gpsQuality > 0 ? 1 : 0;
+    header.gpsValid = globals.gpsQuality > 0 && HasPosition(globals.fix) ? 1 : 0;
     const bool gn = globals.gpsTalkerGn != 0;
     const size_t gga = BuildGga({sentences_, kSentenceSize}, globals.fix, gn);
     return gga + BuildRmc({sentences_ + gga, kSentenceSize}, globals.fix, gn);

@@ -12,6 +12,10 @@ uint32_t UnixSecondsOfFix(const GpsTime& utc) {
   return static_cast<uint32_t>(std::clamp<int64_t>(UnixSecondsFromCalendar(time), 0, UINT32_MAX));
 }
 
+bool HasPosition(const GpsFix& fix) {
+  return (fix.presence & (kHasGga | kHasRmc)) != 0;
+}
+
 void ClearFix(GpsFix& fix) {
   const CalendarTime now = UtcNow();
   fix = GpsFix{};

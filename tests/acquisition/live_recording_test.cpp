@@ -91,6 +91,7 @@ TEST_F(LiveRecording, ABlockBecomesAFrameInRingAndFile) {
   globals.gpsTime_s = 1'699'999'999;
   globals.gpsPdop = 2.5f;
   globals.gpsQuality = 1;
+  globals.fix.presence = kHasGga;
   Record();
   device_.At_ms(1'500, "noise" + kGoldenWordBlock);
   Run_ms(2'000, BinaryEchoWorker);

@@ -177,6 +177,23 @@ TEST_F(LiveWorker, ThatHungInAWriteComesBackSilently) {
   }
 }
 
+TEST_F(LiveWorker, APingIsValidWithAPositionAlone) {
+  const struct {
+    int32_t quality;
+    uint32_t presence;
+    int32_t valid;
+  } rows[] = {
+      {1, 0, 0}, {1, kHasGsa | kHasGsv | kHasVtg, 0}, {1, kHasRmc, 1}, {1, kHasGga, 1}, {0, kHasGga, 0}};
+  uint32_t number = 0;
+  for (const auto& row : rows) {
+    globals.gpsQuality = row.quality;
+    globals.fix.presence = row.presence;
+    Take(EchoBlock(++number));
+    EXPECT_EQ(PingA().ping, number);
+    EXPECT_EQ(PingA().gpsValid, row.valid) << row.quality << " " << row.presence;
+  }
+}
+
 TEST_F(LiveWorker, WithTwoSecondsBetweenPingsAMarkComesEachFifteen) {
   globals.timestampTicked = 1;
   globals.marksAtStart = 300;
