@@ -105,9 +105,16 @@ void BeginFileRun(AppState& state) {
 bool StartFileWorker(AppState& state, Handle& thread, ThreadBody body) {
   const Handle started = StartThread(body, &state);
   StoreShared(thread, started);
-  if (started != Handle::null) return true;
-  Refuse(state, L"Unable to run working thread");
-  return false;
+  return started != Handle::null;
+}
+
+// The other worker of a pair ends, the files are closed, and the process is over.
+[[noreturn]] void EndWithoutFileWorker(AppState& state) {
+  EndFileWorkers(state);
+  for (Handle* const file : {&state.inputFileA, &state.inputFileB, &state.segyCompanionA}) {
+    CloseFile(ExchangeShared(*file, Handle::invalid));
+  }
+  EndWithoutWorker(state);
 }
 
 // A recording without a settings line tells its range with each ping, if at all.
@@ -167,9 +174,7 @@ void BeginPlayback(AppState& state, Candidate& a, Candidate* b) {
   if (b != nullptr) StoreShared(state.inputFileB, b->Take());
   if (!StartFileWorker(state, state.fileWorkerA, FileWorkerA) ||
       (b != nullptr && !StartFileWorker(state, state.fileWorkerB, FileWorkerB))) {
-    EndFileWorkers(state);
-    CloseFile(ExchangeShared(state.inputFileA, Handle::invalid));
-    CloseFile(ExchangeShared(state.inputFileB, Handle::invalid));
+    EndWithoutFileWorker(state);
   }
   RefreshSettingsControls(state);
   RefreshControlStates(state);
@@ -229,11 +234,7 @@ void Convert(AppState& state, Conversion conversion) {
   StoreShared(state.conversionKind, conversion == Conversion::segy ? 1 : 2);
   StoreShared(state.echogramEnabled, 1);
   StoreShared(state.inputFileA, input.Take());
-  if (!StartFileWorker(state, state.fileWorkerA, FileWorkerA)) {
-    CloseFile(ExchangeShared(state.inputFileA, Handle::invalid));
-    CloseFile(ExchangeShared(state.segyCompanionA, Handle::invalid));
-    StoreShared(state.conversionKind, 0);
-  }
+  if (!StartFileWorker(state, state.fileWorkerA, FileWorkerA)) EndWithoutFileWorker(state);
   RefreshControlStates(state);
 }
 

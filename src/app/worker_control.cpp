@@ -127,6 +127,11 @@ WorkerStart StartWorkers(AppState& state) {
   return StartGps(state) ? WorkerStart::started : WorkerStart::noGpsThread;
 }
 
+void EndWithoutWorker(AppState& state) {
+  ShowBox(state, L"Unable to run working thread", L"Error", BoxIcon::error);
+  EndProcess(1);
+}
+
 void ReportWorkerStart(AppState& state, WorkerStart failure) {
   switch (failure) {
     case WorkerStart::started:
@@ -135,8 +140,7 @@ void ReportWorkerStart(AppState& state, WorkerStart failure) {
       ShowBox(state, L"Unsupported output", L"Error", BoxIcon::error);
       return;
     case WorkerStart::noAcquisitionThread:
-      ShowBox(state, L"Unable to run working thread", L"Error", BoxIcon::error);
-      EndProcess(1);
+      EndWithoutWorker(state);
     case WorkerStart::noGpsThread:
       ShowBox(state, L"Unable to run GPS working thread", L"Error", BoxIcon::error);
       return;

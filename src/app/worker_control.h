@@ -14,6 +14,9 @@ enum class WorkerStart : uint8_t { started, unsupportedOutput, noAcquisitionThre
 // open and no GPS worker runs, the GPS thread. Nothing is sent when the mode has no worker.
 [[nodiscard]] WorkerStart StartWorkers(AppState& state);
 
+// "Unable to run working thread", and the end of the process.
+[[noreturn]] void EndWithoutWorker(AppState& state);
+
 // Says what went wrong. Does not return when the acquisition thread is the one that is missing.
 void ReportWorkerStart(AppState& state, WorkerStart failure);
 

@@ -4,6 +4,7 @@
 
 #include "app/file_naming.h"
 #include "base/text_format.h"
+#include "platform/host/faults.h"
 #include "tests/app/playback_fixture.h"
 #include "tests/playback/info_text.h"
 
@@ -99,6 +100,29 @@ TEST_F(Playback, StepsBackPausesAndSeeks) {
 }
 
 constexpr char kTextPing[] = "#DeviceID a\r\n#NSamples 0\r\n##DataStart\r\n\r\n\r\n";
+
+TEST_F(Playback, WithoutAWorkerTheProcessEndsAndItsFilesAreClosed) {
+  std::vector<std::wstring> pair;
+  for (const char* const kHz : {"450", "200"}) {
+    const fs::path path = folder_ / ("20250314_093005_Dual_" + std::string(kHz) + "kHz_id_a_txt12.log");
+    WriteWhole(path, kTextPing);
+    pair.push_back(path.wstring());
+  }
+  static const AppState* state = nullptr;
+  state = state_;
+  Ui().duringBox = [] {
+    const bool closed = state->inputFileA == Handle::invalid && state->inputFileB == Handle::invalid &&
+                        state->segyCompanionA == Handle::invalid;
+    if (!closed || Ui().boxes.back().text != L"Unable to run working thread") std::_Exit(2);
+  };
+  for (const uint64_t call : {1u, 2u}) {
+    InjectFault({.point = FaultPoint::startThread, .call = call});
+    EXPECT_EXIT(Play(pair), testing::ExitedWithCode(1), "") << call;
+    ClearFaults();
+  }
+  InjectFault({.point = FaultPoint::startThread});
+  EXPECT_EXIT(Convert(pair[0], ConvertToSegy), testing::ExitedWithCode(1), "");
+}
 
 TEST_F(Playback, WhatCannotBePlayedIsSaid) {
   const fs::path high = "20250314_093005_Dual_450kHz_id_a_txt12.log";
