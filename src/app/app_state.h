@@ -58,7 +58,7 @@ struct AppState {
   Handle recordFileB;
   Handle segyCompanionA;
   Handle segyCompanionB;
-  int32_t playbackPace;
+  int32_t playbackPace;      // shared: GUI thread writes
   Handle devicePort;         // shared: GUI opens and closes, the acquisition worker reads
   Handle gpsPort;            // shared: GUI opens and closes, the GPS worker reads and invalidates
   Handle acquisitionThread;  // GUI thread
@@ -187,7 +187,7 @@ struct Globals {
   uint16_t slotReachA[kSlotsOfRing];  // bytes in use of each slot of the rings; the ring's writer only
   uint16_t slotReachB[kSlotsOfRing];
   int64_t autoCaptureSince_s;   // seconds since 1970 when "Auto Capture" was ticked
-  int64_t lastCapture_s;        // -1 = none yet
+  int64_t lastCapture_s;        // -1 = none yet; shared
   int32_t playedFrequencyA_hz;  // of played files; 0 = none
   int32_t playedFrequencyB_hz;
 

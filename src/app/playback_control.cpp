@@ -165,9 +165,9 @@ void BeginPlayback(AppState& state, Candidate& a, Candidate* b) {
   StoreShared(globals.dualMode, b != nullptr || a.told->channels > 1 ? 1 : 0);
   StoreShared(globals.playedFrequencyA_hz, FrequencyOf(a.told->info));
   StoreShared(globals.playedFrequencyB_hz, FrequencyOf(low));
-  globals.lastCapture_s = -1;
+  StoreShared(globals.lastCapture_s, -1);
   StoreShared(state.echogramEnabled, CarriesEchoes(*a.told) ? 1 : 0);
-  state.playbackPace = kPlaybackPace_ms;
+  StoreShared(state.playbackPace, kPlaybackPace_ms);
   state.playbackSpan = kPlaybackSpan;
   state.playbackActive = 1;
   StoreShared(state.inputFileA, a.Take());

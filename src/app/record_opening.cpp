@@ -49,7 +49,7 @@ void OpenOne(AppState& state, const RecordFileName& name, RecordChannel channel,
   Handle file = CreateNamed(state, name.record);
   if (file != Handle::invalid) WriteInfoLine(RunningSettings(state), file, name.channelFrequency_hz);
   PutRecordFile(state, channel, file);
-  companion = CreateNamed(state, name.segy);
+  StoreShared(companion, CreateNamed(state, name.segy));
 }
 
 // A conversion's output is closed by its worker, which may just be writing it: the worker finds the field

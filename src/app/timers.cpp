@@ -35,7 +35,7 @@ void Repaint(AppState& state) {
 
 void OfferPlaybackAgain(AppState& state) {
   if (ExchangeShared(globals.playbackEnded, 0) == 0) return;
-  state.playbackPace = kPlaybackPace_ms;
+  StoreShared(state.playbackPace, kPlaybackPace_ms);
   SetControlText(state, ID_RESUME, L"\u25BA");
   state.playbackAtEnd = 1;
   RefreshControlStates(state);

@@ -27,7 +27,7 @@ void ToggleAutoCapture(AppState& state) {
   if (ticked) {
     state.timeScaleUpper = state.timeScaleLower = kTimeScale_s;
     globals.autoCaptureSince_s = UnixMilliseconds() / 1000;
-    globals.lastCapture_s = kNoCapture;
+    StoreShared(globals.lastCapture_s, kNoCapture);
   } else {
     StoreShared(globals.screenshotRequested, 1);
   }

@@ -316,7 +316,8 @@ class FileRun {
   // Waits in slices, so that buttons and the slider are heard.
   void Pace() {
     if (conversion_ != 0 || skipUntil_) return;
-    for (auto left_ms = static_cast<uint32_t>(state_.playbackPace); left_ms > 0 && !Interrupted();) {
+    for (auto left_ms = static_cast<uint32_t>(LoadShared(state_.playbackPace));
+         left_ms > 0 && !Interrupted();) {
       const uint32_t slice_ms = left_ms < kSlice_ms ? left_ms : kSlice_ms;
       SleepMilliseconds(slice_ms);
       left_ms -= slice_ms;
