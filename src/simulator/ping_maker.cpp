@@ -95,8 +95,7 @@ ChannelUse PingMaker::UseOf(const SounderSettings& settings) const {
     const StreamMode* mode = ModeOf(settings);
     return mode != nullptr && mode->joint ? ChannelUse::both : ChannelUse::highOfTwo;
   }
-  const bool low = settings.Whole(Setting::frequencyInUse) == settings.Whole(Setting::frequencyLow);
-  return low ? ChannelUse::low : ChannelUse::high;
+  return settings.LowInUse() ? ChannelUse::low : ChannelUse::high;
 }
 
 const StreamMode* PingMaker::ModeOf(const SounderSettings& settings) const {

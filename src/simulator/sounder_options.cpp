@@ -11,6 +11,7 @@ namespace {
 constexpr int32_t kLeastSamples = 100;
 constexpr int32_t kMostSamples = 12'000;
 constexpr size_t kLongestIdentity = 95;
+constexpr int32_t kHighFrequency_hz = 450'000;  // of the first family
 constexpr size_t kMostDigits = 9;
 
 double Within(double value, double least, double most) {
@@ -30,6 +31,7 @@ std::string IdentityOf(const SounderOptions& options) {
 
 SounderFaults WithinBounds(SounderFaults faults) {
   faults.replyDelay_ms = std::clamp(faults.replyDelay_ms, 0, 60'000);
+  faults.late_ms = std::clamp(faults.late_ms, 0, 60'000);
   faults.splitPause_ms = std::clamp(faults.splitPause_ms, 0, 60'000);
   faults.blockEvery = std::clamp(faults.blockEvery, 1, 1'000'000);
   faults.streamRate = Within(faults.streamRate, 0.0, 1.0);
@@ -57,6 +59,9 @@ SounderOptions WithinBounds(SounderOptions options) {
   options.relief_m = Within(options.relief_m, 0.0, options.depth_m / 2);
   options.lowFrequency = options.lowFrequency && options.family == DeviceFamily::first;
   options.dual = options.dual && options.family == DeviceFamily::first;
+  const bool twoChannels = options.family == DeviceFamily::first;
+  options.frequency_hz =
+      twoChannels ? kHighFrequency_hz : std::clamp(options.frequency_hz, 10'000, 1'000'000);
   options.preset = std::clamp(options.preset, 0, 255);
   options.logSize = std::min<size_t>(options.logSize, 1 << 20);
   options.faults = WithinBounds(std::move(options.faults));

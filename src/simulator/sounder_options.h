@@ -53,6 +53,8 @@ inline constexpr int32_t kInformationBytes = 38;  // of the third family's block
 struct SounderFaults {
   InstrumentFaults instrument = {};
   int32_t replyDelay_ms = 0;  // 0 to 60,000, before each reply at the prompt
+  std::string late = {};      // a keyword that is answered late when it comes for the first time,
+  int32_t late_ms = 2'300;    // by 0 to 60,000
   PromptStyle prompt = PromptStyle::whole;
   bool splitEndMark = false;   // "Data", a pause, "End"
   int32_t splitPause_ms = 50;  // 0 to 60,000, of a split prompt or end mark
@@ -89,6 +91,7 @@ struct SounderOptions {
   double depth_m = 12.0;                  // 0.5 to 200, of the sea bed
   double relief_m = 2.5;                  // 0 to half the depth
   bool lowFrequency = false;              // first family: the channel in use at power-on
+  int32_t frequency_hz = 450'000;         // second and third family: of the one channel, 10,000 to 1,000,000
   bool dual = false;                      // first family: both channels at power-on
   bool refusesDualOld = false;            // first family: no "Sonarmite OLD", output 9, for both channels
   Smoothing smoothing = Smoothing::off;   // first family

@@ -97,7 +97,8 @@ constexpr bool IsDigit(char c) {
 }  // namespace
 
 SounderSettings::SounderSettings(const SounderOptions& options)
-    : toldIn16Bits_(options.family == DeviceFamily::third) {
+    : toldIn16Bits_(options.family == DeviceFamily::third),
+      twoChannels_(options.family == DeviceFamily::first) {
   for (size_t i = 0; i < values_.size(); ++i) initial_[i] = kRows[i].initial;
   const auto put = [&](Setting setting, int64_t value) {
     initial_[static_cast<size_t>(setting)] = value * kThousand;
@@ -108,7 +109,8 @@ SounderSettings::SounderSettings(const SounderOptions& options)
   put(Setting::samplingFrequency, options.samplingFrequency_hz);
   put(Setting::speed, options.baud);
   put(Setting::simultaneous, options.dual ? 1 : 0);
-  if (options.lowFrequency) put(Setting::frequencyInUse, 200'000);
+  put(Setting::frequencyHigh, options.frequency_hz);
+  put(Setting::frequencyInUse, options.lowFrequency ? 200'000 : options.frequency_hz);
   put(Setting::smooth, options.smoothing == Smoothing::on ? 1 : 0);
   const bool automatic = options.automatic || options.preset == kAutomaticPreset;
   put(Setting::automatic, automatic ? 1 : 0);
@@ -140,7 +142,7 @@ bool SounderSettings::SetPreset(int64_t thousandths) {
 }
 
 bool SounderSettings::LowInUse() const {
-  return Whole(Setting::simultaneous) == 0 &&
+  return twoChannels_ && Whole(Setting::simultaneous) == 0 &&
          Thousandths(Setting::frequencyInUse) == Thousandths(Setting::frequencyLow);
 }
 

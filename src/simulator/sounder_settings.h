@@ -87,7 +87,7 @@ class SounderSettings {
   [[nodiscard]] bool SetAutomatic(int64_t thousandths);
   [[nodiscard]] bool SetPreset(int64_t thousandths);
 
-  // The low channel alone is in use.
+  // The low channel alone is in use. A device of one channel has none: its values are the high ones.
   [[nodiscard]] bool LowInUse() const;
 
   // Back to what they were when the device was made, the line's speed excepted: an operator who restores
@@ -100,6 +100,7 @@ class SounderSettings {
  private:
   using Values = std::array<int64_t, static_cast<size_t>(Setting::count)>;
   const bool toldIn16Bits_;  // the third family's dead zone
+  const bool twoChannels_;
   Values values_{};
   Values initial_{};
 };

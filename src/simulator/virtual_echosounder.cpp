@@ -160,12 +160,12 @@ void VirtualEchosounder::TakeByte(uint8_t byte, int64_t now_us) {
 }
 
 void VirtualEchosounder::TakeLine(const std::string& line, int64_t now_us) {
-  const int64_t answer_us = now_us + options_.faults.replyDelay_ms * kMicrosecondsPerMillisecond;
+  const std::string_view keyword = KeywordOf(line);
+  const int64_t answer_us = now_us + Delay_us(keyword);
   if (line.empty()) {
     SayPrompt(answer_us);
     return;
   }
-  const std::string_view keyword = KeywordOf(line);
   PromptAnswer answer{line + "\r\nError\r\n", PromptEffect::none, true, Holds(options_.faults.mute, keyword)};
   if (!answer.mute && !Holds(options_.faults.refused, keyword)) answer = prompt_.Answer(line, now_us);
   commands_.Add({now_us, line, answer.refused});
@@ -180,6 +180,13 @@ void VirtualEchosounder::TakeLine(const std::string& line, int64_t now_us) {
   if (answer.effect == PromptEffect::none) return;
   if (answer.effect == PromptEffect::reset) number_ = 0;
   newSpeed_us_ = line_.Idle_us();
+}
+
+int64_t VirtualEchosounder::Delay_us(std::string_view keyword) {
+  const SounderFaults& faults = options_.faults;
+  const bool late = !wasLate_ && !faults.late.empty() && keyword == faults.late;
+  wasLate_ = wasLate_ || late;
+  return (faults.replyDelay_ms + (late ? faults.late_ms : 0)) * kMicrosecondsPerMillisecond;
 }
 
 void VirtualEchosounder::Stop(int64_t now_us) {

@@ -60,6 +60,7 @@ class VirtualEchosounder final : public VirtualInstrument {
   void EndPings(int64_t now_us);
   void TakeByte(uint8_t byte, int64_t now_us);
   void TakeLine(const std::string& line, int64_t now_us);
+  [[nodiscard]] int64_t Delay_us(std::string_view keyword);
   void Stop(int64_t now_us);
 
   [[nodiscard]] int64_t Interval_us() const;
@@ -79,6 +80,7 @@ class VirtualEchosounder final : public VirtualInstrument {
 
   bool streaming_;
   bool hungUp_ = false;
+  bool wasLate_ = false;          // the answer that comes late has been given
   int64_t newSpeed_us_ = kNever;  // when the line takes on the speed that has been set
   int64_t due_us_ = 0;            // of the next ping, the line permitting
   int64_t chatter_us_ = 0;        // of the next line of noise at the prompt

@@ -67,7 +67,8 @@ TEST(Options, AreReadInAnyOrder) {
   ToolOptions options;
   ASSERT_EQ(
       ErrorOf("--link /tmp/s --gps-link /tmp/g --line-log /tmp/l --strict-line --mode 10 --identity 1042 "
-              "--lacks #threshold --family 2 --firmware 1.95 --rate 12.5 --samples 12000 --speed 921600 "
+              "--lacks #threshold --family 2 --frequency 200000 --firmware 1.95 --rate 12.5 --samples 12000 "
+              "--speed 921600 "
               "--speed-at-once --seed 7 --auto --preset 7 --smoothing none --no-dual-old "
               "--binary-form frame --lacks-silently --info-bytes 13 --prompt split --refuse #auto "
               "--refuse #smooth --missing-key #Altitude --fault-every 5 --hang-up-at 2.5 --silent-from 1 "
@@ -82,6 +83,7 @@ TEST(Options, AreReadInAnyOrder) {
   EXPECT_EQ(sounder.outputMode, 10);
   EXPECT_EQ(sounder.identity, "1042");
   EXPECT_EQ(sounder.family, sim::DeviceFamily::second);
+  EXPECT_EQ(sounder.frequency_hz, 200'000);
   EXPECT_EQ(sounder.firmware_hundredths, 195);
   EXPECT_EQ(sounder.pingsPerSecond, 12.5);
   EXPECT_EQ(sounder.sampleCount, 12'000);
@@ -129,6 +131,7 @@ TEST(Options, WhatIsWrongIsNamed) {
   ToolOptions options;
   EXPECT_EQ(ErrorOf("--bogus", options), "unknown option --bogus");
   EXPECT_EQ(ErrorOf("--rate", options), "--rate needs a value");
+  EXPECT_EQ(ErrorOf("--frequency 200000", options), "--frequency is for families 2 and 0");
   EXPECT_EQ(ErrorOf("--dual --family 0", options), "--dual and --low are for family 1");
   std::string error;
   EXPECT_FALSE(ParseOptions(std::vector{"--link", ""}, options, error));

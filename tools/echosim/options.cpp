@@ -190,6 +190,8 @@ constexpr OptionRow kSounder[] = {
      [](O& o, V) { return o.sounder.speedAtOnce = true; }},
     {"--low", "", "the low frequency is in use at power-on",
      [](O& o, V) { return o.sounder.lowFrequency = true; }},
+    {"--frequency", "HZ", "families 2 and 0: its frequency, 10000 to 1000000 (450000)",
+     [](O& o, V v) { return ReadNumber(v, 10'000, 1'000'000, o.sounder.frequency_hz); }},
     {"--dual", "", "both frequencies at power-on", [](O& o, V) { return o.sounder.dual = true; }},
     {"--binary-form", "NAME", "of the binary modes: block (the default), frame or dual-frame",
      [](O& o, V v) { return ReadChoice(v, kBinaryForms, o.sounder.binaryForm); }},
@@ -235,6 +237,10 @@ constexpr OptionRow kFaults[] = {
      [](O& o, V v) { return ReadMoment(v, o.sounder.faults.instrument.hangUpAt_us); }},
     {"--reply-delay", "MS", "answers late, 0 to 60000",
      [](O& o, V v) { return ReadNumber(v, 0, 60'000, o.sounder.faults.replyDelay_ms); }},
+    {"--late", "KEYWORD", "answers KEYWORD late the first time",
+     [](O& o, V v) { return ReadText(v, o.sounder.faults.late); }},
+    {"--late-by", "MS", "by so much, 0 to 60000 (2300)",
+     [](O& o, V v) { return ReadNumber(v, 0, 60'000, o.sounder.faults.late_ms); }},
     {"--prompt", "FORM", "whole, missing, split or doubled (an extra carriage return)",
      [](O& o, V v) { return ReadChoice(v, kPrompts, o.sounder.faults.prompt); }},
     {"--split-end-mark", "", "the end mark of a stream comes in two pieces",
@@ -316,6 +322,7 @@ std::string UnsuitedToTheFamily(const sim::SounderOptions& sounder) {
   if (made.dual != sounder.dual || made.lowFrequency != sounder.lowFrequency) {
     return "--dual and --low are for family 1";
   }
+  if (made.frequency_hz != sounder.frequency_hz) return "--frequency is for families 2 and 0";
   return {};
 }
 
