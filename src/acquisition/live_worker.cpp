@@ -186,7 +186,7 @@ class LiveRun {
 
   [[nodiscard]] float RangeOf(const Channel& channel) const {
     const bool low = context_.dual ? channel.record == RecordChannel::b
-                                   : settings_.frequencyInUse_hz == settings_.lowFrequency_hz;
+                                   : UsesLowChannel(settings_, LoadShared(globals.deviceFamily));
     return static_cast<float>(RangeInMillimetres(low ? settings_.rangeLow_mm : settings_.rangeHigh_mm)) /
            1000.0f;
   }

@@ -81,7 +81,7 @@ void ShowFrequencies(AppState& state) {
   const DeviceSettings& settings = state.settings;
   const FormFacts facts = CurrentFormFacts(state);
   const bool both = facts.family == 1 && (facts.played ? facts.dual : settings.simultaneous != 0);
-  const bool low = facts.family == 1 && settings.frequencyInUse_hz == settings.lowFrequency_hz;
+  const bool low = UsesLowChannel(settings, facts.family);
   SetChecked(state, ID_DUAL_MODE, both);
   SetChecked(state, ID_LOW_FREQUENCY, !both && low);
   SetChecked(state, ID_HIGH_FREQUENCY, !both && !low);

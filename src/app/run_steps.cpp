@@ -22,12 +22,6 @@ constexpr int32_t kShortestInterval_ms = 10;
 constexpr uint32_t kLinkTimerPeriod_ms = 1000;
 constexpr wchar_t kNotConnected[] = L"Echosounder is not connected";
 
-// The range of the frequency that a single device of the first family pings with.
-int32_t SingleRange(const DeviceSettings& settings) {
-  return settings.frequencyInUse_hz == settings.lowFrequency_hz ? settings.rangeLow_mm
-                                                                : settings.rangeHigh_mm;
-}
-
 // The texts that a later change of the selectors is compared with.
 void RememberTexts(AppState& state) {
   GetControlText(state, ID_RANGE, state.rememberedRange);
@@ -42,8 +36,8 @@ void RememberTexts(AppState& state) {
 
 PanelRanges RangesOfPanels(const DeviceSettings& settings) {
   const bool dual = LoadShared(globals.dualMode) != 0;
-  const bool single = LoadShared(globals.deviceFamily) == 1 && !dual;
-  return {RangeInMillimetres(single ? SingleRange(settings) : settings.rangeHigh_mm),
+  const bool low = !dual && UsesLowChannel(settings, LoadShared(globals.deviceFamily));
+  return {RangeInMillimetres(low ? settings.rangeLow_mm : settings.rangeHigh_mm),
           dual ? RangeInMillimetres(settings.rangeLow_mm) : 0};
 }
 

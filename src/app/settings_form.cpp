@@ -249,9 +249,7 @@ SettingsForm FormOf(const FormFacts& facts) {
 }
 
 FieldChannel ActiveChannel(const FormFacts& facts, const DeviceSettings& settings) {
-  const bool low =
-      facts.family == 1 && !facts.played && settings.frequencyInUse_hz == settings.lowFrequency_hz;
-  return low ? FieldChannel::low : FieldChannel::high;
+  return !facts.played && UsesLowChannel(settings, facts.family) ? FieldChannel::low : FieldChannel::high;
 }
 
 bool IsShown(SettingsField field, const FormFacts& facts) {

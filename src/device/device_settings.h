@@ -63,6 +63,12 @@ struct DeviceSettings {
   int32_t preset;
 };
 
+// Whether a run of one frequency uses the low channel. The families 2 and 0 have one channel, whatever its
+// frequency is; its values are the high ones.
+[[nodiscard]] constexpr bool UsesLowChannel(const DeviceSettings& settings, int32_t family) {
+  return family == 1 && settings.frequencyInUse_hz == settings.lowFrequency_hz;
+}
+
 // The one guard for firmware that reports ranges in metres: 1 to 999 are metres (valid ranges are 1 to
 // 200 m or 1,000 to 200,000 mm, so the two cannot collide); other values stand as they are.
 [[nodiscard]] constexpr int32_t RangeInMillimetres(int32_t reported) {

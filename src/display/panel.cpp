@@ -25,7 +25,7 @@ bool IsOpen(const Handle& file) {
 
 // A single-channel run that uses the low frequency shows that channel's values.
 bool ShowsLowChannel(const DeviceSettings& settings, PanelPlace place) {
-  if (place == PanelPlace::single) return settings.frequencyInUse_hz == settings.lowFrequency_hz;
+  if (place == PanelPlace::single) return UsesLowChannel(settings, LoadShared(globals.deviceFamily));
   return place == PanelPlace::lower;
 }
 

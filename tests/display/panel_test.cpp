@@ -49,13 +49,19 @@ class Panel : public testing::Test {
 
 TEST_F(Panel, SingleViewFollowsTheFrequencyInUse) {
   const struct {
+    int32_t family;
     int32_t used_hz;
     int32_t threshold_percent;
     int32_t deviceRange_mm;
-  } rows[] = {{447'000, 30, 20'000}, {200'000, 10, 50'000}};
+  } rows[] = {{1, 447'000, 30, 20'000},
+              {1, 200'000, 10, 50'000},
+              {2, 200'000, 30, 20'000},  // of one channel, whose values are the high ones
+              {0, 200'000, 30, 20'000}};
   for (const auto& row : rows) {
-    SCOPED_TRACE(row.used_hz);
+    SCOPED_TRACE(row.family);
+    globals.deviceFamily = row.family;
     state_->settings.frequencyInUse_hz = row.used_hz;
+    if (row.family != 1) state_->settings.highFrequency_hz = row.used_hz;
     const PanelSource source = DescribePanel(*state_, PanelPlace::single);
     EXPECT_EQ(source.ring, ringA_.get());
     EXPECT_EQ(source.scale.newest, 500);

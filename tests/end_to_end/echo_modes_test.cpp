@@ -11,6 +11,8 @@
 #include "app/run_control.h"
 #include "base/bytes.h"
 #include "base/shared_value.h"
+#include "display/panel.h"
+#include "display/zoom.h"
 #include "platform/clock.h"
 #include "simulator/virtual_echosounder.h"
 #include "tests/app/run_control_fixture.h"
@@ -34,6 +36,8 @@ struct Case {
   const char* name;
   bool dual = false;
   size_t pings = 2'000;
+  int32_t frequency_hz = 450'000;  // of a device of one channel
+  int32_t range_mm = 30'000;
   [[nodiscard]] bool IsBinary() const { return mode >= 100; }
   [[nodiscard]] uint16_t Factor() const { return mode == 2 ? 4 : 1; }
 };
@@ -64,6 +68,7 @@ class EchoModes : public test::RunControlTest, public testing::WithParamInterfac
 
   void ExpectSame(const PingHeader& ping, const SentMessage& message);
   void Look(const PingRing& ring, Lock& lock, const int32_t& index, bool low);
+  void ExpectViewOfTheHighChannel();
   void CompareTextFile(std::string_view file, bool low);
   void CompareFrameFile(std::string_view file, bool low);
   void CompareFile(std::string_view file, bool low);
@@ -84,7 +89,7 @@ void EchoModes::ExpectSame(const PingHeader& ping, const SentMessage& message) {
   EXPECT_NEAR(ping.timeOfWork_s, kBegin_s + static_cast<double>(sent.time_us) / 1e6, 1.2);
   EXPECT_EQ(ping.samplingFrequency_hz, binary ? 100'000u : 25'000u);
   EXPECT_EQ(ping.sampleCount, message.samples.size() * (binary ? kRepeat : 1));
-  EXPECT_EQ(ping.range_m, 30.0f);
+  EXPECT_EQ(ping.range_m, static_cast<float>(GetParam().range_mm) / 1'000.0f);
   EXPECT_EQ(ping.txFrequency_hz, sent.txFrequency_hz);
   EXPECT_EQ(ping.altitude_m, sent.altitude_m);
   EXPECT_EQ(ping.temperature_c, sent.temperature_c);
@@ -115,6 +120,17 @@ void EchoModes::Look(const PingRing& ring, Lock& lock, const int32_t& index, boo
   ExpectSame(ping, *message);
   const std::vector<uint16_t> grid = OnGrid(*message, GetParam().Factor());
   ASSERT_EQ(SamplesAt(slot + kSlotSamples, grid.size()), grid) << "ping " << last;
+}
+
+// Threshold line and wheel go by what the device has told.
+void EchoModes::ExpectViewOfTheHighChannel() {
+  const Case& each = GetParam();
+  const PanelPlace place = each.dual ? PanelPlace::upper : PanelPlace::single;
+  const PanelSource view = DescribePanel(*state_, place);
+  EXPECT_EQ(view.threshold_percent, 10);
+  EXPECT_EQ(view.scale.range_mm, each.range_mm);
+  const int32_t deviceRange_mm = DeviceRangeOf(ShownSettings(*state_), place);
+  EXPECT_EQ(ZoomedRange(view.scale.range_mm, deviceRange_mm, WheelTurn::back), each.range_mm);
 }
 
 void EchoModes::CompareTextFile(std::string_view file, bool low) {
@@ -169,6 +185,8 @@ TEST_P(EchoModes, EveryPingReachesRingsAndFiles) {
   options.family = each.family;
   options.outputMode = each.mode;
   options.dual = each.dual;
+  options.frequency_hz = each.frequency_hz;
+  options.range_mm = each.range_mm;
   options.delivery_us = 1'000;
   ConnectSounder(options, &account_);
   ConnectGps({});
@@ -179,6 +197,7 @@ TEST_P(EchoModes, EveryPingReachesRingsAndFiles) {
   EXPECT_EQ(LoadShared(globals.dualMode), each.dual ? 1 : 0);
   EXPECT_EQ(state_->settings.outputMode, each.mode);
   EXPECT_EQ(state_->echogramEnabled, 1);
+  ExpectViewOfTheHighChannel();
 
   while (seen_[0] <= each.pings) {
     SleepMilliseconds(20);
@@ -215,7 +234,10 @@ INSTANTIATE_TEST_SUITE_P(
                     Case{kSecond, 100, "SecondBinary"}, Case{kSecond, 101, "SecondCompanded"},
                     Case{kThird, 2, "ThirdText"}, Case{kThird, 4, "ThirdText200"},
                     Case{kThird, 5, "ThirdText500"}, Case{kThird, 6, "ThirdText1000"},
-                    Case{kThird, 100, "ThirdBinary"}, Case{kThird, 101, "ThirdCompanded"}),
+                    Case{kThird, 100, "ThirdBinary"}, Case{kThird, 101, "ThirdCompanded"},
+                    // The low frequency of the first family, in devices of one channel.
+                    Case{kSecond, 100, "SecondOf200kHz", false, 200, 200'000, 50'000},
+                    Case{kThird, 2, "ThirdOf200kHz", false, 200, 200'000, 50'000}),
     [](const auto& each) { return std::string(each.param.name); });
 
 }  // namespace
