@@ -135,7 +135,8 @@ LinkResult QueryFloat(Handle port, CommandId id, float& target) {
 LinkResult QueryString(Handle port, std::span<char> target) {
   std::string_view line;
   const LinkResult result = Ask(port, CommandId::identity, line);
-  if (result != LinkResult::success || target.empty()) return result;
+  if (result != LinkResult::success && result != LinkResult::invalid) return result;
+  if (target.empty()) return LinkResult::success;
   const size_t count = std::min(line.size(), target.size() - 1);
   std::copy_n(line.begin(), count, target.begin());
   target[count] = '\0';

@@ -57,7 +57,8 @@ class PromptMatcher {
 // is `invalid` too.
 [[nodiscard]] LinkResult QueryInt(Handle port, CommandId id, int32_t& target);
 [[nodiscard]] LinkResult QueryFloat(Handle port, CommandId id, float& target);
-// Always "#iden"; the line as it stands, cut to fit, with a terminating zero.
+// Always "#iden"; the line as it stands, cut to fit, with a terminating zero. A reply without a value line is
+// an empty identity.
 [[nodiscard]] LinkResult QueryString(Handle port, std::span<char> target);
 
 // The line behind the echoed command line; false when the reply has none. Pure.

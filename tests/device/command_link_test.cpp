@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <vector>
 
 #include "platform/clock.h"
@@ -88,9 +89,13 @@ TEST_F(CommandLinkTest, TheIdentityIsTheLineAsItStands) {
   EXPECT_EQ(QueryString(port_, identity), LinkResult::success);
   EXPECT_STREQ(identity, " KT-1 x");
   EXPECT_EQ(device_.received, "#iden\r");
-  Answer("#iden\r\n\r\n>");
-  EXPECT_EQ(QueryString(port_, identity), LinkResult::invalid);
-  EXPECT_STREQ(identity, " KT-1 x");
+  for (const char* reply : {"#iden\r\n\r\n\r\n>", "#iden\r\n\r\n>"}) {
+    std::strcpy(identity, "old");
+    Answer(reply);
+    EXPECT_EQ(QueryString(port_, identity), LinkResult::success) << reply;
+    EXPECT_STREQ(identity, "") << reply;
+  }
+  EXPECT_EQ(QueryString(port_, identity), LinkResult::noPrompt);
 }
 
 TEST_F(CommandLinkTest, APromptIsRecognisedHoweverItComes) {
