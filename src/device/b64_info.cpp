@@ -59,6 +59,7 @@ class Answer {
       if (got != 0) {
         last_ms_ = now_ms;
         c = static_cast<char>(byte);
+        atPrompt_ = matcher_.Take(byte);
         return LinkResult::success;
       }
       if (now_ms - last_ms_ > kIdleLimit_ms) return LinkResult::noPrompt;
@@ -87,11 +88,21 @@ class Answer {
     return LinkResult::success;
   }
 
+  // Reads to the prompt, which may begin with what has been read already, however many bytes stand before it.
+  LinkResult End() {
+    left_ = SIZE_MAX;
+    LinkResult result = LinkResult::success;
+    for (char c = 0; !atPrompt_ && result == LinkResult::success;) result = Next(c);
+    return result;
+  }
+
  private:
   Handle port_;
   size_t left_;
   uint32_t begin_ms_;
   uint32_t last_ms_;
+  PromptMatcher matcher_;
+  bool atPrompt_ = false;  // the byte read last completed one
 };
 
 template <typename Wire, typename T>
@@ -133,15 +144,25 @@ LinkResult ReadBlock(Handle port, DeviceSettings& settings) {
   return LinkResult::success;
 }
 
+// Collects what follows kFrequencyStart in its line. The answer is read to its end: what is left of it would
+// be taken for the reply to the next command.
+LinkResult AskFrequencyLine(Handle port, std::span<char> rest, size_t& length) {
+  const LinkResult sent = SendCommandNoValue(port, CommandId::info);
+  if (sent != LinkResult::success) return sent;
+  Answer answer(port, kFrequencyReads);
+  LinkResult result = answer.Find(kFrequencyStart);
+  if (result == LinkResult::success) result = answer.Collect("\r\n", rest, length);
+  const bool inTime = result == LinkResult::success || result == LinkResult::invalid;
+  if (inTime) static_cast<void>(answer.End());
+  return result;
+}
+
 // The frequency is not in the block; without this line the program goes on with what it knows.
 void ReadFrequency(Handle port, DeviceSettings& settings) {
-  if (SendCommandNoValue(port, CommandId::info) != LinkResult::success) return;
-  Answer answer(port, kFrequencyReads);
   char line[128] = "Tx Frequency";
+  const std::span<char> rest = std::span(line).subspan(kFrequencyStart.size());
   size_t length = 0;
-  if (answer.Find(kFrequencyStart) != LinkResult::success) return;
-  if (answer.Collect("\r\n", std::span(line).subspan(kFrequencyStart.size()), length) != LinkResult::success)
-    return;
+  if (AskFrequencyLine(port, rest, length) != LinkResult::success) return;
   const size_t whole = std::min(length + kFrequencyStart.size(), sizeof line);
   int32_t frequency_hz = 0;
   if (!ParseTxFrequency({line, whole}, frequency_hz)) return;

@@ -5,6 +5,7 @@
 
 #include "device/base64.h"
 #include "device/settings_readers.h"
+#include "platform/clock.h"
 #include "tests/device/line_script.h"
 
 namespace tw {
@@ -166,6 +167,21 @@ TEST_F(B64InfoDialogue, TheFrequencyStandsInALineOfTheFirstKilobyteOrIsAsItWas) 
     EXPECT_TRUE(Same(settings_, told)) << row.what;
     char rest = 0;
     for (uint32_t got = 1; got != 0;) ASSERT_TRUE(ReadSerialLine(port_, &rest, 1, got));
+  }
+}
+
+TEST_F(B64InfoDialogue, TheSecondAnswerIsReadToItsPrompt) {
+  const std::string line = "#info\r\nTx Frequency      450000 Hz  \r\n";
+  const struct {
+    std::string rest;
+    int64_t spacing_us;
+  } rows[] = {{"\r\n>", 0}, {">", 0}, {"Gain > 3\r\n\r\n>", 5'000}, {std::string(2'000, '-') + "\r\n>", 900}};
+  for (const auto& row : rows) {
+    device_.replies = {{kAnswer}, {line + row.rest, 0, row.spacing_us}};
+    EXPECT_EQ(ReadSettingsFromB64Info(port_, settings_), LinkResult::success) << row.rest;
+    EXPECT_EQ(settings_.frequencyInUse_hz, 450'000) << row.rest;
+    SleepMilliseconds(3'000);
+    EXPECT_EQ(BytesWaiting(port_), 0u) << row.rest;
   }
 }
 
