@@ -58,19 +58,39 @@ bool OpenGps(AppState& state, WaitPointer& pointer) {
   return false;
 }
 
-// Reads into a copy, so that a form that fails half-way leaves nothing behind.
-bool ReadsAs(const FamilyReader& reader, Handle port, const DeviceSettings& known, DeviceSettings& settings) {
+// What is known before a form is read: the settings, and what stands beside them in `globals`.
+struct Beginning {
+  DeviceSettings settings;
+  void (*forget)();
+};
+
+void ForgetAbilities() {
   globals.presetCapable = 0;
   globals.smoothingSupported = 0;
   globals.highChannelActive = 0;
-  settings = known;
-  return reader.read(port, settings) == LinkResult::success;
 }
 
-const FamilyReader* ReadSettings(Handle port, const DeviceSettings& known, DeviceSettings& settings) {
+void ForgetDevice() {
+  ForgetAbilities();
+  globals.interfaceType = 0;
+  globals.firmwareVersion = 0.0f;
+  globals.currentPreset = 0;
+}
+
+// Reads into a copy, so that a form that fails half-way leaves nothing behind.
+bool ReadsAs(const FamilyReader& reader, Handle port, const Beginning& beginning, DeviceSettings& settings) {
+  beginning.forget();
+  settings = beginning.settings;
+  if (reader.read(port, settings) == LinkResult::success) return true;
+  beginning.forget();
+  return false;
+}
+
+const FamilyReader* ReadSettings(Handle port, DeviceSettings& settings) {
+  const Beginning beginning{StartUpSettings(), ForgetDevice};
   const auto* const reader =
       std::find_if(std::begin(kFamilyReaders), std::end(kFamilyReaders),
-                   [&](const FamilyReader& each) { return ReadsAs(each, port, known, settings); });
+                   [&](const FamilyReader& each) { return ReadsAs(each, port, beginning, settings); });
   return reader == std::end(kFamilyReaders) ? nullptr : reader;
 }
 
@@ -155,7 +175,7 @@ bool ConnectPorts(AppState& state, WaitPointer& pointer, const ElapsedLog& log) 
 
 bool IdentifyDevice(AppState& state, WaitPointer& pointer) {
   DeviceSettings settings{};
-  const FamilyReader* reader = ReadSettings(state.devicePort, state.settings, settings);
+  const FamilyReader* reader = ReadSettings(state.devicePort, settings);
   if (reader == nullptr) {
     pointer.Restore();
     ShowBox(state, L"Unable to read settings form the Echosounder", L"Error", BoxIcon::error);
@@ -173,8 +193,9 @@ bool ReadSettingsBack(AppState& state) {
   const int32_t family = LoadShared(globals.deviceFamily);
   const auto* const reader = std::find_if(std::begin(kFamilyReaders), std::end(kFamilyReaders),
                                           [&](const FamilyReader& each) { return each.family == family; });
+  const Beginning beginning{state.settings, ForgetAbilities};
   DeviceSettings settings{};
-  if (!ReadsAs(*reader, state.devicePort, state.settings, settings)) return false;
+  if (!ReadsAs(*reader, state.devicePort, beginning, settings)) return false;
   if (family != 1) settings.simultaneous = 0;
   TakeOver(state, settings);
   return true;

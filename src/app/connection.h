@@ -14,13 +14,15 @@ void ReadCommunication(AppState& state);
 // failure the operator has been told, the ports are closed, and the result is false.
 [[nodiscard]] bool ConnectPorts(AppState& state, WaitPointer& pointer, const ElapsedLog& log);
 
-// Reads the device's settings in the forms of the three families, in their order; the first that succeeds
-// decides the family and fills `appliedSettings` and `settings`. On failure the operator has been told, the
-// ports are closed, what was known of the device is unchanged, and the result is false.
+// Reads the device's settings in the forms of the three families, in their order, each from the start-up
+// values on; the first that succeeds decides the family and fills `appliedSettings` and `settings`.
+// On failure the operator has been told, the ports are closed, family and settings are unchanged, and the
+// result is false.
 [[nodiscard]] bool IdentifyDevice(AppState& state, WaitPointer& pointer);
 
 // Reads the settings back from the device that was identified, as its family does, and takes them over into
-// `appliedSettings` and `settings`. On failure both are unchanged.
+// `appliedSettings` and `settings`; what it does not tell stays as `settings` has it. On failure both are
+// unchanged.
 [[nodiscard]] bool ReadSettingsBack(AppState& state);
 
 // Opens the device port at the chosen speed, 3000000 as the fast form. False when the system refuses; its

@@ -63,6 +63,31 @@ struct DeviceSettings {
   int32_t preset;
 };
 
+// What the settings hold until a device has answered, and where its identification begins: what it does not
+// tell is never what another one or a played file has told.
+[[nodiscard]] constexpr DeviceSettings StartUpSettings() {
+  DeviceSettings settings{};
+  settings.frequencyInUse_hz = 447'000;
+  settings.lowFrequency_hz = 200'000;
+  settings.highFrequency_hz = 447'000;
+  settings.rangeLow_mm = settings.rangeHigh_mm = 10'000;
+  settings.txLengthLow = settings.txLengthHigh = 20;
+  settings.pingInterval_ms = 100;
+  settings.tvgMode = 1;
+  settings.tvgSpreadingLow = settings.tvgSpreadingHigh = 15.0f;
+  settings.tvgAbsorptionLow = 0.08f;
+  settings.tvgAbsorptionHigh = 0.14f;
+  settings.deadZoneLow_mm = settings.deadZoneHigh_mm = 150;
+  settings.thresholdLow_percent = settings.thresholdHigh_percent = 20;
+  settings.soundSpeed_mps = 1500.0f;
+  settings.outputMode = 4;
+  settings.unused2 = 4;  // kept: the word behind the output mode starts with the same value
+  settings.samplingFrequency_hz = 25'000;
+  settings.medianFilter = 3;
+  settings.movingAverageFilter = 3;
+  return settings;
+}
+
 // Whether a run of one frequency uses the low channel. The families 2 and 0 have one channel, whatever its
 // frequency is; its values are the high ones.
 [[nodiscard]] constexpr bool UsesLowChannel(const DeviceSettings& settings, int32_t family) {

@@ -2,12 +2,56 @@
 #include "app/run_steps.h"
 #include "app/worker_control.h"
 #include "base/shared_value.h"
+#include "device/info_line.h"
 #include "tests/app/run_control_fixture.h"
 
 namespace tw::test {
 namespace {
 
-class IdentificationTest : public RunControlTest {};
+class IdentificationTest : public RunControlTest {
+ protected:
+  // What the program knows of a device after Start, and how it records it.
+  struct Known {
+    bool operator==(const Known&) const = default;
+    std::string settings;
+    std::vector<double> beside;
+    std::string file;
+    std::string infoLine;
+  };
+
+  // Leaves the device's commands in sounder_.
+  Known Identify(const sim::SounderOptions& options) {
+    ConnectSounder(options);
+    StartRun(*state_);
+    Run(2);
+    EXPECT_TRUE(Ui().boxes.empty());
+    const DeviceSettings& settings = state_->settings;
+    Known known{.settings = {reinterpret_cast<const char*>(&settings), sizeof settings},
+                .beside = {double(globals.deviceFamily), double(globals.dualMode),
+                           double(globals.interfaceType), double(globals.firmwareVersion),
+                           double(globals.presetCapable), double(globals.currentPreset),
+                           double(globals.smoothingSupported), double(globals.highChannelActive),
+                           double(globals.measuredLowFrequency_hz), double(globals.measuredHighFrequency_hz)},
+                .file = {},
+                .infoLine = {}};
+    StopRun(*state_);
+    DetachSerialLines();
+    if (RecordFiles().empty()) return known;
+    const std::string name = RecordFiles().back();
+    known.file = name.substr(15);
+    known.infoLine = Content(name).substr(0, Content(name).find("\r\n"));
+    return known;
+  }
+
+  // The commands that the device has received, "#time" with any value.
+  [[nodiscard]] std::string Commands() const {
+    std::string all;
+    for (const auto& command : sounder_->Commands().Entries()) {
+      all += (command.line.starts_with("#time") ? "#time" : command.line) + "|";
+    }
+    return all;
+  }
+};
 
 TEST_F(IdentificationTest, ADeviceThatRefusesEverythingIsAskedInThreeForms) {
   sim::SounderOptions options = QuickSounder();
@@ -18,12 +62,53 @@ TEST_F(IdentificationTest, ADeviceThatRefusesEverythingIsAskedInThreeForms) {
   StartRun(*state_);
   ExpectBox(L"Unable to read settings form the Echosounder", L"Error", BoxIcon::error);
   ExpectIdle();
-  std::string asked;
-  for (const auto& command : sounder_->Commands().Entries()) asked += command.line + "|";
-  EXPECT_TRUE(asked.ends_with("##maxrangel|#iden|#info|")) << asked;
+  EXPECT_EQ(Commands(), "##maxrangel|#iden|#info|");
   EXPECT_EQ(state_->settings.highFrequency_hz, 447'000) << "what was known stays";
   EXPECT_EQ(gpsPeer_->Opened(), 1);
   EXPECT_EQ(gpsPeer_->Closed(), 1);
+}
+
+// Old firmware, in the state in which a program finds it that has just begun, and behind another device and a
+// played file.
+TEST_F(IdentificationTest, NothingOfADeviceOrFileBeforeIsTakenForThisOnes) {
+  sim::SounderOptions other = QuickSounder(4);
+  other.identity = "OTHER";
+  other.dual = true;
+  other.preset = 7;
+  other.firmware_hundredths = 395;
+  other.interfaceWord = sim::InterfaceWord::usb;
+  other.smoothing = sim::Smoothing::on;
+  other.pingsPerSecond = 5;
+  other.range_mm = 60'000;
+  const struct {
+    int32_t family;
+    const char* lacksFrom;
+    int32_t informationBytes;
+  } rows[] = {{1, "##maxrangeh", 38}, {1, "#interval", 38}, {1, "#iden", 38},
+              {2, "#auto", 38},       {2, "#sound", 38},    {0, "", 13}};
+  for (const auto& row : rows) {
+    SCOPED_TRACE(std::to_string(row.family) + " " + row.lacksFrom);
+    sim::SounderOptions old = QuickSounder();
+    old.family = static_cast<sim::DeviceFamily>(row.family);
+    old.identity = "1042";
+    old.faults.lacksFrom = row.lacksFrom;
+    old.faults.informationBytes = row.informationBytes;
+
+    state_->settings = state_->appliedSettings = StartUpSettings();
+    globals.interfaceType = globals.presetCapable = globals.currentPreset = 0;
+    globals.smoothingSupported = globals.highChannelActive = 0;
+    globals.firmwareVersion = 0;
+    const Known fresh = Identify(old);
+    const std::string commands = Commands();
+    EXPECT_NE(Identify(other), fresh);
+    ApplyInfoLine({1, 123'000, 7'000, 0.5f, 77, 3, 4, 5, 6, 7, 8, 9, 10, 1'400, 4}, state_->settings);
+    const Known after = Identify(old);
+    EXPECT_TRUE(after.settings == fresh.settings);
+    EXPECT_EQ(after.beside, fresh.beside);
+    EXPECT_EQ(after.file, fresh.file);
+    EXPECT_EQ(after.infoLine, fresh.infoLine);
+    EXPECT_EQ(Commands(), commands) << "of the start of the run, too";
+  }
 }
 
 TEST_F(IdentificationTest, EachFamilyHasItsControls) {
