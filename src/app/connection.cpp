@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cinttypes>
+#include <cstdlib>
 #include <iterator>
 
 #include "app/control_ids.h"
@@ -94,13 +95,26 @@ const FamilyReader* ReadSettings(Handle port, DeviceSettings& settings) {
   return reader == std::end(kFamilyReaders) ? nullptr : reader;
 }
 
+// The frequency that a single device pings with is that of one of its channels. Older firmware that cannot
+// tell a channel's frequency may have another one than this program takes it to have: the nearer one gives
+// way.
+void SettleFrequencies(DeviceSettings& settings) {
+  const int64_t used_hz = settings.frequencyInUse_hz;
+  if (settings.simultaneous != 0 || used_hz <= 0) return;
+  const int64_t toLow_hz = std::abs(used_hz - settings.lowFrequency_hz);
+  const int64_t toHigh_hz = std::abs(used_hz - settings.highFrequency_hz);
+  int32_t& nearer_hz = toLow_hz < toHigh_hz ? settings.lowFrequency_hz : settings.highFrequency_hz;
+  nearer_hz = settings.frequencyInUse_hz;
+}
+
 // A channel that older firmware gives no name of its own goes by its frequency.
 void NameChannels(DeviceSettings& settings) {
   if (settings.virtualLowFrequency_hz == 0) settings.virtualLowFrequency_hz = settings.lowFrequency_hz;
   if (settings.virtualHighFrequency_hz == 0) settings.virtualHighFrequency_hz = settings.highFrequency_hz;
 }
 
-void TakeOver(AppState& state, DeviceSettings& settings) {
+void TakeOver(AppState& state, int32_t family, DeviceSettings& settings) {
+  if (family == 1) SettleFrequencies(settings);
   NameChannels(settings);
   globals.measuredLowFrequency_hz = settings.virtualLowFrequency_hz;
   globals.measuredHighFrequency_hz = settings.virtualHighFrequency_hz;
@@ -185,7 +199,7 @@ bool IdentifyDevice(AppState& state, WaitPointer& pointer) {
   }
   SettleFamily(state.devicePort, reader->family, settings);
   StoreShared(globals.deviceFamily, reader->family);
-  TakeOver(state, settings);
+  TakeOver(state, reader->family, settings);
   return true;
 }
 
@@ -197,7 +211,7 @@ bool ReadSettingsBack(AppState& state) {
   DeviceSettings settings{};
   if (!ReadsAs(*reader, state.devicePort, beginning, settings)) return false;
   if (family != 1) settings.simultaneous = 0;
-  TakeOver(state, settings);
+  TakeOver(state, family, settings);
   return true;
 }
 

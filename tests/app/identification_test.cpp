@@ -1,3 +1,4 @@
+#include "app/record_opening.h"
 #include "app/run_control.h"
 #include "app/run_steps.h"
 #include "app/worker_control.h"
@@ -138,16 +139,32 @@ TEST_F(IdentificationTest, EachFamilyHasItsControls) {
   }
 }
 
-TEST_F(IdentificationTest, ChannelsThatOlderFirmwareDoesNotNameGoByTheirFrequency) {
-  sim::SounderOptions options = QuickSounder();
-  options.faults.lacksFrom = "##vfreql";
-  ConnectSounder(options);
-  StartRun(*state_);
-  Run(2);
-  EXPECT_EQ(globals.measuredHighFrequency_hz, 450'000);
-  EXPECT_EQ(globals.measuredLowFrequency_hz, 200'000);
-  ASSERT_EQ(RecordFiles().size(), 1u);
-  EXPECT_NE(RecordFiles()[0].find("_450kHz_"), std::string::npos);
+TEST_F(IdentificationTest, ChannelsThatOlderFirmwareDoesNotTellGoByTheFrequencyInUse) {
+  for (const bool low : {false, true}) {
+    for (const char* lacksFrom : {"##freql", "##freqh", "##vfreql"}) {
+      SCOPED_TRACE(lacksFrom);
+      sim::SounderOptions options = QuickSounder();
+      options.lowFrequency = low;
+      options.faults.lacksFrom = lacksFrom;
+      ConnectSounder(options);
+      StartRun(*state_);
+      Run(2);
+      EXPECT_EQ(low ? globals.measuredLowFrequency_hz : globals.measuredHighFrequency_hz,
+                low ? 200'000 : 450'000);
+      OpenRecordFiles(*state_, NamingMoment::recordSwitchedOn);
+      Run(2);
+      StopRun(*state_);
+      DetachSerialLines();
+      ASSERT_EQ(RecordFiles().size(), 2u);
+      for (const std::string& name : RecordFiles()) {
+        EXPECT_NE(name.find(low ? "_200kHz_" : "_450kHz_"), std::string::npos) << name;
+        // Each channel has a transmit length of its own.
+        const char* const line = low ? "INFO:1,200000,30000,0.0,100," : "INFO:1,450000,30000,0.0,50,";
+        EXPECT_TRUE(Content(name).starts_with(line)) << Content(name).substr(0, 40);
+        std::filesystem::remove(records_ / name);
+      }
+    }
+  }
 }
 
 TEST_F(IdentificationTest, IntervalAndRangesAreFittedToTheDevice) {
