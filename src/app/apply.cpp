@@ -31,12 +31,17 @@ bool BringToPrompt(AppState& state, WaitPointer& pointer) {
   return true;
 }
 
-// Sends what the operator changed. What the device makes of it shows when the settings are read back; a line
-// that fails here fails there again.
+// Behind a command. What the device makes of it shows when the settings are read back; a line that fails here
+// fails there again. The reply of a device that is slow to carry it out must not be there any more.
+void AwaitEffect(AppState& state, LinkResult result) {
+  if (result == LinkResult::noPrompt) static_cast<void>(TakeLateReply(state.devicePort));
+}
+
+// Sends what the operator changed.
 void SendChanges(AppState& state) {
   const int32_t family = LoadShared(globals.deviceFamily);
   state.settings.simultaneous = family == 1 && IsChecked(state, ID_DUAL_MODE) ? 1 : 0;
-  static_cast<void>(WriteChangedSettings(state.devicePort, family, state.settings, state.appliedSettings));
+  AwaitEffect(state, WriteChangedSettings(state.devicePort, family, state.settings, state.appliedSettings));
 }
 
 // The device refuses the output in dual mode, or with that output the dual mode.
@@ -94,7 +99,7 @@ void RestoreDefaults(AppState& state) {
   if (!BringToPrompt(state, pointer)) return;
 
   const PanelRanges ranges = RangesOfPanels(state.appliedSettings);
-  static_cast<void>(Exchange(state.devicePort, CommandId::defaults));
+  AwaitEffect(state, Exchange(state.devicePort, CommandId::defaults));
   if (!ReadSettingsBack(state)) return GiveUpRun(state, pointer, kUnreadable);
   ResumeRun(state, ranges);
 }

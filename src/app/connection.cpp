@@ -24,11 +24,12 @@ namespace {
 
 constexpr int32_t kFastSpeed_bps = 3'000'000;
 constexpr uint32_t kPause_ms = 10;
+constexpr int kRepeats = 2;  // of forms in one identification, each of another form
 constexpr wchar_t kGpsDisconnected[] = L"GPS: Disconnected";
 
 struct FamilyReader {
   int32_t family;
-  LinkResult (*read)(Handle port, DeviceSettings& settings);
+  LinkResult (*read)(Handle port, DeviceSettings& settings, bool& silent);
 };
 
 // In the order in which they are tried.
@@ -78,20 +79,33 @@ void ForgetDevice() {
   globals.currentPreset = 0;
 }
 
-// Reads into a copy, so that a form that fails half-way leaves nothing behind.
-bool ReadsAs(const FamilyReader& reader, Handle port, const Beginning& beginning, DeviceSettings& settings) {
-  beginning.forget();
-  settings = beginning.settings;
-  if (reader.read(port, settings) == LinkResult::success) return true;
+// Reads into a copy, so that a form that fails half-way leaves nothing behind. A form that fails for want of
+// a reply is tried once more while `repeats` lasts: a reply that only comes late would be taken for that of
+// the next form's first query, and a device of another family would seem to answer.
+bool ReadsAs(const FamilyReader& reader, Handle port, const Beginning& beginning, int& repeats,
+             DeviceSettings& settings) {
+  bool silent = false;
+  const auto reads = [&] {
+    beginning.forget();
+    settings = beginning.settings;
+    return reader.read(port, settings, silent) == LinkResult::success;
+  };
+  if (reads()) return true;
+  if (silent && repeats > 0) {
+    --repeats;
+    static_cast<void>(TakeLateReply(port));
+    if (reads()) return true;
+  }
   beginning.forget();
   return false;
 }
 
 const FamilyReader* ReadSettings(Handle port, DeviceSettings& settings) {
   const Beginning beginning{StartUpSettings(), ForgetDevice};
-  const auto* const reader =
-      std::find_if(std::begin(kFamilyReaders), std::end(kFamilyReaders),
-                   [&](const FamilyReader& each) { return ReadsAs(each, port, beginning, settings); });
+  int repeats = kRepeats;
+  const auto* const reader = std::find_if(
+      std::begin(kFamilyReaders), std::end(kFamilyReaders),
+      [&](const FamilyReader& each) { return ReadsAs(each, port, beginning, repeats, settings); });
   return reader == std::end(kFamilyReaders) ? nullptr : reader;
 }
 
@@ -208,8 +222,9 @@ bool ReadSettingsBack(AppState& state) {
   const auto* const reader = std::find_if(std::begin(kFamilyReaders), std::end(kFamilyReaders),
                                           [&](const FamilyReader& each) { return each.family == family; });
   const Beginning beginning{state.settings, ForgetAbilities};
+  int repeats = 1;
   DeviceSettings settings{};
-  if (!ReadsAs(*reader, state.devicePort, beginning, settings)) return false;
+  if (!ReadsAs(*reader, state.devicePort, beginning, repeats, settings)) return false;
   if (family != 1) settings.simultaneous = 0;
   TakeOver(state, family, settings);
   return true;

@@ -15,7 +15,8 @@ void ReadCommunication(AppState& state);
 [[nodiscard]] bool ConnectPorts(AppState& state, WaitPointer& pointer, const ElapsedLog& log);
 
 // Reads the device's settings in the forms of the three families, in their order, each from the start-up
-// values on; the first that succeeds decides the family and fills `appliedSettings` and `settings`.
+// values on; the first that succeeds decides the family and fills `appliedSettings` and `settings`. A form
+// that fails because a reply does not come in time is tried twice, which costs a silent device 8 s at most.
 // On failure the operator has been told, the ports are closed, family and settings are unchanged, and the
 // result is false.
 [[nodiscard]] bool IdentifyDevice(AppState& state, WaitPointer& pointer);

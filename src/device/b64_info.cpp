@@ -60,6 +60,7 @@ class Answer {
         last_ms_ = now_ms;
         c = static_cast<char>(byte);
         atPrompt_ = matcher_.Take(byte);
+        prompted_ = prompted_ || atPrompt_;
         return LinkResult::success;
       }
       if (now_ms - last_ms_ > kIdleLimit_ms) return LinkResult::noPrompt;
@@ -96,6 +97,9 @@ class Answer {
     return result;
   }
 
+  // No prompt has come at all.
+  [[nodiscard]] bool Outstanding() const { return !prompted_; }
+
  private:
   Handle port_;
   size_t left_;
@@ -103,6 +107,7 @@ class Answer {
   uint32_t last_ms_;
   PromptMatcher matcher_;
   bool atPrompt_ = false;  // the byte read last completed one
+  bool prompted_ = false;
 };
 
 template <typename Wire, typename T>
@@ -124,17 +129,16 @@ void TakeGain(std::span<const uint8_t> bytes, DeviceSettings& settings) {
   if (gain >= -1000.0f && gain <= 1000.0f) settings.gainHigh = gain;
 }
 
-LinkResult ReadBlock(Handle port, DeviceSettings& settings) {
+LinkResult ReadBlock(Handle port, DeviceSettings& settings, bool& silent) {
   const LinkResult sent = SendCommandNoValue(port, CommandId::info);
   if (sent != LinkResult::success) return sent;
   Answer answer(port);
-  LinkResult result = answer.Find(kBlockStart);
-  if (result != LinkResult::success) return result;
   char text[kTextLimit];
   size_t length = 0;
-  result = answer.Collect(kBlockEnd, text, length);
-  if (result != LinkResult::success) return result;
-  result = answer.Find(">");
+  LinkResult result = answer.Find(kBlockStart);
+  if (result == LinkResult::success) result = answer.Collect(kBlockEnd, text, length);
+  if (result == LinkResult::success) result = answer.Find(">");
+  silent = result == LinkResult::noPrompt && answer.Outstanding();
   if (result != LinkResult::success) return result;
   if (length >= kTextLimit) {
     fatalError("The device's information block is too long.\n");
@@ -145,15 +149,15 @@ LinkResult ReadBlock(Handle port, DeviceSettings& settings) {
 }
 
 // Collects what follows kFrequencyStart in its line. The answer is read to its end: what is left of it would
-// be taken for the reply to the next command.
+// be taken for the reply to the next command. noPrompt when the answer may yet come.
 LinkResult AskFrequencyLine(Handle port, std::span<char> rest, size_t& length) {
   const LinkResult sent = SendCommandNoValue(port, CommandId::info);
   if (sent != LinkResult::success) return sent;
   Answer answer(port, kFrequencyReads);
   LinkResult result = answer.Find(kFrequencyStart);
   if (result == LinkResult::success) result = answer.Collect("\r\n", rest, length);
-  const bool inTime = result == LinkResult::success || result == LinkResult::invalid;
-  if (inTime) static_cast<void>(answer.End());
+  if (result == LinkResult::noPrompt) return answer.Outstanding() ? result : LinkResult::invalid;
+  if (result != LinkResult::portFailed) static_cast<void>(answer.End());
   return result;
 }
 
@@ -162,7 +166,9 @@ void ReadFrequency(Handle port, DeviceSettings& settings) {
   char line[128] = "Tx Frequency";
   const std::span<char> rest = std::span(line).subspan(kFrequencyStart.size());
   size_t length = 0;
-  if (AskFrequencyLine(port, rest, length) != LinkResult::success) return;
+  LinkResult result = AskFrequencyLine(port, rest, length);
+  if (result == LinkResult::noPrompt && TakeLateReply(port)) result = AskFrequencyLine(port, rest, length);
+  if (result != LinkResult::success) return;
   const size_t whole = std::min(length + kFrequencyStart.size(), sizeof line);
   int32_t frequency_hz = 0;
   if (!ParseTxFrequency({line, whole}, frequency_hz)) return;
@@ -202,9 +208,10 @@ bool ParseTxFrequency(std::string_view line, int32_t& frequency_hz) {
   return true;
 }
 
-LinkResult ReadSettingsFromB64Info(Handle port, DeviceSettings& settings) {
+LinkResult ReadSettingsFromB64Info(Handle port, DeviceSettings& settings, bool& silent) {
   DeviceSettings read = settings;
-  const LinkResult result = ReadBlock(port, read);
+  silent = false;
+  const LinkResult result = ReadBlock(port, read, silent);
   if (result != LinkResult::success) return result;
   SleepMilliseconds(kPause_ms);
   ReadFrequency(port, read);

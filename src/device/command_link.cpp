@@ -23,7 +23,7 @@ bool Write(Handle port, std::string_view text) {
 
 // Reads until the prompt, giving each byte to `take`.
 template <typename Take>
-LinkResult AwaitPrompt(Handle port, Take take) {
+LinkResult AwaitPrompt(Handle port, uint32_t limit_ms, Take take) {
   PromptMatcher matcher;
   const uint32_t begin = MillisecondClock();
   do {
@@ -33,7 +33,7 @@ LinkResult AwaitPrompt(Handle port, Take take) {
     if (got == 0) continue;
     take(static_cast<char>(byte));
     if (matcher.Take(byte)) return LinkResult::success;
-  } while (MillisecondClock() - begin <= kReplyLimit_ms);
+  } while (MillisecondClock() - begin <= limit_ms);
   return LinkResult::noPrompt;
 }
 
@@ -93,7 +93,7 @@ LinkResult SendCommandNoValue(Handle port, CommandId id) {
 
 LinkResult ReadReply(Handle port, std::span<char> buffer, size_t& length) {
   length = 0;
-  const LinkResult result = AwaitPrompt(port, [&](char c) {
+  const LinkResult result = AwaitPrompt(port, kReplyLimit_ms, [&](char c) {
     if (length + 1 < buffer.size()) buffer[length++] = c;
   });
   if (!buffer.empty()) buffer[length] = '\0';
@@ -101,7 +101,11 @@ LinkResult ReadReply(Handle port, std::span<char> buffer, size_t& length) {
 }
 
 LinkResult SkipReply(Handle port) {
-  return AwaitPrompt(port, [](char) {});
+  return AwaitPrompt(port, kReplyLimit_ms, [](char) {});
+}
+
+bool TakeLateReply(Handle port) {
+  return AwaitPrompt(port, kLateReplyLimit_ms, [](char) {}) == LinkResult::success;
 }
 
 LinkResult RequestPrompt(Handle port) {

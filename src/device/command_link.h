@@ -22,6 +22,7 @@ enum class LinkResult : uint8_t {
 
 inline constexpr size_t kReplySize = 64 * 1024;
 inline constexpr uint32_t kReplyLimit_ms = 2000;
+inline constexpr uint32_t kLateReplyLimit_ms = 1500;
 
 // Recognises the prompt byte by byte.
 class PromptMatcher {
@@ -45,6 +46,10 @@ class PromptMatcher {
 
 // The same for a reply that nobody looks at.
 [[nodiscard]] LinkResult SkipReply(Handle port);
+
+// Takes away a reply that has not come in time, since it would be taken for that of the next command. Waits
+// 1,500 ms at most; false when none came.
+[[nodiscard]] bool TakeLateReply(Handle port);
 
 // Sends a bare CR and waits for the prompt, up to 10 times; the result is that of the last attempt.
 [[nodiscard]] LinkResult RequestPrompt(Handle port);

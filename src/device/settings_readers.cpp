@@ -22,17 +22,44 @@ struct FloatQuery {
 using S = DeviceSettings;
 using C = CommandId;
 
-enum class Outcome : uint8_t { goOn, fail, end };
+enum class Outcome : uint8_t {
+  goOn,
+  fail,
+  silent,  // fails for want of a reply
+  end,
+};
 
 Outcome Judge(LinkResult result, OnFailure onFailure = OnFailure::end) {
   if (result == LinkResult::success) return Outcome::goOn;
-  return onFailure == OnFailure::fail ? Outcome::fail : Outcome::end;
+  if (onFailure == OnFailure::end) return Outcome::end;
+  return result == LinkResult::noPrompt ? Outcome::silent : Outcome::fail;
+}
+
+// What a device need not know is asked so: a reply that comes late would be taken for that of the next
+// command; it is taken away, and the query repeated.
+template <typename Query>
+LinkResult Patiently(Handle port, Query query) {
+  const LinkResult result = query();
+  return result == LinkResult::noPrompt && TakeLateReply(port) ? query() : result;
+}
+
+LinkResult AskInt(Handle port, C id, int32_t& target) {
+  return Patiently(port, [&] { return QueryInt(port, id, target); });
+}
+
+LinkResult AskFloat(Handle port, C id, float& target) {
+  return Patiently(port, [&] { return QueryFloat(port, id, target); });
+}
+
+LinkResult AskIdentity(Handle port, std::span<char> target) {
+  return Patiently(port, [&] { return QueryString(port, target); });
 }
 
 template <size_t N>
 Outcome Ask(Handle port, S& settings, const IntQuery (&queries)[N]) {
   for (const IntQuery& query : queries) {
-    const Outcome outcome = Judge(QueryInt(port, query.id, settings.*query.field), query.onFailure);
+    const auto ask = query.onFailure == OnFailure::fail ? QueryInt : AskInt;
+    const Outcome outcome = Judge(ask(port, query.id, settings.*query.field), query.onFailure);
     if (outcome != Outcome::goOn) return outcome;
   }
   return Outcome::goOn;
@@ -41,7 +68,7 @@ Outcome Ask(Handle port, S& settings, const IntQuery (&queries)[N]) {
 template <size_t N>
 Outcome Ask(Handle port, S& settings, const FloatQuery (&queries)[N]) {
   for (const FloatQuery& query : queries) {
-    const Outcome outcome = Judge(QueryFloat(port, query.id, settings.*query.field));
+    const Outcome outcome = Judge(AskFloat(port, query.id, settings.*query.field));
     if (outcome != Outcome::goOn) return outcome;
   }
   return Outcome::goOn;
@@ -83,14 +110,14 @@ constexpr IntQuery kChannels[] = {{C::samplingFrequency, &S::samplingFrequency_h
 
 // Automatic mode and preset; a device without "#auto" knows neither, and the reading goes on.
 Outcome AskPreset(Handle port, S& settings) {
-  if (QueryInt(port, C::automatic, settings.automaticMode) != LinkResult::success) {
+  if (AskInt(port, C::automatic, settings.automaticMode) != LinkResult::success) {
     globals.presetCapable = 0;
     return Outcome::goOn;
   }
   globals.presetCapable = 1;
   if (settings.automaticMode == 1) {
     settings.preset = kAutomaticPreset;
-  } else if (QueryInt(port, C::preset, settings.preset) != LinkResult::success) {
+  } else if (AskInt(port, C::preset, settings.preset) != LinkResult::success) {
     return Outcome::end;
   }
   globals.currentPreset = settings.preset;
@@ -100,7 +127,7 @@ Outcome AskPreset(Handle port, S& settings) {
 // Seconds to whole milliseconds, truncated, in single precision; bounded, since the device may say anything.
 Outcome AskInterval(Handle port, S& settings) {
   float interval_s = 0.0f;
-  const Outcome outcome = Judge(QueryFloat(port, C::interval, interval_s));
+  const Outcome outcome = Judge(AskFloat(port, C::interval, interval_s));
   if (outcome != Outcome::goOn) return outcome;
   const float interval_ms = interval_s * 1000.0f;
   if (interval_ms >= 0.0f && interval_ms <= 3'600'000.0f) {
@@ -110,15 +137,15 @@ Outcome AskInterval(Handle port, S& settings) {
 }
 
 Outcome AskOutput(Handle port, S& settings, int32_t replacementOfFive) {
-  const Outcome outcome = Judge(QueryInt(port, C::output, settings.outputMode));
+  const Outcome outcome = Judge(AskInt(port, C::output, settings.outputMode));
   if (outcome == Outcome::goOn && settings.outputMode == 5) settings.outputMode = replacementOfFive;
   return outcome;
 }
 
 Outcome AskSmoothing(Handle port, S& settings) {
-  if (QueryInt(port, C::smoothing, settings.smoothing) == LinkResult::success) {
+  if (AskInt(port, C::smoothing, settings.smoothing) == LinkResult::success) {
     globals.smoothingSupported = 1;
-    return Judge(QueryFloat(port, C::outputRate, settings.outputRate));
+    return Judge(AskFloat(port, C::outputRate, settings.outputRate));
   }
   globals.smoothingSupported = 0;
   settings.smoothing = 0;
@@ -129,15 +156,15 @@ Outcome AskSmoothing(Handle port, S& settings) {
 // The filters' last resorts keep the device usable when it does not tell them.
 void AskFilters(Handle port, S& settings) {
   if (settings.smoothing != 0 && globals.smoothingSupported != 0) {
-    static_cast<void>(QueryInt(port, C::medianFilter, settings.medianFilter));
-    static_cast<void>(QueryInt(port, C::movingAverageFilter, settings.movingAverageFilter));
+    static_cast<void>(AskInt(port, C::medianFilter, settings.medianFilter));
+    static_cast<void>(AskInt(port, C::movingAverageFilter, settings.movingAverageFilter));
     return;
   }
-  if (QueryInt(port, C::medianFilter, settings.medianFilter) != LinkResult::success) {
+  if (AskInt(port, C::medianFilter, settings.medianFilter) != LinkResult::success) {
     if (settings.medianFilter < 3) settings.medianFilter = 2;
     return;
   }
-  if (QueryInt(port, C::movingAverageFilter, settings.movingAverageFilter) != LinkResult::success &&
+  if (AskInt(port, C::movingAverageFilter, settings.movingAverageFilter) != LinkResult::success &&
       settings.movingAverageFilter < 2) {
     settings.movingAverageFilter = 1;
   }
@@ -159,7 +186,7 @@ Outcome AskAll(Handle port, S& settings) {
       [](Handle p, S& s) { return Ask(p, s, kDetection); },
       [](Handle p, S& s) { return Ask(p, s, kGains); },
       [](Handle p, S& s) { return Ask(p, s, kFrequencies); },
-      [](Handle p, S& s) { return Judge(QueryString(p, s.identity)); },
+      [](Handle p, S& s) { return Judge(AskIdentity(p, s.identity)); },
       [](Handle p, S& s) { return Ask(p, s, kSoundAndPower); },
       [](Handle p, S& s) { return Ask(p, s, kChannels); },
   };
@@ -172,9 +199,10 @@ Outcome AskAll(Handle port, S& settings) {
 
 }  // namespace
 
-LinkResult ReadAllSettings(Handle port, DeviceSettings& settings) {
+LinkResult ReadAllSettings(Handle port, DeviceSettings& settings, bool& silent) {
   const Outcome outcome = AskAll(port, settings);
-  if (outcome == Outcome::fail) return LinkResult::invalid;
+  silent = outcome == Outcome::silent;
+  if (outcome == Outcome::fail || silent) return LinkResult::invalid;
   if (outcome == Outcome::end) return LinkResult::success;
   globals.highChannelActive =
       settings.simultaneous == 0 && settings.frequencyInUse_hz == settings.highFrequency_hz ? 1 : 0;
@@ -182,7 +210,7 @@ LinkResult ReadAllSettings(Handle port, DeviceSettings& settings) {
   return LinkResult::success;
 }
 
-LinkResult ReadSecondFamilySettings(Handle port, DeviceSettings& settings) {
+LinkResult ReadSecondFamilySettings(Handle port, DeviceSettings& settings, bool& silent) {
   constexpr IntQuery kMandatory[] = {{C::identity, &S::identifierWord, OnFailure::fail},
                                      {C::range, &S::rangeHigh_mm, OnFailure::fail}};
   constexpr IntQuery kDetectionOfTwo[] = {{C::threshold, &S::thresholdHigh_percent},
@@ -198,7 +226,9 @@ LinkResult ReadSecondFamilySettings(Handle port, DeviceSettings& settings) {
   constexpr IntQuery kFiltersOfTwo[] = {{C::samplingFrequency, &S::samplingFrequency_hz},
                                         {C::medianFilter, &S::medianFilter},
                                         {C::movingAverageFilter, &S::movingAverageFilter}};
-  if (Ask(port, settings, kMandatory) != Outcome::goOn) return LinkResult::invalid;
+  const Outcome known = Ask(port, settings, kMandatory);
+  silent = known == Outcome::silent;
+  if (known != Outcome::goOn) return LinkResult::invalid;
   const auto go = [](Outcome outcome) { return outcome == Outcome::goOn; };
   const bool frequencyKnown = go(AskPreset(port, settings)) && go(AskInterval(port, settings)) &&
                               go(AskOutput(port, settings, 5)) && go(Ask(port, settings, kDetectionOfTwo)) &&
@@ -208,7 +238,7 @@ LinkResult ReadSecondFamilySettings(Handle port, DeviceSettings& settings) {
   settings.highFrequency_hz = settings.frequencyInUse_hz;
   settings.virtualHighFrequency_hz = settings.frequencyInUse_hz;
   if (go(Ask(port, settings, kFiltersOfTwo))) {
-    static_cast<void>(QueryFloat(port, C::firmwareVersion, globals.firmwareVersion));
+    static_cast<void>(AskFloat(port, C::firmwareVersion, globals.firmwareVersion));
   }
   return LinkResult::success;
 }

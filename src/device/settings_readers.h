@@ -8,19 +8,20 @@
 namespace tw {
 
 // First family: all queries in a fixed order. `invalid` when one that every device knows fails:
-// "##maxrangel",
-// "#rangeh", "#swversion", "#getfreq" or "#rangel". A failure of any other but "#auto" and "#smooth" ends the
-// reading with success, since older firmware lacks the later commands. Sets the preset, smoothing,
-// high-channel and firmware values of `globals`.
-[[nodiscard]] LinkResult ReadAllSettings(Handle port, DeviceSettings& settings);
+// "##maxrangel", "#rangeh", "#swversion", "#getfreq" or "#rangel"; `silent` then tells whether it failed for
+// want of a reply, which may yet come. A failure of any other but "#auto" and "#smooth" ends the reading with
+// success, since older firmware lacks the later commands; one of these whose reply comes late is repeated.
+// Sets the preset, smoothing, high-channel and firmware values of `globals`.
+[[nodiscard]] LinkResult ReadAllSettings(Handle port, DeviceSettings& settings, bool& silent);
 
 // Second family, an older command set: "#iden" as a number and "#range" must succeed.
-[[nodiscard]] LinkResult ReadSecondFamilySettings(Handle port, DeviceSettings& settings);
+[[nodiscard]] LinkResult ReadSecondFamilySettings(Handle port, DeviceSettings& settings, bool& silent);
 
 // Third family: the B64INFO block of the "#info" answer and, 2 s later, its "Tx Frequency" line. noPrompt
-// when the device is silent for 2 s or takes longer than 10 s for the block. A text of 256 characters or more
-// ends the program.
-[[nodiscard]] LinkResult ReadSettingsFromB64Info(Handle port, DeviceSettings& settings);
+// when the device is silent for 2 s or takes longer than 10 s for the block; `silent` then tells whether
+// there was no prompt either, so that the answer may yet come. A text of 256 characters or more ends the
+// program.
+[[nodiscard]] LinkResult ReadSettingsFromB64Info(Handle port, DeviceSettings& settings, bool& silent);
 
 // Takes the text between "B64INFO[" and "]". Only fields whose bytes are all there are set. Pure.
 void DecodeB64Info(std::string_view text, DeviceSettings& settings);

@@ -87,6 +87,23 @@ TEST_F(Apply, DefaultsAreNotSentWithoutConsent) {
   EXPECT_NE(state_->acquisitionThread, Handle::null);
 }
 
+TEST_F(Apply, ACommandThatIsCarriedOutSlowlyEndsNoRun) {
+  for (const char* slow : {"#default", "#setfreqlow"}) {
+    sim::SounderOptions options = QuickSounder();
+    options.faults.late = slow;
+    ConnectSounder(options);
+    StartRun(*state_);
+    state_->settings.frequencyInUse_hz = 200'000;
+    ApplySettings(*state_);
+    EXPECT_EQ(state_->appliedSettings.frequencyInUse_hz, 200'000) << slow;
+    RestoreDefaults(*state_);
+    EXPECT_EQ(state_->appliedSettings.frequencyInUse_hz, 450'000) << slow;
+    EXPECT_EQ(StateOfProgram(*state_), ProgramState::running) << slow;
+    StopRun(*state_);
+    DetachSerialLines();
+  }
+}
+
 TEST_F(Apply, ScreenshotsAreTakenWhileTickedAndRunning) {
   constexpr uint32_t kPeriod_ms = 135'000;
   Ui().controls[ID_AUTO_CAPTURE].checked = true;

@@ -4,6 +4,7 @@
 #include "app/worker_control.h"
 #include "base/shared_value.h"
 #include "device/info_line.h"
+#include "platform/host/virtual_clock.h"
 #include "tests/app/run_control_fixture.h"
 
 namespace tw::test {
@@ -69,6 +70,19 @@ TEST_F(IdentificationTest, ADeviceThatRefusesEverythingIsAskedInThreeForms) {
   EXPECT_EQ(gpsPeer_->Closed(), 1);
 }
 
+TEST_F(IdentificationTest, ADeviceThatAnswersNothingIsAskedLittleLonger) {
+  sim::SounderOptions options = QuickSounder();
+  options.faults.mute = {"##maxrangel", "#iden", "#info"};
+  ConnectSounder(options);
+  StartRun(*state_);
+  ExpectBox(L"Unable to read settings form the Echosounder", L"Error", BoxIcon::error);
+  ExpectIdle();
+  EXPECT_EQ(Commands(), "##maxrangel|##maxrangel|#iden|#iden|#info|");
+  const auto& commands = sounder_->Commands().Entries();
+  const int64_t taken_us = VirtualNow_us() - commands.front().time_us;
+  EXPECT_LE(taken_us, 6'300'000 + 8'000'000) << "two seconds a form, and eight more";
+}
+
 // Old firmware, in the state in which a program finds it that has just begun, and behind another device and a
 // played file.
 TEST_F(IdentificationTest, NothingOfADeviceOrFileBeforeIsTakenForThisOnes) {
@@ -109,6 +123,30 @@ TEST_F(IdentificationTest, NothingOfADeviceOrFileBeforeIsTakenForThisOnes) {
     EXPECT_EQ(after.file, fresh.file);
     EXPECT_EQ(after.infoLine, fresh.infoLine);
     EXPECT_EQ(Commands(), commands) << "of the start of the run, too";
+  }
+}
+
+TEST_F(IdentificationTest, AReplyThatComesLateIsNotTakenForThatOfTheNextQuery) {
+  const struct {
+    int32_t family;
+    const char* keyword;
+  } rows[] = {{1, "##maxrangel"}, {1, "#auto"}, {1, "#swversion"}, {1, "#iden"},    {1, "#sound"},
+              {1, "#smooth"},     {2, "#iden"}, {2, "#interval"},  {2, "#getfreq"}, {2, "##maxrangel"},
+              {0, "##maxrangel"}, {0, "#iden"}, {0, "#info"}};
+  for (const auto& row : rows) {
+    SCOPED_TRACE(std::to_string(row.family) + " " + row.keyword);
+    sim::SounderOptions options = QuickSounder();
+    options.family = static_cast<sim::DeviceFamily>(row.family);
+    options.identity = "1042";
+    options.smoothing = sim::Smoothing::on;
+    options.preset = 3;
+    const Known inTime = Identify(options);
+    options.faults.late = row.keyword;
+    const Known late = Identify(options);
+    EXPECT_TRUE(late.settings == inTime.settings);
+    EXPECT_EQ(late.beside, inTime.beside);
+    EXPECT_EQ(late.file, inTime.file);
+    EXPECT_EQ(late.infoLine, inTime.infoLine);
   }
 }
 

@@ -94,6 +94,7 @@ class B64InfoDialogue : public test::ScriptedLineTest {
   ~B64InfoDialogue() override { fatalError = previous_; }
 
   DeviceSettings settings_{};
+  bool silent_ = false;
   void (*const previous_)(const char*) = fatalError;
 };
 
@@ -101,7 +102,7 @@ TEST_F(B64InfoDialogue, BlockAndFrequency) {
   settings_.smoothing = 1;
   device_.replies = {{"#info\r\nName X\r\nB6" + kAnswer},
                      {"#info\r\nTx FrTx Frequency      450000 Hz  \r\n\r\n>"}};
-  EXPECT_EQ(ReadSettingsFromB64Info(port_, settings_), LinkResult::success);
+  EXPECT_EQ(ReadSettingsFromB64Info(port_, settings_, silent_), LinkResult::success);
   DeviceSettings told = Told();
   told.frequencyInUse_hz = told.virtualHighFrequency_hz = 450'000;
   EXPECT_TRUE(Same(settings_, told));
@@ -110,14 +111,16 @@ TEST_F(B64InfoDialogue, BlockAndFrequency) {
 }
 
 TEST_F(B64InfoDialogue, ADeviceIsGivenUpAfterTwoSecondsOfSilenceOrTenInAll) {
-  const std::pair<test::ScriptedReply, int64_t> rows[] = {
-      {{""}, 2'000'000},
-      {{"B64INFO[" + std::string(100, 'A'), 0, 1'500'000}, 10'000'000},  // never silent for two seconds
+  const std::tuple<test::ScriptedReply, int64_t, bool> rows[] = {
+      {{""}, 2'000'000, true},
+      {{"#info\r\nError\r\n\r\n>"}, 2'000'000, false},                         // has answered
+      {{"B64INFO[" + std::string(100, 'A'), 0, 1'500'000}, 10'000'000, true},  // never silent for two seconds
   };
-  for (const auto& [reply, limit_us] : rows) {
+  for (const auto& [reply, limit_us, silent] : rows) {
     device_.replies = {reply};
     const int64_t begin_us = VirtualNow_us();
-    EXPECT_EQ(ReadSettingsFromB64Info(port_, settings_), LinkResult::noPrompt);
+    EXPECT_EQ(ReadSettingsFromB64Info(port_, settings_, silent_), LinkResult::noPrompt);
+    EXPECT_EQ(silent_, silent);
     EXPECT_GE(VirtualNow_us() - begin_us, limit_us);
     EXPECT_LE(VirtualNow_us() - begin_us, limit_us + 110'000);
   }
@@ -129,7 +132,7 @@ TEST_F(B64InfoDialogue, EveryTruncationLeavesTheRecordAsItWas) {
     std::memset(&settings_, 0x11, sizeof settings_);
     const DeviceSettings before = settings_;
     device_.replies = {{kAnswer.substr(0, length)}};
-    EXPECT_EQ(ReadSettingsFromB64Info(port_, settings_), LinkResult::noPrompt) << length;
+    EXPECT_EQ(ReadSettingsFromB64Info(port_, settings_, silent_), LinkResult::noPrompt) << length;
     EXPECT_TRUE(Same(settings_, before)) << length;
   }
   EXPECT_EQ(fatalErrors, 0);
@@ -139,7 +142,7 @@ TEST_F(B64InfoDialogue, ATextOf256CharactersIsFatal) {
   for (const size_t length : {255u, 256u, 5'000u}) {
     fatalErrors = 0;
     device_.replies = {{"B64INFO[" + std::string(length, 'A') + "]\r\n\r\n>"}};
-    static_cast<void>(ReadSettingsFromB64Info(port_, settings_));
+    static_cast<void>(ReadSettingsFromB64Info(port_, settings_, silent_));
     EXPECT_EQ(fatalErrors, length >= 256 ? 1 : 0) << length;
   }
 }
@@ -160,7 +163,7 @@ TEST_F(B64InfoDialogue, TheFrequencyStandsInALineOfTheFirstKilobyteOrIsAsItWas) 
     settings_ = DeviceSettings{};
     settings_.frequencyInUse_hz = 7;
     device_.replies = {{"B64INFO[" + std::string(kBlock) + "]\r\n>"}, {row.answer}};
-    EXPECT_EQ(ReadSettingsFromB64Info(port_, settings_), LinkResult::success) << row.what;
+    EXPECT_EQ(ReadSettingsFromB64Info(port_, settings_, silent_), LinkResult::success) << row.what;
     DeviceSettings told = Told();
     told.frequencyInUse_hz = row.frequency_hz;
     told.virtualHighFrequency_hz = row.frequency_hz == 7 ? 0 : row.frequency_hz;
@@ -178,22 +181,27 @@ TEST_F(B64InfoDialogue, TheSecondAnswerIsReadToItsPrompt) {
   } rows[] = {{"\r\n>", 0}, {">", 0}, {"Gain > 3\r\n\r\n>", 5'000}, {std::string(2'000, '-') + "\r\n>", 900}};
   for (const auto& row : rows) {
     device_.replies = {{kAnswer}, {line + row.rest, 0, row.spacing_us}};
-    EXPECT_EQ(ReadSettingsFromB64Info(port_, settings_), LinkResult::success) << row.rest;
+    EXPECT_EQ(ReadSettingsFromB64Info(port_, settings_, silent_), LinkResult::success) << row.rest;
     EXPECT_EQ(settings_.frequencyInUse_hz, 450'000) << row.rest;
     SleepMilliseconds(3'000);
     EXPECT_EQ(BytesWaiting(port_), 0u) << row.rest;
   }
+  settings_.frequencyInUse_hz = 7;
+  device_.replies = {{kAnswer}, {line + "\r\n>", 2'300'000}, {line + "\r\n>"}};
+  EXPECT_EQ(ReadSettingsFromB64Info(port_, settings_, silent_), LinkResult::success);
+  EXPECT_EQ(settings_.frequencyInUse_hz, 450'000) << "asked again when it has come late";
+  EXPECT_EQ(BytesWaiting(port_), 0u);
 }
 
 TEST_F(B64InfoDialogue, AFailingLineChangesNothing) {
   const DeviceSettings before = settings_;
   device_.replies = {{kAnswer}};
   HangUpLine(test::kScriptedLine, 30);
-  EXPECT_EQ(ReadSettingsFromB64Info(port_, settings_), LinkResult::portFailed);
+  EXPECT_EQ(ReadSettingsFromB64Info(port_, settings_, silent_), LinkResult::portFailed);
   ClearFaults();
   for (uint64_t call = 1; call <= 2; ++call) {
     InjectFault({.point = FaultPoint::writeLine, .call = call});
-    EXPECT_EQ(ReadSettingsFromB64Info(port_, settings_), LinkResult::portFailed);
+    EXPECT_EQ(ReadSettingsFromB64Info(port_, settings_, silent_), LinkResult::portFailed);
     ClearFaults();
   }
   EXPECT_TRUE(Same(settings_, before));
