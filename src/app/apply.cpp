@@ -99,6 +99,7 @@ void RestoreDefaults(AppState& state) {
   if (!BringToPrompt(state, pointer)) return;
 
   const PanelRanges ranges = RangesOfPanels(state.appliedSettings);
+  state.settings = state.appliedSettings;  // choices that wait have never been sent
   AwaitEffect(state, Exchange(state.devicePort, CommandId::defaults));
   if (!ReadSettingsBack(state)) return GiveUpRun(state, pointer, kUnreadable);
   ResumeRun(state, ranges);

@@ -10,10 +10,11 @@
 namespace tw {
 namespace {
 
-// What the device runs with: another frequency that the operator has chosen may wait for Apply.
+// What the device runs with: what the operator has chosen may wait for Apply. The output alone goes out with
+// the start of a run, so that before it the chosen one counts.
 DeviceSettings RunningSettings(const AppState& state) {
-  DeviceSettings settings = state.settings;
-  settings.frequencyInUse_hz = state.appliedSettings.frequencyInUse_hz;
+  DeviceSettings settings = state.appliedSettings;
+  if (state.acquisitionThread == Handle::null) settings.outputMode = state.settings.outputMode;
   settings.simultaneous = LoadShared(globals.dualMode);
   return settings;
 }
@@ -30,7 +31,7 @@ NamingFacts CollectFacts(const AppState& state, NamingMoment moment, int32_t fam
       .highFrequency_hz = settings.highFrequency_hz,
       .measuredLow_hz = globals.measuredLowFrequency_hz,
       .measuredHigh_hz = globals.measuredHighFrequency_hz,
-      .identity = state.settings.identity,  // the facts only point to it
+      .identity = state.appliedSettings.identity,  // the facts only point to it
       .identifierWord = settings.identifierWord,
       .segyCompanions = LoadShared(state.conversionKind) == 1,
       .localTime = LocalNow(),

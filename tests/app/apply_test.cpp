@@ -87,6 +87,17 @@ TEST_F(Apply, DefaultsAreNotSentWithoutConsent) {
   EXPECT_NE(state_->acquisitionThread, Handle::null);
 }
 
+TEST_F(Apply, DefaultsAreNoOccasionForWhatWasOnlyChosen) {
+  sim::SounderOptions options = QuickSounder();
+  options.faults.lacksFrom = "#sound";
+  ConnectSounder(options);
+  StartRun(*state_);
+  state_->settings.soundSpeed_mps = 1'480.0f;
+  RestoreDefaults(*state_);
+  EXPECT_EQ(state_->settings.soundSpeed_mps, 1'500.0f);
+  EXPECT_EQ(state_->appliedSettings.soundSpeed_mps, 1'500.0f);
+}
+
 TEST_F(Apply, ACommandThatIsCarriedOutSlowlyEndsNoRun) {
   for (const char* slow : {"#default", "#setfreqlow"}) {
     sim::SounderOptions options = QuickSounder();

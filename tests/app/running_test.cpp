@@ -82,6 +82,27 @@ TEST_F(Running, DualModeThatIsOnlyChosenMakesNoFileOfBothChannels) {
   EXPECT_EQ(content.find("INFO:", 1), std::string::npos) << "one channel, one settings line";
 }
 
+TEST_F(Running, SettingsThatAreOnlyChosenStandInNoFile) {
+  StartQuickRun(2);
+  SetRecording(false);
+  DeviceSettings& chosen = state_->settings;
+  chosen.pingInterval_ms = 700;
+  chosen.rangeHigh_mm = chosen.deadZoneHigh_mm = 20'000;
+  chosen.txLengthHigh = chosen.thresholdHigh_percent = chosen.attenuationHigh = chosen.offsetHigh_mm = 33;
+  chosen.gainHigh = chosen.tvgSpreadingHigh = chosen.tvgAbsorptionHigh = chosen.txPower = 7.0f;
+  chosen.soundSpeed_mps = 1'480.0f;
+  chosen.outputMode = 4;
+  SetRecording(true);
+  Run(2);
+  ASSERT_EQ(RecordFiles().size(), 2u);
+  const auto lineOf = [&](size_t file) {
+    const std::string content = Content(RecordFiles()[file]);
+    return content.substr(0, content.find("\r\n"));
+  };
+  EXPECT_EQ(lineOf(1), lineOf(0));
+  EXPECT_TRUE(RecordFiles()[1].ends_with("_txt10.log")) << RecordFiles()[1];
+}
+
 TEST_F(Running, TheReportedSizeIsThatOfThePresentRecording) {
   ConnectSounder(QuickSounder());
   Tick(ID_RECORD, true);
