@@ -36,7 +36,9 @@ void StartRun(AppState& state) {
 
   WaitPointer pointer;
   ReadCommunication(state);
-  if (!ConnectPorts(state, pointer, log) || !IdentifyDevice(state, pointer)) return;
+  // What came while a box was shown found the port still open.
+  if (!ConnectPorts(state, pointer, log) || !IdentifyDevice(state, pointer))
+    return RefreshControlStates(state);
   ShowFamilyControls(state);
   log.Write("After GetSetting Time ");
   ShowConnection(state);

@@ -162,6 +162,7 @@ void EndAcquisition(AppState& state, uint32_t limit_ms) {
 void EndFileWorkers(AppState& state) {
   EndFileWorker(state.fileWorkerA, state.stopEvent);
   EndFileWorker(state.fileWorkerB, state.stopEventB);
+  StoreShared(globals.playbackEnded, 0);  // nobody is left who could go on
   if (state.playbackActive == 0) return;
   state.playbackActive = 0;
   state.playbackPaused = 0;

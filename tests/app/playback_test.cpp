@@ -167,6 +167,25 @@ TEST_F(Playback, WhatCannotBePlayedIsSaid) {
   EXPECT_TRUE(Ui().boxes.empty()) << "cancelled, or a pair";
 }
 
+// Word of what Start has ended comes while its box stands there with the port still open.
+TEST_F(Playback, AStartThatFailsLeavesStartUsable) {
+  Record(QuickSounder(), 5);
+  Ui().Choose(ID_DEVICE_PORT, L"COM6");  // the GPS receiver answers nothing
+  Ui().Choose(ID_GPS_PORT, L"N/A");
+  for (const bool converts : {true, false}) {
+    Play(files_);
+    if (converts) {
+      ConvertToSegy(*state_);
+    } else {
+      while (LoadShared(globals.playbackEnded) == 0) SleepMilliseconds(20);
+    }
+    StartRun(*state_);
+    ExpectBox(L"Echosounder is not connected", L"Error", BoxIcon::error);
+    ExpectIdle();
+    EXPECT_EQ(state_->playbackAtEnd, 0) << converts;
+  }
+}
+
 TEST_F(Playback, FilesAreForAfterARun) {
   StartQuickRun();
   Ui().chosenFiles = {L"any.log"};

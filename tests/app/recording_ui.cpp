@@ -3,7 +3,10 @@
 #include <algorithm>
 #include <cstdlib>
 #include <mutex>
+#include <utility>
 
+#include "app/playback_control.h"
+#include "app/run_control.h"
 #include "base/text_format.h"
 #include "platform/clock.h"
 
@@ -16,6 +19,28 @@ std::mutex postLock;  // workers post from threads of their own
 std::string Narrow(const wchar_t* text) {
   char narrow[1024];
   return {narrow, NarrowText(narrow, text)};
+}
+
+void DeliverPosts(AppState& state) {
+  std::vector<ProgressBlock> progress;
+  std::vector<bool> ends;
+  {
+    const std::lock_guard hold(postLock);
+    progress.assign(ui.progress.begin() + static_cast<ptrdiff_t>(ui.progressSeen), ui.progress.end());
+    ui.progressSeen = ui.progress.size();
+    ends = std::exchange(ui.conversionEnds, {});
+  }
+  for (const ProgressBlock& block : progress) NotePlaybackProgress(state, block);
+  for (const bool exhausted : ends) HandleConversionEnd(state, exhausted);
+}
+
+void PassBox(AppState& state) {
+  constexpr uint32_t kStands_ms = 2000;
+  if (ui.duringBox != nullptr) ui.duringBox();
+  DeliverPosts(state);
+  for (const auto& [id, period_ms] : std::map(ui.timers)) {
+    if (period_ms <= kStands_ms && ui.timers.contains(id)) HandleTimer(state, id);
+  }
 }
 
 }  // namespace
@@ -64,16 +89,16 @@ void RecordingUi::Choose(int id, const std::wstring& text) {
 
 using test::Ui;
 
-bool ShowBox(AppState&, const wchar_t* text, const wchar_t* caption, BoxIcon icon, BoxButtons buttons) {
+bool ShowBox(AppState& state, const wchar_t* text, const wchar_t* caption, BoxIcon icon, BoxButtons buttons) {
   Ui().boxes.push_back({text, caption, icon, buttons});
   Ui().Note("box " + Narrow(text));
-  if (Ui().duringBox != nullptr) Ui().duringBox();
+  PassBox(state);
   return Ui().answerOk;
 }
 
-void ShowSystemError(AppState&, uint32_t code) {
+void ShowSystemError(AppState& state, uint32_t code) {
   Ui().systemErrors.push_back(code);
-  if (Ui().duringBox != nullptr) Ui().duringBox();
+  PassBox(state);
 }
 
 void SetStatusText(AppState&, StatusPart part, const wchar_t* text) {

@@ -1,5 +1,6 @@
 // A user interface that only remembers: it implements app/ui.h and app/posts.h in memory. Set its controls
-// as an operator would, run a command, then look at what was shown.
+// as an operator would, run a command, then look at what was shown. A box stands for two seconds, and its
+// message loop goes on as that of a real one: what was posted comes, and so do the timers of that time.
 #pragma once
 
 #include <cstdint>
@@ -45,8 +46,8 @@ struct RecordingUi {
   std::vector<std::wstring> chosenFiles;  // what the file dialog gives; none: it is cancelled
   std::vector<ProgressBlock> progress;
   std::vector<bool> conversionEnds;
-  // Called while a box is shown, as the message loop of a real box would go on.
-  void (*duringBox)() = nullptr;
+  size_t progressSeen = 0;  // blocks of `progress` that a box's message loop has handed on
+  void (*duringBox)() = nullptr;  // what a test looks at while a box is shown
 
   // What happened in its order, with the time passed since the last entry where that is 10 ms or more.
   std::vector<std::string> log;

@@ -61,14 +61,6 @@ TEST_F(StopTest, APulledPlugIsReportedOnceAndNothingIsSentToALostDevice) {
   Ui().Choose(ID_OUTPUT, L"Echo Txt 12bit");
   NoteChoice(*state_);
   HangUpLine(kDeviceLine);
-  static AppState* state = nullptr;
-  state = state_;
-  Ui().duringBox = [] {
-    Ui().duringBox = nullptr;
-    for (const int timer : {ID_TIMER_CHANGES, ID_TIMER_LINK}) {
-      if (Ui().timers.contains(timer)) HandleTimer(*state, timer);
-    }
-  };
   Run(2);
   ExpectBox(L"Connection lost!", L"Error", BoxIcon::error);
   ExpectIdle();
