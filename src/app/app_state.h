@@ -97,6 +97,7 @@ struct AppState {
   int32_t stepShare_ppm;   // and how much of the first file lies ahead of that place; shared
   int32_t stepBack;        // the second file's ring goes back too; shared
   int32_t playbackAtEnd;   // the played file is exhausted; GUI thread
+  int32_t fileInRings;     // the rings hold a file's pings, not a device's; GUI thread
   int32_t linkLost;        // shared: workers set it, the GUI clears it before each worker start
   int32_t pendingRange;    // changes of range and output that timer 7 will send; GUI thread
   int32_t pendingOutput;

@@ -100,6 +100,7 @@ void BeginFileRun(AppState& state) {
   state.playbackAtEnd = 0;
   RaiseRunNumber(state);
   ClearRings(state);
+  state.fileInRings = 1;
 }
 
 bool StartFileWorker(AppState& state, Handle& thread, ThreadBody body) {

@@ -13,6 +13,7 @@
 #include "app/worker_control.h"
 #include "base/shared_value.h"
 #include "gps/gps_worker.h"
+#include "playback/played_channel.h"
 
 namespace tw {
 namespace {
@@ -22,6 +23,14 @@ void BeginRecording(AppState& state) {
   Signal(state.recordingEvent);
   if (IsRecordFileOpen(state, RecordChannel::a) || IsRecordFileOpen(state, RecordChannel::b)) return;
   OpenRecordFiles(state, NamingMoment::start);
+}
+
+// What was shown until now of a file is no part of the run, nor are the depths of another device.
+void ForgetFormerPings(AppState& state) {
+  if (state.fileInRings != 0) ClearRings(state);
+  state.fileInRings = 0;
+  StoreShared(globals.latestAltitudeHigh_m, 0.0f);
+  StoreShared(globals.latestAltitudeLow_m, 0.0f);
 }
 
 }  // namespace
@@ -35,6 +44,7 @@ void StartRun(AppState& state) {
   RefreshControlStates(state);  // the playback is over, also when no run follows
 
   WaitPointer pointer;
+  ForgetFormerPings(state);
   ReadCommunication(state);
   // What came while a box was shown found the port still open.
   if (!ConnectPorts(state, pointer, log) || !IdentifyDevice(state, pointer))

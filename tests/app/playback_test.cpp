@@ -186,6 +186,35 @@ TEST_F(Playback, AStartThatFailsLeavesStartUsable) {
   }
 }
 
+TEST_F(Playback, ARunBehindItBeginsWithAnEmptyPicture) {
+  Record(QuickSounder(), 20);
+  const struct {
+    const char* before;
+    bool plays;
+    bool stops;
+    bool converts;
+  } rows[] = {{"a playback", true, false, false},
+              {"a playback that was stopped", true, true, false},
+              {"a conversion", false, false, true},
+              {"a run", false, false, false}};
+  for (const auto& row : rows) {
+    if (row.plays) Play(files_);
+    if (row.converts) {
+      EXPECT_EQ(Convert(files_[0], ConvertToSegy), L"Convert completed");
+    }
+    SleepMilliseconds(5'000);
+    if (row.stops) StopRun(*state_);
+    globals.latestAltitudeHigh_m = globals.latestAltitudeLow_m = 7.0f;
+    StartRun(*state_);
+    EXPECT_EQ(globals.latestAltitudeHigh_m + globals.latestAltitudeLow_m, 0.0f);
+    const auto old = std::count_if(std::begin(globals.slotReachA), std::end(globals.slotReachA),
+                                   [](uint16_t reach) { return reach != 0; });
+    EXPECT_EQ(old <= 2, row.plays || row.converts) << row.before;
+    Run(2);
+    StopRun(*state_);
+  }
+}
+
 TEST_F(Playback, FilesAreForAfterARun) {
   StartQuickRun();
   Ui().chosenFiles = {L"any.log"};
