@@ -101,10 +101,11 @@ struct AppState {
   int32_t linkLost;        // shared: workers set it, the GUI clears it before each worker start
   int32_t pendingRange;    // changes of range and output that timer 7 will send; GUI thread
   int32_t pendingOutput;
-  int32_t fullWindow;  // the controls are hidden; GUI thread
-  int32_t fullScreen;  // the window's style is changed; nothing sets it
-  Lock recordLock;     // recordFileA, recordFileB and the two busy fields
-  Handle recordBusyA;  // the file that the worker is writing to right now, else invalid
+  uint32_t capturePeriod_ms;  // of the timer of live screenshots; 0: it does not run; GUI thread
+  int32_t fullWindow;         // the controls are hidden; GUI thread
+  int32_t fullScreen;         // the window's style is changed; nothing sets it
+  Lock recordLock;            // recordFileA, recordFileB and the two busy fields
+  Handle recordBusyA;         // the file that the worker is writing to right now, else invalid
   Handle recordBusyB;
   uint32_t runNumber;           // shared: raised at each Start and at each Stop; a worker whose number is
                                 // stale touches nothing any more

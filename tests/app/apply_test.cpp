@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cerrno>
 
 #include "app/control_states.h"
@@ -135,6 +136,21 @@ TEST_F(Apply, ScreenshotsAreTakenWhileTickedAndRunning) {
   EXPECT_TRUE(Ui().timers.contains(ID_TIMER_CAPTURE));
   StopRun(*state_);
   EXPECT_FALSE(Ui().timers.contains(ID_TIMER_CAPTURE));
+}
+
+TEST_F(Apply, WhatInterruptsARunLeavesTheScreenshotTimerAlone) {
+  Ui().controls[ID_AUTO_CAPTURE].checked = true;
+  ToggleAutoCapture(*state_);
+  StartQuickRun(2);
+  Ui().log.clear();
+  ApplySettings(*state_);
+  RestoreDefaults(*state_);
+  ChangeSpeed(*state_, 460'800);
+  EXPECT_FALSE(std::any_of(Ui().log.begin(), Ui().log.end(),
+                           [](const std::string& entry) { return entry.starts_with("timer 6 "); }));
+  Ui().controls[ID_DUAL_MODE].checked = true;
+  ApplySettings(*state_);
+  EXPECT_EQ(Ui().timers[ID_TIMER_CAPTURE], 67'000u) << "an image half as long";
 }
 
 // The device has taken the speed, but the port does not come back.
