@@ -33,9 +33,14 @@ constexpr Selector kSelectors[] = {
     {ID_INTERVAL, SettingsField::interval},
 };
 
-// The channel whose range the main window shows: of a dual device the high one.
+// Both frequencies are chosen, whether the device has been told or not; or stand in the played file.
+bool IsBothChosen(const FormFacts& facts, const DeviceSettings& settings) {
+  return facts.family == 1 && (facts.played ? facts.dual : settings.simultaneous != 0);
+}
+
+// The channel whose range the main window shows: of both the high one.
 FieldChannel ShownChannel(const FormFacts& facts, const DeviceSettings& settings) {
-  return facts.dual ? FieldChannel::high : ActiveChannel(facts, settings);
+  return IsBothChosen(facts, settings) ? FieldChannel::high : ActiveChannel(facts, settings);
 }
 
 void ShowSelector(AppState& state, const Selector& selector, const FormFacts& facts) {
@@ -63,7 +68,7 @@ void TakeSelection(AppState& state, const Selector& selector, const FormFacts& f
   GetControlText(state, selector.combo, text);
   DeviceSettings& settings = state.settings;
   static_cast<void>(ReadField(selector.field, ShownChannel(facts, settings), facts, text, settings, error));
-  if (facts.dual && selector.field == SettingsField::range) {
+  if (selector.field == SettingsField::range && IsBothChosen(facts, settings)) {
     static_cast<void>(ReadField(selector.field, FieldChannel::low, facts, text, settings, error));
   }
   if (selector.field != SettingsField::interval) NoteChoice(state);
@@ -80,7 +85,7 @@ void TakePreset(AppState& state) {
 void ShowFrequencies(AppState& state) {
   const DeviceSettings& settings = state.settings;
   const FormFacts facts = CurrentFormFacts(state);
-  const bool both = facts.family == 1 && (facts.played ? facts.dual : settings.simultaneous != 0);
+  const bool both = IsBothChosen(facts, settings);
   const bool low = UsesLowChannel(settings, facts.family);
   SetChecked(state, ID_DUAL_MODE, both);
   SetChecked(state, ID_LOW_FREQUENCY, !both && low);
@@ -97,6 +102,7 @@ void TakeFrequency(AppState& state, int32_t frequency_hz) {
 void TakeDualMode(AppState& state) {
   state.settings.simultaneous = IsChecked(state, ID_DUAL_MODE) ? 1 : 0;
   ShowFrequencies(state);
+  ShowSelector(state, kRangeSelector, CurrentFormFacts(state));
 }
 
 }  // namespace

@@ -17,14 +17,16 @@
 namespace tw {
 namespace {
 
-// What a dialog shows; a played file's settings cannot be changed.
+// What a dialog shows, and what it was left with. A played file's settings cannot be changed.
 struct SettingsDialog {
   FormFacts facts;
-  DeviceSettings settings;
+  DeviceSettings settings;  // as they were when it was opened
+  DeviceSettings entered;   // those in force by now, with what was edited
 };
 
 // One dialog while it is open.
 struct OpenDialog {
+  const AppState& state;
   SettingsDialog& dialog;
   FormLayout layout;
 };
@@ -75,11 +77,6 @@ void FillItems(HWND combo, const FormItem& item, const SettingsDialog& dialog, c
   }
 }
 
-bool IsUsable(const FormItem& item, const SettingsDialog& dialog) {
-  return !dialog.facts.played &&
-         !(IsRuledByPreset(item.field) && IsPresetInForce(dialog.facts, dialog.settings));
-}
-
 void FillControl(HWND control, const FormItem& item, const SettingsDialog& dialog) {
   if (item.kind == FormItemKind::heading) {
     SetWindowTextW(control, item.channel == FieldChannel::low ? L"Low" : L"High");
@@ -97,7 +94,8 @@ void FillControl(HWND control, const FormItem& item, const SettingsDialog& dialo
     SetWindowTextW(control, text);
   }
   if (item.kind == FormItemKind::edit) SendMessageW(control, EM_SETLIMITTEXT, 31, 0);
-  if (item.kind != FormItemKind::text) EnableWindow(control, IsUsable(item, dialog) ? TRUE : FALSE);
+  if (item.kind == FormItemKind::text) return;
+  EnableWindow(control, IsUsable(item.field, item.channel, dialog.facts, dialog.settings) ? TRUE : FALSE);
 }
 
 void MakeControl(HWND window, const FormItem& item, const SettingsDialog& dialog) {
@@ -140,8 +138,8 @@ void OnInit(HWND window, OpenDialog& open) {
   Place(window, GetDlgItem(window, IDCANCEL), open.layout.cancel);
 }
 
-// Reads the fields in their order into a copy. False at the first that is wrong: the operator has been told
-// and stands on it.
+// Reads the fields that were edited, in their order, into a copy. False at the first that is wrong: the
+// operator has been told and stands on it.
 bool ReadForm(HWND window, const OpenDialog& open, DeviceSettings& settings) {
   for (size_t i = 0; i < open.layout.count; ++i) {
     const FormItem& item = open.layout.items[i];
@@ -150,7 +148,8 @@ bool ReadForm(HWND window, const OpenDialog& open, DeviceSettings& settings) {
     wchar_t text[kFieldTextSize];
     GetWindowTextW(control, text, static_cast<int>(std::size(text)));
     wchar_t error[2 * kFieldTextSize] = L"";
-    if (ReadField(item.field, item.channel, open.dialog.facts, text, settings, error)) continue;
+    if (TakeField(item.field, item.channel, open.dialog.facts, open.dialog.settings, text, settings, error))
+      continue;
     MessageBoxW(window, error, L"Error", MB_OK | MB_ICONERROR);
     SetFocus(control);
     if (item.kind == FormItemKind::edit) SendMessageW(control, EM_SETSEL, 0, -1);
@@ -165,10 +164,8 @@ void OnOk(HWND window) {
     EndDialog(window, IDCANCEL);
     return;
   }
-  DeviceSettings entered = open.dialog.settings;
-  if (!ReadForm(window, open, entered)) return;
-  open.dialog.settings = entered;
-  EndDialog(window, IDOK);
+  open.dialog.entered = open.state.settings;
+  if (ReadForm(window, open, open.dialog.entered)) EndDialog(window, IDOK);
 }
 
 INT_PTR CALLBACK SettingsDialogProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
@@ -201,10 +198,10 @@ int DialogOf(const FormFacts& facts) {
   return ID_DIALOG_SINGLE;
 }
 
-// Shows the dialog until it is closed. True when it ended with "OK" and was not read-only: `settings` then
+// Shows the dialog until it is closed. True when it ended with "OK" and was not read-only: `entered` then
 // holds what was entered.
 bool ShowDialog(const AppState& state, SettingsDialog& dialog) {
-  OpenDialog open{dialog, LayOutForm(dialog.facts, dialog.settings)};
+  OpenDialog open{state, dialog, LayOutForm(dialog.facts, dialog.settings)};
   return DialogBoxParamW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(DialogOf(dialog.facts)),
                          MainWindow(state), SettingsDialogProcedure, reinterpret_cast<LPARAM>(&open)) == IDOK;
 }
@@ -212,9 +209,9 @@ bool ShowDialog(const AppState& state, SettingsDialog& dialog) {
 }  // namespace
 
 void EditSettings(AppState& state) {
-  SettingsDialog dialog{CurrentFormFacts(state), state.settings};
+  SettingsDialog dialog{CurrentFormFacts(state), state.settings, {}};
   if (!ShowDialog(state, dialog)) return;
-  state.settings = dialog.settings;
+  state.settings = dialog.entered;
   RefreshSettingsControls(state);
   if (LoadShared(state.devicePort) != Handle::invalid) ApplySettings(state);
 }

@@ -161,6 +161,10 @@ void FormatShown(SettingsField field, const FormFacts& facts, const S& settings,
   }
 }
 
+bool IsRuledByPreset(SettingsField field) {
+  return field == F::outputMode || field == F::range || field == F::interval;
+}
+
 void AddItem(FieldItems& items, const wchar_t* text) {
   if (items.count < kMaxFieldItems) CopyWide(items.items[items.count++], text);
 }
@@ -278,8 +282,20 @@ bool IsPresetInForce(const FormFacts& facts, const DeviceSettings& settings) {
   return facts.presetCapable && settings.preset != kNoPreset;
 }
 
-bool IsRuledByPreset(SettingsField field) {
-  return field == F::outputMode || field == F::range || field == F::interval;
+bool IsUsable(SettingsField field, FieldChannel channel, const FormFacts& facts,
+              const DeviceSettings& settings) {
+  if (facts.played || (IsRuledByPreset(field) && IsPresetInForce(facts, settings))) return false;
+  switch (field) {
+    case F::tvgMode:
+      return facts.dual;  // the start sequence of both frequencies alone leaves it
+    case F::medianFilter:
+    case F::movingAverage:
+      return !facts.smoothingSupported || settings.smoothing == 0;
+    case F::range:
+      return !facts.dual || channel != FieldChannel::low;
+    default:
+      return true;
+  }
 }
 
 void FormatField(SettingsField field, FieldChannel channel, const FormFacts& facts,
@@ -350,6 +366,25 @@ bool ReadField(SettingsField field, FieldChannel channel, const FormFacts& facts
     return false;
   }
   Store(row, channel, value, settings);
+  return true;
+}
+
+bool TakeField(SettingsField field, FieldChannel channel, const FormFacts& facts, const S& shown,
+               const wchar_t* text, S& settings, std::span<wchar_t> error) {
+  wchar_t before[kFieldTextSize];
+  FormatField(field, channel, facts, shown, before);
+  if (std::wcscmp(text, before) == 0) {
+    if (field != F::deadZone) return true;
+    // It is held against the range all the same.
+    FormatField(field, channel, facts, settings, before);
+    return ReadField(field, channel, facts, before, settings, error);
+  }
+  if (!ReadField(field, channel, facts, text, settings, error)) return false;
+  if (field == F::range && facts.dual && channel == FieldChannel::high) {
+    // The range of both, so far as the low channel reaches.
+    wchar_t ignored[2 * kFieldTextSize];
+    static_cast<void>(ReadField(field, FieldChannel::low, facts, text, settings, ignored));
+  }
   return true;
 }
 

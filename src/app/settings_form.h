@@ -73,7 +73,12 @@ struct FormFacts {
 
 // A preset that is in force rules output, range and interval.
 [[nodiscard]] bool IsPresetInForce(const FormFacts& facts, const DeviceSettings& settings);
-[[nodiscard]] bool IsRuledByPreset(SettingsField field);
+
+// What is entered there has an effect. It has none in a played file; where a preset rules the value; on the
+// TVG mode of a device that is started with mode 1; on the filters while the device smooths instead; and on
+// the low range of a dual run, which starts with the high one for both.
+[[nodiscard]] bool IsUsable(SettingsField field, FieldChannel channel, const FormFacts& facts,
+                            const DeviceSettings& settings);
 
 inline constexpr size_t kFieldTextSize = 128;
 
@@ -96,6 +101,12 @@ void ListItems(SettingsField field, FieldChannel channel, const FormFacts& facts
 // Limits depend on the settings, so a form is read in its order.
 [[nodiscard]] bool ReadField(SettingsField field, FieldChannel channel, const FormFacts& facts,
                              const wchar_t* text, DeviceSettings& settings, std::span<wchar_t> error);
+
+// Takes one field of a form over into `settings`, which may have changed since it was filled from `shown`: as
+// ReadField does where the text is another one than was shown; a field that was not edited changes nothing.
+[[nodiscard]] bool TakeField(SettingsField field, FieldChannel channel, const FormFacts& facts,
+                             const DeviceSettings& shown, const wchar_t* text, DeviceSettings& settings,
+                             std::span<wchar_t> error);
 
 // The presets of the main window's selector: off, automatic and the numbers 0 to 9.
 void ListPresets(const DeviceSettings& settings, FieldItems& items);

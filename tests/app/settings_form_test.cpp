@@ -173,6 +173,47 @@ TEST(SettingsForm, ARangeBelowTheDeadZoneIsRefusedAtTheDeadZone) {
             L"Value of Dead zone must be from 0 to 3000.");
 }
 
+TEST(SettingsForm, FieldsWithoutEffectCannotBeUsed) {
+  constexpr FormFacts kSmoothing{2, false, true, false, 0, 1.0f};
+  const struct {
+    const char* what;
+    F field;
+    FieldChannel channel;
+    FormFacts facts;
+    bool usable;
+  } rows[] = {
+      {"a start of one frequency sets the TVG mode", F::tvgMode, common, kSingle, false},
+      {"the other families are started alike", F::tvgMode, common, kSecond, false},
+      {"a start of both frequencies leaves it", F::tvgMode, common, kDual, true},
+      {"smoothing takes the filters' place", F::medianFilter, common, kSmoothing, false},
+      {"smoothing takes the filters' place", F::movingAverage, common, kSmoothing, false},
+      {"a device that cannot smooth", F::movingAverage, common, kSecond, true},
+      {"a dual start sends the high range", F::range, low, kDual, false},
+      {"a dual start sends the high range", F::range, high, kDual, true},
+      {"the one range there is", F::range, low, kSingle, true},
+  };
+  DeviceSettings settings = Device();
+  settings.smoothing = 1;
+  for (const auto& row : rows)
+    EXPECT_EQ(IsUsable(row.field, row.channel, row.facts, settings), row.usable) << row.what;
+}
+
+// Between opening and "OK" the device may have been told something else.
+TEST(SettingsForm, OnlyWhatWasEditedIsTaken) {
+  DeviceSettings now = Device();
+  now.gainHigh = 7.0f;
+  now.deadZoneHigh_mm = 6'000;
+  wchar_t error[256] = L"";
+  EXPECT_TRUE(TakeField(F::gain, high, kDual, Device(), L"2.125", now, error));
+  EXPECT_EQ(now.gainHigh, 7.0f);
+  EXPECT_TRUE(TakeField(F::deadZone, high, kDual, Device(), L"0", now, error));
+  EXPECT_EQ(now.deadZoneHigh_mm, 6'000);
+  EXPECT_TRUE(TakeField(F::range, high, kDual, Device(), L"5", now, error));
+  EXPECT_EQ(now.rangeHigh_mm, 5'000);
+  EXPECT_EQ(now.rangeLow_mm, 5'000) << "the range of both";
+  EXPECT_FALSE(TakeField(F::deadZone, high, kDual, Device(), L"0", now, error)) << "beyond the range";
+}
+
 std::wstring Items(F field, FieldChannel channel, const FormFacts& facts, const DeviceSettings& settings) {
   static FieldItems items;
   ListItems(field, channel, facts, settings, items);

@@ -111,13 +111,14 @@ TEST_F(SettingsSelectors, LowHighAndBothExcludeEachOther) {
 }
 
 // One selector stands for both channels; a channel that cannot reach so far keeps its own range.
-TEST_F(SettingsSelectors, InDualModeTheRangeIsThatOfBothChannels) {
-  Be(1, true);
-  state_->settings.simultaneous = 1;
+TEST_F(SettingsSelectors, WhileDualModeIsTickedTheRangeIsThatOfBothChannels) {
+  state_->settings.frequencyInUse_hz = 200'000;
   state_->settings.maxRangeHigh_mm = 100'000;
   state_->settings.maxRangeLow_mm = 30'000;
   RefreshSettingsControls(*state_);
-  EXPECT_EQ(Of(ID_RANGE).text, L"10");
+  EXPECT_EQ(Of(ID_RANGE).text, L"50");
+  Tick(ID_DUAL_MODE, true);
+  EXPECT_EQ(Of(ID_RANGE).text, L"10") << "both will run with the high one";
   ChooseItem(ID_RANGE, L"30");
   EXPECT_EQ(state_->settings.rangeHigh_mm, 30'000);
   EXPECT_EQ(state_->settings.rangeLow_mm, 30'000);

@@ -84,6 +84,7 @@ TEST_F(SingleSettings, WhatIsEnteredReachesTheDevice) {
   SavePicture(program_->Window(), "main-window-single");
   SavePicture(first.Window(), "settings-single");
   EXPECT_EQ(first.Value(L"Identity"), L"VIRTUAL-0001");
+  EXPECT_FALSE(IsWindowEnabled(first.Field(L"TVG mode"))) << "each start sets it";
   first.Select(L"Range [m]", L"20");
   first.Select(L"Ping interval [s]", L"0.50");
   first.Enter(L"Threshold [%]", L"23");
@@ -141,7 +142,7 @@ TEST_F(SingleSettings, TheKeyboardReachesEveryField) {
   const Dialog& dialog = Open();
   EXPECT_TRUE(dialog.FocusComesTo(dialog.Field(L"Range [m]"))) << "the first one";
   for (const ControlPlace& control : dialog.Controls()) {
-    if ((control.style & WS_TABSTOP) == 0) continue;
+    if ((control.style & WS_TABSTOP) == 0 || IsWindowEnabled(control.window) == FALSE) continue;
     EXPECT_TRUE(dialog.FocusComesTo(control.window)) << control.id;
     dialog.Press(VK_TAB);
   }
@@ -215,6 +216,8 @@ TEST_F(DualSettings, BothChannelsStandSideBySide) {
   ExpectWellMade(first);
   SavePicture(program_->Window(), "main-window-dual");
   SavePicture(first.Window(), "settings-dual");
+  EXPECT_FALSE(IsWindowEnabled(first.Field(L"Range [m]", 0))) << "the high one is that of both";
+  EXPECT_TRUE(IsWindowEnabled(first.Field(L"TVG mode")));
   first.Enter(L"Gain [dB]", L"3", 0);
   first.Enter(L"Gain [dB]", L"61", 1);
   first.Press(VK_RETURN);
