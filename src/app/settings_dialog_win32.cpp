@@ -31,6 +31,8 @@ struct OpenDialog {
   FormLayout layout;
 };
 
+HWND openWindow = nullptr;
+
 OpenDialog& OpenDialogOf(HWND window) {
   return *reinterpret_cast<OpenDialog*>(GetWindowLongPtrW(window, DWLP_USER));
 }
@@ -132,6 +134,7 @@ void SizeDialog(HWND window, const FormLayout& layout) {
 
 void OnInit(HWND window, OpenDialog& open) {
   SetWindowLongPtrW(window, DWLP_USER, reinterpret_cast<LONG_PTR>(&open));
+  openWindow = window;
   SizeDialog(window, open.layout);
   for (size_t i = 0; i < open.layout.count; ++i) MakeControl(window, open.layout.items[i], open.dialog);
   Place(window, GetDlgItem(window, IDOK), open.layout.ok);
@@ -202,8 +205,11 @@ int DialogOf(const FormFacts& facts) {
 // holds what was entered.
 bool ShowDialog(const AppState& state, SettingsDialog& dialog) {
   OpenDialog open{state, dialog, LayOutForm(dialog.facts, dialog.settings)};
-  return DialogBoxParamW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(DialogOf(dialog.facts)),
-                         MainWindow(state), SettingsDialogProcedure, reinterpret_cast<LPARAM>(&open)) == IDOK;
+  const INT_PTR result =
+      DialogBoxParamW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(DialogOf(dialog.facts)), MainWindow(state),
+                      SettingsDialogProcedure, reinterpret_cast<LPARAM>(&open));
+  openWindow = nullptr;
+  return result == IDOK;
 }
 
 }  // namespace
@@ -214,6 +220,11 @@ void EditSettings(AppState& state) {
   state.settings = dialog.entered;
   RefreshSettingsControls(state);
   if (LoadShared(state.devicePort) != Handle::invalid) ApplySettings(state);
+}
+
+// From inside its message loop: a timer or a box above it.
+void CloseSettingsDialog(AppState&) {
+  if (openWindow != nullptr) EndDialog(openWindow, IDCANCEL);
 }
 
 void ShowPlayedSettings(AppState& state) {

@@ -35,6 +35,7 @@ bool HoldsSomething(AppState& state) {
 }
 
 void ShowIdle(AppState& state) {
+  CloseSettingsDialog(state);
   ShowDisconnected(state);
   ClearLiveTexts(state);
   Reset(state.recordingEvent);

@@ -15,7 +15,8 @@ namespace tw {
 enum class BoxIcon : uint8_t { none, error, information };
 enum class BoxButtons : uint8_t { ok, okCancel };
 
-// Shows a modal box and waits for it. An empty caption is L"". True when "OK" was chosen.
+// Shows a modal box and waits for it, above whatever dialog or box is open. An empty caption is L"". True
+// when "OK" was chosen.
 bool ShowBox(AppState& state, const wchar_t* text, const wchar_t* caption, BoxIcon icon,
              BoxButtons buttons = BoxButtons::ok);
 
@@ -52,6 +53,9 @@ void StopTimer(AppState& state, int id);
 
 // Places the echogram and the slider anew: a playback has begun or ended.
 void ArrangeViews(AppState& state);
+
+// Closes a settings dialog that is open, without sending anything: its run has ended.
+void CloseSettingsDialog(AppState& state);
 
 void SetWindowTitle(AppState& state, const char* title);
 

@@ -39,7 +39,8 @@ void SetChangedText(HWND window, const wchar_t* text) {
 }  // namespace
 
 bool ShowBox(AppState& state, const wchar_t* text, const wchar_t* caption, BoxIcon icon, BoxButtons buttons) {
-  return MessageBoxW(MainWindow(state), text, caption, BoxStyle(icon, buttons)) == IDOK;
+  const HWND owner = GetLastActivePopup(MainWindow(state));
+  return MessageBoxW(owner, text, caption, BoxStyle(icon, buttons)) == IDOK;
 }
 
 void ShowSystemError(AppState& state, uint32_t code) {

@@ -174,6 +174,10 @@ bool IsComboOpen(AppState&, int id) {
   return Ui().controls[id].open;
 }
 
+void CloseSettingsDialog(AppState&) {
+  ++Ui().settingsClosed;
+}
+
 void StartTimer(AppState&, int id, uint32_t period_ms) {
   Ui().Note("timer " + std::to_string(id) + " every " + std::to_string(period_ms));
   Ui().timers[id] = period_ms;

@@ -48,6 +48,7 @@ struct RecordingUi {
   std::vector<bool> conversionEnds;
   size_t progressSeen = 0;  // blocks of `progress` that a box's message loop has handed on
   void (*duringBox)() = nullptr;  // what a test looks at while a box is shown
+  int settingsClosed = 0;
 
   // What happened in its order, with the time passed since the last entry where that is 10 ms or more.
   std::vector<std::string> log;

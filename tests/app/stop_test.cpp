@@ -64,6 +64,7 @@ TEST_F(StopTest, APulledPlugIsReportedOnceAndNothingIsSentToALostDevice) {
   Run(2);
   ExpectBox(L"Connection lost!", L"Error", BoxIcon::error);
   ExpectIdle();
+  EXPECT_EQ(Ui().settingsClosed, 1) << "what would be entered there has no device";
   EXPECT_EQ(RecordFiles().size(), 1u);
   Run(120);
   EXPECT_TRUE(Ui().boxes.empty());

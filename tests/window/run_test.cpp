@@ -140,8 +140,15 @@ class LostLink : public Run {};
 
 TEST_F(LostLink, SilentDeviceEndsTheRun) {
   Start();
-  const MessageBoxContent box = program_->AnswerBox(120);
+  program_->Click(ID_DETAIL);
+  const HWND settings = program_->FindDialog(10);
+  ASSERT_NE(settings, nullptr);
+  const HWND above = program_->FindDialog(120, settings);
+  EXPECT_EQ(GetWindow(above, GW_OWNER), settings) << "the box belongs to what the operator looks at";
+  EXPECT_FALSE(IsWindowEnabled(settings));
+  const MessageBoxContent box = program_->AnswerBox(10, settings);
   EXPECT_EQ(box, (MessageBoxContent{L"Error", L"Connection lost!"}));
+  EXPECT_TRUE(WaitUntil([&] { return IsWindow(settings) == FALSE; }, 10)) << "nothing is left to set";
   EXPECT_TRUE(WaitUntil([this] { return program_->IsEnabled(ID_START); }, 20));
   EXPECT_EQ(program_->Status(0), L"Device: Disconnected");
   EXPECT_EQ(program_->Exit(), 0);
