@@ -76,7 +76,7 @@ constexpr wchar_t kUnreadable[] = L"Unable to read settings form the Echosounder
 
 void ApplySettings(AppState& state) {
   if (!IsConnected(state)) return;
-  WaitPointer pointer;
+  WaitPointer pointer(state);
   if (!BringToPrompt(state, pointer)) return;
 
   const DeviceSettings applied = state.appliedSettings;
@@ -95,7 +95,7 @@ void RestoreDefaults(AppState& state) {
   if (!IsConnected(state)) return;
   if (!ShowBox(state, L"Change to default setting?", L"Info", BoxIcon::none, BoxButtons::okCancel)) return;
   if (!IsConnected(state)) return;  // lost while the question stood there
-  WaitPointer pointer;
+  WaitPointer pointer(state);
   if (!BringToPrompt(state, pointer)) return;
 
   const PanelRanges ranges = RangesOfPanels(state.appliedSettings);

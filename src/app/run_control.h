@@ -1,6 +1,6 @@
 // Run control: what the main window's buttons and timers do with the device, the GPS receiver and the
 // workers. GUI thread. Start blocks for some seconds while it talks to the device; no function here pumps
-// messages except while a message box is shown.
+// messages except while a message box is shown. What was clicked and typed meanwhile is thrown away.
 //
 // The program is idle (no device port open) or running (device port open, acquisition worker started).
 // Whatever fails leaves it idle, with the ports and record files closed and "Start" enabled.

@@ -50,7 +50,7 @@ void ReopenAsFirstFamily(AppState& state) {
 
 void ChangeSpeed(AppState& state, int32_t speed_bps) {
   if (!IsConnected(state)) return;
-  WaitPointer pointer;
+  WaitPointer pointer(state);
   StopTimer(state, ID_TIMER_CHANGES);
   if (!InterruptRun(state, pointer)) return;
   ClearLiveTexts(state);  // the first ping at a slow speed may take long

@@ -43,7 +43,7 @@ void StartRun(AppState& state) {
   StoreShared(state.conversionKind, 0);
   RefreshControlStates(state);  // the playback is over, also when no run follows
 
-  WaitPointer pointer;
+  WaitPointer pointer(state);
   ForgetFormerPings(state);
   ReadCommunication(state);
   // What came while a box was shown found the port still open.

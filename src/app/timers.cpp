@@ -47,8 +47,10 @@ bool Differs(AppState& state, int combo, const wchar_t* remembered) {
   return std::wcscmp(text, remembered) != 0;
 }
 
-// The second is over that a choice waits for another one.
+// The second is over that a choice waits for another one. A list that is dropped down is let be: the timer
+// comes again.
 void SendPendingChange(AppState& state) {
+  if (IsListOpen(state)) return;
   StopTimer(state, ID_TIMER_CHANGES);
   if (LoadShared(state.devicePort) == Handle::invalid) return;
   state.pendingRange = Differs(state, ID_RANGE, state.rememberedRange) ? 1 : 0;

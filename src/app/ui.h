@@ -29,6 +29,11 @@ void SetStatusText(AppState& state, StatusPart part, const wchar_t* text);
 enum class PointerShape : uint8_t { arrow, wait };
 void ShowPointer(PointerShape shape);
 
+// Throws away the clicks and keys that wait for this program's windows. A click on "Stop", Exit and closing
+// are kept until CarryOutKeptInput asks for them, as if they had just been made.
+void DropQueuedInput(AppState& state);
+void CarryOutKeptInput(AppState& state);
+
 // A control or a menu entry.
 void EnableControl(AppState& state, int id, bool enabled);
 void ShowControl(AppState& state, int id, bool visible);
@@ -44,6 +49,9 @@ void ClearCombo(AppState& state, int id);
 void AddComboItem(AppState& state, int id, const wchar_t* text);
 void SelectComboItem(AppState& state, int id, int index);  // -1 selects nothing
 [[nodiscard]] bool IsComboOpen(AppState& state, int id);   // its list is dropped down
+
+// The operator is choosing: the list of some selector is dropped down, in an open dialog too, or a menu.
+[[nodiscard]] bool IsListOpen(AppState& state);
 
 void StartTimer(AppState& state, int id, uint32_t period_ms);
 void StopTimer(AppState& state, int id);

@@ -36,6 +36,21 @@ void SetChangedText(HWND window, const wchar_t* text) {
   if (std::wcscmp(shown, text) != 0) SetWindowTextW(window, text);
 }
 
+BOOL CALLBACK LookForList(HWND child, LPARAM found) {
+  wchar_t name[16] = L"";
+  GetClassNameW(child, name, static_cast<int>(std::size(name)));
+  if (std::wcscmp(name, L"ComboBox") != 0 || SendMessageW(child, CB_GETDROPPEDSTATE, 0, 0) == FALSE)
+    return TRUE;
+  *reinterpret_cast<bool*>(found) = true;
+  return FALSE;
+}
+
+bool HasListOpen(HWND window) {
+  bool found = false;
+  EnumChildWindows(window, LookForList, reinterpret_cast<LPARAM>(&found));
+  return found;
+}
+
 }  // namespace
 
 bool ShowBox(AppState& state, const wchar_t* text, const wchar_t* caption, BoxIcon icon, BoxButtons buttons) {
@@ -107,6 +122,14 @@ void SelectComboItem(AppState& state, int id, int index) {
 
 bool IsComboOpen(AppState& state, int id) {
   return SendMessageW(Control(state, id), CB_GETDROPPEDSTATE, 0, 0) != FALSE;
+}
+
+bool IsListOpen(AppState& state) {
+  GUITHREADINFO thread{};
+  thread.cbSize = sizeof(thread);
+  const bool menu =
+      GetGUIThreadInfo(GetCurrentThreadId(), &thread) != FALSE && (thread.flags & GUI_INMENUMODE) != 0;
+  return menu || HasListOpen(MainWindow(state)) || HasListOpen(GetLastActivePopup(MainWindow(state)));
 }
 
 void StartTimer(AppState& state, int id, uint32_t period_ms) {

@@ -29,6 +29,11 @@ TEST_F(Apply, AChangedOutputIsSentASecondLater) {
   state_->settings.outputMode = 4;
   NoteChoice(*state_);
   EXPECT_EQ(Ui().timers[ID_TIMER_CHANGES], 1000u);
+  Ui().controls[ID_OUTPUT].open = true;
+  HandleTimer(*state_, ID_TIMER_CHANGES);
+  EXPECT_TRUE(Ui().timers.contains(ID_TIMER_CHANGES)) << "while a list is open it waits";
+  EXPECT_EQ(state_->appliedSettings.outputMode, 2);
+  Ui().controls[ID_OUTPUT].open = false;
   HandleTimer(*state_, ID_TIMER_CHANGES);
   Run(2);
   EXPECT_FALSE(Ui().timers.contains(ID_TIMER_CHANGES));
@@ -114,6 +119,24 @@ TEST_F(Apply, ACommandThatIsCarriedOutSlowlyEndsNoRun) {
     StopRun(*state_);
     DetachSerialLines();
   }
+}
+
+// Commands that keep the window busy for seconds; a box among them would be answered by what waits.
+TEST_F(Apply, InputThatQueuesUpMeanwhileIsThrownAwayButStopAndExit) {
+  ConnectSounder(QuickSounder());
+  const auto faster = [](AppState& state) { ChangeSpeed(state, 460'800); };
+  const auto elsewhere = [](AppState& state) {
+    StopRun(state);
+    Ui().Choose(ID_DEVICE_PORT, L"COM7");  // a box comes
+    StartRun(state);
+  };
+  for (void (*command)(AppState&) : {+StartRun, +ApplySettings, +RestoreDefaults, +faster, +elsewhere}) {
+    Ui().queuedInput = command == +RestoreDefaults ? 0 : 3;  // its question comes first
+    Ui().keptInput = 1;
+    command(*state_);
+    EXPECT_EQ(Ui().queuedInput + Ui().keptInput, 0);
+  }
+  EXPECT_EQ(Ui().carriedOut, 5);
 }
 
 TEST_F(Apply, ScreenshotsAreTakenWhileTickedAndRunning) {

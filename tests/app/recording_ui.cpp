@@ -1,5 +1,7 @@
 #include "tests/app/recording_ui.h"
 
+#include <gtest/gtest.h>
+
 #include <algorithm>
 #include <cstdlib>
 #include <mutex>
@@ -92,12 +94,14 @@ using test::Ui;
 bool ShowBox(AppState& state, const wchar_t* text, const wchar_t* caption, BoxIcon icon, BoxButtons buttons) {
   Ui().boxes.push_back({text, caption, icon, buttons});
   Ui().Note("box " + Narrow(text));
+  EXPECT_EQ(Ui().queuedInput, 0) << "would answer the box";
   PassBox(state);
   return Ui().answerOk;
 }
 
 void ShowSystemError(AppState& state, uint32_t code) {
   Ui().systemErrors.push_back(code);
+  EXPECT_EQ(Ui().queuedInput, 0) << "would answer the box";
   PassBox(state);
 }
 
@@ -174,6 +178,17 @@ bool IsComboOpen(AppState&, int id) {
   return Ui().controls[id].open;
 }
 
+bool IsListOpen(AppState&) {
+  return std::any_of(Ui().controls.begin(), Ui().controls.end(),
+                     [](const auto& control) { return control.second.open; });
+}
+
+void DropQueuedInput(AppState&) {
+  Ui().queuedInput = 0;
+}
+void CarryOutKeptInput(AppState&) {
+  Ui().carriedOut += std::exchange(Ui().keptInput, 0);
+}
 void CloseSettingsDialog(AppState&) {
   ++Ui().settingsClosed;
 }

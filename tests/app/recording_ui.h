@@ -49,6 +49,9 @@ struct RecordingUi {
   size_t progressSeen = 0;  // blocks of `progress` that a box's message loop has handed on
   void (*duringBox)() = nullptr;  // what a test looks at while a box is shown
   int settingsClosed = 0;
+  int queuedInput = 0;  // clicks and keys that wait
+  int keptInput = 0;    // of these "Stop", Exit and closing
+  int carriedOut = 0;
 
   // What happened in its order, with the time passed since the last entry where that is 10 ms or more.
   std::vector<std::string> log;

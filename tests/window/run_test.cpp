@@ -135,6 +135,54 @@ TEST_F(Run, BottomStandsAtTheSentDepth) {
   EXPECT_GE(right * 10, compared * 9) << right << " of " << compared;
 }
 
+// What an operator clicks and types while Start keeps the window busy.
+class QueuedInput : public Run {
+ protected:
+  void StartAndComeInBetween() {
+    program_.emplace();
+    program_->Click(ID_START);
+    const auto isBusy = [this] {
+      DWORD_PTR answer = 0;
+      return SendMessageTimeoutW(program_->Window(), WM_NULL, 0, 0, 0, 300, &answer) == 0;
+    };
+    ASSERT_TRUE(WaitUntil(isBusy, 10));
+  }
+
+  // In the middle of a control; the message goes to `receiver`.
+  void ClickOn(int id, HWND receiver) const {
+    RECT place{};
+    GetWindowRect(program_->Control(id), &place);
+    POINT at{(place.left + place.right) / 2, (place.top + place.bottom) / 2};
+    ScreenToClient(receiver, &at);
+    PostMessageW(receiver, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(at.x, at.y));
+    PostMessageW(receiver, WM_LBUTTONUP, 0, MAKELPARAM(at.x, at.y));
+  }
+};
+
+// The title names the file when a timer has come, and so Start is over.
+TEST_F(QueuedInput, IsThrownAway) {
+  StartAndComeInBetween();
+  ClickOn(ID_RECORD, program_->Control(ID_RECORD));
+  PostMessageW(program_->Control(ID_TIMESTAMP), WM_KEYDOWN, VK_SPACE, 0);
+  PostMessageW(program_->Control(ID_TIMESTAMP), WM_KEYUP, VK_SPACE, 0);
+  ASSERT_TRUE(WaitUntil([this] { return program_->Title() != kTitle; }, kStart_s)) << "it records";
+  ClickOn(ID_RECORD, program_->Control(ID_RECORD));
+  EXPECT_TRUE(WaitUntil([this] { return !program_->IsTicked(ID_RECORD); }, 10)) << "heard from now on";
+  EXPECT_FALSE(program_->IsTicked(ID_TIMESTAMP));
+}
+
+// While "Stop" is disabled the system gives its clicks to the window behind it.
+TEST_F(QueuedInput, StopAndClosingAreCarriedOut) {
+  StartAndComeInBetween();
+  ClickOn(ID_STOP, program_->Window());
+  ASSERT_TRUE(WaitUntil([this] { return !folder_.Files().empty(); }, kStart_s)) << "Start has gone on";
+  EXPECT_TRUE(WaitUntil([this] { return program_->Status(0) == L"Device: Disconnected"; }, 20));
+  StartAndComeInBetween();
+  PostMessageW(program_->Window(), WM_NCLBUTTONDOWN, HTCLOSE, 0);
+  EXPECT_TRUE(WaitUntil([this] { return IsWindow(program_->Window()) == FALSE; }, kStart_s));
+  EXPECT_EQ(program_->Exit(), 0);
+}
+
 // The instruments of this test fall silent for good while they stream.
 class LostLink : public Run {};
 
