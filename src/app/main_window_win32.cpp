@@ -7,13 +7,13 @@
 #include "app/full_window_win32.h"
 #include "app/playback_control.h"
 #include "app/run_control.h"
+#include "app/selector_wheel_win32.h"
 #include "app/settings_dialog_win32.h"
 #include "app/start_up.h"
 #include "app/view_choices.h"
 #include "app/view_placement_win32.h"
 #include "app/window_handles_win32.h"
 #include "app/window_layout.h"
-#include "display/scaling.h"
 #include "display/slider_messages.h"
 
 namespace tw {
@@ -34,9 +34,9 @@ bool OnCreate(HWND window) {
 }
 
 // May come before anything else exists.
-void OnGetMinMaxInfo(MINMAXINFO& info) {
-  info.ptMinTrackSize = {ScalePixels(kSmallestWindowWidth, ScreenDpi()),
-                         ScalePixels(kSmallestWindowHeight, ScreenDpi())};
+void OnGetMinMaxInfo(HWND window, MINMAXINFO& info) {
+  const WindowSize smallest = SmallestWindow(WorkAreaOf(window), ScreenDpi());
+  info.ptMinTrackSize = {smallest.width, smallest.height};
 }
 
 void OnSize(AppState& state) {
@@ -139,7 +139,7 @@ LRESULT CALLBACK MainWindowProcedure(HWND window, UINT message, WPARAM wParam, L
     case WM_CREATE:
       return OnCreate(window) ? 0 : -1;
     case WM_GETMINMAXINFO:
-      OnGetMinMaxInfo(*reinterpret_cast<MINMAXINFO*>(lParam));
+      OnGetMinMaxInfo(window, *reinterpret_cast<MINMAXINFO*>(lParam));
       return 0;
     default:
       break;
@@ -192,10 +192,12 @@ bool RegisterMainWindowClass(HINSTANCE instance, const wchar_t* className) {
 AppState* CreateMainWindow(HINSTANCE instance) {
   const HWND window = CreateDialogParamW(instance, MAKEINTRESOURCEW(ID_DIALOG_MAIN), nullptr, nullptr, 0);
   if (window == nullptr) return nullptr;
+  FitIntoWorkArea(window);
   AppState* const state = StateOf(window);
   RememberHiddenControls(*state);
   SetArrowFont(*state);
   FitOutputFont(*state);
+  KeepWheelFromSelectors(window);
   const HWND statusBar = CreateStatusBar(window);
   if (statusBar == nullptr) return nullptr;
   state->statusBar = FromWindow(statusBar);

@@ -8,7 +8,6 @@
 #include "app/control_ids.h"
 #include "app/persistent_settings.h"
 #include "app/window_handles_win32.h"
-#include "app/window_layout.h"
 #include "display/scaling.h"
 
 namespace tw {
@@ -21,6 +20,10 @@ int32_t ReadScreenDpi() {
   return dpi;
 }
 
+Box BoxOf(const RECT& rect) {
+  return {rect.left, rect.top, rect.right - rect.left, rect.bottom - rect.top};
+}
+
 void Place(HWND window, const Box& box) {
   if (window != nullptr) MoveWindow(window, box.x, box.y, box.width, box.height, TRUE);
 }
@@ -30,6 +33,21 @@ void Place(HWND window, const Box& box) {
 int32_t ScreenDpi() {
   static const int32_t dpi = ReadScreenDpi();
   return dpi;
+}
+
+Box WorkAreaOf(HWND window) {
+  MONITORINFO monitor{};
+  monitor.cbSize = sizeof(monitor);
+  if (GetMonitorInfoW(MonitorFromWindow(window, MONITOR_DEFAULTTONEAREST), &monitor) == FALSE) {
+    SystemParametersInfoW(SPI_GETWORKAREA, 0, &monitor.rcWork, 0);  // the first monitor's
+  }
+  return BoxOf(monitor.rcWork);
+}
+
+void FitIntoWorkArea(HWND window) {
+  RECT place{};
+  GetWindowRect(window, &place);
+  Place(window, WithinWorkArea(BoxOf(place), WorkAreaOf(window)));
 }
 
 HWND CreateStatusBar(HWND mainWindow) {

@@ -5,11 +5,18 @@
 #include <windows.h>
 
 #include "app/app_state.h"
+#include "app/window_layout.h"
 
 namespace tw {
 
 // The system's resolution, fixed while the program runs.
 [[nodiscard]] int32_t ScreenDpi();
+
+// The part of the window's monitor that no task bar covers. Any window, also one that is just being made.
+[[nodiscard]] Box WorkAreaOf(HWND window);
+
+// Brings a window that is too large for its monitor, or stands beyond its edge, into the work area.
+void FitIntoWorkArea(HWND window);
 
 // Creates the status bar with its five parts. Null when the system cannot.
 [[nodiscard]] HWND CreateStatusBar(HWND mainWindow);

@@ -7,6 +7,9 @@
 namespace tw {
 namespace {
 
+// Pixels at 96 dpi, to be scaled.
+constexpr int kSmallestWidth = 980;
+constexpr int kSmallestHeight = 750;
 constexpr int kMargin = 6;
 constexpr int kControlsRight = 186;  // the column of controls ends left of it
 constexpr int kBelowLive = 36;       // margins and status bar
@@ -26,6 +29,18 @@ Columns EchogramColumns(const WindowLayout& layout) {
 }
 
 }  // namespace
+
+WindowSize SmallestWindow(const Box& workArea, int32_t dpi) {
+  return {std::min(ScalePixels(kSmallestWidth, dpi), workArea.width),
+          std::min(ScalePixels(kSmallestHeight, dpi), workArea.height)};
+}
+
+Box WithinWorkArea(const Box& window, const Box& workArea) {
+  const int width = std::min(window.width, workArea.width);
+  const int height = std::min(window.height, workArea.height);
+  return {std::clamp(window.x, workArea.x, workArea.x + workArea.width - width),
+          std::clamp(window.y, workArea.y, workArea.y + workArea.height - height), width, height};
+}
 
 Box EchogramBox(const WindowLayout& layout) {
   const Columns columns = EchogramColumns(layout);

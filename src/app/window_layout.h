@@ -5,10 +5,6 @@
 
 namespace tw {
 
-// Pixels at 96 dpi, to be scaled.
-inline constexpr int kSmallestWindowWidth = 980;  // of the whole window, frame included
-inline constexpr int kSmallestWindowHeight = 750;
-
 // Right edges of the status bar's parts; the last part takes the rest.
 inline constexpr int kStatusEdges[] = {260, 420, 780, 880};
 
@@ -26,6 +22,18 @@ struct WindowLayout {
   bool playback;    // the slider stands below the echogram
   int32_t dpi;      // of the screen
 };
+
+struct WindowSize {
+  int width;
+  int height;
+};
+
+// The least size of the whole window, frame included: 980 x 750 at 96 dpi, but never more than the work area,
+// that is the screen without its task bar.
+[[nodiscard]] WindowSize SmallestWindow(const Box& workArea, int32_t dpi);
+
+// The window's place brought inside the work area: moved as little as need be, smaller only where it must.
+[[nodiscard]] Box WithinWorkArea(const Box& window, const Box& workArea);
 
 // In the screen's pixels. Sizes are never negative, however small the window is.
 [[nodiscard]] Box EchogramBox(const WindowLayout& layout);

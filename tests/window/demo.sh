@@ -34,8 +34,8 @@ mkdir -p "$records"
 rm -f "$records"/* "$log" "$run/window.png"
 
 # Where the controls that the demonstration clicks stand in the window, with the prefix's fonts.
-start_button=(50 154)
-stop_button=(140 154)
+start_button=(50 140)
+stop_button=(140 140)
 echogram=(500 400)
 
 # Drive R: is build/run, so that the working folder's name is short.

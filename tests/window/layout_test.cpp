@@ -13,7 +13,8 @@
 namespace tw {
 namespace {
 
-// All figures are for 96 dots per inch; the screen has as many as the session says.
+// All figures are for 96 dots per inch; the screen has as many as the session says, and its size and task
+// bar.
 constexpr int kColumnRight = 186;
 
 struct WindowSize {
@@ -27,9 +28,29 @@ bool IsSlider(const ControlPlace& control) {
   return control.className == L"EchoSliderbar class";
 }
 
-bool FitsTheScreen(const WindowSize& size) {
-  return Scaled(size.width) <= GetSystemMetrics(SM_CXSCREEN) &&
-         Scaled(size.height) <= GetSystemMetrics(SM_CYSCREEN);
+RECT WorkArea() {
+  RECT area{};
+  SystemParametersInfoW(SPI_GETWORKAREA, 0, &area, 0);
+  return area;
+}
+
+// In this screen's pixels, and no more than fits.
+WindowSize OnThisScreen(const WindowSize& size) {
+  const RECT area = WorkArea();
+  return {std::min<int>(Scaled(size.width), area.right - area.left),
+          std::min<int>(Scaled(size.height), area.bottom - area.top)};
+}
+
+void ExpectInside(const RECT& part, const RECT& whole, const std::string& what) {
+  EXPECT_TRUE(part.left >= whole.left && part.top >= whole.top && part.right <= whole.right &&
+              part.bottom <= whole.bottom)
+      << what << " (" << part.left << ' ' << part.top << ' ' << part.right << ' ' << part.bottom << ')';
+}
+
+RECT PlaceOnScreen(HWND window) {
+  RECT place{};
+  GetWindowRect(window, &place);
+  return place;
 }
 
 class Layout : public ::testing::Test {
@@ -39,25 +60,52 @@ class Layout : public ::testing::Test {
 
   void ResizeTo(const WindowSize& size) {
     program_.emplace();
-    const int width = Scaled(size.width);
-    const int height = Scaled(size.height);
+    const auto [width, height] = OnThisScreen(size);
     program_->Resize(width, height);
     ASSERT_TRUE(WaitUntil(
-        [&] {
-          RECT window{};
-          GetWindowRect(program_->Window(), &window);
-          return window.right - window.left == width && window.bottom - window.top == height;
+        [&, wide = width, high = height] {
+          const RECT window = PlaceOnScreen(program_->Window());
+          return window.right - window.left == wide && window.bottom - window.top == high;
         },
         10));
+  }
+
+  // As they are seen: not those that are hidden.
+  [[nodiscard]] std::vector<ControlPlace> VisibleControls() const {
+    std::vector<ControlPlace> controls = program_->Controls();
+    std::erase_if(controls, [](const ControlPlace& control) { return !IsWindowVisible(control.window); });
+    return controls;
+  }
+
+  void ExpectAllInWorkArea() const {
+    const std::vector<ControlPlace> controls = VisibleControls();
+    ASSERT_GT(controls.size(), 30u);
+    ExpectNoIntersections(controls);  // the status bar is one of them
+    for (const ControlPlace& control : controls) {
+      ExpectInside(PlaceOnScreen(control.window), WorkArea(), Name(control));
+      const SIZE client = program_->ClientSize();
+      ExpectInside(control.place, {0, 0, client.cx, client.cy}, Name(control));
+    }
   }
 
   std::optional<Program> program_;
 };
 
+// As the program opens, and maximised.
+TEST_F(Layout, AllStandsInTheWorkAreaFromTheStart) {
+  program_.emplace();
+  ExpectInside(PlaceOnScreen(program_->Window()), WorkArea(), "the window");
+  ExpectAllInWorkArea();
+  SavePicture(program_->Window(), "main-window-first");
+  ShowWindowAsync(program_->Window(), SW_MAXIMIZE);
+  ASSERT_TRUE(WaitUntil([&] { return IsZoomed(program_->Window()) != FALSE; }, 10));
+  ExpectAllInWorkArea();
+  EXPECT_EQ(program_->Exit(), 0);
+}
+
 TEST_F(Layout, NoTwoControlsIntersectAndTheEchogramFillsTheRest) {
   for (const WindowSize& size : kSizes) {
     SCOPED_TRACE(size.width);
-    if (!FitsTheScreen(size)) continue;
     ResizeTo(size);
     std::vector<ControlPlace> controls = program_->Controls();
     ASSERT_GT(controls.size(), 30u);
@@ -77,10 +125,8 @@ TEST_F(Layout, NoTwoControlsIntersectAndTheEchogramFillsTheRest) {
 
 TEST_F(Layout, ControlsStandInTheirColumnAboveTheStatusBar) {
   ResizeTo(kSmallest);
-  const SIZE client = program_->ClientSize();
+  ExpectAllInWorkArea();
   for (const ControlPlace& control : program_->Controls()) {
-    EXPECT_GE(control.place.left, 0) << Name(control);
-    EXPECT_LE(control.place.bottom, client.cy) << Name(control);
     const bool inColumn = control.id >= ID_DEVICE_PORT && control.id <= ID_MEASURED_INTERVAL;
     if (inColumn && control.id != ID_ECHOGRAM) {
       EXPECT_LT(control.place.right, Scaled(kColumnRight)) << Name(control);
@@ -113,10 +159,10 @@ TEST_F(Layout, WindowIsNeverSmallerThanItsControlsNeed) {
   ASSERT_TRUE(WaitUntil(
       [&] {
         GetWindowRect(program_->Window(), &window);
-        return window.right - window.left == Scaled(kSmallest.width);
+        return window.right - window.left == OnThisScreen(kSmallest).width;
       },
       10));
-  EXPECT_EQ(window.bottom - window.top, Scaled(kSmallest.height));
+  EXPECT_EQ(window.bottom - window.top, OnThisScreen(kSmallest).height);
 }
 
 TEST_F(Layout, EveryTextFits) {

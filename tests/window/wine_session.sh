@@ -32,9 +32,11 @@ session_end() {
   rm -rf "$session_scratch"
 }
 
+# $TW_SCREEN: its size, or 2240x1260. $TW_TASK_BAR: pixels at its lower edge that a task bar takes; none without.
 session_start_display() {
-  # The display ends with this script, even if the script is killed.
-  setpriv --pdeathsig TERM Xvfb -displayfd 3 -screen 0 2240x1260x24 -nolisten tcp \
+  local size=${TW_SCREEN:-2240x1260}
+  # The display ends with this script, even if the script is killed; what it holds stays between two programs.
+  setpriv --pdeathsig TERM Xvfb -displayfd 3 -screen 0 "${size}x24" -nolisten tcp -noreset \
     3>"$session_scratch/display" >/dev/null 2>&1 8>&- &
   session_display_pid=$!
   for _ in $(seq 100); do
@@ -45,6 +47,8 @@ session_start_display() {
   [ -s "$session_scratch/display" ] || session_fail "no virtual display"
   DISPLAY=:$(<"$session_scratch/display")
   export DISPLAY
+  [ -z "${TW_TASK_BAR:-}" ] || xprop -root -f _NET_WORKAREA 32c \
+    -set _NET_WORKAREA "0, 0, ${size%x*}, $((${size#*x} - TW_TASK_BAR))"
 }
 
 session_registry_entries() {
