@@ -9,6 +9,7 @@
 #include "app/control_ids.h"
 #include "app/family_controls.h"
 #include "app/run_control.h"
+#include "app/selector_wheel_win32.h"
 #include "app/settings_layout.h"
 #include "app/ui.h"
 #include "app/window_handles_win32.h"
@@ -137,6 +138,7 @@ void OnInit(HWND window, OpenDialog& open) {
   openWindow = window;
   SizeDialog(window, open.layout);
   for (size_t i = 0; i < open.layout.count; ++i) MakeControl(window, open.layout.items[i], open.dialog);
+  KeepWheelFromSelectors(window);
   Place(window, GetDlgItem(window, IDOK), open.layout.ok);
   Place(window, GetDlgItem(window, IDCANCEL), open.layout.cancel);
 }

@@ -7,6 +7,7 @@
 #include "app/dialogs_win32.h"
 #include "app/port_selectors.h"
 #include "app/run_control.h"
+#include "app/selector_wheel_win32.h"
 #include "app/window_handles_win32.h"
 #include "base/text_format.h"
 #include "display/scaling.h"
@@ -78,6 +79,7 @@ INT_PTR CALLBACK SpeedDialogProcedure(HWND dialog, UINT message, WPARAM wParam, 
   switch (message) {
     case WM_INITDIALOG:
       FillSpeeds(dialog);
+      KeepWheelFromSelectors(dialog);
       return TRUE;
     case WM_PAINT:
       PaintWarning(dialog);

@@ -79,6 +79,19 @@ TEST_F(StartUp, StoredChoicesThatAreNotOnOfferSelectTheFirst) {
   EXPECT_EQ(program.Text(ID_GPS_SPEED), L"2400");
 }
 
+// One notch over a selector would change the device.
+TEST_F(StartUp, SelectorsTakeTheWheelOnlyWhileTheirListIsOpen) {
+  Program program;
+  const HWND speed = program.Control(ID_DEVICE_SPEED);
+  const auto turn = [speed] { SendMessageW(speed, WM_MOUSEWHEEL, MAKEWPARAM(0, -WHEEL_DELTA), 0); };
+  turn();
+  EXPECT_EQ(program.Text(ID_DEVICE_SPEED), L"115200");
+  SendMessageW(speed, CB_SHOWDROPDOWN, TRUE, 0);
+  turn();
+  SendMessageW(speed, CB_SHOWDROPDOWN, FALSE, 0);
+  EXPECT_EQ(program.Text(ID_DEVICE_SPEED), L"230400");
+}
+
 TEST_F(StartUp, RingsAreNotResident) {
   Program program;
   ASSERT_TRUE(WaitUntil([&] { return program.IsTicked(ID_RECORD); }, 10));
