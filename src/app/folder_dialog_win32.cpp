@@ -55,21 +55,21 @@ void Browse(HWND dialog) {
   if (SUCCEEDED(com)) CoUninitialize();
 }
 
-void TellSystemError(HWND dialog, uint32_t code) {
+// And back to the name, which is to be corrected.
+void Refuse(HWND dialog, uint32_t code) {
   wchar_t text[512];
   SystemErrorText(code, text);
   MessageBoxW(dialog, text, L"GetLastError", MB_OK);
+  SetFocus(GetDlgItem(dialog, kFolderEdit));
 }
 
-// The folder is there, or has been made.
+// The folder is there, or has been made. A name that could be stored but not be read back is refused before
+// anything is made of it.
 void TakeFolder(HWND dialog, AppState& state) {
   wchar_t folder[kFolderLimit + 1];
-  GetDlgItemTextW(dialog, kFolderEdit, folder, static_cast<int>(std::size(folder)));
-  if (!IsFolder(folder) && !CreateFolder(folder)) {
-    TellSystemError(dialog, LastSystemError());
-    SetFocus(GetDlgItem(dialog, kFolderEdit));
-    return;
-  }
+  const UINT length = GetDlgItemTextW(dialog, kFolderEdit, folder, static_cast<int>(std::size(folder)));
+  if (length > kMaxWorkingFolder) return Refuse(dialog, ERROR_FILENAME_EXCED_RANGE);
+  if (!IsFolder(folder) && !CreateFolder(folder)) return Refuse(dialog, LastSystemError());
   SaveWorkingFolder(folder);
   LoadWorkingFolder(state);
   EndDialog(dialog, IDOK);

@@ -21,6 +21,8 @@ constexpr wchar_t kDefaultFolderName[] = L"TIDEWRITERR57_DATA";
 // kept: the buffer is given in bytes, not characters, so a stored folder of 130 characters or more counts as
 // not stored.
 constexpr uint32_t kFolderReadSize_bytes = 261;
+static_assert((kMaxWorkingFolder + 1) * 2 <= kFolderReadSize_bytes &&  // in UTF-16, with its zero
+              (kMaxWorkingFolder + 2) * 2 > kFolderReadSize_bytes);
 
 struct CommunicationValue {
   const wchar_t* name;

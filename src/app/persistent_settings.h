@@ -29,6 +29,9 @@ void SaveCommunicationSettings(const CommunicationSettings& settings);
 [[nodiscard]] bool LoadRecordingFlag();
 void SaveRecordingFlag(bool recording);
 
+// Characters that a stored folder may have: with more it counts as not stored at the next look.
+inline constexpr size_t kMaxWorkingFolder = 129;
+
 // Fills `workingFolder`. Without a stored folder the default (a folder in the user's documents) is created
 // and stored. A stored folder that is merely absent on the disk stays.
 void LoadWorkingFolder(AppState& state);

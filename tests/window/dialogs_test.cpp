@@ -26,6 +26,12 @@ class Dialogs : public ::testing::Test {
     return dialog_.emplace(*program_);
   }
 
+  // A folder that is not there, its name of so many characters.
+  [[nodiscard]] std::wstring NameOf(size_t length) const {
+    const std::wstring begin = folder_.Path() + L"\\made";
+    return begin + std::wstring(length - begin.size(), L'x');
+  }
+
   OwnFolder folder_;
   std::optional<Program> program_;
   std::optional<Dialog> dialog_;
@@ -56,7 +62,7 @@ TEST_F(Dialogs, AreWellMadeAndLeftWithEscape) {
 }
 
 TEST_F(Dialogs, FolderThatIsNotThereIsMade) {
-  const std::wstring wanted = folder_.Path() + L"\\made";
+  const std::wstring wanted = NameOf(129);
   const Dialog& dialog = Open(ID_MENU_FOLDER);
   EXPECT_EQ(dialog.Value(kFolderLabel), folder_.Path());
   dialog.Enter(kFolderLabel, wanted);
@@ -70,8 +76,9 @@ TEST_F(Dialogs, FolderThatIsNotThereIsMade) {
 
 TEST_F(Dialogs, FolderThatCannotBeMadeKeepsTheDialogOpen) {
   const Dialog& dialog = Open(ID_MENU_FOLDER);
+  const std::wstring tooLong = NameOf(130);
   for (const std::wstring& bad :
-       {folder_.Path() + L"\\no\\such\\place", std::wstring(L"Q:\\x"), std::wstring()}) {
+       {folder_.Path() + L"\\no\\such\\place", std::wstring(L"Q:\\x"), std::wstring(), tooLong}) {
     dialog.Enter(kFolderLabel, bad);
     dialog.Press(VK_RETURN);
     const MessageBoxContent box = program_->AnswerBox(10, dialog.Window());
@@ -82,6 +89,7 @@ TEST_F(Dialogs, FolderThatCannotBeMadeKeepsTheDialogOpen) {
   dialog.Press(VK_ESCAPE);
   ASSERT_TRUE(dialog.CloseHasCome());
   EXPECT_EQ(StoredText(L"WorkingFolder"), folder_.Path());
+  EXPECT_FALSE(std::filesystem::exists(tooLong));
 }
 
 // What stands in the field is lost meanwhile, so that it can only come back from the browser.
