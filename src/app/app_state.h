@@ -159,7 +159,7 @@ struct Globals {
   int32_t screenshotRequested;  // shared
   int32_t playbackEnded;        // shared
   uint8_t segyTextHeader[3200];
-  char titleText[256];
+  char titleText[256];  // UTF-8
   wchar_t debugText[256];
 
   // Device link.

@@ -24,7 +24,9 @@ void ShowMeasuredInterval(AppState& state) {
 void ShowTitle(AppState& state) {
   const bool works = state.acquisitionThread != Handle::null || LoadShared(state.conversionKind) != 0;
   const bool named = works && IsChecked(state, ID_RECORD) && state.playbackActive == 0;
-  SetWindowTitle(state, named ? globals.titleText : kProgramTitle);
+  wchar_t title[sizeof(Globals::titleText)];
+  WidenText(title, named ? globals.titleText : kProgramTitle);
+  SetWindowTitle(state, title);
 }
 
 void Repaint(AppState& state) {

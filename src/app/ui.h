@@ -65,7 +65,7 @@ void ArrangeViews(AppState& state);
 // Closes a settings dialog that is open, without sending anything: its run has ended.
 void CloseSettingsDialog(AppState& state);
 
-void SetWindowTitle(AppState& state, const char* title);
+void SetWindowTitle(AppState& state, const wchar_t* title);
 
 // Asks for a repaint of the echogram view.
 void InvalidateEchogram(AppState& state);

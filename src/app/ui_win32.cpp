@@ -144,15 +144,8 @@ void ArrangeViews(AppState& state) {
   PlaceViews(state);
 }
 
-void SetWindowTitle(AppState& state, const char* title) {
-  wchar_t wide[sizeof(Globals::titleText)];
-  size_t length = 0;
-  while (length + 1 < std::size(wide) && title[length] != '\0') {
-    wide[length] = static_cast<unsigned char>(title[length]);
-    ++length;
-  }
-  wide[length] = L'\0';
-  SetChangedText(MainWindow(state), wide);
+void SetWindowTitle(AppState& state, const wchar_t* title) {
+  SetChangedText(MainWindow(state), title);
 }
 
 void InvalidateEchogram(AppState& state) {

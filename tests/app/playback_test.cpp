@@ -232,8 +232,10 @@ TEST_F(ConversionRun, BinaryBecomesSegyAndText) {
   Record(options);
   const std::vector<ReadPing> pings = ReadPings(files_[0]);
   ASSERT_GT(pings.size(), 100u);
-  const std::string stem = fs::path(files_[0]).stem().string();
-  Ui().chosenFiles = {files_[0]};
+  const std::string stem = "Fj\u00E4llsj\u00F6";
+  const std::wstring wideStem = records_.wstring() + L"/Fj\u00E4llsj\u00F6";
+  fs::copy_file(files_[0], records_ / (stem + ".log"));
+  Ui().chosenFiles = {wideStem + L".log"};
   ConvertToSegy(*state_);
   EXPECT_EQ(StateOfProgram(*state_), ProgramState::converting);
   HandleTimer(*state_, ID_TIMER_REPAINT);
@@ -245,8 +247,8 @@ TEST_F(ConversionRun, BinaryBecomesSegyAndText) {
   HandleTimer(*state_, ID_TIMER_REPAINT);
   EXPECT_EQ(Ui().title, kProgramTitle);
 
-  EXPECT_EQ(Convert(files_[0], ConvertToText), L"Convert completed");
-  const std::vector<ReadPing> texts = ReadPings((records_ / (stem + "_txt.log")).wstring());
+  EXPECT_EQ(Convert(wideStem + L".log", ConvertToText), L"Convert completed");
+  const std::vector<ReadPing> texts = ReadPings(wideStem + L"_txt.log");
   ASSERT_EQ(texts.size(), pings.size());
   for (size_t i = 0; i < pings.size(); ++i) {
     EXPECT_EQ(texts[i].header.ping, pings[i].header.ping);

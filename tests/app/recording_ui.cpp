@@ -200,8 +200,8 @@ void StartTimer(AppState&, int id, uint32_t period_ms) {
 void StopTimer(AppState&, int id) {
   Ui().timers.erase(id);
 }
-void SetWindowTitle(AppState&, const char* title) {
-  Ui().title = title;
+void SetWindowTitle(AppState&, const wchar_t* title) {
+  Ui().title = Narrow(title);
 }
 void InvalidateEchogram(AppState&) {
   ++Ui().repaints;
