@@ -173,6 +173,7 @@ void ReadFrequency(Handle port, DeviceSettings& settings) {
   int32_t frequency_hz = 0;
   if (!ParseTxFrequency({line, whole}, frequency_hz)) return;
   settings.frequencyInUse_hz = frequency_hz;
+  settings.highFrequency_hz = frequency_hz;  // the one channel's, as the view names it
   settings.virtualHighFrequency_hz = frequency_hz;
 }
 

@@ -104,7 +104,7 @@ TEST_F(B64InfoDialogue, BlockAndFrequency) {
                      {"#info\r\nTx FrTx Frequency      450000 Hz  \r\n\r\n>"}};
   EXPECT_EQ(ReadSettingsFromB64Info(port_, settings_, silent_), LinkResult::success);
   DeviceSettings told = Told();
-  told.frequencyInUse_hz = told.virtualHighFrequency_hz = 450'000;
+  told.frequencyInUse_hz = told.highFrequency_hz = told.virtualHighFrequency_hz = 450'000;
   EXPECT_TRUE(Same(settings_, told));
   EXPECT_EQ(device_.received, "#info\r#info\r");
   EXPECT_GE(VirtualNow_us(), 2'000'000) << "between the two";
@@ -166,7 +166,7 @@ TEST_F(B64InfoDialogue, TheFrequencyStandsInALineOfTheFirstKilobyteOrIsAsItWas) 
     EXPECT_EQ(ReadSettingsFromB64Info(port_, settings_, silent_), LinkResult::success) << row.what;
     DeviceSettings told = Told();
     told.frequencyInUse_hz = row.frequency_hz;
-    told.virtualHighFrequency_hz = row.frequency_hz == 7 ? 0 : row.frequency_hz;
+    told.highFrequency_hz = told.virtualHighFrequency_hz = row.frequency_hz == 7 ? 0 : row.frequency_hz;
     EXPECT_TRUE(Same(settings_, told)) << row.what;
     char rest = 0;
     for (uint32_t got = 1; got != 0;) ASSERT_TRUE(ReadSerialLine(port_, &rest, 1, got));
