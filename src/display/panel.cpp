@@ -58,12 +58,12 @@ void DrawColourBar(const Canvas& canvas, const PanelLayout& layout, const Displa
 }
 
 // kept: in modes without echo samples the altitudes are drawn in the client area's own coordinates, as if the
-// image began at its corner, and the black image then covers all but the left and upper margins. So an empty
-// ring, whose altitudes are 0, shows a red line along the upper edge until the first ping has come.
+// image began at its corner, and the black image then covers all but the left and upper margins. So the empty
+// slots ahead of the first ping, whose altitudes are 0, show a red line along the upper edge.
 void DrawAltitudes(const PanelSource& source, const PanelLayout& layout, const Canvas& canvas) {
   const double height = layout.image.Height();
   const int32_t width = layout.image.Width();
-  if (source.scale.range_mm <= 0) return;
+  if (source.scale.range_mm <= 0 || !HoldsPing(SlotAt(*source.ring, source.scale.newest))) return;
   const double perMetre = height * 1'000 / source.scale.range_mm;
   const int32_t lineWidth = ScalePixels(kAltitudeWidth, layout.dpi);
   int32_t previous = -1;
@@ -167,7 +167,9 @@ bool DualModeHasAttitude(int32_t deviceFamily, int32_t outputMode) {
 Label CollectStatus(AppState& state, const PanelSource& newest, const PanelLayout& layout, bool isDual) {
   wchar_t text[std::extent_v<decltype(Label::text)>] = L"";
   if (newest.ring == nullptr) return StatusLabel(layout, text);
-  const ShownPing ping = ReadShownPing(SlotAt(*newest.ring, newest.scale.newest));
+  const uint8_t* const slot = SlotAt(*newest.ring, newest.scale.newest);
+  if (!HoldsPing(slot)) return StatusLabel(layout, text);
+  const ShownPing ping = ReadShownPing(slot);
   PingLineValues values{.time_s = ping.time_s,
                         .ping = LoadShared(globals.pingCounter),
                         .altitude_m = ping.altitude_m,

@@ -29,6 +29,12 @@ const uint8_t* SlotAt(const PingRing& ring, int32_t index) {
   return ring.slots[index < 0 ? 0 : index % kRingSlots];
 }
 
+bool HoldsPing(const uint8_t* slot) {
+  uint8_t length[sizeof(uint32_t)];
+  CopySlotBytes(slot + frame::kHeaderLength, sizeof length, length);
+  return LoadLe<uint32_t>(length) != 0;
+}
+
 ShownPing ReadShownPing(const uint8_t* slot) {
   uint8_t header[frame::kWrittenHeaderLength];
   CopySlotBytes(slot, sizeof header, header);

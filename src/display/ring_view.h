@@ -29,6 +29,9 @@ struct SlotSamples {
 // The slot at any index; an index outside the ring is taken modulo its size, a negative one is slot 0.
 [[nodiscard]] const uint8_t* SlotAt(const PingRing& ring, int32_t index);
 
+// Whether a ping has been stored there since the ring was cleared.
+[[nodiscard]] bool HoldsPing(const uint8_t* slot);
+
 [[nodiscard]] ShownPing ReadShownPing(const uint8_t* slot);
 
 // Samples stand 640 bytes behind the header's end. A header length outside 36 to 4,096 (a zeroed slot has 0)

@@ -132,8 +132,18 @@ TEST_F(Panel, NothingButTheImageBeforeTheRingsExist) {
   EXPECT_EQ(Status(false), L"");
 }
 
+// The ring is cleared, as it is until the first ping has come.
+TEST_F(Panel, NeitherATimeNorAnAltitudeBeforeTheFirstPing) {
+  state_->echogramEnabled = 0;
+  DrawSingle();
+  for (int32_t x = 0; x < 500; ++x) ASSERT_NE(canvas_.At(x, 0), 0xF00A0Au) << x;
+  EXPECT_EQ(Status(false), L"");
+  EXPECT_EQ(Status(true), L"");
+}
+
 TEST_F(Panel, WithoutEchogramTheImageIsBlackAndAltitudesShowInTheMarginOnly) {
   for (int32_t i = 0; i <= 500; ++i) StoreLeFloat(ringA_->slots[i] + 48, 5.0f);
+  StoreLe<uint32_t>(ringA_->slots[500] + 4, 88);
   state_->timeScaleUpper = 30;
   state_->echogramEnabled = 0;
   DrawSingle();
@@ -173,6 +183,7 @@ TEST_F(Panel, StatusShowsTheNewestPing) {
       {"kept: dual, a played binary file", true, 449.9f, 1, 102, dual},
   };
   uint8_t* const slot = ringA_->slots[500];
+  StoreLe<uint32_t>(slot + 4, 88);
   StoreLe<uint32_t>(slot + 16, 1'709'211'845);
   StoreLeFloat(slot + 48, 12.25f);
   StoreLeFloat(slot + 52, 18.5f);
