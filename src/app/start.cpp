@@ -46,6 +46,7 @@ void StartRun(AppState& state) {
   WaitPointer pointer(state);
   ForgetFormerPings(state);
   ReadCommunication(state);
+  state.appliedSettings = state.settings;  // shown behind a box, until the device has told its own
   // What came while a box was shown found the port still open.
   if (!ConnectPorts(state, pointer, log) || !IdentifyDevice(state, pointer))
     return RefreshControlStates(state);

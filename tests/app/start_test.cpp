@@ -7,6 +7,7 @@
 #include "acquisition/ping_ring.h"
 #include "app/control_states.h"
 #include "app/run_control.h"
+#include "display/panel.h"
 #include "platform/host/debug_capture.h"
 #include "platform/host/faults.h"
 #include "tests/app/run_control_fixture.h"
@@ -129,10 +130,17 @@ TEST_F(StartTest, NobodyAnswers) {
   sim::SounderOptions options = QuickSounder();
   options.faults.instrument.dead = true;
   ConnectSounder(options);
+  static AppState* state = nullptr;
+  static DeviceSettings shown;
+  state = state_;
+  shown = {};
+  Ui().duringBox = [] { shown = ShownSettings(*state); };  // the view goes on being painted
   StartDebugCapture();
   StartRun(*state_);
   const std::vector<std::wstring> texts = TakeDebugTexts();
   StopDebugCapture();
+  EXPECT_EQ(shown.highFrequency_hz, 447'000);
+  EXPECT_EQ(shown.soundSpeed_mps, 1500.0f);
   ExpectBox(L"Echosounder is not connected", L"Error", BoxIcon::error);
   EXPECT_TRUE(texts.back().starts_with(L"After Stop Fail time :  "));
   EXPECT_EQ(sounderPeer_->Closed(), 1);
