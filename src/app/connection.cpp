@@ -240,7 +240,8 @@ void ShowConnection(AppState& state) {
                globals.deviceBaud, state.settings.identifierWord);
   }
   SetStatusText(state, StatusPart::device, text);
-  if (globals.gpsPortNumber == kNoGpsPort) {
+  const Handle gps = LoadShared(state.gpsPort);
+  if (gps == Handle::null || gps == Handle::invalid) {  // none chosen, or its plug was pulled
     SetStatusText(state, StatusPart::gps, kGpsDisconnected);
     return;
   }

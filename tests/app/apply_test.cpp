@@ -176,6 +176,20 @@ TEST_F(Apply, WhatInterruptsARunLeavesTheScreenshotTimerAlone) {
   EXPECT_EQ(Ui().timers[ID_TIMER_CAPTURE], 67'000u) << "an image half as long";
 }
 
+// The unplug itself is not told; what is written anew is true.
+TEST_F(Apply, AGpsReceiverThatIsGoneIsNotShownAsConnected) {
+  ConnectGps({});
+  ChooseGps();
+  StartQuickRun(2);
+  ChangeSpeed(*state_, 460'800);
+  EXPECT_EQ(Ui().status[1], L"GPS: COM6,4800bps");
+  HangUpLine(kGpsLine);
+  Run(2);
+  EXPECT_EQ(Ui().status[1], L"GPS: COM6,4800bps");
+  ChangeSpeed(*state_, 921'600);
+  EXPECT_EQ(Ui().status[1], L"GPS: Disconnected");
+}
+
 // The device has taken the speed, but the port does not come back.
 TEST_F(Apply, APortThatDoesNotReopenEndsTheRun) {
   StartQuickRun(2);
