@@ -99,6 +99,11 @@ bool IsLow(FieldChannel channel) {
   return channel == FieldChannel::low;
 }
 
+// Shown as it is stored: 12.5 is no value of it, though 12.5 m is one of millimetres.
+bool IsWholeNumber(const Row& row) {
+  return row.unit == Unit::asStored && row.wholeLow != nullptr;
+}
+
 int32_t Whole(const Row& row, FieldChannel channel, const S& settings) {
   return settings.*(IsLow(channel) ? row.wholeLow : row.wholeHigh);
 }
@@ -218,7 +223,8 @@ void SetError(const Row& row, FieldChannel channel, const FormFacts& facts, cons
   char highText[kFieldTextSize];
   NarrowText(lowText, low);
   NarrowText(highText, high);
-  FormatWide(error, "Value of %s%s must be from %s to %s.", narrow, side, lowText, highText);
+  const char* const kind = IsWholeNumber(row) ? "a whole number " : "";
+  FormatWide(error, "Value of %s%s must be %sfrom %s to %s.", narrow, side, kind, lowText, highText);
 }
 
 void StoreWhole(const Row& row, FieldChannel channel, int32_t value, S& settings) {
@@ -359,9 +365,8 @@ bool ReadField(SettingsField field, FieldChannel channel, const FormFacts& facts
     return true;
   }
   const Limits limits = LimitsOf(row, channel, facts, settings);
-  const bool whole = row.unit == Unit::asStored && row.wholeLow != nullptr;
   double value = 0;
-  if (!ReadNumber(text, whole, value) || value < limits.lowest || value > limits.highest) {
+  if (!ReadNumber(text, IsWholeNumber(row), value) || value < limits.lowest || value > limits.highest) {
     SetError(row, channel, facts, limits, error);
     return false;
   }

@@ -97,7 +97,8 @@ void ListItems(SettingsField field, FieldChannel channel, const FormFacts& facts
 
 // Reads a text into the settings. A text that says what stands there already changes nothing, whatever it is;
 // only a dead zone is held against the range all the same. False when it is no number, or one out of its
-// limits, or no item: the settings are unchanged, and `error` holds "Value of %s must be from %s to %s.".
+// limits, or no item: the settings are unchanged, and `error` holds "Value of %s must be from %s to %s."
+// or, where it is one, "… must be a whole number from …".
 // Limits depend on the settings, so a form is read in its order.
 [[nodiscard]] bool ReadField(SettingsField field, FieldChannel channel, const FormFacts& facts,
                              const wchar_t* text, DeviceSettings& settings, std::span<wchar_t> error);

@@ -97,15 +97,35 @@ TEST(SettingsForm, TextsAreHeldAgainstTheLimits) {
        L"Ping interval must be from 0.01 to 10.00",
        {L"Auto", L"0.25", L"10.00"},
        {L"0.001", L"10.01"}},
-      {F::txLength, low, L"Transmit length (low) must be from 1 to 500", {L"500"}, {L"0", L"501"}},
-      {F::txLength, high, L"Transmit length (high) must be from 1 to 1000", {L"1000"}, {L"1001"}},
+      {F::txLength,
+       low,
+       L"Transmit length (low) must be a whole number from 1 to 500",
+       {L"500"},
+       {L"0", L"501"}},
+      {F::txLength,
+       high,
+       L"Transmit length (high) must be a whole number from 1 to 1000",
+       {L"1000"},
+       {L"1001"}},
       {F::gain, low, L"Gain (low) must be from -60.0 to 60.0", {L"-60.0", L"60.0"}, {L"-60.001", L"60.1"}},
-      {F::deadZone, high, L"Dead zone (high) must be from 0 to 10000", {L"10000"}, {L"10001", L"10.5"}},
-      {F::offset, low, L"Offset (low) must be from -10000 to 10000", {L"-10000"}, {L"-10001", L"10001"}},
-      {F::threshold, low, L"Threshold (low) must be from 0 to 100", {L"0", L"100"}, {L"101"}},
+      {F::deadZone,
+       high,
+       L"Dead zone (high) must be a whole number from 0 to 10000",
+       {L"10000"},
+       {L"10001", L"10.5"}},
+      {F::offset,
+       low,
+       L"Offset (low) must be a whole number from -10000 to 10000",
+       {L"-10000"},
+       {L"-10001", L"10001"}},
+      {F::threshold, low, L"Threshold (low) must be a whole number from 0 to 100", {L"0", L"100"}, {L"101"}},
       {F::soundSpeed, common, L"Speed of sound must be from 1300.0 to 1700.0", {L"1700.0"}, {L"1299.9"}},
       {F::tvgAbsorption, high, L"TVG absorption (high) must be from 0.00 to 2.00", {L"0.14"}, {L"2.01"}},
-      {F::movingAverage, common, L"Moving average must be from 1 to 31", {L"31"}, {L"-5", L"32"}},
+      {F::movingAverage,
+       common,
+       L"Moving average must be a whole number from 1 to 31",
+       {L"31"},
+       {L"-5", L"32"}},
       {F::outputRate, common, L"Output rate must be from 0.00 to 100.00", {L"12.34"}, {L"100.01"}},
   };
   for (const auto& row : rows) {
@@ -170,7 +190,7 @@ TEST(SettingsForm, ARangeBelowTheDeadZoneIsRefusedAtTheDeadZone) {
   EXPECT_EQ(ErrorOf(F::deadZone, low, kSingle, L"5000", settings), L"taken");
   EXPECT_EQ(ErrorOf(F::range, low, kSingle, L"3", settings), L"taken");
   EXPECT_EQ(ErrorOf(F::deadZone, low, kSingle, L"5000", settings),
-            L"Value of Dead zone must be from 0 to 3000.");
+            L"Value of Dead zone must be a whole number from 0 to 3000.");
 }
 
 TEST(SettingsForm, FieldsWithoutEffectCannotBeUsed) {

@@ -118,9 +118,9 @@ struct BadValue {
 constexpr BadValue kBadValues[] = {
     {L"Gain [dB]", L"60.1", L"60", L"Value of Gain must be from -60.0 to 60.0."},
     {L"Gain [dB]", L"1,5", L"1.5", L"Value of Gain must be from -60.0 to 60.0."},
-    {L"Threshold [%]", L"", L"100", L"Value of Threshold must be from 0 to 100."},
-    {L"Dead zone [mm]", L"30001", L"30000", L"Value of Dead zone must be from 0 to 30000."},
-    {L"Offset [mm]", L"-10001", L"-10000", L"Value of Offset must be from -10000 to 10000."},
+    {L"Threshold [%]", L"", L"100", L"Value of Threshold must be a whole number from 0 to 100."},
+    {L"Dead zone [mm]", L"30001", L"30000", L"Value of Dead zone must be a whole number from 0 to 30000."},
+    {L"Offset [mm]", L"-10001", L"-10000", L"Value of Offset must be a whole number from -10000 to 10000."},
     {L"Speed of sound [m/s]", L"1700.5", L"1700", L"Value of Speed of sound must be from 1300.0 to 1700.0."},
 };
 
@@ -251,7 +251,7 @@ TEST_F(DetailSettings, WhatIsEnteredReachesTheDevice) {
   first.Enter(L"Threshold [%]", L"101");
   first.Press(VK_RETURN);
   EXPECT_EQ(program_->AnswerBox(10, first.Window()),
-            (MessageBoxContent{L"Error", L"Value of Threshold must be from 0 to 100."}));
+            (MessageBoxContent{L"Error", L"Value of Threshold must be a whole number from 0 to 100."}));
   first.Enter(L"Threshold [%]", L"23");
   first.Enter(L"Dead zone [mm]", L"321");
   first.Enter(L"Speed of sound [m/s]", L"1481");
