@@ -82,8 +82,13 @@ zoom_time_scale() {
   sleep 0.5
 }
 
-# "220 pings, 1 to 220, none missing": by the device's own numbers.
+# "220 pings, 1 to 220, none missing": by the device's own numbers, where its output has some. Otherwise a ping is a
+# binary frame, or what stands ahead of each RMC sentence.
 count_pings() {
+  if ! grep -aq '^#Ping ' "$1"; then
+    echo "$(grep -aoE 'TR57|^\$G[PN]RMC,' "$1" | wc -l) pings"
+    return
+  fi
   tr -d '\r' <"$1" | awk '
     $1 == "#Ping" { if (n++ == 0) first = $2; else missing += $2 - last - 1; last = $2 }
     END { if (n == 0) print "0 pings"
