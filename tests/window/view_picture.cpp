@@ -50,14 +50,15 @@ int StrengthOf(uint32_t colour, std::map<uint32_t, int>& strengths) {
   return strength;
 }
 
-}  // namespace
-
-Picture PictureOf(HWND window) {
+RECT ClientOnScreen(HWND window) {
   RECT client{};
   GetClientRect(window, &client);
-  POINT corner{};
-  ClientToScreen(window, &corner);
-  Picture picture{client.right, client.bottom, {}};
+  MapWindowPoints(window, nullptr, reinterpret_cast<POINT*>(&client), 2);
+  return client;
+}
+
+Picture PictureOf(const RECT& place) {
+  Picture picture{place.right - place.left, place.bottom - place.top, {}};
   picture.pixels.resize(static_cast<size_t>(picture.width) * static_cast<size_t>(picture.height));
   BITMAPINFO info{};
   info.bmiHeader = {sizeof(BITMAPINFOHEADER), picture.width, -picture.height, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
@@ -66,7 +67,7 @@ Picture PictureOf(HWND window) {
   const HDC memory = CreateCompatibleDC(screen);
   const HBITMAP bitmap = CreateDIBSection(screen, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
   const HGDIOBJ before = SelectObject(memory, bitmap);
-  BitBlt(memory, 0, 0, picture.width, picture.height, screen, corner.x, corner.y, SRCCOPY);
+  BitBlt(memory, 0, 0, picture.width, picture.height, screen, place.left, place.top, SRCCOPY);
   GdiFlush();
   const auto* const from = static_cast<const uint32_t*>(bits);
   std::transform(from, from + picture.pixels.size(), picture.pixels.begin(),
@@ -78,11 +79,19 @@ Picture PictureOf(HWND window) {
   return picture;
 }
 
+}  // namespace
+
+Picture PictureOf(HWND window) {
+  return PictureOf(ClientOnScreen(window));
+}
+
 void SavePicture(HWND window, const char* name) {
   const char* const folder = std::getenv("TW_PICTURES");
   if (folder == nullptr) return;
   Sleep(500);  // until it has painted itself
-  const Picture picture = PictureOf(window);
+  RECT place = ClientOnScreen(window);
+  if (GetMenu(window) != nullptr) place.top -= GetSystemMetrics(SM_CYMENU);
+  const Picture picture = PictureOf(place);
   const auto size = static_cast<DWORD>(picture.pixels.size() * sizeof(uint32_t));
   BITMAPINFOHEADER info{
       sizeof(BITMAPINFOHEADER), picture.width, -picture.height, 1, 32, BI_RGB, size, 0, 0, 0, 0};

@@ -21,7 +21,8 @@ struct Picture {
 // Taken from the screen, so it shows what an operator sees.
 [[nodiscard]] Picture PictureOf(HWND window);
 
-// For the eyes of people: the window as NAME.bmp in the folder that TW_PICTURES names; without one nothing.
+// For the eyes of people: the window without its frame as NAME.bmp in the folder that TW_PICTURES names;
+// without one nothing.
 void SavePicture(HWND window, const char* name);
 
 // The row of the strongest echo in each column of the image, counted from the image's top; -1 in columns
