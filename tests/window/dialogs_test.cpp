@@ -113,6 +113,7 @@ TEST_F(Dialogs, FolderBrowserTakesTheFolderItOpensWith) {
 TEST_F(Dialogs, SpeedNeedsADevice) {
   const Dialog& dialog = Open(ID_MENU_BAUD);
   EXPECT_EQ(ItemsOf(dialog.Field(kSpeedLabel)), program_->Items(ID_DEVICE_SPEED));
+  SendMessageW(dialog.Field(kSpeedLabel), WM_MOUSEWHEEL, MAKEWPARAM(0, WHEEL_DELTA), 0);
   EXPECT_EQ(dialog.Value(kSpeedLabel), L"921600");
   dialog.Select(kSpeedLabel, L"9600");
   dialog.Press(VK_RETURN);

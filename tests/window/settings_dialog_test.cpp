@@ -246,6 +246,8 @@ TEST_F(DetailSettings, WhatIsEnteredReachesTheDevice) {
   EXPECT_FALSE(IsWindowVisible(program_->Control(ID_DUAL_MODE)));
   EXPECT_EQ(IsWindowVisible(program_->Control(ID_PRESET)) != FALSE, hasFilters);
   ExpectWholeInSelector(L"Echo txt Fixed 1000 Samples");
+  SendMessageW(first.Field(L"Range [m]"), WM_MOUSEWHEEL, MAKEWPARAM(0, -WHEEL_DELTA), 0);
+  EXPECT_EQ(first.Value(L"Range [m]"), L"30") << "no matter for the wheel";
   first.Select(L"Range [m]", L"20");
   first.Enter(L"Gain [dB]", L"-12.5");
   first.Enter(L"Threshold [%]", L"101");
