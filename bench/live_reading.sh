@@ -5,13 +5,12 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 rate=${1:-300000} seconds=${2:-10}
-prefix=${TW_WINEPREFIX:-$PWD/build/wine}
+export TW_WINEPREFIX=${TW_WINEPREFIX:-$PWD/build/wine-bench}
 out=build/bench-live
 mkdir -p "$out"
 
 tests/window/wine_run build/windows/bench/live_reading.exe >/dev/null 2>&1 || true  # makes the prefix
-mkdir -p "$prefix/ports"
-build/bench/bench/line_sender "$prefix/ports/com8" "$rate" "$seconds" "$out/sent.txt" >"$out/sender.log" &
+build/bench/bench/line_sender "$TW_WINEPREFIX/ports/com8" "$rate" "$seconds" "$out/sent.txt" >"$out/sender.log" &
 sender=$!
 trap 'kill "$sender" 2>/dev/null || true' EXIT
 sleep 0.5

@@ -34,10 +34,7 @@ ticks() { sed 's/.*) //' "/proc/$1/stat" | awk '{ print $12 + $13 }'; }
 resident() { awk '/^VmRSS/ { print int($2 / 1024) }' "/proc/$1/status"; }
 
 unset DISPLAY
-export TW_WINEPREFIX=${TW_WINEPREFIX:-$session_root/build/wine-window}
 session_begin
-session_be_alone
-session_resolution 96
 session_instruments "$build/native/tools/echosim/echosim" --speed 921600 --log "$session_scratch/pings" "$@"
 mkdir "$session_scratch/records"
 session_choices "Z:${session_scratch//\//\\}\\records"

@@ -135,7 +135,6 @@ own_display=
 [ -n "${DISPLAY:-}" ] || own_display=yes
 say "Preparing Wine (15 s at the first time)"
 session_begin
-session_be_alone
 say "Starting the virtual instruments"
 session_instruments "$echosim" --speed 921600 --log "$log" "${sounder[@]}"
 store_choices

@@ -33,22 +33,47 @@ std::string At(const char* what, std::string_view file, std::string_view rest) {
   return std::string(what) + " at byte " + std::to_string(file.size() - rest.size());
 }
 
+// A place in all that was sent.
+struct Stretch {
+  uint64_t begin = 0;
+  uint64_t size = 0;
+
+  [[nodiscard]] bool Touches(const Stretch& other) const {
+    return begin < other.begin + other.size && other.begin < begin + size;
+  }
+};
+
+bool IsSame(std::string_view block, const LoggedPing& ping) {
+  return block.size() == ping.size && Fnv1a(block) == ping.hash;
+}
+
 }  // namespace
 
 std::vector<LoggedPing> ReadPingLog() {
   const wchar_t* const path = _wgetenv(L"TW_PING_LOG");
   std::vector<LoggedPing> pings;
+  std::vector<Stretch> places;  // of the pings
+  std::vector<Stretch> dropped;
   std::istringstream lines(path == nullptr ? "" : ReadWholeFile(path));
   for (std::string line; std::getline(lines, line);) {
     std::istringstream words(line);
-    std::string kind, time, samples, frequency, offset, hash, state;
+    std::string kind, time, samples, frequency, hash, state;
+    Stretch place;
     LoggedPing ping;
-    words >> kind >> ping.number >> time >> ping.altitude_m >> samples >> frequency >> offset >> ping.size >>
-        hash >> state;
-    if (kind != "ping" || !words) continue;
+    words >> kind;
+    if (kind == "dropped" && words >> time >> place.begin >> place.size) dropped.push_back(place);
+    if (kind != "ping" || !(words >> ping.number >> time >> ping.altitude_m >> samples >> frequency >>
+                            place.begin >> place.size >> hash >> state)) {
+      continue;
+    }
+    ping.size = place.size;
     ping.hash = std::stoull(hash, nullptr, 16);
     ping.whole = state == "whole";
     pings.push_back(ping);
+    places.push_back(place);
+  }
+  for (size_t i = 0; i < pings.size(); ++i) {
+    for (const Stretch& gone : dropped) pings[i].whole = pings[i].whole && !gone.Touches(places[i]);
   }
   return pings;
 }
@@ -93,16 +118,17 @@ uint64_t Fnv1a(std::string_view bytes) {
 
 std::string CompareWithLog(const Recording& recording, const std::vector<LoggedPing>& log) {
   if (!recording.fault.empty()) return recording.fault;
-  std::vector<LoggedPing> whole;
-  for (const LoggedPing& ping : log) {
-    if (ping.whole) whole.push_back(ping);
-  }
-  if (recording.blocks.size() > whole.size()) return "more pings recorded than sent";
-  for (size_t i = 0; i < recording.blocks.size(); ++i) {
-    const std::string_view block = recording.blocks[i];
-    if (block.size() != whole[i].size || Fnv1a(block) != whole[i].hash) {
-      return "recorded ping " + std::to_string(i) + " is not the sent one (number " +
-             std::to_string(whole[i].number) + ")";
+  size_t next = 0;
+  size_t rests = 0;
+  for (const std::string_view block : recording.blocks) {
+    for (; next < log.size() && !log[next].whole; ++next) ++rests;
+    const bool isBehindRest = next > 0 && !log[next - 1].whole;  // and may have gone with it
+    if (next < log.size() && IsSame(block, log[next])) {
+      ++next;
+    } else if (isBehindRest && next + 1 < log.size() && log[next + 1].whole && IsSame(block, log[next + 1])) {
+      next += 2;
+    } else if (rests-- == 0) {
+      return "behind ping " + std::to_string(next) + " of the log stands what was not sent there";
     }
   }
   return "";

@@ -13,8 +13,8 @@ struct LoggedPing {
   uint32_t number = 0;
   double altitude_m = 0;
   size_t size = 0;
-  uint64_t hash = 0;  // FNV-1a of the block
-  bool whole = false;
+  uint64_t hash = 0;   // FNV-1a of the block
+  bool whole = false;  // as sent, and all of it taken by the line, which holds little while nobody reads
 };
 
 // The log that TW_PING_LOG names, as far as it is written, oldest first.
@@ -34,7 +34,8 @@ struct Recording {
 [[nodiscard]] uint64_t Fnv1a(std::string_view bytes);
 
 // What is wrong with the recording, when the whole pings of the log should stand in it from the first one on,
-// none lost, none torn; empty when nothing is. The device goes on sending behind the last.
+// none lost, none torn; empty when nothing is. The device goes on sending behind the last. What is left of a
+// ping that was not whole may stand in its place, and the next one may be lost with it.
 [[nodiscard]] std::string CompareWithLog(const Recording& recording, const std::vector<LoggedPing>& log);
 
 }  // namespace tw

@@ -68,7 +68,8 @@ BOOL CALLBACK LookAtWindow(HWND window, LPARAM parameter) {
 }  // namespace
 
 bool WaitUntil(const std::function<bool()>& condition, int limit_s) {
-  const ULONGLONG end_ms = GetTickCount64() + static_cast<ULONGLONG>(limit_s) * 1000;
+  constexpr ULONGLONG kPatience = 3;  // others keep the machine busy
+  const ULONGLONG end_ms = GetTickCount64() + kPatience * 1000 * static_cast<ULONGLONG>(limit_s);
   while (!condition()) {
     if (GetTickCount64() > end_ms) return false;
     Sleep(50);
@@ -213,7 +214,7 @@ MessageBoxContent Program::AnswerBox(int limit_s, HWND dialog) const {
 
 int Program::Exit() {
   Choose(ID_MENU_EXIT);
-  if (WaitForSingleObject(process_.hProcess, 20'000) != WAIT_OBJECT_0) return -1;
+  if (WaitForSingleObject(process_.hProcess, 60'000) != WAIT_OBJECT_0) return -1;
   DWORD code = 0;
   GetExitCodeProcess(process_.hProcess, &code);
   return static_cast<int>(code);

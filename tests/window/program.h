@@ -11,7 +11,8 @@
 
 namespace tw {
 
-// Polls until the condition holds; false when it does not within the time.
+// Polls until the condition holds; false when it does not within the time, which is for a machine that has
+// nothing else to do: a busy one gets three times as much.
 [[nodiscard]] bool WaitUntil(const std::function<bool()>& condition, int limit_s);
 
 struct MessageBoxContent {

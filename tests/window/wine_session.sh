@@ -1,16 +1,20 @@
-# A place for the Windows program to run in: a display, a Wine prefix of this project's own, and the virtual
-# instruments on its serial ports. Sourced by wine_run, window_session and demo.sh; all that is started here is
-# ended by session_end, by its process id.
+# A place for the Windows program to run in: a display, a Wine prefix, and the virtual instruments on its serial
+# ports. Sourced by wine_run, window_session and demo.sh; all that is started here is ended by session_end, by its
+# process id.
 #
-# The prefix is $TW_WINEPREFIX, or build/wine; it is made on first use (15 s, several may come at once). In it
-# COM5 to COM8 are the terminals that the links PREFIX/ports/com5 … com8 point to, whoever puts them there. Only
-# those are listed as ports that exist when the prefix's first program starts.
+# Sessions run side by side: each takes the first of build/wine-1, build/wine-2 … that no other one holds, so ports,
+# registry and wineserver are its own. These are copies of build/wine, which is made on first use (15 s) and in which
+# nothing runs afterwards. $TW_WINEPREFIX names another prefix; a session waits until it is free.
+#
+# In a prefix COM5 to COM8 are the terminals that the links PREFIX/ports/com5 … com8 point to, whoever puts them
+# there. Only those are listed as ports that exist when the prefix's first program starts. The home folder of a
+# session stands in its prefix too, and so do the folders of its Windows user: nothing is written elsewhere.
 
 session_root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
 session_scratch=$(mktemp -d)
 session_display_pid=
 session_instruments_pid=
-session_alone=
+session_server=
 session_window=
 
 session_fail() {
@@ -26,7 +30,7 @@ session_kill() {
 }
 
 session_end() {
-  [ -z "$session_alone" ] || wineserver -k 8>&- || true
+  [ -z "$session_server" ] || wineserver -k 8>&- || true
   session_kill "$session_instruments_pid"
   session_kill "$session_display_pid"
   rm -rf "$session_scratch"
@@ -61,62 +65,94 @@ session_registry_entries() {
   for font in 'Segoe UI' Tahoma 'MS Shell Dlg' 'MS Shell Dlg 2' 'Microsoft Sans Serif'; do
     printf '"%s"="Open Sans"\n' "$font"
   done
+  printf '\n[HKEY_CURRENT_USER\\Control Panel\\Desktop]\n"LogPixels"=dword:00000060\n'
 }
 
-# Ports and fonts are looked at when the wineserver starts, so it is started again after they are set.
+# Wine links the user's Documents, Desktop and so on to folders of the home folder.
+session_own_user_folders() {
+  local link
+  find "$WINEPREFIX/drive_c/users" -type l | while read -r link; do
+    rm "$link"
+    mkdir "$link"
+  done
+}
+
 session_make_prefix() {
+  rm -rf "$WINEPREFIX"
+  mkdir -p "$WINEPREFIX/ports" "$WINEPREFIX/home"
   WINEDLLOVERRIDES='mscoree,mshtml=' wineboot -i
   wineserver -w
-  mkdir -p "$WINEPREFIX/ports"
   session_registry_entries >"$WINEPREFIX/setup.reg"
   wine regedit /S "$(winepath -w "$WINEPREFIX/setup.reg")"
   wineserver -k
   wineserver -w
+  session_own_user_folders
 }
 
+# session_ensure_prefix COMMAND…: the command makes $WINEPREFIX. What was left half made is made anew.
 session_ensure_prefix() {
   [ -e "$WINEPREFIX/ready" ] && return 0
   (
     flock 9
     [ -e "$WINEPREFIX/ready" ] && exit 0
-    session_make_prefix >"$WINEPREFIX/setup.log" 2>&1 </dev/null 8>&- 9>&-
+    "$@" >"$WINEPREFIX.log" 2>&1 </dev/null 8>&- 9>&- || session_fail "no prefix: see $WINEPREFIX.log"
     touch "$WINEPREFIX/ready"
-  ) 9>"$WINEPREFIX/lock"
+  ) 9>"$WINEPREFIX.made"
 }
 
-# session_begin: a display, if there is none, and the prefix.
+# By links, since 700 MB are libraries: Wine puts new files in the place of its registry's, and the others are not
+# written. Ports and resolution stand in those, which are plain text while no wineserver runs.
+session_copy_prefix() {
+  rm -rf "$WINEPREFIX"
+  cp -a --link "$1" "$WINEPREFIX"
+  rm "$WINEPREFIX/ready"
+  sed -i "s|/${1##*/}/ports/com|/${WINEPREFIX##*/}/ports/com|" "$WINEPREFIX/system.reg"
+}
+
+session_resolution() {
+  sed -i '/^\[Control Panel\\\\Desktop\]/,/^$/ s/^"LogPixels"=.*/"LogPixels"='"$(printf 'dword:%08x' "$1")/" \
+    "$WINEPREFIX/user.reg"
+}
+
+# Nothing waits for another session here: there is always one more prefix. The lock is descriptor 8, which no program
+# inherits.
+session_take_prefix() {
+  local first=$session_root/build/wine number=0
+  mkdir -p "$session_root/build"
+  WINEPREFIX=$first session_ensure_prefix session_make_prefix
+  until [ "$number" -gt 0 ] && flock -n 8; do
+    number=$((number + 1))
+    WINEPREFIX=$first-$number
+    exec 8>"$WINEPREFIX.lock"
+  done
+  session_ensure_prefix session_copy_prefix "$first"
+}
+
+session_take_named_prefix() {
+  mkdir -p "$1"
+  WINEPREFIX=$(cd "$1" && pwd)
+  exec 8>"$WINEPREFIX.lock"
+  flock 8
+  session_ensure_prefix session_make_prefix
+}
+
+# session_begin: a display, if there is none, and a prefix. Programs find $TW_DPI dots per inch, or 96.
 session_begin() {
   trap session_end EXIT
   trap 'exit 143' TERM INT HUP
-  export WINEPREFIX=${TW_WINEPREFIX:-$session_root/build/wine} WINEDEBUG=-all
-  mkdir -p "$WINEPREFIX"
-  WINEPREFIX=$(cd "$WINEPREFIX" && pwd)
+  export WINEPREFIX WINEDEBUG=-all
+  export XAUTHORITY=${XAUTHORITY:-$HOME/.Xauthority}
+  if [ -n "${TW_WINEPREFIX:-}" ]; then session_take_named_prefix "$TW_WINEPREFIX"; else session_take_prefix; fi
+  export HOME=$WINEPREFIX/home
+  session_server=yes
+  wineserver -k 8>&- || true  # what a session left that was killed; it fails when there is none
+  wineserver -w 8>&-
+  session_resolution "${TW_DPI:-96}"
   [ -n "${DISPLAY:-}" ] || session_start_display
-  session_ensure_prefix
-}
-
-# session_be_alone: waits until no other session uses the prefix, keeps it for this one, and ends what still
-# runs in it, so that ports and registry are this session's own. The lock is descriptor 8, which no program
-# inherits.
-session_be_alone() {
-  exec 8>"$WINEPREFIX/session"
-  flock 8
-  session_alone=yes
-  wineserver -k 8>&- || true  # it fails when none runs
-  wineserver -w 8>&-
-}
-
-# session_resolution DPI: how many dots per inch the programs of this session find. Needs session_be_alone.
-session_resolution() {
-  printf 'REGEDIT4\n\n[HKEY_CURRENT_USER\\Control Panel\\Desktop]\n"LogPixels"=dword:%08x\n' "$1" \
-    >"$session_scratch/resolution.reg"
-  wine regedit /S "$(winepath -w "$session_scratch/resolution.reg" 2>/dev/null)" >/dev/null 2>&1 8>&-
-  wineserver -k 8>&- || true
-  wineserver -w 8>&-
 }
 
 # session_instruments ECHOSIM [OPTIONS…]: the echosounder on COM5 and the GPS receiver on COM6, from before the
-# first program on. Needs session_be_alone. What they say goes to $session_scratch/instruments.
+# first program on. What they say goes to $session_scratch/instruments.
 session_instruments() {
   local ports=$WINEPREFIX/ports
   rm -f "$ports"/com[5-8]
