@@ -45,9 +45,11 @@ arrows device acquisition display gps playback simulator
 arrows gps acquisition display device playback simulator
 arrows acquisition display playback simulator
 
-for header in $(find src -name '*.h' ! -name '*_win32.h' ! -path 'src/platform/win32/*' ! -name 'control_ids.h'); do
-  printf '#include "%s"\n' "${header#src/}" |
-    g++ -std=c++20 -fsyntax-only -Wall -Wextra -I src -x c++ - >/dev/null 2>&1 ||
-    fail "Does not compile alone:" "$header"
-done
+compiles_alone() {
+  printf '#include "%s"\n' "${1#src/}" | g++ -std=c++20 -fsyntax-only -Wall -Wextra -I src -x c++ - >/dev/null 2>&1
+}
+export -f compiles_alone
+dependent=$(find src -name '*.h' ! -name '*_win32.h' ! -path 'src/platform/win32/*' ! -name 'control_ids.h' |
+  xargs -P "$(nproc)" -I{} bash -c 'compiles_alone {} || echo {}')
+[ -n "$dependent" ] && fail "Do not compile alone:" "$dependent"
 exit "$status"
