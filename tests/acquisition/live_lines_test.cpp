@@ -65,6 +65,8 @@ TEST_F(LiveLines, PingsCountFromOneAcrossRunsAndBothChannelsOfALineShareTheNumbe
   RunWith("Dual : 90, 1, 2, 3\r\nDual : 91, 1, 2, 3\r\n", DualTextWorker);
   EXPECT_EQ(PingA().ping, 2u);
   EXPECT_EQ(PingB().ping, 2u);
+  EXPECT_EQ(PingA().txFrequency_hz, 200'000);
+  EXPECT_EQ(PingB().txFrequency_hz, 30'000);
   EXPECT_EQ(LoadShared(globals.pingCounter), 2u);
   RunWith("Dual : 1, 1, 2, 3\r\n", DualTextWorker);
   EXPECT_EQ(PingA().ping, 3u);

@@ -34,6 +34,16 @@ TEST_F(LiveRecording, IsSwitchedOffAndOnBetweenTwoPings) {
   EXPECT_EQ(LoadShared(globals.pingCounter), 4u);
 }
 
+TEST_F(LiveRecording, SentencesAreTheReceiversTalkers) {
+  globals.gpsTalkerGn = 1;
+  Record();
+  RunWith(EchoBlock(1));
+  EXPECT_EQ(program_.FileContent(L"a.log"),
+            "INFO\r\n" + EchoBlock(1) +
+                "$GNGGA,000000.00,0.000000,S,0.000000,W,0,00,0.0,0.000,M,0.000,M,0.0,0000*52\r\n"
+                "$GNRMC,000000.00,V,0.000000,S,0.000000,W,0.0,0.0,000100,0.0,W,A*10\r\n\r\n\r\n");
+}
+
 TEST_F(LiveRecording, ARunThatRecordedNothingLeavesNoFiles) {
   Record();
   Reset(state_.recordingEvent);

@@ -8,6 +8,7 @@
 #include "acquisition/nmea_worker.h"
 #include "acquisition/time_marks.h"
 #include "base/shared_value.h"
+#include "platform/host/debug_capture.h"
 #include "platform/host/file_sink.h"
 #include "platform/thread.h"
 #include "tests/acquisition/golden_block.h"
@@ -78,6 +79,15 @@ TEST_F(LiveWorker, StopIsHeardWithinATenthOfASecondInSilenceAndInEndlessGarbage)
     EXPECT_LE(VirtualNow_us() - begin_us, 102'000) << row.what;
     SleepMilliseconds(1'000);
   }
+}
+
+TEST_F(LiveWorker, InputThatTheLineLostIsCounted) {
+  StartDebugCapture();
+  for (const uint64_t call : {3, 7}) InjectFault({.point = FaultPoint::overrunLine, .call = call});
+  Run_ms(2'000);
+  EXPECT_EQ(TakeDebugTexts(),
+            (std::vector<std::wstring>{L"Serial input lost : 1\n", L"Serial input lost : 2\n"}));
+  StopDebugCapture();
 }
 
 TEST_F(LiveWorker, SilenceOfMoreThanAMinuteIsALostLink) {

@@ -5,6 +5,8 @@
 #include "acquisition/echo_frame.h"
 #include "app/control_ids.h"
 #include "tests/app/playback_fixture.h"
+#include "tests/gps/parser_fixture.h"
+#include "tests/playback/info_text.h"
 
 namespace tw::test {
 namespace {
@@ -130,8 +132,46 @@ TEST_F(PlaybackFrames, MarksAndPicturesGoByRecordedTime) {
     EXPECT_EQ(globals.marksA.markNumber, row.marks) << row.seconds;
     StopRun(*state_);
   }
+  // Back in time it begins again.
+  std::vector<Frame> frames;
+  for (uint32_t time_s = 1'100; time_s < 1'200; ++time_s) frames.push_back({time_s, 1'000});
+  for (uint32_t time_s = 1'000; time_s < 1'140; ++time_s) frames.push_back({time_s, 1'000});
+  PlayFrames(frames);
+  PlayToTheEnd();
+  EXPECT_EQ(ExchangeShared(globals.autoCaptureRequested, 0), 1);
   const auto& told = Ui().posts[static_cast<size_t>(StatusPart::position)];
   EXPECT_NE(std::find(told.begin(), told.end(), L"Position is not available"), told.end());
+}
+
+// Each second ping that has a position shows it; a file without one says so each two seconds. A ping is
+// played each 16 ms.
+TEST_F(PlaybackFrames, PositionsAreTold) {
+  const std::string ping = "Alt : 1.5\r\n";
+  const std::string position = Sentence("GPGGA,123519,3351.1234,S,05812.5000,W,1,08,2.5,545.4,M,46.9,M,,") +
+                               Sentence("GPRMC,123519,A,3351.1234,S,05812.5000,W,5,84,230394,3.1,W");
+  const struct {
+    std::string ping;
+    int count;
+    std::vector<std::wstring> told;
+  } rows[] = {
+      {ping + position, 7,
+       std::vector<std::wstring>(3,
+                                 L"Position(3D):  33\u00b0 51.1234\u2032 S,  58\u00b0 12.5000\u2032 W, "
+                                 L"PDOP:  2.5 (Good)")},
+      {ping, 300, std::vector<std::wstring>(3, L"Position is not available")},
+  };
+  for (const auto& row : rows) {
+    std::string content = InfoText(1, 1);
+    for (int i = 0; i < row.count; ++i) content += row.ping;
+    WriteWhole(folder_ / "lines.log", content);
+    auto& told = Ui().posts[static_cast<size_t>(StatusPart::position)];
+    told.clear();
+    Play({(folder_ / "lines.log").wstring()});
+    PlayToTheEnd();
+    std::erase(told, L"");
+    EXPECT_EQ(told, row.told);
+    StopRun(*state_);
+  }
 }
 
 }  // namespace

@@ -87,6 +87,23 @@ TEST(SerialPorts, AListThatCannotBeReadIsEmpty) {
   ClearFaults();
 }
 
+TEST(SerialPorts, AnIdleReadTakesTwiceAsLongOnTheFastPort) {
+  const VirtualClock clock(0);
+  test::LineScript silent;
+  AttachPeer(L"\\\\.\\COM9", &silent);
+  for (const bool fast : {false, true}) {
+    const Handle port = fast ? OpenFastDevicePort(9) : OpenDevicePort(9, 115'200);
+    const int64_t begin_us = VirtualNow_us();
+    uint8_t byte = 0;
+    uint32_t got = 1;
+    EXPECT_TRUE(ReadSerialLine(port, &byte, 1, got));
+    EXPECT_EQ(got, 0u);
+    EXPECT_EQ((VirtualNow_us() - begin_us) / 1'000, fast ? 200 : 100);
+    CloseSerialLine(port);
+  }
+  DetachSerialLines();
+}
+
 class WaitForByte : public test::ScriptedLineTest {};
 
 TEST_F(WaitForByte, TakesFourSecondsAndEatsTheByte) {

@@ -69,8 +69,6 @@ TEST(Layout, DepthLabels) {
   Labels labels{};
   AddDepthLabels(LayOutPanel(0, 900, 540, 96), 10'000, labels);
   ExpectPlaces(labels, {{2, 108}, {2, 208}, {2, 308}});
-  EXPECT_EQ(labels.labels[0].height_px, 10);
-  EXPECT_EQ(labels.labels[0].colour, 0xFFFA9Du);
 }
 
 TEST(Layout, TimeLabelsRunFromRightToLeft) {
@@ -98,7 +96,53 @@ TEST(Layout, FrequencyLabel) {
   AddFrequencyLabel(layout, 1'200'000, labels);
   EXPECT_EQ(TextsOf(labels), (Texts{L" 447 kHz", L"1200 kHz"}));
   ExpectPlaces(labels, {{800, 0}});
-  EXPECT_EQ(labels.labels[0].height_px, 14);
+}
+
+// One label of each kind, at the resolution of the figures and at twice that.
+TEST(Layout, SizesAndColoursOfLabels) {
+  const struct {
+    const char* what;
+    void (*add)(const PanelLayout& layout, Labels& labels);
+    Numbers place, placeOnFineScreen;
+    int32_t height;
+    Pixel colour;
+  } rows[] = {
+      {"depth",
+       [](const PanelLayout& layout, Labels& labels) { AddDepthLabels(layout, 10'000, labels); },
+       {2, 108},
+       {4, 216},
+       10,
+       0xFFFA9D},
+      {"time",
+       [](const PanelLayout& layout, Labels& labels) { AddTimeLabels(layout, 15, labels); },
+       {1'010, 0},
+       {1'920, 0},
+       12,
+       0xFFFA9D},
+      {"colour bar", AddColourBarLabels, {1'110, 506}, {2'120, 1'012}, 12, 0xFFFA9D},
+      {"frequency",
+       [](const PanelLayout& layout, Labels& labels) { AddFrequencyLabel(layout, 1, labels); },
+       {1'050, 0},
+       {2'000, 0},
+       14,
+       0xFFFFFF},
+      {"status",
+       [](const PanelLayout& layout, Labels& labels) { labels.labels[0] = StatusLabel(layout, L""); },
+       {30, 520},
+       {60, 1'040},
+       13,
+       0xFFFFFF},
+  };
+  for (const auto& row : rows) {
+    for (const bool fine : {false, true}) {
+      SCOPED_TRACE(std::string(row.what) + (fine ? ", 192 dots per inch" : ""));
+      Labels labels{};
+      row.add(fine ? LayOutPanel(0, 2'200, 1'080, 192) : LayOutPanel(0, 1'150, 540, 96), labels);
+      EXPECT_EQ(PlaceOf(labels.labels[0].at), fine ? row.placeOnFineScreen : row.place);
+      EXPECT_EQ(labels.labels[0].height_px, fine ? 2 * row.height : row.height);
+      EXPECT_EQ(labels.labels[0].colour, row.colour);
+    }
+  }
 }
 
 TEST(Layout, GridLines) {
@@ -135,7 +179,11 @@ TEST(Layout, ScalesWithTheScreensResolution) {
   EXPECT_EQ(ScalePixels(10, 120), 13);  // 12.5
   EXPECT_EQ(ScalePixels(-10, 120), -13);
   EXPECT_EQ(ScalePixels(30, 0), 30);
-  EXPECT_EQ(LayOutPanel(0, 1'800, 1'000, 192).image.left, 60);
+  const PanelLayout fine = LayOutPanel(0, 1'588, 1'428, 192);  // twice the small window's
+  EXPECT_EQ(EdgesOf(fine.image), (Numbers{60, 40, 1'348, 1'388}));
+  EXPECT_EQ(EdgesOf(fine.colourBar), (Numbers{1'488, 40, 1'508, 1'388}));
+  EXPECT_EQ(EdgesOf(fine.profile), (Numbers{1'358, 40, 1'478, 1'388}));
+  EXPECT_EQ(LayOutGrid(fine).count, 5u - 1 + 9) << "ten depth divisions above 1,400 rows";
 }
 
 }  // namespace

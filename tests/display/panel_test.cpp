@@ -72,6 +72,21 @@ TEST_F(Panel, SingleViewFollowsTheFrequencyInUse) {
   }
 }
 
+TEST_F(Panel, ChoicesThatWaitForApplyAreNotShown) {
+  globals.deviceFamily = 1;
+  state_->appliedSettings = state_->settings;
+  state_->settings.soundSpeed_mps = 1'400.0f;
+  state_->settings.thresholdHigh_percent = 99;
+  state_->settings.frequencyInUse_hz = 200'000;
+  for (const bool runs : {true, false}) {
+    state_->devicePort = runs ? Handle{4} : Handle::invalid;
+    const PanelSource source = DescribePanel(*state_, PanelPlace::single);
+    EXPECT_EQ(source.scale.soundSpeed_mps, runs ? 1'500.0f : 1'400.0f);
+    EXPECT_EQ(source.threshold_percent, runs ? 30 : 10);
+    EXPECT_EQ(source.frequency_hz, runs ? 447'000 : 200'000);
+  }
+}
+
 // Live the two channels share the ping rate, so each has pings for half the time.
 TEST_F(Panel, DualPanelsShareThePingRateWhenLive) {
   const struct {
@@ -86,6 +101,7 @@ TEST_F(Panel, DualPanelsShareThePingRateWhenLive) {
       {"live", Handle::invalid, Handle::invalid, 75, 30, 447'000, 200'000},
       {"a played pair of files", Handle{60}, Handle{64}, 150, 60, 430'000, 180'000},
       {"a played file of both channels", Handle{60}, Handle::invalid, 150, 60, 430'000, 180'000},
+      {"the second file of a pair alone", Handle::invalid, Handle{64}, 75, 60, 447'000, 180'000},
   };
   globals.playedFrequencyA_hz = 430'000;
   globals.playedFrequencyB_hz = 180'000;

@@ -2,10 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
+#include <cmath>
 #include <memory>
 #include <new>
 #include <numbers>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -128,7 +131,7 @@ TEST_F(GpsWorkerTest, KeepsTheFixAndWhatIsDerivedFromIt) {
     EXPECT_GE(globals.gpsTime_s, 1'600'000'009u);
     EXPECT_EQ(globals.gpsQuality, 2);
     EXPECT_EQ(globals.gpsFixType, 3);
-    EXPECT_GT(globals.gpsPdop, 0.5f);
+    EXPECT_NEAR(globals.gpsPdop, 1.5811f, 1e-4f) << "the root of 0.9 and 1.3 squared";
     const auto& sent = gps_->Counts();
     EXPECT_EQ(globals.gpsUpdates, sent.gga + sent.gsa + sent.gsv + sent.rmc + sent.vtg);
   }
@@ -265,15 +268,29 @@ TEST_F(GpsWorkerTest, PositionStatusTextsStayWholeForAWhile) {
   }
 }
 
-// For the race detector: a worker and those who read what it derives.
+// Besides for the race detector: whoever reads finds the latitude and the longitude of one place.
 TEST_F(GpsRace, ReadersUnderTheLockSeeWholeValues) {
-  Start({.baud = 115'200, .epochsPerSecond = 10, .startTime_s = 1'600'000'000});
-  for (int i = 0; i < 200; ++i) {
+  Start({.baud = 115'200, .epochsPerSecond = 10, .course_deg = 45, .speed_kn = 100});
+  std::set<std::pair<float, float>> places;
+  while (LoadShared(globals.gpsUpdates) < 30) {
     FormatPositionStatus(*state_);
-    static_cast<void>(LoadShared(globals.gpsUpdates));
+    const Locked held(state_->gpsLock);
+    if (globals.fix.presence != 0) places.emplace(globals.gpsLatitude_rad, globals.gpsLongitude_rad);
     SleepMilliseconds(1);
   }
   Stop();
+  EXPECT_GE(places.size(), 3u);
+  for (const auto& [latitude_rad, longitude_rad] : places) {
+    const auto isThere = [&](const sim::SentEpoch& epoch) {
+      constexpr double kRadians = std::numbers::pi / 180;
+      return std::abs(latitude_rad - epoch.latitude_deg * kRadians) < 2e-7 &&
+             std::abs(longitude_rad - epoch.longitude_deg * kRadians) < 2e-7;
+    };
+    const auto& epochs = gps_->Epochs().Entries();
+    EXPECT_TRUE(std::any_of(epochs.begin(), epochs.end(), isThere)) << latitude_rad << ' ' << longitude_rad;
+  }
+  for (const auto& [part, text] : posts)
+    EXPECT_TRUE(std::wstring_view(text).starts_with(L"Position(")) << text;
 }
 
 }  // namespace

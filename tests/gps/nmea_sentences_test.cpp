@@ -29,6 +29,13 @@ TEST_F(NmeaSentences, GgaFillsPositionAndQuality) {
   EXPECT_EQ(fix_.differentialAge_s, 0);
   EXPECT_EQ(fix_.differentialStation, 0);
   EXPECT_EQ(fix_.presence, kHasGga);
+  EXPECT_EQ(Take(Sentence("GPGGA,123520,3351.1234,S,05812.4321,W,2,08,0.9,-5.4,M,-46.9,M,3.5,0120")), 1);
+  EXPECT_EQ(fix_.latitude, -3351.1234);
+  EXPECT_EQ(fix_.longitude, -5812.4321);
+  EXPECT_EQ(fix_.elevation_m, -5.4);
+  EXPECT_EQ(fix_.geoidHeight_m, -46.9);
+  EXPECT_EQ(fix_.differentialAge_s, 3.5);
+  EXPECT_EQ(fix_.differentialStation, 120);
 }
 
 TEST_F(NmeaSentences, RmcFillsSpeedAndDate) {
@@ -41,6 +48,8 @@ TEST_F(NmeaSentences, RmcFillsSpeedAndDate) {
   EXPECT_EQ(fix_.declination_deg, 20.3);
   EXPECT_EQ(fix_.modeCode, 1);
   EXPECT_EQ(fix_.presence, kHasRmc);
+  EXPECT_EQ(Take(Sentence("GPRMC,225447,A,3351.1234,S,05812.4321,W,5.5,270.0,191194,003.1,W")), 1);
+  EXPECT_EQ(fix_.declination_deg, -3.1);
 }
 
 TEST_F(NmeaSentences, DilutionSatellitesAndCourse) {

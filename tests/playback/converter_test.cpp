@@ -35,6 +35,10 @@ TEST(SegyTrace, FieldsAtTheirBounds) {
       {"the highest ping number", [](PingHeader& ping) { ping.ping = 0xFFFFFFFF; }, 1, -1},
       {"an interval beyond 16 bits, no samples", [](PingHeader&) {}, 115, 32767},
       {"an interval below 1 us", [](PingHeader& ping) { ping.samplingFrequency_hz = 2'000'000; }, 115, 0},
+      {"1 March of a leap year", [](PingHeader& ping) { ping.timeOfWork_s = 951'868'800; }, 157,
+       2000 << 16 | 61},
+      {"of a century that is none", [](PingHeader& ping) { ping.timeOfWork_s = 4'107'542'400; }, 157,
+       2100 << 16 | 60},
       {"the last second of 32 bits, 2106", [](PingHeader& ping) { ping.timeOfWork_s = 0xFFFFFFFF; }, 157,
        2106 << 16 | 38},
   };

@@ -55,6 +55,16 @@ TEST(History, StepsToATime) {
   }
 }
 
+TEST(History, ThePlaceThatIsNotedAgainIsTheLaterOne) {
+  PlaybackHistory history = Filled(3);
+  PlayedPlace again{};
+  again.position = 200;
+  again.recorded_ms = 77;
+  history.Add(again);
+  EXPECT_EQ(history.Size(), 3u);
+  EXPECT_EQ(history.StepBack(0)->recorded_ms, 77);
+}
+
 TEST(History, EmptyHasNoWayBack) {
   PlaybackHistory history = Filled(3);
   history.Clear();

@@ -9,6 +9,7 @@
 #include "playback/time_search.h"
 #include "tests/app/test_files.h"
 #include "tests/app/test_folder.h"
+#include "tests/gps/parser_fixture.h"
 #include "tests/playback/info_text.h"
 
 namespace tw::test {
@@ -87,6 +88,51 @@ TEST_F(Recordings, FromAnyPlaceTheNextWholePingComes) {
   }
 }
 
+TEST_F(Recordings, PositionAndTimeComeFromTheSentencesOrTheConvertedText) {
+  const auto gga = [](int quality) {
+    return Sentence("GPGGA,123519.07,3351.1234,S,05812.4321,W," + std::to_string(quality) +
+                    ",08,2.5,545.4,M,46.9,M,,");
+  };
+  const auto rmc = [](const char* fraction) {
+    return Sentence("GPRMC,123519." + std::string(fraction) +
+                    ",A,3351.1234,S,05812.4321,W,5,84,230394,3.1,W");
+  };
+  const auto converted = [](const char* valid) {
+    return InfoText(1, 4) +
+           "#DeviceID KT\r\n#NSamples 1\r\n#gpsLatitude,radian -0.5908\r\n#gpsLongitude,radian -1.0159\r\n"
+           "#gpsAltitude,m 545.4\r\n#gpsPDOP 2.5\r\n#gpsvalid " +
+           std::string(valid) + "\r\n##DataStart\r\n12\r\n\r\n\r\n";
+  };
+  constexpr int64_t kNone = -1;
+  constexpr int64_t kSecond_ms = 764'426'119'000;  // 1994-03-23 12:35:19
+  const std::string line = InfoText(1, 1) + "Alt : 1.5\r\n";
+  const struct {
+    const char* what;
+    std::string content;
+    bool hasPosition;
+    int64_t time_ms;
+  } rows[] = {
+      {"both", line + gga(1) + rmc("25"), true, kSecond_ms + 250},
+      {"no fix", line + gga(0) + rmc("25"), false, kSecond_ms + 250},
+      {"no date", line + gga(1), true, kNone},
+      {"converted", converted("1"), true, 0},
+      {"converted, no fix", converted("0"), false, 0},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.what);
+    const auto recording = Open(row.content);
+    RecordedPing ping{};
+    ASSERT_TRUE(recording != nullptr && recording->Next(ping));
+    EXPECT_EQ(ping.hasPosition, row.hasPosition);
+    EXPECT_EQ(ping.header.gpsValid, row.hasPosition ? 1u : 0u);
+    EXPECT_NEAR(ping.header.gpsLatitude_rad, -0.5908, 1e-4);
+    EXPECT_NEAR(ping.header.gpsLongitude_rad, -1.0159, 1e-4);
+    EXPECT_EQ(ping.header.gpsAltitude_m, 545.4f);
+    EXPECT_EQ(ping.header.gpsPdop, 2.5f);
+    EXPECT_EQ(ping.hasTime ? ping.time_ms : kNone, row.time_ms);
+  }
+}
+
 TEST_F(Recordings, AnInterruptionEndsNothing) {
   std::string content = InfoText(1, 1) + "Alt : 1.5\r\n" + std::string(2'000'000, '.') + "Alt : 2.5\r\n";
   const auto recording = Open(content);
@@ -101,12 +147,12 @@ TEST_F(Recordings, AnInterruptionEndsNothing) {
   EXPECT_EQ(recording->Skipped(), 2'000'000u);
 }
 
-// Blocks of 10 to 300 samples, the i-th at 1,000 + 7 i seconds.
-std::string TimedBlocks(int count) {
+// Blocks of 10 to 300 samples, the i-th at 1,000 + 7 i seconds; or `alike` blocks share their time.
+std::string TimedBlocks(int count, int alike = 1) {
   std::string content = InfoText(1, 4);
   for (int i = 0; i < count; ++i) {
     const int samples = 10 + i * 37 % 290;
-    content += "#DeviceID KT\r\n#TimeWork " + std::to_string(1'000 + 7 * i) + ".250\r\n#NSamples " +
+    content += "#DeviceID KT\r\n#TimeWork " + std::to_string(1'000 + 7 * (i / alike)) + ".250\r\n#NSamples " +
                std::to_string(samples) + "\r\n#Sampling_Frequency,Hz 25000\r\n#Ping " + std::to_string(i) +
                "\r\n##DataStart\r\n";
     for (int sample = 0; sample < samples; ++sample) content += "100\r\n";
@@ -146,6 +192,37 @@ TEST_F(Recordings, ATimeIsFoundWithFewReads) {
     if (found) {
       EXPECT_EQ(ping.header.ping, static_cast<uint32_t>(row.ping)) << row.what;
     }
+  }
+}
+
+TEST_F(Recordings, OfPingsOfOneTimeTheFirstIsFound) {
+  const auto recording = Open(TimedBlocks(3'000, 500));
+  for (const int place : {1, 3, 5}) {
+    ASSERT_TRUE(SeekToTime(*recording, (1'000 + 7 * place) * 1'000 + 250));
+    RecordedPing ping{};
+    ASSERT_TRUE(recording->Next(ping));
+    EXPECT_LE(ping.header.ping, 500u * static_cast<uint32_t>(place));
+  }
+}
+
+// A receiver tells the time once a second, and the device pings 50 times.
+TEST_F(Recordings, ATimeIsFoundAmongPingsWithoutOne) {
+  std::string content = InfoText(1, 1);
+  for (int second = 0; second < 60; ++second) {
+    char rmc[80];
+    std::snprintf(rmc, sizeof rmc, "GPRMC,1235%02d,A,4807.038,N,01131,E,5,84,230394,3.1,W", second);
+    content += "Alt : " + std::to_string(second) + ".5\r\n" + Sentence(rmc);
+    for (int ping = 1; ping < 50; ++ping) content += "Alt : 77.5\r\n" + std::string(200, '.') + "\r\n";
+  }
+  const auto recording = Open(content);
+  for (const int second : {7, 19, 28, 40, 53}) {
+    ASSERT_TRUE(SeekToTime(*recording, (764'426'100 + second) * int64_t{1'000}));
+    const float altitude_m = static_cast<float>(second) + 0.5f;
+    RecordedPing ping{};
+    int read = 0;
+    while (recording->Next(ping) && ping.header.altitude_m != altitude_m) ++read;
+    EXPECT_EQ(ping.header.altitude_m, altitude_m);
+    EXPECT_LT(read, 400) << "64 kB ahead of it at most";
   }
 }
 

@@ -11,6 +11,7 @@ enum class FaultPoint : uint8_t {
   openLine,       // subject: the line's name, "\\.\COM7"
   readLine,       // subject: the line's name
   writeLine,      // subject: the line's name
+  overrunLine,    // input was lost before BytesWaiting; subject: the line's name
   listLines,      // no subject
   createFile,     // subject of this and the other calls on files: the path
   openFile,       //
@@ -30,7 +31,7 @@ enum class FaultPoint : uint8_t {
   makeEvent,      // no subject
   allocate,       // no subject
 };
-inline constexpr int kFaultPoints = 21;
+inline constexpr int kFaultPoints = 22;
 
 inline constexpr uint64_t kEveryCall = UINT64_MAX;
 

@@ -181,10 +181,10 @@ bool WriteSerialLine(Handle handle, const void* bytes, uint32_t size) {
 }
 
 uint32_t BytesWaiting(Handle handle, uint32_t* overruns) {
-  (void)overruns;  // nothing here loses input
   baton::Poll();
   const std::shared_ptr<Line> line = Lines().Find(handle);
   if (line == nullptr) return 0;
+  if (overruns != nullptr && FaultAt(FaultPoint::overrunLine, line->Name())) ++*overruns;
   const LineAllowance allowed = AllowedOnLine(line->Name(), UINT32_MAX);
   return allowed.hungUp || allowed.silent ? 0 : std::min(line->Waiting(), allowed.bytes);
 }
