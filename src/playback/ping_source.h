@@ -18,7 +18,7 @@ struct RecordedPing {
   int32_t channel;                    // 0: the only or the high frequency, 1: the low one
   bool bothChannels;                  // the low channel's altitude stands in the same line
   float altitudeLow_m;
-  bool hasPosition;
+  bool hasPosition;  // never for 0 N 0 E at a height of 0: so a receiver without a fix is told
   double latitude_rad;  // as exact as the recording tells them; 0 without a position
   double longitude_rad;
   bool hasTime;  // the recording tells when the ping was

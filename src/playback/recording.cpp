@@ -93,6 +93,12 @@ const FormRow* FindForm(StreamForm form) {
   return nullptr;
 }
 
+// kept: the digits behind the point are a number of their own, so ".5" is 5 hundredths. Receivers that send
+// three digits mean milliseconds, which is seen from 100 on.
+int64_t MillisecondsOf(const GpsTime& utc) {
+  return utc.hundredth >= 100 ? utc.hundredth : int64_t{utc.hundredth} * 10;
+}
+
 std::string_view AsText(std::span<const uint8_t> bytes) {
   return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
 }
@@ -249,8 +255,16 @@ class Recording final : public PingSource {
     } else {
       TakeFramePosition(ping);
     }
+    DropZeroPosition(ping);
     TakeTime(ping);
     ping.header = header;
+  }
+
+  void DropZeroPosition(RecordedPing& ping) {
+    PingHeader& header = ping_.header;
+    if (ping.latitude_rad != 0.0 || ping.longitude_rad != 0.0 || header.gpsAltitude_m != 0.0f) return;
+    ping.hasPosition = false;
+    header.gpsValid = 0;
   }
 
   void TakeFramePosition(RecordedPing& ping) const {
@@ -298,7 +312,7 @@ class Recording final : public PingSource {
       ping.time_ms = int64_t{ping_.deviceSeconds} * 1000 + ping_.deviceMilliseconds;
       if (form_.isText) header.timeOfWork_s = ping_.deviceSeconds;
     } else if ((fix_.presence & kHasRmc) != 0) {
-      const int64_t time_ms = int64_t{header.gpsTime_s} * 1000 + int64_t{fix_.utc.hundredth} * 10;
+      const int64_t time_ms = int64_t{header.gpsTime_s} * 1000 + MillisecondsOf(fix_.utc);
       ping.hasTime = time_ms > latest_ms_;
       ping.time_ms = time_ms;
       if (ping.hasTime) latest_ms_ = time_ms;

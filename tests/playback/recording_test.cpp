@@ -133,6 +133,44 @@ TEST_F(Recordings, PositionAndTimeComeFromTheSentencesOrTheConvertedText) {
   }
 }
 
+TEST_F(Recordings, AReceiverWithoutAFixIsNoPosition) {
+  const struct {
+    const char* sentence;
+    bool hasPosition;
+  } rows[] = {
+      {"$GPGGA,123519.00,0000.0000,N,00000.0000,E,1,00,0.0,0.0,M,0.0,M,,*51\r\n", false},
+      {"$GPGGA,123519.00,0000.0000,N,00000.0000,E,1,00,0.0,0.1,M,0.0,M,,*50\r\n", true},
+      {"$GPGGA,123519.00,0000.0001,N,00000.0000,E,1,00,0.0,0.0,M,0.0,M,,*50\r\n", true},
+      {"$GPGGA,123519.00,0000.0000,N,00000.0001,W,1,00,0.0,0.0,M,0.0,M,,*42\r\n", true},
+  };
+  for (const auto& row : rows) {
+    const auto recording = Open(InfoText(1, 1) + "Alt : 1.5\r\n" + row.sentence);
+    RecordedPing ping{};
+    ASSERT_TRUE(recording->Next(ping));
+    EXPECT_EQ(ping.hasPosition, row.hasPosition) << row.sentence;
+    EXPECT_EQ(ping.header.gpsValid, row.hasPosition ? 1 : 0) << row.sentence;
+  }
+}
+
+// The digits as they stand: below 100 they are hundredths.
+TEST_F(Recordings, FractionsOfThreeDigitsAreMilliseconds) {
+  const struct {
+    const char* sentence;
+    int64_t time_ms;  // within the minute
+  } rows[] = {
+      {"$GPRMC,123519.20,A,4807.0380,N,01131.0000,E,022.4,084.4,230394,003.1,W,A*2B\r\n", 19'200},
+      {"$GPRMC,123519.99,A,4807.0380,N,01131.0000,E,022.4,084.4,230394,003.1,W,A*29\r\n", 19'990},
+      {"$GPRMC,123519.100,A,4807.0380,N,01131.0000,E,022.4,084.4,230394,003.1,W,A*18\r\n", 19'100},
+      {"$GPRMC,123519.800,A,4807.0380,N,01131.0000,E,022.4,084.4,230394,003.1,W,A*11\r\n", 19'800},
+  };
+  for (const auto& row : rows) {
+    const auto recording = Open(InfoText(1, 1) + "Alt : 1.5\r\n" + row.sentence);
+    RecordedPing ping{};
+    ASSERT_TRUE(recording->Next(ping) && ping.hasTime) << row.sentence;
+    EXPECT_EQ(ping.time_ms % 60'000, row.time_ms) << row.sentence;
+  }
+}
+
 TEST_F(Recordings, AnInterruptionEndsNothing) {
   std::string content = InfoText(1, 1) + "Alt : 1.5\r\n" + std::string(2'000'000, '.') + "Alt : 2.5\r\n";
   const auto recording = Open(content);
