@@ -242,14 +242,13 @@ ParsedEchoText ParseEchoTextHeader(EchoTextKeys keys, std::string_view block, in
   const size_t data = block.find(kDataStart);
   const std::string_view text = block.substr(0, data);
   ParsedEchoText parsed{};
-  bool hasSampling = false;
   for (const KeyRow& row : RowsOf(keys)) {
     const size_t at = text.find(row.key);
     if (at == text.npos || !ReadValue(row.value, text.substr(at + row.key.size()), header)) continue;
-    hasSampling = hasSampling || row.value == Value::samplingFrequency;
+    parsed.hasSampling = parsed.hasSampling || row.value == Value::samplingFrequency;
     parsed.hasTxFrequency = parsed.hasTxFrequency || row.value == Value::txFrequency;
   }
-  if (!hasSampling) header.samplingFrequency_hz = configuredSampling_hz;
+  if (!parsed.hasSampling) header.samplingFrequency_hz = configuredSampling_hz;
   if (!parsed.hasTxFrequency) header.txFrequency_hz = configuredTx_hz;
   if (data != block.npos) parsed.dataLines = block.substr(data + kDataStart.size());
   return parsed;

@@ -51,7 +51,8 @@ struct EchoTextHeader {
 };
 
 struct ParsedEchoText {
-  bool hasTxFrequency;         // the block itself said so
+  bool hasSampling;            // the block itself said so
+  bool hasTxFrequency;         // likewise
   std::string_view dataLines;  // from the CR LF behind "##DataStart" on; empty when there is none
 };
 

@@ -20,6 +20,7 @@ EchoTextHeader PreviousValues(const LivePing& ping) {
   EchoTextHeader values{};
   values.deviceSeconds = ping.deviceSeconds;
   values.deviceMilliseconds = ping.deviceMilliseconds;
+  values.resolution_mm = ping.resolution_mm;
   values.sampleCount = static_cast<int32_t>(header.sampleCount);
   values.samplingFrequency_hz = static_cast<int32_t>(header.samplingFrequency_hz);
   values.altitude_m = header.altitude_m;
@@ -53,6 +54,8 @@ bool ParseBlock(std::string_view block, const LiveContext& context, LivePing& pi
   ping.hasDeviceTime = true;
   ping.deviceSeconds = values.deviceSeconds;
   ping.deviceMilliseconds = values.deviceMilliseconds;
+  ping.resolution_mm = values.resolution_mm;
+  ping.hasSampling = parsed.hasSampling;
 
   const std::span<uint16_t> samples(ping.buffers[ping.secondChannel ? 1 : 0], ping.header.sampleCount);
   std::fill(samples.begin(), samples.end(), uint16_t{0});

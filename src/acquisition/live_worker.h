@@ -67,6 +67,8 @@ struct LivePing {
   bool hasDeviceTime;           // the block tells the device's own time; playback goes by it
   uint32_t deviceSeconds;       // since 1970
   uint32_t deviceMilliseconds;
+  float resolution_mm;  // of echo text: as the latest block that tells it; 0: none did
+  bool hasSampling;     // the echo text block tells its sampling frequency
   uint16_t buffers[2][kMaxPingSamples];
 };
 

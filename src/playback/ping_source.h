@@ -18,7 +18,7 @@ struct RecordedPing {
   int32_t channel;                    // 0: the only or the high frequency, 1: the low one
   bool bothChannels;                  // the low channel's altitude stands in the same line
   float altitudeLow_m;
-  bool hasPosition;  // never for 0 N 0 E at a height of 0: so a receiver without a fix is told
+  bool hasPosition;     // never for 0 N 0 E at a height of 0: so a receiver without a fix is told
   double latitude_rad;  // as exact as the recording tells them; 0 without a position
   double longitude_rad;
   bool hasTime;  // the recording tells when the ping was
@@ -37,7 +37,8 @@ struct RecordingKind {
   float soundSpeed_mps;  // of the settings that the recording begins with, else 1500
 };
 
-// What a recording does not tell, if it is a text recording of the families 2 and 0.
+// What a recording of echo text does not tell, if neither a block of it nor what a sample covers and the
+// speed of sound do.
 inline constexpr int32_t kUsualSampling_hz = 25'000;
 
 // Asked between two reads of the file, so that garbage without end holds nobody up: once it says true, Next
@@ -72,6 +73,9 @@ class PingSource {
 
   // Pings without a number of their own are counted on from this one.
   virtual void CountFrom(uint32_t number) = 0;
+
+  // True once a ping got the sampling frequency that the caller gave, because the recording tells none.
+  [[nodiscard]] virtual bool IsSamplingAssumed() const = 0;
 
   // Bytes of the recording: behind the last ping, in all, and those that belonged to no ping so far.
   [[nodiscard]] virtual uint64_t Position() const = 0;

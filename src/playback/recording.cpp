@@ -18,6 +18,7 @@
 #include "playback/file_source.h"
 #include "playback/ping_source.h"
 #include "playback/text_position.h"
+#include "playback/text_sampling.h"
 
 namespace tw {
 namespace {
@@ -116,6 +117,7 @@ class Recording final : public PingSource {
       : file_(file),
         owned_(owned),
         form_(form),
+        told_(told),
         kind_{form.name,
               told.family,
               told.outputMode,
@@ -150,6 +152,7 @@ class Recording final : public PingSource {
   }
 
   [[nodiscard]] const RecordingKind& Kind() const override { return kind_; }
+  [[nodiscard]] bool IsSamplingAssumed() const override { return samplingAssumed_; }
 
   [[nodiscard]] bool Next(RecordedPing& ping) override {
     interrupted_ = false;
@@ -195,6 +198,7 @@ class Recording final : public PingSource {
   [[nodiscard]] bool Rewind() {
     skipped_ = 0;
     nextNumber_ = 1;
+    samplingAssumed_ = false;
     if (!Seek(0)) return false;
     behind_ = infoSize_;
     return true;
@@ -239,8 +243,20 @@ class Recording final : public PingSource {
     return reader_ != nullptr;
   }
 
+  [[nodiscard]] bool IsEchoText() const { return form_.hasSamples && form_.isText; }
+
+  // A block that tells no sampling frequency has got the caller's.
+  void InferSampling() {
+    if (ping_.hasSampling) return;
+    const float soundSpeed_mps = told_.info ? told_.info->soundSpeed_mps : 0.0f;
+    const int32_t sampling_hz = SamplingOfResolution(soundSpeed_mps, ping_.resolution_mm);
+    samplingAssumed_ = samplingAssumed_ || sampling_hz == 0;
+    if (sampling_hz != 0) ping_.header.samplingFrequency_hz = static_cast<uint32_t>(sampling_hz);
+  }
+
   void Describe(uint64_t begin, RecordedPing& ping) {
     PingHeader& header = ping_.header;
+    if (IsEchoText()) InferSampling();
     if (form_.mode->echo == EchoSource::pulse) header.ping = nextNumber_++;
     if (form_.isText) header.range_m = range_m_;
     ping = RecordedPing{};
@@ -323,6 +339,7 @@ class Recording final : public PingSource {
   Handle file_;
   bool owned_;
   const FormRow& form_;
+  Detected told_;
   RecordingKind kind_;
   LiveContext context_;
   float range_m_;
@@ -341,6 +358,7 @@ class Recording final : public PingSource {
   uint64_t reach_ = UINT64_MAX;
   Interruption interruption_{};
   bool interrupted_ = false;
+  bool samplingAssumed_ = false;
 };
 
 std::unique_ptr<PingSource> Make(Handle file, bool owned, RecordingFault& fault, int32_t sampling_hz) {

@@ -84,6 +84,27 @@ TEST_F(Work, WhatARecordingDoesNotTellIsLeftOut) {
   }
 }
 
+TEST_F(Work, AnAssumedSamplingFrequencyIsWarnedOf) {
+  const std::string block =
+      "#DeviceID 42\r\n#NSamples 1\r\n#Resolution,mm 30.0\r\n##DataStart\r\n7\r\n\r\n\r\n";
+  const fs::path recording = folder_ / "text.log";
+  const struct {
+    std::string content;
+    Task task;
+    bool warned;
+  } rows[] = {{InfoText(2, 2) + block, Task::segy, false},
+              {block, Task::segy, true},
+              {block, Task::info, true},
+              {block, Task::csv, false}};
+  for (const auto& row : rows) {
+    WriteWhole(recording, row.content);
+    const Result result = Do(row.task, recording);
+    EXPECT_TRUE(result.done) << result.text;
+    EXPECT_EQ(result.warning.ends_with("tells no sampling frequency, 25000 Hz is assumed"), row.warned);
+    outputs_.clear();
+  }
+}
+
 // The text of a binary recording holds the same pings.
 TEST_F(Work, TextTellsTheSameAsTheBinaryItWasMadeOf) {
   const Result binary = Do(Task::info, kGolden / "three_pings.log");

@@ -33,11 +33,11 @@ struct Sample {
 
 class Recordings : public testing::Test {
  protected:
-  std::unique_ptr<PingSource> Open(const std::string& content) {
+  std::unique_ptr<PingSource> Open(const std::string& content, int32_t sampling_hz = kUsualSampling_hz) {
     const auto path = folder_.Path() / "recording.log";
     WriteWhole(path, content);
     RecordingFault fault{};
-    auto recording = OpenRecording(path.wstring().c_str(), fault);
+    auto recording = OpenRecording(path.wstring().c_str(), fault, sampling_hz);
     EXPECT_NE(recording, nullptr);
     return recording;
   }
@@ -130,6 +130,45 @@ TEST_F(Recordings, PositionAndTimeComeFromTheSentencesOrTheConvertedText) {
     EXPECT_EQ(ping.header.gpsAltitude_m, 545.4f);
     EXPECT_EQ(ping.header.gpsPdop, 2.5f);
     EXPECT_EQ(ping.hasTime ? ping.time_ms : kNone, row.time_ms);
+  }
+}
+
+// A block of the second family; `lines` come in front of its samples.
+std::string SecondBlock(const std::string& lines) {
+  return "#DeviceID 42\r\n#NSamples 2\r\n#Altitude,m 3.5\r\n" + lines + "##DataStart\r\n12\r\n13\r\n\r\n\r\n";
+}
+
+// How a recording is read that tells it in part, with 20,000 Hz for what it does not tell.
+TEST_F(Recordings, SamplingComesFromTheFileWhereItCan) {
+  const std::string covers = SecondBlock("#Resolution,mm 15.0\r\n");
+  const std::string mute = SecondBlock("");
+  const struct {
+    const char* what;
+    std::string content;
+    std::vector<uint32_t> sampling_hz;
+    bool assumed;
+  } rows[] = {
+      {"speed and resolution", InfoText(2, 2, "1490.5") + covers, {50'000}, false},
+      {"no speed", covers, {20'000}, true},
+      {"no resolution", InfoText(2, 2) + mute, {20'000}, true},
+      {"lost in one block", InfoText(2, 2) + covers + mute, {50'000, 50'000}, false},
+      {"another one later",
+       InfoText(2, 2) + covers + SecondBlock("#Resolution,mm 7.5f\r\n"),
+       {50'000, 100'000},
+       false},
+      {"none at first", InfoText(0, 2) + mute + covers, {20'000, 50'000}, true},
+      {"the first family tells it",
+       InfoText(1, 4) + "#DeviceID a\r\n#Sampling_Frequency,Hz 25000\r\n\r\n\r\n",
+       {25'000},
+       false},
+      {"or has lost it", InfoText(1, 4) + "#DeviceID a\r\n\r\n\r\n", {20'000}, true},
+  };
+  for (const auto& row : rows) {
+    const auto recording = Open(row.content, 20'000);
+    std::vector<uint32_t> read;
+    for (RecordedPing ping{}; recording->Next(ping);) read.push_back(ping.header.samplingFrequency_hz);
+    EXPECT_EQ(read, row.sampling_hz) << row.what;
+    EXPECT_EQ(recording->IsSamplingAssumed(), row.assumed) << row.what;
   }
 }
 

@@ -41,6 +41,7 @@ int Run(const std::vector<std::string>& arguments) {
   Outputs outputs;
   for (const std::string& file : options.files) {
     const Result result = WorkOn(file, options, interrupted, outputs);
+    if (!result.warning.empty()) std::fprintf(stderr, "echotool: warning: %s\n", result.warning.c_str());
     if (result.done) {
       failed = std::fputs(result.text.c_str(), stdout) < 0 || failed;
     } else {

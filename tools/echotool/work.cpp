@@ -175,6 +175,11 @@ std::unique_ptr<PingWriter> MakeWriter(const Job& job, const RecordingKind& kind
   return nullptr;
 }
 
+std::string WarningOf(const Job& job, const PingSource& recording) {
+  if (!recording.IsSamplingAssumed()) return "";
+  return job.file + ": tells no sampling frequency, " + std::to_string(kUsualSampling_hz) + " Hz is assumed";
+}
+
 Result Inform(const Job& job) {
   std::string error;
   const auto recording = Open(job.file, error);
@@ -186,7 +191,7 @@ Result Inform(const Job& job) {
   });
   if (!whole) return {false, job.file + ": interrupted"};
   if (recording->Failed()) return {false, job.file + ": " + FaultText(RecordingFault::unread)};
-  return {true, job.file + "\n" + summary.Text(*recording)};
+  return {true, job.file + "\n" + summary.Text(*recording), WarningOf(job, *recording)};
 }
 
 Result Write(const Job& job) {
@@ -216,7 +221,7 @@ Result Write(const Job& job) {
   if (recording->Failed()) return failed(FaultText(RecordingFault::unread));
   if (!written || !writer->End() || !file.Complete()) return failed(Narrow(path) + " cannot be written");
   job.outputs.push_back(FullPath(path));
-  return {true, ""};
+  return {true, "", job.options.task == Task::segy ? WarningOf(job, *recording) : ""};
 }
 
 }  // namespace

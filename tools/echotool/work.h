@@ -11,7 +11,8 @@ namespace tw::echotool {
 
 struct Result {
   bool done = false;
-  std::string text;  // for the user: a report, or what went wrong
+  std::string text;          // for the user: a report, or what went wrong
+  std::string warning = {};  // what was done all the same
 };
 
 // The outputs made so far, by their full paths: none replaces another, nor the recording that it is made of.
