@@ -254,6 +254,14 @@ ParsedEchoText ParseEchoTextHeader(EchoTextKeys keys, std::string_view block, in
   return parsed;
 }
 
+EchoTextKeys KeysOfBlock(std::string_view block, EchoTextKeys otherwise) {
+  const std::string_view text = block.substr(0, block.find(kDataStart));
+  const auto holds = [&](std::string_view key) { return text.find(key) != text.npos; };
+  if (holds("#Altitude,m ") || holds("#Resolution,mm ")) return EchoTextKeys::otherFamilies;
+  if (holds("#Altitude ") || holds("#Sampling_Frequency,Hz ")) return EchoTextKeys::firstFamily;
+  return otherwise;
+}
+
 size_t ReadSampleLines(std::string_view dataLines, std::span<uint16_t> samples) {
   const size_t first = dataLines.find(kLineEnd);
   if (first == dataLines.npos) return 0;

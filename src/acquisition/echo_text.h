@@ -60,6 +60,9 @@ struct ParsedEchoText {
 ParsedEchoText ParseEchoTextHeader(EchoTextKeys keys, std::string_view block, int32_t configuredSampling_hz,
                                    int32_t configuredTx_hz, EchoTextHeader& header);
 
+// Whose keys a block has, told by those that one side alone knows; `otherwise` when it has none of them.
+[[nodiscard]] EchoTextKeys KeysOfBlock(std::string_view block, EchoTextKeys otherwise);
+
 // Reads up to `samples.size()` sample lines; returns how many lines it took. A line that holds no number from
 // 0 to 65,535 (an empty one too) counts and leaves its sample as it was, so that one damaged line does not
 // shift the others.

@@ -46,6 +46,7 @@ void TakeValues(const EchoTextHeader& values, PingHeader& header) {
 template <EchoTextKeys keys>
 bool ParseBlock(std::string_view block, const LiveContext& context, LivePing& ping) {
   EchoTextHeader values = PreviousValues(ping);
+  values.outputMode = context.outputMode;
   const ParsedEchoText parsed =
       ParseEchoTextHeader(keys, block, context.configuredSampling_hz, context.configuredTx_hz, values);
   if (context.dual && !parsed.hasTxFrequency) return false;
@@ -54,6 +55,7 @@ bool ParseBlock(std::string_view block, const LiveContext& context, LivePing& pi
   ping.hasDeviceTime = true;
   ping.deviceSeconds = values.deviceSeconds;
   ping.deviceMilliseconds = values.deviceMilliseconds;
+  ping.outputMode = values.outputMode;
   ping.resolution_mm = values.resolution_mm;
   ping.hasSampling = parsed.hasSampling;
 
@@ -61,7 +63,8 @@ bool ParseBlock(std::string_view block, const LiveContext& context, LivePing& pi
   std::fill(samples.begin(), samples.end(), uint16_t{0});
   static_cast<void>(ReadSampleLines(parsed.dataLines, samples));
   ping.samples = samples;
-  ping.factor = context.outputMode == kTenBitMode ? kTenBitFactor : 1;
+  const int32_t outputMode = context.blocksTellMode ? values.outputMode : context.outputMode;
+  ping.factor = outputMode == kTenBitMode ? kTenBitFactor : 1;
   return true;
 }
 

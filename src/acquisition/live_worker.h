@@ -39,6 +39,7 @@ struct LiveContext {
   int32_t lowFrequency_hz;
   int32_t virtualLowFrequency_hz;
   int32_t highFrequency_hz;
+  bool blocksTellMode = false;  // the output mode that an echo text block tells goes before outputMode
 
   // Which channel of a dual run a ping belongs to.
   [[nodiscard]] bool IsSecondChannel(int32_t tx_hz) const {
@@ -67,6 +68,7 @@ struct LivePing {
   bool hasDeviceTime;           // the block tells the device's own time; playback goes by it
   uint32_t deviceSeconds;       // since 1970
   uint32_t deviceMilliseconds;
+  int32_t outputMode;   // of echo text: as the block tells it
   float resolution_mm;  // of echo text: as the latest block that tells it; 0: none did
   bool hasSampling;     // the echo text block tells its sampling frequency
   uint16_t buffers[2][kMaxPingSamples];

@@ -69,12 +69,13 @@ bool Open(AppState& state, const std::wstring& path, WriteSharing sharing, Candi
   return true;
 }
 
-// True when a ping can be read of it; the file stands at its start again.
+// True when a ping can be read of it, which settles what the file is; it stands at its start again.
 bool HoldsPing(const AppState& state, Candidate& candidate) {
   RecordingFault fault = RecordingFault::none;
   const auto recording = MakeRecording(candidate.file, fault, state.settings.samplingFrequency_hz);
   RecordedPing first{};
   if (recording == nullptr || !recording->Next(first)) return false;
+  candidate.told = recording->Told();
   candidate.range_m = first.header.range_m;
   return SeekFile(candidate.file, 0);
 }
@@ -216,7 +217,7 @@ void Convert(AppState& state, Conversion conversion) {
   Candidate input;
   // Nobody may write it meanwhile, and so the output can never be the input.
   if (!Open(state, paths[0], WriteSharing::denied, input)) return;
-  if (!CanConvert(input, conversion) || !HoldsPing(state, input))
+  if (!HoldsPing(state, input) || !CanConvert(input, conversion))
     return Refuse(state, L"Cannot convert this file(s)");
 
   wchar_t name[kRecordNameSize];

@@ -13,6 +13,7 @@ namespace {
 constexpr int kRetries = 5;
 constexpr uint32_t kPause_ms = 50;
 constexpr std::string_view kInfoMark = "INFO:";
+constexpr int32_t kUsualTextMode = 4;  // of echo text that tells none
 
 std::string_view AsText(std::span<const uint8_t> bytes) {
   return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
@@ -128,23 +129,78 @@ std::optional<Detected> DetectByInfo(std::string_view text) {
   InfoLine second{};
   std::optional<InfoLine> low;
   if (lines.count > 1 && ParseInfoLine(text.substr(lines.second), second)) low = second;
-  return Detected{FormOfMode(family, known), family, known, low ? 2 : 1, info, low, lines.size};
+  return Detected{FormOfMode(family, known), family, known, low ? 2 : 1, info, low, lines.size, true};
+}
+
+Detected ByMark(StreamForm form, int32_t family, int32_t outputMode) {
+  const int32_t channels = form == StreamForm::deso || form == StreamForm::dual ? 2 : 1;
+  return {form, family, outputMode, channels, std::nullopt, std::nullopt, 0, false};
+}
+
+// Gives each kind that the text's marks stand for to `take`, in their order, until it returns true.
+template <typename Take>
+void ForEachMark(std::string_view text, Take take) {
+  if (Holds(text, "Parameters")) {
+    for (const ParameterMark& each : kParameterMarks) {
+      if (Holds(text, each.mark) && take(ByMark(FormOfMode(2, each.outputMode), 2, each.outputMode))) return;
+    }
+    return;
+  }
+  for (const FormMark& each : kFormMarks) {
+    const bool found = each.atStart ? text.starts_with(each.mark) : Holds(text, each.mark);
+    if (found && take(ByMark(each.form, each.family, each.outputMode))) return;
+  }
 }
 
 std::optional<Detected> DetectByMark(std::string_view text) {
-  if (Holds(text, "Parameters")) {
-    for (const ParameterMark& each : kParameterMarks) {
-      if (!Holds(text, each.mark)) continue;
-      return Detected{FormOfMode(2, each.outputMode), 2, each.outputMode, 1, std::nullopt, std::nullopt, 0};
-    }
-    return std::nullopt;
+  std::optional<Detected> first;
+  ForEachMark(text, [&](const Detected& way) {
+    first = way;
+    return true;
+  });
+  return first;
+}
+
+void Add(Candidates& candidates, const Detected& way) {
+  const auto end = candidates.ways.begin() + static_cast<ptrdiff_t>(candidates.count);
+  const bool isKnown =
+      std::any_of(candidates.ways.begin(), end, [&](const Detected& each) { return each.form == way.form; });
+  if (!isKnown) candidates.ways[candidates.count++] = way;
+}
+
+constexpr StreamForm kBinaryForms[] = {StreamForm::frames, StreamForm::dualFrames, StreamForm::deviceBlocks};
+
+void AddByInfo(Candidates& candidates, Detected way) {
+  Add(candidates, way);
+  if (!IsBinary(way)) return;
+  for (const StreamForm form : kBinaryForms) {
+    way.form = form;
+    Add(candidates, way);
   }
-  for (const FormMark& each : kFormMarks) {
-    if (each.atStart ? !text.starts_with(each.mark) : !Holds(text, each.mark)) continue;
-    const int32_t channels = each.form == StreamForm::deso || each.form == StreamForm::dual ? 2 : 1;
-    return Detected{each.form, each.family, each.outputMode, channels, std::nullopt, std::nullopt, 0};
+}
+
+// A way told by a mark behind an INFO line: the line still tells the channels' settings.
+Detected Behind(const std::optional<Detected>& info, Detected way) {
+  if (!info) return way;
+  way.channels = std::max(way.channels, info->channels);
+  way.info = info->info;
+  way.low = info->low;
+  way.infoSize = info->infoSize;
+  return way;
+}
+
+// The mark of echo text stands for both sides; the other one's family and mode are what is usual there.
+std::optional<Detected> OtherKeys(Detected way) {
+  if (way.form == StreamForm::firstText) {
+    way.form = StreamForm::secondText;
+    way.family = 2;
+    return way;
   }
-  return std::nullopt;
+  if (way.form != StreamForm::secondText) return std::nullopt;
+  way.form = StreamForm::firstText;
+  way.family = 1;
+  way.outputMode = kUsualTextMode;
+  return way;
 }
 
 }  // namespace
@@ -153,6 +209,10 @@ StreamForm FormOfMode(int32_t family, int32_t outputMode) {
   const ModeForm* row = FindMode(family, PlayedMode(outputMode));
   if (row == nullptr) row = FindMode(family, kAltimeterNmea);
   return row->form;
+}
+
+bool HasMode(int32_t family, int32_t outputMode) {
+  return FindMode(family, outputMode) != nullptr;
 }
 
 bool IsBinary(const Detected& recording) {
@@ -169,6 +229,19 @@ std::optional<Detected> DetectRecording(std::span<const uint8_t> start) {
   const std::string_view text = AsText(start.first(std::min(start.size(), kStartSize)));
   const auto told = DetectByInfo(text);
   return told ? told : DetectByMark(text);
+}
+
+Candidates CandidatesOf(std::span<const uint8_t> start) {
+  const std::string_view text = AsText(start.first(std::min(start.size(), kStartSize)));
+  Candidates candidates{};
+  const auto info = DetectByInfo(text);
+  if (info) AddByInfo(candidates, *info);
+  ForEachMark(text.substr(info ? info->infoSize : 0), [&](const Detected& way) {
+    Add(candidates, Behind(info, way));
+    if (const auto other = OtherKeys(way)) Add(candidates, Behind(info, *other));
+    return false;
+  });
+  return candidates;
 }
 
 size_t ReadStart(Handle file, std::span<uint8_t, kStartSize> start) {

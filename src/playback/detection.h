@@ -2,9 +2,11 @@
 //
 // Recordings of this program begin with one INFO line (two when both channels of a dual device stand in the
 // file), whose device kind and output mode decide. Older ones have none; they are told by what they are known
-// to hold, looked for in a fixed order.
+// to hold, looked for in a fixed order. The first thing found is what the start check goes by; which of the
+// others the file is after all turns out when it is read.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -35,7 +37,9 @@ enum class StreamForm : uint8_t {
   psa916,
   altiTemp,
 };
+inline constexpr size_t kStreamForms = 14;
 
+// One way of reading a file.
 struct Detected {
   StreamForm form;
   int32_t family;      // 1, 2 or 0
@@ -44,6 +48,13 @@ struct Detected {
   std::optional<InfoLine> info;
   std::optional<InfoLine> low;  // of a file of both channels: its second line
   size_t infoSize;              // bytes up to and with the last INFO line
+  bool byInfo;                  // the INFO line says so; else echo text itself tells keys and mode
+};
+
+// The ways to try, in this order, until one finds a ping; each form once.
+struct Candidates {
+  std::array<Detected, kStreamForms> ways;
+  size_t count;
 };
 
 // Whether the pings have samples, and whether they are frames instead of text.
@@ -53,9 +64,16 @@ struct Detected {
 // Judges the first bytes of a file, up to kStartSize of them. Nothing: no kind that is known. Pure.
 [[nodiscard]] std::optional<Detected> DetectRecording(std::span<const uint8_t> start);
 
+// The same with all that it can be: what the INFO line says, every binary form where that says one of them,
+// then what each mark stands for; of echo text the form of either side's keys. None: no kind that is known.
+[[nodiscard]] Candidates CandidatesOf(std::span<const uint8_t> start);
+
 // The form of the stream that a family sends in an output mode; a mode that the family does not have counts
 // as 3. Pure.
 [[nodiscard]] StreamForm FormOfMode(int32_t family, int32_t outputMode);
+
+// Whether a family has an output mode, 100 and 101 told as 102. Pure.
+[[nodiscard]] bool HasMode(int32_t family, int32_t outputMode);
 
 // Reads the first bytes of a file, which may still be growing: looks again up to five times, 50 ms apart, as
 // long as they tell nothing. The file's position is its start afterwards. Returns how many bytes there are; 0

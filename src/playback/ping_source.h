@@ -8,6 +8,7 @@
 
 #include "acquisition/ping_record.h"
 #include "platform/handle.h"
+#include "playback/detection.h"
 
 namespace tw {
 
@@ -56,6 +57,9 @@ class PingSource {
   virtual ~PingSource() = default;
 
   [[nodiscard]] virtual const RecordingKind& Kind() const = 0;
+
+  // As what it is read, and the settings lines that it begins with.
+  [[nodiscard]] virtual const Detected& Told() const = 0;
 
   // The next ping; false at the end of the recording, when interrupted, and when it cannot be read any
   // further. Damage is skipped.

@@ -6,6 +6,7 @@
 #include "acquisition/altimeter_worker.h"
 #include "acquisition/device_block.h"
 #include "acquisition/echo_frame.h"
+#include "acquisition/echo_text.h"
 #include "acquisition/echo_text_worker.h"
 #include "acquisition/frame_reader.h"
 #include "acquisition/frame_worker.h"
@@ -87,11 +88,17 @@ constexpr FormRow kForms[] = {
     {StreamForm::altiTemp, "altitude and temperature lines", &kAltiPlusTemp, false, true},
 };
 
-const FormRow* FindForm(StreamForm form) {
-  for (const FormRow& row : kForms) {
-    if (row.form == form) return &row;
+// In the order of the forms.
+constexpr bool IsInOrder() {
+  for (size_t i = 0; i < std::size(kForms); ++i) {
+    if (static_cast<size_t>(kForms[i].form) != i) return false;
   }
-  return nullptr;
+  return std::size(kForms) == kStreamForms;
+}
+static_assert(IsInOrder());
+
+const FormRow& RowOf(StreamForm form) {
+  return kForms[static_cast<size_t>(form)];
 }
 
 // kept: the digits behind the point are a number of their own, so ".5" is 5 hundredths. Receivers that send
@@ -104,6 +111,10 @@ std::string_view AsText(std::span<const uint8_t> bytes) {
   return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
 }
 
+EchoTextKeys KeysOf(StreamForm form) {
+  return form == StreamForm::secondText ? EchoTextKeys::otherFamilies : EchoTextKeys::firstFamily;
+}
+
 // Of a file of both channels; else 0.
 int32_t LowFrequencyOf(const Detected& told) {
   return told.low ? told.low->frequency_hz : 0;
@@ -112,10 +123,8 @@ int32_t LowFrequencyOf(const Detected& told) {
 // A recording read through the same readers and parsers as the live stream that it was.
 class Recording final : public PingSource {
  public:
-  // `owned`: the file is closed with the recording.
-  Recording(Handle file, bool owned, const FormRow& form, const Detected& told, int32_t sampling_hz)
+  Recording(Handle file, const FormRow& form, const Detected& told, int32_t sampling_hz)
       : file_(file),
-        owned_(owned),
         form_(form),
         told_(told),
         kind_{form.name,
@@ -131,11 +140,11 @@ class Recording final : public PingSource {
                  told.info ? told.info->frequency_hz : 0,
                  LowFrequencyOf(told),
                  LowFrequencyOf(told),
-                 told.info ? told.info->frequency_hz : 0},
+                 told.info ? told.info->frequency_hz : 0,
+                 !told.byInfo},
         range_m_(told.info ? static_cast<float>(RangeInMillimetres(told.info->range_mm)) / 1000.0f : 0.0f),
         source_(file),
         size_(source_.Size()),
-        infoSize_(told.infoSize),
         behind_(told.infoSize) {
     ping_.header.pitch_deg = kNoAttitude;  // a stream that sends no attitude shows none
     parser_.talkerGn = false;
@@ -151,7 +160,25 @@ class Recording final : public PingSource {
     return source_.Ready() && MakeParser(parser_, kParserCapacity) && RenewReader();
   }
 
+  // Whether the file can be read as what it was told to be: it holds a ping, and echo text that no settings
+  // line tells of has the keys of this form. Such a file's first block tells the output mode.
+  [[nodiscard]] bool IsAsTold() {
+    RecordedPing first{};
+    reach_ = kFirstPingReach;
+    const bool found = Rewind() && Next(first);
+    reach_ = UINT64_MAX;
+    if (!found || told_.byInfo || !IsEchoText()) return found;
+    if (KeysOfBlock(reader_->Block(), KeysOf(form_.form)) != KeysOf(form_.form)) return false;
+    if (HasMode(told_.family, ping_.outputMode) && FormOfMode(told_.family, ping_.outputMode) == form_.form)
+      kind_.outputMode = context_.outputMode = told_.outputMode = ping_.outputMode;
+    return true;
+  }
+
+  // From here on the file is closed with the recording.
+  void OwnFile() { owned_ = true; }
+
   [[nodiscard]] const RecordingKind& Kind() const override { return kind_; }
+  [[nodiscard]] const Detected& Told() const override { return told_; }
   [[nodiscard]] bool IsSamplingAssumed() const override { return samplingAssumed_; }
 
   [[nodiscard]] bool Next(RecordedPing& ping) override {
@@ -191,16 +218,13 @@ class Recording final : public PingSource {
 
   void SetInterruption(const Interruption& interruption) override { interruption_ = interruption; }
 
-  // From here on pings are looked for only up to this place of the file.
-  void SetReach(uint64_t position) { reach_ = position; }
-
   // Back to the beginning, nothing accounted for.
   [[nodiscard]] bool Rewind() {
     skipped_ = 0;
     nextNumber_ = 1;
     samplingAssumed_ = false;
     if (!Seek(0)) return false;
-    behind_ = infoSize_;
+    behind_ = told_.infoSize;
     return true;
   }
 
@@ -337,7 +361,7 @@ class Recording final : public PingSource {
   }
 
   Handle file_;
-  bool owned_;
+  bool owned_ = false;
   const FormRow& form_;
   Detected told_;
   RecordingKind kind_;
@@ -349,7 +373,6 @@ class Recording final : public PingSource {
   GpsFix fix_{};
   LivePing ping_{};
   uint64_t size_;
-  uint64_t infoSize_;
   uint64_t behind_;  // of all that is accounted for
   uint64_t skipped_ = 0;
   uint32_t nextNumber_ = 1;  // of pings without one of their own
@@ -361,32 +384,30 @@ class Recording final : public PingSource {
   bool samplingAssumed_ = false;
 };
 
-std::unique_ptr<PingSource> Make(Handle file, bool owned, RecordingFault& fault, int32_t sampling_hz) {
-  uint8_t start[kStartSize];
-  const auto told = DetectRecording(std::span<const uint8_t>(start, ReadStart(file, start)));
-  const FormRow* const form = told ? FindForm(told->form) : nullptr;
-  fault = RecordingFault::unknown;
-  if (form == nullptr) {
-    if (owned) CloseFile(file);
-    return nullptr;
-  }
-  std::unique_ptr<Recording> recording(new (std::nothrow) Recording(file, owned, *form, *told, sampling_hz));
+// Null with the fault set when the file cannot be read in this way.
+std::unique_ptr<Recording> TryWay(Handle file, const Detected& way, int32_t sampling_hz,
+                                  RecordingFault& fault) {
+  std::unique_ptr<Recording> recording(new (std::nothrow) Recording(file, RowOf(way.form), way, sampling_hz));
   fault = RecordingFault::noMemory;
-  if (recording == nullptr) {
-    if (owned) CloseFile(file);
-    return nullptr;
-  }
-  if (!recording->Prepare()) return nullptr;
-  RecordedPing first{};
-  recording->SetReach(kFirstPingReach);
-  const bool found = recording->Next(first);
+  if (recording == nullptr || !recording->Prepare()) return nullptr;
+  const bool asTold = recording->IsAsTold();
   fault = recording->Failed() ? RecordingFault::unread : RecordingFault::noPing;
-  if (!found) return nullptr;
-  recording->SetReach(UINT64_MAX);
+  if (!asTold) return nullptr;
   fault = RecordingFault::unread;
   if (!recording->Rewind()) return nullptr;
   fault = RecordingFault::none;
   return recording;
+}
+
+std::unique_ptr<Recording> Make(Handle file, RecordingFault& fault, int32_t sampling_hz) {
+  uint8_t start[kStartSize];
+  const Candidates candidates = CandidatesOf(std::span<const uint8_t>(start, ReadStart(file, start)));
+  fault = RecordingFault::unknown;
+  for (const Detected& way : std::span(candidates.ways).first(candidates.count)) {
+    auto recording = TryWay(file, way, sampling_hz, fault);
+    if (recording != nullptr || fault != RecordingFault::noPing) return recording;
+  }
+  return nullptr;
 }
 
 }  // namespace
@@ -394,11 +415,18 @@ std::unique_ptr<PingSource> Make(Handle file, bool owned, RecordingFault& fault,
 std::unique_ptr<PingSource> OpenRecording(const wchar_t* path, RecordingFault& fault, int32_t sampling_hz) {
   const Handle file = OpenFileForReading(path, WriteSharing::denied);
   fault = RecordingFault::notOpened;
-  return file == Handle::invalid ? nullptr : Make(file, true, fault, sampling_hz);
+  if (file == Handle::invalid) return nullptr;
+  auto recording = Make(file, fault, sampling_hz);
+  if (recording == nullptr) {
+    CloseFile(file);
+  } else {
+    recording->OwnFile();
+  }
+  return recording;
 }
 
 std::unique_ptr<PingSource> MakeRecording(Handle file, RecordingFault& fault, int32_t sampling_hz) {
-  return Make(file, false, fault, sampling_hz);
+  return Make(file, fault, sampling_hz);
 }
 
 }  // namespace tw

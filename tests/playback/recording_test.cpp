@@ -172,6 +172,56 @@ TEST_F(Recordings, SamplingComesFromTheFileWhereItCan) {
   }
 }
 
+// The first way that finds a ping is taken, whatever stands at the front.
+TEST_F(Recordings, EachWayIsTriedInItsTurn) {
+  using enum StreamForm;
+  const std::string frame = [](std::string magic) {
+    return magic + std::string("\x58\0\0\0", 4) + std::string(80, '\0');
+  }("DUAL");
+  const std::string block = "TIDEWRITEC" + std::string("\x3E\0\0\0", 4) + std::string(48, '\0');
+  const std::string first = "#DeviceID a\r\n#NSamples 1\r\n#Altitude 3.5\r\n";
+  const std::string data = "##DataStart\r\n12\r\n\r\n\r\n";
+  const struct {
+    const char* what;
+    std::string content;
+    StreamForm form;
+    int32_t family;
+    int32_t mode;
+    float altitude_m;
+    uint16_t factor;
+  } rows[] = {
+      {"frames of one channel behind an INFO line", InfoText(1, 100) + frame, dualFrames, 1, 102, 0.0f, 1},
+      {"device blocks behind one", InfoText(2, 101) + block, deviceBlocks, 2, 102, 0.0f, 1},
+      {"lines where the INFO line tells NMEA", InfoText(1, 3) + "Alt : 3.5\r\n", simple, 1, 1, 3.5f, 0},
+      {"Sonarmite OLD, whose mark holds that of mode 1",
+       "#---Parameters---\r\n#OutputMode    10\r\n1 3.5 0 0 0 12.1 0 0\r\n", old, 2, 10, 3.5f, 0},
+      {"a device that is named as frames are", "#DeviceID TR57\r\n" + first.substr(13) + data, firstText, 1,
+       4, 3.5f, 1},
+      {"ten bits", first + "#OutputMode 2\r\n" + data, firstText, 1, 2, 3.5f, 4},
+      {"twelve", first + "#OutputMode 4\r\n" + data, firstText, 1, 4, 3.5f, 1},
+      {"a mode that is no text", first + "#OutputMode 9\r\n" + data, firstText, 1, 4, 3.5f, 1},
+      {"an INFO line goes before the block", InfoText(1, 4) + first + "#OutputMode 2\r\n" + data, firstText,
+       1, 4, 3.5f, 1},
+      {"keys of the second family", SecondBlock("#OutputMode 5\r\n"), secondText, 2, 5, 3.5f, 1},
+      {"the same in ten bits", SecondBlock("#OutputMode 2\r\n"), secondText, 2, 2, 3.5f, 4},
+      {"its mark, but keys of the first", "#-Parameters-\r\n#OutputMode    5\r\n" + first + data, firstText,
+       1, 4, 3.5f, 1},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.what);
+    const auto recording = Open(row.content);
+    ASSERT_NE(recording, nullptr);
+    EXPECT_EQ(recording->Told().form, row.form);
+    EXPECT_EQ(recording->Kind().family, row.family);
+    EXPECT_EQ(recording->Kind().outputMode, row.mode);
+    RecordedPing ping{};
+    ASSERT_TRUE(recording->Next(ping));
+    EXPECT_EQ(ping.header.altitude_m, row.altitude_m);
+    EXPECT_EQ(ping.factor, row.factor);
+    EXPECT_FALSE(recording->Next(ping));
+  }
+}
+
 TEST_F(Recordings, AReceiverWithoutAFixIsNoPosition) {
   const struct {
     const char* sentence;
