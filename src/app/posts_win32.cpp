@@ -2,8 +2,6 @@
 // Needs the types of the line above.
 #include <commctrl.h>
 
-#include <new>
-
 #include "app/posts.h"
 #include "app/window_handles_win32.h"
 
@@ -13,9 +11,8 @@ namespace {
 
 void PostCopy(HWND receiver, const ProgressBlock& progress) {
   if (receiver == nullptr) return;
-  auto* const copy = new (std::nothrow) ProgressBlock(progress);
-  if (copy == nullptr) return;
-  if (PostMessageW(receiver, WM_USER, reinterpret_cast<WPARAM>(copy), 0) == FALSE) delete copy;
+  const uintptr_t copy = SendProgress(progress);
+  if (copy != 0 && PostMessageW(receiver, WM_USER, copy, 0) == FALSE) static_cast<void>(ReceiveProgress(copy));
 }
 
 }  // namespace

@@ -2,7 +2,8 @@
 // ProgressBlock of its own to each receiver, the slider and the main window (PostProgress in app/posts.h does
 // both); each receiver deletes what it gets, and the sender deletes what could not be posted. The same
 // message with the plain number kProgressSpan instead of a pointer carries a file position alone in its
-// second parameter, so that number is looked for before a pointer is taken.
+// second parameter, so that number is looked for before a pointer is taken. Any window can post any number:
+// only blocks that are known to be on their way are taken for one.
 //
 // The way back is one 64-bit field of the state record: the position that the operator has dragged the slider
 // to. Any thread; neither half can be torn.
@@ -30,11 +31,13 @@ struct ProgressBlock {
   uint64_t fileSize;     // bytes
 };
 
-// Takes over the block that the first parameter of WM_USER points to; null when it is a plain number.
-[[nodiscard]] inline std::unique_ptr<ProgressBlock> ReceiveProgress(uintptr_t parameter) {
-  if (parameter == kProgressSpan) return nullptr;
-  return std::unique_ptr<ProgressBlock>(reinterpret_cast<ProgressBlock*>(parameter));
-}
+// A copy on its way to one receiver: the first parameter of WM_USER. 0 when there is no memory for it, or
+// when hundreds wait already. Whoever cannot post it takes it back with ReceiveProgress. Any thread.
+[[nodiscard]] uintptr_t SendProgress(const ProgressBlock& progress);
+
+// Takes over the block that the first parameter of WM_USER means; null when it is the plain number or any
+// other that means no block on its way. Any thread; one caller alone gets it.
+[[nodiscard]] std::unique_ptr<ProgressBlock> ReceiveProgress(uintptr_t parameter);
 
 // `request` is AppState::seekRequest: 0 is none, so that a zero-filled record asks for nothing; else one more
 // than the position.

@@ -372,8 +372,10 @@ TEST_F(EchogramWindow, TenThousandPaintsHoldWhatOneHundredDo) {
 TEST_F(EchogramWindow, SliderTakesNewsAndSeeksOnADrag) {
   const HWND slider = Child(L"EchoSliderbar class", kHeight - 22, 22);
   const auto send = [&](uint64_t position) {
-    auto* const block = new ProgressBlock{Handle::null, kProgressSpan, 1'000, 1, position, 3'200'000};
-    SendMessageW(slider, WM_USER, reinterpret_cast<WPARAM>(block), 0);
+    const uintptr_t block = SendProgress({Handle::null, kProgressSpan, 1'000, 1, position, 3'200'000});
+    SendMessageW(slider, WM_USER, block, 0);
+    for (const WPARAM number : {WPARAM{1}, WPARAM{4'096}, WPARAM{block}})  // no block, or none any more
+      SendMessageW(slider, WM_USER, number, 0);
   };
   const auto mouse = [&](UINT message, WPARAM buttons, int x) {
     SendMessageW(slider, message, buttons, MAKELPARAM(x, 10));

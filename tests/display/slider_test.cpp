@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <vector>
 
 #include "display/slider_geometry.h"
 #include "display/slider_messages.h"
@@ -105,11 +106,20 @@ TEST(Slider, DraggingMovesTheFileAndShutsOutTheWorker) {
   EXPECT_EQ(slider.Thumb().left, 0);
 }
 
-TEST(Slider, MessagesPassOwnershipButNotForTheNumber) {
-  EXPECT_EQ(ReceiveProgress(320), nullptr);
-  EXPECT_EQ(ReceiveProgress(0), nullptr);
-  const auto sent = new ProgressBlock(Progress(1, 2, 3));
-  EXPECT_EQ(ReceiveProgress(reinterpret_cast<uintptr_t>(sent)).get(), sent);
+TEST(Slider, OnlyBlocksOnTheirWayAreTakenOver) {
+  ProgressBlock other = Progress(1, 2, 3);
+  for (const uintptr_t number :
+       {uintptr_t{0}, uintptr_t{1}, uintptr_t{320}, UINTPTR_MAX, reinterpret_cast<uintptr_t>(&other)})
+    EXPECT_EQ(ReceiveProgress(number), nullptr) << number;
+  std::vector<uintptr_t> sent;
+  for (uint64_t i = 0; sent.empty() || sent.back() != 0; ++i) sent.push_back(SendProgress(Progress(1, i, 3)));
+  EXPECT_GT(sent.size(), 500u);
+  for (size_t i = 0; sent[i] != 0; ++i) {
+    const auto received = ReceiveProgress(sent[i]);
+    ASSERT_NE(received, nullptr);
+    EXPECT_EQ(received->position, i);
+    EXPECT_EQ(ReceiveProgress(sent[i]), nullptr) << "once";
+  }
 }
 
 TEST(Slider, SeekRequestIsTakenOnce) {
