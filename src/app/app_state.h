@@ -43,6 +43,9 @@ struct WindowPlacement {
 };
 static_assert(sizeof(WindowPlacement) == 32);
 
+inline constexpr int64_t kNoRecordedTime = INT64_MAX;
+inline constexpr int64_t kNoPingYet = INT64_MIN;
+
 enum RunEvent : uint8_t { kStopPlayback, kPause, kBack20, kBack100, kStepSecond, kRunEvents };
 
 struct AppState {
@@ -93,6 +96,8 @@ struct AppState {
   // Of a playback, of choices that wait to be sent, of the window and of the record files.
   int32_t playbackActive;  // GUI thread
   int32_t playbackPaused;  // GUI thread
+  int64_t firstTime_ms;    // newest recorded time of the first file, kNoPingYet until it has shown a ping,
+                           // kNoRecordedTime where it tells none and at its end; shared
   int64_t stepTime_ms;     // recorded time to which the second file follows the first; shared
   int32_t stepShare_ppm;   // and how much of the first file lies ahead of that place; shared
   int32_t stepBack;        // the second file's ring goes back too; shared

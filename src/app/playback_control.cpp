@@ -97,6 +97,7 @@ void BeginFileRun(AppState& state) {
   for (Event& event : state.runEvents) Reset(event);
   static_cast<void>(TakeSeekRequest(state.seekRequest));
   StoreShared(globals.playbackEnded, 0);
+  StoreShared(state.firstTime_ms, kNoPingYet);
   state.playbackPaused = 0;
   state.playbackAtEnd = 0;
   RaiseRunNumber(state);

@@ -15,6 +15,7 @@
 #include "playback/converter.h"
 #include "playback/file_report.h"
 #include "playback/history.h"
+#include "playback/pair_pace.h"
 #include "playback/ping_source.h"
 #include "playback/played_channel.h"
 #include "playback/time_search.h"
@@ -24,6 +25,7 @@ namespace {
 
 constexpr uint32_t kHold_ms = 10;
 constexpr uint32_t kSlice_ms = 20;
+constexpr uint32_t kFollowSlice_ms = 4;
 constexpr uint32_t kThreadFieldWait_ms = 1;
 constexpr int64_t kTimelessTick_ms = 100;
 constexpr uint64_t kMillion = 1'000'000;
@@ -112,6 +114,7 @@ class FileRun {
       if (conversion_ == 0 && Steer()) continue;
       RecordedPing ping{};
       if (!ended_ && source_->Next(ping)) {
+        if (!AwaitFirst(ping)) continue;
         TakePing(ping);
         Pace();
       } else if (Interrupted()) {
@@ -156,6 +159,7 @@ class FileRun {
 
   bool SeekTo(uint64_t position) {
     GoOnFrom(source_->Seek(position));
+    StoreShared(state_.firstTime_ms, kNoPingYet);
     if (position == 0) {  // begun anew
       history_.Clear();
       source_->CountFrom(1);
@@ -171,6 +175,7 @@ class FileRun {
     const auto place = history_.StepBack(entries);
     if (!place) return true;
     GoOnFrom(source_->Seek(place->position));
+    StoreShared(state_.firstTime_ms, kNoPingYet);
     again_ = true;
     recorded_ms_ = place->recorded_ms;
     source_->CountFrom(place->number);
@@ -212,6 +217,7 @@ class FileRun {
     const auto share_ppm = static_cast<uint64_t>(LoadShared(state_.stepShare_ppm));
     GoOnFrom(timed || source_->Seek(source_->Size() / kMillion * share_ppm));
     if (timed) skipUntil_ = recorded_ms;
+    pace_ = {};
     const auto place = back ? history_.StepBackTo(recorded_ms) : std::nullopt;
     if (place) {
       RestoreRings(*place);
@@ -242,6 +248,7 @@ class FileRun {
     recorded_ms_ = TimeOf(ping, channels_[low ? 1 : 0]);
     again_ = false;
     showNext_ = false;
+    if (side_.first) TellTime(ping);
     if (leading_) LeadSecond(recorded_ms_, ping.begin, false);
     leading_ = false;
     // Conversions first: what is shown of a ping changes nothing in the file.
@@ -254,6 +261,15 @@ class FileRun {
       report_.NoteTime(recorded_ms_ / 1000);
     }
     NoteProgress(ping);
+  }
+
+  // To the second file. Where not each ping tells its time, the latest that did counts.
+  void TellTime(const RecordedPing& ping) {
+    if (ping.hasTime) {
+      StoreShared(state_.firstTime_ms, ping.time_ms);
+    } else if (LoadShared(state_.firstTime_ms) == kNoPingYet) {
+      StoreShared(state_.firstTime_ms, kNoRecordedTime);
+    }
   }
 
   // The field is emptied when the operator clears "Record Data", which closes all files that are written.
@@ -307,15 +323,35 @@ class FileRun {
     if (!ended_) {
       ended_ = true;
       PostPlace();
-      if (side_.first) StoreShared(globals.playbackEnded, 1);
+      if (side_.first) {
+        StoreShared(state_.firstTime_ms, kNoRecordedTime);
+        StoreShared(globals.playbackEnded, 1);
+      }
     }
     showNext_ = false;
     SleepMilliseconds(kHold_ms);
   }
 
+  // Holds a ping of the second file back that is ahead of the first. False when something else goes before
+  // it.
+  bool AwaitFirst(const RecordedPing& ping) {
+    if (side_.first || showNext_ || skipUntil_) return true;
+    const auto longest_ms = 2 * static_cast<uint32_t>(LoadShared(state_.playbackPace));
+    uint32_t waited_ms = 0;
+    while (pace_.IsAhead(ping, LoadShared(state_.firstTime_ms))) {
+      if (Interrupted()) return false;
+      if (pace_.FirstWentBack() && waited_ms >= longest_ms) break;
+      SleepMilliseconds(kFollowSlice_ms);
+      waited_ms += kFollowSlice_ms;
+    }
+    pace_.Note(ping, LoadShared(state_.firstTime_ms));
+    return true;
+  }
+
   // Waits in slices, so that buttons and the slider are heard.
   void Pace() {
     if (conversion_ != 0 || skipUntil_) return;
+    if (!side_.first && pace_.IsBehind(LoadShared(state_.firstTime_ms))) return;
     for (auto left_ms = static_cast<uint32_t>(LoadShared(state_.playbackPace));
          left_ms > 0 && !Interrupted();) {
       const uint32_t slice_ms = left_ms < kSlice_ms ? left_ms : kSlice_ms;
@@ -350,6 +386,7 @@ class FileRun {
   bool again_ = false;     // the next ping is one that was played before
   bool leading_ = false;
   std::optional<int64_t> skipUntil_;
+  PairPace pace_;
   int64_t recorded_ms_ = 0;  // of the newest ping
   size_t repeat_ = 0;
   size_t samples_ = 0;

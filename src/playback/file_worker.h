@@ -9,6 +9,7 @@
 //   seekRequest                                              where the slider was dragged to
 //
 // At the end of the file a playback says so (playbackEnded) and waits for the way back; a conversion ends.
+// B keeps to A's recorded time (firstTime_ms).
 // The worker closes its input and its own thread handle, a conversion its output too.
 #pragma once
 

@@ -1,5 +1,8 @@
 // Two files of a dual recording played together: which is which, and that the second goes where the first
 // goes.
+#include <utility>
+
+#include "base/text_format.h"
 #include "tests/app/playback_fixture.h"
 #include "tests/display/marks_at_pings.h"
 
@@ -91,6 +94,81 @@ TEST_P(PlaybackPair, MarksStand30RecordedSecondsApartAtTheirPings) {
   const std::vector<int32_t> numbers = {2, 1, 0};
   EXPECT_EQ(NumbersAtTheirPings(*state_, PanelPlace::upper, globals.marksA), numbers);
   EXPECT_EQ(NumbersAtTheirPings(*state_, PanelPlace::lower, globals.marksB), numbers);
+}
+
+class PlaybackPairOfText : public Playback {
+ protected:
+  static constexpr int kPings = 900;
+
+  // One file of a pair: ping i at a time of its own, but for those from `gap` up to `end`.
+  std::wstring WriteFile(int32_t frequency_hz, int gap, int end, int64_t (*time_ms)(int)) {
+    std::string text =
+        "INFO:1," + std::to_string(frequency_hz) + ",10000,0.1,20,0.0,0,15,0.08,0,150,20,0,1500.0,4\r\n";
+    for (int i = 0; i < kPings; ++i) {
+      if (i >= gap && i < end) continue;
+      const int64_t at_ms = time_ms(i);
+      char block[256];
+      text.append(block, FormatText(block,
+                                    "#DeviceID a\r\n#TimeWork %d.%d\r\n#NSamples 1\r\n#Sampling_Frequency,Hz "
+                                    "25000\r\n#Ping %d\r\n##DataStart\r\n7\r\n\r\n\r\n",
+                                    static_cast<int>(at_ms / 1000), static_cast<int>(at_ms % 1000), i));
+    }
+    const fs::path path =
+        folder_ / ("20250314_093005_Dual_" + std::to_string(frequency_hz / 1000) + "kHz_id_a_txt12.log");
+    WriteWhole(path, text);
+    return path.wstring();
+  }
+  static uint32_t Newest(PingRing& ring, Lock& lock, const int32_t& index) {
+    Locked held(lock);
+    return LoadPingHeader(ring.slots[index]).ping;
+  }
+};
+
+// Ten pings a second, the second file's 40 ms behind the first one's.
+template <int lag_ms>
+int64_t Steadily(int i) {
+  return 1'000'000 + 100 * i + lag_ms;
+}
+template <int lag_ms>
+int64_t AnHourBack(int i) {
+  return Steadily<lag_ms>(i) + (i < 400 ? 3'600'000 : 0);
+}
+
+TEST_F(PlaybackPairOfText, TheSecondKeepsToTheFirstsTime) {
+  const struct {
+    const char* what;
+    int gapA, endA, gapB, endB;
+    bool clockIsSetBack;
+  } rows[] = {
+      {"both whole", 0, 0, 0, 0, false},
+      {"the first lacks pings", 250, 550, 0, 0, false},
+      {"the second lacks pings", 0, 0, 250, 550, false},
+      {"the first begins later", 0, 300, 0, 0, false},
+      {"the second begins later", 0, 0, 0, 300, false},
+      {"the device's clock is set back", 0, 0, 0, 0, true},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.what);
+    Play({WriteFile(450'000, row.gapA, row.endA, row.clockIsSetBack ? AnHourBack<0> : Steadily<0>),
+          WriteFile(200'000, row.gapB, row.endB, row.clockIsSetBack ? AnHourBack<40> : Steadily<40>)});
+    ASSERT_TRUE(Ui().boxes.empty());
+    uint32_t a = 0;
+    for (int looks = 0; a + 1 < kPings && looks < 2'000 && !HasFailure(); ++looks) {
+      SleepMilliseconds(17);
+      const bool jumped =
+          std::exchange(a, Newest(*state_->ringA, state_->ringLockA, state_->ringIndexA)) + 10 < a;
+      const uint32_t b = Newest(*state_->ringB, state_->ringLockB, state_->ringIndexB);
+      const auto number = static_cast<int>(a);
+      const bool missing = number >= row.gapB && number <= row.endB + 1;
+      EXPECT_LE(b, a + 2) << "waits";
+      EXPECT_TRUE(missing || jumped || b + 3 >= a) << b << " hurries after " << a;
+    }
+    EXPECT_EQ(a + 1, kPings);
+    SleepMilliseconds(200);
+    EXPECT_EQ(Newest(*state_->ringB, state_->ringLockB, state_->ringIndexB) + 1, kPings)
+        << "its end comes too";
+    StopRun(*state_);
+  }
 }
 
 INSTANTIATE_TEST_SUITE_P(Modes, PlaybackPair, testing::Values(4, 100),
