@@ -39,7 +39,8 @@ bool IsDeviceRunning(AppState& state) {
 struct Candidate {
   Handle file = Handle::invalid;
   std::optional<Detected> told;
-  float range_m = 0;  // that the first ping tells; 0: none
+  float range_m = 0;    // that the first ping tells; 0: none
+  bool isBare = false;  // nothing but the line that tells how it was recorded
 
   Candidate() = default;
   Candidate(const Candidate&) = delete;
@@ -80,13 +81,20 @@ bool HoldsPing(const AppState& state, Candidate& candidate) {
   return SeekFile(candidate.file, 0);
 }
 
-bool IsPlayable(AppState& state, const std::wstring& path, Candidate& candidate) {
+bool IsBare(const Candidate& candidate) {
+  uint64_t size = 0;
+  return candidate.told->info && FileSize(candidate.file, size) && size <= candidate.told->infoSize;
+}
+
+// Of a pair one file may be bare.
+bool IsPlayable(AppState& state, const std::wstring& path, Candidate& candidate, bool inPair = false) {
   if (!Open(state, path, WriteSharing::allowed, candidate)) return false;
   if (!candidate.told) {
     Refuse(state, L"Invalid file format.");
     return false;
   }
-  if (HoldsPing(state, candidate)) return true;
+  candidate.isBare = IsBare(candidate);
+  if (candidate.isBare ? inPair : HoldsPing(state, candidate)) return true;
   Refuse(state, L"This file Cannot be playback");
   return false;
 }
@@ -189,15 +197,16 @@ void PlayOne(AppState& state, const std::wstring& path) {
   if (IsPlayable(state, path, file)) BeginPlayback(state, file, nullptr);
 }
 
-// A plays the higher frequency.
+// A plays the higher frequency. Where one channel has not pinged the other is played alone.
 void PlayPair(AppState& state, const std::vector<std::wstring>& paths) {
   const bool secondIsHigh = KHzOfName(paths[1]) > KHzOfName(paths[0]);
   Candidate a;
   Candidate b;
   if (!BelongTogether(paths[0], paths[1])) return Refuse(state, L"Select correct pair of files!!");
-  if (!IsPlayable(state, paths[secondIsHigh ? 1 : 0], a) ||
-      !IsPlayable(state, paths[secondIsHigh ? 0 : 1], b))
+  if (!IsPlayable(state, paths[secondIsHigh ? 1 : 0], a, true) ||
+      !IsPlayable(state, paths[secondIsHigh ? 0 : 1], b, !a.isBare))
     return;
+  if (a.isBare || b.isBare) return BeginPlayback(state, a.isBare ? b : a, nullptr);
   if (a.told->form != b.told->form) return Refuse(state, L"Select correct pair of files!!");
   BeginPlayback(state, a, &b);
 }

@@ -171,6 +171,31 @@ TEST_F(PlaybackPairOfText, TheSecondKeepsToTheFirstsTime) {
   }
 }
 
+// A channel that has not pinged leaves nothing but its settings behind.
+TEST_F(PlaybackPairOfText, AFileWithoutPingsLeavesTheOtherOneToPlay) {
+  const struct {
+    bool firstIsBare;
+    bool secondIsBare;
+    int32_t frequency_hz;  // of what is played
+  } rows[] = {{false, true, 450'000}, {true, false, 200'000}, {true, true, 0}};
+  for (const auto& row : rows) {
+    Play({WriteFile(450'000, 0, row.firstIsBare ? kPings : 0, Steadily<0>),
+          WriteFile(200'000, 0, row.secondIsBare ? kPings : 0, Steadily<0>)});
+    if (row.frequency_hz == 0) {
+      ExpectBox(L"This file Cannot be playback", L"Error", BoxIcon::error);
+      continue;
+    }
+    EXPECT_TRUE(Ui().boxes.empty());
+    EXPECT_EQ(StateOfProgram(*state_), ProgramState::playing);
+    EXPECT_EQ(LoadShared(globals.dualMode), 0);
+    EXPECT_EQ(state_->fileWorkerB, Handle::null);
+    EXPECT_EQ(LoadShared(globals.playedFrequencyA_hz), row.frequency_hz);
+    PlayToTheEnd();
+    EXPECT_EQ(LoadShared(globals.pingCounter) + 1, kPings);
+    StopRun(*state_);
+  }
+}
+
 INSTANTIATE_TEST_SUITE_P(Modes, PlaybackPair, testing::Values(4, 100),
                          [](const auto& mode) { return "Mode" + std::to_string(mode.param); });
 
