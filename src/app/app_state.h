@@ -46,6 +46,9 @@ static_assert(sizeof(WindowPlacement) == 32);
 inline constexpr int64_t kNoRecordedTime = INT64_MAX;
 inline constexpr int64_t kNoPingYet = INT64_MIN;
 
+// What has become of a playback, told by its workers.
+enum PlaybackEnd : int32_t { kPlaybackGoesOn, kPlaybackExhausted, kPlaybackUnread, kPlaybackWithoutMemory };
+
 enum RunEvent : uint8_t { kStopPlayback, kPause, kBack20, kBack100, kStepSecond, kRunEvents };
 
 struct AppState {
@@ -162,7 +165,7 @@ struct Globals {
   int32_t lowKHz;
   int32_t highKHz;
   int32_t screenshotRequested;  // shared
-  int32_t playbackEnded;        // shared
+  int32_t playbackEnded;        // a PlaybackEnd; shared
   uint8_t segyTextHeader[3200];
   char titleText[256];  // UTF-8
   wchar_t debugText[256];

@@ -199,7 +199,7 @@ AppState* CreateMainWindow(HINSTANCE instance) {
   FitOutputFont(*state);
   KeepWheelFromSelectors(window);
   const HWND statusBar = CreateStatusBar(window);
-  if (statusBar == nullptr) return nullptr;
+  if (statusBar == nullptr || !GuardStatusTexts(statusBar)) return nullptr;
   state->statusBar = FromWindow(statusBar);
   PlaceViews(*state);
   return state;

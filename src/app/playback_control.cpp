@@ -71,10 +71,13 @@ bool Open(AppState& state, const std::wstring& path, WriteSharing sharing, Candi
 }
 
 // True when a ping can be read of it, which settles what the file is; it stands at its start again.
-bool HoldsPing(const AppState& state, Candidate& candidate) {
+bool HoldsPing(AppState& state, Candidate& candidate) {
   RecordingFault fault = RecordingFault::none;
   const auto recording = MakeRecording(candidate.file, fault, state.settings.samplingFrequency_hz);
   RecordedPing first{};
+  if (fault == RecordingFault::noMemory) {
+    PostStatusText(state, StatusPart::position, PlaybackFailureText(kPlaybackWithoutMemory));
+  }
   if (recording == nullptr || !recording->Next(first)) return false;
   candidate.told = recording->Told();
   candidate.range_m = first.header.range_m;
@@ -104,7 +107,7 @@ void BeginFileRun(AppState& state) {
   Reset(state.stopEventB);
   for (Event& event : state.runEvents) Reset(event);
   static_cast<void>(TakeSeekRequest(state.seekRequest));
-  StoreShared(globals.playbackEnded, 0);
+  StoreShared(globals.playbackEnded, kPlaybackGoesOn);
   StoreShared(state.firstTime_ms, kNoPingYet);
   state.playbackPaused = 0;
   state.playbackAtEnd = 0;

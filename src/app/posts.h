@@ -2,6 +2,7 @@
 // thread. Any thread. The user interface of the program implements these; a test brings its own.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 #include "display/slider_messages.h"
@@ -20,8 +21,9 @@ void PostStatusText(AppState& state, StatusPart part, const wchar_t* text);
 // that cannot be posted is dropped: the next one comes within 20 ms.
 void PostProgress(AppState& state, const ProgressBlock& progress);
 
-// A conversion is over; `exhausted` when all of its input was read.
-void PostConversionEnd(AppState& state, bool exhausted);
+// A conversion is over; `exhausted` when all of its input was read. False when that has to be posted again:
+// the message queue is full.
+[[nodiscard]] bool PostConversionEnd(AppState& state, bool exhausted);
 
 inline constexpr uint32_t kStatusTextSize = 256;
 
@@ -34,5 +36,17 @@ struct StatusTexts {
   // The buffer to fill now; the three before it stay untouched.
   wchar_t (&Next())[kStatusTextSize] { return texts[next++ % 4]; }
 };
+
+// The texts of a thread that posts more than the GUI thread may keep pace with: a buffer for each part of the
+// status bar, which is rewritten again and again. Static, as the buffers must live for the whole process.
+struct OwnTexts {
+  wchar_t texts[5][kStatusTextSize];
+
+  wchar_t (&OfPart(StatusPart part))[kStatusTextSize] { return texts[static_cast<size_t>(part)]; }
+};
+
+// Writes a text into the buffer of its part, not while the status bar reads it, and shows it. However late
+// the status bar comes round to what was posted, it shows a whole text of that part: the newest.
+void PostOwnText(AppState& state, StatusPart part, OwnTexts& texts, const wchar_t* text);
 
 }  // namespace tw

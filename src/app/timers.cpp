@@ -2,12 +2,15 @@
 
 #include "app/control_ids.h"
 #include "app/control_states.h"
+#include "app/family_controls.h"
 #include "app/file_naming.h"
 #include "app/port_selectors.h"
 #include "app/run_control.h"
 #include "app/ui.h"
+#include "app/worker_control.h"
 #include "base/shared_value.h"
 #include "base/text_format.h"
+#include "playback/file_worker.h"
 
 namespace tw {
 namespace {
@@ -35,8 +38,18 @@ void Repaint(AppState& state) {
   ShowTitle(state);
 }
 
+// The text is posted once more, behind what the other worker of a pair has posted.
+void GiveUpPlayback(AppState& state, PlaybackEnd end) {
+  EndFileWorkers(state);
+  PostStatusText(state, StatusPart::position, PlaybackFailureText(end));
+  RefreshSettingsControls(state);
+  RefreshControlStates(state);
+}
+
 void OfferPlaybackAgain(AppState& state) {
-  if (ExchangeShared(globals.playbackEnded, 0) == 0) return;
+  const auto end = static_cast<PlaybackEnd>(ExchangeShared(globals.playbackEnded, kPlaybackGoesOn));
+  if (end == kPlaybackGoesOn) return;
+  if (end != kPlaybackExhausted) return GiveUpPlayback(state, end);
   StoreShared(state.playbackPace, kPlaybackPace_ms);
   SetControlText(state, ID_RESUME, L"\u25BA");
   state.playbackAtEnd = 1;

@@ -22,6 +22,9 @@ inline constexpr UINT kConversionEndMessage = WM_APP;
   return ToWindow(state.mainWindow);
 }
 
+// From now on the status bar reads no text that PostOwnText is writing. False when the system refuses.
+[[nodiscard]] bool GuardStatusTexts(HWND statusBar);
+
 // Null when the main window has no such control (yet).
 [[nodiscard]] inline HWND Control(const AppState& state, int id) {
   return GetDlgItem(MainWindow(state), id);

@@ -23,10 +23,10 @@ void FileReport::NotePosition(const RecordedPing& ping) {
   if (ping.hasPosition) {
     if (++positions_ - shownPositions_ < kUpdatesOfPositionText) return;
     shownPositions_ = positions_;
-    auto& text = texts_.Next();
+    wchar_t text[kStatusTextSize];
     FormatPosition(text,
                    {kFix3d, ping.header.gpsLatitude_rad, ping.header.gpsLongitude_rad, ping.header.gpsPdop});
-    PostStatusText(state_, StatusPart::position, text);
+    PostOwnText(state_, StatusPart::position, texts_, text);
     return;
   }
   const uint32_t now_ms = MillisecondClock();
@@ -60,9 +60,9 @@ void FileReport::PostProgressOf(Handle input, const PingSource& recording, size_
 }
 
 void FileReport::ShowSize(uint64_t size) {
-  auto& text = texts_.Next();
+  wchar_t text[kStatusTextSize];
   FormatWide(text, "File size: %llu%s", static_cast<unsigned long long>(size), "Bytes");
-  PostStatusText(state_, conversion_ ? StatusPart::position : StatusPart::pingLine, text);
+  PostOwnText(state_, conversion_ ? StatusPart::position : StatusPart::pingLine, texts_, text);
 }
 
 }  // namespace tw

@@ -12,7 +12,7 @@ namespace tw {
 
 class FileReport {
  public:
-  FileReport(AppState& state, StatusTexts& texts, bool conversion)
+  FileReport(AppState& state, OwnTexts& texts, bool conversion)
       : state_(state), texts_(texts), conversion_(conversion) {}
 
   // The position of every other ping that has one; that there is none at most every two seconds.
@@ -30,7 +30,7 @@ class FileReport {
 
  private:
   AppState& state_;
-  StatusTexts& texts_;
+  OwnTexts& texts_;
   const bool conversion_;
   uint32_t positions_ = 0;
   uint32_t shownPositions_ = 0;

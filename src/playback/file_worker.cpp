@@ -26,6 +26,7 @@ namespace {
 constexpr uint32_t kHold_ms = 10;
 constexpr uint32_t kSlice_ms = 20;
 constexpr uint32_t kFollowSlice_ms = 4;
+constexpr uint32_t kTellAgain_ms = 10;
 constexpr uint32_t kThreadFieldWait_ms = 1;
 constexpr int64_t kTimelessTick_ms = 100;
 constexpr uint64_t kMillion = 1'000'000;
@@ -39,7 +40,12 @@ struct Side {
   Handle& input;
   Handle& thread;
   Event& stop;
-  StatusTexts& texts;
+  OwnTexts& texts;
+};
+
+struct WorkerEnd {
+  bool exhausted;  // all of the input was read
+  bool stopped;    // the operator wanted it
 };
 
 class FileRun {
@@ -61,15 +67,24 @@ class FileRun {
     const bool exhausted = prepared && Play();
     if (output_ != nullptr) ShowSize();
     if (conversion_ != 0) CloseOutput();
-    if (!prepared && side_.first && conversion_ == 0 && !Stale()) StoreShared(globals.playbackEnded, 1);
+    if (failure_ != kPlaybackGoesOn && !Stale()) TellFailure();
     return exhausted;
   }
+
+  // The operator wants it over: nobody waits for news of it.
+  [[nodiscard]] bool Stopped() const { return stopped_; }
 
  private:
   // The event is auto-reset, so a poll that sees it must remember it.
   [[nodiscard]] bool StopAsked() {
     stopped_ = stopped_ || WaitForEvent(side_.stop, 0) || WaitForEvent(state_.runEvents[kStopPlayback], 0);
     return stopped_;
+  }
+
+  // A playback that fails leaves the program idle, which is for the GUI thread to do.
+  void TellFailure() {
+    PostStatusText(state_, StatusPart::position, PlaybackFailureText(failure_));
+    if (conversion_ == 0) StoreShared(globals.playbackEnded, failure_);
   }
 
   [[nodiscard]] bool IsSet(RunEvent event) { return WaitForEvent(state_.runEvents[event], 0); }
@@ -86,11 +101,9 @@ class FileRun {
     RecordingFault fault = RecordingFault::none;
     source_ = MakeRecording(LoadShared(side_.input), fault, state_.settings.samplingFrequency_hz);
     const bool unreadable = source_ == nullptr && fault != RecordingFault::noMemory;
-    if (unreadable) return false;  // it was readable when it was chosen
-    if (source_ == nullptr || !history_.Prepare() || !PrepareConversion()) {
-      PostStatusText(state_, StatusPart::position, L"Insufficient memory!");
-      return false;
-    }
+    failure_ = unreadable ? kPlaybackUnread : kPlaybackWithoutMemory;  // it was readable when it was chosen
+    if (source_ == nullptr || !history_.Prepare() || !PrepareConversion()) return false;
+    failure_ = kPlaybackGoesOn;
     source_->SetInterruption({[](void* run) { return static_cast<FileRun*>(run)->Interrupted(); }, this});
     StoreShared(globals.attitudePresent, 1);
     return true;
@@ -99,14 +112,14 @@ class FileRun {
   bool PrepareConversion() {
     if (conversion_ == 0) return true;
     output_.reset(new (std::nothrow) OutputFile(outputFile_));
-    if (output_ == nullptr) return false;
+    if (output_ == nullptr || output_->Failed()) return false;
     if (conversion_ == kSegyConversion) {
-      converter_ =
-          std::make_unique<SegyConverter>(*output_, globals.segyTextHeader, state_.settings.soundSpeed_mps);
+      converter_.reset(new (std::nothrow)
+                           SegyConverter(*output_, globals.segyTextHeader, state_.settings.soundSpeed_mps));
     } else {
-      converter_ = std::make_unique<TextConverter>(*output_);
+      converter_.reset(new (std::nothrow) TextConverter(*output_));
     }
-    return true;
+    return converter_ != nullptr;
   }
 
   bool Play() {
@@ -119,8 +132,11 @@ class FileRun {
         Pace();
       } else if (Interrupted()) {
         continue;
+      } else if (source_->Failed()) {
+        failure_ = kPlaybackUnread;
+        return false;
       } else if (conversion_ != 0) {
-        return !source_->Failed();
+        return true;
       } else {
         NoteEnd();
       }
@@ -154,7 +170,8 @@ class FileRun {
     showNext_ = true;
     again_ = false;
     skipUntil_.reset();
-    if (side_.first) StoreShared(globals.playbackEnded, 0);
+    if (side_.first)
+      static_cast<void>(CompareExchangeShared(globals.playbackEnded, kPlaybackExhausted, kPlaybackGoesOn));
   }
 
   bool SeekTo(uint64_t position) {
@@ -325,7 +342,7 @@ class FileRun {
       PostPlace();
       if (side_.first) {
         StoreShared(state_.firstTime_ms, kNoRecordedTime);
-        StoreShared(globals.playbackEnded, 1);
+        static_cast<void>(CompareExchangeShared(globals.playbackEnded, kPlaybackGoesOn, kPlaybackExhausted));
       }
     }
     showNext_ = false;
@@ -387,22 +404,31 @@ class FileRun {
   bool leading_ = false;
   std::optional<int64_t> skipUntil_;
   PairPace pace_;
+  PlaybackEnd failure_ = kPlaybackGoesOn;
   int64_t recorded_ms_ = 0;  // of the newest ping
   size_t repeat_ = 0;
   size_t samples_ = 0;
   SlotImage image_{};
 };
 
+// Again and again while the message queue is full. Whoever waits for this worker's end meanwhile need not be
+// told.
+void TellConversionEnd(AppState& state, const Side& side, WorkerEnd end) {
+  while (!PostConversionEnd(state, end.exhausted)) {
+    if (end.stopped || WaitForEvent(side.stop, kTellAgain_ms)) return;
+  }
+}
+
 // The thread field goes last: whoever finds it empty may use the other fields anew. The GUI thread fills it
 // once the thread has started, which a short run may precede.
-void Finish(AppState& state, const Side& side, bool exhausted) {
+void Finish(AppState& state, const Side& side, WorkerEnd end) {
   const Handle input = ExchangeShared(side.input, Handle::invalid);
   static_cast<void>(SeekFile(input, 0));
   CloseFile(input);
   if (LoadShared(state.conversionKind) != 0) {
     CloseFile(ExchangeShared(state.segyCompanionA, Handle::invalid));
     StoreShared(state.conversionKind, 0);
-    PostConversionEnd(state, exhausted);
+    TellConversionEnd(state, side, end);
   }
   Handle thread = ExchangeShared(side.thread, Handle::null);
   while (thread == Handle::null) {
@@ -415,25 +441,31 @@ void Finish(AppState& state, const Side& side, bool exhausted) {
 void RunFileWorker(AppState& state, const Side& side) {
   std::unique_ptr<FileRun> run(new (std::nothrow) FileRun(state, side));
   if (run == nullptr) {
-    PostStatusText(state, StatusPart::position, L"Insufficient memory!");
-    return Finish(state, side, false);
+    PostStatusText(state, StatusPart::position, PlaybackFailureText(kPlaybackWithoutMemory));
+    if (LoadShared(state.conversionKind) == 0) StoreShared(globals.playbackEnded, kPlaybackWithoutMemory);
+    return Finish(state, side, {});
   }
   const bool exhausted = run->Run();
+  const WorkerEnd end{exhausted, run->Stopped()};
   const bool stale = run->Stale();
   run.reset();
-  if (!stale) Finish(state, side, exhausted);
+  if (!stale) Finish(state, side, end);
 }
 
 }  // namespace
 
+const wchar_t* PlaybackFailureText(PlaybackEnd end) {
+  return end == kPlaybackWithoutMemory ? L"Insufficient memory!" : L"The file cannot be read!";
+}
+
 void FileWorkerA(void* argument) {
-  static constinit StatusTexts texts{};
+  static constinit OwnTexts texts{};
   AppState& state = *static_cast<AppState*>(argument);
   RunFileWorker(state, {true, state.inputFileA, state.fileWorkerA, state.stopEvent, texts});
 }
 
 void FileWorkerB(void* argument) {
-  static constinit StatusTexts texts{};
+  static constinit OwnTexts texts{};
   AppState& state = *static_cast<AppState*>(argument);
   RunFileWorker(state, {false, state.inputFileB, state.fileWorkerB, state.stopEventB, texts});
 }

@@ -9,8 +9,9 @@
 //   seekRequest                                              where the slider was dragged to
 //
 // At the end of the file a playback says so (playbackEnded) and waits for the way back; a conversion ends.
-// B keeps to A's recorded time (firstTime_ms).
-// The worker closes its input and its own thread handle, a conversion its output too.
+// One that cannot go on tells the status bar why and ends too; of a playback it says so (playbackEnded), so
+// that the GUI thread leaves the program idle. B keeps to A's recorded time (firstTime_ms). The worker closes
+// its input and its own thread handle, a conversion its output too.
 #pragma once
 
 #include "app/app_state.h"
@@ -21,5 +22,8 @@ namespace tw {
 // as well; B plays inputFileB into ring B.
 void FileWorkerA(void* state);
 void FileWorkerB(void* state);
+
+// What the status bar says of a playback or conversion that cannot go on. A constant.
+[[nodiscard]] const wchar_t* PlaybackFailureText(PlaybackEnd end);
 
 }  // namespace tw

@@ -2,6 +2,7 @@
 #include <cmath>
 #include <new>
 #include <string_view>
+#include <utility>
 
 #include "acquisition/altimeter_worker.h"
 #include "acquisition/device_block.h"
@@ -229,6 +230,7 @@ class Recording final : public PingSource {
   }
 
   [[nodiscard]] bool Failed() const override { return source_.Failed(); }
+  [[nodiscard]] bool WithoutMemory() const { return withoutMemory_; }
   [[nodiscard]] uint64_t Position() const override { return behind_; }
   [[nodiscard]] uint64_t Size() const override { return size_; }
   [[nodiscard]] uint64_t Skipped() const override { return skipped_; }
@@ -263,8 +265,10 @@ class Recording final : public PingSource {
   }
 
   bool RenewReader() {
-    reader_ = form_.mode->makeReader();
-    return reader_ != nullptr;
+    auto reader = form_.mode->makeReader();
+    withoutMemory_ = reader == nullptr;
+    if (!withoutMemory_) reader_ = std::move(reader);
+    return !withoutMemory_;
   }
 
   [[nodiscard]] bool IsEchoText() const { return form_.hasSamples && form_.isText; }
@@ -382,6 +386,7 @@ class Recording final : public PingSource {
   Interruption interruption_{};
   bool interrupted_ = false;
   bool samplingAssumed_ = false;
+  bool withoutMemory_ = false;
 };
 
 // Null with the fault set when the file cannot be read in this way.
@@ -391,12 +396,12 @@ std::unique_ptr<Recording> TryWay(Handle file, const Detected& way, int32_t samp
   fault = RecordingFault::noMemory;
   if (recording == nullptr || !recording->Prepare()) return nullptr;
   const bool asTold = recording->IsAsTold();
-  fault = recording->Failed() ? RecordingFault::unread : RecordingFault::noPing;
-  if (!asTold) return nullptr;
-  fault = RecordingFault::unread;
-  if (!recording->Rewind()) return nullptr;
-  fault = RecordingFault::none;
-  return recording;
+  const bool failed = recording->Failed() || (asTold && !recording->Rewind());
+  fault = recording->WithoutMemory() ? RecordingFault::noMemory
+          : failed                   ? RecordingFault::unread
+          : asTold                   ? RecordingFault::none
+                                     : RecordingFault::noPing;
+  return fault == RecordingFault::none ? std::move(recording) : nullptr;
 }
 
 std::unique_ptr<Recording> Make(Handle file, RecordingFault& fault, int32_t sampling_hz) {

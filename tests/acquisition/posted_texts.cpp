@@ -18,7 +18,10 @@ void PostStatusText(AppState&, StatusPart part, const wchar_t* text) {
 
 // Nobody looks at these here.
 void PostProgress(AppState&, const ProgressBlock&) {}
-void PostConversionEnd(AppState&, bool) {}
+void PostOwnText(AppState&, StatusPart, OwnTexts&, const wchar_t*) {}
+bool PostConversionEnd(AppState&, bool) {
+  return true;
+}
 
 namespace test {
 

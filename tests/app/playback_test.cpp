@@ -1,11 +1,13 @@
 // A recording made by a live run, played back and converted: what the ring showed then, it shows again.
 #include <algorithm>
 #include <random>
+#include <utility>
 
 #include "app/file_naming.h"
 #include "base/text_format.h"
 #include "platform/host/faults.h"
 #include "tests/app/playback_fixture.h"
+#include "tests/app/refused_memory.h"
 #include "tests/playback/info_text.h"
 
 namespace tw::test {
@@ -256,6 +258,69 @@ TEST_F(ConversionRun, BinaryBecomesSegyAndText) {
     for (size_t sample = 0; 2 * sample + 1 < pings[i].samples.size(); ++sample) {
       ASSERT_EQ(texts[i].samples[sample], pings[i].samples[2 * sample + 1]) << i << " " << sample;
     }
+  }
+}
+
+// Its end is told however long the message queue is full, unless somebody waits for the worker.
+TEST_F(ConversionRun, TheEndIsToldThroughAFullQueue) {
+  Record(QuickSounder(100), 5);
+  Ui().fullQueue = 100;
+  EXPECT_EQ(Convert(files_[0], ConvertToSegy), L"");
+  EXPECT_NE(state_->fileWorkerA, Handle::null);
+  SleepMilliseconds(2'000);
+  FinishConversion();
+  ExpectBox(L"Convert completed", L"Info", BoxIcon::information);
+  EXPECT_EQ(state_->fileWorkerA, Handle::null);
+
+  Ui().fullQueue = 1'000'000;
+  EXPECT_EQ(Convert(files_[0], ConvertToSegy), L"");
+  const uint32_t begin_ms = MillisecondClock();
+  StopRun(*state_);
+  EXPECT_LT(MillisecondClock() - begin_ms, 1'000u);
+  EXPECT_TRUE(Ui().conversionEnds.empty());
+}
+
+// A status bar that comes round to its texts late still finds whole ones of its part.
+TEST_F(Playback, TextsReadLateAreOfTheirPart) {
+  Record(QuickSounder(4), 10);
+  for (auto& buffers : Ui().postedBuffers) buffers.clear();
+  Play({files_[0]});
+  PlayToTheEnd();
+  const struct {
+    StatusPart part;
+    const wchar_t* begin;
+  } rows[] = {{StatusPart::position, L"Position("}, {StatusPart::pingLine, L"File size: "}};
+  for (const auto& row : rows) {
+    const auto& buffers = Ui().postedBuffers[static_cast<size_t>(row.part)];
+    ASSERT_FALSE(buffers.empty());
+    for (const wchar_t* const text : buffers)
+      EXPECT_TRUE(std::wstring(text).starts_with(row.begin) || *text == L'\0') << row.begin;
+  }
+}
+
+// Whichever piece of memory a worker does not get, it says so and leaves the program idle.
+TEST_F(ConversionRun, WithoutMemoryItEnds) {
+  Record(QuickSounder(100), 5);
+  using Command = void (*)(AppState&);
+  for (const Command command : {PlayFiles, ConvertToSegy, ConvertToText}) {
+    bool failed = true;
+    for (int allocation = 1; failed && allocation < 100; ++allocation) {
+      Ui().chosenFiles = {files_[0]};
+      command(*state_);
+      ASSERT_TRUE(Ui().boxes.empty());
+      refusedAllocation = allocation;  // the worker has not begun yet
+      SleepMilliseconds(command == PlayFiles ? 300 : 5'000);
+      failed = refusedAllocation.exchange(0) == 0;
+      HandleTimer(*state_, ID_TIMER_PLAYBACK_END);
+      Ui().conversionEnds.clear();
+      if (!failed) continue;
+      EXPECT_EQ(Ui().status[static_cast<size_t>(StatusPart::position)], L"Insufficient memory!")
+          << allocation;
+      EXPECT_EQ(StateOfProgram(*state_), ProgramState::idle) << allocation;
+      EXPECT_EQ(state_->inputFileA, Handle::invalid) << allocation;
+    }
+    EXPECT_FALSE(failed);
+    StopRun(*state_);
   }
 }
 

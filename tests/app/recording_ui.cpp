@@ -115,6 +115,7 @@ void PostStatusText(AppState&, StatusPart part, const wchar_t* text) {
   const std::lock_guard hold(postLock);
   Ui().status[static_cast<size_t>(part)] = text;
   Ui().posts[static_cast<size_t>(part)].emplace_back(text);
+  Ui().postedBuffers[static_cast<size_t>(part)].insert(text);
 }
 
 void PostProgress(AppState&, const ProgressBlock& progress) {
@@ -122,9 +123,22 @@ void PostProgress(AppState&, const ProgressBlock& progress) {
   Ui().progress.push_back(progress);
 }
 
-void PostConversionEnd(AppState&, bool exhausted) {
+void PostOwnText(AppState& state, StatusPart part, OwnTexts& texts, const wchar_t* text) {
+  {
+    const std::lock_guard hold(postLock);
+    CopyWide(texts.OfPart(part), text);
+  }
+  PostStatusText(state, part, texts.OfPart(part));
+}
+
+bool PostConversionEnd(AppState&, bool exhausted) {
   const std::lock_guard hold(postLock);
+  if (Ui().fullQueue > 0) {
+    --Ui().fullQueue;
+    return false;
+  }
   Ui().conversionEnds.push_back(exhausted);
+  return true;
 }
 
 bool ChooseInputFiles(AppState&, std::vector<std::wstring>& paths) {

@@ -37,6 +37,7 @@ struct RecordingUi {
   std::vector<uint32_t> systemErrors;
   std::wstring status[5];
   std::vector<std::wstring> posts[5];
+  std::set<const wchar_t*> postedBuffers[5];  // where their texts stood, for who reads them late
   std::map<int, Control> controls;
   std::map<int, uint32_t> timers;  // id and period of those that run
   std::vector<PointerShape> pointers;
@@ -48,6 +49,7 @@ struct RecordingUi {
   std::vector<bool> conversionEnds;
   size_t progressSeen = 0;  // blocks of `progress` that a box's message loop has handed on
   void (*duringBox)() = nullptr;  // what a test looks at while a box is shown
+  int fullQueue = 0;  // so many ends of conversions are not taken
   int settingsClosed = 0;
   int queuedInput = 0;  // clicks and keys that wait
   int keptInput = 0;    // of these "Stop", Exit and closing

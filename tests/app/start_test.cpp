@@ -1,7 +1,5 @@
 #include <algorithm>
-#include <atomic>
 #include <cerrno>
-#include <new>
 
 #include "acquisition/live_worker.h"
 #include "acquisition/ping_ring.h"
@@ -10,23 +8,9 @@
 #include "display/panel.h"
 #include "platform/host/debug_capture.h"
 #include "platform/host/faults.h"
+#include "tests/app/refused_memory.h"
 #include "tests/app/run_control_fixture.h"
 #include "tests/app/stored_values.h"
-
-namespace {
-
-// Large blocks that the system still gives; the one after them it refuses. Negative: none is refused.
-std::atomic<int> largeBlocks = -1;
-std::atomic<bool> noStart = false;  // nor what a live worker starts with
-
-}  // namespace
-
-void* operator new(size_t size, const std::nothrow_t&) noexcept {
-  constexpr size_t kLarge = 200'000;
-  if (size > kLarge && largeBlocks >= 0 && largeBlocks-- == 0) return nullptr;
-  if (size == sizeof(tw::LiveStart) && noStart) return nullptr;
-  return ::operator new(size);
-}
 
 namespace tw::test {
 namespace {
@@ -203,9 +187,9 @@ TEST_F(StartTest, WithoutAnAcquisitionThreadTheProcessEnds) {
   InjectFault({.point = FaultPoint::startThread});
   EXPECT_EXIT(StartRun(*state_), testing::ExitedWithCode(1), "");
   ClearFaults();
-  noStart = true;
+  refusedSize = sizeof(LiveStart);
   EXPECT_EXIT(StartRun(*state_), testing::ExitedWithCode(1), "");
-  noStart = false;
+  refusedSize = 0;
 }
 
 TEST_F(StartTest, ARunWithoutAReceiverHasNothingOfThePositionBefore) {

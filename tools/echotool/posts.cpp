@@ -5,6 +5,9 @@ namespace tw {
 
 void PostStatusText(AppState&, StatusPart, const wchar_t*) {}
 void PostProgress(AppState&, const ProgressBlock&) {}
-void PostConversionEnd(AppState&, bool) {}
+void PostOwnText(AppState&, StatusPart, OwnTexts&, const wchar_t*) {}
+bool PostConversionEnd(AppState&, bool) {
+  return true;
+}
 
 }  // namespace tw
