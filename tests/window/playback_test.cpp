@@ -160,6 +160,8 @@ TEST_F(Playback, PlaysHoldsStepsBackAndStops) {
   const std::wstring size = L"File size: " + std::to_wstring(size_) + L"Bytes";
   EXPECT_TRUE(WaitUntil([&] { return program_.Status(3) == size; }, 10));
   EXPECT_TRUE(WaitUntil([&] { return program_.Status(2).starts_with(L"Position(3D)"); }, 10));
+  for (const WPARAM number : {1, 4'096, 0x7FFF'0000})  // that a worker never sent
+    for (const HWND window : {program_.Window(), Slider()}) PostMessageW(window, WM_USER, number, 0);
   EXPECT_TRUE(Changes(Echogram())) << "it plays";
 
   Sleep(2'000);
