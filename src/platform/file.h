@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <span>
+#include <string_view>
 
 #include "platform/handle.h"
 
@@ -21,9 +22,14 @@ inline constexpr wchar_t kPathSeparator = L'/';
 // meanwhile, not write it.
 [[nodiscard]] Handle CreateFileAnew(const wchar_t* path);
 
+// The same for a file that is not there yet: fails when anything has that name, be it a link to nowhere, and
+// follows none.
+[[nodiscard]] Handle CreateNewFile(const wchar_t* path);
+
 enum class WriteSharing : uint8_t { denied, allowed };
 
 // Opens an existing file for reading. With `denied` the open fails while somebody has it open for writing.
+// What is no file (a folder, a pipe, a device) is refused at once.
 [[nodiscard]] Handle OpenFileForReading(const wchar_t* path, WriteSharing sharing);
 
 // Reads up to `size` bytes at the file's position; `got` 0 is the end of the file.
@@ -51,12 +57,28 @@ enum class WriteSharing : uint8_t { denied, allowed };
 void CloseFile(Handle file);
 
 [[nodiscard]] bool RemoveFile(const wchar_t* path);
-// Gives a file another name in one step; an existing file of that name is replaced.
-[[nodiscard]] bool RenameFile(const wchar_t* from, const wchar_t* to);
+// Gives a file another name in one step. An existing file of that name is replaced, or kept: then it fails.
+enum class Existing : uint8_t { replaced, kept };
+[[nodiscard]] bool RenameFile(const wchar_t* from, const wchar_t* to, Existing existing = Existing::replaced);
+
+// What a path leads to.
+enum class PathKind : uint8_t {
+  nothing,  // nothing at all, or nothing that one may look at
+  file,
+  folder,
+  other,  // a pipe, a device, a link to nowhere
+};
+[[nodiscard]] PathKind KindOfPath(const wchar_t* path);
 
 [[nodiscard]] bool IsFolder(const wchar_t* path);
 // Creates one folder; its parent must exist.
 [[nodiscard]] bool CreateFolder(const wchar_t* path);
+
+// Paths as command lines and terminals have them, to wide text and back, each with a terminating zero, cut to
+// fit. On Windows that is UTF-8. On other systems names are bytes: all of them come back, those that are no
+// UTF-8 and the backslash (which in wide paths separates) too. Return the units stored, the zero not counted.
+size_t WidenPath(std::span<wchar_t> out, std::string_view path);
+size_t NarrowPath(std::span<char> out, std::wstring_view path);
 
 // The user's documents folder, with a terminating zero.
 [[nodiscard]] bool DocumentsFolder(std::span<wchar_t> path);

@@ -134,6 +134,48 @@ TEST_F(FileContract, CreatingAnewAndRenamingReplace) {
   EXPECT_FALSE(RenameFile(from, to));
 }
 
+TEST_F(FileContract, NewFilesAndNamesTakeNobodysPlace) {
+  const wchar_t* first = Path(L"first.log");
+  const wchar_t* second = Path(L"second.log");
+  EXPECT_EQ(KindOfPath(first), PathKind::nothing);
+  for (const wchar_t* path : {first, second}) {
+    const Handle file = CreateNewFile(path);
+    uint32_t written = 0;
+    EXPECT_TRUE(WriteFileBytes(file, path == first ? "1" : "2", 1, written));
+    CloseFile(file);
+    EXPECT_EQ(CreateNewFile(path), Handle::invalid);
+  }
+  EXPECT_FALSE(RenameFile(first, second, Existing::kept));
+  EXPECT_EQ(ReadAll(first) + ReadAll(second), "12");
+  EXPECT_TRUE(RenameFile(first, Path(L"third.log"), Existing::kept));
+  EXPECT_EQ(KindOfPath(Path(L"third.log")), PathKind::file);
+  EXPECT_EQ(KindOfPath(L"."), PathKind::folder);
+}
+
+TEST(FileContractDevices, AreNoFiles) {
+#ifdef _WIN32
+  const wchar_t* const device = L"NUL";
+#else
+  const wchar_t* const device = L"/dev/null";
+#endif
+  EXPECT_EQ(KindOfPath(device), PathKind::other);
+  EXPECT_EQ(OpenFileForReading(device, WriteSharing::allowed), Handle::invalid);
+}
+
+TEST(FileContractPaths, ComeBackAsTheyWere) {
+  for (const std::string_view name : {"a/b.log", "\xC3\xA4 \xE6\xB8\xAC.log", "\xEF\xBF\xBD"
+#ifndef _WIN32
+                                      ,
+                                      "b\\c", "\xFC", "\xED\xB3\xBC", "\xE6\xB8"
+#endif
+       }) {
+    wchar_t wide[32];
+    char again[32];
+    const std::wstring_view path(wide, WidenPath(wide, name));
+    EXPECT_EQ(std::string_view(again, NarrowPath(again, path)), name);
+  }
+}
+
 TEST_F(FileContract, AnOpenFileTellsItsFullPath) {
   const wchar_t* path = Path(L"named \u00E9.log");
   const Handle file = Create(path, "");

@@ -1,6 +1,7 @@
 // Paths: both kinds of separator are understood, and paths that are given out have the backslash, so that
-// code which takes names apart sees the same everywhere. Files of this process keep to the sharing rules of
-// Windows among themselves.
+// code which takes names apart sees the same everywhere. A byte of a name that is no UTF-8 stands in wide
+// paths as U+DC00 + byte, and so does a backslash that is part of a name: no character has such a code. Files
+// of this process keep to the sharing rules of Windows among themselves.
 #include "platform/file.h"
 
 #include <fcntl.h>
@@ -69,16 +70,37 @@ std::mutex& OpenMutex() {
   return *mutex;
 }
 
+constexpr size_t kLongestCharacter = 4;  // in UTF-8
+constexpr uint32_t kBytesFrom = 0xDC00;
+
+// How many bytes of `text` are its first character, which goes to `wide`; 0 when they are none.
+size_t TakeCharacter(std::string_view text, wchar_t& wide) {
+  for (size_t size = 1; size <= std::min(kLongestCharacter, text.size()); ++size) {
+    wchar_t units[3];
+    char again[kLongestCharacter + 1];
+    const std::string_view bytes = text.substr(0, size);
+    if (WidenText(units, bytes) != 1 || bytes != std::string_view(again, NarrowText(again, {units, 1})))
+      continue;
+    wide = units[0];
+    return size;
+  }
+  return 0;
+}
+
+// True for a unit that stands for a byte.
+[[nodiscard]] bool IsByte(uint32_t unit) {
+  return unit == (kBytesFrom | '\\') || (unit >= (kBytesFrom | 0x80) && unit <= (kBytesFrom | 0xFF));
+}
+
 class HostPath {
  public:
-  explicit HostPath(const wchar_t* path) {
-    NarrowText(bytes_, path);
-    std::replace(std::begin(bytes_), std::end(bytes_), '\\', '/');
+  explicit HostPath(std::wstring_view path) : bytes_(kLongestCharacter * path.size() + 1, '\0') {
+    NarrowPath(bytes_, path);
   }
-  [[nodiscard]] const char* Get() const { return bytes_; }
+  [[nodiscard]] const char* Get() const { return bytes_.c_str(); }
 
  private:
-  char bytes_[PATH_MAX];
+  std::string bytes_;
 };
 
 [[nodiscard]] bool FailWith(int code) {
@@ -111,7 +133,8 @@ class HostPath {
   const std::lock_guard held(OpenMutex());
   if (!IsShared(host.Get(), writes, sharesWriting)) return Handle::invalid;
   const auto file = std::make_shared<OpenFile>();
-  file->descriptor = open(host.Get(), flags | O_CLOEXEC, 0666);
+  // A pipe that nobody writes to would hold the open up.
+  file->descriptor = open(host.Get(), flags | O_CLOEXEC | (writes ? 0 : O_NONBLOCK), 0666);
   struct stat info {};
   if (file->descriptor < 0 || fstat(file->descriptor, &info) != 0) {
     FailWithErrno();
@@ -121,12 +144,23 @@ class HostPath {
     SetSystemError(EISDIR);
     return Handle::invalid;
   }
+  if (!writes && !S_ISREG(info.st_mode)) {
+    SetSystemError(ESPIPE);
+    return Handle::invalid;
+  }
   file->device = info.st_dev;
   file->node = info.st_ino;
   file->writes = writes;
   file->sharesWriting = sharesWriting;
   file->path = path;
   return Files().Add(file);
+}
+
+[[nodiscard]] Handle CreateAs(const wchar_t* path, int flag) {
+  if (FaultAt(FaultPoint::createFile, path)) return Handle::invalid;
+  const Handle handle = OpenAs(path, O_RDWR | O_CREAT | flag, true, false);
+  if (handle != Handle::invalid) Files().Find(handle)->sink = SinkOf(path);
+  return handle;
 }
 
 // The open file, unless the handle is none or the call is to fail.
@@ -160,6 +194,15 @@ void Sink(OpenFile& file, std::span<const uint8_t> bytes) {
   return true;
 }
 
+// Where a file system cannot rename without replacing, it is looked at beforehand.
+[[nodiscard]] bool RenameToFreeName(const char* from, const char* to) {
+  if (renameat2(AT_FDCWD, from, AT_FDCWD, to, RENAME_NOREPLACE) == 0) return true;
+  if (errno != EINVAL && errno != ENOSYS) return FailWithErrno();
+  struct stat info {};
+  if (lstat(to, &info) == 0) return FailWith(EEXIST);
+  return rename(from, to) == 0 || FailWithErrno();
+}
+
 std::string& DocumentsSetting() {
   static auto* const path = new std::string;
   return *path;
@@ -168,10 +211,11 @@ std::string& DocumentsSetting() {
 }  // namespace
 
 Handle CreateFileAnew(const wchar_t* path) {
-  if (FaultAt(FaultPoint::createFile, path)) return Handle::invalid;
-  const Handle handle = OpenAs(path, O_RDWR | O_CREAT | O_TRUNC, true, false);
-  if (handle != Handle::invalid) Files().Find(handle)->sink = SinkOf(path);
-  return handle;
+  return CreateAs(path, O_TRUNC);
+}
+
+Handle CreateNewFile(const wchar_t* path) {
+  return CreateAs(path, O_EXCL);
 }
 
 Handle OpenFileForReading(const wchar_t* path, WriteSharing sharing) {
@@ -267,7 +311,7 @@ bool PathOfFile(Handle handle, std::span<wchar_t> path) {
   const ssize_t length = readlink(link, target, sizeof(target));
   if (length < 0) return FailWithErrno();
   wchar_t full[PATH_MAX];
-  const size_t units = WidenText(full, {target, static_cast<size_t>(length)});
+  const size_t units = WidenPath(full, {target, static_cast<size_t>(length)});
   if (units >= path.size()) return FailWith(ENAMETOOLONG);
   std::replace(full, full + units, L'/', L'\\');
   CopyWide(path, {full, units});
@@ -285,12 +329,13 @@ bool RemoveFile(const wchar_t* path) {
   return IsFree(host.Get()) && (unlink(host.Get()) == 0 || FailWithErrno());
 }
 
-bool RenameFile(const wchar_t* from, const wchar_t* to) {
+bool RenameFile(const wchar_t* from, const wchar_t* to, Existing existing) {
   if (FaultAt(FaultPoint::renameFile, from)) return false;
   const HostPath hostFrom(from);
   const HostPath hostTo(to);
   const std::lock_guard held(OpenMutex());
   if (!IsFree(hostFrom.Get()) || !IsFree(hostTo.Get())) return false;
+  if (existing == Existing::kept) return RenameToFreeName(hostFrom.Get(), hostTo.Get());
   return rename(hostFrom.Get(), hostTo.Get()) == 0 || FailWithErrno();
 }
 
@@ -298,9 +343,45 @@ void SinkFiles(const wchar_t* folder, FileSink* sink) {
   Sunk() = {folder != nullptr ? folder : L"", sink};
 }
 
-bool IsFolder(const wchar_t* path) {
+PathKind KindOfPath(const wchar_t* path) {
+  const HostPath host(path);
   struct stat info {};
-  return stat(HostPath(path).Get(), &info) == 0 && S_ISDIR(info.st_mode);
+  if (stat(host.Get(), &info) != 0)
+    return lstat(host.Get(), &info) == 0 ? PathKind::other : PathKind::nothing;
+  if (S_ISDIR(info.st_mode)) return PathKind::folder;
+  return S_ISREG(info.st_mode) ? PathKind::file : PathKind::other;
+}
+
+bool IsFolder(const wchar_t* path) {
+  return KindOfPath(path) == PathKind::folder;
+}
+
+size_t WidenPath(std::span<wchar_t> out, std::string_view path) {
+  if (out.empty()) return 0;
+  size_t used = 0;
+  while (!path.empty() && used + 1 < out.size()) {
+    wchar_t unit = 0;
+    const size_t size = path[0] == '\\' ? 0 : TakeCharacter(path, unit);
+    out[used++] = size != 0 ? unit : static_cast<wchar_t>(kBytesFrom | static_cast<uint8_t>(path[0]));
+    path.remove_prefix(std::max<size_t>(size, 1));
+  }
+  out[used] = L'\0';
+  return used;
+}
+
+size_t NarrowPath(std::span<char> out, std::wstring_view path) {
+  if (out.empty()) return 0;
+  size_t used = 0;
+  for (const wchar_t unit : path) {
+    char bytes[kLongestCharacter + 1] = {static_cast<char>(unit)};
+    const bool isByte = IsByte(static_cast<uint32_t>(unit));
+    const size_t size = isByte ? 1 : NarrowText(bytes, {unit == L'\\' ? L"/" : &unit, 1});
+    if (used + size >= out.size()) break;
+    used = static_cast<size_t>(std::copy_n(bytes, size, out.begin() + static_cast<ptrdiff_t>(used)) -
+                               out.begin());
+  }
+  out[used] = '\0';
+  return used;
 }
 
 bool CreateFolder(const wchar_t* path) {

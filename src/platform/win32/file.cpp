@@ -46,16 +46,31 @@ constexpr size_t kPathUnits = 32'768;  // the longest path that the system knows
   return true;
 }
 
+// Refuses what cannot be read again from its beginning.
+[[nodiscard]] Handle OnlyFile(Handle handle) {
+  if (handle == Handle::invalid || GetFileType(ToSystem(handle)) == FILE_TYPE_DISK) return handle;
+  CloseIfOpen(handle);
+  SetLastError(ERROR_SEEK_ON_DEVICE);
+  return Handle::invalid;
+}
+
 }  // namespace
 
 Handle CreateFileAnew(const wchar_t* path) {
   return Open(path, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ, CREATE_ALWAYS);
 }
 
+// Opened as a link, so that the name of one is taken.
+Handle CreateNewFile(const wchar_t* path) {
+  constexpr DWORD kAttributes = FILE_ATTRIBUTE_NORMAL | FILE_FLAG_OPEN_REPARSE_POINT;
+  return FromSystem(CreateFileW(path, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ, nullptr, CREATE_NEW,
+                                kAttributes, nullptr));
+}
+
 Handle OpenFileForReading(const wchar_t* path, WriteSharing sharing) {
   const DWORD others =
       sharing == WriteSharing::allowed ? FILE_SHARE_READ | FILE_SHARE_WRITE : FILE_SHARE_READ;
-  return Open(path, GENERIC_READ, others, OPEN_EXISTING);
+  return OnlyFile(Open(path, GENERIC_READ, others, OPEN_EXISTING));
 }
 
 bool ReadFileBytes(Handle file, void* bytes, uint32_t size, uint32_t& got) {
@@ -118,13 +133,33 @@ bool RemoveFile(const wchar_t* path) {
   return DeleteFileW(path) != 0;
 }
 
-bool RenameFile(const wchar_t* from, const wchar_t* to) {
-  return MoveFileExW(from, to, MOVEFILE_REPLACE_EXISTING) != 0;
+bool RenameFile(const wchar_t* from, const wchar_t* to, Existing existing) {
+  return MoveFileExW(from, to, existing == Existing::replaced ? MOVEFILE_REPLACE_EXISTING : 0) != 0;
+}
+
+PathKind KindOfPath(const wchar_t* path) {
+  const DWORD attributes = GetFileAttributesW(path);
+  if (attributes == INVALID_FILE_ATTRIBUTES) return PathKind::nothing;
+  if ((attributes & FILE_ATTRIBUTE_DIRECTORY) != 0) return PathKind::folder;
+  // Devices have attributes as well.
+  constexpr DWORD kAnySharing = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+  const HANDLE handle = CreateFileW(path, 0, kAnySharing, nullptr, OPEN_EXISTING, 0, nullptr);
+  if (handle == INVALID_HANDLE_VALUE) return PathKind::file;
+  const DWORD type = GetFileType(handle);
+  CloseHandle(handle);
+  return type == FILE_TYPE_DISK ? PathKind::file : PathKind::other;
 }
 
 bool IsFolder(const wchar_t* path) {
-  const DWORD attributes = GetFileAttributesW(path);
-  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+  return KindOfPath(path) == PathKind::folder;
+}
+
+size_t WidenPath(std::span<wchar_t> out, std::string_view path) {
+  return WidenText(out, path);
+}
+
+size_t NarrowPath(std::span<char> out, std::wstring_view path) {
+  return NarrowText(out, path);
 }
 
 bool CreateFolder(const wchar_t* path) {
