@@ -66,7 +66,8 @@ bool Open(AppState& state, const std::wstring& path, WriteSharing sharing, Candi
     return false;
   }
   uint8_t start[kStartSize];
-  candidate.told = DetectRecording(std::span<const uint8_t>(start, ReadStart(candidate.file, start)));
+  candidate.told =
+      DetectRecording(std::span<const uint8_t>(start, ReadStart(candidate.file, start, kGrowingRetries)));
   return true;
 }
 

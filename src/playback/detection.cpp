@@ -10,7 +10,6 @@
 namespace tw {
 namespace {
 
-constexpr int kRetries = 5;
 constexpr uint32_t kPause_ms = 50;
 constexpr std::string_view kInfoMark = "INFO:";
 constexpr int32_t kUsualTextMode = 4;  // of echo text that tells none
@@ -244,9 +243,9 @@ Candidates CandidatesOf(std::span<const uint8_t> start) {
   return candidates;
 }
 
-size_t ReadStart(Handle file, std::span<uint8_t, kStartSize> start) {
+size_t ReadStart(Handle file, std::span<uint8_t, kStartSize> start, int retries) {
   uint32_t size = 0;
-  for (int tries = 0; tries <= kRetries; ++tries) {
+  for (int tries = 0; tries <= retries; ++tries) {
     if (tries != 0) SleepMilliseconds(kPause_ms);
     if (!SeekFile(file, 0) || !ReadFileBytes(file, start.data(), static_cast<uint32_t>(kStartSize), size))
       size = 0;

@@ -75,9 +75,10 @@ struct Candidates {
 // Whether a family has an output mode, 100 and 101 told as 102. Pure.
 [[nodiscard]] bool HasMode(int32_t family, int32_t outputMode);
 
-// Reads the first bytes of a file, which may still be growing: looks again up to five times, 50 ms apart, as
-// long as they tell nothing. The file's position is its start afterwards. Returns how many bytes there are; 0
-// as well when the file cannot be read.
-[[nodiscard]] size_t ReadStart(Handle file, std::span<uint8_t, kStartSize> start);
+// Reads the first bytes of a file: looks again up to `retries` times, 50 ms apart, as long as they tell
+// nothing. The file's position is its start afterwards. Returns how many bytes there are; 0 as well when the
+// file cannot be read.
+[[nodiscard]] size_t ReadStart(Handle file, std::span<uint8_t, kStartSize> start, int retries);
+inline constexpr int kGrowingRetries = 5;  // for a file that may still be written
 
 }  // namespace tw

@@ -404,9 +404,10 @@ std::unique_ptr<Recording> TryWay(Handle file, const Detected& way, int32_t samp
   return fault == RecordingFault::none ? std::move(recording) : nullptr;
 }
 
-std::unique_ptr<Recording> Make(Handle file, RecordingFault& fault, int32_t sampling_hz) {
+std::unique_ptr<Recording> Make(Handle file, RecordingFault& fault, int32_t sampling_hz, int retries) {
   uint8_t start[kStartSize];
-  const Candidates candidates = CandidatesOf(std::span<const uint8_t>(start, ReadStart(file, start)));
+  const Candidates candidates =
+      CandidatesOf(std::span<const uint8_t>(start, ReadStart(file, start, retries)));
   fault = RecordingFault::unknown;
   for (const Detected& way : std::span(candidates.ways).first(candidates.count)) {
     auto recording = TryWay(file, way, sampling_hz, fault);
@@ -421,7 +422,7 @@ std::unique_ptr<PingSource> OpenRecording(const wchar_t* path, RecordingFault& f
   const Handle file = OpenFileForReading(path, WriteSharing::denied);
   fault = RecordingFault::notOpened;
   if (file == Handle::invalid) return nullptr;
-  auto recording = Make(file, fault, sampling_hz);
+  auto recording = Make(file, fault, sampling_hz, 0);  // nobody else writes it
   if (recording == nullptr) {
     CloseFile(file);
   } else {
@@ -431,7 +432,7 @@ std::unique_ptr<PingSource> OpenRecording(const wchar_t* path, RecordingFault& f
 }
 
 std::unique_ptr<PingSource> MakeRecording(Handle file, RecordingFault& fault, int32_t sampling_hz) {
-  return Make(file, fault, sampling_hz);
+  return Make(file, fault, sampling_hz, kGrowingRetries);
 }
 
 }  // namespace tw

@@ -227,7 +227,9 @@ TEST_F(HostileFiles, LongRecordingsCutAtRandomLengths) {
 TEST_F(HostileFiles, TooShortToBeAnything) {
   for (const size_t size : {0, 1, 2'047}) {
     for (const char fill : {'\0', 'x', '#', '\xFF'}) {
+      ClearFaults();
       EXPECT_EQ(Read(std::string(size, fill)).fault, RecordingFault::unknown) << size;
+      EXPECT_EQ(CallCount(FaultPoint::readFile), 1u) << "nobody writes it: there is nothing to wait for";
       ThroughAll();
     }
   }
