@@ -35,6 +35,7 @@ bool SegyConverter::Append(const PingHeader& ping, std::span<const uint16_t> sam
   uint8_t* const out = output_.Room(size);
   if (out == nullptr) return false;
   ++traces_;
+  if (samples.size() > length) ++cutTraces_;
   BuildSegyTraceHeader(std::span<uint8_t, kSegyTraceHeaderSize>(out, kSegyTraceHeaderSize), ping,
                        {traces_, length, soundSpeed_mps_, options_.numbered});
   const auto own = samples.first(std::min<size_t>(length, samples.size()));

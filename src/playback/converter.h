@@ -34,6 +34,8 @@ class SegyConverter final : public PingConverter {
   [[nodiscard]] bool Append(const PingHeader& ping, std::span<const uint16_t> samples) override;
 
   [[nodiscard]] uint32_t Traces() const { return traces_; }
+  // Those whose ping has more samples than a trace can tell.
+  [[nodiscard]] uint32_t CutTraces() const { return cutTraces_; }
 
  private:
   [[nodiscard]] bool AppendFileHeaders(const PingHeader& ping, uint32_t length);
@@ -43,6 +45,7 @@ class SegyConverter final : public PingConverter {
   float soundSpeed_mps_;
   SegyOptions options_;
   uint32_t traces_ = 0;
+  uint32_t cutTraces_ = 0;
 };
 
 // One text block a ping. kept: only a recording on the 100 kHz grid has sample lines, which is found once, at

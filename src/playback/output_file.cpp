@@ -3,6 +3,7 @@
 #include <new>
 
 #include "platform/file.h"
+#include "platform/system_error.h"
 
 namespace tw {
 
@@ -19,6 +20,7 @@ bool OutputFile::Flush() {
   if (used_ == 0) return true;
   uint32_t written = 0;
   failed_ = !WriteFileBytes(file_, buffer_.get(), static_cast<uint32_t>(used_), written);
+  if (failed_) error_ = LastSystemError();
   written_ += written;
   used_ = 0;
   return !failed_;

@@ -26,6 +26,8 @@ class OutputFile {
   [[nodiscard]] bool Flush();
 
   [[nodiscard]] bool Failed() const { return failed_; }
+  // The system's error of the write that failed; 0 without one, and when there was no memory.
+  [[nodiscard]] uint32_t Error() const { return error_; }
   [[nodiscard]] uint64_t Size() const { return written_ + used_; }
 
  private:
@@ -33,6 +35,7 @@ class OutputFile {
   std::unique_ptr<uint8_t[]> buffer_;
   size_t used_ = 0;
   uint64_t written_ = 0;
+  uint32_t error_ = 0;
   bool failed_;
 };
 

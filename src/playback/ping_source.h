@@ -24,7 +24,8 @@ struct RecordedPing {
   double longitude_rad;
   bool hasTime;  // the recording tells when the ping was
   int64_t time_ms;
-  uint64_t begin;  // place of its first byte in the file
+  bool hasMilliseconds;  // it tells `time_ms`, be it that of the ping before, finer than in seconds
+  uint64_t begin;        // place of its first byte in the file
 };
 
 // What the recording's start tells. Texts are constants.
@@ -35,6 +36,7 @@ struct RecordingKind {
   int32_t channels;
   bool hasSamples;
   bool isText;           // lines and blocks; else binary frames
+  bool hasInfo;          // it begins with its settings
   float soundSpeed_mps;  // of the settings that the recording begins with, else 1500
 };
 
@@ -81,7 +83,8 @@ class PingSource {
   // True once a ping got the sampling frequency that the caller gave, because the recording tells none.
   [[nodiscard]] virtual bool IsSamplingAssumed() const = 0;
 
-  // Bytes of the recording: behind the last ping, in all, and those that belonged to no ping so far.
+  // Bytes of the recording: behind the last ping, in all, and those that belonged to no ping and no settings
+  // so far: damage. Sentences and line ends that were recorded with a ping belong to it.
   [[nodiscard]] virtual uint64_t Position() const = 0;
   [[nodiscard]] virtual uint64_t Size() const = 0;
   [[nodiscard]] virtual uint64_t Skipped() const = 0;

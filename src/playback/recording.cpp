@@ -121,6 +121,15 @@ int32_t LowFrequencyOf(const Detected& told) {
   return told.low ? told.low->frequency_hz : 0;
 }
 
+// Whether an echo text's time of work has a fraction: converted texts have none.
+bool TellsFraction(std::string_view block) {
+  constexpr std::string_view kKey = "#TimeWork ";
+  const size_t at = block.find(kKey);
+  if (at == std::string_view::npos) return false;
+  const size_t end = block.find_first_not_of("0123456789", at + kKey.size());
+  return end != std::string_view::npos && block[end] == '.';
+}
+
 // A recording read through the same readers and parsers as the live stream that it was.
 class Recording final : public PingSource {
  public:
@@ -134,6 +143,7 @@ class Recording final : public PingSource {
               told.channels,
               form.hasSamples,
               form.isText,
+              told.info.has_value(),
               told.info ? told.info->soundSpeed_mps : kUsualSoundSpeed_mps},
         context_{told.channels > 1,
                  told.outputMode,
@@ -355,10 +365,13 @@ class Recording final : public PingSource {
       ping.hasTime = true;
       ping.time_ms = int64_t{ping_.deviceSeconds} * 1000 + ping_.deviceMilliseconds;
       if (form_.isText) header.timeOfWork_s = ping_.deviceSeconds;
+      ping.hasMilliseconds = form_.isText ? !form_.hasSamples || TellsFraction(reader_->Block())
+                                          : header.deviceSeconds != 0 || header.deviceMilliseconds != 0;
     } else if ((fix_.presence & kHasRmc) != 0) {
       const int64_t time_ms = int64_t{header.gpsTime_s} * 1000 + MillisecondsOf(fix_.utc);
       ping.hasTime = time_ms > latest_ms_;
       ping.time_ms = time_ms;
+      ping.hasMilliseconds = true;
       if (ping.hasTime) latest_ms_ = time_ms;
       header.timeOfWork_s = header.gpsTime_s;
     }
