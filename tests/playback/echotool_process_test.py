@@ -29,13 +29,13 @@ def check_exit_codes(folder):
     shutil.copy(os.path.join(DATA, 'three_pings.log'), good)
     with open(bad, 'w') as out:
         out.write('no recording')
-    for words, code, told in ((['info', good], 0, ''), (['csv', good], 0, ''), (['--help'], 0, ''),
+    for words, code, told in ((['info', good], 0, ''), (['csv', good], 0, ''), (['--help'], 0, ''), (['--version'], 0, ''),
                               (['kml', bad, good], 1, 'echotool: %s: ' % bad), (['draw', good], 2, 'echotool: '),
                               ([], 2, 'echotool: ')):
         seen = run(*words)
         expect('exit code of %s' % words, seen[0] == code, seen)
         expect('quiet but for errors, %s' % words, seen[2].startswith(told) and bool(told) == bool(seen[2]), seen)
-        expect('answers to %s' % words, bool(seen[1]) == (words[:1] in (['info'], ['--help'])), seen)
+        expect('answers to %s' % words, bool(seen[1]) == (words[:1] in (['info'], ['--help'], ['--version'])), seen)
     expect('the good one is done', os.path.exists(os.path.join(folder, 'good.kml')))
     with open('/dev/full', 'w') as full:
         code = run('info', good, stdout=full, stderr=subprocess.DEVNULL)[0]
@@ -68,11 +68,26 @@ def check_interruption(folder, number):
         expect('the older output', kept.read() == 'older')
 
 
+def check_strange_names(folder):
+    """Names are bytes; and what stands under a temporary name is nobody's to write into."""
+    precious = os.path.join(folder, 'precious')
+    shutil.copy(os.path.join(DATA, 'three_pings.log'), precious)
+    for name in (b'umlaut \xfc.log', b'back\\slash.log', '\u6e2c.log'.encode()):
+        path = os.path.join(folder.encode(), name)
+        shutil.copy(precious, path)
+        os.symlink(precious, path[:-4] + b'.csv.part')
+        seen = subprocess.run([ECHOTOOL, 'csv', path], capture_output=True)
+        expect('opened by its bytes', seen.returncode == 0 and os.path.isfile(path[:-4] + b'.csv'), seen)
+    with open(precious, 'rb') as kept, open(os.path.join(DATA, 'three_pings.log'), 'rb') as original:
+        expect('nothing is written through a link', kept.read() == original.read())
+
+
 def check_bar(folder):
     """On a terminal, and taken away at the end."""
     shutil.copy(os.path.join(DATA, 'three_pings.log'), folder)
     terminal, theirs = pty.openpty()
-    subprocess.run([ECHOTOOL, 'csv', os.path.join(folder, 'three_pings.log')], stderr=theirs, check=True)
+    path = os.path.join(folder, 'three_pings.log')
+    subprocess.run([ECHOTOOL, 'info', path, path], stdout=subprocess.DEVNULL, stderr=theirs, check=True)
     os.close(theirs)
     shown = ''
     try:
@@ -80,11 +95,12 @@ def check_bar(folder):
             shown += piece.decode()
     except OSError:  # all has been read, and nobody is at the other end
         pass
-    expect('bar', '\rthree_pings.log [' in shown and '100 %' in shown and shown.endswith('\r\033[K'), shown)
+    expect('bar', '\r2 of 2 three_pings.log [' in shown and '100 %' in shown and shown.endswith('\r' + 79 * ' ' + '\r'), shown)
 
 
 for check, *arguments in ((check_exit_codes,), (check_interruption, signal.SIGINT), (check_interruption, signal.SIGTERM),
-                          (check_bar,)):
+                          (check_interruption, signal.SIGHUP), (check_interruption, signal.SIGQUIT),
+                          (check_strange_names,), (check_bar,)):
     with tempfile.TemporaryDirectory() as work:
         check(work, *arguments)
 for problem in problems:

@@ -140,8 +140,8 @@ class HostileFiles : public Playback {
     echotool::Options options;
     options.task = task;
     if (task != Task::info) options.folder = outputs.string();
-    echotool::Outputs made;
-    const echotool::Result result = echotool::WorkOn(fs::path(file_).string(), options, interrupted_, made);
+    echotool::Batch batch;
+    const echotool::Result result = echotool::WorkOn(fs::path(file_).string(), options, interrupted_, batch);
     const auto files = std::distance(fs::directory_iterator(outputs), fs::directory_iterator());
     EXPECT_EQ(files, result.done && task != Task::info ? 1 : 0) << result.text;
     return result.done;
@@ -410,9 +410,11 @@ TEST_F(HostileFiles, NoPermissionToWrite) {
   EXPECT_EQ(Convert(file_, ConvertToSegy), L"Unable to open file.");
   EXPECT_EQ(Convert(file_, ConvertToText), L"Unable to open file.");
   for (const Task task : kOutputTasks) EXPECT_FALSE(Works(task));
-  ClearFaults();
-  InjectFault({.point = FaultPoint::renameFile, .repeat = kEveryCall, .code = EACCES});
-  for (const Task task : kOutputTasks) EXPECT_FALSE(Works(task));
+  for (const FaultPoint last : {FaultPoint::flushFile, FaultPoint::renameFile}) {
+    ClearFaults();
+    InjectFault({.point = last, .repeat = kEveryCall, .code = EACCES});
+    for (const Task task : kOutputTasks) EXPECT_FALSE(Works(task));
+  }
 }
 
 // The window leaves what went onto the disk and reads on; echotool leaves nothing.

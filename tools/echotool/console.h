@@ -1,18 +1,27 @@
 // The terminal that echotool may be talking to.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 namespace tw::echotool {
 
-// True when standard error is a terminal.
-[[nodiscard]] bool IsConsole();
+// The text, cut at a whole character so that it fits into so many columns of a terminal; what is no character
+// to show is a question mark.
+[[nodiscard]] std::string FitColumns(std::string_view text, size_t columns);
 
-// A bar on standard error, drawn again when it has grown by a hundredth; nothing without a terminal.
+struct Count {
+  size_t number;  // from 1
+  size_t of;
+};
+
+// A bar on standard error, behind "3 of 100" and the name of what is read; drawn again when it has grown by a
+// hundredth; nothing without a terminal.
 class ProgressBar {
  public:
-  ProgressBar(std::string label, uint64_t size);
+  ProgressBar(const Count& count, std::string_view name, std::string_view work, uint64_t size);
   ~ProgressBar();  // takes the bar away
   ProgressBar(const ProgressBar&) = delete;
   ProgressBar& operator=(const ProgressBar&) = delete;

@@ -1,11 +1,11 @@
 // echotool: batch work on record files with the program's own code.
 #include <atomic>
-#include <csignal>
 #include <cstdio>
 #include <string>
 #include <vector>
 
-#include "base/text_format.h"
+#include "platform/console.h"
+#include "platform/file.h"
 #include "tools/echotool/options.h"
 #include "tools/echotool/work.h"
 
@@ -18,40 +18,43 @@ constexpr int kMisused = 2;
 constexpr int kInterrupted = 130;
 
 std::atomic<bool> interrupted = false;
-static_assert(std::atomic<bool>::is_always_lock_free);
 
-void Interrupt(int) {
-  interrupted.store(true);
+void Complain(const std::string& what) {
+  WriteError("echotool: " + what + "\n");
+}
+
+// False when the report cannot be written.
+bool Tell(const Result& result) {
+  if (!result.done) {
+    Complain(result.text);
+    return true;
+  }
+  for (const std::string& note : result.notes) Complain(note);
+  return std::fputs(result.text.c_str(), stdout) >= 0;
 }
 
 int Run(const std::vector<std::string>& arguments) {
+  const Utf8Console console;
   Options options;
   std::string error;
   if (!ParseOptions(arguments, options, error)) {
-    std::fprintf(stderr, "echotool: %s; see echotool --help\n", error.c_str());
+    Complain(error + "; see echotool --help");
     return kMisused;
   }
-  if (options.help) {
-    std::fputs(std::string(HelpText()).c_str(), stdout);
+  if (options.help || options.version) {
+    std::fputs(std::string(options.help ? HelpText() : VersionText()).c_str(), stdout);
     return kDone;
   }
-  std::signal(SIGINT, Interrupt);
-  std::signal(SIGTERM, Interrupt);
+  WatchInterruption(interrupted);
   bool failed = false;
-  Outputs outputs;
+  Batch batch = BeginBatch(options);
   for (const std::string& file : options.files) {
-    const Result result = WorkOn(file, options, interrupted, outputs);
-    if (!result.warning.empty()) std::fprintf(stderr, "echotool: warning: %s\n", result.warning.c_str());
-    if (result.done) {
-      failed = std::fputs(result.text.c_str(), stdout) < 0 || failed;
-    } else {
-      std::fprintf(stderr, "echotool: %s\n", result.text.c_str());
-      failed = true;
-    }
+    const Result result = WorkOn(file, options, interrupted, batch);
+    failed = !Tell(result) || !result.done || failed;
     if (interrupted.load()) return kInterrupted;
   }
   if (std::fflush(stdout) != 0) {
-    std::fputs("echotool: standard output cannot be written\n", stderr);
+    Complain("standard output cannot be written");
     failed = true;
   }
   return failed ? kFailed : kDone;
@@ -71,7 +74,7 @@ int wmain(int count, wchar_t** words) {
   for (int i = 1; i < count; ++i) {
     const std::wstring_view wide = words[i];
     std::string narrow(4 * wide.size() + 1, '\0');
-    narrow.resize(tw::NarrowText(narrow, wide));
+    narrow.resize(tw::NarrowPath(narrow, wide));
     arguments.push_back(std::move(narrow));
   }
   return tw::echotool::Run(arguments);

@@ -24,24 +24,36 @@ constexpr std::string_view kHelp =
     "  echotool csv  FILE... [-o DIR]   one row a ping, for spreadsheets and GIS (NAME.csv)\n"
     "  echotool kml  FILE... [-o DIR]   the track (NAME.kml)\n"
     "\n"
-    "  -o DIR     where outputs are written; without it beside each recording\n"
-    "  --pad      segy: every trace as long as the longest, zeros behind, for readers that want it so\n"
-    "  --inline   segy: inline and crossline numbers, for readers that want a geometry\n"
-    "  --help     this text\n"
+    "  -o DIR        where outputs are written; without it beside each recording\n"
+    "  --pad         segy: every trace as long as the longest, zeros behind, for readers that want it so\n"
+    "  --inline      segy: inline and crossline numbers, for readers that want a geometry\n"
+    "  --no-clobber  no output replaces an older file\n"
+    "  --force       an output may replace a file that is a recording itself\n"
+    "  --version     which echotool this is\n"
+    "  --help        this text\n"
     "\n"
-    "An output appears whole or not at all. Exit code: 0 all files done, 1 at least one failed,\n"
-    "2 the command line makes no sense, 130 interrupted.\n";
+    "An output appears whole or not at all, and never replaces a recording of the same call. What was\n"
+    "replaced, left out or skipped as damaged is told on standard error. Exit code: 0 all files done,\n"
+    "1 at least one failed, 2 the command line makes no sense, 130 interrupted.\n";
+
+constexpr std::string_view kVersion = "echotool " TW_VERSION "\n";
 
 bool TakeOption(const std::string& word, std::span<const std::string>& rest, Options& options,
                 std::string& error) {
   if (word == "--help" || word == "-h") {
     options.help = true;
+  } else if (word == "--version") {
+    options.version = true;
+  } else if (word == "--force") {
+    options.force = true;
+  } else if (word == "--no-clobber") {
+    options.noClobber = true;
   } else if (word == "--pad") {
     options.pad = true;
   } else if (word == "--inline") {
     options.numbered = true;
   } else if (word == "-o") {
-    if (rest.empty()) {
+    if (rest.empty() || rest.front().empty()) {
       error = "-o needs a folder";
       return false;
     }
@@ -67,6 +79,9 @@ bool ParseOptions(std::span<const std::string> arguments, Options& options, std:
       onlyFiles = true;
     } else if (!onlyFiles && word.size() > 1 && word[0] == '-') {
       if (!TakeOption(word, rest, options, error)) return false;
+    } else if (!onlyFiles && word == "-") {
+      error = "standard input cannot be read, a recording is a file (./- if one is named so)";
+      return false;
     } else if (!hasTask) {
       const auto* const row = std::find_if(std::begin(kTasks), std::end(kTasks),
                                            [&](const TaskName& each) { return each.name == word; });
@@ -80,7 +95,7 @@ bool ParseOptions(std::span<const std::string> arguments, Options& options, std:
       options.files.push_back(word);
     }
   }
-  if (options.help) return true;
+  if (options.help || options.version) return true;
   if (!hasTask) {
     error = "no task given";
   } else if (options.files.empty()) {
@@ -89,12 +104,18 @@ bool ParseOptions(std::span<const std::string> arguments, Options& options, std:
     error = "--pad and --inline belong to segy";
   } else if (!options.folder.empty() && options.task == Task::info) {
     error = "info writes no files";
+  } else if (options.force && options.noClobber) {
+    error = "--force and --no-clobber exclude each other";
   }
   return error.empty();
 }
 
 std::string_view HelpText() {
   return kHelp;
+}
+
+std::string_view VersionText() {
+  return kVersion;
 }
 
 }  // namespace tw::echotool

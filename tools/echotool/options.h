@@ -14,10 +14,13 @@ enum class Task : uint8_t { info, segy, text, csv, kml };
 struct Options {
   Task task = Task::info;
   std::vector<std::string> files;
-  std::string folder;     // of the outputs; empty: each beside its input
-  bool pad = false;       // SEG-Y: all traces as long as the longest
-  bool numbered = false;  // SEG-Y: inline and crossline numbers
+  std::string folder;      // of the outputs; empty: each beside its input
+  bool pad = false;        // SEG-Y: all traces as long as the longest
+  bool numbered = false;   // SEG-Y: inline and crossline numbers
+  bool force = false;      // an output may replace a recording
+  bool noClobber = false;  // no output replaces anything
   bool help = false;
+  bool version = false;
 };
 
 // Reads the arguments (the program's own name left out). False with a sentence in `error` when they make no
@@ -25,5 +28,6 @@ struct Options {
 [[nodiscard]] bool ParseOptions(std::span<const std::string> arguments, Options& options, std::string& error);
 
 [[nodiscard]] std::string_view HelpText();
+[[nodiscard]] std::string_view VersionText();
 
 }  // namespace tw::echotool

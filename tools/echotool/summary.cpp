@@ -39,6 +39,19 @@ constexpr double kDegrees = 180.0 / std::numbers::pi;
 
 }  // namespace
 
+std::string DamageText(const PingSource& recording) {
+  const uint64_t skipped = recording.Skipped();
+  const uint64_t size = recording.Size();
+  char text[128];
+  size_t length = FormatText(text, "%" PRIu64 " of %" PRIu64 " bytes skipped", skipped, size);
+  if (skipped != 0) {
+    const double share_percent = 100.0 * static_cast<double>(skipped) / static_cast<double>(size);
+    length += FormatText(std::span(text).subspan(length),
+                         share_percent < 0.1 ? " (below 0.1 %%)" : " (%.1f %%)", share_percent);
+  }
+  return {text, length};
+}
+
 void Summary::Span::Add(double value) {
   if (!std::isfinite(value)) return;
   low = any ? std::min(low, value) : value;
@@ -79,7 +92,7 @@ std::string Summary::Text(const PingSource& recording) const {
     Line(out, "latitude", "%.8f to %.8f deg", latitude_deg_.low, latitude_deg_.high);
     Line(out, "longitude", "%.8f to %.8f deg", longitude_deg_.low, longitude_deg_.high);
   }
-  Line(out, "damaged", "%" PRIu64 " of %" PRIu64 " bytes skipped", recording.Skipped(), recording.Size());
+  Line(out, "damaged", "%s", DamageText(recording).c_str());
   return out;
 }
 

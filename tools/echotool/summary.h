@@ -8,6 +8,9 @@
 
 namespace tw::echotool {
 
+// How much of a recording that has been read to its end was skipped, in bytes and as its share.
+[[nodiscard]] std::string DamageText(const PingSource& recording);
+
 class Summary {
  public:
   void Add(const RecordedPing& ping);
@@ -15,6 +18,7 @@ class Summary {
   // A few lines of text, each indented, ending in a line feed.
   [[nodiscard]] std::string Text(const PingSource& recording) const;
 
+  [[nodiscard]] uint64_t Pings() const { return pings_; }
   [[nodiscard]] uint32_t LongestTrace() const { return longest_; }
 
  private:

@@ -38,14 +38,18 @@ class Row {
   void Time(uint32_t seconds) {
     Separate();
     if (seconds == 0) return;  // the recording tells none
-    const CalendarTime t = CalendarFromUnixSeconds(seconds);
-    size_ += FormatText(
-        Rest(), "%04" PRId32 "-%02" PRId32 "-%02" PRId32 "T%02" PRId32 ":%02" PRId32 ":%02" PRId32 "Z",
-        t.year, t.month, t.day, t.hour, t.minute, t.second);
+    WholeSeconds(seconds);
+    size_ += FormatText(Rest(), "Z");
   }
-  void Whole(uint32_t value) {
+  void FineTime(int64_t milliseconds, bool present) {
     Separate();
-    size_ += FormatText(Rest(), "%" PRIu32, value);
+    if (!present || milliseconds < kSecond_ms) return;
+    WholeSeconds(milliseconds / kSecond_ms);
+    size_ += FormatText(Rest(), ".%03dZ", static_cast<int>(milliseconds % kSecond_ms));
+  }
+  void Whole(uint32_t value, bool present = true) {
+    Separate();
+    if (present) size_ += FormatText(Rest(), "%" PRIu32, value);
   }
   void Decimal(double value, int decimals, bool present = true) {
     Separate();
@@ -58,6 +62,14 @@ class Row {
   }
 
  private:
+  static constexpr int64_t kSecond_ms = 1'000;
+
+  void WholeSeconds(int64_t seconds) {
+    const CalendarTime t = CalendarFromUnixSeconds(seconds);
+    size_ +=
+        FormatText(Rest(), "%04" PRId32 "-%02" PRId32 "-%02" PRId32 "T%02" PRId32 ":%02" PRId32 ":%02" PRId32,
+                   t.year, t.month, t.day, t.hour, t.minute, t.second);
+  }
   void Separate() {
     if (fields_++ != 0) text_[size_++] = ',';
   }
@@ -92,7 +104,9 @@ std::string EscapedXml(std::string_view text) {
 
 bool CsvWriter::Begin() {
   return echotool::Append(
-      output_, "time_utc,ping,latitude_deg,longitude_deg,altitude_m,temperature_c,pitch_deg,roll_deg\r\n");
+      output_,
+      "time_utc,ping,latitude_deg,longitude_deg,altitude_m,temperature_c,pitch_deg,roll_deg,"
+      "channel,frequency_hz,altitude_low_m,time_ms_utc\r\n");
 }
 
 bool CsvWriter::Append(const RecordedPing& ping) {
@@ -108,6 +122,10 @@ bool CsvWriter::Append(const RecordedPing& ping) {
   row.Decimal(static_cast<double>(header.temperature_c), 2);
   row.Decimal(static_cast<double>(header.pitch_deg), 2, attitude);
   row.Decimal(static_cast<double>(header.roll_deg), 2, attitude);
+  row.Whole(static_cast<uint32_t>(ping.channel) + 1);
+  row.Whole(static_cast<uint32_t>(header.txFrequency_hz), header.txFrequency_hz > 0);
+  row.Decimal(static_cast<double>(ping.altitudeLow_m), 3, ping.bothChannels);
+  row.FineTime(ping.time_ms, ping.hasMilliseconds);
   return echotool::Append(output_, row.End());
 }
 

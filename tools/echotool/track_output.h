@@ -2,8 +2,13 @@
 //
 // CSV (RFC 4180): a headline, then one row a ping, each ending in CR LF; what a ping does not have is empty:
 //
-//   time_utc,ping,latitude_deg,longitude_deg,altitude_m,temperature_c,pitch_deg,roll_deg
-//   2026-05-01T09:30:00Z,17,35.10000000,129.05000000,12.345,14.20,1.25,-0.50
+//   time_utc,ping,latitude_deg,longitude_deg,altitude_m,temperature_c,pitch_deg,roll_deg,
+//   2026-05-01T09:30:00Z,17,35.10000000,129.05000000,12.345,14.20,1.25,-0.50,
+//
+//   channel,frequency_hz,altitude_low_m,time_ms_utc      (behind them, in the same line)
+//   1,450000,12.301,2026-05-01T09:30:00.250Z
+//
+// Channel 2 is the low frequency of a recording of both; a line that tells both altitudes stands in one row.
 //
 // KML 2.2: one line through the valid positions, each new one once; a point if there is but one, and nothing
 // without any. Pure but for the output; one thread.
@@ -25,6 +30,10 @@ class PingWriter {
   [[nodiscard]] virtual bool Begin() = 0;
   [[nodiscard]] virtual bool Append(const RecordedPing& ping) = 0;
   [[nodiscard]] virtual bool End() = 0;
+  // At the end, for the user: why there is nothing of use in the output, and what is missing in it; else
+  // empty.
+  [[nodiscard]] virtual std::string Emptiness() const { return {}; }
+  [[nodiscard]] virtual std::string Note() const { return {}; }
 };
 
 class CsvWriter final : public PingWriter {

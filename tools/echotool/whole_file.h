@@ -1,10 +1,12 @@
-// An output that appears whole or not at all: it is written under a temporary name beside its place and takes
-// its own name when it is complete. What was not completed is removed. One thread.
+// An output that appears whole or not at all: it is written under a temporary name of its own beside its
+// place and takes its own name when it is complete and on the disk. What was not completed is removed. One
+// thread.
 #pragma once
 
+#include <cstdint>
 #include <string>
 
-#include "platform/handle.h"
+#include "platform/file.h"
 
 namespace tw::echotool {
 
@@ -20,13 +22,19 @@ class WholeFile {
 
   [[nodiscard]] Handle File() const { return file_; }
 
-  // Gives the file its name, replacing an older one of that name. False: neither is there then but the older.
-  [[nodiscard]] bool Complete();
+  // Gives the file its name. False: what stood there stands there still, and nothing else does.
+  [[nodiscard]] bool Complete(Existing existing);
+
+  // The system's error of the call that failed.
+  [[nodiscard]] uint32_t Error() const { return error_; }
 
  private:
+  [[nodiscard]] bool Took(bool done);
+
   std::wstring path_;
   std::wstring temporary_;
   Handle file_ = Handle::invalid;
+  uint32_t error_ = 0;
 };
 
 }  // namespace tw::echotool

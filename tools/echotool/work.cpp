@@ -1,17 +1,14 @@
 #include "tools/echotool/work.h"
 
-#include <algorithm>
-#include <array>
 #include <memory>
-#include <utility>
 
-#include "app/file_naming.h"
-#include "base/text_format.h"
 #include "platform/file.h"
-#include "playback/converter.h"
+#include "platform/system_error.h"
 #include "playback/ping_source.h"
-#include "playback/segy_text_header.h"
 #include "tools/echotool/console.h"
+#include "tools/echotool/converter_output.h"
+#include "tools/echotool/file_names.h"
+#include "tools/echotool/replacing.h"
 #include "tools/echotool/summary.h"
 #include "tools/echotool/track_output.h"
 #include "tools/echotool/whole_file.h"
@@ -19,63 +16,19 @@
 namespace tw::echotool {
 namespace {
 
-constexpr size_t kPathSize = 4'096;
-
-std::wstring Wide(const std::string& text) {
-  std::wstring out(text.size() + 1, L'\0');
-  out.resize(WidenText(out, text));
-  return out;
-}
-
-std::string Narrow(const std::wstring& text) {
-  std::string out(4 * text.size() + 1, '\0');
-  out.resize(NarrowText(out, text));
-  return out;
-}
-
-// A converter of the program behind the interface of the other writers.
-class ConverterWriter final : public PingWriter {
- public:
-  ConverterWriter(OutputFile& output, std::unique_ptr<PingConverter> converter)
-      : output_(output), converter_(std::move(converter)) {}
-  [[nodiscard]] bool Begin() override { return true; }
-  [[nodiscard]] bool Append(const RecordedPing& ping) override {
-    return converter_->Append(ping.header, ping.samples);
-  }
-  [[nodiscard]] bool End() override { return output_.Flush(); }
-
- private:
-  OutputFile& output_;
-  std::unique_ptr<PingConverter> converter_;
-};
-
 struct Job {
   const std::string& file;
   const Options& options;
   const std::atomic<bool>& interrupted;
-  Outputs& outputs;
+  Batch& batch;
 };
-
-std::string NameOf(const std::string& path) {
-  const size_t separator = path.find_last_of("/\\");
-  return separator == std::string::npos ? path : path.substr(separator + 1);
-}
-
-// However the file is named; empty when it is not there.
-std::wstring FullPath(const std::wstring& path) {
-  const Handle file = OpenFileForReading(path.c_str(), WriteSharing::allowed);
-  wchar_t full[kPathSize];
-  const bool told = file != Handle::invalid && PathOfFile(file, full);
-  CloseFile(file);
-  return told ? full : L"";
-}
 
 std::string FaultText(RecordingFault fault) {
   switch (fault) {
     case RecordingFault::none:
       return "";
     case RecordingFault::notOpened:
-      return "cannot be opened";
+      return "cannot be opened: " + ReasonText(LastSystemError());
     case RecordingFault::unknown:
       return "is no recording of a known kind";
     case RecordingFault::noPing:
@@ -89,10 +42,16 @@ std::string FaultText(RecordingFault fault) {
 }
 
 std::unique_ptr<PingSource> Open(const std::string& file, std::string& error) {
+  const std::wstring path = WideName(file);
   RecordingFault fault = RecordingFault::none;
-  auto recording = OpenRecording(Wide(file).c_str(), fault);
-  if (recording == nullptr) error = FaultText(fault);
-  return recording;
+  auto recording = OpenRecording(path.c_str(), fault);
+  if (recording != nullptr) return recording;
+  error = FaultText(fault);
+  const PathKind kind = KindOfPath(path.c_str());
+  if (kind == PathKind::folder) error = "is a folder";
+  if (kind == PathKind::other)
+    error = "is no file that can be read twice, but a pipe, a device or a broken link";
+  return nullptr;
 }
 
 // Hands each ping to `take` until it declines. False when interrupted, be it in the middle of garbage.
@@ -103,7 +62,7 @@ bool ForEachPing(const Job& job, PingSource& recording, const char* label, Take 
   };
   Job watched = job;
   recording.SetInterruption({isInterrupted, &watched});
-  ProgressBar bar(NameOf(job.file) + label, recording.Size());
+  ProgressBar bar({job.batch.number, job.options.files.size()}, ShownName(job.file), label, recording.Size());
   RecordedPing ping{};
   while (!job.interrupted.load(std::memory_order_relaxed) && recording.Next(ping)) {
     bar.Show(recording.Position());
@@ -117,23 +76,6 @@ bool LooksConvertible(Task task, const RecordingKind& kind, std::string& error) 
   if ((task == Task::segy || task == Task::text) && !kind.hasSamples) error = "holds no echoes to convert";
   if (task == Task::text && kind.isText) error = "is text already";
   return error.empty();
-}
-
-// Where the output goes: the folder asked for or the input's own, the program's names, and likewise for the
-// kinds that the program itself does not write.
-std::wstring OutputPath(const Job& job) {
-  const std::wstring input = Wide(job.file);
-  wchar_t name[kPathSize];
-  NameConversion(name, input, job.options.task == Task::text ? Conversion::text : Conversion::segy);
-  std::wstring file = name;
-  const wchar_t* const extension = job.options.task == Task::csv ? L".csv" : L".kml";
-  if (job.options.task == Task::csv || job.options.task == Task::kml) {
-    file.resize(file.size() - 4);  // ".sgy"
-    file += extension;
-  }
-  if (!job.options.folder.empty()) return Wide(job.options.folder) + kPathSeparator + file;
-  const size_t separator = input.find_last_of(L"/\\");
-  return separator == std::wstring::npos ? file : input.substr(0, separator + 1) + file;
 }
 
 bool LongestTrace(const Job& job, uint32_t& longest, std::string& error) {
@@ -157,79 +99,137 @@ std::unique_ptr<PingWriter> MakeWriter(const Job& job, const RecordingKind& kind
     case Task::csv:
       return std::make_unique<CsvWriter>(output);
     case Task::kml:
-      return std::make_unique<KmlWriter>(output, NameOf(job.file));
+      return std::make_unique<KmlWriter>(output, ShownName(job.file));
     case Task::text:
-      return std::make_unique<ConverterWriter>(output, std::make_unique<TextConverter>(output));
+      return std::make_unique<TextWriter>(output);
     case Task::segy: {
       SegyOptions segy{.paddedLength = 0, .numbered = job.options.numbered};
       if (job.options.pad && !LongestTrace(job, segy.paddedLength, error)) return nullptr;
-      static const auto textHeader = [] {
-        std::array<uint8_t, kSegyTextHeaderSize> header;
-        BuildSegyTextHeader(header);
-        return header;
-      }();
-      return std::make_unique<ConverterWriter>(
-          output, std::make_unique<SegyConverter>(output, textHeader, kind.soundSpeed_mps, segy));
+      return std::make_unique<SegyWriter>(output, kind.soundSpeed_mps, segy);
     }
   }
   return nullptr;
 }
 
-std::string WarningOf(const Job& job, const PingSource& recording) {
-  if (!recording.IsSamplingAssumed()) return "";
-  return job.file + ": tells no sampling frequency, " + std::to_string(kUsualSampling_hz) + " Hz is assumed";
+// Judges a recording that has been read to its end. What has neither settings nor a binary mark and hardly a
+// ping is something else, in which a few bytes look like a line.
+bool IsRecording(const PingSource& recording, uint64_t pings, std::string& error) {
+  constexpr uint64_t kFewestPings = 3;
+  constexpr uint64_t kLargestPart = 100;  // at least a hundredth of the bytes is known
+  const RecordingKind& kind = recording.Kind();
+  const uint64_t known = recording.Size() - recording.Skipped();
+  if (!kind.isText || kind.hasInfo || (pings >= kFewestPings && known * kLargestPart >= recording.Size()))
+    return true;
+  error = "is no recording: " + std::to_string(pings) + " pings in " + std::to_string(recording.Size()) +
+          " bytes";
+  return false;
 }
 
-Result Inform(const Job& job) {
-  std::string error;
+void NoteDamage(const PingSource& recording, Result& result) {
+  if (recording.Skipped() != 0) result.notes.push_back("damaged: " + DamageText(recording));
+}
+
+void NoteSampling(const PingSource& recording, Result& result) {
+  if (recording.IsSamplingAssumed())
+    result.notes.push_back("warning: tells no sampling frequency, " + std::to_string(kUsualSampling_hz) +
+                           " Hz is assumed");
+}
+
+bool Inform(const Job& job, Result& result) {
+  std::string& error = result.text;
   const auto recording = Open(job.file, error);
-  if (recording == nullptr) return {false, job.file + ": " + error};
+  if (recording == nullptr) return false;
   Summary summary;
   const bool whole = ForEachPing(job, *recording, "", [&](const RecordedPing& ping) {
     summary.Add(ping);
     return true;
   });
-  if (!whole) return {false, job.file + ": interrupted"};
-  if (recording->Failed()) return {false, job.file + ": " + FaultText(RecordingFault::unread)};
-  return {true, job.file + "\n" + summary.Text(*recording), WarningOf(job, *recording)};
+  if (!whole) return false;
+  if (recording->Failed()) error = FaultText(RecordingFault::unread);
+  if (!error.empty() || !IsRecording(*recording, summary.Pings(), error)) return false;
+  result.text = job.file + "\n" + summary.Text(*recording);
+  NoteDamage(*recording, result);
+  NoteSampling(*recording, result);
+  return true;
 }
 
-Result Write(const Job& job) {
-  std::string error;
-  const auto failed = [&](const std::string& why) { return Result{false, job.file + ": " + why}; };
-  const auto recording = Open(job.file, error);
-  if (recording == nullptr) return failed(error);
-  if (!LooksConvertible(job.options.task, recording->Kind(), error)) return failed(error);
-
-  const std::wstring path = OutputPath(job);
-  const std::wstring older = FullPath(path);
-  if (!older.empty() && older == FullPath(Wide(job.file))) return failed("the output would replace it");
-  if (!older.empty() && std::find(job.outputs.begin(), job.outputs.end(), older) != job.outputs.end())
-    return failed(Narrow(path) + " has just been made of another recording");
-  WholeFile file;
-  if (!file.Create(path)) return failed(Narrow(path) + " cannot be made");
-  OutputFile output(file.File());
-  const auto writer = MakeWriter(job, recording->Kind(), output, error);
-  if (job.interrupted.load()) return failed("interrupted");
-  if (writer == nullptr) return failed(error);
+// All pings, from the recording into the output.
+bool Convert(const Job& job, PingSource& recording, OutputFile& output, const Place& place, Result& result) {
+  std::string& error = result.text;
+  const auto writer = MakeWriter(job, recording.Kind(), output, error);
+  if (writer == nullptr) return false;
   bool written = writer->Begin();
-  const bool whole = ForEachPing(job, *recording, "", [&](const RecordedPing& ping) {
+  uint64_t pings = 0;
+  const bool whole = ForEachPing(job, recording, "", [&](const RecordedPing& ping) {
+    ++pings;
     written = written && writer->Append(ping);
     return written;
   });
-  if (!whole) return failed("interrupted");
-  if (recording->Failed()) return failed(FaultText(RecordingFault::unread));
-  if (!written || !writer->End() || !file.Complete()) return failed(Narrow(path) + " cannot be written");
-  job.outputs.push_back(FullPath(path));
-  return {true, "", job.options.task == Task::segy ? WarningOf(job, *recording) : ""};
+  if (!whole) return false;
+  if (recording.Failed()) {
+    error = FaultText(RecordingFault::unread);
+  } else if (!written || !writer->End()) {
+    error = NarrowName(place.path) + " cannot be written: " +
+            (output.Error() != 0 ? ReasonText(output.Error()) : "there is no memory");
+  } else if (IsRecording(recording, pings, error)) {
+    error = writer->Emptiness();
+  }
+  NoteDamage(recording, result);
+  if (job.options.task == Task::segy) NoteSampling(recording, result);
+  const std::string note = writer->Note();
+  if (!note.empty()) result.notes.push_back(note);
+  return error.empty();
+}
+
+// Gives the output its name, if it may have it.
+bool Complete(WholeFile& file, const Place& place, Result& result) {
+  const std::string name = NarrowName(place.path);
+  if (!MayReplace(place, file.File())) {
+    result.text = IsRecordingText(place);
+  } else if (!file.Complete(place.taken ? Existing::replaced : Existing::kept)) {
+    result.text = name + " cannot be completed: " + ReasonText(file.Error());
+  } else if (place.taken) {
+    result.notes.push_back(name + " has been replaced");
+  }
+  return result.text.empty();
+}
+
+bool Write(const Job& job, Result& result) {
+  std::string& error = result.text;
+  const auto recording = Open(job.file, error);
+  if (recording == nullptr || !LooksConvertible(job.options.task, recording->Kind(), error)) return false;
+  Place place{.path = OutputPath(job.file, job.options)};
+  if (!LookAt(place, job.file, job.options, job.batch, error)) return false;
+  WholeFile file;
+  if (!file.Create(place.path)) {
+    error = NarrowName(place.path) + " cannot be made: " + ReasonText(file.Error());
+    return false;
+  }
+  OutputFile output(file.File());
+  if (!Convert(job, *recording, output, place, result) || !Complete(file, place, result)) return false;
+  job.batch.outputs.push_back(FullPath(place.path));
+  return true;
 }
 
 }  // namespace
 
+Batch BeginBatch(const Options& options) {
+  Batch batch;
+  if (options.task == Task::info) return batch;
+  for (const std::string& file : options.files) batch.inputs.push_back(FullPath(WideName(file)));
+  return batch;
+}
+
 Result WorkOn(const std::string& file, const Options& options, const std::atomic<bool>& interrupted,
-              Outputs& outputs) {
-  const Job job{file, options, interrupted, outputs};
-  return options.task == Task::info ? Inform(job) : Write(job);
+              Batch& batch) {
+  ++batch.number;
+  const Job job{file, options, interrupted, batch};
+  Result result;
+  result.done = options.task == Task::info ? Inform(job, result) : Write(job, result);
+  if (interrupted.load() && !result.done) result.text = "interrupted";
+  if (!result.done) result.text = file + ": " + result.text;
+  for (std::string& note : result.notes) note = file + ": " + note;
+  return result;
 }
 
 }  // namespace tw::echotool

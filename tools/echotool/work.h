@@ -1,4 +1,4 @@
-// What echotool does with one recording.
+// What echotool does with one recording of a call.
 #pragma once
 
 #include <atomic>
@@ -11,15 +11,22 @@ namespace tw::echotool {
 
 struct Result {
   bool done = false;
-  std::string text;          // for the user: a report, or what went wrong
-  std::string warning = {};  // what was done all the same
+  std::string text;                // for the user: a report, or what went wrong
+  std::vector<std::string> notes;  // for the user too, of what was done: damage, what was cut or replaced
 };
 
-// The outputs made so far, by their full paths: none replaces another, nor the recording that it is made of.
-using Outputs = std::vector<std::wstring>;
+// A call as far as it has come. Files by their full paths.
+struct Batch {
+  std::vector<std::wstring> inputs;   // all recordings of the call
+  std::vector<std::wstring> outputs;  // made so far
+  size_t number = 0;                  // of the recording that is worked on, from 1
+};
 
-// Does the task of the options with one recording. Ends early, leaving no output, once `interrupted` is set.
+[[nodiscard]] Batch BeginBatch(const Options& options);
+
+// Does the task of the options with the next recording of the batch. Ends early, leaving no output, once
+// `interrupted` is set.
 [[nodiscard]] Result WorkOn(const std::string& file, const Options& options,
-                            const std::atomic<bool>& interrupted, Outputs& outputs);
+                            const std::atomic<bool>& interrupted, Batch& batch);
 
 }  // namespace tw::echotool

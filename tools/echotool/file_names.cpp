@@ -1,0 +1,90 @@
+#include "tools/echotool/file_names.h"
+
+#include "base/text_format.h"
+#include "platform/file.h"
+#include "platform/system_error.h"
+
+namespace tw::echotool {
+namespace {
+
+constexpr size_t kFullPathSize = 4'096;
+#ifdef _WIN32
+constexpr std::wstring_view kSeparators = L"/\\:";
+#else
+constexpr std::wstring_view kSeparators = L"/\\";  // a backslash of a name stands for itself otherwise
+#endif
+
+size_t BeginOfName(std::wstring_view path) {
+  const size_t separator = path.find_last_of(kSeparators);
+  return separator == std::wstring_view::npos ? 0 : separator + 1;
+}
+
+std::wstring_view EndingOf(Task task) {
+  switch (task) {
+    case Task::info:
+      break;
+    case Task::segy:
+      return L".sgy";
+    case Task::text:
+      return L"_txt.log";
+    case Task::csv:
+      return L".csv";
+    case Task::kml:
+      return L".kml";
+  }
+  return {};
+}
+
+}  // namespace
+
+std::wstring WideName(const std::string& path) {
+  std::wstring out(path.size() + 1, L'\0');
+  out.resize(WidenPath(out, path));
+  return out;
+}
+
+std::string NarrowName(const std::wstring& path) {
+  std::string out(4 * path.size() + 1, '\0');
+  out.resize(NarrowPath(out, path));
+  return out;
+}
+
+std::string ShownName(const std::string& path) {
+  const std::wstring wide = WideName(path);
+  const std::string name = NarrowName(wide.substr(BeginOfName(wide)));
+  std::wstring text(name.size() + 1, L'\0');
+  text.resize(WidenText(text, name));
+  std::string out(4 * text.size() + 1, '\0');
+  out.resize(NarrowText(out, text));
+  return out;
+}
+
+std::wstring FullPath(const std::wstring& path) {
+  const Handle file = OpenFileForReading(path.c_str(), WriteSharing::allowed);
+  wchar_t full[kFullPathSize];
+  const bool told = file != Handle::invalid && PathOfFile(file, full);
+  CloseFile(file);
+  return told ? full : L"";
+}
+
+std::wstring OutputPath(const std::string& recording, const Options& options) {
+  const std::wstring input = WideName(recording);
+  const size_t begin = BeginOfName(input);
+  std::wstring name = input.substr(begin);
+  const size_t point = name.find_last_of(L'.');
+  if (point != std::wstring::npos && point != 0) name.resize(point);
+  name += EndingOf(options.task);
+  return options.folder.empty() ? input.substr(0, begin) + name
+                                : WideName(options.folder) + kPathSeparator + name;
+}
+
+std::string ReasonText(uint32_t error) {
+  wchar_t text[512];
+  const std::wstring wide(text, SystemErrorText(error, text));
+  std::string reason(4 * wide.size() + 1, '\0');
+  reason.resize(NarrowText(reason, wide));
+  reason.resize(reason.find_last_not_of(" .\r\n") + 1);
+  return reason;
+}
+
+}  // namespace tw::echotool
