@@ -47,9 +47,9 @@ struct RecordingUi {
   std::vector<std::wstring> chosenFiles;  // what the file dialog gives; none: it is cancelled
   std::vector<ProgressBlock> progress;
   std::vector<bool> conversionEnds;
-  size_t progressSeen = 0;  // blocks of `progress` that a box's message loop has handed on
+  size_t progressSeen = 0;        // blocks of `progress` that a box's message loop has handed on
   void (*duringBox)() = nullptr;  // what a test looks at while a box is shown
-  int fullQueue = 0;  // so many ends of conversions are not taken
+  int fullQueue = 0;              // so many ends of conversions are not taken
   int settingsClosed = 0;
   int queuedInput = 0;  // clicks and keys that wait
   int keptInput = 0;    // of these "Stop", Exit and closing
