@@ -50,6 +50,7 @@ class LiveRun {
       : state_(state),
         mode_(mode),
         settings_(start.settings),
+        deviceFamily_(start.deviceFamily),
         context_(ContextOf(start)),
         runNumber_(start.runNumber),
         source_(start.port),
@@ -186,7 +187,7 @@ class LiveRun {
 
   [[nodiscard]] float RangeOf(const Channel& channel) const {
     const bool low = context_.dual ? channel.record == RecordChannel::b
-                                   : UsesLowChannel(settings_, LoadShared(globals.deviceFamily));
+                                   : UsesLowChannel(settings_, deviceFamily_);
     return static_cast<float>(RangeInMillimetres(low ? settings_.rangeLow_mm : settings_.rangeHigh_mm)) /
            1000.0f;
   }
@@ -255,6 +256,7 @@ class LiveRun {
   AppState& state_;
   const LiveMode& mode_;
   const DeviceSettings settings_;
+  const int32_t deviceFamily_;
   const LiveContext context_;
   const uint32_t runNumber_;
   ByteSource source_;
