@@ -15,6 +15,8 @@
 #include "app/posts.h"
 #include "base/shared_value.h"
 #include "platform/clock.h"
+#include "platform/host/debug_capture.h"
+#include "platform/host/faults.h"
 #include "platform/host/serial_peer.h"
 #include "platform/host/virtual_clock.h"
 #include "platform/serial_line.h"
@@ -135,6 +137,17 @@ TEST_F(GpsWorkerTest, KeepsTheFixAndWhatIsDerivedFromIt) {
     const auto& sent = gps_->Counts();
     EXPECT_EQ(globals.gpsUpdates, sent.gga + sent.gsa + sent.gsv + sent.rmc + sent.vtg);
   }
+  Stop();
+}
+
+TEST_F(GpsWorkerTest, InputThatTheLineLostIsCounted) {
+  StartDebugCapture();
+  for (const uint64_t call : {3, 7}) InjectFault({.point = FaultPoint::overrunLine, .call = call});
+  Start();
+  SleepMilliseconds(3'000);
+  EXPECT_EQ(TakeDebugTexts(), (std::vector<std::wstring>{L"GPS input lost : 1\n", L"GPS input lost : 2\n"}));
+  StopDebugCapture();
+  ClearFaults();
   Stop();
 }
 
