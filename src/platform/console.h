@@ -19,7 +19,7 @@ class Utf8Console {
   Utf8Console& operator=(const Utf8Console&) = delete;
 
  private:
-  uint32_t codePage_ = 0;  // that it had; 0: there is no console
+  [[maybe_unused]] uint32_t codePage_ = 0;  // that it had; 0: there is no console
 };
 
 // Writes to standard error in one piece, so that no character comes in parts.
