@@ -186,8 +186,8 @@ class LiveRun {
   }
 
   [[nodiscard]] float RangeOf(const Channel& channel) const {
-    const bool low = context_.dual ? channel.record == RecordChannel::b
-                                   : UsesLowChannel(settings_, deviceFamily_);
+    const bool low =
+        context_.dual ? channel.record == RecordChannel::b : UsesLowChannel(settings_, deviceFamily_);
     return static_cast<float>(RangeInMillimetres(low ? settings_.rangeLow_mm : settings_.rangeHigh_mm)) /
            1000.0f;
   }
