@@ -10,7 +10,7 @@
 
 #include "acquisition/block_reader.h"
 #include "acquisition/echo_text_worker.h"
-#include "app/posts.h"
+#include "app/state/posts.h"
 #include "bench/measure.h"
 #include "simulator/virtual_echosounder.h"
 

@@ -11,7 +11,7 @@
 #include "acquisition/device_block.h"
 #include "acquisition/echo_frame.h"
 #include "acquisition/store_ping.h"
-#include "app/posts.h"
+#include "app/state/posts.h"
 #include "base/bytes.h"
 #include "bench/measure.h"
 #include "platform/memory.h"

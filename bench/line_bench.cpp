@@ -9,7 +9,7 @@
 
 #include "acquisition/altimeter_worker.h"
 #include "acquisition/nmea_worker.h"
-#include "app/posts.h"
+#include "app/state/posts.h"
 #include "bench/measure.h"
 
 namespace tw {

@@ -15,7 +15,7 @@
 #include "acquisition/byte_source.h"
 #include "acquisition/echo_text.h"
 #include "acquisition/store_ping.h"
-#include "app/app_state.h"
+#include "app/state/app_state.h"
 #include "device/serial_ports.h"
 #include "platform/clock.h"
 #include "platform/memory.h"

@@ -13,8 +13,8 @@
 #include <random>
 
 #include "acquisition/time_marks.h"
-#include "app/app_state.h"
-#include "app/posts.h"
+#include "app/state/app_state.h"
+#include "app/state/posts.h"
 #include "base/bytes.h"
 #include "bench/measure.h"
 #include "display/echogram_view_win32.h"

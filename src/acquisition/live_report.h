@@ -5,8 +5,8 @@
 #include <cstdint>
 
 #include "acquisition/ping_record.h"
-#include "app/app_state.h"
-#include "app/posts.h"
+#include "app/state/app_state.h"
+#include "app/state/posts.h"
 
 namespace tw {
 

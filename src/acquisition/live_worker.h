@@ -13,7 +13,7 @@
 
 #include "acquisition/ping_record.h"
 #include "acquisition/stream_reader.h"
-#include "app/app_state.h"
+#include "app/state/app_state.h"
 
 namespace tw {
 

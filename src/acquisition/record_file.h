@@ -8,7 +8,7 @@
 #include <cstdint>
 #include <span>
 
-#include "app/app_state.h"
+#include "app/state/app_state.h"
 
 namespace tw {
 

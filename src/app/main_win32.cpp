@@ -8,9 +8,9 @@
 
 #include <gdiplus.h>
 
-#include "app/control_ids.h"
-#include "app/main_window_win32.h"
-#include "app/start_up.h"
+#include "app/window/control_ids.h"
+#include "app/window/main_window_win32.h"
+#include "app/window/start_up.h"
 #include "display/echogram_view_win32.h"
 #include "platform/clock.h"
 #include "platform/win32/handle_win32.h"

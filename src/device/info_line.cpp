@@ -2,7 +2,7 @@
 
 #include <cinttypes>
 
-#include "app/app_state.h"
+#include "app/state/app_state.h"
 #include "base/shared_value.h"
 #include "base/text_format.h"
 #include "base/text_scan.h"

@@ -1,6 +1,6 @@
 #include "device/probe_interface.h"
 
-#include "app/app_state.h"
+#include "app/state/app_state.h"
 #include "device/rolling_window.h"
 #include "platform/clock.h"
 #include "platform/serial_line.h"

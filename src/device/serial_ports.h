@@ -6,7 +6,7 @@
 #include <span>
 #include <string_view>
 
-#include "app/app_state.h"
+#include "app/state/app_state.h"
 #include "platform/handle.h"
 
 namespace tw {

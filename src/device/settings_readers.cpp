@@ -1,6 +1,6 @@
 #include "device/settings_readers.h"
 
-#include "app/app_state.h"
+#include "app/state/app_state.h"
 
 namespace tw {
 namespace {

@@ -3,7 +3,7 @@
 #include <cinttypes>
 #include <span>
 
-#include "app/app_state.h"
+#include "app/state/app_state.h"
 #include "base/text_format.h"
 
 namespace tw {

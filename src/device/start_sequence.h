@@ -1,7 +1,7 @@
 // The commands that set a device going. GUI thread, after StopDevice.
 #pragma once
 
-#include "app/app_state.h"
+#include "app/state/app_state.h"
 
 namespace tw {
 

@@ -5,7 +5,7 @@
 
 #include <new>
 
-#include "app/file_naming.h"
+#include "app/state/file_naming.h"
 #include "base/shared_value.h"
 #include "display/png_win32.h"
 #include "display/screenshot.h"

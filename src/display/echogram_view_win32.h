@@ -7,7 +7,7 @@
 
 #include <windows.h>
 
-#include "app/app_state.h"
+#include "app/state/app_state.h"
 
 namespace tw {
 

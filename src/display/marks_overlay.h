@@ -7,7 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "app/app_state.h"
+#include "app/state/app_state.h"
 #include "display/echogram_image.h"
 #include "display/layout.h"
 

@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-#include "app/app_state.h"
+#include "app/state/app_state.h"
 #include "display/canvas.h"
 #include "display/echogram_image.h"
 #include "display/kept_echogram.h"

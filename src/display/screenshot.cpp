@@ -1,6 +1,6 @@
 #include "display/screenshot.h"
 
-#include "app/file_naming.h"
+#include "app/state/file_naming.h"
 #include "base/text_format.h"
 #include "platform/file.h"
 

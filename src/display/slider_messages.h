@@ -1,9 +1,9 @@
 // What file workers tell the playback slider, and what it tells them. A worker posts WM_USER with a
-// ProgressBlock of its own to each receiver, the slider and the main window (PostProgress in app/posts.h does
-// both); each receiver deletes what it gets, and the sender deletes what could not be posted. The same
-// message with the plain number kProgressSpan instead of a pointer carries a file position alone in its
-// second parameter, so that number is looked for before a pointer is taken. Any window can post any number:
-// only blocks that are known to be on their way are taken for one.
+// ProgressBlock of its own to each receiver, the slider and the main window (PostProgress in
+// app/state/posts.h does both); each receiver deletes what it gets, and the sender deletes what could not be
+// posted. The same message with the plain number kProgressSpan instead of a pointer carries a file position
+// alone in its second parameter, so that number is looked for before a pointer is taken. Any window can post
+// any number: only blocks that are known to be on their way are taken for one.
 //
 // The way back is one 64-bit field of the state record: the position that the operator has dragged the slider
 // to. Any thread; neither half can be torn.

@@ -4,7 +4,7 @@
 
 #include <windows.h>
 
-#include "app/app_state.h"
+#include "app/state/app_state.h"
 #include "display/drawing_win32.h"
 #include "display/panel.h"
 #include "display/text_win32.h"

@@ -5,7 +5,7 @@
 #include <cmath>
 #include <utility>
 
-#include "app/posts.h"
+#include "app/state/posts.h"
 #include "base/shared_value.h"
 #include "base/text_format.h"
 #include "gps/nmea_parser.h"

@@ -1,7 +1,7 @@
 // The GPS worker: reads the GPS port and keeps the fix and what is derived from it current, under gpsLock.
 #pragma once
 
-#include "app/app_state.h"
+#include "app/state/app_state.h"
 
 namespace tw {
 

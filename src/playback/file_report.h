@@ -4,8 +4,8 @@
 
 #include <cstdint>
 
-#include "app/app_state.h"
-#include "app/posts.h"
+#include "app/state/app_state.h"
+#include "app/state/posts.h"
 #include "playback/ping_source.h"
 
 namespace tw {

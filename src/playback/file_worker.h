@@ -14,7 +14,7 @@
 // its input and its own thread handle, a conversion its output too.
 #pragma once
 
-#include "app/app_state.h"
+#include "app/state/app_state.h"
 
 namespace tw {
 

@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <optional>
 
-#include "app/app_state.h"
+#include "app/state/app_state.h"
 #include "playback/ping_source.h"
 
 namespace tw {

@@ -5,7 +5,7 @@
 #include <cstdint>
 
 #include "acquisition/store_ping.h"
-#include "app/app_state.h"
+#include "app/state/app_state.h"
 #include "playback/history.h"
 
 namespace tw {

@@ -6,7 +6,7 @@
 #include "acquisition/echo_text_worker.h"
 #include "acquisition/ping_ring.h"
 #include "acquisition/record_file.h"
-#include "app/app_state.h"
+#include "app/state/app_state.h"
 #include "platform/host/serial_peer.h"
 #include "platform/thread.h"
 #include "tests/acquisition/posted_texts.h"

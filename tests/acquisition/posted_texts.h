@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "app/posts.h"
+#include "app/state/posts.h"
 
 namespace tw::test {
 

@@ -7,8 +7,8 @@
 #include <mutex>
 #include <utility>
 
-#include "app/playback_control.h"
-#include "app/run_control.h"
+#include "app/run/playback_control.h"
+#include "app/run/run_control.h"
 #include "base/text_format.h"
 #include "platform/clock.h"
 

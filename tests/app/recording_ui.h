@@ -1,6 +1,7 @@
-// A user interface that only remembers: it implements app/ui.h and app/posts.h in memory. Set its controls
-// as an operator would, run a command, then look at what was shown. A box stands for two seconds, and its
-// message loop goes on as that of a real one: what was posted comes, and so do the timers of that time.
+// A user interface that only remembers: it implements app/window/ui.h and app/state/posts.h in memory. Set
+// its controls as an operator would, run a command, then look at what was shown. A box stands for two
+// seconds, and its message loop goes on as that of a real one: what was posted comes, and so do the timers of
+// that time.
 #pragma once
 
 #include <cstdint>
@@ -10,7 +11,7 @@
 #include <string>
 #include <vector>
 
-#include "app/ui.h"
+#include "app/window/ui.h"
 
 namespace tw::test {
 

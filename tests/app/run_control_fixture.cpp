@@ -6,8 +6,8 @@
 #include <utility>
 
 #include "acquisition/ping_ring.h"
-#include "app/run_control.h"
-#include "app/start_up.h"
+#include "app/run/run_control.h"
+#include "app/window/start_up.h"
 #include "platform/clock.h"
 #include "platform/host/documents_folder.h"
 #include "platform/host/faults.h"

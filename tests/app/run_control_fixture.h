@@ -9,8 +9,8 @@
 #include <string>
 #include <vector>
 
-#include "app/app_state.h"
-#include "app/control_ids.h"
+#include "app/state/app_state.h"
+#include "app/window/control_ids.h"
 #include "simulator/virtual_echosounder.h"
 #include "simulator/virtual_gps.h"
 #include "tests/app/recording_ui.h"

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string>
 
-#include "app/persistent_settings.h"
+#include "app/settings/persistent_settings.h"
 #include "platform/host/memory_registry.h"
 
 namespace tw::test {

@@ -7,7 +7,7 @@
 #include <iterator>
 #include <tuple>
 
-#include "app/app_state.h"
+#include "app/state/app_state.h"
 #include "platform/file.h"
 #include "platform/host/faults.h"
 #include "tests/app/test_folder.h"

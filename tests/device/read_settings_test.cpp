@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "app/app_state.h"
+#include "app/state/app_state.h"
 #include "device/settings_readers.h"
 #include "tests/device/line_script.h"
 

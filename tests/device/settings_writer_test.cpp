@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "app/app_state.h"
+#include "app/state/app_state.h"
 #include "tests/device/line_script.h"
 
 namespace tw {

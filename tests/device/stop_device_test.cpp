@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "app/app_state.h"
+#include "app/state/app_state.h"
 #include "device/probe_interface.h"
 #include "platform/host/debug_capture.h"
 #include "tests/device/line_script.h"

@@ -12,8 +12,8 @@
 #include <vector>
 
 #include "acquisition/time_marks.h"
-#include "app/app_state.h"
-#include "app/posts.h"
+#include "app/state/app_state.h"
+#include "app/state/posts.h"
 #include "display/drawing_win32.h"
 #include "display/echogram_view_win32.h"
 #include "display/slider_messages.h"

@@ -7,7 +7,7 @@
 #include <random>
 
 #include "acquisition/ping_ring.h"
-#include "app/app_state.h"
+#include "app/state/app_state.h"
 #include "base/bytes.h"
 
 namespace tw {

@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "app/run_control.h"
+#include "app/run/run_control.h"
 #include "base/shared_value.h"
 #include "platform/clock.h"
 #include "simulator/virtual_echosounder.h"

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "acquisition/ping_ring.h"
-#include "app/run_control.h"
+#include "app/run/run_control.h"
 #include "base/bytes.h"
 #include "base/shared_value.h"
 #include "display/panel.h"

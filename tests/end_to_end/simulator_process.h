@@ -14,8 +14,8 @@
 #include <thread>
 #include <vector>
 
-#include "app/control_ids.h"
-#include "app/start_up.h"
+#include "app/window/control_ids.h"
+#include "app/window/start_up.h"
 #include "platform/host/documents_folder.h"
 #include "platform/host/memory_registry.h"
 #include "platform/host/serial_peer.h"

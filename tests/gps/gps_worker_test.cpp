@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-#include "app/posts.h"
+#include "app/state/posts.h"
 #include "base/shared_value.h"
 #include "platform/clock.h"
 #include "platform/host/debug_capture.h"

@@ -14,7 +14,7 @@
 #include "platform/host/faults.h"
 #include "playback/converter.h"
 #include "simulator/sent_ping.h"
-#include "tests/app/playback_fixture.h"
+#include "tests/app/run/playback_fixture.h"
 #include "tests/playback/info_text.h"
 #include "tests/playback/sample_recordings.h"
 #include "tools/echotool/work.h"

@@ -4,7 +4,7 @@
 
 #include <cstdio>
 
-#include "app/control_ids.h"
+#include "app/window/control_ids.h"
 #include "display/scaling.h"
 
 namespace tw {

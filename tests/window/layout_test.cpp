@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <optional>
 
-#include "app/control_ids.h"
+#include "app/window/control_ids.h"
 #include "tests/window/layout_checks.h"
 #include "tests/window/program.h"
 #include "tests/window/stored_choices.h"

@@ -7,7 +7,7 @@
 #include <optional>
 #include <utility>
 
-#include "app/control_ids.h"
+#include "app/window/control_ids.h"
 #include "tests/window/dialog.h"
 #include "tests/window/ping_log.h"
 #include "tests/window/program.h"

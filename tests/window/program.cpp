@@ -6,7 +6,7 @@
 #include <cstdlib>
 #include <stdexcept>
 
-#include "app/control_ids.h"
+#include "app/window/control_ids.h"
 
 namespace tw {
 namespace {

@@ -6,7 +6,7 @@
 #include <cstdlib>
 #include <optional>
 
-#include "app/control_ids.h"
+#include "app/window/control_ids.h"
 #include "tests/window/ping_log.h"
 #include "tests/window/program.h"
 #include "tests/window/stored_choices.h"

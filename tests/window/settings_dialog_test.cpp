@@ -7,7 +7,7 @@
 
 #include <optional>
 
-#include "app/control_ids.h"
+#include "app/window/control_ids.h"
 #include "tests/window/dialog.h"
 #include "tests/window/stored_choices.h"
 #include "tests/window/view_picture.h"

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <filesystem>
 
-#include "app/control_ids.h"
+#include "app/window/control_ids.h"
 #include "tests/window/program.h"
 #include "tests/window/stored_choices.h"
 

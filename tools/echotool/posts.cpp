@@ -1,5 +1,5 @@
 // The program's workers post texts to a window; here there is none.
-#include "app/posts.h"
+#include "app/state/posts.h"
 
 namespace tw {
 

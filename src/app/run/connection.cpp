@@ -1,0 +1,257 @@
+#include "app/run/connection.h"
+
+#include <algorithm>
+#include <cinttypes>
+#include <cstdlib>
+#include <iterator>
+
+#include "app/settings/port_selectors.h"
+#include "app/window/control_ids.h"
+#include "app/window/ui.h"
+#include "base/shared_value.h"
+#include "base/text_format.h"
+#include "device/command_link.h"
+#include "device/probe_interface.h"
+#include "device/serial_ports.h"
+#include "device/settings_readers.h"
+#include "device/stop_device.h"
+#include "platform/clock.h"
+#include "platform/serial_line.h"
+#include "platform/system_error.h"
+
+namespace tw {
+namespace {
+
+constexpr int32_t kFastSpeed_bps = 3'000'000;
+constexpr uint32_t kPause_ms = 10;
+constexpr int kRepeats = 2;  // of forms in one identification, each of another form
+constexpr wchar_t kGpsDisconnected[] = L"GPS: Disconnected";
+
+struct FamilyReader {
+  int32_t family;
+  LinkResult (*read)(Handle port, DeviceSettings& settings, bool& silent);
+};
+
+// In the order in which they are tried.
+constexpr FamilyReader kFamilyReaders[] = {
+    {1, ReadAllSettings},
+    {2, ReadSecondFamilySettings},
+    {0, ReadSettingsFromB64Info},
+};
+
+bool BringToPrompt(AppState& state, WaitPointer& pointer, const ElapsedLog& log) {
+  if (StopDevice(state.devicePort) == LinkResult::success) return true;
+  pointer.Restore();
+  ShowBox(state, L"Echosounder is not connected", L"Error", BoxIcon::error);
+  CloseDevicePort(state);
+  log.Write("After Stop Fail time :  ");
+  return false;
+}
+
+bool OpenGps(AppState& state, WaitPointer& pointer) {
+  if (globals.gpsPortNumber == kNoGpsPort) return true;
+  const Handle port = OpenDevicePort(globals.gpsPortNumber, globals.gpsBaud);
+  const uint32_t error = LastSystemError();
+  StoreShared(state.gpsPort, port);
+  if (port != Handle::invalid) return true;
+  CloseDevicePort(state);
+  pointer.Restore();
+  ShowSystemError(state, error);
+  return false;
+}
+
+// What is known before a form is read: the settings, and what stands beside them in `globals`.
+struct Beginning {
+  DeviceSettings settings;
+  void (*forget)();
+};
+
+void ForgetAbilities() {
+  globals.presetCapable = 0;
+  globals.smoothingSupported = 0;
+  globals.highChannelActive = 0;
+}
+
+void ForgetDevice() {
+  ForgetAbilities();
+  globals.interfaceType = 0;
+  globals.firmwareVersion = 0.0f;
+  globals.currentPreset = 0;
+}
+
+// Reads into a copy, so that a form that fails half-way leaves nothing behind. A form that fails for want of
+// a reply is tried once more while `repeats` lasts: a reply that only comes late would be taken for that of
+// the next form's first query, and a device of another family would seem to answer.
+bool ReadsAs(const FamilyReader& reader, Handle port, const Beginning& beginning, int& repeats,
+             DeviceSettings& settings) {
+  bool silent = false;
+  const auto reads = [&] {
+    beginning.forget();
+    settings = beginning.settings;
+    return reader.read(port, settings, silent) == LinkResult::success;
+  };
+  if (reads()) return true;
+  if (silent && repeats > 0) {
+    --repeats;
+    static_cast<void>(TakeLateReply(port));
+    if (reads()) return true;
+  }
+  beginning.forget();
+  return false;
+}
+
+const FamilyReader* ReadSettings(Handle port, DeviceSettings& settings) {
+  const Beginning beginning{StartUpSettings(), ForgetDevice};
+  int repeats = kRepeats;
+  const auto* const reader = std::find_if(
+      std::begin(kFamilyReaders), std::end(kFamilyReaders),
+      [&](const FamilyReader& each) { return ReadsAs(each, port, beginning, repeats, settings); });
+  return reader == std::end(kFamilyReaders) ? nullptr : reader;
+}
+
+// The frequency that a single device pings with is that of one of its channels. Older firmware that cannot
+// tell a channel's frequency may have another one than this program takes it to have: the nearer one gives
+// way.
+void SettleFrequencies(DeviceSettings& settings) {
+  const int64_t used_hz = settings.frequencyInUse_hz;
+  if (settings.simultaneous != 0 || used_hz <= 0) return;
+  const int64_t toLow_hz = std::abs(used_hz - settings.lowFrequency_hz);
+  const int64_t toHigh_hz = std::abs(used_hz - settings.highFrequency_hz);
+  int32_t& nearer_hz = toLow_hz < toHigh_hz ? settings.lowFrequency_hz : settings.highFrequency_hz;
+  nearer_hz = settings.frequencyInUse_hz;
+}
+
+// A channel that older firmware gives no name of its own goes by its frequency.
+void NameChannels(DeviceSettings& settings) {
+  if (settings.virtualLowFrequency_hz == 0) settings.virtualLowFrequency_hz = settings.lowFrequency_hz;
+  if (settings.virtualHighFrequency_hz == 0) settings.virtualHighFrequency_hz = settings.highFrequency_hz;
+}
+
+void TakeOver(AppState& state, int32_t family, DeviceSettings& settings) {
+  if (family == 1) SettleFrequencies(settings);
+  NameChannels(settings);
+  globals.measuredLowFrequency_hz = settings.virtualLowFrequency_hz;
+  globals.measuredHighFrequency_hz = settings.virtualHighFrequency_hz;
+  state.appliedSettings = settings;
+  state.settings = settings;
+}
+
+// What each family needs once it is known. A device that does not answer the reset any more shows as a
+// silent line.
+void SettleFamily(Handle port, int32_t family, DeviceSettings& settings) {
+  switch (family) {
+    case 1:
+      static_cast<void>(Exchange(port, CommandId::reset));
+      if (ProbeInterface(port) != LinkResult::success) globals.interfaceType = 0;
+      return;
+    case 2:
+      static_cast<void>(Exchange(port, CommandId::reset));
+      settings.simultaneous = 0;
+      return;
+    default:
+      globals.smoothingSupported = 0;
+      settings.simultaneous = 0;
+      return;
+  }
+}
+
+}  // namespace
+
+void CloseDevicePort(AppState& state) {
+  CloseSerialLine(ExchangeShared(state.devicePort, Handle::invalid));
+}
+
+void CloseGpsPort(AppState& state) {
+  CloseSerialLine(ExchangeShared(state.gpsPort, Handle::invalid));
+}
+
+void ReadCommunication(AppState& state) {
+  CommunicationSettings chosen{globals.devicePortNumber, globals.deviceBaud, globals.gpsPortNumber,
+                               globals.gpsBaud};
+  ReadCommunicationCombos(state, chosen);
+  globals.devicePortNumber = chosen.devicePort;
+  globals.deviceBaud = chosen.deviceSpeed_bps;
+  globals.gpsPortNumber = chosen.gpsPort;
+  globals.gpsBaud = chosen.gpsSpeed_bps;
+}
+
+bool OpenDevice(AppState& state, uint32_t& error) {
+  const Handle port = globals.deviceBaud == kFastSpeed_bps
+                          ? OpenFastDevicePort(globals.devicePortNumber)
+                          : OpenDevicePort(globals.devicePortNumber, globals.deviceBaud);
+  error = LastSystemError();
+  StoreShared(state.devicePort, port);
+  return port != Handle::invalid;
+}
+
+bool ConnectPorts(AppState& state, WaitPointer& pointer, const ElapsedLog& log) {
+  uint32_t error = 0;
+  if (!OpenDevice(state, error)) {
+    pointer.Restore();
+    ShowSystemError(state, error);
+    return false;
+  }
+  log.Write("After Connect Time :  ");
+  if (!BringToPrompt(state, pointer, log)) return false;
+  // A prompt that comes late would shift each later reply by one; without one this costs the reply's limit.
+  static_cast<void>(SkipReply(state.devicePort));
+  SleepMilliseconds(kPause_ms);
+  StopTimer(state, ID_TIMER_LINK);
+  log.Write("After Stop Time   ");
+  return OpenGps(state, pointer);
+}
+
+bool IdentifyDevice(AppState& state, WaitPointer& pointer) {
+  DeviceSettings settings{};
+  const FamilyReader* reader = ReadSettings(state.devicePort, settings);
+  if (reader == nullptr) {
+    pointer.Restore();
+    ShowBox(state, L"Unable to read settings form the Echosounder", L"Error", BoxIcon::error);
+    CloseDevicePort(state);
+    if (globals.gpsPortNumber != kNoGpsPort) CloseGpsPort(state);
+    return false;
+  }
+  SettleFamily(state.devicePort, reader->family, settings);
+  StoreShared(globals.deviceFamily, reader->family);
+  TakeOver(state, reader->family, settings);
+  return true;
+}
+
+bool ReadSettingsBack(AppState& state) {
+  const int32_t family = LoadShared(globals.deviceFamily);
+  const auto* const reader = std::find_if(std::begin(kFamilyReaders), std::end(kFamilyReaders),
+                                          [&](const FamilyReader& each) { return each.family == family; });
+  const Beginning beginning{state.settings, ForgetAbilities};
+  int repeats = 1;
+  DeviceSettings settings{};
+  if (!ReadsAs(*reader, state.devicePort, beginning, repeats, settings)) return false;
+  if (family != 1) settings.simultaneous = 0;
+  TakeOver(state, family, settings);
+  return true;
+}
+
+void ShowConnection(AppState& state) {
+  wchar_t text[kStatusTextSize];
+  if (LoadShared(globals.deviceFamily) == 1) {
+    FormatWide(text, "Device: COM%" PRId32 ",%" PRId32 "bps, ID: %s", globals.devicePortNumber,
+               globals.deviceBaud, state.settings.identity);
+  } else {
+    FormatWide(text, "Device: COM%" PRId32 ",%" PRId32 "bps, ID: %04" PRId32, globals.devicePortNumber,
+               globals.deviceBaud, state.settings.identifierWord);
+  }
+  SetStatusText(state, StatusPart::device, text);
+  const Handle gps = LoadShared(state.gpsPort);
+  if (gps == Handle::null || gps == Handle::invalid) {  // none chosen, or its plug was pulled
+    SetStatusText(state, StatusPart::gps, kGpsDisconnected);
+    return;
+  }
+  FormatWide(text, "GPS: COM%" PRId32 ",%" PRId32 "bps", globals.gpsPortNumber, globals.gpsBaud);
+  SetStatusText(state, StatusPart::gps, text);
+}
+
+void ShowDisconnected(AppState& state) {
+  SetStatusText(state, StatusPart::device, L"Device: Disconnected");
+  SetStatusText(state, StatusPart::gps, kGpsDisconnected);
+}
+
+}  // namespace tw

@@ -1,0 +1,89 @@
+#include "app/run/record_opening.h"
+
+#include "acquisition/record_file.h"
+#include "base/shared_value.h"
+#include "base/text_format.h"
+#include "device/info_line.h"
+#include "platform/clock.h"
+#include "platform/file.h"
+
+namespace tw {
+namespace {
+
+// What the device runs with: what the operator has chosen may wait for Apply. The output alone goes out with
+// the start of a run, so that before it the chosen one counts.
+DeviceSettings RunningSettings(const AppState& state) {
+  DeviceSettings settings = state.appliedSettings;
+  if (state.acquisitionThread == Handle::null) settings.outputMode = state.settings.outputMode;
+  settings.simultaneous = LoadShared(globals.dualMode);
+  return settings;
+}
+
+NamingFacts CollectFacts(const AppState& state, NamingMoment moment, int32_t family) {
+  const DeviceSettings settings = RunningSettings(state);
+  return {
+      .moment = moment,
+      .family = family,
+      .dual = settings.simultaneous != 0,
+      .outputMode = settings.outputMode,
+      .frequencyInUse_hz = settings.frequencyInUse_hz,
+      .lowFrequency_hz = settings.lowFrequency_hz,
+      .highFrequency_hz = settings.highFrequency_hz,
+      .measuredLow_hz = globals.measuredLowFrequency_hz,
+      .measuredHigh_hz = globals.measuredHighFrequency_hz,
+      .identity = state.appliedSettings.identity,  // the facts only point to it
+      .identifierWord = settings.identifierWord,
+      .segyCompanions = LoadShared(state.conversionKind) == 1,
+      .localTime = LocalNow(),
+  };
+}
+
+Handle CreateNamed(const AppState& state, const char* name) {
+  if (name[0] == '\0') return Handle::invalid;
+  wchar_t wide[kRecordNameSize];
+  WidenText(wide, name);
+  return CreateInFolder(state.workingFolder, wide);
+}
+
+// Creates one record file with its settings line(s). The worker sees the handle only when they are written.
+void OpenOne(AppState& state, const RecordFileName& name, RecordChannel channel, Handle& companion) {
+  Handle file = CreateNamed(state, name.record);
+  if (file != Handle::invalid) WriteInfoLine(RunningSettings(state), file, name.channelFrequency_hz);
+  PutRecordFile(state, channel, file);
+  StoreShared(companion, CreateNamed(state, name.segy));
+}
+
+// A conversion's output is closed by its worker, which may just be writing it: the worker finds the field
+// empty.
+void CloseCompanion(const AppState& state, Handle& companion) {
+  const Handle file = ExchangeShared(companion, Handle::invalid);
+  if (LoadShared(state.conversionKind) == 0) CloseFile(file);
+}
+
+}  // namespace
+
+void OpenRecordFiles(AppState& state, NamingMoment moment) {
+  OpenRecordFiles(state, moment, LoadShared(globals.deviceFamily));
+}
+
+void OpenRecordFiles(AppState& state, NamingMoment moment, int32_t namingFamily) {
+  CloseRecordFiles(state);
+  StoreShared(state.recordingNumber, LoadShared(state.recordingNumber) + 1);
+  const bool first = namingFamily == 1;
+  if (first && moment == NamingMoment::start && state.settings.outputMode == 5) state.settings.outputMode = 6;
+
+  const RecordFileNames names = NameRecordFiles(CollectFacts(state, moment, namingFamily));
+  globals.lowKHz = NameKHz(globals.measuredLowFrequency_hz);
+  globals.highKHz = NameKHz(globals.measuredHighFrequency_hz);
+  OpenOne(state, names.a, RecordChannel::a, state.segyCompanionA);
+  OpenOne(state, names.b, RecordChannel::b, state.segyCompanionB);
+  FormatRecordTitle(globals.titleText, names.a.record, names.b.record);
+}
+
+void CloseRecordFiles(AppState& state) {
+  CloseBothRecordFiles(state);
+  CloseCompanion(state, state.segyCompanionA);
+  CloseCompanion(state, state.segyCompanionB);
+}
+
+}  // namespace tw

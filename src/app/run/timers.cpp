@@ -1,0 +1,114 @@
+#include <cwchar>
+
+#include "app/run/run_control.h"
+#include "app/run/worker_control.h"
+#include "app/settings/control_states.h"
+#include "app/settings/family_controls.h"
+#include "app/settings/port_selectors.h"
+#include "app/state/file_naming.h"
+#include "app/window/control_ids.h"
+#include "app/window/ui.h"
+#include "base/shared_value.h"
+#include "base/text_format.h"
+#include "playback/file_worker.h"
+
+namespace tw {
+namespace {
+
+// While the device chooses its interval itself, the operator sees the one that comes.
+void ShowMeasuredInterval(AppState& state) {
+  wchar_t text[32] = L"";
+  if (LoadShared(state.devicePort) != Handle::invalid && state.settings.pingInterval_ms == 0) {
+    FormatWide(text, "%.2f", static_cast<double>(LoadShared(globals.measuredPingInterval_ms)) / 1000.0);
+  }
+  SetControlText(state, ID_MEASURED_INTERVAL, text);
+}
+
+void ShowTitle(AppState& state) {
+  const bool works = state.acquisitionThread != Handle::null || LoadShared(state.conversionKind) != 0;
+  const bool named = works && IsChecked(state, ID_RECORD) && state.playbackActive == 0;
+  wchar_t title[sizeof(Globals::titleText)];
+  WidenText(title, named ? globals.titleText : kProgramTitle);
+  SetWindowTitle(state, title);
+}
+
+void Repaint(AppState& state) {
+  InvalidateEchogram(state);
+  ShowMeasuredInterval(state);
+  ShowTitle(state);
+}
+
+// The text is posted once more, behind what the other worker of a pair has posted.
+void GiveUpPlayback(AppState& state, PlaybackEnd end) {
+  EndFileWorkers(state);
+  PostStatusText(state, StatusPart::position, PlaybackFailureText(end));
+  RefreshSettingsControls(state);
+  RefreshControlStates(state);
+}
+
+void OfferPlaybackAgain(AppState& state) {
+  const auto end = static_cast<PlaybackEnd>(ExchangeShared(globals.playbackEnded, kPlaybackGoesOn));
+  if (end == kPlaybackGoesOn) return;
+  if (end != kPlaybackExhausted) return GiveUpPlayback(state, end);
+  StoreShared(state.playbackPace, kPlaybackPace_ms);
+  SetControlText(state, ID_RESUME, L"\u25BA");
+  state.playbackAtEnd = 1;
+  RefreshControlStates(state);
+}
+
+bool Differs(AppState& state, int combo, const wchar_t* remembered) {
+  wchar_t text[64];
+  GetControlText(state, combo, text);
+  return std::wcscmp(text, remembered) != 0;
+}
+
+// The second is over that a choice waits for another one. A list that is dropped down is let be: the timer
+// comes again.
+void SendPendingChange(AppState& state) {
+  if (IsListOpen(state)) return;
+  StopTimer(state, ID_TIMER_CHANGES);
+  if (LoadShared(state.devicePort) == Handle::invalid) return;
+  state.pendingRange = Differs(state, ID_RANGE, state.rememberedRange) ? 1 : 0;
+  state.pendingOutput = Differs(state, ID_OUTPUT, state.rememberedOutput) ? 1 : 0;
+  if (state.pendingRange != 0 || state.pendingOutput != 0) ApplySettings(state);
+}
+
+// A worker that ended by itself still counts as running until it is stopped here.
+void ReportLostLink(AppState& state) {
+  if (state.acquisitionThread == Handle::null || LoadShared(state.linkLost) == 0) return;
+  StopTimer(state, ID_TIMER_LINK);
+  StopTimer(state, ID_TIMER_CHANGES);  // timers go on while the box is shown
+  ShowBox(state, L"Connection lost!", L"Error", BoxIcon::error);
+  StopRun(state);
+}
+
+}  // namespace
+
+void NoteChoice(AppState& state) {
+  constexpr uint32_t kDelay_ms = 1000;
+  if (LoadShared(state.devicePort) != Handle::invalid) StartTimer(state, ID_TIMER_CHANGES, kDelay_ms);
+}
+
+void HandleTimer(AppState& state, int timer) {
+  if (state.initialised == 0) return;
+  switch (timer) {
+    case ID_TIMER_PORTS:
+      return RefreshPortCombos(state);
+    case ID_TIMER_REPAINT:
+      return Repaint(state);
+    case ID_TIMER_SPARE:
+      return;  // kept: the timer runs and does nothing
+    case ID_TIMER_PLAYBACK_END:
+      return OfferPlaybackAgain(state);
+    case ID_TIMER_CAPTURE:
+      return StoreShared(globals.screenshotRequested, 1);
+    case ID_TIMER_CHANGES:
+      return SendPendingChange(state);
+    case ID_TIMER_LINK:
+      return ReportLostLink(state);
+    default:
+      return;
+  }
+}
+
+}  // namespace tw

@@ -1,0 +1,34 @@
+// Starting and ending the worker threads. GUI thread.
+#pragma once
+
+#include <cstdint>
+
+#include "app/state/app_state.h"
+
+namespace tw {
+
+enum class WorkerStart : uint8_t { started, unsupportedOutput, noAcquisitionThread, noGpsThread };
+
+// Starts the device and the worker that its output mode needs: chooses the worker, replaces a mode that the
+// family does not have by 3, sends the start sequence, starts the acquisition thread and, when a GPS port is
+// open and no GPS worker runs, the GPS thread. Nothing is sent when the mode has no worker.
+[[nodiscard]] WorkerStart StartWorkers(AppState& state);
+
+// "Unable to run working thread", and the end of the process.
+[[noreturn]] void EndWithoutWorker(AppState& state);
+
+// Says what went wrong. Does not return when the acquisition thread is the one that is missing.
+void ReportWorkerStart(AppState& state, WorkerStart failure);
+
+// Makes the number of each worker that was started before stale; once a Start and once a Stop. Not between
+// the acquisition workers of one run, because the GPS worker stays for the whole of it.
+void RaiseRunNumber(AppState& state);
+
+// Asks the acquisition worker to end and waits for it, at most `limit_ms` (kWaitForever: as long as it
+// takes), then forgets it. RaiseRunNumber makes one that is still alive afterwards harmless.
+void EndAcquisition(AppState& state, uint32_t limit_ms);
+
+// Ends a playback or conversion: waits as long as its workers take.
+void EndFileWorkers(AppState& state);
+
+}  // namespace tw

@@ -1,0 +1,96 @@
+#include "app/settings/control_states.h"
+
+#include "app/window/control_ids.h"
+#include "app/window/ui.h"
+#include "base/shared_value.h"
+
+namespace tw {
+namespace {
+
+// When a control can be used in a state.
+enum class Use : uint8_t {
+  off,
+  on,
+  first,     // with a device of the first family
+  presets,   // with one that has presets
+  noPreset,  // unless a preset rules the value
+};
+
+struct Row {
+  int id;
+  Use uses[kProgramStates];
+};
+
+using enum Use;
+
+// clang-format off
+constexpr Row kRows[] = {
+    //                      idle running   playing paused converting
+    {ID_DEVICE_PORT,       {on,  off,      on,     on,    on}},
+    {ID_DEVICE_SPEED,      {on,  off,      on,     on,    on}},
+    {ID_GPS_PORT,          {on,  off,      on,     on,    on}},
+    {ID_GPS_SPEED,         {on,  off,      on,     on,    on}},
+    {ID_START,             {on,  off,      on,     on,    on}},
+    {ID_STOP,              {off, on,       on,     on,    on}},
+    {ID_APPLY,             {off, on,       off,    off,   off}},
+    {ID_DEFAULT,           {off, on,       off,    off,   off}},
+    {ID_LOW_FREQUENCY,     {off, first,    off,    off,   off}},
+    {ID_HIGH_FREQUENCY,    {off, first,    off,    off,   off}},
+    {ID_DUAL_MODE,         {off, first,    off,    off,   off}},
+    {ID_RANGE,             {off, noPreset, off,    off,   off}},
+    {ID_OUTPUT,            {off, noPreset, off,    off,   off}},
+    {ID_INTERVAL,          {off, noPreset, off,    off,   off}},
+    {ID_PRESET,            {off, presets,  off,    off,   off}},
+    {ID_DETAIL,            {off, on,       on,     on,    off}},
+    {ID_SHOW_SETTINGS,     {on,  on,       on,     on,    off}},
+    {ID_PLAYBACK,          {on,  on,       on,     on,    off}},
+    {ID_SEGY_CONVERT,      {on,  on,       on,     on,    off}},
+    {ID_MENU_SEGY,         {on,  on,       on,     on,    off}},
+    {ID_MENU_BIN_TO_TXT,   {on,  on,       on,     on,    off}},
+    {ID_MENU_BAUD,         {on,  on,       off,    off,   off}},
+    {ID_RESUME,            {off, off,      off,    on,    off}},
+    {ID_PAUSE,             {off, off,      on,     off,   off}},
+    {ID_BACK,              {off, off,      on,     on,    off}},
+    {ID_FAST_BACK,         {off, off,      on,     on,    off}},
+    {ID_RECORD,            {on,  on,       on,     on,    on}},
+    {ID_SAVE_ADDITIONAL,   {on,  on,       on,     on,    on}},
+    {ID_TIMESTAMP,         {on,  on,       on,     on,    on}},
+    {ID_AUTO_CAPTURE,      {on,  on,       on,     on,    on}},
+    {ID_MENU_FOLDER,       {on,  on,       on,     on,    on}},
+    {ID_MENU_EXIT,         {on,  on,       on,     on,    on}},
+};
+// clang-format on
+
+bool IsUsable(Use use, const DeviceSettings& settings) {
+  const bool hasPresets = globals.presetCapable != 0;
+  switch (use) {
+    case off:
+      return false;
+    case on:
+      return true;
+    case first:
+      return LoadShared(globals.deviceFamily) == 1;
+    case presets:
+      return hasPresets;
+    case noPreset:
+      return !hasPresets || settings.preset == kNoPreset;
+  }
+  return false;
+}
+
+}  // namespace
+
+ProgramState StateOfProgram(const AppState& state) {
+  if (LoadShared(state.devicePort) != Handle::invalid) return ProgramState::running;
+  if (LoadShared(state.conversionKind) != 0) return ProgramState::converting;
+  if (state.playbackActive == 0) return ProgramState::idle;
+  const bool paused = state.playbackAtEnd != 0 || state.playbackPaused != 0;
+  return paused ? ProgramState::paused : ProgramState::playing;
+}
+
+void RefreshControlStates(AppState& state) {
+  const auto column = static_cast<size_t>(StateOfProgram(state));
+  for (const Row& row : kRows) EnableControl(state, row.id, IsUsable(row.uses[column], state.settings));
+}
+
+}  // namespace tw

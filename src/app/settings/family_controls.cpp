@@ -1,0 +1,154 @@
+#include "app/settings/family_controls.h"
+
+#include <cwchar>
+
+#include "app/run/run_control.h"
+#include "app/settings/settings_text.h"
+#include "app/window/control_ids.h"
+#include "app/window/ui.h"
+#include "base/shared_value.h"
+
+namespace tw {
+namespace {
+
+void FillCombo(AppState& state, int combo, const FieldItems& items, const wchar_t* selected) {
+  ClearCombo(state, combo);
+  int index = -1;
+  for (size_t i = 0; i < items.count; ++i) {
+    AddComboItem(state, combo, items.items[i]);
+    if (std::wcscmp(items.items[i], selected) == 0) index = static_cast<int>(i);
+  }
+  SelectComboItem(state, combo, index);
+}
+
+struct Selector {
+  int combo;
+  SettingsField field;
+};
+
+constexpr Selector kRangeSelector{ID_RANGE, SettingsField::range};
+constexpr Selector kSelectors[] = {
+    {ID_OUTPUT, SettingsField::outputMode},
+    kRangeSelector,
+    {ID_INTERVAL, SettingsField::interval},
+};
+
+// Both frequencies are chosen, whether the device has been told or not; or stand in the played file.
+bool IsBothChosen(const FormFacts& facts, const DeviceSettings& settings) {
+  return facts.family == 1 && (facts.played ? facts.dual : settings.simultaneous != 0);
+}
+
+// The channel whose range the main window shows: of both the high one.
+FieldChannel ShownChannel(const FormFacts& facts, const DeviceSettings& settings) {
+  return IsBothChosen(facts, settings) ? FieldChannel::high : ActiveChannel(facts, settings);
+}
+
+void ShowSelector(AppState& state, const Selector& selector, const FormFacts& facts) {
+  const FieldChannel channel = ShownChannel(facts, state.settings);
+  wchar_t text[kFieldTextSize];
+  FormatField(selector.field, channel, facts, state.settings, text);
+  FieldItems items;
+  ListItems(selector.field, channel, facts, state.settings, items);
+  FillCombo(state, selector.combo, items, text);
+}
+
+// Empty without a device that has presets.
+void ShowPresets(AppState& state) {
+  FieldItems items{};
+  if (globals.presetCapable != 0) ListPresets(state.settings, items);
+  wchar_t text[kFieldTextSize];
+  FormatPreset(state.settings.preset, text);
+  FillCombo(state, ID_PRESET, items, text);
+}
+
+// Items are valid by their making; what is not is left out.
+void TakeSelection(AppState& state, const Selector& selector, const FormFacts& facts) {
+  wchar_t text[kFieldTextSize];
+  wchar_t error[2 * kFieldTextSize];
+  GetControlText(state, selector.combo, text);
+  DeviceSettings& settings = state.settings;
+  static_cast<void>(ReadField(selector.field, ShownChannel(facts, settings), facts, text, settings, error));
+  if (selector.field == SettingsField::range && IsBothChosen(facts, settings)) {
+    static_cast<void>(ReadField(selector.field, FieldChannel::low, facts, text, settings, error));
+  }
+  if (selector.field != SettingsField::interval) NoteChoice(state);
+}
+
+void TakePreset(AppState& state) {
+  wchar_t text[kFieldTextSize];
+  GetControlText(state, ID_PRESET, text);
+  if (!ReadPreset(text, state.settings.preset)) return;
+  state.settings.automaticMode = state.settings.preset == kAutomaticPreset ? 1 : 0;
+}
+
+// Low, high and both are one choice, although both has a box of its own.
+void ShowFrequencies(AppState& state) {
+  const DeviceSettings& settings = state.settings;
+  const FormFacts facts = CurrentFormFacts(state);
+  const bool both = IsBothChosen(facts, settings);
+  const bool low = UsesLowChannel(settings, facts.family);
+  SetChecked(state, ID_DUAL_MODE, both);
+  SetChecked(state, ID_LOW_FREQUENCY, !both && low);
+  SetChecked(state, ID_HIGH_FREQUENCY, !both && !low);
+}
+
+void TakeFrequency(AppState& state, int32_t frequency_hz) {
+  state.settings.frequencyInUse_hz = frequency_hz;
+  state.settings.simultaneous = 0;
+  ShowFrequencies(state);
+  ShowSelector(state, kRangeSelector, CurrentFormFacts(state));
+}
+
+void TakeDualMode(AppState& state) {
+  state.settings.simultaneous = IsChecked(state, ID_DUAL_MODE) ? 1 : 0;
+  ShowFrequencies(state);
+  ShowSelector(state, kRangeSelector, CurrentFormFacts(state));
+}
+
+}  // namespace
+
+FormFacts CurrentFormFacts(const AppState& state) {
+  return {.family = LoadShared(globals.deviceFamily),
+          .dual = LoadShared(globals.dualMode) != 0,
+          .smoothingSupported = globals.smoothingSupported != 0,
+          .presetCapable = globals.presetCapable != 0,
+          .interfaceType = globals.interfaceType,
+          .firmwareVersion = globals.firmwareVersion,
+          .played = state.playbackActive != 0};
+}
+
+void ShowFamilyControls(AppState& state) {
+  const int32_t family = LoadShared(globals.deviceFamily);
+  ShowControl(state, ID_HIGH_FREQUENCY, true);
+  ShowControl(state, ID_LOW_FREQUENCY, family == 1);
+  ShowControl(state, ID_DUAL_MODE, family == 1);
+  ShowControl(state, ID_PRESET_LABEL, family != 0);
+  ShowControl(state, ID_PRESET, family != 0);
+}
+
+void RefreshSettingsControls(AppState& state) {
+  ShowFrequencies(state);
+  const FormFacts facts = CurrentFormFacts(state);
+  for (const Selector& selector : kSelectors) ShowSelector(state, selector, facts);
+  ShowPresets(state);
+}
+
+void TakeSettingsChoice(AppState& state, int control) {
+  switch (control) {
+    case ID_LOW_FREQUENCY:
+      return TakeFrequency(state, state.settings.lowFrequency_hz);
+    case ID_HIGH_FREQUENCY:
+      return TakeFrequency(state, state.settings.highFrequency_hz);
+    case ID_DUAL_MODE:
+      return TakeDualMode(state);
+    case ID_PRESET:
+      return TakePreset(state);
+    default:
+      break;
+  }
+  for (const Selector& selector : kSelectors) {
+    if (selector.combo == control) TakeSelection(state, selector, CurrentFormFacts(state));
+  }
+}
+
+}  // namespace tw

@@ -1,0 +1,143 @@
+#include "app/settings/port_selectors.h"
+
+#include <algorithm>
+#include <cinttypes>
+#include <cwchar>
+#include <iterator>
+#include <span>
+#include <vector>
+
+#include "app/window/control_ids.h"
+#include "app/window/ui.h"
+#include "base/text_format.h"
+#include "base/text_scan.h"
+#include "device/serial_ports.h"
+
+namespace tw {
+namespace {
+
+constexpr int32_t kDeviceSpeeds[] = {4800,   9600,   19200,  38400,  57600,
+                                     115200, 230400, 460800, 921600, 3000000};
+constexpr int32_t kGpsSpeeds[] = {2400, 4800, 9600, 19200, 38400, 57600, 115200};
+
+// The ports of the last enumeration.
+std::span<const PortEntry> KnownPorts(const AppState& state) {
+  return {state.ports, CountPorts(state.ports)};
+}
+
+// The ports that the system has now, in ascending order.
+std::span<const PortEntry> ListPorts(AppState& state) {
+  ClearPortList(state.ports);
+  // A list that cannot be read is an empty one; the next refresh tries again.
+  static_cast<void>(EnumerateSerialPorts(state.ports));
+  SortPorts(state.ports);
+  return KnownPorts(state);
+}
+
+bool SamePort(const PortEntry& a, const PortEntry& b) {
+  return a.number == b.number && std::wcscmp(a.name, b.name) == 0;
+}
+
+// Selects the port whose name is exactly `text`, else the first item. `itemsBefore` stand ahead of the ports.
+void SelectPort(AppState& state, int combo, std::span<const PortEntry> ports, int itemsBefore,
+                const wchar_t* text) {
+  const int index = FindPort(ports, text);
+  SelectComboItem(state, combo, index < 0 ? 0 : itemsBefore + index);
+}
+
+void FillPortCombo(AppState& state, int combo, bool withNoPort) {
+  wchar_t kept[kPortNameSize];
+  GetControlText(state, combo, kept);
+  ClearCombo(state, combo);
+  const std::span<const PortEntry> ports = ListPorts(state);
+  if (withNoPort) AddComboItem(state, combo, kNoPortText);
+  for (const PortEntry& port : ports) AddComboItem(state, combo, port.name);
+  SelectPort(state, combo, ports, withNoPort ? 1 : 0, kept);
+}
+
+void FillSpeedCombo(AppState& state, int combo, std::span<const int32_t> speeds, int32_t stored) {
+  ClearCombo(state, combo);
+  for (const int32_t speed : speeds) {
+    wchar_t text[16];
+    FormatWide(text, "%" PRId32, speed);
+    AddComboItem(state, combo, text);
+  }
+  const auto selected = std::find(speeds.begin(), speeds.end(), stored);
+  SelectComboItem(state, combo, selected == speeds.end() ? 0 : static_cast<int>(selected - speeds.begin()));
+}
+
+void ReadSpeed(AppState& state, int combo, int32_t& speed_bps) {
+  wchar_t wide[kPortNameSize];
+  GetControlText(state, combo, wide);
+  char narrow[kPortNameSize];
+  std::string_view text(narrow, NarrowText(narrow, wide));
+  static_cast<void>(ScanInt(text, speed_bps));
+}
+
+void ReadPort(AppState& state, int combo, int32_t& number) {
+  wchar_t text[kPortNameSize];
+  GetControlText(state, combo, text);
+  if (const uint32_t read = PortNumberOf(text); read != 0) number = static_cast<int32_t>(read);
+}
+
+bool SaysNoPort(AppState& state, int combo) {
+  wchar_t text[kPortNameSize];
+  GetControlText(state, combo, text);
+  return std::wcscmp(text, kNoPortText) == 0;
+}
+
+}  // namespace
+
+void FillDevicePortCombo(AppState& state) {
+  FillPortCombo(state, ID_DEVICE_PORT, false);
+}
+
+void FillGpsPortCombo(AppState& state) {
+  FillPortCombo(state, ID_GPS_PORT, true);
+}
+
+void RefreshPortCombos(AppState& state) {
+  if (IsComboOpen(state, ID_DEVICE_PORT) || IsComboOpen(state, ID_GPS_PORT)) return;
+  const std::span<const PortEntry> known = KnownPorts(state);
+  const std::vector<PortEntry> before(known.begin(), known.end());
+  if (std::ranges::equal(before, ListPorts(state), SamePort)) return;
+  FillDevicePortCombo(state);
+  FillGpsPortCombo(state);
+}
+
+void SelectStoredPorts(AppState& state, const CommunicationSettings& stored) {
+  const std::span<const PortEntry> ports = KnownPorts(state);
+  wchar_t name[16];
+  FormatWide(name, "COM%" PRId32, stored.devicePort);
+  SelectPort(state, ID_DEVICE_PORT, ports, 0, name);
+  FormatWide(name, "COM%" PRId32, stored.gpsPort);
+  SelectPort(state, ID_GPS_PORT, ports, 1, name);
+}
+
+void FillSpeedCombos(AppState& state, const CommunicationSettings& stored) {
+  FillSpeedCombo(state, ID_DEVICE_SPEED, kDeviceSpeeds, stored.deviceSpeed_bps);
+  FillSpeedCombo(state, ID_GPS_SPEED, kGpsSpeeds, stored.gpsSpeed_bps);
+}
+
+std::span<const int32_t> DeviceSpeeds() {
+  return kDeviceSpeeds;
+}
+
+void SelectDeviceSpeed(AppState& state, int32_t speed_bps) {
+  const auto* const speed = std::find(std::begin(kDeviceSpeeds), std::end(kDeviceSpeeds), speed_bps);
+  if (speed == std::end(kDeviceSpeeds)) return;
+  SelectComboItem(state, ID_DEVICE_SPEED, static_cast<int>(speed - std::begin(kDeviceSpeeds)));
+}
+
+void ReadCommunicationCombos(AppState& state, CommunicationSettings& settings) {
+  ReadPort(state, ID_DEVICE_PORT, settings.devicePort);
+  ReadSpeed(state, ID_DEVICE_SPEED, settings.deviceSpeed_bps);
+  if (SaysNoPort(state, ID_GPS_PORT)) {
+    settings.gpsPort = kNoGpsPort;
+  } else {
+    ReadPort(state, ID_GPS_PORT, settings.gpsPort);
+  }
+  ReadSpeed(state, ID_GPS_SPEED, settings.gpsSpeed_bps);
+}
+
+}  // namespace tw

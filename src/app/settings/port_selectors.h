@@ -1,0 +1,37 @@
+// The selectors of serial ports and speeds in the main window. GUI thread.
+#pragma once
+
+#include <cstdint>
+#include <span>
+
+#include "app/settings/persistent_settings.h"
+#include "app/state/app_state.h"
+
+namespace tw {
+
+inline constexpr wchar_t kNoPortText[] = L"N/A";
+
+// Refill a port selector from a fresh enumeration, in the order of the port numbers, and keep its selection;
+// when the selected port has gone, the first item is selected. The GPS selector starts with "N/A".
+void FillDevicePortCombo(AppState& state);
+void FillGpsPortCombo(AppState& state);
+
+// Both, when the ports have changed: a selector that is refilled flickers. Not while a list is dropped down.
+void RefreshPortCombos(AppState& state);
+
+// Selects stored ports in selectors that are already filled; the first item where a port is not listed.
+void SelectStoredPorts(AppState& state, const CommunicationSettings& stored);
+
+// Fills both speed selectors and selects the stored speeds; the first item where a speed is not listed.
+void FillSpeedCombos(AppState& state, const CommunicationSettings& stored);
+
+// The device speeds on offer, in bit/s.
+[[nodiscard]] std::span<const int32_t> DeviceSpeeds();
+
+// Selects a speed in the device's selector; one that it does not hold leaves the selection.
+void SelectDeviceSpeed(AppState& state, int32_t speed_bps);
+
+// Reads the four selectors. A text that holds no number leaves its value as it was.
+void ReadCommunicationCombos(AppState& state, CommunicationSettings& settings);
+
+}  // namespace tw

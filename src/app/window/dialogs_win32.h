@@ -1,0 +1,17 @@
+// The smaller dialogs. GUI thread; each is modal to the main window.
+#pragma once
+
+#include "app/state/app_state.h"
+
+namespace tw {
+
+void ShowAboutDialog(AppState& state);
+void ShowShortcutsDialog(AppState& state);
+
+// "Working folder change": makes the folder if need be, stores it; the next record file goes there.
+void ShowFolderDialog(AppState& state);
+
+// "Change Device Baudrate": what is chosen goes to the device at once.
+void ShowSpeedDialog(AppState& state);
+
+}  // namespace tw

@@ -1,0 +1,76 @@
+// What run control asks of a user interface. GUI thread only. The main window implements it with dialog
+// controls; tests implement one that records. Controls are named by the ids of app/window/control_ids.h.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "app/state/posts.h"
+
+namespace tw {
+
+enum class BoxIcon : uint8_t { none, error, information };
+enum class BoxButtons : uint8_t { ok, okCancel };
+
+// Shows a modal box and waits for it, above whatever dialog or box is open. An empty caption is L"". True
+// when "OK" was chosen.
+bool ShowBox(AppState& state, const wchar_t* text, const wchar_t* caption, BoxIcon icon,
+             BoxButtons buttons = BoxButtons::ok);
+
+// Shows the system's text for an error code: caption "GetLastError", no icon.
+void ShowSystemError(AppState& state, uint32_t code);
+
+// Shows a text at once (run control's own texts; workers post). The text is copied.
+void SetStatusText(AppState& state, StatusPart part, const wchar_t* text);
+
+enum class PointerShape : uint8_t { arrow, wait };
+void ShowPointer(PointerShape shape);
+
+// Throws away the clicks and keys that wait for this program's windows. A click on "Stop", Exit and closing
+// are kept until CarryOutKeptInput asks for them, as if they had just been made.
+void DropQueuedInput(AppState& state);
+void CarryOutKeptInput(AppState& state);
+
+// A control or a menu entry.
+void EnableControl(AppState& state, int id, bool enabled);
+void ShowControl(AppState& state, int id, bool visible);
+[[nodiscard]] bool IsChecked(AppState& state, int id);
+void SetChecked(AppState& state, int id, bool checked);
+
+// The text of a control (for a combo: of its selection), with a terminating zero, cut to fit; empty when
+// there is none.
+void GetControlText(AppState& state, int id, std::span<wchar_t> text);
+void SetControlText(AppState& state, int id, const wchar_t* text);
+
+void ClearCombo(AppState& state, int id);
+void AddComboItem(AppState& state, int id, const wchar_t* text);
+void SelectComboItem(AppState& state, int id, int index);  // -1 selects nothing
+[[nodiscard]] bool IsComboOpen(AppState& state, int id);   // its list is dropped down
+
+// The operator is choosing: the list of some selector is dropped down, in an open dialog too, or a menu.
+[[nodiscard]] bool IsListOpen(AppState& state);
+
+void StartTimer(AppState& state, int id, uint32_t period_ms);
+void StopTimer(AppState& state, int id);
+
+// Asks the operator for files to read. False when he cancelled; a dialog that fails is told to him.
+[[nodiscard]] bool ChooseInputFiles(AppState& state, std::vector<std::wstring>& paths);
+
+// Places the echogram and the slider anew: a playback has begun or ended.
+void ArrangeViews(AppState& state);
+
+// Closes a settings dialog that is open, without sending anything: its run has ended.
+void CloseSettingsDialog(AppState& state);
+
+void SetWindowTitle(AppState& state, const wchar_t* title);
+
+// Asks for a repaint of the echogram view.
+void InvalidateEchogram(AppState& state);
+
+// Ends the process at once, after a failure that it cannot survive.
+[[noreturn]] void EndProcess(int exitCode);
+
+}  // namespace tw

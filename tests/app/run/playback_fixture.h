@@ -1,0 +1,98 @@
+// A run that records, and recordings played back and converted by the window's commands: what the tests of
+// playback have in common.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "acquisition/ping_ring.h"
+#include "app/run/playback_control.h"
+#include "app/run/run_control.h"
+#include "app/settings/control_states.h"
+#include "base/shared_value.h"
+#include "platform/clock.h"
+#include "playback/ping_source.h"
+#include "tests/app/run_control_fixture.h"
+
+namespace tw::test {
+
+struct ReadPing {
+  PingHeader header;
+  std::vector<uint16_t> samples;
+};
+
+class Playback : public RunControlTest {
+ protected:
+  // A run of some seconds that records.
+  void Record(const sim::SounderOptions& options, int seconds = 20, const sim::GpsOptions& gps = {}) {
+    ConnectSounder(options);
+    ConnectGps(gps);
+    ChooseGps();
+    StartRun(*state_);
+    ASSERT_NE(state_->acquisitionThread, Handle::null);
+    Run(seconds);
+    StopRun(*state_);
+    ExpectIdle();
+    for (const std::string& name : RecordFiles()) files_.push_back((records_ / name).wstring());
+    ASSERT_FALSE(files_.empty());
+  }
+
+  void Play(std::vector<std::wstring> files) {
+    Ui().chosenFiles = std::move(files);
+    PlayFiles(*state_);
+  }
+
+  // Lets the worker run, the end timer included, until the file is exhausted.
+  void PlayToTheEnd() {
+    for (int i = 0; i < 60'000 && state_->playbackAtEnd == 0; ++i) {
+      SleepMilliseconds(20);
+      HandleTimer(*state_, ID_TIMER_PLAYBACK_END);
+    }
+    ASSERT_EQ(state_->playbackAtEnd, 1);
+  }
+
+  // Lets a conversion run to its end, of which the worker tells last of all.
+  void FinishConversion() {
+    for (int i = 0; i < 60'000 && LoadShared(state_->conversionKind) != 0; ++i) SleepMilliseconds(10);
+    SleepMilliseconds(10);
+    for (const bool exhausted : std::exchange(Ui().conversionEnds, {}))
+      HandleConversionEnd(*state_, exhausted);
+    EXPECT_EQ(StateOfProgram(*state_), ProgramState::idle);
+    EXPECT_EQ(state_->segyCompanionA, Handle::invalid);
+    EXPECT_EQ(state_->inputFileA, Handle::invalid);
+  }
+  // What the box at its end says; empty: there is none.
+  std::wstring Convert(const std::wstring& file, void (*command)(AppState&)) {
+    Ui().chosenFiles = {file};
+    command(*state_);
+    FinishConversion();
+    const std::vector<Box> boxes = std::exchange(Ui().boxes, {});
+    EXPECT_LE(boxes.size(), 1u);
+    return boxes.empty() ? L"" : boxes[0].text;
+  }
+
+  static std::vector<ReadPing> ReadPings(const std::wstring& file) {
+    std::vector<ReadPing> pings;
+    RecordingFault fault{};
+    const auto recording = OpenRecording(file.c_str(), fault);
+    EXPECT_NE(recording, nullptr);
+    for (RecordedPing ping{}; recording != nullptr && recording->Next(ping);) {
+      pings.push_back({ping.header, {ping.samples.begin(), ping.samples.end()}});
+    }
+    EXPECT_EQ(recording == nullptr ? 1 : recording->Skipped(), 0u) << "nothing damaged";
+    return pings;
+  }
+
+  int32_t IndexA() {
+    Locked held(state_->ringLockA);
+    return state_->ringIndexA;
+  }
+  PingHeader HeaderAt(int32_t index) const { return LoadPingHeader(state_->ringA->slots[index]); }
+
+  std::vector<std::wstring> files_;
+};
+
+}  // namespace tw::test

@@ -1,0 +1,171 @@
+// What the operator sees and has set stays as it should while a run is interrupted, recorded and resumed.
+#include "app/settings/family_controls.h"
+#include "display/panel.h"
+#include "display/zoom.h"
+#include "tests/app/run/playback_fixture.h"
+
+namespace tw::test {
+namespace {
+
+class Running : public RunControlTest {
+ protected:
+  void Tick(int id, bool checked) { Ui().controls[id].checked = checked; }
+
+  void SetRecording(bool on) {
+    Tick(ID_RECORD, on);
+    ToggleRecording(*state_);
+  }
+
+  // What the status bar tells of the recording, once it has been told again.
+  [[nodiscard]] std::wstring ReportedSize() {
+    Run(2);
+    return Ui().posts[3].empty() ? L"" : Ui().posts[3].back();
+  }
+};
+
+TEST_F(Running, ApplyLeavesTheZoomUnlessTheRangeIsAnother) {
+  sim::SounderOptions options = QuickSounder();
+  options.range_mm = 30'000;
+  ConnectSounder(options);
+  StartRun(*state_);
+  EXPECT_EQ(state_->displayRangeUpper, 30'000);
+
+  state_->displayRangeUpper = 5'000;
+  state_->settings.gainHigh = 3.0f;
+  ApplySettings(*state_);
+  EXPECT_EQ(state_->displayRangeUpper, 5'000) << "the range is the same";
+  state_->settings.rangeHigh_mm = 50'000;
+  ApplySettings(*state_);
+  EXPECT_EQ(state_->displayRangeUpper, 50'000);
+
+  state_->displayRangeUpper = 5'000;
+  state_->displayRangeLower = 1'000;
+  Tick(ID_DUAL_MODE, true);
+  ApplySettings(*state_);
+  EXPECT_EQ(state_->displayRangeUpper, 5'000);
+  EXPECT_EQ(state_->displayRangeLower, 30'000) << "a panel that has just appeared shows all";
+  state_->displayRangeLower = 2'000;
+  ApplySettings(*state_);
+  EXPECT_EQ(state_->displayRangeLower, 2'000);
+}
+
+TEST_F(Running, AFrequencyThatIsOnlyChosenIsNeitherShownNorPutIntoNames) {
+  ConnectSounder(QuickSounder());
+  Tick(ID_RECORD, false);
+  StartRun(*state_);
+  Tick(ID_LOW_FREQUENCY, true);
+  TakeSettingsChoice(*state_, ID_LOW_FREQUENCY);
+  SetRecording(true);
+  Run(2);
+  EXPECT_EQ(DescribePanel(*state_, PanelPlace::single).frequency_hz, 450'000);
+  ApplySettings(*state_);
+  EXPECT_EQ(DescribePanel(*state_, PanelPlace::single).frequency_hz, 200'000);
+  Run(2);
+  ASSERT_EQ(RecordFiles().size(), 2u);
+  EXPECT_NE(RecordFiles()[0].find("_450kHz_"), std::string::npos) << RecordFiles()[0];
+  EXPECT_NE(RecordFiles()[1].find("_200kHz_"), std::string::npos) << RecordFiles()[1];
+}
+
+TEST_F(Running, DualModeThatIsOnlyChosenMakesNoFileOfBothChannels) {
+  sim::SounderOptions options = QuickSounder();
+  options.outputMode = 8;
+  ConnectSounder(options);
+  Tick(ID_RECORD, false);
+  StartRun(*state_);
+  Tick(ID_DUAL_MODE, true);
+  TakeSettingsChoice(*state_, ID_DUAL_MODE);
+  SetRecording(true);
+  Run(2);
+  ASSERT_EQ(RecordFiles().size(), 1u);
+  const std::string content = Content(RecordFiles()[0]);
+  EXPECT_TRUE(content.starts_with("INFO:1,450000,"));
+  EXPECT_EQ(content.find("INFO:", 1), std::string::npos) << "one channel, one settings line";
+}
+
+TEST_F(Running, SettingsThatAreOnlyChosenStandInNoFile) {
+  StartQuickRun(2);
+  SetRecording(false);
+  DeviceSettings& chosen = state_->settings;
+  chosen.pingInterval_ms = 700;
+  chosen.rangeHigh_mm = chosen.deadZoneHigh_mm = 20'000;
+  chosen.txLengthHigh = chosen.thresholdHigh_percent = chosen.attenuationHigh = chosen.offsetHigh_mm = 33;
+  chosen.gainHigh = chosen.tvgSpreadingHigh = chosen.tvgAbsorptionHigh = chosen.txPower = 7.0f;
+  chosen.soundSpeed_mps = 1'480.0f;
+  chosen.outputMode = 4;
+  SetRecording(true);
+  Run(2);
+  ASSERT_EQ(RecordFiles().size(), 2u);
+  const auto lineOf = [&](size_t file) {
+    const std::string content = Content(RecordFiles()[file]);
+    return content.substr(0, content.find("\r\n"));
+  };
+  EXPECT_EQ(lineOf(1), lineOf(0));
+  EXPECT_TRUE(RecordFiles()[1].ends_with("_txt10.log")) << RecordFiles()[1];
+}
+
+TEST_F(Running, TheReportedSizeIsThatOfThePresentRecording) {
+  ConnectSounder(QuickSounder());
+  Tick(ID_RECORD, true);
+  StartRun(*state_);
+  Run(20);
+  SetRecording(false);
+  SetRecording(true);
+  const std::wstring told = ReportedSize();
+  ASSERT_EQ(RecordFiles().size(), 2u);
+  const size_t first = Content(RecordFiles()[0]).size();
+  const size_t second = Content(RecordFiles()[1]).size();
+  ASSERT_GT(first, 4 * second);
+  const std::wstring before = L"File size: ";
+  ASSERT_TRUE(told.starts_with(before) && told.ends_with(L"KB"));
+  EXPECT_LE(std::stoul(told.substr(before.size())), second / 1024);
+}
+
+// The status bar's position text may be the size of a conversion, its ping text that of a file.
+TEST_F(Running, StartTakesBackWhatAFileToldInTheStatusBar) {
+  ConnectSounder(QuickSounder());
+  PostStatusText(*state_, StatusPart::position, L"File size: 3600Bytes");
+  PostStatusText(*state_, StatusPart::pingLine, L"File size: 281655Bytes");
+  StartRun(*state_);
+  EXPECT_EQ(Ui().posts[2].back(), L"");
+  EXPECT_EQ(Ui().posts[3].back(), L"");
+}
+
+TEST_F(Running, ASpeedChangeTakesBackTheSizeOfTheFileThatIsClosed) {
+  ConnectSounder(QuickSounder());
+  StartRun(*state_);
+  Run(3);
+  EXPECT_NE(Ui().posts[3].back(), L"");
+  ChangeSpeed(*state_, 4'800);
+  EXPECT_EQ(Ui().posts[3].back(), L"");
+}
+
+// Wheel and threshold line go by the file, not by what the program had for the low frequency before.
+TEST_F(Playback, AFileOfTheLowFrequencyIsShownByItsOwnValues) {
+  sim::SounderOptions options = QuickSounder();
+  options.lowFrequency = true;
+  options.range_mm = 30'000;
+  Record(options, 5);
+  state_->settings.rangeLow_mm = 10'000;
+  state_->settings.thresholdLow_percent = 77;
+  Play(files_);
+  EXPECT_TRUE(Ui().controls[ID_LOW_FREQUENCY].checked);
+  EXPECT_FALSE(Ui().controls[ID_HIGH_FREQUENCY].checked);
+  EXPECT_EQ(DeviceRangeOf(state_->settings, PanelPlace::single), 30'000);
+  EXPECT_EQ(DescribePanel(*state_, PanelPlace::single).threshold_percent, 10) << "as the device told it";
+  const int32_t zoomed = ZoomedRange(state_->displayRangeUpper, 30'000, WheelTurn::forward);
+  EXPECT_EQ(ZoomedRange(zoomed, DeviceRangeOf(state_->settings, PanelPlace::single), WheelTurn::back),
+            30'000);
+}
+
+TEST_F(Playback, ThePairOfADualRunTicksDualMode) {
+  sim::SounderOptions options = QuickSounder();
+  options.dual = true;
+  Record(options, 5);
+  state_->settings.simultaneous = 0;  // as a device of one frequency has left it
+  Play(files_);
+  EXPECT_TRUE(Ui().controls[ID_DUAL_MODE].checked);
+  EXPECT_FALSE(Ui().controls[ID_HIGH_FREQUENCY].checked);
+}
+
+}  // namespace
+}  // namespace tw::test

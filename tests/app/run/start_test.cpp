@@ -1,0 +1,227 @@
+#include <algorithm>
+#include <cerrno>
+
+#include "acquisition/live_worker.h"
+#include "acquisition/ping_ring.h"
+#include "app/run/run_control.h"
+#include "app/settings/control_states.h"
+#include "display/panel.h"
+#include "platform/host/debug_capture.h"
+#include "platform/host/faults.h"
+#include "tests/app/run/refused_memory.h"
+#include "tests/app/run_control_fixture.h"
+#include "tests/app/stored_values.h"
+
+namespace tw::test {
+namespace {
+
+class StartTest : public RunControlTest {};
+
+TEST_F(StartTest, HappensOnceAndRemembersTheSelectors) {
+  StartQuickRun();
+  EXPECT_TRUE(Ui().boxes.empty());
+  EXPECT_TRUE(Ui().PointerIsArrow());
+  EXPECT_EQ(StoredNumber(L"DeviceCOMPort"), 5u);
+  EXPECT_EQ(StoredNumber(L"DeviceCOMSpeed"), 921'600u);
+  EXPECT_EQ(StoredNumber(L"GPSCOMPort"), 0xFFFFFFFFu);
+  EXPECT_EQ(state_->echogramEnabled, 1);
+  const Handle thread = state_->acquisitionThread;
+  StartRun(*state_);
+  EXPECT_EQ(state_->acquisitionThread, thread);
+  EXPECT_EQ(sounderPeer_->Opened(), 1);
+}
+
+TEST_F(StartTest, RecordsFromTheFirstPingOn) {
+  StartQuickRun(5);
+  const std::vector<std::string> files = RecordFiles();
+  ASSERT_EQ(files.size(), 1u);
+  EXPECT_EQ(files[0].substr(0, 12), "20250314_093");
+  EXPECT_EQ(files[0].substr(15), "_Dual_450kHz_id_VIRTUAL-0001_txt10.log");
+  const std::string content = Content(files[0]);
+  EXPECT_EQ(content.substr(0, 7), "INFO:1,");
+  EXPECT_EQ(content.find("#DeviceID "), content.find("\r\n") + 2);
+  HandleTimer(*state_, ID_TIMER_REPAINT);
+  EXPECT_EQ(Ui().title, "Tidewriter Echosounder Control Software" + std::string(50, ' ') + files[0]);
+  StopRun(*state_);
+  HandleTimer(*state_, ID_TIMER_REPAINT);
+  EXPECT_EQ(Ui().title, "Tidewriter Echosounder Control Software");
+}
+
+TEST_F(StartTest, WritesItsTimesToTheDebugOutput) {
+  StartDebugCapture();
+  StartQuickRun();
+  const std::vector<std::wstring> texts = TakeDebugTexts();
+  StopDebugCapture();
+  for (const std::wstring label :
+       {L"Start  time : ", L"After Connect Time :  ", L"After Stop Time   ", L"After GetSetting Time ",
+        L"Before Start Device Time  ", L"After Start Device Time "}) {
+    EXPECT_EQ(std::count_if(texts.begin(), texts.end(),
+                            [&](const std::wstring& text) { return text.starts_with(label); }),
+              1);
+  }
+  EXPECT_EQ(texts.front(), L"Start  time : 0.000000\n");
+}
+
+TEST_F(StartTest, WithoutRecordDataNoFileIsMade) {
+  Ui().controls[ID_RECORD].checked = false;
+  ToggleRecording(*state_);
+  StartQuickRun(2);
+  EXPECT_TRUE(RecordFiles().empty());
+}
+
+TEST_F(StartTest, AFolderThatCannotBeMadeLosesOnlyTheRecording) {
+  std::filesystem::remove_all(folder_);
+  StartQuickRun(2);
+  EXPECT_TRUE(Ui().boxes.empty());
+  EXPECT_EQ(state_->recordFileA, Handle::invalid);
+  EXPECT_GT(state_->ringIndexA, 0);
+}
+
+// Another port than the chosen one is never opened in its place.
+TEST_F(StartTest, ANumberBeyondReasonIsAPortOfItsOwn) {
+  ConnectSounder(QuickSounder());
+  globals.devicePortNumber = 5;
+  Ui().Choose(ID_DEVICE_PORT, L"COM99999999999");
+  StartRun(*state_);
+  EXPECT_EQ(globals.devicePortNumber, 2'147'483'647);
+  EXPECT_EQ(sounderPeer_->Opened(), 0);
+  ExpectIdle();
+}
+
+TEST_F(StartTest, APlaybackIsOverAlsoWhenThePortIsMissing) {
+  state_->playbackActive = 1;
+  RefreshControlStates(*state_);
+  ASSERT_TRUE(Ui().controls[ID_PAUSE].enabled);
+  StartRun(*state_);
+  EXPECT_EQ(Ui().systemErrors, std::vector<uint32_t>{ENOENT});
+  EXPECT_TRUE(Ui().boxes.empty());
+  EXPECT_FALSE(Ui().controls[ID_PAUSE].enabled);
+  EXPECT_FALSE(Ui().controls[ID_STOP].enabled);
+  ExpectIdle();
+}
+
+TEST_F(StartTest, APortThatIsHeldShowsTheSystemsError) {
+  ConnectSounder(QuickSounder());
+  InjectFault({.point = FaultPoint::openLine, .code = EBUSY});
+  StartRun(*state_);
+  EXPECT_EQ(Ui().systemErrors, std::vector<uint32_t>{EBUSY});
+  ExpectIdle();
+  StartRun(*state_);  // usable again at once
+  EXPECT_NE(state_->acquisitionThread, Handle::null);
+}
+
+TEST_F(StartTest, NobodyAnswers) {
+  sim::SounderOptions options = QuickSounder();
+  options.faults.instrument.dead = true;
+  ConnectSounder(options);
+  static AppState* state = nullptr;
+  static DeviceSettings shown;
+  state = state_;
+  shown = {};
+  Ui().duringBox = [] { shown = ShownSettings(*state); };  // the view goes on being painted
+  StartDebugCapture();
+  StartRun(*state_);
+  const std::vector<std::wstring> texts = TakeDebugTexts();
+  StopDebugCapture();
+  EXPECT_EQ(shown.highFrequency_hz, 447'000);
+  EXPECT_EQ(shown.soundSpeed_mps, 1500.0f);
+  ExpectBox(L"Echosounder is not connected", L"Error", BoxIcon::error);
+  EXPECT_TRUE(texts.back().starts_with(L"After Stop Fail time :  "));
+  EXPECT_EQ(sounderPeer_->Closed(), 1);
+  ExpectIdle();
+}
+
+TEST_F(StartTest, GpsIsShownAndReadWhenItIsChosen) {
+  ConnectGps({});
+  ChooseGps();
+  StartQuickRun(5);
+  EXPECT_EQ(globals.gpsQuality, 2);
+  StopRun(*state_);
+  EXPECT_EQ(globals.gpsQuality, 0);
+  EXPECT_EQ(gpsPeer_->Closed(), 1);
+}
+
+TEST_F(StartTest, AGpsPortThatFailsClosesTheDevicePortToo) {
+  ConnectSounder(QuickSounder());
+  ChooseGps();
+  StartRun(*state_);
+  EXPECT_EQ(Ui().systemErrors, std::vector<uint32_t>{ENOENT});
+  EXPECT_EQ(sounderPeer_->Closed(), 1);
+  ExpectIdle();
+}
+
+TEST_F(StartTest, FirstStartWithoutGpsRunsAWorkerOnTheNullHandleAndLaterOnesDoNot) {
+  EXPECT_EQ(state_->gpsPort, Handle::null);
+  StartQuickRun();
+  EXPECT_NE(state_->gpsThread, Handle::null);
+  Run(1);
+  StopRun(*state_);
+  EXPECT_EQ(state_->gpsPort, Handle::invalid);
+
+  StartRun(*state_);
+  EXPECT_NE(state_->acquisitionThread, Handle::null);
+  EXPECT_EQ(state_->gpsThread, Handle::null);
+}
+
+// The worker's own block, and its stream reader's.
+TEST_F(StartTest, WithoutMemoryForTheWorkerTheLinkCountsAsLost) {
+  ConnectSounder(QuickSounder());
+  for (const int given : {0, 1}) {
+    largeBlocks = given;
+    StartRun(*state_);
+    Run(2);
+    ExpectBox(L"Connection lost!", L"Error", BoxIcon::error);
+    const auto& told = Ui().posts[static_cast<int>(StatusPart::position)];
+    EXPECT_NE(std::find(told.begin(), told.end(), L"Insufficient memory!"), told.end());
+    Ui().posts[static_cast<int>(StatusPart::position)].clear();
+    ExpectIdle();
+  }
+  largeBlocks = -1;
+  StartRun(*state_);
+  Run(2);
+  EXPECT_TRUE(Ui().boxes.empty());
+}
+
+TEST_F(StartTest, WithoutAnAcquisitionThreadTheProcessEnds) {
+  ConnectSounder(QuickSounder());
+  InjectFault({.point = FaultPoint::startThread});
+  EXPECT_EXIT(StartRun(*state_), testing::ExitedWithCode(1), "");
+  ClearFaults();
+  refusedSize = sizeof(LiveStart);
+  EXPECT_EXIT(StartRun(*state_), testing::ExitedWithCode(1), "");
+  refusedSize = 0;
+}
+
+TEST_F(StartTest, ARunWithoutAReceiverHasNothingOfThePositionBefore) {
+  ConnectGps({});
+  ChooseGps();
+  StartQuickRun(5);
+  EXPECT_NE(LoadPingHeader(state_->ringA->slots[state_->ringIndexA]).gpsLatitude_rad, 0.0f);
+  StopRun(*state_);
+  Ui().Choose(ID_GPS_PORT, L"N/A");
+  StartRun(*state_);
+  Run(2);
+  const PingHeader ping = LoadPingHeader(state_->ringA->slots[state_->ringIndexA]);
+  EXPECT_EQ(ping.gpsLatitude_rad, 0.0f);
+  EXPECT_EQ(ping.gpsLongitude_rad, 0.0f);
+  EXPECT_EQ(ping.gpsAltitude_m, 0.0f);
+  EXPECT_EQ(ping.gpsTime_s, 0u);
+  EXPECT_EQ(ping.gpsPdop, 0.0f);
+  EXPECT_EQ(ping.gpsValid, 0);
+  StopRun(*state_);
+  const std::string content = Content(RecordFiles().back());
+  EXPECT_NE(content.find(",00.0000,S,00.0000,W,0,00,"), content.npos);
+  EXPECT_NE(content.find(",V,00.0000,S,00.0000,W,"), content.npos);
+}
+
+TEST_F(StartTest, NoGpsThread) {
+  ConnectSounder(QuickSounder());
+  InjectFault({.point = FaultPoint::startThread, .call = 2});
+  StartRun(*state_);
+  ExpectBox(L"Unable to run GPS working thread", L"Error", BoxIcon::error);
+  EXPECT_EQ(state_->gpsPort, Handle::invalid);
+  ExpectIdle();
+}
+
+}  // namespace
+}  // namespace tw::test

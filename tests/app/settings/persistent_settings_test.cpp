@@ -1,0 +1,115 @@
+#include "app/settings/persistent_settings.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <memory>
+#include <string>
+
+#include "platform/host/documents_folder.h"
+#include "platform/host/faults.h"
+#include "tests/app/stored_values.h"
+#include "tests/app/test_folder.h"
+
+namespace tw::test {
+namespace {
+
+using Writes = std::vector<std::wstring>;
+
+class PersistentSettings : public testing::Test {
+ protected:
+  PersistentSettings() {
+    ClearRegistry();
+    ClearFaults();
+    SetDocumentsFolder(folder_.Path().c_str());
+  }
+  ~PersistentSettings() override {
+    SetDocumentsFolder(nullptr);
+    ClearFaults();
+    ClearRegistry();
+  }
+
+  const TestFolder folder_;
+  const std::filesystem::path default_ = folder_.Path() / "TIDEWRITERR57_DATA";
+  std::unique_ptr<AppState> state_ = std::make_unique<AppState>();
+};
+
+TEST_F(PersistentSettings, OneMissingValueMakesAllFourTheDefaults) {
+  const std::wstring names[] = {L"DeviceCOMPort", L"DeviceCOMSpeed", L"GPSCOMPort", L"GPSCOMSpeed"};
+  for (const std::wstring& missing : names) {
+    ClearRegistry();
+    for (const std::wstring& name : names) {
+      if (name != missing) PutNumber(name.c_str(), 7);
+    }
+    const CommunicationSettings read = LoadCommunicationSettings();
+    EXPECT_EQ(read.devicePort, 1);
+    EXPECT_EQ(read.deviceSpeed_bps, 115'200);
+    EXPECT_EQ(read.gpsPort, -1);
+    EXPECT_EQ(read.gpsSpeed_bps, 4'800);
+    EXPECT_EQ(StoredNumber(L"DeviceCOMPort"), 1u);
+    EXPECT_EQ(StoredNumber(L"DeviceCOMSpeed"), 115'200u);
+    EXPECT_EQ(StoredNumber(L"GPSCOMPort"), 0xFFFFFFFFu);
+    EXPECT_EQ(StoredNumber(L"GPSCOMSpeed"), 4'800u);
+  }
+}
+
+TEST_F(PersistentSettings, WritingGoesInItsOrderAndStopsAtTheFirstFailure) {
+  SaveCommunicationSettings({1, 2, 3, 4});
+  EXPECT_EQ(RegistryWrites(), (Writes{L"DeviceCOMPort", L"DeviceCOMSpeed", L"GPSCOMPort", L"GPSCOMSpeed"}));
+  ClearRegistry();
+  InjectFault({.point = FaultPoint::writeRegistry, .subject = L"GPSCOMPort"});
+  SaveCommunicationSettings({4, 9'600, 5, 19'200});
+  EXPECT_EQ(StoredNumber(L"DeviceCOMPort"), 4u);
+  EXPECT_EQ(StoredNumber(L"DeviceCOMSpeed"), 9'600u);
+  EXPECT_EQ(StoredNumber(L"GPSCOMPort"), kNoNumber);
+  EXPECT_EQ(StoredNumber(L"GPSCOMSpeed"), kNoNumber);
+}
+
+TEST_F(PersistentSettings, RecordingIsOnUnlessItWasSwitchedOff) {
+  EXPECT_TRUE(LoadRecordingFlag());
+  EXPECT_EQ(StoredNumber(L"Recording"), 1u);
+  SaveRecordingFlag(false);
+  EXPECT_FALSE(LoadRecordingFlag());
+  EXPECT_EQ(StoredNumber(L"Recording"), 0u);
+  PutNumber(L"Recording", 2);
+  EXPECT_TRUE(LoadRecordingFlag());
+}
+
+TEST_F(PersistentSettings, FirstStartMakesAFolderInTheDocuments) {
+  LoadWorkingFolder(*state_);
+  EXPECT_EQ(state_->workingFolder, default_.wstring());
+  EXPECT_EQ(StoredText(L"WorkingFolder"), default_.wstring());
+  EXPECT_TRUE(std::filesystem::is_directory(default_));
+}
+
+TEST_F(PersistentSettings, AStoredFolderStaysUpTo129CharactersAlthoughItIsAbsent) {
+  const std::wstring longest(129, L'f');
+  PutText(L"WorkingFolder", longest);
+  LoadWorkingFolder(*state_);
+  EXPECT_EQ(state_->workingFolder, longest);
+  EXPECT_EQ(RegistryWrites(), Writes{});
+
+  PutText(L"WorkingFolder", longest + L'f');
+  LoadWorkingFolder(*state_);
+  EXPECT_EQ(state_->workingFolder, default_.wstring());
+  EXPECT_EQ(StoredText(L"WorkingFolder"), default_.wstring());
+}
+
+TEST_F(PersistentSettings, ARegistryThatTakesNothingStillGivesAFolder) {
+  InjectFault({.point = FaultPoint::writeRegistry, .repeat = kEveryCall});
+  LoadWorkingFolder(*state_);
+  EXPECT_EQ(state_->workingFolder, default_.wstring());
+}
+
+TEST_F(PersistentSettings, ThePlacementIsEightLittleEndianWords) {
+  SaveWindowPlacement({0x14CF0000, 0x00010100, 0, 1, -8, 20, 1000, 0x01020304});
+  RegistryValue value;
+  ASSERT_TRUE(FindRegistryValue(kSettingsKey, L"MainWindowPosition", value));
+  const std::vector<uint8_t> expected = {0x00, 0x00, 0xCF, 0x14, 0x00, 0x01, 0x01, 0x00, 0,    0,   0,
+                                         0,    1,    0,    0,    0,    0xF8, 0xFF, 0xFF, 0xFF, 20,  0,
+                                         0,    0,    0xE8, 0x03, 0,    0,    0x04, 0x03, 0x02, 0x01};
+  EXPECT_EQ(value.bytes, expected);
+}
+
+}  // namespace
+}  // namespace tw::test
