@@ -14,6 +14,7 @@
 #include "bench/measure.h"
 #include "display/echogram_image.h"
 #include "display/kept_echogram.h"
+#include "display/palette.h"
 #include "display/ring_view.h"
 
 namespace tw {

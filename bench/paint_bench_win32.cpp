@@ -18,6 +18,7 @@
 #include "base/bytes.h"
 #include "bench/measure.h"
 #include "display/echogram_view_win32.h"
+#include "display/palette.h"
 #include "display/png_win32.h"
 #include "display/view_painter_win32.h"
 #include "platform/memory.h"

@@ -11,6 +11,7 @@
 #include "acquisition/synthetic_pulse.h"
 #include "acquisition/time_marks.h"
 #include "base/shared_value.h"
+#include "gps/gps_fix.h"
 #include "gps/nmea_build.h"
 #include "platform/clock.h"
 #include "platform/file.h"

@@ -11,7 +11,7 @@
 #include <span>
 #include <string_view>
 
-#include "device/device_settings.h"
+#include "app/state/device_settings.h"
 #include "platform/handle.h"
 
 namespace tw {

@@ -2,8 +2,8 @@
 // no worker owns the port. The caller gives a copy of its settings and takes it over only on success.
 #pragma once
 
+#include "app/state/device_settings.h"
 #include "device/command_link.h"
-#include "device/device_settings.h"
 
 namespace tw {
 

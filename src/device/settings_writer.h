@@ -2,8 +2,8 @@
 // is at its prompt.
 #pragma once
 
+#include "app/state/device_settings.h"
 #include "device/command_link.h"
-#include "device/device_settings.h"
 
 namespace tw {
 

@@ -5,8 +5,8 @@
 
 #include <cstdint>
 
+#include "app/state/slider_messages.h"
 #include "display/canvas.h"
-#include "display/slider_messages.h"
 
 namespace tw {
 

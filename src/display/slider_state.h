@@ -4,9 +4,9 @@
 #include <cstdint>
 #include <optional>
 
+#include "app/state/slider_messages.h"
 #include "display/canvas.h"
 #include "display/slider_geometry.h"
-#include "display/slider_messages.h"
 
 namespace tw {
 

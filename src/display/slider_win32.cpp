@@ -7,8 +7,8 @@
 
 #include <new>
 
+#include "app/state/slider_messages.h"
 #include "display/drawing_win32.h"
-#include "display/slider_messages.h"
 #include "display/slider_state.h"
 
 namespace tw {

@@ -8,6 +8,7 @@
 #include "app/state/posts.h"
 #include "base/shared_value.h"
 #include "base/text_format.h"
+#include "gps/gps_fix.h"
 #include "gps/nmea_parser.h"
 #include "gps/position_text.h"
 #include "platform/debug_output.h"

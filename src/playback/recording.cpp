@@ -13,6 +13,7 @@
 #include "acquisition/frame_worker.h"
 #include "acquisition/live_worker.h"
 #include "acquisition/nmea_worker.h"
+#include "gps/gps_fix.h"
 #include "gps/nmea_parser.h"
 #include "gps/position_text.h"
 #include "platform/file.h"

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "display/kept_echogram.h"
+#include "display/palette.h"
 #include "display/zoom.h"
 #include "tests/display/test_ring.h"
 

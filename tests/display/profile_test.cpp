@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <memory>
 
+#include "display/palette.h"
 #include "tests/display/test_canvas.h"
 #include "tests/display/test_ring.h"
 

@@ -3,8 +3,8 @@
 #include <limits>
 #include <vector>
 
+#include "app/state/slider_messages.h"
 #include "display/slider_geometry.h"
-#include "display/slider_messages.h"
 #include "display/slider_state.h"
 #include "tests/display/test_canvas.h"
 

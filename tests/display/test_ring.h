@@ -9,6 +9,7 @@
 #include "acquisition/ping_ring.h"
 #include "app/state/app_state.h"
 #include "base/bytes.h"
+#include "display/palette.h"
 
 namespace tw {
 

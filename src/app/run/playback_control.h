@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "app/state/app_state.h"
-#include "display/slider_messages.h"
+#include "app/state/slider_messages.h"
 
 namespace tw {
 

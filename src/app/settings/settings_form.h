@@ -11,7 +11,7 @@
 #include <cstdint>
 #include <span>
 
-#include "device/device_settings.h"
+#include "app/state/device_settings.h"
 
 namespace tw {
 

@@ -5,9 +5,9 @@
 #include <cwchar>
 #include <iterator>
 
+#include "app/state/device_settings.h"
 #include "base/text_format.h"
 #include "base/text_scan.h"
-#include "device/device_settings.h"
 
 namespace tw {
 namespace {

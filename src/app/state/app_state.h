@@ -7,9 +7,9 @@
 
 #include <cstdint>
 
-#include "device/device_settings.h"
-#include "display/palette.h"
-#include "gps/gps_fix.h"
+#include "app/state/device_settings.h"
+#include "app/state/display_palette.h"
+#include "app/state/gps_fix.h"
 #include "platform/handle.h"
 #include "platform/sync.h"
 
@@ -94,7 +94,7 @@ struct AppState {
   Handle sliderWindow;
   int32_t playbackSpan;
   int32_t conversionKind;  // 0 none, 1 SEG-Y, 2 binary to text; shared
-  uint64_t seekRequest;    // shared: the slider asks, the file worker takes; see display/slider_messages.h
+  uint64_t seekRequest;    // shared: the slider asks, the file worker takes; see app/state/slider_messages.h
 
   // Of a playback, of choices that wait to be sent, of the window and of the record files.
   int32_t playbackActive;  // GUI thread

@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "display/slider_messages.h"
+#include "app/state/slider_messages.h"
 
 namespace tw {
 

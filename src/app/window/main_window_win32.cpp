@@ -3,6 +3,7 @@
 #include "app/run/playback_control.h"
 #include "app/run/run_control.h"
 #include "app/settings/family_controls.h"
+#include "app/state/slider_messages.h"
 #include "app/window/control_fonts_win32.h"
 #include "app/window/control_ids.h"
 #include "app/window/dialogs_win32.h"
@@ -14,7 +15,6 @@
 #include "app/window/view_placement_win32.h"
 #include "app/window/window_handles_win32.h"
 #include "app/window/window_layout.h"
-#include "display/slider_messages.h"
 
 namespace tw {
 namespace {

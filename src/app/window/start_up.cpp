@@ -9,6 +9,7 @@
 #include "app/window/control_ids.h"
 #include "app/window/ui.h"
 #include "base/shared_value.h"
+#include "display/palette.h"
 #include "platform/clock.h"
 #include "platform/memory.h"
 #include "platform/system_error.h"

@@ -1,4 +1,4 @@
-#include "display/slider_messages.h"
+#include "app/state/slider_messages.h"
 
 #include <algorithm>
 #include <atomic>
