@@ -23,27 +23,22 @@ loose=$(grep -rliE --include="*.h" --include="*.cpp" '#include <(windows|windows
   grep -vE '^src/platform/win32/|_win32\.(cpp|h)$')
 [ -n "$loose" ] && fail "Windows headers outside the Windows layer:" "$loose"
 
-coupled=$(grep -nE '#include "(device|acquisition|gps|app|display|playback|platform)/' src/simulator/* /dev/null)
-[ -n "$coupled" ] && fail "The simulator is written a second time on purpose, but includes:" "$coupled"
-
-upward=$(grep -rnE '#include "app/' src/device src/acquisition src/gps src/display src/playback 2>/dev/null |
-  grep -v '"app/state/')
-[ -n "$upward" ] && fail "Only app/state/ is for others:" "$upward"
-
-# arrows LIBRARY FORBIDDEN…: LIBRARY includes nothing from the folders above it.
-arrows() {
-  local from=$1 pattern
-  shift
-  pattern=$(IFS='|'; echo "$*")
-  local hits
-  hits=$(grep -rnE "#include \"($pattern)/" "src/$from")
-  [ -n "$hits" ] && fail "src/$from includes what stands above it:" "$hits"
+# stands_on FOLDER OTHERS…: FOLDER of src/ includes its own headers and those of OTHERS, nothing else of src/.
+stands_on() {
+  local folder=$1 allowed hits
+  allowed=$(IFS='|'; echo "$*")
+  hits=$(grep -rnE '#include "' "src/$folder" | grep -vE "#include \"($allowed)/")
+  [ -n "$hits" ] && fail "src/$folder includes what it does not stand on:" "$hits"
 }
-arrows base platform app device acquisition display gps playback simulator
-arrows platform app device acquisition display gps playback simulator
-arrows device acquisition display gps playback simulator
-arrows gps acquisition display device playback simulator
-arrows acquisition display playback simulator
+stands_on base
+stands_on platform base
+stands_on app/state base platform
+stands_on device base platform app/state
+stands_on gps base platform app/state
+stands_on acquisition base platform app/state device gps
+stands_on display base platform app/state device gps acquisition
+stands_on playback base platform app/state device gps acquisition
+stands_on simulator base  # written a second time on purpose, so that an error in one of the two shows
 
 compiles_alone() {
   printf '#include "%s"\n' "${1#src/}" | g++ -std=c++20 -fsyntax-only -Wall -Wextra -I src -x c++ - >/dev/null 2>&1
