@@ -6,8 +6,8 @@
 #include <string>
 
 #include "platform/file.h"
-#include "platform/host/file_sink.h"
-#include "platform/host/virtual_clock.h"
+#include "platform/virtual/file_sink.h"
+#include "platform/virtual/virtual_clock.h"
 #include "playback/converter.h"
 #include "playback/ping_source.h"
 

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "platform/host/serial_peer.h"
+#include "platform/virtual/serial_peer.h"
 #include "simulator/instrument.h"
 
 namespace tw::test {

@@ -7,7 +7,7 @@
 
 #include "base/bytes.h"
 #include "platform/clock.h"
-#include "platform/host/virtual_clock.h"
+#include "platform/virtual/virtual_clock.h"
 #include "tests/acquisition/live_program.h"
 #include "tests/device/line_script.h"
 

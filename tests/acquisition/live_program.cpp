@@ -8,9 +8,9 @@
 #include "acquisition/live_worker.h"
 #include "base/shared_value.h"
 #include "platform/file.h"
-#include "platform/host/faults.h"
 #include "platform/memory.h"
 #include "platform/serial_line.h"
+#include "platform/virtual/faults.h"
 
 namespace tw::test {
 

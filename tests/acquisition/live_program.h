@@ -7,8 +7,8 @@
 #include "acquisition/ping_ring.h"
 #include "acquisition/record_file.h"
 #include "app/state/app_state.h"
-#include "platform/host/serial_peer.h"
 #include "platform/thread.h"
+#include "platform/virtual/serial_peer.h"
 #include "tests/acquisition/posted_texts.h"
 #include "tests/app/test_folder.h"
 

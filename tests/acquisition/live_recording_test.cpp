@@ -3,7 +3,7 @@
 
 #include "acquisition/frame_worker.h"
 #include "base/shared_value.h"
-#include "platform/host/faults.h"
+#include "platform/virtual/faults.h"
 #include "tests/acquisition/golden_frames.h"
 #include "tests/acquisition/live_fixture.h"
 

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/file.h"
-#include "platform/host/faults.h"
+#include "platform/virtual/faults.h"
 #include "tests/acquisition/live_fixture.h"
 
 namespace tw {

@@ -9,11 +9,11 @@
 #include "app/run/run_control.h"
 #include "app/window/start_up.h"
 #include "platform/clock.h"
-#include "platform/host/documents_folder.h"
-#include "platform/host/faults.h"
-#include "platform/host/memory_registry.h"
-#include "platform/host/virtual_clock.h"
 #include "platform/memory.h"
+#include "platform/virtual/documents_folder.h"
+#include "platform/virtual/faults.h"
+#include "platform/virtual/memory_registry.h"
+#include "platform/virtual/virtual_clock.h"
 
 namespace tw::test {
 namespace {

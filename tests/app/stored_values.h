@@ -5,7 +5,7 @@
 #include <string>
 
 #include "app/settings/persistent_settings.h"
-#include "platform/host/memory_registry.h"
+#include "platform/virtual/memory_registry.h"
 
 namespace tw::test {
 

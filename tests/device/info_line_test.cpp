@@ -9,7 +9,7 @@
 
 #include "app/state/app_state.h"
 #include "platform/file.h"
-#include "platform/host/faults.h"
+#include "platform/virtual/faults.h"
 #include "tests/app/test_folder.h"
 
 namespace tw {

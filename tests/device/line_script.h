@@ -9,10 +9,10 @@
 #include <string>
 
 #include "device/serial_ports.h"
-#include "platform/host/faults.h"
-#include "platform/host/serial_peer.h"
-#include "platform/host/virtual_clock.h"
 #include "platform/serial_line.h"
+#include "platform/virtual/faults.h"
+#include "platform/virtual/serial_peer.h"
+#include "platform/virtual/virtual_clock.h"
 
 namespace tw::test {
 

@@ -6,11 +6,11 @@
 #include <string>
 #include <vector>
 
-#include "platform/host/faults.h"
-#include "platform/host/serial_peer.h"
-#include "platform/host/virtual_clock.h"
 #include "platform/serial_line.h"
 #include "platform/system_error.h"
+#include "platform/virtual/faults.h"
+#include "platform/virtual/serial_peer.h"
+#include "platform/virtual/virtual_clock.h"
 #include "tests/device/line_script.h"
 
 namespace tw {

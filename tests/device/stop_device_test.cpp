@@ -7,7 +7,7 @@
 
 #include "app/state/app_state.h"
 #include "device/probe_interface.h"
-#include "platform/host/debug_capture.h"
+#include "platform/virtual/debug_capture.h"
 #include "tests/device/line_script.h"
 
 namespace tw {

@@ -24,9 +24,9 @@
 #include "display/marks_overlay.h"
 #include "display/panel.h"
 #include "platform/clock.h"
-#include "platform/host/documents_folder.h"
-#include "platform/host/serial_peer.h"
 #include "platform/thread.h"
+#include "platform/virtual/documents_folder.h"
+#include "platform/virtual/serial_peer.h"
 #include "tests/end_to_end/simulator_process.h"
 
 namespace tw::test {

@@ -16,9 +16,9 @@
 
 #include "app/window/control_ids.h"
 #include "app/window/start_up.h"
-#include "platform/host/documents_folder.h"
-#include "platform/host/memory_registry.h"
-#include "platform/host/serial_peer.h"
+#include "platform/virtual/documents_folder.h"
+#include "platform/virtual/memory_registry.h"
+#include "platform/virtual/serial_peer.h"
 #include "tests/app/recording_ui.h"
 #include "tests/app/test_folder.h"
 

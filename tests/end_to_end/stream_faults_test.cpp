@@ -20,7 +20,7 @@
 #include "base/bytes.h"
 #include "base/shared_value.h"
 #include "platform/clock.h"
-#include "platform/host/virtual_clock.h"
+#include "platform/virtual/virtual_clock.h"
 #include "simulator/virtual_echosounder.h"
 #include "tests/acquisition/live_program.h"
 #include "tests/end_to_end/pulse_watch.h"

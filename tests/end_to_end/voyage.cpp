@@ -10,8 +10,8 @@
 #include "base/bytes.h"
 #include "base/shared_value.h"
 #include "platform/clock.h"
-#include "platform/host/virtual_clock.h"
 #include "platform/memory.h"
+#include "platform/virtual/virtual_clock.h"
 
 namespace tw::test {
 namespace {

@@ -15,7 +15,7 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/host/file_sink.h"
+#include "platform/virtual/file_sink.h"
 #include "tests/app/run_control_fixture.h"
 
 namespace tw::test {

@@ -1,4 +1,4 @@
-#include "platform/host/faults.h"
+#include "platform/virtual/faults.h"
 
 #include <cerrno>
 #include <filesystem>

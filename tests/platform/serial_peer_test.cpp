@@ -1,4 +1,4 @@
-#include "platform/host/serial_peer.h"
+#include "platform/virtual/serial_peer.h"
 
 #include <deque>
 

@@ -1,11 +1,11 @@
 #include <gtest/gtest.h>
 
 #include "platform/clock.h"
-#include "platform/host/faults.h"
-#include "platform/host/serial_peer.h"
 #include "platform/serial_line.h"
 #include "platform/system_error.h"
 #include "platform/thread.h"
+#include "platform/virtual/faults.h"
+#include "platform/virtual/serial_peer.h"
 #include "tests/platform/echo_terminal.h"
 
 namespace tw {

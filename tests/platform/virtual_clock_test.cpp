@@ -1,4 +1,4 @@
-#include "platform/host/virtual_clock.h"
+#include "platform/virtual/virtual_clock.h"
 
 #include <gtest/gtest.h>
 

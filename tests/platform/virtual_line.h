@@ -6,10 +6,10 @@
 #include <algorithm>
 #include <string>
 
-#include "platform/host/faults.h"
-#include "platform/host/serial_peer.h"
-#include "platform/host/virtual_clock.h"
 #include "platform/serial_line.h"
+#include "platform/virtual/faults.h"
+#include "platform/virtual/serial_peer.h"
+#include "platform/virtual/virtual_clock.h"
 
 namespace tw {
 

@@ -11,7 +11,7 @@
 
 #include "base/bytes.h"
 #include "platform/file.h"
-#include "platform/host/faults.h"
+#include "platform/virtual/faults.h"
 #include "playback/converter.h"
 #include "simulator/sent_ping.h"
 #include "tests/app/run/playback_fixture.h"

@@ -5,7 +5,7 @@
 #include "app/settings/control_states.h"
 #include "app/window/view_choices.h"
 #include "base/shared_value.h"
-#include "platform/host/faults.h"
+#include "platform/virtual/faults.h"
 #include "tests/app/run_control_fixture.h"
 
 namespace tw::test {

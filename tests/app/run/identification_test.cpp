@@ -4,7 +4,7 @@
 #include "app/run/worker_control.h"
 #include "base/shared_value.h"
 #include "device/info_line.h"
-#include "platform/host/virtual_clock.h"
+#include "platform/virtual/virtual_clock.h"
 #include "tests/app/run_control_fixture.h"
 
 namespace tw::test {

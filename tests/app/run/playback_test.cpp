@@ -5,7 +5,7 @@
 
 #include "app/state/file_naming.h"
 #include "base/text_format.h"
-#include "platform/host/faults.h"
+#include "platform/virtual/faults.h"
 #include "tests/app/run/playback_fixture.h"
 #include "tests/app/run/refused_memory.h"
 #include "tests/playback/info_text.h"

@@ -10,7 +10,7 @@
 #include "app/settings/family_controls.h"
 #include "base/shared_value.h"
 #include "platform/clock.h"
-#include "platform/host/faults.h"
+#include "platform/virtual/faults.h"
 #include "tests/app/run_control_fixture.h"
 
 namespace tw::test {

@@ -2,9 +2,9 @@
 
 #include "app/run/run_control.h"
 #include "platform/clock.h"
-#include "platform/host/faults.h"
-#include "platform/host/virtual_clock.h"
 #include "platform/thread.h"
+#include "platform/virtual/faults.h"
+#include "platform/virtual/virtual_clock.h"
 #include "tests/app/run_control_fixture.h"
 
 namespace tw::test {

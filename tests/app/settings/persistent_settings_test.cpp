@@ -6,8 +6,8 @@
 #include <memory>
 #include <string>
 
-#include "platform/host/documents_folder.h"
-#include "platform/host/faults.h"
+#include "platform/virtual/documents_folder.h"
+#include "platform/virtual/faults.h"
 #include "tests/app/stored_values.h"
 #include "tests/app/test_folder.h"
 

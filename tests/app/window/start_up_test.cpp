@@ -4,8 +4,8 @@
 
 #include "app/run/run_control.h"
 #include "app/settings/port_selectors.h"
-#include "platform/host/faults.h"
 #include "platform/memory.h"
+#include "platform/virtual/faults.h"
 #include "tests/app/run_control_fixture.h"
 #include "tests/app/stored_values.h"
 

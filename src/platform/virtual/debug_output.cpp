@@ -4,7 +4,7 @@
 #include <mutex>
 #include <utility>
 
-#include "platform/host/debug_capture.h"
+#include "platform/virtual/debug_capture.h"
 
 namespace tw {
 namespace {

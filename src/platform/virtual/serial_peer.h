@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/host/virtual_clock.h"
+#include "platform/virtual/virtual_clock.h"
 
 namespace tw {
 

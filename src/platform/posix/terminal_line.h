@@ -3,7 +3,7 @@
 
 #include <memory>
 
-#include "platform/host/line.h"
+#include "platform/posix/line.h"
 
 namespace tw {
 

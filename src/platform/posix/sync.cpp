@@ -4,9 +4,9 @@
 #include <mutex>
 
 #include "platform/clock.h"
-#include "platform/host/baton.h"
-#include "platform/host/fault_points.h"
-#include "platform/host/monitor.h"
+#include "platform/posix/monitor.h"
+#include "platform/virtual/baton.h"
+#include "platform/virtual/fault_points.h"
 
 namespace tw {
 namespace {

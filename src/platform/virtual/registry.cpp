@@ -6,9 +6,9 @@
 #include <utility>
 
 #include "base/text_format.h"
-#include "platform/host/fault_points.h"
-#include "platform/host/last_error.h"
-#include "platform/host/memory_registry.h"
+#include "platform/posix/last_error.h"
+#include "platform/virtual/fault_points.h"
+#include "platform/virtual/memory_registry.h"
 
 namespace tw {
 namespace {

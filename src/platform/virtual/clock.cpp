@@ -2,9 +2,9 @@
 
 #include <time.h>
 
-#include "platform/host/baton.h"
-#include "platform/host/monitor.h"
-#include "platform/host/virtual_clock.h"
+#include "platform/posix/monitor.h"
+#include "platform/virtual/baton.h"
+#include "platform/virtual/virtual_clock.h"
 
 namespace tw {
 namespace {

@@ -1,9 +1,9 @@
-#include "platform/host/peer_line.h"
+#include "platform/virtual/peer_line.h"
 
 #include <algorithm>
 #include <cerrno>
 
-#include "platform/host/last_error.h"
+#include "platform/posix/last_error.h"
 
 namespace tw {
 namespace {

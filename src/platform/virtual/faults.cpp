@@ -1,4 +1,4 @@
-#include "platform/host/faults.h"
+#include "platform/virtual/faults.h"
 
 #include <algorithm>
 #include <atomic>
@@ -7,9 +7,9 @@
 #include <mutex>
 #include <vector>
 
-#include "platform/host/fault_points.h"
-#include "platform/host/last_error.h"
-#include "platform/host/serial_peer.h"
+#include "platform/posix/last_error.h"
+#include "platform/virtual/fault_points.h"
+#include "platform/virtual/serial_peer.h"
 
 namespace tw {
 namespace {

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string_view>
 
-#include "platform/host/faults.h"
+#include "platform/virtual/faults.h"
 
 namespace tw {
 

@@ -6,13 +6,13 @@
 #include <mutex>
 
 #include "base/text_format.h"
-#include "platform/host/baton.h"
-#include "platform/host/fault_points.h"
-#include "platform/host/handle_table.h"
-#include "platform/host/last_error.h"
-#include "platform/host/peer_line.h"
-#include "platform/host/terminal_line.h"
+#include "platform/posix/handle_table.h"
+#include "platform/posix/last_error.h"
+#include "platform/posix/terminal_line.h"
 #include "platform/system_error.h"
+#include "platform/virtual/baton.h"
+#include "platform/virtual/fault_points.h"
+#include "platform/virtual/peer_line.h"
 
 namespace tw {
 namespace {

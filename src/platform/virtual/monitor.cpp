@@ -1,10 +1,10 @@
-#include "platform/host/monitor.h"
+#include "platform/posix/monitor.h"
 
 #include <chrono>
 
 #include "platform/clock.h"
-#include "platform/host/baton.h"
-#include "platform/host/virtual_clock.h"
+#include "platform/virtual/baton.h"
+#include "platform/virtual/virtual_clock.h"
 
 namespace tw {
 

@@ -1,7 +1,7 @@
 #include <atomic>
 #include <thread>
 
-#include "platform/host/serial_peer.h"
+#include "platform/virtual/serial_peer.h"
 #include "tests/platform/echo_line.h"
 #include "tests/platform/echo_terminal.h"
 

@@ -4,7 +4,7 @@
 #include <cstring>
 
 #include "base/text_format.h"
-#include "platform/host/last_error.h"
+#include "platform/posix/last_error.h"
 
 namespace tw {
 namespace {

@@ -1,4 +1,4 @@
-#include "platform/host/baton.h"
+#include "platform/virtual/baton.h"
 
 #include <semaphore.h>
 
@@ -8,7 +8,7 @@
 #include <cstdlib>
 #include <vector>
 
-#include "platform/host/virtual_clock.h"
+#include "platform/virtual/virtual_clock.h"
 
 namespace tw::baton {
 

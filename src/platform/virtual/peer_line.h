@@ -1,9 +1,9 @@
 // A serial line to a device in this process.
 #pragma once
 
-#include "platform/host/line.h"
-#include "platform/host/monitor.h"
-#include "platform/host/serial_peer.h"
+#include "platform/posix/line.h"
+#include "platform/posix/monitor.h"
+#include "platform/virtual/serial_peer.h"
 
 namespace tw {
 

@@ -5,11 +5,11 @@
 #include <cerrno>
 
 #include "platform/clock.h"
-#include "platform/host/baton.h"
-#include "platform/host/fault_points.h"
-#include "platform/host/handle_table.h"
-#include "platform/host/last_error.h"
-#include "platform/host/monitor.h"
+#include "platform/posix/handle_table.h"
+#include "platform/posix/last_error.h"
+#include "platform/posix/monitor.h"
+#include "platform/virtual/baton.h"
+#include "platform/virtual/fault_points.h"
 
 namespace tw {
 namespace {

@@ -1,4 +1,4 @@
-#include "platform/host/terminal_line.h"
+#include "platform/posix/terminal_line.h"
 
 #include <fcntl.h>
 #include <poll.h>
@@ -12,9 +12,9 @@
 #include <string_view>
 
 #include "base/text_scan.h"
-#include "platform/host/last_error.h"
-#include "platform/host/monitor.h"
-#include "platform/host/virtual_clock.h"
+#include "platform/posix/last_error.h"
+#include "platform/posix/monitor.h"
+#include "platform/virtual/virtual_clock.h"
 
 namespace tw {
 namespace {

@@ -17,12 +17,12 @@
 #include <string>
 
 #include "base/text_format.h"
-#include "platform/host/documents_folder.h"
-#include "platform/host/fault_points.h"
-#include "platform/host/file_sink.h"
-#include "platform/host/handle_table.h"
-#include "platform/host/last_error.h"
+#include "platform/posix/handle_table.h"
+#include "platform/posix/last_error.h"
 #include "platform/system_error.h"
+#include "platform/virtual/documents_folder.h"
+#include "platform/virtual/fault_points.h"
+#include "platform/virtual/file_sink.h"
 
 namespace tw {
 namespace {

@@ -7,8 +7,8 @@
 #include <algorithm>
 
 #include "base/text_scan.h"
-#include "platform/host/fault_points.h"
-#include "platform/host/last_error.h"
+#include "platform/posix/last_error.h"
+#include "platform/virtual/fault_points.h"
 
 namespace tw {
 
