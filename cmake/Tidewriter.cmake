@@ -33,6 +33,11 @@ function(tw_library name)
   target_include_directories(${name} PUBLIC ${PROJECT_SOURCE_DIR}/src)
 endfunction()
 
+# The program runs on the virtual side of the platform: clock, devices, faults and registry of the tests.
+function(tw_virtual_platform name)
+  set_target_properties(${name} PROPERTIES TW_VIRTUAL_PLATFORM ON)
+endfunction()
+
 # tw_test(NAME SOURCES… LINK libraries… [THREADED]): one GoogleTest program, its cases listed one by one.
 # THREADED ones run real threads on the real clock and are built for the race detector too. LARGE ones look at
 # millions of values.
@@ -43,6 +48,7 @@ function(tw_test name)
   endif()
   add_executable(${name} ${arg_SOURCES})
   target_link_libraries(${name} PRIVATE ${arg_LINK} tw_options tw_gtest)
+  tw_virtual_platform(${name})
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
   if(TW_SANITIZE AND NOT arg_LARGE)
     # Instrumented test code takes twice as long to optimise as to run as it is.

@@ -1,4 +1,4 @@
-// Puts a virtual instrument of the simulator behind a serial line of the host side.
+// Puts a virtual instrument of the simulator behind a serial line.
 #pragma once
 
 #include <string>

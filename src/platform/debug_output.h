@@ -1,4 +1,4 @@
-// The debugger's output window; on a system without one the text goes nowhere unless a test listens.
+// The debugger's output window; on a system without one the text goes nowhere.
 #pragma once
 
 namespace tw {

@@ -1,4 +1,4 @@
-// What stands in the registry of the host side, below the program's own key.
+// What stands in the registry that tests see, below the program's own key.
 #pragma once
 
 #include <cstdint>

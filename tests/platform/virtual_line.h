@@ -1,4 +1,4 @@
-// A device and a line to it on the virtual clock, for the tests of the host side's serial lines.
+// A device and a line to it on the virtual clock, for the tests of the serial lines of the virtual side.
 #pragma once
 
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
-// Which handle stands for which object of the host side. Handles are numbers that are never used again, so a
-// handle that was closed is known to be none. Any thread.
+// Which handle stands for which object. Handles are numbers that are never used again, so a handle that was
+// closed is known to be none. Any thread.
 #pragma once
 
 #include <cstdint>

@@ -1,4 +1,4 @@
-// One open serial line of the host side, whatever is behind it.
+// One open serial line, whatever is behind it.
 #pragma once
 
 #include <atomic>

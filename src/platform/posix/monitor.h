@@ -1,5 +1,5 @@
-// A mutex and a condition in one, on the real clock or, for threads that belong to it, on the virtual one.
-// Whatever can be waited for on the host side is built on it.
+// A mutex and a condition in one; whatever can be waited for is built on it, and on the clock below. Here
+// they go by the system's clock; the test gear, which is linked in the place of this side, has its own.
 #pragma once
 
 #include <condition_variable>
@@ -8,11 +8,17 @@
 
 namespace tw {
 
-// The clock that the calling thread goes by: virtual, or the system's monotonic one.
-[[nodiscard]] int64_t HostNow_us();
+inline constexpr int64_t kNever = INT64_MAX;
+
+// The clock of the calling thread, which goes on evenly from some moment.
+[[nodiscard]] int64_t Now_us();
 
 // The deadline of a wait that begins now; kNever for kWaitForever.
 [[nodiscard]] int64_t DeadlineAfter_us(uint32_t timeout_ms);
+
+// The same for a call that may return at once and that a loop may make without end: a clock that stands still
+// between waits is moved on. Hold no lock meanwhile.
+[[nodiscard]] int64_t PolledDeadline_us(uint32_t timeout_ms);
 
 class Monitor {
  public:
@@ -20,7 +26,7 @@ class Monitor {
   void unlock() { mutex_.unlock(); }
 
   // With the monitor locked: gives it up until somebody wakes it or the deadline has come, or earlier for no
-  // reason at all; so callers look again and look at the clock.
+  // reason at all; so callers look again and look at the clock. `what` says in a word or two what for.
   void WaitUntil(int64_t deadline_us, const char* what);
 
   // With the monitor locked.

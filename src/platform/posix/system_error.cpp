@@ -22,6 +22,11 @@ bool FailWithErrno() {
   return false;
 }
 
+bool FailWith(int code) {
+  lastError = static_cast<uint32_t>(code);
+  return false;
+}
+
 uint32_t LastSystemError() {
   return lastError;
 }

@@ -14,7 +14,6 @@
 #include "base/text_scan.h"
 #include "platform/posix/last_error.h"
 #include "platform/posix/monitor.h"
-#include "platform/virtual/virtual_clock.h"
 
 namespace tw {
 namespace {
@@ -60,7 +59,7 @@ void SetLine(int terminal, std::string_view mode) {
 }
 
 [[nodiscard]] int PollTimeout_ms(int64_t deadline_us) {
-  const int64_t left_us = std::clamp<int64_t>(deadline_us - HostNow_us(), 0, int64_t{3'600'000'000});
+  const int64_t left_us = std::clamp<int64_t>(deadline_us - Now_us(), 0, int64_t{3'600'000'000});
   return static_cast<int>((left_us + 999) / 1000);
 }
 
@@ -68,10 +67,6 @@ void SetLine(int terminal, std::string_view mode) {
 
 std::shared_ptr<TerminalLine> TerminalLine::Open(const std::wstring& name, const char* path, const char* mode,
                                                  uint32_t readConstant_ms) {
-  if (IsClockVirtual()) {
-    SetSystemError(ENOTSUP);  // its waits take real time
-    return nullptr;
-  }
   const int terminal = open(path, O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
   if (terminal < 0) {
     FailWithErrno();

@@ -1,4 +1,4 @@
-// A serial line that is a terminal of the system, real or pseudo. On the real clock only.
+// A serial line that is a terminal of the system, real or pseudo. Its waits take real time.
 #pragma once
 
 #include <memory>

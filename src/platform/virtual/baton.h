@@ -2,7 +2,7 @@
 // baton runs, and passes it on when it waits. The thread with the earliest wake time goes next, ties by
 // thread number, and the time jumps to that moment. A thread that is alone only moves the time.
 //
-// All of this is for the host's own files; tests use virtual_clock.h. Except where it says otherwise, a
+// All of this is for the files beside this one; tests use virtual_clock.h. Except where it says otherwise, a
 // function may be called only by the thread that holds the baton.
 #pragma once
 
@@ -29,7 +29,7 @@ void WakeAll(const void* channel);
 bool WakeOne(const void* channel);
 
 // What a call costs that would take no time: one microsecond, so that a spinning loop ends and others get
-// their turn. Nothing for a thread that is not registered. Hold no lock of the host's own meanwhile.
+// their turn. Nothing for a thread that is not registered. Hold no lock of theirs meanwhile.
 void Poll();
 
 // Registers a thread that is about to start (ready at once); that thread first calls SitDown, which waits for

@@ -1,4 +1,4 @@
-// Listening to the debug output on the host side.
+// Listening to the debug output.
 #pragma once
 
 #include <string>

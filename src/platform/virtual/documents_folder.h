@@ -1,4 +1,4 @@
-// The documents folder of the host side.
+// The documents folder that tests see.
 #pragma once
 
 namespace tw {

@@ -1,4 +1,4 @@
-// Where the host side's own calls ask whether a fault was put there. Any thread.
+// Where the calls of this side ask whether a fault was put there. Any thread.
 #pragma once
 
 #include <cstdint>

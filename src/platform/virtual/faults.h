@@ -1,5 +1,5 @@
-// Faults put at an exact call or byte of the host side, for tests. Set them while no other thread is in the
-// platform layer, or from a thread of the virtual clock.
+// Faults put at an exact call or byte of the platform layer, for tests. Set them while no other thread is in
+// the platform layer, or from a thread of the virtual clock.
 #pragma once
 
 #include <cstdint>

@@ -1,4 +1,4 @@
-// The host side's registry: values kept in memory. Failures are put there through faults.h.
+// The registry that tests see: values kept in memory. Failures are put there through faults.h.
 #pragma once
 
 #include <cstdint>

@@ -29,13 +29,13 @@ bool PeerLine::Open(const char* mode) {
     SetSystemError(ENOENT);
     return false;
   }
-  Drain(peer_, HostNow_us());
+  Drain(peer_, Now_us());
   return true;
 }
 
 int64_t PeerLine::Take(std::span<uint8_t> out) {
   const std::lock_guard held(monitor_);
-  const int64_t now_us = HostNow_us();
+  const int64_t now_us = Now_us();
   if (peer_.HungUp(now_us)) {
     SetSystemError(EIO);
     return -1;
@@ -45,7 +45,7 @@ int64_t PeerLine::Take(std::span<uint8_t> out) {
 
 bool PeerLine::Put(std::span<const uint8_t> bytes) {
   const std::lock_guard held(monitor_);
-  const int64_t now_us = HostNow_us();
+  const int64_t now_us = Now_us();
   if (peer_.HungUp(now_us)) {
     SetSystemError(EIO);
     return false;
@@ -57,14 +57,14 @@ bool PeerLine::Put(std::span<const uint8_t> bytes) {
 
 uint32_t PeerLine::Waiting() {
   const std::lock_guard held(monitor_);
-  return static_cast<uint32_t>(std::min(peer_.Waiting(HostNow_us()), kInputQueueSize));
+  return static_cast<uint32_t>(std::min(peer_.Waiting(Now_us()), kInputQueueSize));
 }
 
 void PeerLine::Await(int64_t deadline_us) {
   const std::lock_guard held(monitor_);
   if (Closed()) return;
   // At least a moment, so that time goes on even with a device that promises bytes and has none.
-  const int64_t now_us = HostNow_us();
+  const int64_t now_us = Now_us();
   const int64_t until_us = std::max(peer_.NextSend_us(now_us), now_us + 1);
   monitor_.WaitUntil(std::min(deadline_us, until_us), "bytes on a serial line");
 }

@@ -5,8 +5,8 @@
 #include <mutex>
 #include <utility>
 
-#include "base/text_format.h"
 #include "platform/posix/last_error.h"
+#include "platform/posix/registry_text.h"
 #include "platform/virtual/fault_points.h"
 #include "platform/virtual/memory_registry.h"
 
@@ -22,13 +22,6 @@ struct Store {
 Store& Shared() {
   static Store* const store = new Store;
   return *store;
-}
-
-// The bytes of the text as UTF-16, its terminating zero included.
-[[nodiscard]] size_t Utf16Bytes(const std::wstring& text) {
-  size_t units = 1;
-  for (const wchar_t unit : text) units += static_cast<uint32_t>(unit) > 0xFFFF ? 2 : 1;
-  return units * 2;
 }
 
 [[nodiscard]] bool Read(const wchar_t* key, const wchar_t* name, RegistryType type, RegistryValue& value) {
@@ -85,13 +78,7 @@ bool WriteRegistryNumber(const wchar_t* key, const wchar_t* name, uint32_t value
 
 bool ReadRegistryText(const wchar_t* key, const wchar_t* name, std::span<wchar_t> out, uint32_t size_bytes) {
   RegistryValue stored;
-  if (!Read(key, name, RegistryType::text, stored)) return false;
-  if (Utf16Bytes(stored.text) > size_bytes || stored.text.size() >= out.size()) {
-    SetSystemError(EOVERFLOW);
-    return false;
-  }
-  CopyWide(out, stored.text);
-  return true;
+  return Read(key, name, RegistryType::text, stored) && posix::GiveRegistryText(stored.text, out, size_bytes);
 }
 
 bool WriteRegistryText(const wchar_t* key, const wchar_t* name, const wchar_t* text) {

@@ -54,7 +54,11 @@ HandleTable<Line>& Lines() {
 
 [[nodiscard]] std::shared_ptr<Line> OpenEnd(const std::wstring& name, const Attached& end, const char* mode,
                                             uint32_t readConstant_ms) {
-  if (end.peer == nullptr) return TerminalLine::Open(name, end.terminal.c_str(), mode, readConstant_ms);
+  if (end.peer == nullptr) {
+    if (!IsClockVirtual()) return TerminalLine::Open(name, end.terminal.c_str(), mode, readConstant_ms);
+    SetSystemError(ENOTSUP);  // its waits take real time
+    return nullptr;
+  }
   auto line = std::make_shared<PeerLine>(name, readConstant_ms, *end.peer);
   return line->Open(mode) ? line : nullptr;
 }
@@ -161,7 +165,7 @@ bool ReadSerialLine(Handle handle, void* bytes, uint32_t size, uint32_t& got) {
     got = static_cast<uint32_t>(std::max<int64_t>(taken, 0));
     if (taken < 0) return Fail();
     if (taken > 0 || size == 0) return true;
-    if (HostNow_us() >= deadline_us) return true;
+    if (Now_us() >= deadline_us) return true;
     line->Await(deadline_us);
   }
 }

@@ -1,4 +1,4 @@
-// What stands at the other end of the host side's serial lines: an object in this process, or a terminal.
+// What stands at the other end of a test's serial lines: an object in this process, or a terminal.
 // Set up while no line of that name is open.
 #pragma once
 

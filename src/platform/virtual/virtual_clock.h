@@ -1,6 +1,6 @@
-// The virtual clock of the host side. While it runs, the platform layer of the threads that belong to it (the
-// one that started it, number 0, and all that StartThread starts from then on, numbered in order) takes its
-// time from here: a wait takes no real time, and a run is the same every time.
+// The virtual clock. While it runs, the platform layer of the threads that belong to it (the one that started
+// it, number 0, and all that StartThread starts from then on, numbered in order) takes its time from here: a
+// wait takes no real time, and a run is the same every time.
 //
 // One of these threads runs at a time, until it waits (a sleep, an event, a thread's end, a serial read with
 // nothing there, a held lock). When all wait, the time jumps to the earliest deadline, ties by thread number.
@@ -15,9 +15,9 @@
 
 #include <cstdint>
 
-namespace tw {
+#include "platform/posix/monitor.h"
 
-inline constexpr int64_t kNever = INT64_MAX;
+namespace tw {
 
 // Starts the clock at this moment of the wall clock, and MillisecondClock() at `firstMillisecond`.
 void StartVirtualClock(int64_t unix_ms, uint32_t firstMillisecond = 1'000'000);

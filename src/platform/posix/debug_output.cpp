@@ -1,0 +1,7 @@
+#include "platform/debug_output.h"
+
+namespace tw {
+
+void WriteDebugText(const wchar_t*) {}
+
+}  // namespace tw
