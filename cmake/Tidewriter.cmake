@@ -40,15 +40,19 @@ endfunction()
 
 # tw_test(NAME SOURCES… LINK libraries… [THREADED]): one GoogleTest program, its cases listed one by one.
 # THREADED ones run real threads on the real clock and are built for the race detector too. LARGE ones look at
-# millions of values.
+# millions of values. SHIPPED ones run on the platform layer that ships, all others on the virtual one.
 function(tw_test name)
-  cmake_parse_arguments(arg "THREADED;LARGE" "" "SOURCES;LINK" ${ARGN})
+  cmake_parse_arguments(arg "THREADED;LARGE;SHIPPED" "" "SOURCES;LINK" ${ARGN})
   if(TW_THREADED_TESTS_ONLY AND NOT arg_THREADED)
     return()
   endif()
   add_executable(${name} ${arg_SOURCES})
   target_link_libraries(${name} PRIVATE ${arg_LINK} tw_options tw_gtest)
-  tw_virtual_platform(${name})
+  if(arg_SHIPPED)
+    set(side shipped.)  # the virtual side has cases of the same names
+  else()
+    tw_virtual_platform(${name})
+  endif()
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
   if(TW_SANITIZE AND NOT arg_LARGE)
     # Instrumented test code takes twice as long to optimise as to run as it is.
@@ -57,7 +61,7 @@ function(tw_test name)
   if(CMAKE_CROSSCOMPILING)
     add_test(NAME ${TW_TEST_PREFIX}${name} COMMAND ${name})
   else()
-    gtest_discover_tests(${name} TEST_PREFIX ${TW_TEST_PREFIX} DISCOVERY_TIMEOUT 60
+    gtest_discover_tests(${name} TEST_PREFIX ${TW_TEST_PREFIX}${side} DISCOVERY_TIMEOUT 60
                          PROPERTIES TIMEOUT 300)
   endif()
 endfunction()

@@ -15,6 +15,8 @@ class EchoLine {
   [[nodiscard]] const std::wstring& Name() const { return name_; }
   // As it is listed: "COM7".
   [[nodiscard]] std::wstring ListedName() const { return name_.substr(4); }
+  // False where it is no device and so in no list.
+  [[nodiscard]] bool IsListed() const;
 
  private:
   std::wstring name_;

@@ -9,4 +9,8 @@ EchoLine::EchoLine() {
   if (name != nullptr) name_.assign(name, name + std::char_traits<char>::length(name));
 }
 
+bool EchoLine::IsListed() const {
+  return true;
+}
+
 }  // namespace tw
