@@ -23,6 +23,12 @@ loose=$(grep -rliE --include="*.h" --include="*.cpp" '#include <(windows|windows
   grep -vE '^src/platform/win32/|_win32\.(cpp|h)$')
 [ -n "$loose" ] && fail "Windows headers outside the Windows layer:" "$loose"
 
+gear=$(grep -rnE '#include "platform/virtual/' src tools | grep -v '^src/platform/virtual/')
+[ -n "$gear" ] && fail "What ships includes test gear:" "$gear"
+
+inside=$(grep -rnE '#include "platform/posix/' src tools | grep -v '^src/platform/')
+[ -n "$inside" ] && fail "Only the platform layer includes its own insides:" "$inside"
+
 # stands_on FOLDER OTHERS…: FOLDER of src/ includes its own headers and those of OTHERS, nothing else of src/.
 stands_on() {
   local folder=$1 allowed hits
