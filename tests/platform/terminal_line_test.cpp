@@ -78,20 +78,5 @@ TEST_F(TerminalLineTest, ABlockedWriteEndsWhenTheTerminalHangsUp) {
       [&] { terminal_.HangUp(); });
 }
 
-TEST_F(TerminalLineTest, FaultsApplyToTerminalsToo) {
-  CloseSerialLine(line_);
-  line_ = OpenSerialLine(kName, "", 100);
-  SilenceLine(kName, 3);
-  EXPECT_TRUE(WriteSerialLine(line_, "abcdef", 6));
-  while (BytesWaiting(line_) < 3) ASSERT_TRUE(terminal_.Echo(10));
-  char bytes[8] = {};
-  uint32_t got = 0;
-  EXPECT_TRUE(ReadSerialLine(line_, bytes, sizeof(bytes), got));
-  EXPECT_STREQ(bytes, "abc");
-  EXPECT_EQ(BytesWaiting(line_), 0u);
-  EXPECT_TRUE(ReadSerialLine(line_, bytes, sizeof(bytes), got));
-  EXPECT_EQ(got, 0u);
-}
-
 }  // namespace
 }  // namespace tw

@@ -103,27 +103,5 @@ TEST(StreamFaults, AnotherModeThanTheOneAskedFor) {
   });
 }
 
-TEST(StreamFaults, SeededAndMixed) {
-  const SounderFaults faults = {.stream = {StreamFault::lostBytes, StreamFault::notANumber},
-                                .streamRate = 0.3};
-  const RecordedStream once = Sail(DeviceFamily::first, 2, faults);
-  EXPECT_EQ(once.bytes, Sail(DeviceFamily::first, 2, faults).bytes);
-  std::set<StreamFault> seen;
-  for (size_t i = 0; i < once.size(); ++i) seen.insert(once.Ping(i).fault);
-  EXPECT_EQ(seen, (std::set{StreamFault::none, StreamFault::lostBytes, StreamFault::notANumber}));
-}
-
-TEST(StreamFaults, RateFromNeverToAlways) {
-  const struct {
-    double rate;
-    bool all;
-  } rows[] = {{-1.0, false}, {0.0, false}, {1.0, true}, {5.0, true}};
-  for (const auto& row : rows) {
-    const RecordedStream sent =
-        Sail(DeviceFamily::first, 8, {.stream = {StreamFault::flippedBytes}, .streamRate = row.rate});
-    for (size_t i = 0; i < sent.size(); ++i) EXPECT_EQ(sent.Ping(i).faulty, row.all) << row.rate;
-  }
-}
-
 }  // namespace
 }  // namespace tw::sim
