@@ -9,7 +9,7 @@ export TW_WINEPREFIX=${TW_WINEPREFIX:-$PWD/build/wine-bench}
 out=build/bench-live
 mkdir -p "$out"
 
-tests/window/wine_run build/windows/bench/live_reading.exe >/dev/null 2>&1 || true  # makes the prefix
+tools/wine/wine_run build/windows/bench/live_reading.exe >/dev/null 2>&1 || true  # makes the prefix
 build/bench/bench/line_sender "$TW_WINEPREFIX/ports/com8" "$rate" "$seconds" "$out/sent.txt" >"$out/sender.log" &
 sender=$!
 trap 'kill "$sender" 2>/dev/null || true' EXIT
@@ -17,7 +17,7 @@ sleep 0.5
 ticks() { awk '{print $14 + $15}' "/proc/$1/stat"; }
 server=$(pgrep -n wineserver || true)
 before=$([ -n "$server" ] && ticks "$server" || echo 0)
-tests/window/wine_run build/windows/bench/live_reading.exe 8 "$seconds" "$out/read.txt"
+tools/wine/wine_run build/windows/bench/live_reading.exe 8 "$seconds" "$out/read.txt"
 after=$([ -n "$server" ] && [ -d "/proc/$server" ] && ticks "$server" || echo "$before")
 wait "$sender" || true
 cat "$out/sender.log"

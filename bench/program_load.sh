@@ -3,7 +3,7 @@
 # beside it the wineserver's, which the program keeps busy. The window is 1,920 x 1,080, recording and GPS are on.
 #   bench/program_load.sh [SECONDS] [options of echosim, --mode 4 --samples 1000 --rate 10 if there are none…]
 set -euo pipefail
-. "$(dirname "${BASH_SOURCE[0]}")/../tests/window/wine_session.sh"
+. "$(dirname "${BASH_SOURCE[0]}")/../tools/wine/wine_session.sh"
 
 seconds=${1:-30}
 [ $# -eq 0 ] || shift
