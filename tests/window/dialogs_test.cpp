@@ -122,19 +122,5 @@ TEST_F(Dialogs, SpeedNeedsADevice) {
   EXPECT_EQ(StoredNumber(L"DeviceCOMSpeed"), 921'600u);
 }
 
-// A stored speed that is none of the list.
-TEST_F(Dialogs, SpeedThatIsNotOnOfferKeepsTheSelection) {
-  StoreChoice(L"DeviceCOMSpeed", 12'345);
-  EXPECT_EQ(Open(ID_MENU_BAUD).Value(kSpeedLabel), L"4800");
-}
-
-TEST_F(Dialogs, ShowSettingsSaysWhatToDo) {
-  program_.emplace();
-  ASSERT_TRUE(WaitUntil([this] { return program_->IsEnabled(ID_SHOW_SETTINGS); }, 10));
-  program_->Click(ID_SHOW_SETTINGS);
-  EXPECT_EQ(program_->AnswerBox(10), (MessageBoxContent{L"Error", L"Click after Playback saved file"}));
-  EXPECT_EQ(program_->Exit(), 0);
-}
-
 }  // namespace
 }  // namespace tw

@@ -15,7 +15,6 @@ namespace {
 
 // All figures are for 96 dots per inch; the screen has as many as the session says, and its size and task
 // bar.
-constexpr int kColumnRight = 186;
 
 struct WindowSize {
   int width;
@@ -120,17 +119,6 @@ TEST_F(Layout, NoTwoControlsIntersectAndTheEchogramFillsTheRest) {
     EXPECT_EQ(echogram->place.right, client.cx - Scaled(6));
     EXPECT_EQ(echogram->place.bottom, client.cy - Scaled(30));
     EXPECT_EQ(program_->Exit(), 0);
-  }
-}
-
-TEST_F(Layout, ControlsStandInTheirColumnAboveTheStatusBar) {
-  ResizeTo(kSmallest);
-  ExpectAllInWorkArea();
-  for (const ControlPlace& control : program_->Controls()) {
-    const bool inColumn = control.id >= ID_DEVICE_PORT && control.id <= ID_MEASURED_INTERVAL;
-    if (inColumn && control.id != ID_ECHOGRAM) {
-      EXPECT_LT(control.place.right, Scaled(kColumnRight)) << Name(control);
-    }
   }
 }
 

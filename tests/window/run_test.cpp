@@ -93,20 +93,6 @@ TEST_F(Run, ExitWhileRecordingLeavesAWholeFile) {
   EXPECT_FALSE(recording_.blocks.empty());
 }
 
-TEST_F(Run, RecordTickOpensAndClosesFilesWhileRunning) {
-  StoreChoice(L"Recording", 0);
-  Start();
-  EXPECT_TRUE(folder_.Files().empty());
-  program_->Click(ID_RECORD);
-  ASSERT_TRUE(WaitUntil([this] { return program_->Status(3).starts_with(L"File size: "); }, 20));
-  program_->Click(ID_RECORD);
-  ASSERT_TRUE(WaitUntil([] { return StoredNumber(L"Recording") == 0u; }, 10));
-  Stop();
-  ReadRecording();
-  EXPECT_EQ(recording_.fault, "");
-  EXPECT_FALSE(recording_.blocks.empty());
-}
-
 // The depth that the picture shows is the depth that was sent.
 TEST_F(Run, BottomStandsAtTheSentDepth) {
   constexpr double kRange_m = 30.0;

@@ -53,32 +53,6 @@ TEST_F(StartUp, OffersThePortsThatExist) {
   EXPECT_EQ(program.Items(ID_GPS_PORT), withNone);
 }
 
-TEST_F(StartUp, TakesTheStoredChoices) {
-  StoreChoice(L"DeviceCOMPort", 6);
-  StoreChoice(L"DeviceCOMSpeed", 921'600);
-  StoreChoice(L"GPSCOMPort", 5);
-  StoreChoice(L"GPSCOMSpeed", 38'400);
-  StoreChoice(L"Recording", 0);
-  Program program;
-  EXPECT_EQ(program.Text(ID_DEVICE_PORT), L"COM6");
-  EXPECT_EQ(program.Text(ID_DEVICE_SPEED), L"921600");
-  EXPECT_EQ(program.Text(ID_GPS_PORT), L"COM5");
-  EXPECT_EQ(program.Text(ID_GPS_SPEED), L"38400");
-  EXPECT_FALSE(program.IsTicked(ID_RECORD));
-}
-
-TEST_F(StartUp, StoredChoicesThatAreNotOnOfferSelectTheFirst) {
-  StoreChoice(L"DeviceCOMPort", 77);
-  StoreChoice(L"DeviceCOMSpeed", 12'345);
-  StoreChoice(L"GPSCOMPort", 77);
-  StoreChoice(L"GPSCOMSpeed", 1);
-  Program program;
-  EXPECT_EQ(program.Text(ID_DEVICE_PORT), program.Items(ID_DEVICE_PORT).front());
-  EXPECT_EQ(program.Text(ID_DEVICE_SPEED), L"4800");
-  EXPECT_EQ(program.Text(ID_GPS_PORT), L"N/A");
-  EXPECT_EQ(program.Text(ID_GPS_SPEED), L"2400");
-}
-
 // One notch over a selector would change the device.
 TEST_F(StartUp, SelectorsTakeTheWheelOnlyWhileTheirListIsOpen) {
   Program program;
@@ -107,22 +81,6 @@ TEST_F(StartUp, RecordTickIsStoredAtOnce) {
   EXPECT_TRUE(WaitUntil([] { return StoredNumber(L"Recording") == 0u; }, 10));
   program.Click(ID_RECORD);
   EXPECT_TRUE(WaitUntil([] { return StoredNumber(L"Recording") == 1u; }, 10));
-}
-
-TEST_F(StartUp, WhatNeedsADeviceIsGreyed) {
-  Program program;
-  for (const int id :
-       {ID_STOP, ID_APPLY, ID_DETAIL, ID_DEFAULT, ID_OUTPUT, ID_RANGE, ID_INTERVAL, ID_PRESET}) {
-    EXPECT_FALSE(program.IsEnabled(id)) << id;
-  }
-  EXPECT_TRUE(program.IsEnabled(ID_START));
-  EXPECT_TRUE(program.IsEnabled(ID_SHOW_SETTINGS));
-}
-
-TEST_F(StartUp, CloseBoxEndsTheProgram) {
-  Program program;
-  PostMessageW(program.Window(), WM_CLOSE, 0, 0);
-  EXPECT_EQ(program.Exit(), 0);
 }
 
 }  // namespace
