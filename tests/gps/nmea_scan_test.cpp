@@ -64,15 +64,5 @@ TEST(NmeaScan, ABlankInTheFormatIsAnyNumberOfBlanks) {
   }
 }
 
-TEST(NmeaScan, AWrongOrMissingTargetEndsTheScan) {
-  int32_t whole = -1;
-  double real = -1;
-  const ScanTarget wrong[] = {&whole, &real};
-  EXPECT_EQ(ScanSentence("1,x", "%d,%C", wrong), 1);
-  EXPECT_EQ(real, -1);
-  EXPECT_EQ(ScanSentence("1,2,3", "%d,%f,%d", wrong), 2);
-  EXPECT_EQ(ScanSentence("1,2", "%d,%", wrong), 1);
-}
-
 }  // namespace
 }  // namespace tw

@@ -170,13 +170,6 @@ SIZE Program::ClientSize() const {
   return {client.right, client.bottom};
 }
 
-size_t Program::ResidentBytes() const {
-  PROCESS_MEMORY_COUNTERS counters{};
-  counters.cb = sizeof(counters);
-  if (!K32GetProcessMemoryInfo(process_.hProcess, &counters, sizeof(counters))) return 0;
-  return counters.WorkingSetSize;
-}
-
 void Program::Click(int id) const {
   PostMessageW(Control(id), BM_CLICK, 0, 0);
 }

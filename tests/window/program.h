@@ -57,7 +57,6 @@ class Program {
   [[nodiscard]] std::wstring Status(int part) const;
   [[nodiscard]] std::vector<ControlPlace> Controls() const { return ControlsOf(window_); }
   [[nodiscard]] SIZE ClientSize() const;
-  [[nodiscard]] size_t ResidentBytes() const;
 
   // Posted, because Start keeps the window busy for seconds.
   void Click(int id) const;

@@ -11,8 +11,6 @@
 namespace tw {
 namespace {
 
-constexpr size_t kMegabyte = 1'000'000;
-
 class StartUp : public ::testing::Test {
  protected:
   StartUp() { ForgetStoredChoices(); }
@@ -64,23 +62,6 @@ TEST_F(StartUp, SelectorsTakeTheWheelOnlyWhileTheirListIsOpen) {
   turn();
   SendMessageW(speed, CB_SHOWDROPDOWN, FALSE, 0);
   EXPECT_EQ(program.Text(ID_DEVICE_SPEED), L"230400");
-}
-
-TEST_F(StartUp, RingsAreNotResident) {
-  Program program;
-  ASSERT_TRUE(WaitUntil([&] { return program.IsTicked(ID_RECORD); }, 10));
-  const size_t resident = program.ResidentBytes();
-  EXPECT_GT(resident, 1 * kMegabyte);
-  EXPECT_LT(resident, 60 * kMegabyte);
-  RecordProperty("resident_kB", static_cast<int>(resident / 1000));
-}
-
-TEST_F(StartUp, RecordTickIsStoredAtOnce) {
-  Program program;
-  program.Click(ID_RECORD);
-  EXPECT_TRUE(WaitUntil([] { return StoredNumber(L"Recording") == 0u; }, 10));
-  program.Click(ID_RECORD);
-  EXPECT_TRUE(WaitUntil([] { return StoredNumber(L"Recording") == 1u; }, 10));
 }
 
 }  // namespace

@@ -235,11 +235,5 @@ TEST_F(IdentificationTest, IntervalAndRangesAreFittedToTheDevice) {
   }
 }
 
-TEST_F(IdentificationTest, AModeWithoutAWorkerIsReported) {
-  // Every accepted mode has a worker, so no run gets here.
-  ReportWorkerStart(*state_, WorkerStart::unsupportedOutput);
-  ExpectBox(L"Unsupported output", L"Error", BoxIcon::error);
-}
-
 }  // namespace
 }  // namespace tw::test

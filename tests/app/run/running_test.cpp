@@ -1,5 +1,4 @@
 // What the operator sees and has set stays as it should while a run is interrupted, recorded and resumed.
-#include "app/settings/family_controls.h"
 #include "display/panel.h"
 #include "display/zoom.h"
 #include "tests/app/run/playback_fixture.h"
@@ -49,39 +48,6 @@ TEST_F(Running, ApplyLeavesTheZoomUnlessTheRangeIsAnother) {
   EXPECT_EQ(state_->displayRangeLower, 2'000);
 }
 
-TEST_F(Running, AFrequencyThatIsOnlyChosenIsNeitherShownNorPutIntoNames) {
-  ConnectSounder(QuickSounder());
-  Tick(ID_RECORD, false);
-  StartRun(*state_);
-  Tick(ID_LOW_FREQUENCY, true);
-  TakeSettingsChoice(*state_, ID_LOW_FREQUENCY);
-  SetRecording(true);
-  Run(2);
-  EXPECT_EQ(DescribePanel(*state_, PanelPlace::single).frequency_hz, 450'000);
-  ApplySettings(*state_);
-  EXPECT_EQ(DescribePanel(*state_, PanelPlace::single).frequency_hz, 200'000);
-  Run(2);
-  ASSERT_EQ(RecordFiles().size(), 2u);
-  EXPECT_NE(RecordFiles()[0].find("_450kHz_"), std::string::npos) << RecordFiles()[0];
-  EXPECT_NE(RecordFiles()[1].find("_200kHz_"), std::string::npos) << RecordFiles()[1];
-}
-
-TEST_F(Running, DualModeThatIsOnlyChosenMakesNoFileOfBothChannels) {
-  sim::SounderOptions options = QuickSounder();
-  options.outputMode = 8;
-  ConnectSounder(options);
-  Tick(ID_RECORD, false);
-  StartRun(*state_);
-  Tick(ID_DUAL_MODE, true);
-  TakeSettingsChoice(*state_, ID_DUAL_MODE);
-  SetRecording(true);
-  Run(2);
-  ASSERT_EQ(RecordFiles().size(), 1u);
-  const std::string content = Content(RecordFiles()[0]);
-  EXPECT_TRUE(content.starts_with("INFO:1,450000,"));
-  EXPECT_EQ(content.find("INFO:", 1), std::string::npos) << "one channel, one settings line";
-}
-
 TEST_F(Running, SettingsThatAreOnlyChosenStandInNoFile) {
   StartQuickRun(2);
   SetRecording(false);
@@ -91,16 +57,25 @@ TEST_F(Running, SettingsThatAreOnlyChosenStandInNoFile) {
   chosen.txLengthHigh = chosen.thresholdHigh_percent = chosen.attenuationHigh = chosen.offsetHigh_mm = 33;
   chosen.gainHigh = chosen.tvgSpreadingHigh = chosen.tvgAbsorptionHigh = chosen.txPower = 7.0f;
   chosen.soundSpeed_mps = 1'480.0f;
-  chosen.outputMode = 4;
-  SetRecording(true);
-  Run(2);
-  ASSERT_EQ(RecordFiles().size(), 2u);
+  chosen.frequencyInUse_hz = 200'000;
+  for (const int32_t mode : {4, 8}) {  // the second has one file of both channels
+    chosen.outputMode = mode;
+    chosen.simultaneous = mode == 8 ? 1 : 0;
+    SleepMilliseconds(1'000);  // the time in the name is another one
+    SetRecording(true);
+    Run(2);
+    SetRecording(false);
+  }
+  ASSERT_EQ(RecordFiles().size(), 3u);
   const auto lineOf = [&](size_t file) {
     const std::string content = Content(RecordFiles()[file]);
+    EXPECT_EQ(content.find("INFO:", 1), std::string::npos) << "one channel, one settings line";
     return content.substr(0, content.find("\r\n"));
   };
-  EXPECT_EQ(lineOf(1), lineOf(0));
-  EXPECT_TRUE(RecordFiles()[1].ends_with("_txt10.log")) << RecordFiles()[1];
+  for (const size_t file : {1u, 2u}) {
+    EXPECT_EQ(lineOf(file), lineOf(0));
+    EXPECT_TRUE(RecordFiles()[file].ends_with("_450kHz_id_VIRTUAL-0001_txt10.log")) << RecordFiles()[file];
+  }
 }
 
 TEST_F(Running, TheReportedSizeIsThatOfThePresentRecording) {
