@@ -114,6 +114,10 @@ TEST_F(Recordings, PositionAndTimeComeFromTheSentencesOrTheConvertedText) {
   } rows[] = {
       {"both", line + gga(1) + rmc("25"), true, kSecond_ms + 250},
       {"no fix", line + gga(0) + rmc("25"), false, kSecond_ms + 250},
+      {"hundredths", line + gga(1) + rmc("99"), true, kSecond_ms + 990},
+      // The digits as they stand: below 100 they are hundredths.
+      {"three digits are milliseconds", line + gga(1) + rmc("100"), true, kSecond_ms + 100},
+      {"many milliseconds", line + gga(1) + rmc("800"), true, kSecond_ms + 800},
       {"no date", line + gga(1), true, kNone},
       {"converted", converted("1"), true, 0},
       {"converted, no fix", converted("0"), false, 0},
@@ -238,25 +242,6 @@ TEST_F(Recordings, AReceiverWithoutAFixIsNoPosition) {
     ASSERT_TRUE(recording->Next(ping));
     EXPECT_EQ(ping.hasPosition, row.hasPosition) << row.sentence;
     EXPECT_EQ(ping.header.gpsValid, row.hasPosition ? 1 : 0) << row.sentence;
-  }
-}
-
-// The digits as they stand: below 100 they are hundredths.
-TEST_F(Recordings, FractionsOfThreeDigitsAreMilliseconds) {
-  const struct {
-    const char* sentence;
-    int64_t time_ms;  // within the minute
-  } rows[] = {
-      {"$GPRMC,123519.20,A,4807.0380,N,01131.0000,E,022.4,084.4,230394,003.1,W,A*2B\r\n", 19'200},
-      {"$GPRMC,123519.99,A,4807.0380,N,01131.0000,E,022.4,084.4,230394,003.1,W,A*29\r\n", 19'990},
-      {"$GPRMC,123519.100,A,4807.0380,N,01131.0000,E,022.4,084.4,230394,003.1,W,A*18\r\n", 19'100},
-      {"$GPRMC,123519.800,A,4807.0380,N,01131.0000,E,022.4,084.4,230394,003.1,W,A*11\r\n", 19'800},
-  };
-  for (const auto& row : rows) {
-    const auto recording = Open(InfoText(1, 1) + "Alt : 1.5\r\n" + row.sentence);
-    RecordedPing ping{};
-    ASSERT_TRUE(recording->Next(ping) && ping.hasTime) << row.sentence;
-    EXPECT_EQ(ping.time_ms % 60'000, row.time_ms) << row.sentence;
   }
 }
 

@@ -20,12 +20,8 @@ struct WindowSize {
   int width;
   int height;
 };
-constexpr WindowSize kSizes[] = {{980, 750}, {1280, 800}, {1920, 1080}};
-constexpr WindowSize kSmallest = kSizes[0];
-
-bool IsSlider(const ControlPlace& control) {
-  return control.className == L"EchoSliderbar class";
-}
+constexpr WindowSize kSmallest{980, 750};
+constexpr WindowSize kLarger{1280, 800};
 
 RECT WorkArea() {
   RECT area{};
@@ -102,28 +98,8 @@ TEST_F(Layout, AllStandsInTheWorkAreaFromTheStart) {
   EXPECT_EQ(program_->Exit(), 0);
 }
 
-TEST_F(Layout, NoTwoControlsIntersectAndTheEchogramFillsTheRest) {
-  for (const WindowSize& size : kSizes) {
-    SCOPED_TRACE(size.width);
-    ResizeTo(size);
-    std::vector<ControlPlace> controls = program_->Controls();
-    ASSERT_GT(controls.size(), 30u);
-    std::erase_if(controls, IsSlider);  // it has its place during a playback
-    ExpectNoIntersections(controls);
-    const SIZE client = program_->ClientSize();
-    const auto echogram = std::find_if(controls.begin(), controls.end(),
-                                       [](const ControlPlace& control) { return control.id == ID_ECHOGRAM; });
-    ASSERT_NE(echogram, controls.end());
-    EXPECT_EQ(echogram->place.left, Scaled(186));
-    EXPECT_EQ(echogram->place.top, Scaled(6));
-    EXPECT_EQ(echogram->place.right, client.cx - Scaled(6));
-    EXPECT_EQ(echogram->place.bottom, client.cy - Scaled(30));
-    EXPECT_EQ(program_->Exit(), 0);
-  }
-}
-
 TEST_F(Layout, ControlAndLeftButtonGiveTheEchogramAllTheWidth) {
-  ResizeTo(kSizes[1]);
+  ResizeTo(kLarger);
   const HWND echogram = program_->Control(ID_ECHOGRAM);
   const HWND start = program_->Control(ID_START);
   const auto width = [&] {
@@ -141,7 +117,7 @@ TEST_F(Layout, ControlAndLeftButtonGiveTheEchogramAllTheWidth) {
 }
 
 TEST_F(Layout, WindowIsNeverSmallerThanItsControlsNeed) {
-  ResizeTo(kSizes[1]);
+  ResizeTo(kLarger);
   program_->Resize(300, 200);
   RECT window{};
   ASSERT_TRUE(WaitUntil(
