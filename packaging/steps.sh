@@ -44,7 +44,8 @@ BUILD_PACKAGES=(ca-certificates cmake ninja-build g++)
 WINDOWS_PACKAGES=(g++-mingw-w64-x86-64-posix mingw-w64-tools binutils-mingw-w64-x86-64)
 WINE_PACKAGES=(wine wine64 xvfb xauth xdotool imagemagick x11-utils fonts-open-sans fonts-liberation
                fonts-unfonts-core)
-TEST_PACKAGES=(libgtest-dev googletest clang clang-format libclang-rt-dev gpsd-clients python3-segyio)
+# clang-format by version: another one lays out other lines.
+TEST_PACKAGES=(libgtest-dev googletest clang libclang-rt-dev clang-format-14 gpsd-clients python3-segyio)
 
 configure_and_build() {
   local preset=$1
