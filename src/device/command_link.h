@@ -20,7 +20,7 @@ enum class LinkResult : uint8_t {
   stopTimeOut = 4,  // the device did not stop
 };
 
-inline constexpr size_t kReplySize = 64 * 1024;
+inline constexpr size_t kReplySize = size_t{64} * 1024;
 inline constexpr uint32_t kReplyLimit_ms = 2000;
 inline constexpr uint32_t kLateReplyLimit_ms = 1500;
 

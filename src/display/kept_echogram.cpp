@@ -78,8 +78,8 @@ void KeptEchogram::Compose(const Canvas& image) const {
       const Pixel* const pixel = from + shown_[x];
       to[x] = pixel[0];
       to[x + image.stride] = pixel[kRingSlots];
-      to[x + 2 * image.stride] = pixel[2 * kRingSlots];
-      to[x + 3 * image.stride] = pixel[3 * kRingSlots];
+      to[x + 2 * image.stride] = pixel[ptrdiff_t{2} * kRingSlots];
+      to[x + 3 * image.stride] = pixel[ptrdiff_t{3} * kRingSlots];
     }
   }
   for (; y < reached_; ++y) {

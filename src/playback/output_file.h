@@ -11,7 +11,7 @@
 
 namespace tw {
 
-inline constexpr size_t kOutputBufferSize = 512 * 1024;
+inline constexpr size_t kOutputBufferSize = size_t{512} * 1024;
 
 class OutputFile {
  public:

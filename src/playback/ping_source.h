@@ -52,7 +52,7 @@ struct Interruption {
 };
 
 // The first ping of a recording begins within this many bytes; a file without one there is none.
-inline constexpr uint64_t kFirstPingReach = 64 * 1024 * 1024;
+inline constexpr uint64_t kFirstPingReach = uint64_t{64} * 1024 * 1024;
 
 class PingSource {
  public:

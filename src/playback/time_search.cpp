@@ -3,7 +3,7 @@
 namespace tw {
 namespace {
 
-constexpr uint64_t kNear = 64 * 1024;  // bytes that are read on rather than halved once more
+constexpr uint64_t kNear = uint64_t{64} * 1024;  // bytes that are read on rather than halved once more
 constexpr int kPingsWithoutTime = 64;  // a receiver tells the time once a second, a device pings more often
 
 // The first ping behind a place that tells its time.

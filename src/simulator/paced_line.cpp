@@ -7,7 +7,7 @@
 namespace tw::sim {
 namespace {
 
-constexpr int64_t kBitsPerByteTimesMicroseconds = 10 * 1'000'000;
+constexpr int64_t kBitsPerByteTimesMicroseconds = int64_t{10} * 1'000'000;
 
 }  // namespace
 
