@@ -64,8 +64,9 @@ void PaintOne(const Echo& echo, Dice& dice, std::span<uint16_t> samples) {
   }
   const double fall = 1.0 - 1.0 / std::max(2.0, echo.tail);
   double level = echo.peak;
-  for (int32_t i = echo.index; i < count && level > 20.0; ++i, level *= fall) {
+  for (int32_t i = echo.index; i < count && level > 20.0; ++i) {
     if (i >= 0) put(i, speckled(level));
+    level *= fall;
   }
 }
 
