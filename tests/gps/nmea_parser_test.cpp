@@ -28,11 +28,12 @@ TEST_F(NmeaParserTest, ASentenceIsParsedOnceWhenItsLineEndArrives) {
 }
 
 TEST_F(NmeaParserTest, GettingBackInStep) {
+  using namespace std::string_literals;
   const struct {
     const char* why;
     std::string before;
   } rows[] = {
-      {"garbage", "\xff\x00*47\r\nGPGGA,,"},
+      {"garbage", "\xff\x00*47\r\nGPGGA,,"s},
       {"a torn sentence", "$GPGGA,123519,48"},
       {"many dollars", "$$$$$"},
       {"a wrong checksum", "$GPRMC,1,2,3*00\r\n"},
