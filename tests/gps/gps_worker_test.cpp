@@ -294,10 +294,10 @@ TEST_F(GpsRace, ReadersUnderTheLockSeeWholeValues) {
   Stop();
   EXPECT_GE(places.size(), 3u);
   for (const auto& [latitude_rad, longitude_rad] : places) {
-    const auto isThere = [&](const sim::SentEpoch& epoch) {
+    const auto isThere = [latitude = latitude_rad, longitude = longitude_rad](const sim::SentEpoch& epoch) {
       constexpr double kRadians = std::numbers::pi / 180;
-      return std::abs(latitude_rad - epoch.latitude_deg * kRadians) < 2e-7 &&
-             std::abs(longitude_rad - epoch.longitude_deg * kRadians) < 2e-7;
+      return std::abs(latitude - epoch.latitude_deg * kRadians) < 2e-7 &&
+             std::abs(longitude - epoch.longitude_deg * kRadians) < 2e-7;
     };
     const auto& epochs = gps_->Epochs().Entries();
     EXPECT_TRUE(std::any_of(epochs.begin(), epochs.end(), isThere)) << latitude_rad << ' ' << longitude_rad;
