@@ -44,11 +44,12 @@ uint32_t TakeUtf8(std::string_view& text) {
 }
 
 uint32_t TakeWide(std::wstring_view& text) {
-  const auto unit = static_cast<uint32_t>(text[0]);
+  // As wide as the number or without a sign: nothing is extended.
+  const auto unit = static_cast<uint32_t>(text[0]);  // NOLINT(bugprone-signed-char-misuse)
   text.remove_prefix(1);
   if constexpr (sizeof(wchar_t) == 2) {
     if (unit >= 0xD800 && unit <= 0xDBFF && !text.empty()) {
-      const auto low = static_cast<uint32_t>(text[0]);
+      const auto low = static_cast<uint32_t>(text[0]);  // NOLINT(bugprone-signed-char-misuse)
       if (low >= 0xDC00 && low <= 0xDFFF) {
         text.remove_prefix(1);
         return 0x10000 + ((unit - 0xD800) << 10) + (low - 0xDC00);

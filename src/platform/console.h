@@ -14,7 +14,7 @@ namespace tw {
 class Utf8Console {
  public:
   Utf8Console();
-  ~Utf8Console();
+  ~Utf8Console();  // NOLINT(performance-trivially-destructible): Windows gives it work
   Utf8Console(const Utf8Console&) = delete;
   Utf8Console& operator=(const Utf8Console&) = delete;
 

@@ -45,7 +45,7 @@ int32_t DataBitsOf(tcflag_t flags) {
 }
 
 std::string SystemText(const std::string& what) {
-  return what + ": " + std::strerror(errno);
+  return what + ": " + std::strerror(errno);  // NOLINT(concurrency-mt-unsafe): one thread
 }
 
 std::string TargetOf(const std::string& link) {

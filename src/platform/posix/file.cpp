@@ -77,7 +77,7 @@ bool CreateFolder(const wchar_t* path) {
 }
 
 bool DocumentsFolder(std::span<wchar_t> path) {
-  return posix::TellFolder(std::getenv("HOME"), path);
+  return posix::TellFolder(std::getenv("HOME"), path);  // NOLINT(concurrency-mt-unsafe): nobody sets it
 }
 
 }  // namespace tw

@@ -31,8 +31,8 @@ constexpr size_t kLongestFile = size_t{1} << 20;
 
 // Where the file is, without a name; its folders are made. Empty when the user has none.
 [[nodiscard]] std::string Folder() {
-  const char* const set = std::getenv("XDG_CONFIG_HOME");
-  const char* const home = std::getenv("HOME");
+  const char* const set = std::getenv("XDG_CONFIG_HOME");  // NOLINT(concurrency-mt-unsafe): nobody sets it
+  const char* const home = std::getenv("HOME");            // NOLINT(concurrency-mt-unsafe): nobody sets it
   std::string folder;
   if (set != nullptr && set[0] == '/') {
     folder = set;

@@ -106,7 +106,7 @@ bool ListSerialLines(void (*take)(void* context, const wchar_t* name), void* con
   DIR* const folder = opendir(kTerminals.data());
   if (folder == nullptr) return FailWithErrno();
   std::vector<std::string> names;
-  while (const dirent* const entry = readdir(folder)) {
+  while (const dirent* const entry = readdir(folder)) {  // NOLINT(concurrency-mt-unsafe): the folder is ours
     if (HasDevice(entry->d_name)) names.emplace_back(entry->d_name);
   }
   closedir(folder);

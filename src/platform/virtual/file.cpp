@@ -170,8 +170,8 @@ bool CreateFolder(const wchar_t* path) {
 
 bool DocumentsFolder(std::span<wchar_t> path) {
   if (FaultAt(FaultPoint::documents, {})) return false;
-  return posix::TellFolder(DocumentsSetting().empty() ? std::getenv("HOME") : DocumentsSetting().c_str(),
-                           path);
+  const char* const home = std::getenv("HOME");  // NOLINT(concurrency-mt-unsafe): nobody sets it
+  return posix::TellFolder(DocumentsSetting().empty() ? home : DocumentsSetting().c_str(), path);
 }
 
 }  // namespace tw
