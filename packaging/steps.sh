@@ -44,8 +44,9 @@ BUILD_PACKAGES=(ca-certificates cmake ninja-build g++)
 WINDOWS_PACKAGES=(g++-mingw-w64-x86-64-posix mingw-w64-tools binutils-mingw-w64-x86-64)
 WINE_PACKAGES=(wine wine64 xvfb xauth xdotool imagemagick x11-utils fonts-open-sans fonts-liberation
                fonts-unfonts-core)
-# clang-format by version: another one lays out other lines.
-TEST_PACKAGES=(libgtest-dev googletest clang libclang-rt-dev clang-format-14 gpsd-clients python3-segyio)
+# clang-format and clang-tidy by version: another one lays out and finds other things.
+TEST_PACKAGES=(libgtest-dev googletest clang libclang-rt-dev clang-format-14 clang-tidy-14 gpsd-clients
+               python3-segyio)
 
 configure_and_build() {
   local preset=$1
