@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "acquisition/block_reader.h"
-#include "acquisition/echo_text_worker.h"
+#include "acquisition/echo_text_stream.h"
 #include "app/state/posts.h"
 #include "bench/measure.h"
 #include "simulator/virtual_echosounder.h"
@@ -58,7 +58,7 @@ Result ReadAll(const std::vector<uint8_t>& stream, size_t pieceSize, LivePing& p
   for (size_t at = 0; at < stream.size(); at += pieceSize) {
     std::span<const uint8_t> piece(stream.data() + at, std::min(pieceSize, stream.size() - at));
     while (reader.Feed(piece)) {
-      if (!kFirstFamilyEchoText.parse(reader.Block(), context, ping)) continue;
+      if (!kFirstTextStream.parse(reader.Block(), context, ping)) continue;
       ++result.pings;
       result.sum += ping.samples.back();
     }
@@ -81,7 +81,7 @@ Result ParseAll(const std::vector<std::string_view>& blocks, LivePing& ping) {
   const LiveContext context{};
   Result result;
   for (const std::string_view block : blocks) {
-    if (!kFirstFamilyEchoText.parse(block, context, ping)) continue;
+    if (!kFirstTextStream.parse(block, context, ping)) continue;
     ++result.pings;
     result.sum += ping.samples.back();
   }

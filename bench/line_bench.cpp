@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "acquisition/altimeter_worker.h"
-#include "acquisition/nmea_worker.h"
+#include "acquisition/altimeter_lines.h"
+#include "acquisition/nmea_depth.h"
 #include "app/state/posts.h"
 #include "bench/measure.h"
 
@@ -26,7 +26,7 @@ struct Result {
   double sum = 0;  // of all altitudes
 };
 
-Result ReadAll(const LiveMode& mode, const std::string& stream, LivePing& ping) {
+Result ReadAll(const StreamForm& mode, const std::string& stream, LivePing& ping) {
   const LiveContext context{};
   const std::unique_ptr<StreamReader> reader = mode.makeReader();
   Result result;
@@ -46,7 +46,7 @@ Result ReadAll(const LiveMode& mode, const std::string& stream, LivePing& ping) 
 // altitude.
 struct Mode {
   const char* name;
-  const LiveMode& mode;
+  const StreamForm& mode;
   const char* format;  // of altitude and twice the altitude
   bool (*readLine)(const std::string& line, float& altitude_m);
 };
@@ -83,25 +83,25 @@ bool ReadSentence(const std::string& line, float& altitude_m) {
 }
 
 const Mode kModes[] = {
-    {"simple", kSimpleAltimeter, "Alt : %.3f\r\n",
+    {"simple", kSimpleStream, "Alt : %.3f\r\n",
      [](const std::string& line, float& altitude_m) { return ReadFields(line, "Alt : ", altitude_m); }},
-    {"DESO-25(M)", kDeso25, "DA %.2f m*\r\n",
+    {"DESO-25(M)", kDesoStream, "DA %.2f m*\r\n",
      [](const std::string& line, float& altitude_m) { return ReadFields(line, "DA", altitude_m); }},
-    {"dual", kDualAltimeter, "Dual : 7, %.3f, %.3f, 11.40\r\n",
+    {"dual", kDualStream, "Dual : 7, %.3f, %.3f, 11.40\r\n",
      [](const std::string& line, float& altitude_m) { return ReadFields(line, "Dual : 7,", altitude_m); }},
-    {"Sonarmite DFX", kSonarmiteDfx, "1 %.2f %.2f 0.00 0.00 0\r\n",
+    {"Sonarmite DFX", kDfxStream, "1 %.2f %.2f 0.00 0.00 0\r\n",
      [](const std::string& line, float& altitude_m) { return ReadFields(line, "1 ", altitude_m); }},
-    {"Sonarmite OLD", kSonarmiteOld, "1 %.2f 0 0 0 %.2f 0 0\r\n",
+    {"Sonarmite OLD", kOldStream, "1 %.2f 0 0 0 %.2f 0 0\r\n",
      [](const std::string& line, float& altitude_m) { return ReadFields(line, "1 ", altitude_m); }},
-    {"PSA-916", kPsa916, "R%.2f\r\n",
+    {"PSA-916", kPsaStream, "R%.2f\r\n",
      [](const std::string& line, float& altitude_m) { return ReadFields(line, "R", altitude_m); }},
-    {"AltiPlusTemp.", kAltiPlusTemp, "%.3f,   %.2f\r\n",
+    {"AltiPlusTemp.", kAltiTempStream, "%.3f,   %.2f\r\n",
      [](const std::string& line, float& altitude_m) { return ReadFields(line, "", altitude_m); }},
-    {"NMEA, first family", kFirstFamilyNmeaMode,
+    {"NMEA, first family", kFirstNmeaStream,
      "$SDZDA,123456.78,16,11,2026,00,00,*43\r\n$SDDBT,13.94,f,%.3f,M,%.2f,F*39\r\n"
      "$SDXDR,A,2.0,D,PTCH,A,-1.0,D,ROLL*65\r\n$SDMTW,11.40,*73\r\n$SDXDR,A,1.5,P,EMA*2B\r\n",
      ReadSentence},
-    {"NMEA, second family", kSecondFamilyNmeaMode,
+    {"NMEA, second family", kSecondNmeaStream,
      "$GPDBT,13.94,f,%.3f,M,,*62\r\n$YXXDR,A,2.0,D,PTCH,A,%.1f,D,ROLL*73\r\n$GPMTW,11.40,*73\r\n"
      "$GPEMA,1.5*58\r\n",
      ReadSentence},

@@ -1,11 +1,14 @@
 #include "acquisition/altimeter_lines.h"
 
+#include <algorithm>
+
 #include "base/text_scan.h"
 
 namespace tw {
 namespace {
 
 constexpr float kMaxFrequency_hz = 1e9f;
+constexpr std::string_view kLineEnd = "\r\n";
 
 // A line's values until they are known to be a ping: nothing of the last line's flags.
 AltimeterValues Fresh(const AltimeterValues& values) {
@@ -42,7 +45,70 @@ bool ScanAltitudes(std::string_view& line, AltimeterValues& values) {
   return true;
 }
 
+template <const LineForm& form>
+std::unique_ptr<StreamReader> MakeReader() {
+  return NewReader<LineReader>(form);
+}
+
+// Which channel a line belongs to: what it says itself, else its frequency. A single run has one channel.
+bool IsSecondChannel(const AltimeterValues& values, const LiveContext& context) {
+  if (values.hasFrequency) return context.IsSecondChannel(values.frequency_hz);
+  return context.dual && values.secondChannel;
+}
+
+template <bool (*parse)(std::string_view, AltimeterValues&)>
+bool ParseLine(std::string_view line, const LiveContext& context, LivePing& ping) {
+  AltimeterValues values{};
+  values.temperature_c = ping.header.temperature_c;
+  if (!parse(line, values)) return false;
+  ping.secondChannel = IsSecondChannel(values, context);
+  ping.bothChannels = context.dual && values.hasAltitudeLow;
+  ping.altitudeLow_m = values.altitudeLow_m;
+  PingHeader& header = ping.header;
+  header.altitude_m = values.altitude_m;
+  header.temperature_c = values.temperature_c;
+  header.txFrequency_hz =
+      values.hasFrequency ? values.frequency_hz : context.ChannelFrequency_hz(ping.secondChannel);
+  return true;
+}
+
+// The line as it came and its position. A form that ends before its line does (DESO-25) gets the line end, so
+// that the sentences begin a line of their own.
+size_t LayOutRecord(std::string_view line, const LivePing&, std::string_view sentences,
+                    std::span<char, kMaxRecordSize> record) {
+  auto out = std::copy(line.begin(), line.end(), record.begin());
+  if (!line.ends_with(kLineEnd)) out = std::copy(kLineEnd.begin(), kLineEnd.end(), out);
+  out = std::copy(sentences.begin(), sentences.end(), out);
+  return static_cast<size_t>(out - record.begin());
+}
+
+template <const LineForm& form, bool (*parse)(std::string_view, AltimeterValues&)>
+constexpr StreamForm LineStream(const char* name, RecordRule rule = RecordRule::fileOfChannel,
+                                bool dualAttitude = false) {
+  return {.name = name,
+          .makeReader = MakeReader<form>,
+          .parse = ParseLine<parse>,
+          .layOutRecord = LayOutRecord,
+          .echo = EchoSource::pulse,
+          .dualAttitude = dualAttitude,
+          .recordRule = rule};
+}
+
+constexpr RecordRule kOneFile = RecordRule::oneFile;
+constexpr char kSimpleName[] = "simple altimeter lines";
+
 }  // namespace
+
+const StreamForm kSimpleStream = LineStream<kSimpleForm, ParseSimple>(kSimpleName);
+const StreamForm kReportingStream = LineStream<kReportingForm, ParseSimple>(kSimpleName);
+const StreamForm kDesoStream = LineStream<kDesoForm, ParseDeso>("DESO-25 lines", kOneFile);
+const StreamForm kDualStream = LineStream<kDualForm, ParseDual>("dual altimeter lines", kOneFile);
+const StreamForm kDfxStream = LineStream<kPlainForm, ParseSonarmiteDfx>("Sonarmite DFX lines", kOneFile);
+const StreamForm kOldStream =
+    LineStream<kPlainForm, ParseSonarmiteOld>("Sonarmite OLD lines", RecordRule::fileOfChannel, true);
+const StreamForm kPsaStream = LineStream<kPsaForm, ParsePsa916>("PSA-916 lines");
+const StreamForm kAltiTempStream =
+    LineStream<kPlainForm, ParseAltiPlusTemp>("altitude and temperature lines");
 
 bool ParseSimple(std::string_view line, AltimeterValues& values) {
   AltimeterValues read = Fresh(values);

@@ -19,13 +19,15 @@
 //   4.250,   11.40<CR><LF>                    altitude, temperature
 //
 // A line is read up to its first mismatch, and what was read so far counts, as long as the altitude is among
-// it (for AltiPlusTemp. the temperature too); any other line is no ping. Pure; any thread.
+// it (for AltiPlusTemp. the temperature too); any other line is no ping. Recorded of a ping: the line as
+// received, GGA, RMC. Pure; any thread.
 #pragma once
 
 #include <cstdint>
 #include <string_view>
 
 #include "acquisition/line_reader.h"
+#include "acquisition/stream_form.h"
 
 namespace tw {
 
@@ -42,6 +44,15 @@ inline constexpr LineForm kDesoForm{kDesoMarks, "*"};
 inline constexpr LineForm kDualForm{{&kDualMark, 1}, "\r\n"};
 inline constexpr LineForm kPsaForm{{&kRangeMark, 1}, "\r\n"};
 inline constexpr LineForm kPlainForm{{}, "\r\n"};  // both Sonarmites, AltiPlusTemp.
+
+extern const StreamForm kSimpleStream;
+extern const StreamForm kReportingStream;  // simple, of a device that reports its frequency; reads both
+extern const StreamForm kDesoStream;
+extern const StreamForm kDualStream;
+extern const StreamForm kDfxStream;
+extern const StreamForm kOldStream;
+extern const StreamForm kPsaStream;
+extern const StreamForm kAltiTempStream;
 
 struct AltimeterValues {
   float altitude_m;

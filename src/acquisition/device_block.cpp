@@ -6,6 +6,7 @@
 
 #include <cmath>
 
+#include "acquisition/echo_frame.h"
 #include "acquisition/sample_grid.h"
 #include "base/bytes.h"
 
@@ -83,9 +84,38 @@ size_t ReadSamples(std::span<const uint8_t> block, std::span<uint16_t, kMaxSlotS
   return DecodeOntoGrid(count, repeat, grid, load);
 }
 
+std::unique_ptr<StreamReader> MakeReader() {
+  return NewReader<FrameReader>(kDeviceBlocks);
+}
+
+bool ParseBlock(std::string_view block, const LiveContext& context, LivePing& ping) {
+  PingHeader& header = ping.header;
+  const std::span<uint16_t, kMaxSlotSamples> grid(ping.buffers[0], kMaxSlotSamples);
+  if (!ParseDeviceBlock(block, header, grid)) return false;
+  ping.secondChannel = context.IsSecondChannel(header.txFrequency_hz);
+  ping.samples = grid.first(header.sampleCount);
+  ping.factor = 1;
+  header.timeOfWork_s = header.deviceSeconds;
+  ping.hasDeviceTime = true;
+  ping.deviceSeconds = header.deviceSeconds;
+  ping.deviceMilliseconds = header.deviceMilliseconds;
+  return true;
+}
+
 }  // namespace
 
+static_assert(kMaxSlotSamples <= kMaxPingSamples);
+static_assert(frame::kWrittenHeaderLength + 2 * kMaxSlotSamples <= kMaxRecordSize);
+
 const FrameFormat kDeviceBlocks{{kMagic, kMagicSize}, NeededBytes};
+
+const StreamForm kBlockStream{.name = "binary device blocks",
+                              .makeReader = MakeReader,
+                              .parse = ParseBlock,
+                              .layOutRecord = LayOutFrameRecord,
+                              .isText = false,
+                              .dualAttitude = true,
+                              .emptyRun = EmptyRun::leaveOneByte};
 
 bool ParseDeviceBlock(std::string_view bytes, PingHeader& header, std::span<uint16_t, kMaxSlotSamples> grid) {
   const std::span<const uint8_t> block(reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size());

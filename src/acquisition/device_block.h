@@ -22,6 +22,7 @@
 #include "acquisition/frame_reader.h"
 #include "acquisition/ping_record.h"
 #include "acquisition/ping_ring.h"
+#include "acquisition/stream_form.h"
 
 namespace tw {
 
@@ -66,6 +67,8 @@ inline constexpr auto kCompanding = [] {
 static_assert(kCompanding[95] == 127 && kCompanding[223] == 2'047 && kCompanding[255] == kMaxAmplitude);
 
 extern const FrameFormat kDeviceBlocks;
+
+extern const StreamForm kBlockStream;  // recorded as "TR57" frames
 
 // Reads a block as FrameReader gives it. `header` holds the previous ping's values on entry; a number that is
 // not finite stands as it was. Its sampling frequency becomes that of the grid, its sample count the number

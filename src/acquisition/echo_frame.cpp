@@ -46,10 +46,43 @@ PingHeader HeaderOver(const PingHeader& previous, std::span<const uint8_t> bytes
   return header;
 }
 
+template <const FrameFormat& format>
+std::unique_ptr<StreamReader> MakeReader() {
+  return NewReader<FrameReader>(format);
+}
+
+// The device's time stands in frames that were made of its blocks; others tell the time of work.
+bool ParseFrame(std::string_view block, const LiveContext& context, LivePing& ping) {
+  const PingHeader& header = ping.header;
+  const size_t count = ParseEchoFrame(block, ping.header, std::span<uint16_t>(ping.buffers[0]));
+  ping.samples = std::span<const uint16_t>(ping.buffers[0]).first(count);
+  ping.factor = 1;
+  ping.secondChannel = context.IsSecondChannel(header.txFrequency_hz);
+  const bool device = header.deviceSeconds != 0 || header.deviceMilliseconds != 0;
+  ping.hasDeviceTime = true;
+  ping.deviceSeconds = device ? header.deviceSeconds : header.timeOfWork_s;
+  ping.deviceMilliseconds = device ? header.deviceMilliseconds : 0;
+  return true;
+}
+
+template <const FrameFormat& format>
+constexpr StreamForm FrameStream(const char* name) {
+  return {.name = name,
+          .makeReader = MakeReader<format>,
+          .parse = ParseFrame,
+          .layOutRecord = LayOutFrameRecord,
+          .isText = false,
+          .dualAttitude = true,
+          .emptyRun = EmptyRun::leaveOneByte};
+}
+
 }  // namespace
 
 const FrameFormat kEchoFrames{{frame::kMagic, frame::kMagicSize}, NeededOfFrame};
 const FrameFormat kDualEchoFrames{{frame::kDualMagic, frame::kMagicSize}, NeededOfDualFrame};
+
+const StreamForm kFrameStream = FrameStream<kEchoFrames>("binary echo frames");
+const StreamForm kDualFrameStream = FrameStream<kDualEchoFrames>("binary echo frames of one channel");
 
 size_t ParseEchoFrame(std::string_view bytes, PingHeader& header, std::span<uint16_t> samples) {
   const std::span<const uint8_t> frame(reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size());
@@ -67,6 +100,11 @@ size_t LayOutEchoFrame(const PingHeader& header, std::span<const uint16_t> sampl
   StorePingHeader(bytes, header);
   StoreLeNumbers(bytes + frame::kWrittenHeaderLength, samples);
   return frame::kWrittenHeaderLength + 2 * samples.size();
+}
+
+size_t LayOutFrameRecord(std::string_view, const LivePing& ping, std::string_view,
+                         std::span<char, kMaxRecordSize> record) {
+  return LayOutEchoFrame(ping.header, ping.samples, reinterpret_cast<uint8_t*>(record.data()));
 }
 
 }  // namespace tw

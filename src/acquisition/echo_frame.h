@@ -15,6 +15,7 @@
 
 #include "acquisition/frame_reader.h"
 #include "acquisition/ping_record.h"
+#include "acquisition/stream_form.h"
 
 namespace tw {
 
@@ -27,6 +28,9 @@ inline constexpr size_t kMaxFrameSamples = (kFrameBufferSize - frame::kSampleGap
 extern const FrameFormat kEchoFrames;      // "TR57", with as many channels as the reader is told
 extern const FrameFormat kDualEchoFrames;  // "DUAL", always with one
 
+extern const StreamForm kFrameStream;
+extern const StreamForm kDualFrameStream;
+
 // Reads a frame as FrameReader gives it. `header` holds the previous ping's values on entry; what a short
 // header does not hold, or is no finite number, stands as it was. Copies the samples of all channels, as many
 // as fit, and returns their number. A frame without a possible header gives none and leaves `header` as it
@@ -36,5 +40,9 @@ extern const FrameFormat kDualEchoFrames;  // "DUAL", always with one
 // Lays out a "TR57" frame of one channel, header.sampleCount being the number of samples; returns its length.
 // `bytes` has room for 88 bytes and the samples.
 size_t LayOutEchoFrame(const PingHeader& header, std::span<const uint16_t> samples, uint8_t* bytes);
+
+// What is recorded of a binary ping: its frame, which knows its position itself.
+size_t LayOutFrameRecord(std::string_view block, const LivePing& ping, std::string_view sentences,
+                         std::span<char, kMaxRecordSize> record);
 
 }  // namespace tw

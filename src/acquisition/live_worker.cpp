@@ -47,15 +47,15 @@ LiveContext ContextOf(const LiveStart& start) {
 // when the next one starts.
 class LiveRun {
  public:
-  LiveRun(AppState& state, const LiveMode& mode, const LiveStart& start)
+  LiveRun(AppState& state, const LiveStart& start)
       : state_(state),
-        mode_(mode),
+        form_(*start.form),
         settings_(start.settings),
         deviceFamily_(start.deviceFamily),
         context_(ContextOf(start)),
         runNumber_(start.runNumber),
         source_(start.port),
-        reader_(mode.makeReader()),
+        reader_(form_.makeReader()),
         channels_{{RecordChannel::a,
                    {state.ringA, &state.ringIndexA, &state.ringTimeA, &state.ringLockA, globals.slotReachA},
                    globals.marksA},
@@ -131,9 +131,9 @@ class LiveRun {
   }
 
   void TakeBlock(std::string_view block) {
-    if (!mode_.parse(block, context_, ping_)) return;
+    if (!form_.parse(block, context_, ping_)) return;
     const uint32_t now_ms = MillisecondClock();
-    if (mode_.echo == EchoSource::pulse) BeginPulsePing();
+    if (!form_.HasSamples()) BeginPulsePing();
     ping_.header.timeOfWork_s = static_cast<uint32_t>(UnixMilliseconds() / 1000);
     const size_t sentences = TakePosition();
     TakePing(channels_[ping_.secondChannel ? 1 : 0], now_ms);
@@ -154,7 +154,7 @@ class LiveRun {
     MeasureInterval(channel, now_ms);
     ping_.header.range_m = RangeOf(channel);
     image_.Build(ping_.header, ping_.samples, ping_.factor);
-    if (mode_.echo == EchoSource::pulse) {
+    if (!form_.HasSamples()) {
       DrawPulse(image_, ping_.header.altitude_m, settings_.soundSpeed_mps);
     }
     const int64_t ringTime = StorePing(channel.ring, image_, now_ms);
@@ -221,9 +221,9 @@ class LiveRun {
     if (!WaitForEvent(state_.recordingEvent, 0)) return;
     const uint32_t recording = LoadShared(state_.recordingNumber);
     if (std::exchange(recordingNumber_, recording) != recording) recordingSize_ = 0;
-    const bool second = ping_.secondChannel && mode_.recordRule == RecordRule::fileOfChannel;
-    const size_t size = mode_.layOutRecord(block, ping_, {sentences_, sentences}, std::span(record_));
-    const GiveUp giveUp = mode_.emptyRun == EmptyRun::leaveOneByte && recordingSize_ == 0
+    const bool second = ping_.secondChannel && !form_.SharesFile();
+    const size_t size = form_.layOutRecord(block, ping_, {sentences_, sentences}, std::span(record_));
+    const GiveUp giveUp = form_.emptyRun == EmptyRun::leaveOneByte && recordingSize_ == 0
                               ? GiveUp::leaveOneByte
                               : GiveUp::leavePings;
     const uint32_t written = WriteRecord(state_, second ? RecordChannel::b : RecordChannel::a,
@@ -241,7 +241,7 @@ class LiveRun {
   }
 
   void EndFile(RecordChannel channel) {
-    switch (mode_.emptyRun) {
+    switch (form_.emptyRun) {
       case EmptyRun::deleteFiles:
         return recordedAny_ ? CloseRecordFile(state_, channel) : DeleteEmptyRecordFile(state_, channel);
       case EmptyRun::leaveOneByte:
@@ -255,7 +255,7 @@ class LiveRun {
   }
 
   AppState& state_;
-  const LiveMode& mode_;
+  const StreamForm& form_;
   const DeviceSettings settings_;
   const int32_t deviceFamily_;
   const LiveContext context_;
@@ -284,10 +284,11 @@ bool HandOver(AppState& state, const LiveStart& start) {
   return laidOut != nullptr;
 }
 
-void RunLiveWorker(AppState& state, const LiveMode& mode) {
+void AcquisitionWorker(void* context) {
+  AppState& state = *static_cast<AppState*>(context);
   const std::unique_ptr<const LiveStart> start(ExchangeShared(state.liveStart, nullptr));
   if (start == nullptr) return;
-  const std::unique_ptr<LiveRun> run(new (std::nothrow) LiveRun(state, mode, *start));
+  const std::unique_ptr<LiveRun> run(new (std::nothrow) LiveRun(state, *start));
   if (run != nullptr && run->HasReader()) return run->Run();
   if (LoadShared(state.runNumber) != start->runNumber) return;
   PostStatusText(state, StatusPart::position, L"Insufficient memory!");

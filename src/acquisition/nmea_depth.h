@@ -9,15 +9,20 @@
 //
 // A sentence is found by its address, wherever it stands in the epoch, and cut at its first CR LF; what is
 // not complete, or does not match its form in every literal character, is a missing sentence. kept: the
-// checksum is not compared, and a sentence with a wrong one counts. Pure; any thread.
+// checksum is not compared, and a sentence with a wrong one counts. Recorded of a ping: "#F %d Hz" with the
+// frequency that was set for its channel, the epoch as received, GGA, RMC. Pure; any thread.
 #pragma once
 
 #include <cstdint>
 #include <string_view>
 
+#include "acquisition/stream_form.h"
 #include "base/calendar.h"
 
 namespace tw {
+
+extern const StreamForm kFirstNmeaStream;
+extern const StreamForm kSecondNmeaStream;
 
 enum class SentenceResult : int8_t {
   noBottom = -1,  // depth, first family: an empty field; the depth is 0

@@ -3,6 +3,11 @@
 #include <algorithm>
 #include <iterator>
 
+#include "acquisition/altimeter_lines.h"
+#include "acquisition/device_block.h"
+#include "acquisition/echo_frame.h"
+#include "acquisition/echo_text_stream.h"
+#include "acquisition/nmea_depth.h"
 #include "acquisition/output_mode.h"
 #include "platform/clock.h"
 #include "platform/file.h"
@@ -25,30 +30,30 @@ bool Holds(std::string_view text, std::string_view mark) {
 struct ModeForm {
   int32_t family;  // 1, or 2 for both others
   int32_t outputMode;
-  StreamForm form;
+  const StreamForm* form;
 };
 
 constexpr ModeForm kModeForms[] = {
-    {1, 1, StreamForm::simple},
-    {1, 2, StreamForm::firstText},
-    {1, 3, StreamForm::firstNmea},
-    {1, 4, StreamForm::firstText},
-    {1, 6, StreamForm::deso},
-    {1, 7, StreamForm::dual},
-    {1, 8, StreamForm::dfx},
-    {1, 9, StreamForm::old},
-    {1, kPlayedBinary, StreamForm::frames},
-    {2, 1, StreamForm::simple},
-    {2, 2, StreamForm::secondText},
-    {2, 3, StreamForm::secondNmea},
-    {2, 4, StreamForm::secondText},
-    {2, 5, StreamForm::secondText},
-    {2, 6, StreamForm::secondText},
-    {2, 7, StreamForm::psa916},
-    {2, 8, StreamForm::altiTemp},
-    {2, 9, StreamForm::dfx},
-    {2, 10, StreamForm::old},
-    {2, kPlayedBinary, StreamForm::frames},
+    {1, 1, &kReportingStream},
+    {1, 2, &kFirstTextStream},
+    {1, 3, &kFirstNmeaStream},
+    {1, 4, &kFirstTextStream},
+    {1, 6, &kDesoStream},
+    {1, 7, &kDualStream},
+    {1, 8, &kDfxStream},
+    {1, 9, &kOldStream},
+    {1, kPlayedBinary, &kFrameStream},
+    {2, 1, &kReportingStream},
+    {2, 2, &kSecondTextStream},
+    {2, 3, &kSecondNmeaStream},
+    {2, 4, &kSecondTextStream},
+    {2, 5, &kSecondTextStream},
+    {2, 6, &kSecondTextStream},
+    {2, 7, &kPsaStream},
+    {2, 8, &kAltiTempStream},
+    {2, 9, &kDfxStream},
+    {2, 10, &kOldStream},
+    {2, kPlayedBinary, &kFrameStream},
 };
 
 const ModeForm* FindMode(int32_t family, int32_t outputMode) {
@@ -78,26 +83,26 @@ constexpr ParameterMark kParameterMarks[] = {
 
 struct FormMark {
   std::string_view mark;
-  StreamForm form;
+  const StreamForm* form;
   int32_t family;
   int32_t outputMode;
   bool atStart;
 };
 
 constexpr FormMark kFormMarks[] = {
-    {"TR57", StreamForm::frames, 1, kPlayedBinary, false},
-    {"DUAL", StreamForm::dualFrames, 1, kPlayedBinary, false},
-    {"TIDEWRITEC", StreamForm::deviceBlocks, 1, kPlayedBinary, true},
-    {"#DeviceID", StreamForm::firstText, 1, 4, false},
-    {" m", StreamForm::deso, 1, 6, false},
-    {"$SDDBT", StreamForm::firstNmea, 1, 3, false},
-    {"$SDZDA", StreamForm::firstNmea, 1, 3, false},
-    {"$GPDBT", StreamForm::secondNmea, 2, 3, false},
-    {"$PGZDA", StreamForm::secondNmea, 2, 3, false},
-    {"Alt", StreamForm::simple, 1, 1, false},
-    {"Dual", StreamForm::dual, 1, 7, false},
-    {"DA", StreamForm::deso, 1, 6, false},
-    {"DB", StreamForm::deso, 1, 6, false},
+    {"TR57", &kFrameStream, 1, kPlayedBinary, false},
+    {"DUAL", &kDualFrameStream, 1, kPlayedBinary, false},
+    {"TIDEWRITEC", &kBlockStream, 1, kPlayedBinary, true},
+    {"#DeviceID", &kFirstTextStream, 1, 4, false},
+    {" m", &kDesoStream, 1, 6, false},
+    {"$SDDBT", &kFirstNmeaStream, 1, 3, false},
+    {"$SDZDA", &kFirstNmeaStream, 1, 3, false},
+    {"$GPDBT", &kSecondNmeaStream, 2, 3, false},
+    {"$PGZDA", &kSecondNmeaStream, 2, 3, false},
+    {"Alt", &kReportingStream, 1, 1, false},
+    {"Dual", &kDualStream, 1, 7, false},
+    {"DA", &kDesoStream, 1, 6, false},
+    {"DB", &kDesoStream, 1, 6, false},
 };
 
 // The line ends of the settings lines; a line that is cut short is none.
@@ -131,8 +136,8 @@ std::optional<Detected> DetectByInfo(std::string_view text) {
   return Detected{FormOfMode(family, known), family, known, low ? 2 : 1, info, low, lines.size, true};
 }
 
-Detected ByMark(StreamForm form, int32_t family, int32_t outputMode) {
-  const int32_t channels = form == StreamForm::deso || form == StreamForm::dual ? 2 : 1;
+Detected ByMark(const StreamForm* form, int32_t family, int32_t outputMode) {
+  const int32_t channels = family == 1 && form->SharesFile() ? 2 : 1;
   return {form, family, outputMode, channels, std::nullopt, std::nullopt, 0, false};
 }
 
@@ -164,15 +169,15 @@ void Add(Candidates& candidates, const Detected& way) {
   const auto end = candidates.ways.begin() + static_cast<ptrdiff_t>(candidates.count);
   const bool isKnown =
       std::any_of(candidates.ways.begin(), end, [&](const Detected& each) { return each.form == way.form; });
-  if (!isKnown) candidates.ways[candidates.count++] = way;
+  if (!isKnown && candidates.count < candidates.ways.size()) candidates.ways[candidates.count++] = way;
 }
 
-constexpr StreamForm kBinaryForms[] = {StreamForm::frames, StreamForm::dualFrames, StreamForm::deviceBlocks};
+constexpr const StreamForm* kBinaryForms[] = {&kFrameStream, &kDualFrameStream, &kBlockStream};
 
 void AddByInfo(Candidates& candidates, Detected way) {
   Add(candidates, way);
-  if (!IsBinary(way)) return;
-  for (const StreamForm form : kBinaryForms) {
+  if (way.form->isText) return;
+  for (const StreamForm* const form : kBinaryForms) {
     way.form = form;
     Add(candidates, way);
   }
@@ -190,13 +195,13 @@ Detected Behind(const std::optional<Detected>& info, Detected way) {
 
 // The mark of echo text stands for both sides; the other one's family and mode are what is usual there.
 std::optional<Detected> OtherKeys(Detected way) {
-  if (way.form == StreamForm::firstText) {
-    way.form = StreamForm::secondText;
+  if (way.form == &kFirstTextStream) {
+    way.form = &kSecondTextStream;
     way.family = 2;
     return way;
   }
-  if (way.form != StreamForm::secondText) return std::nullopt;
-  way.form = StreamForm::firstText;
+  if (way.form != &kSecondTextStream) return std::nullopt;
+  way.form = &kFirstTextStream;
   way.family = 1;
   way.outputMode = kUsualTextMode;
   return way;
@@ -204,7 +209,7 @@ std::optional<Detected> OtherKeys(Detected way) {
 
 }  // namespace
 
-StreamForm FormOfMode(int32_t family, int32_t outputMode) {
+const StreamForm* FormOfMode(int32_t family, int32_t outputMode) {
   const ModeForm* row = FindMode(family, PlayedMode(outputMode));
   if (row == nullptr) row = FindMode(family, kAltimeterNmea);
   return row->form;
@@ -212,16 +217,6 @@ StreamForm FormOfMode(int32_t family, int32_t outputMode) {
 
 bool HasMode(int32_t family, int32_t outputMode) {
   return FindMode(family, outputMode) != nullptr;
-}
-
-bool IsBinary(const Detected& recording) {
-  const StreamForm form = recording.form;
-  return form == StreamForm::frames || form == StreamForm::dualFrames || form == StreamForm::deviceBlocks;
-}
-
-bool CarriesEchoes(const Detected& recording) {
-  const StreamForm form = recording.form;
-  return form == StreamForm::firstText || form == StreamForm::secondText || IsBinary(recording);
 }
 
 std::optional<Detected> DetectRecording(std::span<const uint8_t> start) {

@@ -13,6 +13,7 @@
 #include <span>
 #include <string_view>
 
+#include "acquisition/stream_form.h"
 #include "device/info_line.h"
 #include "platform/handle.h"
 
@@ -20,28 +21,9 @@ namespace tw {
 
 inline constexpr size_t kStartSize = 2'048;
 
-// The forms that a stream of pings can have.
-enum class StreamForm : uint8_t {
-  firstText,   // echo text blocks of the first family
-  secondText,  // of the others
-  frames,      // "TR57"
-  dualFrames,  // "DUAL"
-  deviceBlocks,
-  firstNmea,
-  secondNmea,
-  simple,
-  deso,
-  dual,
-  dfx,
-  old,
-  psa916,
-  altiTemp,
-};
-inline constexpr size_t kStreamForms = 14;
-
 // One way of reading a file.
 struct Detected {
-  StreamForm form;
+  const StreamForm* form;
   int32_t family;      // 1, 2 or 0
   int32_t outputMode;  // 100 and 101 are told as 102
   int32_t channels;    // in this file: 1 or 2
@@ -53,13 +35,9 @@ struct Detected {
 
 // The ways to try, in this order, until one finds a ping; each form once.
 struct Candidates {
-  std::array<Detected, kStreamForms> ways;
+  std::array<Detected, 16> ways;
   size_t count;
 };
-
-// Whether the pings have samples, and whether they are frames instead of text.
-[[nodiscard]] bool CarriesEchoes(const Detected& recording);
-[[nodiscard]] bool IsBinary(const Detected& recording);
 
 // Judges the first bytes of a file, up to kStartSize of them. Nothing: no kind that is known. Pure.
 [[nodiscard]] std::optional<Detected> DetectRecording(std::span<const uint8_t> start);
@@ -70,7 +48,7 @@ struct Candidates {
 
 // The form of the stream that a family sends in an output mode; a mode that the family does not have counts
 // as 3. Pure.
-[[nodiscard]] StreamForm FormOfMode(int32_t family, int32_t outputMode);
+[[nodiscard]] const StreamForm* FormOfMode(int32_t family, int32_t outputMode);
 
 // Whether a family has an output mode, 100 and 101 told as 102. Pure.
 [[nodiscard]] bool HasMode(int32_t family, int32_t outputMode);

@@ -4,15 +4,9 @@
 #include <string_view>
 #include <utility>
 
-#include "acquisition/altimeter_worker.h"
-#include "acquisition/device_block.h"
-#include "acquisition/echo_frame.h"
 #include "acquisition/echo_text.h"
-#include "acquisition/echo_text_worker.h"
-#include "acquisition/frame_reader.h"
-#include "acquisition/frame_worker.h"
-#include "acquisition/live_worker.h"
-#include "acquisition/nmea_worker.h"
+#include "acquisition/echo_text_stream.h"
+#include "acquisition/nmea_depth.h"
 #include "gps/gps_fix.h"
 #include "gps/nmea_parser.h"
 #include "gps/position_text.h"
@@ -28,81 +22,6 @@ namespace {
 
 constexpr float kUsualSoundSpeed_mps = 1500.0f;
 
-template <const FrameFormat& format>
-std::unique_ptr<StreamReader> MakeFrameReader() {
-  return NewReader<FrameReader>(format);
-}
-
-// The device's time stands in frames that were made of its blocks; others tell the time of work.
-void TakeFrameTime(LivePing& ping) {
-  const PingHeader& header = ping.header;
-  const bool device = header.deviceSeconds != 0 || header.deviceMilliseconds != 0;
-  ping.hasDeviceTime = true;
-  ping.deviceSeconds = device ? header.deviceSeconds : header.timeOfWork_s;
-  ping.deviceMilliseconds = device ? header.deviceMilliseconds : 0;
-}
-
-bool ParseFrame(std::string_view block, const LiveContext& context, LivePing& ping) {
-  const size_t count = ParseEchoFrame(block, ping.header, std::span<uint16_t>(ping.buffers[0]));
-  ping.samples = std::span<const uint16_t>(ping.buffers[0]).first(count);
-  ping.factor = 1;
-  ping.secondChannel = context.IsSecondChannel(ping.header.txFrequency_hz);
-  TakeFrameTime(ping);
-  return true;
-}
-
-bool ParseDeviceFrame(std::string_view block, const LiveContext& context, LivePing& ping) {
-  if (!kFirstFamilyBinaryEcho.parse(block, context, ping)) return false;
-  ping.header.timeOfWork_s = ping.header.deviceSeconds;
-  TakeFrameTime(ping);
-  return true;
-}
-
-const LiveMode kFrames{
-    .makeReader = MakeFrameReader<kEchoFrames>, .parse = ParseFrame, .layOutRecord = nullptr};
-const LiveMode kDualFrames{
-    .makeReader = MakeFrameReader<kDualEchoFrames>, .parse = ParseFrame, .layOutRecord = nullptr};
-const LiveMode kDeviceFrames{
-    .makeReader = MakeFrameReader<kDeviceBlocks>, .parse = ParseDeviceFrame, .layOutRecord = nullptr};
-
-struct FormRow {
-  StreamForm form;
-  const char* name;
-  const LiveMode* mode;
-  bool hasSamples;
-  bool isText;
-};
-
-constexpr FormRow kForms[] = {
-    {StreamForm::firstText, "echo text, first family", &kFirstFamilyEchoText, true, true},
-    {StreamForm::secondText, "echo text, second family", &kSecondFamilyEchoText, true, true},
-    {StreamForm::frames, "binary echo frames", &kFrames, true, false},
-    {StreamForm::dualFrames, "binary echo frames of one channel", &kDualFrames, true, false},
-    {StreamForm::deviceBlocks, "binary device blocks", &kDeviceFrames, true, false},
-    {StreamForm::firstNmea, "NMEA epochs, first family", &kFirstFamilyNmeaMode, false, true},
-    {StreamForm::secondNmea, "NMEA epochs, second family", &kSecondFamilyNmeaMode, false, true},
-    {StreamForm::simple, "simple altimeter lines", &kReportingAltimeter, false, true},
-    {StreamForm::deso, "DESO-25 lines", &kDeso25, false, true},
-    {StreamForm::dual, "dual altimeter lines", &kDualAltimeter, false, true},
-    {StreamForm::dfx, "Sonarmite DFX lines", &kSonarmiteDfx, false, true},
-    {StreamForm::old, "Sonarmite OLD lines", &kSonarmiteOld, false, true},
-    {StreamForm::psa916, "PSA-916 lines", &kPsa916, false, true},
-    {StreamForm::altiTemp, "altitude and temperature lines", &kAltiPlusTemp, false, true},
-};
-
-// In the order of the forms.
-constexpr bool IsInOrder() {
-  for (size_t i = 0; i < std::size(kForms); ++i) {
-    if (static_cast<size_t>(kForms[i].form) != i) return false;
-  }
-  return std::size(kForms) == kStreamForms;
-}
-static_assert(IsInOrder());
-
-const FormRow& RowOf(StreamForm form) {
-  return kForms[static_cast<size_t>(form)];
-}
-
 // kept: the digits behind the point are a number of their own, so ".5" is 5 hundredths. Receivers that send
 // three digits mean milliseconds, which is seen from 100 on.
 int64_t MillisecondsOf(const GpsTime& utc) {
@@ -113,8 +32,8 @@ std::string_view AsText(std::span<const uint8_t> bytes) {
   return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
 }
 
-EchoTextKeys KeysOf(StreamForm form) {
-  return form == StreamForm::secondText ? EchoTextKeys::otherFamilies : EchoTextKeys::firstFamily;
+EchoTextKeys KeysOf(const StreamForm& form) {
+  return &form == &kSecondTextStream ? EchoTextKeys::otherFamilies : EchoTextKeys::firstFamily;
 }
 
 // Of a file of both channels; else 0.
@@ -134,18 +53,14 @@ bool TellsFraction(std::string_view block) {
 // A recording read through the same readers and parsers as the live stream that it was.
 class Recording final : public PingSource {
  public:
-  Recording(Handle file, const FormRow& form, const Detected& told, int32_t sampling_hz)
+  Recording(Handle file, const Detected& told, int32_t sampling_hz)
       : file_(file),
-        form_(form),
+        form_(*told.form),
         told_(told),
-        kind_{form.name,
-              told.family,
-              told.outputMode,
-              told.channels,
-              form.hasSamples,
-              form.isText,
-              told.info.has_value(),
-              told.info ? told.info->soundSpeed_mps : kUsualSoundSpeed_mps},
+        kind_{told.form->name,         told.family,
+              told.outputMode,         told.channels,
+              told.form->HasSamples(), told.form->isText,
+              told.info.has_value(),   told.info ? told.info->soundSpeed_mps : kUsualSoundSpeed_mps},
         context_{told.channels > 1,
                  told.outputMode,
                  sampling_hz,
@@ -180,8 +95,8 @@ class Recording final : public PingSource {
     const bool found = Rewind() && Next(first);
     reach_ = UINT64_MAX;
     if (!found || told_.byInfo || !IsEchoText()) return found;
-    if (KeysOfBlock(reader_->Block(), KeysOf(form_.form)) != KeysOf(form_.form)) return false;
-    if (HasMode(told_.family, ping_.outputMode) && FormOfMode(told_.family, ping_.outputMode) == form_.form)
+    if (KeysOfBlock(reader_->Block(), KeysOf(form_)) != KeysOf(form_)) return false;
+    if (HasMode(told_.family, ping_.outputMode) && FormOfMode(told_.family, ping_.outputMode) == &form_)
       kind_.outputMode = context_.outputMode = told_.outputMode = ping_.outputMode;
     return true;
   }
@@ -199,7 +114,7 @@ class Recording final : public PingSource {
     while (ReadBlock()) {
       const uint64_t end = source_.Position();
       const uint64_t begin = end - reader_->Block().size();
-      if (begin < earliest_ || !form_.mode->parse(reader_->Block(), context_, ping_)) continue;
+      if (begin < earliest_ || !form_.parse(reader_->Block(), context_, ping_)) continue;
       if (begin > behind_) skipped_ += begin - behind_;
       behind_ = end;
       Describe(begin, ping);
@@ -267,7 +182,7 @@ class Recording final : public PingSource {
   // The line that was recorded ahead of an epoch, where the reader begins behind it: no damage.
   void PassFrequencyLine() {
     constexpr size_t kReach = 32;
-    if (form_.form != StreamForm::secondNmea || behind_ < source_.Position()) return;
+    if (&form_ != &kSecondNmeaStream || behind_ < source_.Position()) return;
     const auto from = static_cast<size_t>(behind_ - source_.Position());
     const std::string_view ahead = AsText(source_.Ahead(std::min(from + kReach, FileSource::kMaxAhead)));
     if (ahead.size() <= from || !ahead.substr(from).starts_with("#F ")) return;
@@ -276,13 +191,13 @@ class Recording final : public PingSource {
   }
 
   bool RenewReader() {
-    auto reader = form_.mode->makeReader();
+    auto reader = form_.makeReader();
     withoutMemory_ = reader == nullptr;
     if (!withoutMemory_) reader_ = std::move(reader);
     return !withoutMemory_;
   }
 
-  [[nodiscard]] bool IsEchoText() const { return form_.hasSamples && form_.isText; }
+  [[nodiscard]] bool IsEchoText() const { return form_.HasSamples() && form_.isText; }
 
   // A block that tells no sampling frequency has got the caller's.
   void InferSampling() {
@@ -296,7 +211,7 @@ class Recording final : public PingSource {
   void Describe(uint64_t begin, RecordedPing& ping) {
     PingHeader& header = ping_.header;
     if (IsEchoText()) InferSampling();
-    if (form_.mode->echo == EchoSource::pulse) header.ping = nextNumber_++;
+    if (!form_.HasSamples()) header.ping = nextNumber_++;
     if (form_.isText) header.range_m = range_m_;
     ping = RecordedPing{};
     ping.samples = ping_.samples;
@@ -347,7 +262,7 @@ class Recording final : public PingSource {
       header.gpsAltitude_m = static_cast<float>(fix_.elevation_m);
       header.gpsTime_s = UnixSecondsOfFix(fix_.utc);
       header.gpsPdop = static_cast<float>(fix_.hdop);
-    } else if (form_.hasSamples && FindTextPosition(reader_->Block(), told)) {
+    } else if (form_.HasSamples() && FindTextPosition(reader_->Block(), told)) {
       ping.hasPosition = told.valid;
       ping.latitude_rad = told.latitude_rad;
       ping.longitude_rad = told.longitude_rad;
@@ -366,7 +281,7 @@ class Recording final : public PingSource {
       ping.hasTime = true;
       ping.time_ms = int64_t{ping_.deviceSeconds} * 1000 + ping_.deviceMilliseconds;
       if (form_.isText) header.timeOfWork_s = ping_.deviceSeconds;
-      ping.hasMilliseconds = form_.isText ? !form_.hasSamples || TellsFraction(reader_->Block())
+      ping.hasMilliseconds = form_.isText ? !form_.HasSamples() || TellsFraction(reader_->Block())
                                           : header.deviceSeconds != 0 || header.deviceMilliseconds != 0;
     } else if ((fix_.presence & kHasRmc) != 0) {
       const int64_t time_ms = int64_t{header.gpsTime_s} * 1000 + MillisecondsOf(fix_.utc);
@@ -380,7 +295,7 @@ class Recording final : public PingSource {
 
   Handle file_;
   bool owned_ = false;
-  const FormRow& form_;
+  const StreamForm& form_;
   Detected told_;
   RecordingKind kind_;
   LiveContext context_;
@@ -406,7 +321,7 @@ class Recording final : public PingSource {
 // Null with the fault set when the file cannot be read in this way.
 std::unique_ptr<Recording> TryWay(Handle file, const Detected& way, int32_t sampling_hz,
                                   RecordingFault& fault) {
-  std::unique_ptr<Recording> recording(new (std::nothrow) Recording(file, RowOf(way.form), way, sampling_hz));
+  std::unique_ptr<Recording> recording(new (std::nothrow) Recording(file, way, sampling_hz));
   fault = RecordingFault::noMemory;
   if (recording == nullptr || !recording->Prepare()) return nullptr;
   const bool asTold = recording->IsAsTold();

@@ -19,18 +19,18 @@ inline constexpr RecordChannel kB = RecordChannel::b;
 class LiveTest : public testing::Test {
  protected:
   // Starts the worker, if none runs, and lets that much time pass.
-  void Run_ms(uint32_t duration_ms, ThreadBody worker = EchoTextWorker) {
-    if (state_.acquisitionThread == Handle::null) program_.StartWorker(worker);
+  void Run_ms(uint32_t duration_ms, const StreamForm& form = kFirstTextStream) {
+    if (state_.acquisitionThread == Handle::null) program_.StartWorker(form);
     SleepMilliseconds(duration_ms);
   }
   // The device says this, and the worker takes it.
-  void Take(std::string_view text, ThreadBody worker = EchoTextWorker) {
+  void Take(std::string_view text, const StreamForm& form = kFirstTextStream) {
     device_.At_ms(VirtualNow_us() / 1'000 + 50, text);
-    Run_ms(100, worker);
+    Run_ms(100, form);
   }
   // The same of a whole run.
-  void RunWith(std::string_view text, ThreadBody worker = EchoTextWorker) {
-    Take(text, worker);
+  void RunWith(std::string_view text, const StreamForm& form = kFirstTextStream) {
+    Take(text, form);
     program_.StopWorker();
   }
   void Record() {

@@ -60,13 +60,14 @@ LiveProgram::~LiveProgram() {
   FreeZeroed(state_, sizeof *state_);
 }
 
-void LiveProgram::StartWorker(ThreadBody worker) {
-  EXPECT_TRUE(HandOver(*state_, {.settings = state_->settings,
+void LiveProgram::StartWorker(const StreamForm& form) {
+  EXPECT_TRUE(HandOver(*state_, {.form = &form,
+                                 .settings = state_->settings,
                                  .deviceFamily = LoadShared(globals.deviceFamily),
                                  .dual = LoadShared(globals.dualMode) != 0,
                                  .port = state_->devicePort,
                                  .runNumber = LoadShared(state_->runNumber)}));
-  state_->acquisitionThread = StartThread(worker, state_);
+  state_->acquisitionThread = StartThread(AcquisitionWorker, state_);
 }
 
 void LiveProgram::StopWorker() {

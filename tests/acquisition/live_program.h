@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "acquisition/echo_text_worker.h"
+#include "acquisition/echo_text_stream.h"
 #include "acquisition/ping_ring.h"
 #include "acquisition/record_file.h"
 #include "app/state/app_state.h"
@@ -27,7 +27,7 @@ class LiveProgram {
 
   [[nodiscard]] AppState& State() { return *state_; }
 
-  void StartWorker(ThreadBody worker = EchoTextWorker);
+  void StartWorker(const StreamForm& form = kFirstTextStream);
   // Asks the worker to end, and waits until it has.
   void StopWorker();
   void WaitForWorker();

@@ -1,7 +1,7 @@
 // What the acquisition worker leaves in record files.
 #include <gtest/gtest.h>
 
-#include "acquisition/frame_worker.h"
+#include "acquisition/device_block.h"
 #include "base/shared_value.h"
 #include "platform/virtual/faults.h"
 #include "tests/acquisition/golden_frames.h"
@@ -55,7 +55,7 @@ TEST_F(LiveRecording, ARunThatRecordedNothingLeavesNoFiles) {
 TEST_F(LiveRecording, ABinaryRunThatRecordedNothingLeavesOneByteInEachFile) {
   Record();
   Reset(state_.recordingEvent);
-  RunWith(kGoldenWordBlock, BinaryEchoWorker);
+  RunWith(kGoldenWordBlock, kBlockStream);
   EXPECT_EQ(program_.FileContent(L"a.log"), "\r");
   EXPECT_EQ(program_.FileContent(L"b.log"), "\r");
   EXPECT_FALSE(IsRecordFileOpen(state_, kA));
@@ -76,7 +76,7 @@ TEST_F(LiveRecording, ABinaryRecordingWithoutAPingNeverLeavesAnEmptyFile) {
     Signal(state_.recordingEvent);
     if (row.disk == Disk::isFull) LimitDiskSpace(0);
     if (row.disk == Disk::refusesOneWrite) InjectFault({.point = FaultPoint::writeFile, .taken = 20});
-    RunWith(row.block, BinaryEchoWorker);
+    RunWith(row.block, kBlockStream);
     EXPECT_EQ(program_.FileContent(L"a.log"), row.left) << row.what;
     EXPECT_FALSE(IsRecordFileOpen(state_, kA)) << row.what;
     ClearFaults();
@@ -86,7 +86,7 @@ TEST_F(LiveRecording, ABinaryRecordingWithoutAPingNeverLeavesAnEmptyFile) {
 TEST_F(LiveRecording, AnEmptySecondRecordingOfABinaryRunIsOneByte) {
   program_.OpenFile(kA, L"a.log");
   Signal(state_.recordingEvent);
-  Take(kGoldenWordBlock, BinaryEchoWorker);
+  Take(kGoldenWordBlock, kBlockStream);
   program_.OpenFile(kA, L"second.log");
   StoreShared(state_.recordingNumber, state_.recordingNumber + 1);
   program_.StopWorker();
@@ -104,7 +104,7 @@ TEST_F(LiveRecording, ABlockBecomesAFrameInRingAndFile) {
   globals.fix.presence = kHasGga;
   Record();
   device_.At_ms(1'500, "noise" + kGoldenWordBlock);
-  Run_ms(2'000, BinaryEchoWorker);
+  Run_ms(2'000, kBlockStream);
   program_.StopWorker();
   EXPECT_EQ(program_.FileContent(L"a.log"), "INFO\r\n" + kGoldenFrame);
   ASSERT_EQ(program_.IndexA(), 1);

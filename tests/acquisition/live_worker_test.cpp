@@ -2,10 +2,10 @@
 // sample of a ping reaches its ring is shown with the virtual echosounder, end to end.
 #include <gtest/gtest.h>
 
-#include "acquisition/altimeter_worker.h"
-#include "acquisition/frame_worker.h"
+#include "acquisition/altimeter_lines.h"
+#include "acquisition/device_block.h"
 #include "acquisition/live_worker.h"
-#include "acquisition/nmea_worker.h"
+#include "acquisition/nmea_depth.h"
 #include "acquisition/time_marks.h"
 #include "base/shared_value.h"
 #include "platform/thread.h"
@@ -62,18 +62,18 @@ TEST_F(LiveWorker, ASingleRunNeedsNoFrequencyAndHasOneChannel) {
 TEST_F(LiveWorker, StopIsHeardWithinATenthOfASecondInSilenceAndInEndlessGarbage) {
   const struct {
     const char* what;
-    ThreadBody worker;
+    const StreamForm& form;
     const char* garbage;
-  } rows[] = {{"silence", EchoTextWorker, ""},
-              {"echo text", EchoTextWorker, "#DeviceID garbage "},
-              {"blocks", BinaryEchoWorker, "TIDEWRITECTIDEWRIT"},
-              {"lines with a mark", Deso25Worker, "DA 1 garbage "},
-              {"lines without", SonarmiteOldWorker, "1 garbage 1"},
-              {"epochs", FirstFamilyNmeaWorker, "#F $SDZDA garbage"}};
+  } rows[] = {{"silence", kFirstTextStream, ""},
+              {"echo text", kFirstTextStream, "#DeviceID garbage "},
+              {"blocks", kBlockStream, "TIDEWRITECTIDEWRIT"},
+              {"lines with a mark", kDesoStream, "DA 1 garbage "},
+              {"lines without", kOldStream, "1 garbage 1"},
+              {"epochs", kFirstNmeaStream, "#F $SDZDA garbage"}};
   for (const auto& row : rows) {
     const int64_t now_ms = VirtualNow_us() / 1'000;
     for (int64_t ms = 0; ms < 1'500; ++ms) device_.At_ms(now_ms + ms, row.garbage);
-    Run_ms(1'000, row.worker);
+    Run_ms(1'000, row.form);
     const int64_t begin_us = VirtualNow_us();
     program_.StopWorker();
     EXPECT_LE(VirtualNow_us() - begin_us, 102'000) << row.what;

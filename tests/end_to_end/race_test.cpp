@@ -13,7 +13,7 @@
 #include <vector>
 
 #include "acquisition/echo_frame.h"
-#include "acquisition/echo_text_worker.h"
+#include "acquisition/echo_text_stream.h"
 #include "acquisition/live_worker.h"
 #include "app/run/playback_control.h"
 #include "app/run/run_control.h"
@@ -89,12 +89,13 @@ int32_t NewestSlot(AppState& state) {
 void RestartWorker(AppState& state) {
   EndAcquisition(state, kWaitForever);
   Reset(state.stopEvent);
-  ASSERT_TRUE(HandOver(state, {.settings = state.appliedSettings,
+  ASSERT_TRUE(HandOver(state, {.form = &kFirstTextStream,
+                               .settings = state.appliedSettings,
                                .deviceFamily = LoadShared(globals.deviceFamily),
                                .dual = LoadShared(globals.dualMode) != 0,
                                .port = LoadShared(state.devicePort),
                                .runNumber = LoadShared(state.runNumber)}));
-  state.acquisitionThread = StartThread(EchoTextWorker, &state);
+  state.acquisitionThread = StartThread(AcquisitionWorker, &state);
   ASSERT_NE(state.acquisitionThread, Handle::null);
 }
 

@@ -13,10 +13,10 @@
 #include <utility>
 #include <vector>
 
-#include "acquisition/altimeter_worker.h"
-#include "acquisition/echo_text_worker.h"
-#include "acquisition/frame_worker.h"
-#include "acquisition/nmea_worker.h"
+#include "acquisition/altimeter_lines.h"
+#include "acquisition/device_block.h"
+#include "acquisition/echo_text_stream.h"
+#include "acquisition/nmea_depth.h"
 #include "base/bytes.h"
 #include "base/shared_value.h"
 #include "platform/clock.h"
@@ -52,7 +52,7 @@ struct Mode {
   const char* name;
   DeviceFamily family;
   int32_t mode;
-  ThreadBody worker;
+  const StreamForm& stream;
   Form form;
   Says says = Says::attitude;
   bool joint = false;  // a message holds both altitudes
@@ -64,35 +64,34 @@ constexpr auto kSecond = DeviceFamily::second;
 constexpr auto kThird = DeviceFamily::third;
 
 constexpr Mode kFirstFamily[] = {
-    {"FirstSimple", kFirst, 1, ReportingSimpleWorker, Form::line, Says::altitude},
-    {"FirstText10", kFirst, 2, EchoTextWorker, Form::text},
-    {"FirstNmea", kFirst, 3, FirstFamilyNmeaWorker, Form::epoch},
-    {"FirstText12", kFirst, 4, EchoTextWorker, Form::text},
-    {"FirstDeso", kFirst, 6, Deso25Worker, Form::line, Says::altitude, false, true},
-    {"FirstDualLines", kFirst, 7, DualTextWorker, Form::line, Says::temperature, true, true},
-    {"FirstDfx", kFirst, 8, SonarmiteDfxWorker, Form::line, Says::altitude, true, true},
-    {"FirstBinary", kFirst, 100, BinaryEchoWorker, Form::block},
-    {"FirstCompanded", kFirst, 101, BinaryEchoWorker, Form::block},
+    {"FirstSimple", kFirst, 1, kReportingStream, Form::line, Says::altitude},
+    {"FirstText10", kFirst, 2, kFirstTextStream, Form::text},
+    {"FirstNmea", kFirst, 3, kFirstNmeaStream, Form::epoch},
+    {"FirstText12", kFirst, 4, kFirstTextStream, Form::text},
+    {"FirstDeso", kFirst, 6, kDesoStream, Form::line, Says::altitude, false, true},
+    {"FirstDualLines", kFirst, 7, kDualStream, Form::line, Says::temperature, true, true},
+    {"FirstDfx", kFirst, 8, kDfxStream, Form::line, Says::altitude, true, true},
+    {"FirstBinary", kFirst, 100, kBlockStream, Form::block},
+    {"FirstCompanded", kFirst, 101, kBlockStream, Form::block},
 };
 
 // Has no dual form.
-constexpr Mode kFirstFamilyOld = {"FirstOld", kFirst,         9,    SonarmiteOldWorker,
-                                  Form::line, Says::altitude, true, true};
+constexpr Mode kFirstFamilyOld = {"FirstOld", kFirst, 9, kOldStream, Form::line, Says::altitude, true, true};
 
 template <DeviceFamily family>
 constexpr Mode kOtherFamilies[] = {
-    {"Simple", family, 1, SimpleWorker, Form::line, Says::altitude},
-    {"Text", family, 2, SecondFamilyEchoTextWorker, Form::text},
-    {"Nmea", family, 3, SecondFamilyNmeaWorker, Form::epoch},
-    {"Text200", family, 4, SecondFamilyEchoTextWorker, Form::text},
-    {"Text500", family, 5, SecondFamilyEchoTextWorker, Form::text},
-    {"Text1000", family, 6, SecondFamilyEchoTextWorker, Form::text},
-    {"Psa916", family, 7, Psa916Worker, Form::line, Says::altitude},
-    {"AltiPlusTemp", family, 8, AltiPlusTempWorker, Form::line, Says::temperature},
-    {"Dfx", family, 9, SonarmiteDfxWorker, Form::line, Says::altitude},
-    {"Old", family, 10, SonarmiteOldWorker, Form::line, Says::altitude},
-    {"Binary", family, 100, SecondFamilyBinaryEchoWorker, Form::block},
-    {"Companded", family, 101, SecondFamilyBinaryEchoWorker, Form::block},
+    {"Simple", family, 1, kSimpleStream, Form::line, Says::altitude},
+    {"Text", family, 2, kSecondTextStream, Form::text},
+    {"Nmea", family, 3, kSecondNmeaStream, Form::epoch},
+    {"Text200", family, 4, kSecondTextStream, Form::text},
+    {"Text500", family, 5, kSecondTextStream, Form::text},
+    {"Text1000", family, 6, kSecondTextStream, Form::text},
+    {"Psa916", family, 7, kPsaStream, Form::line, Says::altitude},
+    {"AltiPlusTemp", family, 8, kAltiTempStream, Form::line, Says::temperature},
+    {"Dfx", family, 9, kDfxStream, Form::line, Says::altitude},
+    {"Old", family, 10, kOldStream, Form::line, Says::altitude},
+    {"Binary", family, 100, kBlockStream, Form::block},
+    {"Companded", family, 101, kBlockStream, Form::block},
 };
 
 constexpr struct {
@@ -223,7 +222,7 @@ void StreamFaultCell::Run() {
   program.OpenFile(RecordChannel::a, L"a.log");
   program.OpenFile(RecordChannel::b, L"b.log");
   Signal(state.recordingEvent);
-  program.StartWorker(mode_.worker);
+  program.StartWorker(mode_.stream);
   RingWatch high(*state.ringA, mode_.form);
   RingWatch low(*state.ringB, mode_.form);
   while (account_.messages.size() < kMessages) {

@@ -4,6 +4,11 @@
 
 #include <string>
 
+#include "acquisition/altimeter_lines.h"
+#include "acquisition/device_block.h"
+#include "acquisition/echo_frame.h"
+#include "acquisition/echo_text_stream.h"
+#include "acquisition/nmea_depth.h"
 #include "tests/playback/info_text.h"
 
 namespace tw {
@@ -14,30 +19,29 @@ std::optional<Detected> Detect(std::string_view start) {
 }
 
 TEST(Detection, InfoLineDecides) {
-  using enum StreamForm;
   // A mode that the family does not have, as 5 and 10 of the first, is taken for its NMEA.
   const struct {
     int family;
     int mode;
-    StreamForm form;
+    const StreamForm& form;
     int32_t toldMode;
-  } rows[] = {{1, 1, simple, 1},     {1, 2, firstText, 2},
-              {1, 3, firstNmea, 3},  {1, 4, firstText, 4},
-              {1, 6, deso, 6},       {1, 7, dual, 7},
-              {1, 8, dfx, 8},        {1, 9, old, 9},
-              {1, 100, frames, 102}, {1, 101, frames, 102},
-              {1, 102, frames, 102}, {1, 5, firstNmea, 3},
-              {1, 10, firstNmea, 3}, {1, -2147483647, firstNmea, 3},
-              {2, 3, secondNmea, 3}, {2, 6, secondText, 6},
-              {2, 7, psa916, 7},     {2, 8, altiTemp, 8},
-              {2, 9, dfx, 9},        {2, 10, old, 10},
-              {0, 2, secondText, 2}, {0, 101, frames, 102}};
+  } rows[] = {{1, 1, kReportingStream, 1},  {1, 2, kFirstTextStream, 2},
+              {1, 3, kFirstNmeaStream, 3},  {1, 4, kFirstTextStream, 4},
+              {1, 6, kDesoStream, 6},       {1, 7, kDualStream, 7},
+              {1, 8, kDfxStream, 8},        {1, 9, kOldStream, 9},
+              {1, 100, kFrameStream, 102},  {1, 101, kFrameStream, 102},
+              {1, 102, kFrameStream, 102},  {1, 5, kFirstNmeaStream, 3},
+              {1, 10, kFirstNmeaStream, 3}, {1, -2147483647, kFirstNmeaStream, 3},
+              {2, 3, kSecondNmeaStream, 3}, {2, 6, kSecondTextStream, 6},
+              {2, 7, kPsaStream, 7},        {2, 8, kAltiTempStream, 8},
+              {2, 9, kDfxStream, 9},        {2, 10, kOldStream, 10},
+              {0, 2, kSecondTextStream, 2}, {0, 101, kFrameStream, 102}};
   for (const auto& row : rows) {
     SCOPED_TRACE(testing::Message() << "family " << row.family << ", mode " << row.mode);
     // What follows the line would tell something else.
     const auto told = Detect(test::InfoText(row.family, row.mode, "1490.5") + "Alt : 1.0\r\nTR57");
     ASSERT_TRUE(told);
-    EXPECT_EQ(told->form, row.form);
+    EXPECT_EQ(told->form, &row.form);
     EXPECT_EQ(told->family, row.family);
     EXPECT_EQ(told->outputMode, row.toldMode);
     EXPECT_EQ(told->channels, 1);
@@ -48,38 +52,38 @@ TEST(Detection, InfoLineDecides) {
 }
 
 TEST(Detection, MarksOfOlderRecordings) {
-  using enum StreamForm;
   const struct {
     const char* what;
     std::string start;
-    StreamForm form;
+    const StreamForm& form;
     int32_t family;
     int32_t mode;
   } rows[] = {
-      {"frames", "TR57", frames, 1, 102},
-      {"frames behind zeros", std::string(100, '\0') + "TR57", frames, 1, 102},
-      {"frames of one channel", "xxDUALxx", dualFrames, 1, 102},
-      {"device blocks", "TIDEWRITEC" + std::string(4, '\0'), deviceBlocks, 1, 102},
-      {"device text", "\r\n#DeviceID KT\r\n", firstText, 1, 4},
-      {"DESO", "DA0012.34 m*\r\n", deso, 1, 6},
-      {"first NMEA", "$SDDBT,1,f,2,M,3,F*00\r\n", firstNmea, 1, 3},
-      {"first NMEA, date", "$SDZDA,120000.00,01,02,2026*00\r\n", firstNmea, 1, 3},
-      {"second NMEA", "$GPDBT,1,f*00\r\n", secondNmea, 2, 3},
-      {"second NMEA, date", "$PGZDA,120000*00\r\n", secondNmea, 2, 3},
-      {"simple", "Alt : 12.3\r\n", simple, 1, 1},
-      {"dual", "Dual : 1, 2.0, 3.0, 4.0\r\n", dual, 1, 7},
-      {"DESO without its blank", "DA12*", deso, 1, 6},
-      {"DESO, low channel alone", "DB12*", deso, 1, 6},
-      {"older text, mode 6", "#---Parameters---\r\n#OutputMode    6\r\n", secondText, 2, 6},
-      {"older NMEA", "#---Parameters---\r\n#OutputMode    3\r\n", secondNmea, 2, 3},
-      {"kept: the mark of mode 1 also matches 10", "Parameters #OutputMode    10\r\n", simple, 2, 1},
-      {"older ones are in order", "Parameters #OutputMode    1 #OutputMode    4", secondText, 2, 4},
-      {"frames before text", "#DeviceID TR57", frames, 1, 102},
+      {"frames", "TR57", kFrameStream, 1, 102},
+      {"frames behind zeros", std::string(100, '\0') + "TR57", kFrameStream, 1, 102},
+      {"frames of one channel", "xxDUALxx", kDualFrameStream, 1, 102},
+      {"device blocks", "TIDEWRITEC" + std::string(4, '\0'), kBlockStream, 1, 102},
+      {"device text", "\r\n#DeviceID KT\r\n", kFirstTextStream, 1, 4},
+      {"DESO", "DA0012.34 m*\r\n", kDesoStream, 1, 6},
+      {"first NMEA", "$SDDBT,1,f,2,M,3,F*00\r\n", kFirstNmeaStream, 1, 3},
+      {"first NMEA, date", "$SDZDA,120000.00,01,02,2026*00\r\n", kFirstNmeaStream, 1, 3},
+      {"second NMEA", "$GPDBT,1,f*00\r\n", kSecondNmeaStream, 2, 3},
+      {"second NMEA, date", "$PGZDA,120000*00\r\n", kSecondNmeaStream, 2, 3},
+      {"simple", "Alt : 12.3\r\n", kReportingStream, 1, 1},
+      {"dual", "Dual : 1, 2.0, 3.0, 4.0\r\n", kDualStream, 1, 7},
+      {"DESO without its blank", "DA12*", kDesoStream, 1, 6},
+      {"DESO, low channel alone", "DB12*", kDesoStream, 1, 6},
+      {"older text, mode 6", "#---Parameters---\r\n#OutputMode    6\r\n", kSecondTextStream, 2, 6},
+      {"older NMEA", "#---Parameters---\r\n#OutputMode    3\r\n", kSecondNmeaStream, 2, 3},
+      {"kept: the mark of mode 1 also matches 10", "Parameters #OutputMode    10\r\n", kReportingStream, 2,
+       1},
+      {"older ones are in order", "Parameters #OutputMode    1 #OutputMode    4", kSecondTextStream, 2, 4},
+      {"frames before text", "#DeviceID TR57", kFrameStream, 1, 102},
   };
   for (const auto& row : rows) {
     const auto told = Detect(row.start);
     ASSERT_TRUE(told) << row.what;
-    EXPECT_EQ(told->form, row.form) << row.what;
+    EXPECT_EQ(told->form, &row.form) << row.what;
     EXPECT_EQ(told->family, row.family) << row.what;
     EXPECT_EQ(told->outputMode, row.mode) << row.what;
     EXPECT_FALSE(told->info) << row.what;

@@ -5,6 +5,11 @@
 #include <string>
 #include <vector>
 
+#include "acquisition/altimeter_lines.h"
+#include "acquisition/device_block.h"
+#include "acquisition/echo_frame.h"
+#include "acquisition/echo_text_stream.h"
+#include "acquisition/nmea_depth.h"
 #include "playback/ping_source.h"
 #include "playback/time_search.h"
 #include "tests/app/test_files.h"
@@ -178,7 +183,6 @@ TEST_F(Recordings, SamplingComesFromTheFileWhereItCan) {
 
 // The first way that finds a ping is taken, whatever stands at the front.
 TEST_F(Recordings, EachWayIsTriedInItsTurn) {
-  using enum StreamForm;
   const std::string frame = [](std::string magic) {
     return magic + std::string("\x58\0\0\0", 4) + std::string(80, '\0');
   }("DUAL");
@@ -188,34 +192,36 @@ TEST_F(Recordings, EachWayIsTriedInItsTurn) {
   const struct {
     const char* what;
     std::string content;
-    StreamForm form;
+    const StreamForm& form;
     int32_t family;
     int32_t mode;
     float altitude_m;
     uint16_t factor;
   } rows[] = {
-      {"frames of one channel behind an INFO line", InfoText(1, 100) + frame, dualFrames, 1, 102, 0.0f, 1},
-      {"device blocks behind one", InfoText(2, 101) + block, deviceBlocks, 2, 102, 0.0f, 1},
-      {"lines where the INFO line tells NMEA", InfoText(1, 3) + "Alt : 3.5\r\n", simple, 1, 1, 3.5f, 0},
+      {"frames of one channel behind an INFO line", InfoText(1, 100) + frame, kDualFrameStream, 1, 102, 0.0f,
+       1},
+      {"device blocks behind one", InfoText(2, 101) + block, kBlockStream, 2, 102, 0.0f, 1},
+      {"lines where the INFO line tells NMEA", InfoText(1, 3) + "Alt : 3.5\r\n", kReportingStream, 1, 1, 3.5f,
+       0},
       {"Sonarmite OLD, whose mark holds that of mode 1",
-       "#---Parameters---\r\n#OutputMode    10\r\n1 3.5 0 0 0 12.1 0 0\r\n", old, 2, 10, 3.5f, 0},
-      {"a device that is named as frames are", "#DeviceID TR57\r\n" + first.substr(13) + data, firstText, 1,
-       4, 3.5f, 1},
-      {"ten bits", first + "#OutputMode 2\r\n" + data, firstText, 1, 2, 3.5f, 4},
-      {"twelve", first + "#OutputMode 4\r\n" + data, firstText, 1, 4, 3.5f, 1},
-      {"a mode that is no text", first + "#OutputMode 9\r\n" + data, firstText, 1, 4, 3.5f, 1},
-      {"an INFO line goes before the block", InfoText(1, 4) + first + "#OutputMode 2\r\n" + data, firstText,
-       1, 4, 3.5f, 1},
-      {"keys of the second family", SecondBlock("#OutputMode 5\r\n"), secondText, 2, 5, 3.5f, 1},
-      {"the same in ten bits", SecondBlock("#OutputMode 2\r\n"), secondText, 2, 2, 3.5f, 4},
-      {"its mark, but keys of the first", "#-Parameters-\r\n#OutputMode    5\r\n" + first + data, firstText,
-       1, 4, 3.5f, 1},
+       "#---Parameters---\r\n#OutputMode    10\r\n1 3.5 0 0 0 12.1 0 0\r\n", kOldStream, 2, 10, 3.5f, 0},
+      {"a device that is named as frames are", "#DeviceID TR57\r\n" + first.substr(13) + data,
+       kFirstTextStream, 1, 4, 3.5f, 1},
+      {"ten bits", first + "#OutputMode 2\r\n" + data, kFirstTextStream, 1, 2, 3.5f, 4},
+      {"twelve", first + "#OutputMode 4\r\n" + data, kFirstTextStream, 1, 4, 3.5f, 1},
+      {"a mode that is no text", first + "#OutputMode 9\r\n" + data, kFirstTextStream, 1, 4, 3.5f, 1},
+      {"an INFO line goes before the block", InfoText(1, 4) + first + "#OutputMode 2\r\n" + data,
+       kFirstTextStream, 1, 4, 3.5f, 1},
+      {"keys of the second family", SecondBlock("#OutputMode 5\r\n"), kSecondTextStream, 2, 5, 3.5f, 1},
+      {"the same in ten bits", SecondBlock("#OutputMode 2\r\n"), kSecondTextStream, 2, 2, 3.5f, 4},
+      {"its mark, but keys of the first", "#-Parameters-\r\n#OutputMode    5\r\n" + first + data,
+       kFirstTextStream, 1, 4, 3.5f, 1},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.what);
     const auto recording = Open(row.content);
     ASSERT_NE(recording, nullptr);
-    EXPECT_EQ(recording->Told().form, row.form);
+    EXPECT_EQ(recording->Told().form, &row.form);
     EXPECT_EQ(recording->Kind().family, row.family);
     EXPECT_EQ(recording->Kind().outputMode, row.mode);
     RecordedPing ping{};

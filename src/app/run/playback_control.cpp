@@ -181,7 +181,7 @@ void BeginPlayback(AppState& state, Candidate& a, Candidate* b) {
   StoreShared(globals.playedFrequencyA_hz, FrequencyOf(a.told->info));
   StoreShared(globals.playedFrequencyB_hz, FrequencyOf(low));
   StoreShared(globals.lastCapture_s, -1);
-  StoreShared(state.echogramEnabled, CarriesEchoes(*a.told) ? 1 : 0);
+  StoreShared(state.echogramEnabled, a.told->form->HasSamples() ? 1 : 0);
   StoreShared(state.playbackPace, kPlaybackPace_ms);
   state.playbackSpan = kPlaybackSpan;
   state.playbackActive = 1;
@@ -216,8 +216,8 @@ void PlayPair(AppState& state, const std::vector<std::wstring>& paths) {
 }
 
 bool CanConvert(const Candidate& input, Conversion conversion) {
-  if (!input.told || !CarriesEchoes(*input.told)) return false;
-  return conversion == Conversion::segy || IsBinary(*input.told);
+  if (!input.told || !input.told->form->HasSamples()) return false;
+  return conversion == Conversion::segy || !input.told->form->isText;
 }
 
 void Convert(AppState& state, Conversion conversion) {

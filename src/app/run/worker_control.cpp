@@ -2,11 +2,11 @@
 
 #include <algorithm>
 
-#include "acquisition/altimeter_worker.h"
-#include "acquisition/echo_text_worker.h"
-#include "acquisition/frame_worker.h"
+#include "acquisition/altimeter_lines.h"
+#include "acquisition/device_block.h"
+#include "acquisition/echo_text_stream.h"
 #include "acquisition/live_worker.h"
-#include "acquisition/nmea_worker.h"
+#include "acquisition/nmea_depth.h"
 #include "acquisition/output_mode.h"
 #include "app/window/ui.h"
 #include "base/shared_value.h"
@@ -20,47 +20,47 @@ namespace {
 
 constexpr uint32_t kWaitSlice_ms = 100;
 
-// Which worker serves an output mode. A mode of a family's list that has no row here cannot be run.
-struct WorkerRow {
+// The form of an output mode's stream. A mode of a family's list that has no row here cannot be run.
+struct ModeRow {
   int32_t family;  // 0 shares the rows of 2
   OutputMode mode;
-  ThreadBody worker;
-  ThreadBody reporting = nullptr;  // instead of it, when the device reports its frequency
+  const StreamForm* form;
+  const StreamForm* reporting = nullptr;  // instead of it, when the device reports its frequency
 };
 
-constexpr WorkerRow kWorkers[] = {
-    {1, 1, SimpleWorker, ReportingSimpleWorker},
-    {1, 2, EchoTextWorker},
-    {1, 3, FirstFamilyNmeaWorker},
-    {1, 4, EchoTextWorker},
-    {1, 6, Deso25Worker},
-    {1, 7, DualTextWorker},
-    {1, 8, SonarmiteDfxWorker},
-    {1, 9, SonarmiteOldWorker},
-    {1, 100, BinaryEchoWorker},
-    {1, 101, BinaryEchoWorker},
-    {2, 1, SimpleWorker},
-    {2, 2, SecondFamilyEchoTextWorker},
-    {2, 3, SecondFamilyNmeaWorker},
-    {2, 4, SecondFamilyEchoTextWorker},
-    {2, 5, SecondFamilyEchoTextWorker},
-    {2, 6, SecondFamilyEchoTextWorker},
-    {2, 7, Psa916Worker},
-    {2, 8, AltiPlusTempWorker},
-    {2, 9, SonarmiteDfxWorker},
-    {2, 10, SonarmiteOldWorker},
-    {2, 100, SecondFamilyBinaryEchoWorker},
-    {2, 101, SecondFamilyBinaryEchoWorker},
+constexpr ModeRow kModes[] = {
+    {1, 1, &kSimpleStream, &kReportingStream},
+    {1, 2, &kFirstTextStream},
+    {1, 3, &kFirstNmeaStream},
+    {1, 4, &kFirstTextStream},
+    {1, 6, &kDesoStream},
+    {1, 7, &kDualStream},
+    {1, 8, &kDfxStream},
+    {1, 9, &kOldStream},
+    {1, 100, &kBlockStream},
+    {1, 101, &kBlockStream},
+    {2, 1, &kSimpleStream},
+    {2, 2, &kSecondTextStream},
+    {2, 3, &kSecondNmeaStream},
+    {2, 4, &kSecondTextStream},
+    {2, 5, &kSecondTextStream},
+    {2, 6, &kSecondTextStream},
+    {2, 7, &kPsaStream},
+    {2, 8, &kAltiTempStream},
+    {2, 9, &kDfxStream},
+    {2, 10, &kOldStream},
+    {2, 100, &kBlockStream},
+    {2, 101, &kBlockStream},
 };
 
-ThreadBody WorkerOf(int32_t family, OutputMode mode) {
+const StreamForm* FormOf(int32_t family, OutputMode mode) {
   const int32_t rows = family == 0 ? 2 : family;
-  const auto* row = std::find_if(std::begin(kWorkers), std::end(kWorkers), [&](const WorkerRow& each) {
+  const auto* row = std::find_if(std::begin(kModes), std::end(kModes), [&](const ModeRow& each) {
     return each.family == rows && each.mode == mode;
   });
-  if (row == std::end(kWorkers)) return nullptr;
+  if (row == std::end(kModes)) return nullptr;
   // A device that supports smoothing reports its frequency.
-  return row->reporting != nullptr && globals.smoothingSupported != 0 ? row->reporting : row->worker;
+  return row->reporting != nullptr && globals.smoothingSupported != 0 ? row->reporting : row->form;
 }
 
 // Waits for a thread in slices. False when it is still alive after the limit.
@@ -85,8 +85,9 @@ void EndFileWorker(Handle& thread, Event& stop) {
 }
 
 // The device has been started by now, so the applied settings are what it runs with.
-LiveStart DescribeStart(const AppState& state, OutputMode mode) {
-  LiveStart start{.settings = state.appliedSettings,
+LiveStart DescribeStart(const AppState& state, const StreamForm& form, OutputMode mode) {
+  LiveStart start{.form = &form,
+                  .settings = state.appliedSettings,
                   .deviceFamily = LoadShared(globals.deviceFamily),
                   .dual = LoadShared(globals.dualMode) != 0,
                   .port = LoadShared(state.devicePort),
@@ -95,12 +96,12 @@ LiveStart DescribeStart(const AppState& state, OutputMode mode) {
   return start;
 }
 
-bool StartAcquisition(AppState& state, ThreadBody worker, OutputMode mode) {
-  if (!HandOver(state, DescribeStart(state, mode))) return false;
+bool StartAcquisition(AppState& state, const StreamForm& form, OutputMode mode) {
+  if (!HandOver(state, DescribeStart(state, form, mode))) return false;
   Reset(state.stopEvent);
   Reset(state.stopEventB);
   StoreShared(state.linkLost, 0);
-  state.acquisitionThread = StartThread(worker, &state);
+  state.acquisitionThread = StartThread(AcquisitionWorker, &state);
   return state.acquisitionThread != Handle::null;
 }
 
@@ -119,11 +120,11 @@ WorkerStart StartWorkers(AppState& state) {
   const int32_t family = LoadShared(globals.deviceFamily);
   const OutputMode mode = AcceptedMode(family, state.settings.outputMode);
   state.settings.outputMode = mode;
-  const ThreadBody worker = WorkerOf(family, mode);
-  if (worker == nullptr) return WorkerStart::unsupportedOutput;
+  const StreamForm* const form = FormOf(family, mode);
+  if (form == nullptr) return WorkerStart::unsupportedOutput;
   StoreShared(state.echogramEnabled, CarriesEchoSamples(family, mode) ? 1 : 0);
   StartDevice(state);
-  if (!StartAcquisition(state, worker, mode)) return WorkerStart::noAcquisitionThread;
+  if (!StartAcquisition(state, *form, mode)) return WorkerStart::noAcquisitionThread;
   return StartGps(state) ? WorkerStart::started : WorkerStart::noGpsThread;
 }
 

@@ -1,4 +1,4 @@
-#include "acquisition/echo_text_worker.h"
+#include "acquisition/echo_text_stream.h"
 
 #include <algorithm>
 
@@ -81,20 +81,21 @@ size_t LayOutRecord(std::string_view block, const LivePing&, std::string_view se
   return static_cast<size_t>(out - record.begin());
 }
 
+template <EchoTextKeys keys>
+constexpr StreamForm TextStream(const char* name) {
+  return {.name = name,
+          .makeReader = MakeReader,
+          .parse = ParseBlock<keys>,
+          .layOutRecord = LayOutRecord,
+          .dualAttitude = true};
+}
+
 }  // namespace
 
 static_assert(kMaxPingSamples == kMaxTextSamples);
 static_assert(kBlockBufferSize + kMaxSentences + kRecordEnd.size() <= kMaxRecordSize);
 
-const LiveMode kFirstFamilyEchoText{MakeReader, ParseBlock<EchoTextKeys::firstFamily>, LayOutRecord};
-const LiveMode kSecondFamilyEchoText{MakeReader, ParseBlock<EchoTextKeys::otherFamilies>, LayOutRecord};
-
-void EchoTextWorker(void* state) {
-  RunLiveWorker(*static_cast<AppState*>(state), kFirstFamilyEchoText);
-}
-
-void SecondFamilyEchoTextWorker(void* state) {
-  RunLiveWorker(*static_cast<AppState*>(state), kSecondFamilyEchoText);
-}
+const StreamForm kFirstTextStream = TextStream<EchoTextKeys::firstFamily>("echo text, first family");
+const StreamForm kSecondTextStream = TextStream<EchoTextKeys::otherFamilies>("echo text, second family");
 
 }  // namespace tw
