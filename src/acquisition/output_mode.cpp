@@ -1,63 +1,105 @@
 #include "acquisition/output_mode.h"
 
 #include <algorithm>
-#include <iterator>
+#include <array>
+
+#include "acquisition/altimeter_lines.h"
+#include "acquisition/device_block.h"
+#include "acquisition/echo_frame.h"
+#include "acquisition/echo_text_stream.h"
+#include "acquisition/nmea_depth.h"
 
 namespace tw {
 namespace {
 
-constexpr OutputModeName kSecondFamily[] = {
-    {1, L"Altimeter Simple"},
-    {2, L"Echo txt"},
-    {3, L"Altimeter NMEA"},
-    {4, L"Echo txt Fixed 200 Samples"},
-    {5, L"Echo txt Fixed 500 Samples"},
-    {6, L"Echo txt Fixed 1000 Samples"},
-    {7, L"PSA-916"},
-    {8, L"AltiPlusTemp."},
-    {9, L"Sonarmite DFX"},
-    {10, L"Sonarmite OLD"},
-    {100, L"Echo Bin 10bit"},
-    {101, L"Echo Bin 8bit/compand"},
-};
+// kept: the two words of a mode differ in capitalisation, and those of the families too; archives are
+// searched by them.
+constexpr auto kFirstFamily = std::to_array<OutputModeRow>({
+    {1, L"Simple Altimeter", "simple", "simple", kSimpleStream, kReportingStream, kReportingStream},
+    {3, L"Altimeter NMEA", "nmea", "nmea", kFirstNmeaStream},
+    {2, L"Echo Txt 10bit", "txt10", "txt10", kFirstTextStream},
+    {4, L"Echo Txt 12bit", "txt12", "txt12", kFirstTextStream},
+    {100, L"Echo Bin 12bit", "bin12", "bin12", kBlockStream, kFrameStream},
+    {101, L"Echo Bin 8bit/compand", "bin8", "bin8", kBlockStream, kFrameStream},
+    {6, L"DESO-25(M)", "deso_M", "deso_M", kDesoStream},
+    {7, L"Altimeter Dual", "Dual", "dual", kDualStream},
+    {8, L"Sonarmite DFX", "DFX", "dfx", kDfxStream},
+    {9, L"Sonarmite OLD", "OLD", "old", kOldStream},
+});
 
-constexpr OutputModeName kThirdFamily[] = {
-    {1, L"Altimeter Simple"},
-    {2, L"Echo Txt"},
-    {3, L"Altimeter NMEA"},
-    {4, L"Echo txt Fixed 200 Samples"},
-    {5, L"Echo txt Fixed 500 Samples"},
-    {6, L"Echo txt Fixed 1000 Samples"},
-    {7, L"PSA-916"},
-    {8, L"AltiPlusTemp."},
-    {9, L"Sonarmite DFX"},
-    {10, L"Sonarmite OLD"},
-};
+constexpr auto kSecondFamily = std::to_array<OutputModeRow>({
+    {1, L"Altimeter Simple", "simple", "simple", kSimpleStream, kReportingStream},
+    {2, L"Echo txt", "Echosounder", "Echosounder", kSecondTextStream},
+    {3, L"Altimeter NMEA", "nmea", "nmea", kSecondNmeaStream},
+    {4, L"Echo txt Fixed 200 Samples", "EchoSounder(200)", "EchoSounder(200)", kSecondTextStream},
+    {5, L"Echo txt Fixed 500 Samples", "EchoSounder(500)", "EchoSounder(500)", kSecondTextStream},
+    {6, L"Echo txt Fixed 1000 Samples", "EchoSounder(1000)", "EchoSounder(1000)", kSecondTextStream},
+    {7, L"PSA-916", "PSA-916", "PSA-916", kPsaStream},
+    {8, L"AltiPlusTemp.", "AltiTemp", "AltiTemp", kAltiTempStream},
+    {9, L"Sonarmite DFX", "DFX", "DFX", kDfxStream},
+    {10, L"Sonarmite OLD", "OLD", "OLD", kOldStream},
+    {100, L"Echo Bin 10bit", "bin10", "bin10", kBlockStream, kFrameStream},
+    {101, L"Echo Bin 8bit/compand", "bin8", "bin8", kBlockStream, kFrameStream},
+});
 
-constexpr OutputModeName kFirstFamily[] = {
-    {1, L"Simple Altimeter"}, {3, L"Altimeter NMEA"},          {2, L"Echo Txt 10bit"}, {4, L"Echo Txt 12bit"},
-    {100, L"Echo Bin 12bit"}, {101, L"Echo Bin 8bit/compand"}, {6, L"DESO-25(M)"},     {7, L"Altimeter Dual"},
-    {8, L"Sonarmite DFX"},    {9, L"Sonarmite OLD"},
-};
+// The third family sends what the second does. kept: its selector writes one name otherwise and does not
+// offer the binary modes, which are accepted all the same; their files are called "nmea" at Start.
+constexpr auto kThirdFamily = [] {
+  auto rows = kSecondFamily;
+  for (OutputModeRow& row : rows) {
+    if (row.code == 2) row.name = L"Echo Txt";
+    if (row.code != 100 && row.code != 101) continue;
+    row.name = {};
+    row.wordAtStart = "nmea";
+  }
+  return rows;
+}();
 
-constexpr OutputMode kEchoFirst[] = {2, 4, 100, 101};
-constexpr OutputMode kEchoOthers[] = {2, 4, 5, 6, 100, 101};
+const OutputModeRow* Find(std::span<const OutputModeRow> rows, bool (*fits)(const OutputModeRow&, OutputMode),
+                          OutputMode mode) {
+  const auto at =
+      std::find_if(rows.begin(), rows.end(), [&](const OutputModeRow& row) { return fits(row, mode); });
+  return at == rows.end() ? nullptr : &*at;
+}
 
-template <typename Range>
-bool Holds(const Range& modes, OutputMode mode) {
-  return std::find(std::begin(modes), std::end(modes), mode) != std::end(modes);
+bool HasCode(const OutputModeRow& row, OutputMode mode) {
+  return row.code == mode;
+}
+
+bool IsPlayedAs(const OutputModeRow& row, OutputMode mode) {
+  return row.code == mode || row.Played() == mode;
 }
 
 }  // namespace
 
-std::span<const OutputModeName> OfferedModes(int32_t family) {
+std::span<const OutputModeRow> AcceptedModes(int32_t family) {
   if (family == 1) return kFirstFamily;
-  if (family == 2) return kSecondFamily;
-  return kThirdFamily;
+  return family == 2 ? kSecondFamily : kThirdFamily;
+}
+
+std::span<const OutputModeRow> OfferedModes(int32_t family) {
+  const auto rows = AcceptedModes(family);
+  const auto end =
+      std::find_if(rows.begin(), rows.end(), [](const OutputModeRow& row) { return row.name.empty(); });
+  return {rows.begin(), end};
+}
+
+const OutputModeRow* FindMode(int32_t family, OutputMode mode) {
+  return Find(AcceptedModes(family), HasCode, mode);
+}
+
+const OutputModeRow& AcceptedMode(int32_t family, OutputMode mode) {
+  const OutputModeRow* const row = FindMode(family, mode);
+  return row == nullptr ? *FindMode(family, kAltimeterNmea) : *row;
+}
+
+const OutputModeRow& PlayedMode(int32_t family, OutputMode mode) {
+  const OutputModeRow* const row = Find(AcceptedModes(family), IsPlayedAs, mode);
+  return row == nullptr ? *FindMode(family, kAltimeterNmea) : *row;
 }
 
 bool ModeOfName(int32_t family, std::wstring_view name, OutputMode& mode) {
-  for (const OutputModeName& row : OfferedModes(family)) {
+  for (const OutputModeRow& row : OfferedModes(family)) {
     if (row.name == name) {
       mode = row.code;
       return true;
@@ -67,14 +109,8 @@ bool ModeOfName(int32_t family, std::wstring_view name, OutputMode& mode) {
 }
 
 std::wstring_view NameOfMode(int32_t family, OutputMode mode) {
-  for (const OutputModeName& row : OfferedModes(family)) {
-    if (row.code == mode) return row.name;
-  }
-  return {};
-}
-
-bool CarriesEchoSamples(int32_t family, OutputMode mode) {
-  return family == 1 ? Holds(kEchoFirst, mode) : Holds(kEchoOthers, mode);
+  const OutputModeRow* const row = FindMode(family, mode);
+  return row == nullptr ? std::wstring_view() : row->name;
 }
 
 }  // namespace tw

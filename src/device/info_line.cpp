@@ -16,7 +16,6 @@ constexpr int32_t kThirdFamilyFrequency_hz = 450'000;
 constexpr float kUnknownPower = 100.0f;
 constexpr int32_t kMaxKind = 10;
 constexpr float kMaxInterval_s = 3600.0f;
-constexpr int32_t kPlayedBinaryMode = 102;
 
 float Seconds(int32_t interval_ms) {
   return static_cast<float>(interval_ms) / 1000.0f;
@@ -58,10 +57,6 @@ InfoLine LowLine(const DeviceSettings& s, int32_t kind, int32_t frequency_hz) {
           s.outputMode};
 }
 
-bool BothChannelsInOneFile(const DeviceSettings& s) {
-  return s.simultaneous != 0 && s.outputMode >= 6 && s.outputMode <= 8;
-}
-
 bool WriteLine(Handle file, const InfoLine& info) {
   char text[kInfoLineSize];
   const auto length = static_cast<uint32_t>(FormatInfoLine(text, info));
@@ -101,7 +96,7 @@ size_t FormatInfoLine(std::span<char> text, const InfoLine& info) {
 }
 
 int MakeInfoLines(const DeviceSettings& settings, int32_t family, int32_t channelFrequency_hz,
-                  InfoLine (&lines)[2]) {
+                  bool bothChannels, InfoLine (&lines)[2]) {
   if (family != 1) {
     lines[0] =
         HighLine(settings, family, family == 0 ? kThirdFamilyFrequency_hz : settings.frequencyInUse_hz);
@@ -109,7 +104,7 @@ int MakeInfoLines(const DeviceSettings& settings, int32_t family, int32_t channe
     return 1;
   }
   const int32_t high_hz = settings.virtualHighFrequency_hz;
-  if (BothChannelsInOneFile(settings)) {
+  if (bothChannels) {
     lines[0] = HighLine(settings, 1, high_hz);
     lines[1] = LowLine(settings, 1, settings.virtualLowFrequency_hz);
     return 2;
@@ -119,9 +114,11 @@ int MakeInfoLines(const DeviceSettings& settings, int32_t family, int32_t channe
   return 1;
 }
 
-void WriteInfoLine(const DeviceSettings& settings, Handle& file, int32_t channelFrequency_hz) {
+void WriteInfoLine(const DeviceSettings& settings, Handle& file, int32_t channelFrequency_hz,
+                   bool bothChannels) {
   InfoLine lines[2];
-  const int count = MakeInfoLines(settings, LoadShared(globals.deviceFamily), channelFrequency_hz, lines);
+  const int count =
+      MakeInfoLines(settings, LoadShared(globals.deviceFamily), channelFrequency_hz, bothChannels, lines);
   for (int i = 0; i < count; ++i) {
     if (WriteLine(file, lines[i])) continue;
     CloseFile(file);
@@ -162,8 +159,6 @@ void ApplyInfoLine(const InfoLine& info, DeviceSettings& settings) {
   settings.thresholdHigh_percent = info.threshold_percent;
   settings.offsetHigh_mm = info.offset_mm;
   settings.soundSpeed_mps = info.soundSpeed_mps;
-  const bool binary = info.outputMode == 100 || info.outputMode == 101;
-  settings.outputMode = binary ? kPlayedBinaryMode : info.outputMode;
 }
 
 void ApplyLowInfoLine(const InfoLine& info, DeviceSettings& settings) {

@@ -39,20 +39,21 @@ inline constexpr size_t kInfoLineSize = 512;
 // The line with its CR LF and a terminating zero; returns its length. Pure.
 size_t FormatInfoLine(std::span<char> text, const InfoLine& info);
 
-// The line, or the two lines of a device that sends both channels in one file, for a file of the channel with
-// this frequency. Returns how many. Pure.
+// The line for a file of the channel with this frequency, or the two lines for one of both channels, which
+// devices of the first family alone have. Returns how many. Pure.
 int MakeInfoLines(const DeviceSettings& settings, int32_t family, int32_t channelFrequency_hz,
-                  InfoLine (&lines)[2]);
+                  bool bothChannels, InfoLine (&lines)[2]);
 
 // Writes the lines to an open record file, each in one write. When one fails the file is closed and its
 // handle becomes invalid. GUI thread.
-void WriteInfoLine(const DeviceSettings& settings, Handle& file, int32_t channelFrequency_hz);
+void WriteInfoLine(const DeviceSettings& settings, Handle& file, int32_t channelFrequency_hz,
+                   bool bothChannels);
 
 // Reads the first INFO line in the text, of either form. False, and `info` unchanged, when there is none or a
 // field is missing. Pure.
 [[nodiscard]] bool ParseInfoLine(std::string_view text, InfoLine& info);
 
-// Takes a line that was read over into the settings: the high values; output modes 100 and 101 become 102.
+// Takes a line that was read over into the settings: the high values. The output mode is the caller's.
 void ApplyInfoLine(const InfoLine& info, DeviceSettings& settings);
 
 // Takes the line of a dual recording's low channel over: its frequency, and what each channel has of its own.

@@ -4,7 +4,6 @@
 
 #include "base/shared_value.h"
 #include "base/text_format.h"
-#include "device/accepted_modes.h"
 #include "device/command_link.h"
 #include "platform/clock.h"
 
@@ -30,10 +29,8 @@ void SendTime(Handle port) {
 // A preset in force decides the output itself.
 void SendOutput(AppState& state, Handle port) {
   if (globals.presetCapable != 0 && globals.currentPreset != kNoPreset) return;
-  int32_t& mode = state.settings.outputMode;
-  mode = AcceptedMode(LoadShared(globals.deviceFamily), mode);
-  SendNumber(port, CommandId::output, mode);
-  state.appliedSettings.outputMode = mode;
+  SendNumber(port, CommandId::output, state.settings.outputMode);
+  state.appliedSettings.outputMode = state.settings.outputMode;
 }
 
 void SendSingle(AppState& state, Handle port) {

@@ -5,6 +5,7 @@
 #include <span>
 #include <type_traits>
 
+#include "acquisition/output_mode.h"
 #include "acquisition/ping_line.h"
 #include "base/bytes.h"
 #include "base/shared_value.h"
@@ -155,15 +156,6 @@ Labels CollectLabels(const PanelSource& source, const PanelLayout& layout) {
   return labels;
 }
 
-bool DualModeHasAttitude(int32_t deviceFamily, int32_t outputMode) {
-  static constexpr int32_t kFirstFamily[] = {2, 3, 4, 9, 100, 101};
-  static constexpr int32_t kOtherFamilies[] = {2, 3, 4, 5, 6, 10, 100, 101};
-  const auto contains = [outputMode](std::span<const int32_t> modes) {
-    return std::find(modes.begin(), modes.end(), outputMode) != modes.end();
-  };
-  return deviceFamily == 1 ? contains(kFirstFamily) : contains(kOtherFamilies);
-}
-
 Label CollectStatus(AppState& state, const PanelSource& newest, const PanelLayout& layout, bool isDual) {
   wchar_t text[std::extent_v<decltype(Label::text)>] = L"";
   if (newest.ring == nullptr) return StatusLabel(layout, text);
@@ -181,8 +173,8 @@ Label CollectStatus(AppState& state, const PanelSource& newest, const PanelLayou
   if (isDual) {
     values.altitude_m = LoadShared(globals.latestAltitudeHigh_m);
     values.altitudeLow_m = LoadShared(globals.latestAltitudeLow_m);
-    const int32_t family = LoadShared(globals.deviceFamily);
-    FormatDualPingLine(text, values, hasPitch && DualModeHasAttitude(family, state.settings.outputMode));
+    const OutputModeRow* const mode = FindMode(LoadShared(globals.deviceFamily), state.settings.outputMode);
+    FormatDualPingLine(text, values, hasPitch && mode != nullptr && mode->sent.dualAttitude);
   } else {
     FormatPingLine(text, values, hasPitch && LoadShared(globals.attitudePresent) == 1);
   }

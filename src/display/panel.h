@@ -53,9 +53,6 @@ void DrawPanel(const PanelSource& source, const PanelLayout& layout, PanelScratc
 // The panel's texts, status line and marks left out.
 [[nodiscard]] Labels CollectLabels(const PanelSource& source, const PanelLayout& layout);
 
-// Whether a dual run of this family (0, 1 or 2) sends attitude in this output mode.
-[[nodiscard]] bool DualModeHasAttitude(int32_t deviceFamily, int32_t outputMode);
-
 // The status line of the newest ping of ring A, at its place in the (lower) panel; empty before the first
 // one.
 [[nodiscard]] Label CollectStatus(AppState& state, const PanelSource& newest, const PanelLayout& layout,

@@ -27,47 +27,6 @@ bool Holds(std::string_view text, std::string_view mark) {
   return text.find(mark) != std::string_view::npos;
 }
 
-struct ModeForm {
-  int32_t family;  // 1, or 2 for both others
-  int32_t outputMode;
-  const StreamForm* form;
-};
-
-constexpr ModeForm kModeForms[] = {
-    {1, 1, &kReportingStream},
-    {1, 2, &kFirstTextStream},
-    {1, 3, &kFirstNmeaStream},
-    {1, 4, &kFirstTextStream},
-    {1, 6, &kDesoStream},
-    {1, 7, &kDualStream},
-    {1, 8, &kDfxStream},
-    {1, 9, &kOldStream},
-    {1, kPlayedBinary, &kFrameStream},
-    {2, 1, &kReportingStream},
-    {2, 2, &kSecondTextStream},
-    {2, 3, &kSecondNmeaStream},
-    {2, 4, &kSecondTextStream},
-    {2, 5, &kSecondTextStream},
-    {2, 6, &kSecondTextStream},
-    {2, 7, &kPsaStream},
-    {2, 8, &kAltiTempStream},
-    {2, 9, &kDfxStream},
-    {2, 10, &kOldStream},
-    {2, kPlayedBinary, &kFrameStream},
-};
-
-const ModeForm* FindMode(int32_t family, int32_t outputMode) {
-  const int32_t list = family == 1 ? 1 : 2;
-  const auto* const row = std::find_if(
-      std::begin(kModeForms), std::end(kModeForms),
-      [&](const ModeForm& each) { return each.family == list && each.outputMode == outputMode; });
-  return row == std::end(kModeForms) ? nullptr : row;
-}
-
-int32_t PlayedMode(int32_t outputMode) {
-  return outputMode == 100 || outputMode == 101 ? kPlayedBinary : outputMode;
-}
-
 // In the order in which they are looked for. kept: the mark of mode 1 comes before that of 10, which it
 // matches as well.
 struct ParameterMark {
@@ -128,12 +87,11 @@ std::optional<Detected> DetectByInfo(std::string_view text) {
   if (!ParseInfoLine(text, info)) return std::nullopt;
   const InfoLines lines = FindInfoLines(text);
   const int32_t family = info.kind == 1 || info.kind == 2 ? info.kind : 0;
-  const int32_t mode = PlayedMode(info.outputMode);
-  const int32_t known = FindMode(family, mode) == nullptr ? kAltimeterNmea : mode;
+  const OutputModeRow& mode = PlayedMode(family, info.outputMode);
   InfoLine second{};
   std::optional<InfoLine> low;
   if (lines.count > 1 && ParseInfoLine(text.substr(lines.second), second)) low = second;
-  return Detected{FormOfMode(family, known), family, known, low ? 2 : 1, info, low, lines.size, true};
+  return Detected{&mode.recorded, family, mode.Played(), low ? 2 : 1, info, low, lines.size, true};
 }
 
 Detected ByMark(const StreamForm* form, int32_t family, int32_t outputMode) {
@@ -146,7 +104,9 @@ template <typename Take>
 void ForEachMark(std::string_view text, Take take) {
   if (Holds(text, "Parameters")) {
     for (const ParameterMark& each : kParameterMarks) {
-      if (Holds(text, each.mark) && take(ByMark(FormOfMode(2, each.outputMode), 2, each.outputMode))) return;
+      if (Holds(text, each.mark) &&
+          take(ByMark(&PlayedMode(2, each.outputMode).recorded, 2, each.outputMode)))
+        return;
     }
     return;
   }
@@ -208,16 +168,6 @@ std::optional<Detected> OtherKeys(Detected way) {
 }
 
 }  // namespace
-
-const StreamForm* FormOfMode(int32_t family, int32_t outputMode) {
-  const ModeForm* row = FindMode(family, PlayedMode(outputMode));
-  if (row == nullptr) row = FindMode(family, kAltimeterNmea);
-  return row->form;
-}
-
-bool HasMode(int32_t family, int32_t outputMode) {
-  return FindMode(family, outputMode) != nullptr;
-}
 
 std::optional<Detected> DetectRecording(std::span<const uint8_t> start) {
   const std::string_view text = AsText(start.first(std::min(start.size(), kStartSize)));

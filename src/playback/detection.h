@@ -46,13 +46,6 @@ struct Candidates {
 // then what each mark stands for; of echo text the form of either side's keys. None: no kind that is known.
 [[nodiscard]] Candidates CandidatesOf(std::span<const uint8_t> start);
 
-// The form of the stream that a family sends in an output mode; a mode that the family does not have counts
-// as 3. Pure.
-[[nodiscard]] const StreamForm* FormOfMode(int32_t family, int32_t outputMode);
-
-// Whether a family has an output mode, 100 and 101 told as 102. Pure.
-[[nodiscard]] bool HasMode(int32_t family, int32_t outputMode);
-
 // Reads the first bytes of a file: looks again up to `retries` times, 50 ms apart, as long as they tell
 // nothing. The file's position is its start afterwards. Returns how many bytes there are; 0 as well when the
 // file cannot be read.

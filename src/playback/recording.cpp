@@ -7,6 +7,7 @@
 #include "acquisition/echo_text.h"
 #include "acquisition/echo_text_stream.h"
 #include "acquisition/nmea_depth.h"
+#include "acquisition/output_mode.h"
 #include "gps/gps_fix.h"
 #include "gps/nmea_parser.h"
 #include "gps/position_text.h"
@@ -96,7 +97,7 @@ class Recording final : public PingSource {
     reach_ = UINT64_MAX;
     if (!found || told_.byInfo || !IsEchoText()) return found;
     if (KeysOfBlock(reader_->Block(), KeysOf(form_)) != KeysOf(form_)) return false;
-    if (HasMode(told_.family, ping_.outputMode) && FormOfMode(told_.family, ping_.outputMode) == &form_)
+    if (&PlayedMode(told_.family, ping_.outputMode).recorded == &form_)
       kind_.outputMode = context_.outputMode = told_.outputMode = ping_.outputMode;
     return true;
   }

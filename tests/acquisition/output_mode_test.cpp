@@ -2,79 +2,105 @@
 
 #include <gtest/gtest.h>
 
-#include <utility>
+#include <string>
 #include <vector>
 
 namespace tw {
 namespace {
 
-using Rows = std::vector<std::pair<OutputMode, std::wstring>>;
+// A family's table as the manual of the devices prints it: the selector's names in its order, the words of
+// file names at Start and when switched on, what a recording is, and what its dual run does.
+struct Told {
+  OutputMode code;
+  const wchar_t* name;
+  std::string words;
+  std::string recording;
+  bool samples = false;
+  bool attitude = false;
+  bool oneFile = false;
+};
 
-// The lists as the manual of the devices prints them.
-const Rows kNamesOfFamily1 = {{1, L"Simple Altimeter"}, {3, L"Altimeter NMEA"},
-                              {2, L"Echo Txt 10bit"},   {4, L"Echo Txt 12bit"},
-                              {100, L"Echo Bin 12bit"}, {101, L"Echo Bin 8bit/compand"},
-                              {6, L"DESO-25(M)"},       {7, L"Altimeter Dual"},
-                              {8, L"Sonarmite DFX"},    {9, L"Sonarmite OLD"}};
-const Rows kNamesOfFamily2 = {{1, L"Altimeter Simple"},
-                              {2, L"Echo txt"},
-                              {3, L"Altimeter NMEA"},
-                              {4, L"Echo txt Fixed 200 Samples"},
-                              {5, L"Echo txt Fixed 500 Samples"},
-                              {6, L"Echo txt Fixed 1000 Samples"},
-                              {7, L"PSA-916"},
-                              {8, L"AltiPlusTemp."},
-                              {9, L"Sonarmite DFX"},
-                              {10, L"Sonarmite OLD"},
-                              {100, L"Echo Bin 10bit"},
-                              {101, L"Echo Bin 8bit/compand"}};
+const std::vector<Told> kFamily1 = {
+    {1, L"Simple Altimeter", "simple simple", "simple altimeter lines"},
+    {3, L"Altimeter NMEA", "nmea nmea", "NMEA epochs, first family", false, true},
+    {2, L"Echo Txt 10bit", "txt10 txt10", "echo text, first family", true, true},
+    {4, L"Echo Txt 12bit", "txt12 txt12", "echo text, first family", true, true},
+    {100, L"Echo Bin 12bit", "bin12 bin12", "binary echo frames", true, true},
+    {101, L"Echo Bin 8bit/compand", "bin8 bin8", "binary echo frames", true, true},
+    {6, L"DESO-25(M)", "deso_M deso_M", "DESO-25 lines", false, false, true},
+    {7, L"Altimeter Dual", "Dual dual", "dual altimeter lines", false, false, true},
+    {8, L"Sonarmite DFX", "DFX dfx", "Sonarmite DFX lines", false, false, true},
+    {9, L"Sonarmite OLD", "OLD old", "Sonarmite OLD lines", false, true}};
 
-Rows NamesOfFamily0() {
-  Rows rows(kNamesOfFamily2.begin(), kNamesOfFamily2.begin() + 10);
-  rows[1].second = L"Echo Txt";
+const std::vector<Told> kFamily2 = {
+    {1, L"Altimeter Simple", "simple simple", "simple altimeter lines"},
+    {2, L"Echo txt", "Echosounder Echosounder", "echo text, second family", true, true},
+    {3, L"Altimeter NMEA", "nmea nmea", "NMEA epochs, second family", false, true},
+    {4, L"Echo txt Fixed 200 Samples", "EchoSounder(200) EchoSounder(200)", "echo text, second family", true,
+     true},
+    {5, L"Echo txt Fixed 500 Samples", "EchoSounder(500) EchoSounder(500)", "echo text, second family", true,
+     true},
+    {6, L"Echo txt Fixed 1000 Samples", "EchoSounder(1000) EchoSounder(1000)", "echo text, second family",
+     true, true},
+    {7, L"PSA-916", "PSA-916 PSA-916", "PSA-916 lines"},
+    {8, L"AltiPlusTemp.", "AltiTemp AltiTemp", "altitude and temperature lines"},
+    {9, L"Sonarmite DFX", "DFX DFX", "Sonarmite DFX lines", false, false, true},
+    {10, L"Sonarmite OLD", "OLD OLD", "Sonarmite OLD lines", false, true},
+    {100, L"Echo Bin 10bit", "bin10 bin10", "binary echo frames", true, true},
+    {101, L"Echo Bin 8bit/compand", "bin8 bin8", "binary echo frames", true, true}};
+
+std::vector<Told> Family0() {
+  std::vector<Told> rows = kFamily2;
+  rows[1].name = L"Echo Txt";
+  for (size_t binary : {10, 11}) rows[binary].name = L"";
+  rows[10].words = "nmea bin10";
+  rows[11].words = "nmea bin8";
   return rows;
 }
 
-TEST(OutputMode, EachFamilyHasItsListsAndFindsItsNamesExactly) {
-  const std::vector<OutputMode> others{1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 100, 101};
+TEST(OutputMode, EachFamilyHasItsTable) {
   const struct {
     int32_t family;
-    Rows offered;
-    std::vector<OutputMode> accepted;  // any other becomes NMEA
-    std::vector<OutputMode> echo;      // carry samples
+    std::vector<Told> told;
+    size_t offered;
     std::vector<std::wstring> unknown;
-  } rows[] = {{1,
-               kNamesOfFamily1,
-               {1, 2, 3, 4, 6, 7, 8, 9, 100, 101},
-               {2, 4, 100, 101},
-               {L"", L"Echo Txt", L"Altimeter Dual ", L"altimeter dual"}},
-              {2, kNamesOfFamily2, others, {2, 4, 5, 6, 100, 101}, {L"Echo Txt"}},
-              {0, NamesOfFamily0(), others, {2, 4, 5, 6, 100, 101}, {L"Echo txt", L"Echo Bin 10bit"}}};
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.family);
-    Rows offered;
-    for (const OutputModeName& each : OfferedModes(row.family)) offered.emplace_back(each.code, each.name);
-    EXPECT_EQ(offered, row.offered);
-    std::vector<OutputMode> accepted;
-    std::vector<OutputMode> echo;
-    for (OutputMode mode = -1; mode <= 103; ++mode) {
-      if (CarriesEchoSamples(row.family, mode)) echo.push_back(mode);
-      if (AcceptedMode(row.family, mode) == mode) {
-        accepted.push_back(mode);
-      } else {
-        EXPECT_EQ(AcceptedMode(row.family, mode), 3) << mode;
-      }
-    }
-    EXPECT_EQ(accepted, row.accepted);
-    EXPECT_EQ(echo, row.echo);
+  } families[] = {{1, kFamily1, 10, {L"", L"Echo Txt", L"Altimeter Dual ", L"altimeter dual"}},
+                  {2, kFamily2, 12, {L"Echo Txt"}},
+                  {0, Family0(), 10, {L"", L"Echo txt", L"Echo Bin 10bit"}}};
+  for (const auto& [family, told, offered, unknown] : families) {
+    ASSERT_EQ(AcceptedModes(family).size(), told.size());
+    EXPECT_EQ(OfferedModes(family).size(), offered);
     OutputMode mode = -7;
-    for (const std::wstring& name : row.unknown)
-      EXPECT_FALSE(ModeOfName(row.family, name.c_str(), mode)) << name.c_str();
+    for (const std::wstring& name : unknown) EXPECT_FALSE(ModeOfName(family, name, mode)) << name.c_str();
     EXPECT_EQ(mode, -7);
-    for (const auto& [code, name] : row.offered) {
-      EXPECT_TRUE(ModeOfName(row.family, name.c_str(), mode)) << code;
-      EXPECT_EQ(mode, code);
+    for (size_t i = 0; i < told.size(); ++i) {
+      const Told& each = told[i];
+      SCOPED_TRACE(testing::Message() << "family " << family << ", mode " << each.code);
+      const OutputModeRow& row = AcceptedModes(family)[i];
+      EXPECT_EQ(row.code, each.code);
+      EXPECT_EQ(NameOfMode(family, each.code), each.name);
+      EXPECT_EQ(ModeOfName(family, each.name, mode), i < offered);
+      EXPECT_TRUE(i >= offered || mode == each.code);
+      EXPECT_EQ(row.wordAtStart + std::string(" ") + row.wordSwitchedOn, each.words);
+      EXPECT_EQ(row.recorded.name, each.recording);
+      EXPECT_EQ(row.sent.HasSamples(), each.samples);
+      EXPECT_EQ(row.sent.dualAttitude, each.attitude);
+      EXPECT_EQ(row.sent.SharesFile(), each.oneFile);
+      EXPECT_EQ(&row.reporting != &row.sent, family == 1 && each.code == 1);
     }
+  }
+}
+
+TEST(OutputMode, ACodeThatTheFamilyDoesNotHaveIsNmea) {
+  for (const int32_t family : {0, 1, 2}) {
+    size_t accepted = 0;
+    for (OutputMode mode = -1; mode <= 103; ++mode) {
+      accepted += FindMode(family, mode) != nullptr;
+      EXPECT_EQ(AcceptedMode(family, mode).code, FindMode(family, mode) == nullptr ? 3 : mode);
+    }
+    EXPECT_EQ(accepted, AcceptedModes(family).size());
+    for (const OutputMode mode : {100, 101, 102}) EXPECT_EQ(PlayedMode(family, mode).Played(), 102);
+    EXPECT_EQ(PlayedMode(family, 103).Played(), 3);
   }
 }
 

@@ -62,44 +62,31 @@ auto ValuesOf(const InfoLine& info) {
 TEST(InfoLine, EachKindHasItsForm) {
   const struct {
     const char* what;
-    int32_t family, frequency_hz, mode, simultaneous;
+    int32_t family, frequency_hz, mode;
+    bool bothChannels;
     std::string text;
   } rows[] = {
-      {"high channel", 1, 450'000, 4, 0, kHighLine},
-      {"low channel", 1, 200'000, 4, 0, kLowLine},
-      {"low channel of two", 1, 200'000, 4, 1, kLowLine},
-      {"both channels in one file", 1, 200'000, 6, 1,
+      {"high channel", 1, 450'000, 4, false, kHighLine},
+      {"low channel", 1, 200'000, 4, false, kLowLine},
+      {"both channels in one file", 1, 200'000, 6, true,
        "INFO:1,450000,30000,0.2,42,87.2,-4,20,0.14,2,152,22,12,1487.7,6\r\n"
        "INFO:1,200000,60000,0.2,41,87.2,2,15,0.08,1,151,21,-11,1487.7,6\r\n"},
-      {"such a mode, one channel", 1, 450'000, 8, 0,
-       "INFO:1,450000,30000,0.2,42,87.2,-4,20,0.14,2,152,22,12,1487.7,8\r\n"},
-      {"second family", 2, 450'000, 4, 0,
+      {"second family", 2, 450'000, 4, false,
        "INFO:2,199000,30000,0.2,42,100.0,-4,20,0.14,2,152,22,12,1487.7,4\r\n"},
-      {"third family", 0, 123, 4, 0, "INFO:0,450000,30000,0.2,42,100.0,-4,20,0.14,2,152,22,12,1487.7,4\r\n"},
+      {"third family", 0, 123, 4, false,
+       "INFO:0,450000,30000,0.2,42,100.0,-4,20,0.14,2,152,22,12,1487.7,4\r\n"},
   };
   for (const auto& row : rows) {
     DeviceSettings settings = SampleSettings();
     settings.outputMode = row.mode;
-    settings.simultaneous = row.simultaneous;
     InfoLine lines[2];
-    const int count = MakeInfoLines(settings, row.family, row.frequency_hz, lines);
+    const int count = MakeInfoLines(settings, row.family, row.frequency_hz, row.bothChannels, lines);
     std::string text;
     for (int i = 0; i < count; ++i) {
       char line[kInfoLineSize];
       text.append(line, FormatInfoLine(line, lines[i]));
     }
     EXPECT_EQ(text, row.text) << row.what;
-  }
-}
-
-TEST(InfoLine, TwoLinesOnlyForBothChannelsInOneFile) {
-  DeviceSettings settings = SampleSettings();
-  settings.simultaneous = 1;
-  for (const auto& [mode, count] :
-       {std::pair{2, 1}, {4, 1}, {5, 1}, {6, 2}, {7, 2}, {8, 2}, {9, 1}, {100, 1}}) {
-    settings.outputMode = mode;
-    InfoLine lines[2];
-    EXPECT_EQ(MakeInfoLines(settings, 1, 200'000, lines), count) << mode;
   }
 }
 
@@ -159,15 +146,10 @@ TEST(InfoLine, FillsTheSettingsOfItsChannel) {
   ApplyLowInfoLine({1, 200'000, 60'000, 9, 41, 9, 2.5f, 15, 0.08f, 1, 151, 21, -11, 9, 9}, settings);
   DeviceSettings expected = SampleSettings();  // without what no line tells
   expected.frequencyInUse_hz = 450'000;
+  expected.outputMode = 0;
   expected.lowFrequency_hz = 200'000;
   expected.highFrequency_hz = expected.virtualLowFrequency_hz = expected.virtualHighFrequency_hz = 0;
   EXPECT_EQ(std::memcmp(&settings, &expected, sizeof settings), 0);
-  for (const auto& [mode, applied] : {std::pair{2, 2}, {99, 99}, {100, 102}, {101, 102}, {103, 103}}) {
-    InfoLine info{};
-    info.outputMode = mode;
-    ApplyInfoLine(info, settings);
-    EXPECT_EQ(settings.outputMode, applied);
-  }
 }
 
 TEST(InfoLine, AFailedWriteClosesTheFile) {
@@ -183,7 +165,7 @@ TEST(InfoLine, AFailedWriteClosesTheFile) {
     Handle file = CreateFileAnew(path.wstring().c_str());
     ClearFaults();
     InjectFault({.point = FaultPoint::writeFile, .call = call, .taken = 5});
-    WriteInfoLine(settings, file, 200'000);
+    WriteInfoLine(settings, file, 200'000, true);
     EXPECT_EQ(file, Handle::invalid);
     EXPECT_EQ(CallCount(FaultPoint::writeFile), call) << "nothing is written after the failure";
     std::ifstream content(path, std::ios::binary);

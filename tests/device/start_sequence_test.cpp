@@ -28,7 +28,6 @@ TEST_F(StartSequence, GoesByModeAndPreset) {
        "#nmeadpt 1\r#nmeaema 1\r#output 4\r#range 30000\r#go\r", 4},
       {"a preset in force decides the output", false, 1, 3, 4, single + "#go\r", 0},
       {"preset 255 is none", false, 1, kNoPreset, 4, single + "#output 4\r#go\r", 4},
-      {"an unknown mode is replaced", false, 0, 0, 42, single + "#output 3\r#go\r", 3},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.what);
@@ -47,7 +46,6 @@ TEST_F(StartSequence, GoesByModeAndPreset) {
     StartDevice(*state);
     EXPECT_EQ(device_.received, "#time 1700000000\r" + row.sent);
     EXPECT_EQ(state->appliedSettings.outputMode, row.started);
-    EXPECT_EQ(state->settings.outputMode, row.started == 0 ? row.mode : row.started);
     EXPECT_EQ(state->settings.tvgMode, row.dual ? 0 : 1);
     EXPECT_EQ(state->settings.rangeLow_mm, row.dual ? 30'000 : 10'000);
     EXPECT_EQ(state->appliedSettings.rangeLow_mm, row.dual ? 30'000 : 0);

@@ -216,17 +216,5 @@ TEST_F(Panel, StatusShowsTheNewestPing) {
   }
 }
 
-TEST_F(Panel, ModesWithAttitudeInADualRun) {
-  std::string first;
-  std::string second;
-  for (int32_t mode = -1; mode < 200; ++mode) {
-    if (DualModeHasAttitude(1, mode)) first += std::to_string(mode) + " ";
-    if (DualModeHasAttitude(2, mode)) second += std::to_string(mode) + " ";
-    EXPECT_EQ(DualModeHasAttitude(0, mode), DualModeHasAttitude(2, mode));
-  }
-  EXPECT_EQ(first, "2 3 4 9 100 101 ");
-  EXPECT_EQ(second, "2 3 4 5 6 10 100 101 ");
-}
-
 }  // namespace
 }  // namespace tw

@@ -13,10 +13,7 @@
 #include <utility>
 #include <vector>
 
-#include "acquisition/altimeter_lines.h"
-#include "acquisition/device_block.h"
-#include "acquisition/echo_text_stream.h"
-#include "acquisition/nmea_depth.h"
+#include "acquisition/output_mode.h"
 #include "base/bytes.h"
 #include "base/shared_value.h"
 #include "platform/clock.h"
@@ -52,7 +49,6 @@ struct Mode {
   const char* name;
   DeviceFamily family;
   int32_t mode;
-  const StreamForm& stream;
   Form form;
   Says says = Says::attitude;
   bool joint = false;  // a message holds both altitudes
@@ -64,34 +60,34 @@ constexpr auto kSecond = DeviceFamily::second;
 constexpr auto kThird = DeviceFamily::third;
 
 constexpr Mode kFirstFamily[] = {
-    {"FirstSimple", kFirst, 1, kReportingStream, Form::line, Says::altitude},
-    {"FirstText10", kFirst, 2, kFirstTextStream, Form::text},
-    {"FirstNmea", kFirst, 3, kFirstNmeaStream, Form::epoch},
-    {"FirstText12", kFirst, 4, kFirstTextStream, Form::text},
-    {"FirstDeso", kFirst, 6, kDesoStream, Form::line, Says::altitude, false, true},
-    {"FirstDualLines", kFirst, 7, kDualStream, Form::line, Says::temperature, true, true},
-    {"FirstDfx", kFirst, 8, kDfxStream, Form::line, Says::altitude, true, true},
-    {"FirstBinary", kFirst, 100, kBlockStream, Form::block},
-    {"FirstCompanded", kFirst, 101, kBlockStream, Form::block},
+    {"FirstSimple", kFirst, 1, Form::line, Says::altitude},
+    {"FirstText10", kFirst, 2, Form::text},
+    {"FirstNmea", kFirst, 3, Form::epoch},
+    {"FirstText12", kFirst, 4, Form::text},
+    {"FirstDeso", kFirst, 6, Form::line, Says::altitude, false, true},
+    {"FirstDualLines", kFirst, 7, Form::line, Says::temperature, true, true},
+    {"FirstDfx", kFirst, 8, Form::line, Says::altitude, true, true},
+    {"FirstBinary", kFirst, 100, Form::block},
+    {"FirstCompanded", kFirst, 101, Form::block},
 };
 
 // Has no dual form.
-constexpr Mode kFirstFamilyOld = {"FirstOld", kFirst, 9, kOldStream, Form::line, Says::altitude, true, true};
+constexpr Mode kFirstFamilyOld = {"FirstOld", kFirst, 9, Form::line, Says::altitude, true, true};
 
 template <DeviceFamily family>
 constexpr Mode kOtherFamilies[] = {
-    {"Simple", family, 1, kSimpleStream, Form::line, Says::altitude},
-    {"Text", family, 2, kSecondTextStream, Form::text},
-    {"Nmea", family, 3, kSecondNmeaStream, Form::epoch},
-    {"Text200", family, 4, kSecondTextStream, Form::text},
-    {"Text500", family, 5, kSecondTextStream, Form::text},
-    {"Text1000", family, 6, kSecondTextStream, Form::text},
-    {"Psa916", family, 7, kPsaStream, Form::line, Says::altitude},
-    {"AltiPlusTemp", family, 8, kAltiTempStream, Form::line, Says::temperature},
-    {"Dfx", family, 9, kDfxStream, Form::line, Says::altitude},
-    {"Old", family, 10, kOldStream, Form::line, Says::altitude},
-    {"Binary", family, 100, kBlockStream, Form::block},
-    {"Companded", family, 101, kBlockStream, Form::block},
+    {"Simple", family, 1, Form::line, Says::altitude},
+    {"Text", family, 2, Form::text},
+    {"Nmea", family, 3, Form::epoch},
+    {"Text200", family, 4, Form::text},
+    {"Text500", family, 5, Form::text},
+    {"Text1000", family, 6, Form::text},
+    {"Psa916", family, 7, Form::line, Says::altitude},
+    {"AltiPlusTemp", family, 8, Form::line, Says::temperature},
+    {"Dfx", family, 9, Form::line, Says::altitude},
+    {"Old", family, 10, Form::line, Says::altitude},
+    {"Binary", family, 100, Form::block},
+    {"Companded", family, 101, Form::block},
 };
 
 constexpr struct {
@@ -222,7 +218,7 @@ void StreamFaultCell::Run() {
   program.OpenFile(RecordChannel::a, L"a.log");
   program.OpenFile(RecordChannel::b, L"b.log");
   Signal(state.recordingEvent);
-  program.StartWorker(mode_.stream);
+  program.StartWorker(AcceptedMode(static_cast<int32_t>(mode_.family), mode_.mode).reporting);
   RingWatch high(*state.ringA, mode_.form);
   RingWatch low(*state.ringB, mode_.form);
   while (account_.messages.size() < kMessages) {

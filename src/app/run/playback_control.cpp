@@ -3,6 +3,7 @@
 #include <memory>
 #include <optional>
 
+#include "acquisition/output_mode.h"
 #include "app/run/run_steps.h"
 #include "app/run/worker_control.h"
 #include "app/settings/control_states.h"
@@ -149,6 +150,8 @@ void TakeSettings(AppState& state, const Candidate& file) {
   state.settings.outputMode = told.outputMode;
   if (!told.info) return TakeRange(state, file.range_m);
   ApplyInfoLine(*told.info, state.settings);
+  const OutputModeRow* const mode = FindMode(told.family, told.info->outputMode);
+  state.settings.outputMode = mode == nullptr ? told.info->outputMode : mode->Played();
   // A view of the low frequency alone goes by the low channel's values.
   if (told.info->frequency_hz == state.settings.lowFrequency_hz) {
     ApplyLowInfoLine(*told.info, state.settings);

@@ -1,5 +1,6 @@
 #include "app/run/record_opening.h"
 
+#include "acquisition/output_mode.h"
 #include "acquisition/record_file.h"
 #include "base/shared_value.h"
 #include "base/text_format.h"
@@ -21,11 +22,16 @@ DeviceSettings RunningSettings(const AppState& state) {
 
 NamingFacts CollectFacts(const AppState& state, NamingMoment moment, int32_t family) {
   const DeviceSettings settings = RunningSettings(state);
+  const OutputModeRow& mode = AcceptedMode(family, settings.outputMode);
+  const bool atStart = moment == NamingMoment::start;
   return {
       .moment = moment,
       .family = family,
       .dual = settings.simultaneous != 0,
-      .outputMode = settings.outputMode,
+      .modeWord = atStart ? mode.wordAtStart : mode.wordSwitchedOn,
+      // kept: a 5, which Start takes for a 6, shares one as well.
+      .sharesOneFile = mode.sent.SharesFile() || (settings.outputMode == 5 && !atStart),
+      .hasSamples = mode.sent.HasSamples(),
       .frequencyInUse_hz = settings.frequencyInUse_hz,
       .lowFrequency_hz = settings.lowFrequency_hz,
       .highFrequency_hz = settings.highFrequency_hz,
@@ -38,6 +44,12 @@ NamingFacts CollectFacts(const AppState& state, NamingMoment moment, int32_t fam
   };
 }
 
+// A file of this run holds both channels.
+bool HoldsBothChannels(const DeviceSettings& settings) {
+  return settings.simultaneous != 0 &&
+         AcceptedMode(LoadShared(globals.deviceFamily), settings.outputMode).sent.SharesFile();
+}
+
 Handle CreateNamed(const AppState& state, const char* name) {
   if (name[0] == '\0') return Handle::invalid;
   wchar_t wide[kRecordNameSize];
@@ -48,7 +60,10 @@ Handle CreateNamed(const AppState& state, const char* name) {
 // Creates one record file with its settings line(s). The worker sees the handle only when they are written.
 void OpenOne(AppState& state, const RecordFileName& name, RecordChannel channel, Handle& companion) {
   Handle file = CreateNamed(state, name.record);
-  if (file != Handle::invalid) WriteInfoLine(RunningSettings(state), file, name.channelFrequency_hz);
+  if (file != Handle::invalid) {
+    const DeviceSettings settings = RunningSettings(state);
+    WriteInfoLine(settings, file, name.channelFrequency_hz, HoldsBothChannels(settings));
+  }
   PutRecordFile(state, channel, file);
   StoreShared(companion, CreateNamed(state, name.segy));
 }

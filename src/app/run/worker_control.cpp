@@ -1,12 +1,6 @@
 #include "app/run/worker_control.h"
 
-#include <algorithm>
-
-#include "acquisition/altimeter_lines.h"
-#include "acquisition/device_block.h"
-#include "acquisition/echo_text_stream.h"
 #include "acquisition/live_worker.h"
-#include "acquisition/nmea_depth.h"
 #include "acquisition/output_mode.h"
 #include "app/window/ui.h"
 #include "base/shared_value.h"
@@ -19,49 +13,6 @@ namespace tw {
 namespace {
 
 constexpr uint32_t kWaitSlice_ms = 100;
-
-// The form of an output mode's stream. A mode of a family's list that has no row here cannot be run.
-struct ModeRow {
-  int32_t family;  // 0 shares the rows of 2
-  OutputMode mode;
-  const StreamForm* form;
-  const StreamForm* reporting = nullptr;  // instead of it, when the device reports its frequency
-};
-
-constexpr ModeRow kModes[] = {
-    {1, 1, &kSimpleStream, &kReportingStream},
-    {1, 2, &kFirstTextStream},
-    {1, 3, &kFirstNmeaStream},
-    {1, 4, &kFirstTextStream},
-    {1, 6, &kDesoStream},
-    {1, 7, &kDualStream},
-    {1, 8, &kDfxStream},
-    {1, 9, &kOldStream},
-    {1, 100, &kBlockStream},
-    {1, 101, &kBlockStream},
-    {2, 1, &kSimpleStream},
-    {2, 2, &kSecondTextStream},
-    {2, 3, &kSecondNmeaStream},
-    {2, 4, &kSecondTextStream},
-    {2, 5, &kSecondTextStream},
-    {2, 6, &kSecondTextStream},
-    {2, 7, &kPsaStream},
-    {2, 8, &kAltiTempStream},
-    {2, 9, &kDfxStream},
-    {2, 10, &kOldStream},
-    {2, 100, &kBlockStream},
-    {2, 101, &kBlockStream},
-};
-
-const StreamForm* FormOf(int32_t family, OutputMode mode) {
-  const int32_t rows = family == 0 ? 2 : family;
-  const auto* row = std::find_if(std::begin(kModes), std::end(kModes), [&](const ModeRow& each) {
-    return each.family == rows && each.mode == mode;
-  });
-  if (row == std::end(kModes)) return nullptr;
-  // A device that supports smoothing reports its frequency.
-  return row->reporting != nullptr && globals.smoothingSupported != 0 ? row->reporting : row->form;
-}
 
 // Waits for a thread in slices. False when it is still alive after the limit.
 bool WaitInSlices(Handle thread, uint32_t limit_ms) {
@@ -118,13 +69,13 @@ bool StartGps(AppState& state) {
 
 WorkerStart StartWorkers(AppState& state) {
   const int32_t family = LoadShared(globals.deviceFamily);
-  const OutputMode mode = AcceptedMode(family, state.settings.outputMode);
-  state.settings.outputMode = mode;
-  const StreamForm* const form = FormOf(family, mode);
-  if (form == nullptr) return WorkerStart::unsupportedOutput;
-  StoreShared(state.echogramEnabled, CarriesEchoSamples(family, mode) ? 1 : 0);
+  const OutputModeRow& mode = AcceptedMode(family, state.settings.outputMode);
+  state.settings.outputMode = mode.code;
+  // A device that supports smoothing reports its frequency.
+  const StreamForm& form = globals.smoothingSupported != 0 ? mode.reporting : mode.sent;
+  StoreShared(state.echogramEnabled, form.HasSamples() ? 1 : 0);
   StartDevice(state);
-  if (!StartAcquisition(state, *form, mode)) return WorkerStart::noAcquisitionThread;
+  if (!StartAcquisition(state, form, mode.code)) return WorkerStart::noAcquisitionThread;
   return StartGps(state) ? WorkerStart::started : WorkerStart::noGpsThread;
 }
 
@@ -136,9 +87,6 @@ void EndWithoutWorker(AppState& state) {
 void ReportWorkerStart(AppState& state, WorkerStart failure) {
   switch (failure) {
     case WorkerStart::started:
-      return;
-    case WorkerStart::unsupportedOutput:
-      ShowBox(state, L"Unsupported output", L"Error", BoxIcon::error);
       return;
     case WorkerStart::noAcquisitionThread:
       EndWithoutWorker(state);

@@ -7,11 +7,11 @@
 
 namespace tw {
 
-enum class WorkerStart : uint8_t { started, unsupportedOutput, noAcquisitionThread, noGpsThread };
+enum class WorkerStart : uint8_t { started, noAcquisitionThread, noGpsThread };
 
-// Starts the device and the worker that its output mode needs: chooses the worker, replaces a mode that the
-// family does not have by 3, sends the start sequence, starts the acquisition thread and, when a GPS port is
-// open and no GPS worker runs, the GPS thread. Nothing is sent when the mode has no worker.
+// Starts the device and the worker for its stream: replaces a mode that the family does not have by 3, sends
+// the start sequence, starts the acquisition thread and, when a GPS port is open and no GPS worker runs, the
+// GPS thread.
 [[nodiscard]] WorkerStart StartWorkers(AppState& state);
 
 // "Unable to run working thread", and the end of the process.

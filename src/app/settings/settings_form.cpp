@@ -176,7 +176,7 @@ void AddItem(FieldItems& items, const wchar_t* text) {
 
 // The family's modes, and at the end the device's own when it is none of them.
 void AddModes(FieldItems& items, int32_t family, OutputMode own) {
-  for (const OutputModeName& mode : OfferedModes(family)) AddItem(items, mode.name.data());
+  for (const OutputModeRow& mode : OfferedModes(family)) AddItem(items, mode.name.data());
   if (!NameOfMode(family, own).empty()) return;
   wchar_t text[kFieldTextSize];
   FormatMode(family, own, text);

@@ -10,36 +10,6 @@
 namespace tw {
 namespace {
 
-// The words of each family and moment. kept: the two moments differ in capitalisation and in modes 5, 100
-// and 101; archives are searched by these words.
-struct ModeNameRow {
-  int32_t mode;
-  const char* family1Start;
-  const char* family1Switched;
-  const char* family2Start;
-  const char* family0Start;
-  const char* othersSwitched;
-};
-
-constexpr ModeNameRow kModeNames[] = {
-    {1, "simple", "simple", "simple", "simple", "simple"},
-    {2, "txt10", "txt10", "Echosounder", "Echosounder", "Echosounder"},
-    {4, "txt12", "txt12", "EchoSounder(200)", "EchoSounder(200)", "EchoSounder(200)"},
-    {5, "deso_M", "nmea", "EchoSounder(500)", "EchoSounder(500)", "EchoSounder(500)"},
-    {6, "deso_M", "deso_M", "EchoSounder(1000)", "EchoSounder(1000)", "EchoSounder(1000)"},
-    {7, "Dual", "dual", "PSA-916", "PSA-916", "PSA-916"},
-    {8, "DFX", "dfx", "AltiTemp", "AltiTemp", "AltiTemp"},
-    {9, "OLD", "old", "DFX", "DFX", "DFX"},
-    {10, "nmea", "nmea", "OLD", "OLD", "OLD"},
-    {100, "bin12", "bin12", "bin10", "nmea", "bin10"},
-    {101, "bin8", "bin8", "bin8", "nmea", "bin8"},
-};
-constexpr char kOtherModeName[] = "nmea";
-
-static_assert(std::adjacent_find(std::begin(kModeNames), std::end(kModeNames), [](auto& left, auto& right) {
-                return left.mode >= right.mode;
-              }) == std::end(kModeNames));
-
 // A device names itself as it likes; in a file name only printable ASCII that no file system reserves may
 // stand.
 struct CleanIdentity {
@@ -57,16 +27,6 @@ CleanIdentity CleanForFileName(std::string_view identity) {
   return clean;
 }
 
-// One file for both channels, in the modes whose lines carry both.
-bool SharesOneFile(const NamingFacts& facts) {
-  const int32_t mode = facts.outputMode;
-  return mode == 6 || mode == 7 || mode == 8 || (mode == 5 && facts.moment == NamingMoment::recordSwitchedOn);
-}
-
-bool CarriesEchoSamples(int32_t mode) {
-  return mode == 2 || mode == 4 || mode == 100 || mode == 101;
-}
-
 // The channel that a single run of family 1 records. The two moments ask mirrored questions, which differ
 // only when the frequency in use is neither of the two.
 int32_t SingleChannelFrequency(const NamingFacts& facts) {
@@ -79,11 +39,10 @@ int32_t SingleChannelFrequency(const NamingFacts& facts) {
 RecordFileName NameChannel(const NamingFacts& facts, const char* stamp, const char* identity,
                            int32_t channelFrequency_hz) {
   RecordFileName name{.record = {}, .segy = {}, .channelFrequency_hz = channelFrequency_hz};
-  const char* mode = ModeName(facts.moment, facts.family, facts.outputMode);
   const int32_t kHz = NameKHz(channelFrequency_hz);
-  FormatText(name.record, "%s_Dual_%" PRId32 "kHz_id_%s_%s.log", stamp, kHz, identity, mode);
-  if (facts.segyCompanions && CarriesEchoSamples(facts.outputMode)) {
-    FormatText(name.segy, "%s_Dual_%" PRId32 "kHz_id_%s_%s.sgy", stamp, kHz, identity, mode);
+  FormatText(name.record, "%s_Dual_%" PRId32 "kHz_id_%s_%s.log", stamp, kHz, identity, facts.modeWord);
+  if (facts.segyCompanions && facts.hasSamples) {
+    FormatText(name.segy, "%s_Dual_%" PRId32 "kHz_id_%s_%s.sgy", stamp, kHz, identity, facts.modeWord);
   }
   return name;
 }
@@ -93,11 +52,10 @@ RecordFileNames NameFirstFamily(const NamingFacts& facts, const char* stamp) {
   RecordFileNames names{};
   if (!facts.dual) {
     names.a = NameChannel(facts, stamp, identity.text, SingleChannelFrequency(facts));
-  } else if (SharesOneFile(facts)) {
+  } else if (facts.sharesOneFile) {
     names.a.channelFrequency_hz = facts.measuredHigh_hz;
     FormatText(names.a.record, "%s_Dual_%" PRId32 "kHz_%" PRId32 "kHz_id_%s_%s.log", stamp,
-               NameKHz(facts.measuredHigh_hz), NameKHz(facts.measuredLow_hz), identity.text,
-               ModeName(facts.moment, facts.family, facts.outputMode));
+               NameKHz(facts.measuredHigh_hz), NameKHz(facts.measuredLow_hz), identity.text, facts.modeWord);
   } else {
     names.a = NameChannel(facts, stamp, identity.text, facts.measuredHigh_hz);
     names.b = NameChannel(facts, stamp, identity.text, facts.measuredLow_hz);
@@ -111,22 +69,11 @@ RecordFileNames NameOtherFamilies(const NamingFacts& facts, const char* stamp) {
   // kept: at Start this family's frequency stands in the text itself.
   const bool fixed = facts.family == 0 && facts.moment == NamingMoment::start;
   FormatText(names.a.record, "%s_Single_%" PRId32 "kHz_id_%" PRId32 "_%s.log", stamp,
-             fixed ? 450 : NameKHz(facts.measuredHigh_hz), facts.identifierWord,
-             ModeName(facts.moment, facts.family, facts.outputMode));
+             fixed ? 450 : NameKHz(facts.measuredHigh_hz), facts.identifierWord, facts.modeWord);
   return names;
 }
 
 }  // namespace
-
-const char* ModeName(NamingMoment moment, int32_t family, int32_t outputMode) {
-  const auto* row = std::find_if(std::begin(kModeNames), std::end(kModeNames),
-                                 [&](const ModeNameRow& each) { return each.mode == outputMode; });
-  if (row == std::end(kModeNames)) return kOtherModeName;
-  const bool start = moment == NamingMoment::start;
-  if (family == 1) return start ? row->family1Start : row->family1Switched;
-  if (!start) return row->othersSwitched;
-  return family == 2 ? row->family2Start : row->family0Start;
-}
 
 int32_t NameKHz(int32_t frequency_hz) {
   return static_cast<int32_t>(static_cast<float>(frequency_hz) / 10000.0f + 0.5f) * 10;

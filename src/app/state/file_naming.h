@@ -27,7 +27,9 @@ struct NamingFacts {
   NamingMoment moment;
   int32_t family;  // 1, 2 or 0
   bool dual;
-  int32_t outputMode;
+  const char* modeWord;  // that stands for the output mode
+  bool sharesOneFile;    // a dual run of it has one file for both channels
+  bool hasSamples;
   int32_t frequencyInUse_hz;
   int32_t lowFrequency_hz;
   int32_t highFrequency_hz;
@@ -52,9 +54,6 @@ struct RecordFileNames {
 };
 
 [[nodiscard]] RecordFileNames NameRecordFiles(const NamingFacts& facts);
-
-// The short word for an output mode that ends a record file's name.
-[[nodiscard]] const char* ModeName(NamingMoment moment, int32_t family, int32_t outputMode);
 
 // A frequency for a name: kHz, rounded to a multiple of 10 (447000 gives 450).
 [[nodiscard]] int32_t NameKHz(int32_t frequency_hz);

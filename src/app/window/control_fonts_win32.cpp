@@ -19,7 +19,7 @@ LONG WidestOutput(HDC dc, HFONT font) {
   const HGDIOBJ before = SelectObject(dc, font);
   LONG widest = 0;
   for (const int32_t family : {1, 2, 0}) {
-    for (const OutputModeName& mode : OfferedModes(family)) {
+    for (const OutputModeRow& mode : OfferedModes(family)) {
       SIZE extent{};
       GetTextExtentPoint32W(dc, mode.name.data(), static_cast<int>(mode.name.size()), &extent);
       widest = std::max(widest, extent.cx);

@@ -1,4 +1,6 @@
 // What the operator sees and has set stays as it should while a run is interrupted, recorded and resumed.
+#include "app/run/record_opening.h"
+#include "app/settings/family_controls.h"
 #include "display/panel.h"
 #include "display/zoom.h"
 #include "tests/app/run/playback_fixture.h"
@@ -46,6 +48,22 @@ TEST_F(Running, ApplyLeavesTheZoomUnlessTheRangeIsAnother) {
   state_->displayRangeLower = 2'000;
   ApplySettings(*state_);
   EXPECT_EQ(state_->displayRangeLower, 2'000);
+}
+
+// kept: 5 is an older code of DESO-25, for which Start takes 6.
+TEST_F(Running, AnOlderCodeOfDesoSharesAFileAsDesoDoes) {
+  globals.deviceFamily = 1;
+  globals.dualMode = 1;
+  state_->settings.outputMode = 5;
+  OpenRecordFiles(*state_, NamingMoment::recordSwitchedOn);
+  EXPECT_EQ(state_->settings.outputMode, 5);
+  ASSERT_EQ(RecordFiles().size(), 1u);
+  EXPECT_TRUE(RecordFiles()[0].ends_with("_Dual_0kHz_0kHz_id__nmea.log")) << RecordFiles()[0];
+  OpenRecordFiles(*state_, NamingMoment::start);
+  EXPECT_EQ(state_->settings.outputMode, 6);
+  ASSERT_EQ(RecordFiles().size(), 2u);
+  EXPECT_TRUE(RecordFiles()[0].ends_with("_Dual_0kHz_0kHz_id__deso_M.log")) << RecordFiles()[0];
+  CloseRecordFiles(*state_);
 }
 
 TEST_F(Running, SettingsThatAreOnlyChosenStandInNoFile) {

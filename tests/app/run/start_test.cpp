@@ -4,8 +4,11 @@
 #include "acquisition/live_worker.h"
 #include "acquisition/ping_ring.h"
 #include "app/run/run_control.h"
+#include "app/run/worker_control.h"
 #include "app/settings/control_states.h"
+#include "device/stop_device.h"
 #include "display/panel.h"
+#include "platform/clock.h"
 #include "platform/virtual/debug_capture.h"
 #include "platform/virtual/faults.h"
 #include "tests/app/run/refused_memory.h"
@@ -45,6 +48,17 @@ TEST_F(StartTest, RecordsFromTheFirstPingOn) {
   StopRun(*state_);
   HandleTimer(*state_, ID_TIMER_REPAINT);
   EXPECT_EQ(Ui().title, "Tidewriter Echosounder Control Software");
+}
+
+TEST_F(StartTest, AnOutputThatTheFamilyDoesNotHaveIsReplaced) {
+  StartQuickRun();
+  EndAcquisition(*state_, kWaitForever);
+  ASSERT_EQ(StopDevice(state_->devicePort), LinkResult::success);
+  state_->settings.outputMode = 42;
+  ASSERT_EQ(StartWorkers(*state_), WorkerStart::started);
+  EXPECT_EQ(state_->settings.outputMode, 3);
+  EXPECT_EQ(state_->appliedSettings.outputMode, 3) << "sent";
+  EXPECT_EQ(state_->echogramEnabled, 0);
 }
 
 TEST_F(StartTest, WritesItsTimesToTheDebugOutput) {

@@ -15,11 +15,13 @@ constexpr auto kSwitched = NamingMoment::recordSwitchedOn;
 constexpr char kStamp[] = "20250314_093005_";
 
 // 450 kHz in use, its channels measured at 447 and 204.999 kHz.
-NamingFacts Facts(NamingMoment moment, int32_t family, bool dual, int32_t mode) {
+NamingFacts Facts(NamingMoment moment, int32_t family, bool dual, const char* word = "txt10") {
   return {.moment = moment,
           .family = family,
           .dual = dual,
-          .outputMode = mode,
+          .modeWord = word,
+          .sharesOneFile = false,
+          .hasSamples = true,
           .frequencyInUse_hz = 450'000,
           .lowFrequency_hz = 200'000,
           .highFrequency_hz = 450'000,
@@ -40,62 +42,21 @@ TEST(FileNaming, RoundsToTenKilohertz) {
   for (const auto& row : rows) EXPECT_EQ(NameKHz(row.hz), row.kHz) << row.hz;
 }
 
-TEST(FileNaming, ModeNamesOfEachFamilyAndMoment) {
-  const struct {
-    int32_t mode;
-    const char* firstStart;
-    const char* firstSwitched;
-    const char* others;
-    const char* thirdStart;
-  } rows[] = {
-      {0, "nmea", "nmea", "nmea", "nmea"},
-      {1, "simple", "simple", "simple", "simple"},
-      {2, "txt10", "txt10", "Echosounder", "Echosounder"},
-      {3, "nmea", "nmea", "nmea", "nmea"},
-      {4, "txt12", "txt12", "EchoSounder(200)", "EchoSounder(200)"},
-      {5, "deso_M", "nmea", "EchoSounder(500)", "EchoSounder(500)"},
-      {6, "deso_M", "deso_M", "EchoSounder(1000)", "EchoSounder(1000)"},
-      {7, "Dual", "dual", "PSA-916", "PSA-916"},
-      {8, "DFX", "dfx", "AltiTemp", "AltiTemp"},
-      {9, "OLD", "old", "DFX", "DFX"},
-      {10, "nmea", "nmea", "OLD", "OLD"},
-      {100, "bin12", "bin12", "bin10", "nmea"},
-      {101, "bin8", "bin8", "bin8", "nmea"},
-      {102, "nmea", "nmea", "nmea", "nmea"},
-  };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.mode);
-    EXPECT_STREQ(ModeName(kStart, 1, row.mode), row.firstStart);
-    EXPECT_STREQ(ModeName(kSwitched, 1, row.mode), row.firstSwitched);
-    EXPECT_STREQ(ModeName(kStart, 2, row.mode), row.others);
-    EXPECT_STREQ(ModeName(kSwitched, 2, row.mode), row.others);
-    EXPECT_STREQ(ModeName(kSwitched, 0, row.mode), row.others);
-    EXPECT_STREQ(ModeName(kStart, 0, row.mode), row.thirdStart);
-  }
-}
-
 TEST(FileNaming, RecordFiles) {
+  NamingFacts shared = Facts(kSwitched, 1, true, "dfx");
+  shared.sharesOneFile = true;
   const struct {
     const char* what;
     NamingFacts facts;
     const char* a;  // behind the time, without ".log"
     const char* b;  // empty: no second file
   } rows[] = {
-      {"a single run says Dual", Facts(kStart, 1, false, 4), "Dual_450kHz_id_E3105_txt12", ""},
-      {"a dual run has one file a channel", Facts(kStart, 1, true, 101), "Dual_450kHz_id_E3105_bin8",
+      {"a single run says Dual", Facts(kStart, 1, false, "txt12"), "Dual_450kHz_id_E3105_txt12", ""},
+      {"a dual run has one file a channel", Facts(kStart, 1, true, "bin8"), "Dual_450kHz_id_E3105_bin8",
        "Dual_200kHz_id_E3105_bin8"},
-      {"a pair in mode 9", Facts(kSwitched, 1, true, 9), "Dual_450kHz_id_E3105_old",
-       "Dual_200kHz_id_E3105_old"},
-      {"lines with both depths share a file", Facts(kStart, 1, true, 7), "Dual_450kHz_200kHz_id_E3105_Dual",
-       ""},
-      {"DESO too", Facts(kStart, 1, true, 6), "Dual_450kHz_200kHz_id_E3105_deso_M", ""},
-      {"DFX too", Facts(kSwitched, 1, true, 8), "Dual_450kHz_200kHz_id_E3105_dfx", ""},
-      {"mode 5 shares one when switched on", Facts(kSwitched, 1, true, 5), "Dual_450kHz_200kHz_id_E3105_nmea",
-       ""},
-      {"but not at Start", Facts(kStart, 1, true, 5), "Dual_450kHz_id_E3105_deso_M",
-       "Dual_200kHz_id_E3105_deso_M"},
-      {"family 2", Facts(kStart, 2, false, 100), "Single_450kHz_id_77_bin10", ""},
-      {"family 0", Facts(kSwitched, 0, false, 6), "Single_450kHz_id_77_EchoSounder(1000)", ""},
+      {"lines with both depths share a file", shared, "Dual_450kHz_200kHz_id_E3105_dfx", ""},
+      {"family 2", Facts(kStart, 2, false, "bin10"), "Single_450kHz_id_77_bin10", ""},
+      {"family 0", Facts(kSwitched, 0, false, "AltiTemp"), "Single_450kHz_id_77_AltiTemp", ""},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.what);
@@ -107,11 +68,11 @@ TEST(FileNaming, RecordFiles) {
 }
 
 TEST(FileNaming, ThirdFamilysFrequencyIsFixedAtStartOnly) {
-  NamingFacts facts = Facts(kStart, 0, false, 2);
+  NamingFacts facts = Facts(kStart, 0, false);
   facts.measuredHigh_hz = 120'000;
-  EXPECT_STREQ(NameRecordFiles(facts).a.record, "20250314_093005_Single_450kHz_id_77_Echosounder.log");
+  EXPECT_STREQ(NameRecordFiles(facts).a.record, "20250314_093005_Single_450kHz_id_77_txt10.log");
   facts.moment = kSwitched;
-  EXPECT_STREQ(NameRecordFiles(facts).a.record, "20250314_093005_Single_120kHz_id_77_Echosounder.log");
+  EXPECT_STREQ(NameRecordFiles(facts).a.record, "20250314_093005_Single_120kHz_id_77_txt10.log");
 }
 
 TEST(FileNaming, ChannelOfASingleRun) {
@@ -121,7 +82,7 @@ TEST(FileNaming, ChannelOfASingleRun) {
     int32_t switchedOn_hz;
   } rows[] = {{450'000, 447'000, 447'000}, {200'000, 204'999, 204'999}, {300'000, 204'999, 447'000}};
   for (const auto& row : rows) {
-    NamingFacts facts = Facts(kStart, 1, false, 2);
+    NamingFacts facts = Facts(kStart, 1, false);
     facts.frequencyInUse_hz = row.inUse_hz;
     EXPECT_EQ(NameRecordFiles(facts).a.channelFrequency_hz, row.atStart_hz) << row.inUse_hz;
     facts.moment = kSwitched;
@@ -130,17 +91,17 @@ TEST(FileNaming, ChannelOfASingleRun) {
 }
 
 TEST(FileNaming, SegyCompanionsOfEchoModesOnly) {
-  NamingFacts facts = Facts(kStart, 1, true, 100);
+  NamingFacts facts = Facts(kStart, 1, true, "bin12");
   facts.segyCompanions = true;
   const RecordFileNames pair = NameRecordFiles(facts);
   EXPECT_STREQ(pair.a.segy, "20250314_093005_Dual_450kHz_id_E3105_bin12.sgy");
   EXPECT_STREQ(pair.b.segy, "20250314_093005_Dual_200kHz_id_E3105_bin12.sgy");
-  facts.outputMode = 9;
+  facts.hasSamples = false;
   EXPECT_STREQ(NameRecordFiles(facts).a.segy, "");
 }
 
 TEST(FileNaming, HostileIdentityStaysInTheFolder) {
-  NamingFacts facts = Facts(kStart, 1, false, 2);
+  NamingFacts facts = Facts(kStart, 1, false);
   facts.identity = "..\\../C:*?\"<>|\x01\xff~";
   EXPECT_STREQ(NameRecordFiles(facts).a.record, "20250314_093005_Dual_450kHz_id_.._.._C_________~_txt10.log");
   const std::string longest(95, 'x');
