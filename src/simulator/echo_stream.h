@@ -1,5 +1,5 @@
-// What a device sends for one ping in each of its output modes. A mode is a row of the table in
-// echo_stream.cpp; a mode without a row cannot be chosen. The forms of the messages are in stream_*.cpp.
+// What a device sends for one ping in each of its output modes. A mode is a row of one of the
+// files stream_*.cpp, beside the form of its messages; a mode without a row cannot be chosen.
 // Pure; any thread.
 #pragma once
 

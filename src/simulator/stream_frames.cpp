@@ -127,16 +127,6 @@ void AppendAnyFrame(std::string_view magic, const PingReport& ping, StreamMessag
   AppendWords(ping.samples, out.bytes);
 }
 
-}  // namespace
-
-uint8_t Compand(uint16_t amplitude) {
-  return kCompanded[amplitude & 0xFFF];
-}
-
-uint16_t Expand(uint8_t code) {
-  return kExpanded[code];
-}
-
 void AppendDeviceBlock(const PingReport& ping, const BlockShape& /*shape*/, StreamMessage& out) {
   BeginBlock(ping, 0, 2, out);
   AppendWords(ping.samples, out.bytes);
@@ -156,6 +146,31 @@ void AppendFrame(const PingReport& ping, const BlockShape& /*shape*/, StreamMess
 
 void AppendDualFrame(const PingReport& ping, const BlockShape& /*shape*/, StreamMessage& out) {
   AppendAnyFrame("DUAL", ping, out);
+}
+
+constexpr StreamMode kFirstFamily[] = {
+    {100, StreamKind::block, AppendDeviceBlock, 12, 0, true, false},
+    {101, StreamKind::compandedBlock, AppendCompandedBlock, 12, 0, true, false},
+};
+
+constexpr StreamMode kOtherFamilies[] = {
+    {100, StreamKind::block, AppendDeviceBlock, 10, 0, true, false},
+    {101, StreamKind::compandedBlock, AppendCompandedBlock, 12, 0, true, false},
+};
+
+}  // namespace
+
+const StreamRows kBlockRows{kFirstFamily, kOtherFamilies};
+
+const StreamMode kFrame = {100, StreamKind::frame, AppendFrame, 12, 0, true, true};
+const StreamMode kDualFrame = {100, StreamKind::frame, AppendDualFrame, 12, 0, true, false};
+
+uint8_t Compand(uint16_t amplitude) {
+  return kCompanded[amplitude & 0xFFF];
+}
+
+uint16_t Expand(uint8_t code) {
+  return kExpanded[code];
 }
 
 }  // namespace tw::sim

@@ -25,8 +25,6 @@ int64_t LineNumber(const PingReport& ping) {
   return ping.number & 0x7FFF'FFFF;
 }
 
-}  // namespace
-
 void AppendSimple(const PingReport& ping, const BlockShape& /*shape*/, StreamMessage& out) {
   TextWriter text(out);
   if (ping.reportsFrequency) text.Text("Hz\r\n ").Decimal(int64_t{ping.txFrequency_hz} * 10, 1).Text("\r\n");
@@ -68,5 +66,29 @@ void AppendAltiPlusTemp(const PingReport& ping, const BlockShape& /*shape*/, Str
   TextWriter text(out);
   text.Decimal(ping.altitude_mm, kMetreDecimals).Text(",   ").Decimal(ping.temperature_centi, 2).Text("\r\n");
 }
+
+constexpr StreamMode Line(int32_t outputMode, decltype(StreamMode::append) append, bool joint = false) {
+  return {outputMode, StreamKind::line, append, 0, 0, false, joint};
+}
+
+constexpr StreamMode kFirstFamily[] = {
+    Line(1, AppendSimple),
+    Line(6, AppendDeso25),
+    Line(7, AppendAltimeterDual, true),
+    Line(8, AppendSonarmiteDfx, true),
+    Line(9, AppendSonarmiteOld, true),
+};
+
+constexpr StreamMode kOtherFamilies[] = {
+    Line(1, AppendSimple),
+    Line(7, AppendPsa916),
+    Line(8, AppendAltiPlusTemp),
+    Line(9, AppendSonarmiteDfx, true),
+    Line(10, AppendSonarmiteOld, true),
+};
+
+}  // namespace
+
+const StreamRows kLineRows{kFirstFamily, kOtherFamilies};
 
 }  // namespace tw::sim

@@ -116,8 +116,6 @@ class EpochWriter {
   size_t begin_ = 0;
 };
 
-}  // namespace
-
 void AppendFirstFamilyEpoch(const PingReport& ping, const BlockShape& shape, StreamMessage& out) {
   EpochWriter epoch(ping, shape, kFirstFamily, out);
   epoch.Frequency();
@@ -135,5 +133,17 @@ void AppendSecondFamilyEpoch(const PingReport& ping, const BlockShape& shape, St
   epoch.Temperature();
   epoch.Ema("", "");
 }
+
+constexpr StreamMode kFirstFamilyModes[] = {
+    {3, StreamKind::epoch, AppendFirstFamilyEpoch, 0, 0, true, false},
+};
+
+constexpr StreamMode kOtherFamiliesModes[] = {
+    {3, StreamKind::epoch, AppendSecondFamilyEpoch, 0, 0, false, false},
+};
+
+}  // namespace
+
+const StreamRows kEpochRows{kFirstFamilyModes, kOtherFamiliesModes};
 
 }  // namespace tw::sim

@@ -118,8 +118,6 @@ void AppendData(const PingReport& ping, const BlockShape& shape, StreamMessage& 
   if (shape.fault != BlockFault::noEndMark) text.Text("\r\n\r\n");
 }
 
-}  // namespace
-
 void AppendFirstFamilyText(const PingReport& ping, const BlockShape& shape, StreamMessage& out) {
   KeyWriter keys(shape, out);
   keys.Text("#DeviceID", ping.identity);
@@ -155,5 +153,21 @@ void AppendSecondFamilyText(const PingReport& ping, const BlockShape& shape, Str
   keys.Count("#Tx_Frequency,Hz", ping.txFrequency_hz);
   AppendData(ping, shape, out);
 }
+
+constexpr StreamMode kFirstFamily[] = {
+    {2, StreamKind::echoText, AppendFirstFamilyText, 10, 0, true, false},
+    {4, StreamKind::echoText, AppendFirstFamilyText, 12, 0, true, false},
+};
+
+constexpr StreamMode kOtherFamilies[] = {
+    {2, StreamKind::echoText, AppendSecondFamilyText, 10, 0, true, false},
+    {4, StreamKind::echoText, AppendSecondFamilyText, 12, 200, true, false},
+    {5, StreamKind::echoText, AppendSecondFamilyText, 12, 500, true, false},
+    {6, StreamKind::echoText, AppendSecondFamilyText, 12, 1'000, true, false},
+};
+
+}  // namespace
+
+const StreamRows kTextRows{kFirstFamily, kOtherFamilies};
 
 }  // namespace tw::sim

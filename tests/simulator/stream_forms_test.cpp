@@ -163,18 +163,20 @@ TEST(StreamForms, BinaryByHand) {
       + values + std::string(48, '0') + words;
   const struct {
     const char* name;
-    void (*append)(const PingReport&, const BlockShape&, StreamMessage&);
+    const StreamMode* mode;
     std::string hex;
   } rows[] = {
-      {"16-bit block", AppendDeviceBlock, magic + "46000000" + block + "00000000" + facts + words},
+      {"16-bit block", FindStreamMode(DeviceFamily::first, 100),
+       magic + "46000000" + block + "00000000" + facts + words},
       // 66 lies between the codes 64 (65) and 65 (67); 1000 between 189 (991) and 190 (1007).
-      {"companded block", AppendCompandedBlock, magic + "42000000" + block + "01000000" + facts + "0040ffbd"},
-      {"frame", AppendFrame, "54523537" + frame},
-      {"dual frame", AppendDualFrame, "4455414c" + frame},
+      {"companded block", FindStreamMode(DeviceFamily::first, 101),
+       magic + "42000000" + block + "01000000" + facts + "0040ffbd"},
+      {"frame", FindBinaryForm(BinaryForm::frame), "54523537" + frame},
+      {"dual frame", FindBinaryForm(BinaryForm::dualFrame), "4455414c" + frame},
   };
   for (const auto& row : rows) {
     StreamMessage message;
-    row.append(Report(100), {}, message);
+    row.mode->append(Report(100), {}, message);
     EXPECT_EQ(Hex(message), row.hex) << row.name;
   }
 }
