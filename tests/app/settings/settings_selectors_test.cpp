@@ -58,7 +58,7 @@ TEST_F(SettingsSelectors, OfferWhatTheDeviceCanDo) {
   RefreshSettingsControls(*state_);
   EXPECT_EQ(Of(ID_RANGE).items, (Items{L"1", L"2", L"3", L"5", L"10", L"15", L"20"}));
   EXPECT_EQ(Of(ID_RANGE).text, L"10");
-  EXPECT_EQ(Of(ID_OUTPUT).items.size(), 10u);
+  EXPECT_EQ(Of(ID_OUTPUT).items.front(), L"Simple Altimeter");
   EXPECT_EQ(Of(ID_OUTPUT).text, L"Echo Txt 12bit");
   EXPECT_EQ(Of(ID_INTERVAL).items.front(), L"Auto");
   EXPECT_EQ(Of(ID_INTERVAL).text, L"0.10");
