@@ -50,6 +50,17 @@ bool HoldsBothChannels(const DeviceSettings& settings) {
          AcceptedMode(LoadShared(globals.deviceFamily), settings.outputMode).sent.SharesFile();
 }
 
+// A recording that the disk does not even take the settings line of. Of a binary run nothing is left then,
+// since its worker finds no file to leave the byte in.
+void ClearAwayUnbegun(const AppState& state, const char* name, OutputMode mode) {
+  if (AcceptedMode(LoadShared(globals.deviceFamily), mode).recorded.emptyRun != EmptyRun::leaveOneByte)
+    return;
+  wchar_t wide[kRecordNameSize];
+  wchar_t path[kPathSize];
+  WidenText(wide, name);
+  if (JoinPath(path, state.workingFolder, wide)) static_cast<void>(RemoveFile(path));
+}
+
 Handle CreateNamed(const AppState& state, const char* name) {
   if (name[0] == '\0') return Handle::invalid;
   wchar_t wide[kRecordNameSize];
@@ -63,6 +74,7 @@ void OpenOne(AppState& state, const RecordFileName& name, RecordChannel channel,
   if (file != Handle::invalid) {
     const DeviceSettings settings = RunningSettings(state);
     WriteInfoLine(settings, file, name.channelFrequency_hz, HoldsBothChannels(settings));
+    if (file == Handle::invalid) ClearAwayUnbegun(state, name.record, settings.outputMode);
   }
   PutRecordFile(state, channel, file);
   StoreShared(companion, CreateNamed(state, name.segy));

@@ -3,6 +3,7 @@
 #include "app/settings/family_controls.h"
 #include "display/panel.h"
 #include "display/zoom.h"
+#include "platform/virtual/faults.h"
 #include "tests/app/run/playback_fixture.h"
 
 namespace tw::test {
@@ -114,6 +115,26 @@ TEST_F(Running, TheReportedSizeIsThatOfThePresentRecording) {
 }
 
 // The status bar's position text may be the size of a conversion, its ping text that of a file.
+TEST_F(Running, AFullDiskLeavesNoEmptyFileOfABinaryRun) {
+  const struct {
+    int32_t outputMode;
+    size_t left;
+  } rows[] = {{100, 0}, {4, 1}};
+  for (const auto& row : rows) {
+    sim::SounderOptions options = QuickSounder();
+    options.outputMode = row.outputMode;
+    ConnectSounder(options);
+    LimitDiskSpace(0);
+    StartRun(*state_);
+    SetRecording(false);
+    EXPECT_EQ(RecordFiles().size(), row.left) << row.outputMode;
+    StopRun(*state_);
+    ClearFaults();
+    SetRecording(true);
+    DetachSerialLines();
+  }
+}
+
 TEST_F(Running, StartTakesBackWhatAFileToldInTheStatusBar) {
   ConnectSounder(QuickSounder());
   PostStatusText(*state_, StatusPart::position, L"File size: 3600Bytes");
