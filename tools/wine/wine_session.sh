@@ -141,6 +141,7 @@ session_begin() {
   trap session_end EXIT
   trap 'exit 143' TERM INT HUP
   export WINEPREFIX WINEDEBUG=-all
+  export LC_ALL=C.UTF-8  # else there are no file names beyond ASCII
   export XAUTHORITY=${XAUTHORITY:-$HOME/.Xauthority}
   if [ -n "${TW_WINEPREFIX:-}" ]; then session_take_named_prefix "$TW_WINEPREFIX"; else session_take_prefix; fi
   export HOME=$WINEPREFIX/home
