@@ -50,7 +50,7 @@ void SleepMilliseconds(uint32_t duration_ms) {
 void WaitUntil(std::mutex& mutex, std::condition_variable& condition, int64_t deadline_us) {
   std::unique_lock<std::mutex> held(mutex, std::adopt_lock);
   if (deadline_us == kNever) {
-    condition.wait(held);
+    condition.wait(held);  // NOLINT(bugprone-spuriously-wake-up-functions): the caller looks again
   } else {
     condition.wait_until(held, steady_clock::time_point(microseconds(deadline_us)));
   }
