@@ -77,7 +77,6 @@ void BlockReader::BeginBlock() {
 bool BlockReader::Collect(std::span<const uint8_t>& input) {
   const size_t room = size_ - 1 - length_;
   if (room == 0) {
-    ++oversized_;
     BeginHunt();
     return false;
   }

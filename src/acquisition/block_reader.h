@@ -41,9 +41,6 @@ class BlockReader final : public StreamReader {
     return {reinterpret_cast<const char*>(buffer_), length_};
   }
 
-  // Blocks that were dropped because they outgrew the buffer.
-  [[nodiscard]] uint64_t Oversized() const { return oversized_; }
-
  private:
   void BeginHunt();
   void BeginBlock();
@@ -55,7 +52,6 @@ class BlockReader final : public StreamReader {
   size_t length_ = 0;
   bool collecting_ = false;
   bool complete_ = false;
-  uint64_t oversized_ = 0;
   uint8_t buffer_[kBlockBufferSize];
 };
 

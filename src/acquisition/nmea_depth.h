@@ -49,12 +49,12 @@ inline constexpr NmeaForms kSecondFamilyNmea{"$GPDBT,", "$YXXDR,", "$GPMTW,", fa
 [[nodiscard]] SentenceResult ParseWaterTemperature(std::string_view epoch, const NmeaForms& forms,
                                                    float& temperature_c);
 
-// First family only: the first transducer sentence that holds ",EMA*".
+// First family only: the first transducer sentence that holds ",EMA*". Given, unread.
 [[nodiscard]] SentenceResult ParseEma(std::string_view epoch, float& reading);
 
 struct DeviceTime {
   uint32_t unix_s;        // the fields taken as UTC, whole seconds since 1970
-  CalendarTime calendar;  // the fields as they stand; the caller takes them as local time
+  CalendarTime calendar;  // the fields as they stand; local time; given, unread
   uint32_t milliseconds;  // hundredths * 10
 };
 

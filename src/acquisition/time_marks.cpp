@@ -59,12 +59,4 @@ void AddPlayedMark(MarkList& marks, int64_t passed_ms, const MarkedPing& ping) {
   Enter(marks, marks.sinceMark_ms >= kSingleMarkPeriod_ms, ping);
 }
 
-bool CopyMark(MarkList& marks, int32_t age, std::span<char, kMarkTextSize> text) {
-  Locked held(marks.lock);
-  if (age < 0 || age >= marks.count) return false;
-  const auto entry = static_cast<size_t>(marks.newest + age) % kMaxMarks;
-  std::copy_n(marks.entries[entry].text, kMarkTextSize, text.begin());
-  return true;
-}
-
 }  // namespace tw

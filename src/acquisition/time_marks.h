@@ -3,7 +3,6 @@
 #pragma once
 
 #include <cstdint>
-#include <span>
 
 #include "app/state/app_state.h"
 
@@ -29,9 +28,5 @@ void AddMark(MarkList& marks, int32_t interval_pings, const MarkedPing& ping);
 // The same of a played ping, `passed_ms` of recorded time behind the one before: the number rises when 30 s
 // have passed since the last mark.
 void AddPlayedMark(MarkList& marks, int64_t passed_ms, const MarkedPing& ping);
-
-// Copies the text of the ping that came `age` pings ago (0 = newest). False when the list does not reach so
-// far.
-[[nodiscard]] bool CopyMark(MarkList& marks, int32_t age, std::span<char, kMarkTextSize> text);
 
 }  // namespace tw

@@ -14,14 +14,6 @@ constexpr std::string_view kNoMemory = "Insufficient memory!";
 
 void Silence(void*, std::string_view) {}
 
-std::unique_ptr<uint8_t[]> MakeBuffer(size_t size) {
-  return std::unique_ptr<uint8_t[]>(new (std::nothrow) uint8_t[size]);
-}
-
-std::unique_ptr<PacketNode> MakeNode() {
-  return std::unique_ptr<PacketNode>(new (std::nothrow) PacketNode{});
-}
-
 // Where a sentence stands at the front of what has arrived.
 struct Framed {
   enum class Kind : uint8_t { sentence, skip, wait } kind;
@@ -69,7 +61,7 @@ Framed FrameSentence(std::string_view text) {
 }
 
 std::unique_ptr<PacketNode> TakeNode(NmeaParser& parser) {
-  if (parser.spare == nullptr) return parser.makeNode();
+  if (parser.spare == nullptr) return std::unique_ptr<PacketNode>(new (std::nothrow) PacketNode{});
   std::unique_ptr<PacketNode> node = std::move(parser.spare);
   parser.spare = std::move(node->next);
   return node;
@@ -164,11 +156,9 @@ void Apply(const VtgPacket& vtg, GpsFix& fix) {
 bool MakeParser(NmeaParser& parser, size_t capacity) {
   if (parser.trace == nullptr) parser.trace = Silence;
   if (parser.error == nullptr) parser.error = Silence;
-  if (parser.makeBuffer == nullptr) parser.makeBuffer = MakeBuffer;
-  if (parser.makeNode == nullptr) parser.makeNode = MakeNode;
   parser.capacity = std::max(capacity, kMinParserCapacity);
   parser.length = 0;
-  parser.buffer = parser.makeBuffer(parser.capacity);
+  parser.buffer.reset(new (std::nothrow) uint8_t[parser.capacity]);
   if (parser.buffer != nullptr) return true;
   parser.error(parser.context, kNoMemory);
   return false;

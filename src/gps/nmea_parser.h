@@ -32,9 +32,6 @@ struct NmeaParser {
   void (*trace)(void* context, std::string_view text);
   void (*error)(void* context, std::string_view text);
   void* context;
-  // Give the buffer, and a packet's node when none is spare; null when there is no memory.
-  std::unique_ptr<uint8_t[]> (*makeBuffer)(size_t size);
-  std::unique_ptr<PacketNode> (*makeNode)();
 
   std::unique_ptr<uint8_t[]> buffer;
   size_t capacity;
@@ -45,9 +42,9 @@ struct NmeaParser {
   bool talkerGn;  // the last sentence applied to the fix was a GNRMC; outlives the parser, see GpsWorker
 };
 
-// Makes a parser ready whose fields are zero but for those of the function pointers and `talkerGn` that the
-// caller has set: silence and the heap stand in for the others. The buffer has at least 256 bytes. False when
-// there is no memory: "Insufficient memory!" has been reported, and the parser must not be used.
+// Makes a parser ready whose fields are zero but for the callbacks and `talkerGn` that the caller has set:
+// silence stands in for a missing callback. The buffer has at least 256 bytes. False when there is no memory:
+// "Insufficient memory!" has been reported, and the parser must not be used.
 [[nodiscard]] bool MakeParser(NmeaParser& parser, size_t capacity);
 
 // Appends the bytes and parses all whole sentences. When length and count would reach the capacity, the

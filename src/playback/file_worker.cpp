@@ -77,7 +77,7 @@ class FileRun {
  private:
   // The event is auto-reset, so a poll that sees it must remember it.
   [[nodiscard]] bool StopAsked() {
-    stopped_ = stopped_ || WaitForEvent(side_.stop, 0) || WaitForEvent(state_.runEvents[kStopPlayback], 0);
+    stopped_ = stopped_ || WaitForEvent(side_.stop, 0);
     return stopped_;
   }
 

@@ -2,7 +2,7 @@
 // fast as it can be read. The GUI thread opens the input (and a conversion's output) and starts the thread;
 // it steers it with the events of the state record:
 //
-//   stopEvent (A), stopEventB (B), runEvents[kStopPlayback]  end
+//   stopEvent (A), stopEventB (B)                            end
 //   runEvents[kPause]                                        hold
 //   runEvents[kBack20], runEvents[kBack100]                  a step of A through its history, held or not
 //   runEvents[kStepSecond]                                   A tells B to follow to stepTime_ms

@@ -8,8 +8,6 @@
 
 namespace tw::sim {
 
-inline constexpr uint16_t kFullScale = 4'095;  // amplitudes are made on the 12-bit scale
-
 // One moment of the survey.
 struct SeaState {
   double depth_m;

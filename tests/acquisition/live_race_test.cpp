@@ -4,11 +4,11 @@
 #include <algorithm>
 #include <iterator>
 
-#include "acquisition/time_marks.h"
 #include "base/shared_value.h"
 #include "display/ring_view.h"
 #include "platform/clock.h"
 #include "tests/acquisition/live_program.h"
+#include "tests/acquisition/mark_text.h"
 
 namespace tw {
 namespace {

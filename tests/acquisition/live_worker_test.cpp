@@ -13,6 +13,7 @@
 #include "platform/virtual/file_sink.h"
 #include "tests/acquisition/golden_block.h"
 #include "tests/acquisition/live_fixture.h"
+#include "tests/acquisition/mark_text.h"
 #include "tests/display/marks_at_pings.h"
 
 namespace tw {

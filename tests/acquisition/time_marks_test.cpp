@@ -5,6 +5,8 @@
 #include <memory>
 #include <string>
 
+#include "tests/acquisition/mark_text.h"
+
 namespace tw {
 namespace {
 

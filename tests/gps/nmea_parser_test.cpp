@@ -1,9 +1,21 @@
 #include "gps/nmea_parser.h"
 
 #include <cstring>
+#include <new>
 
 #include "simulator/virtual_gps.h"
 #include "tests/gps/parser_fixture.h"
+
+namespace {
+bool memoryIsUsedUp = false;
+}  // namespace
+
+void* operator new(size_t size, const std::nothrow_t&) noexcept {
+  return memoryIsUsedUp ? nullptr : ::operator new(size);
+}
+void* operator new[](size_t size, const std::nothrow_t&) noexcept {
+  return memoryIsUsedUp ? nullptr : ::operator new[](size);
+}
 
 namespace tw {
 namespace {
@@ -108,7 +120,7 @@ TEST_F(NmeaParserTest, TracesEachWholeSentence) {
 }
 
 TEST_F(NmeaParserTest, WithoutMemoryItSaysSo) {
-  parser_.makeNode = [] { return std::unique_ptr<PacketNode>(); };
+  memoryIsUsedUp = true;
   EXPECT_EQ(Take(std::string(kGga) + std::string(kRmc)), 0);
   EXPECT_EQ(errors_, (Texts{"Insufficient memory!", "Insufficient memory!"}));
   EXPECT_EQ(fix_.presence, 0u);
@@ -116,8 +128,8 @@ TEST_F(NmeaParserTest, WithoutMemoryItSaysSo) {
   NmeaParser parser{};
   parser.context = this;
   parser.error = parser_.error;
-  parser.makeBuffer = [](size_t) { return std::unique_ptr<uint8_t[]>(); };
   EXPECT_FALSE(MakeParser(parser, 4096));
+  memoryIsUsedUp = false;
   EXPECT_EQ(errors_, Texts{"Insufficient memory!"});
 }
 

@@ -88,7 +88,6 @@ void Binding::TakeInput(int64_t now_us) {
     const auto got = std::span(bytes).first(terminal_->Read(bytes));
     if (got.empty()) return;
     if (noisy_) Garble(got);
-    received_ += got.size();
     if (reports_.received != nullptr) reports_.received->Write(std::to_string(now_us) + " " + Readable(got));
     instrument_.Receive(got, now_us);
   }

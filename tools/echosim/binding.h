@@ -54,7 +54,6 @@ class Binding {
 
   [[nodiscard]] uint64_t Sent() const { return sent_; }
   [[nodiscard]] uint64_t Dropped() const { return dropped_; }
-  [[nodiscard]] uint64_t Received() const { return received_; }
 
  private:
   void WatchLine(int64_t now_us);
@@ -70,7 +69,6 @@ class Binding {
   int32_t instrumentSpeed_ = 0;
   uint64_t sent_ = 0;  // dropped ones included: the place in the instrument's stream
   uint64_t dropped_ = 0;
-  uint64_t received_ = 0;
 };
 
 }  // namespace tw::echosim

@@ -49,6 +49,7 @@ inline constexpr int64_t kNoPingYet = INT64_MIN;
 // What has become of a playback, told by its workers.
 enum PlaybackEnd : int32_t { kPlaybackGoesOn, kPlaybackExhausted, kPlaybackUnread, kPlaybackWithoutMemory };
 
+// kStopPlayback: given, unread; stopEvent and stopEventB end the file workers.
 enum RunEvent : uint8_t { kStopPlayback, kPause, kBack20, kBack100, kStepSecond, kRunEvents };
 
 struct AppState {
@@ -62,7 +63,7 @@ struct AppState {
   Event runEvents[kRunEvents];
   Handle recordFileA;  // guarded by recordLock; see acquisition/record_file.h
   Handle recordFileB;
-  Handle segyCompanionA;
+  Handle segyCompanionA;  // live ones never exist, their closing is given; A: a conversion's output
   Handle segyCompanionB;
   int32_t playbackPace;      // shared: GUI thread writes
   Handle devicePort;         // shared: GUI opens and closes, the acquisition worker reads
@@ -92,7 +93,7 @@ struct AppState {
   int32_t timeScaleLower;     // s
   int32_t echogramEnabled;    // shared
   Handle sliderWindow;
-  int32_t playbackSpan;
+  int32_t playbackSpan;    // given, unread
   int32_t conversionKind;  // 0 none, 1 SEG-Y, 2 binary to text; shared
   uint64_t seekRequest;    // shared: the slider asks, the file worker takes; see app/state/slider_messages.h
 
@@ -115,17 +116,17 @@ struct AppState {
   Lock recordLock;            // recordFileA, recordFileB and the two busy fields
   Handle recordBusyA;         // the file that the worker is writing to right now, else invalid
   Handle recordBusyB;
-  uint32_t runNumber;           // shared: raised at each Start and at each Stop; a worker whose number is
-                                // stale touches nothing any more
-  LiveStart* liveStart;         // shared: for the acquisition worker that begins next; see
-                                // acquisition/live_worker.h
-  uint32_t gpsRunNumber;        // shared: of the GPS worker that begins next; 0 is no run's number
-  uint32_t recordingNumber;     // shared: raised whenever fresh record files are opened
-  PortEntry ports[kMaxPorts];   // GUI thread
-  wchar_t rememberedRange[64];  // combo texts at the last Start or Apply; GUI thread
-  wchar_t rememberedRangeDual[64];
+  uint32_t runNumber;               // shared: raised at each Start and at each Stop; a worker whose number is
+                                    // stale touches nothing any more
+  LiveStart* liveStart;             // shared: for the acquisition worker that begins next; see
+                                    // acquisition/live_worker.h
+  uint32_t gpsRunNumber;            // shared: of the GPS worker that begins next; 0 is no run's number
+  uint32_t recordingNumber;         // shared: raised whenever fresh record files are opened
+  PortEntry ports[kMaxPorts];       // GUI thread
+  wchar_t rememberedRange[64];      // combo texts at the last Start or Apply; GUI thread
+  wchar_t rememberedRangeDual[64];  // given, unread
   wchar_t rememberedOutput[64];
-  wchar_t rememberedInterval[64];
+  wchar_t rememberedInterval[64];  // given, unread
 };
 
 // "%04d M %04d-%02d-%02d %02d:%02d:%02d" with a number of any length, and its zero.
@@ -148,7 +149,7 @@ struct MarkList {
   int32_t pingsSinceMark;
   int64_t sinceMark_ms;  // recorded time, of a playback
   int32_t markNumber;
-  int32_t changed;
+  int32_t changed;  // given, unread
 };
 
 inline constexpr size_t kSlotsOfRing = 10'000;
@@ -162,8 +163,8 @@ struct Globals {
   int32_t devicePortNumber;
   int32_t gpsPortNumber;  // -1 = none
   int32_t gpsBaud;
-  int32_t lowKHz;
-  int32_t highKHz;
+  int32_t lowKHz;               // given, unread
+  int32_t highKHz;              // given, unread
   int32_t screenshotRequested;  // shared
   int32_t playbackEnded;        // a PlaybackEnd; shared
   uint8_t segyTextHeader[3200];
@@ -176,7 +177,7 @@ struct Globals {
   int32_t presetCapable;
   int32_t currentPreset;
   int32_t smoothingSupported;
-  int32_t highChannelActive;
+  int32_t highChannelActive;        // given, unread
   int32_t measuredLowFrequency_hz;  // channel frequencies that name files
   int32_t measuredHighFrequency_hz;
 
@@ -196,7 +197,7 @@ struct Globals {
   MarkList marksB;
   uint16_t slotReachA[kSlotsOfRing];  // bytes in use of each slot of the rings; the ring's writer only
   uint16_t slotReachB[kSlotsOfRing];
-  int64_t autoCaptureSince_s;   // seconds since 1970 when "Auto Capture" was ticked
+  int64_t autoCaptureSince_s;   // seconds since 1970 when "Auto Capture" was ticked; given, unread
   int64_t lastCapture_s;        // -1 = none yet; shared
   int32_t playedFrequencyA_hz;  // of played files; 0 = none
   int32_t playedFrequencyB_hz;
@@ -210,10 +211,10 @@ struct Globals {
   int32_t gpsFixType;  // 1 none, 2 2D, 3 3D
   float gpsPdop;
   uint32_t gpsTime_s;
-  float gpsLongitudeDdmm;
-  uint32_t gpsUpdates;  // number of updates of the fix
+  float gpsLongitudeDdmm;  // given, unread
+  uint32_t gpsUpdates;     // number of updates of the fix
 
-  int32_t sliderQuarterWidth;  // a quarter of the client width, in pixels
+  int32_t sliderQuarterWidth;  // a quarter of the client width, in pixels; given, unread
 };
 
 extern Globals globals;

@@ -26,7 +26,7 @@ struct DeviceSettings {
   int32_t txLengthLow;
   int32_t txLengthHigh;
   float txPower;
-  float reservedPower;      // the binary information block sets it to 100.0
+  float reservedPower;      // the binary information block sets it to 100.0; given, unread
   int32_t pingInterval_ms;  // 0 = automatic
   int32_t tvgMode;
   float tvgSpreadingLow;

@@ -23,10 +23,10 @@ inline constexpr int32_t kProgressSpan = 320;
 // How far a played or converted file has been read. Values as they come from the file's reader: the slider
 // bounds them.
 struct ProgressBlock {
-  Handle inputFile;
+  Handle inputFile;      // given, unread
   int32_t span;          // kProgressSpan
   int32_t sampleCount;   // of the ping read last; 0: no file is loaded
-  int32_t sampleWeight;  // 1
+  int32_t sampleWeight;  // 1; given, unread
   uint64_t position;     // bytes from the file's start
   uint64_t fileSize;     // bytes
 };
