@@ -5,6 +5,7 @@
 #include <new>
 #include <string_view>
 
+#include "base/checksum.h"
 #include "base/text_scan.h"
 
 namespace tw {
@@ -20,19 +21,6 @@ struct Framed {
   size_t used;            // bytes that are done with
   std::string_view text;  // '$' to '*' inclusive
 };
-
-// The exclusive or of all bytes, eight at a time.
-uint8_t ChecksumOf(std::string_view text) {
-  uint64_t sums = 0;
-  for (; text.size() >= sizeof sums; text.remove_prefix(sizeof sums)) {
-    uint64_t eight = 0;
-    std::memcpy(&eight, text.data(), sizeof eight);
-    sums ^= eight;
-  }
-  for (const char c : text) sums ^= static_cast<uint8_t>(c);
-  for (const int half : {32, 16, 8}) sums ^= sums >> half;
-  return static_cast<uint8_t>(sums);
-}
 
 // `text` begins with '$'.
 Framed FrameSentence(std::string_view text) {
@@ -56,7 +44,7 @@ Framed FrameSentence(std::string_view text) {
   if (tail.size() < 4) return {Framed::Kind::wait, 0, {}};
   std::string_view digits = tail.substr(0, 2);
   uint32_t sum = 0;
-  const bool right = ScanHex(digits, 2, sum) && sum == ChecksumOf(text.substr(1, end - 1));
+  const bool right = ScanHex(digits, 2, sum) && sum == XorChecksum(text.substr(1, end - 1));
   return {right ? Framed::Kind::sentence : Framed::Kind::skip, end + 5, text.substr(0, end + 1)};
 }
 

@@ -8,8 +8,6 @@
 namespace tw {
 namespace {
 
-constexpr double kRadiansPerDegree = 0.017453292519943295;
-
 struct DegreesMinutes {
   int degrees;
   double minutes;

@@ -8,6 +8,8 @@
 
 namespace tw {
 
+inline constexpr double kRadiansPerDegree = 0.017453292519943295;
+
 // ddmm.mmmm (or dddmm.mmmm), signed, to radians.
 [[nodiscard]] double RadiansFromDegreesMinutes(double ddmm);
 

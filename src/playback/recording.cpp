@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <cmath>
 #include <new>
 #include <string_view>
 #include <utility>
@@ -11,7 +10,7 @@
 #include "gps/gps_fix.h"
 #include "gps/nmea_parser.h"
 #include "gps/position_text.h"
-#include "platform/file.h"
+#include "platform/owned_file.h"
 #include "playback/detection.h"
 #include "playback/file_source.h"
 #include "playback/ping_source.h"
@@ -77,11 +76,6 @@ class Recording final : public PingSource {
     ping_.header.pitch_deg = kNoAttitude;  // a stream that sends no attitude shows none
     parser_.talkerGn = false;
   }
-  ~Recording() override {
-    if (owned_) CloseFile(file_);
-  }
-  Recording(const Recording&) = delete;
-  Recording& operator=(const Recording&) = delete;
 
   // False when there is no memory.
   [[nodiscard]] bool Prepare() {
@@ -103,7 +97,7 @@ class Recording final : public PingSource {
   }
 
   // From here on the file is closed with the recording.
-  void OwnFile() { owned_ = true; }
+  void Own(OwnedFile file) { owned_ = std::move(file); }
 
   [[nodiscard]] const RecordingKind& Kind() const override { return kind_; }
   [[nodiscard]] const Detected& Told() const override { return told_; }
@@ -295,7 +289,7 @@ class Recording final : public PingSource {
   }
 
   Handle file_;
-  bool owned_ = false;
+  OwnedFile owned_;  // closed with the recording; none where the caller closes it
   const StreamForm& form_;
   Detected told_;
   RecordingKind kind_;
@@ -349,15 +343,11 @@ std::unique_ptr<Recording> Make(Handle file, RecordingFault& fault, int32_t samp
 }  // namespace
 
 std::unique_ptr<PingSource> OpenRecording(const wchar_t* path, RecordingFault& fault, int32_t sampling_hz) {
-  const Handle file = OpenFileForReading(path, WriteSharing::denied);
+  OwnedFile file(OpenFileForReading(path, WriteSharing::denied));
   fault = RecordingFault::notOpened;
-  if (file == Handle::invalid) return nullptr;
-  auto recording = Make(file, fault, sampling_hz, 0);  // nobody else writes it
-  if (recording == nullptr) {
-    CloseFile(file);
-  } else {
-    recording->OwnFile();
-  }
+  if (file.Get() == Handle::invalid) return nullptr;
+  auto recording = Make(file.Get(), fault, sampling_hz, 0);  // nobody else writes it
+  if (recording != nullptr) recording->Own(std::move(file));
   return recording;
 }
 

@@ -1,6 +1,5 @@
 #include "playback/text_block.h"
 
-#include <algorithm>
 #include <array>
 #include <cinttypes>
 #include <cmath>
@@ -10,11 +9,11 @@
 #include "base/calendar.h"
 #include "base/checksum.h"
 #include "base/text_format.h"
+#include "gps/position_text.h"
 
 namespace tw {
 namespace {
 
-constexpr double kRadiansPerDegree = 0.017453292519943295;
 constexpr size_t kTailSize = kGllSize + 32;  // room kept for what stands behind the samples
 constexpr size_t kWidestLine = 8;            // five digits, CR LF, and room to copy eight bytes at once
 

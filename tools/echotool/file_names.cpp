@@ -1,7 +1,7 @@
 #include "tools/echotool/file_names.h"
 
 #include "base/text_format.h"
-#include "platform/file.h"
+#include "platform/owned_file.h"
 #include "platform/system_error.h"
 
 namespace tw::echotool {
@@ -60,10 +60,9 @@ std::string ShownName(const std::string& path) {
 }
 
 std::wstring FullPath(const std::wstring& path) {
-  const Handle file = OpenFileForReading(path.c_str(), WriteSharing::allowed);
+  const OwnedFile file(OpenFileForReading(path.c_str(), WriteSharing::allowed));
   wchar_t full[kFullPathSize];
-  const bool told = file != Handle::invalid && PathOfFile(file, full);
-  CloseFile(file);
+  const bool told = file.Get() != Handle::invalid && PathOfFile(file.Get(), full);
   return told ? full : L"";
 }
 

@@ -4,7 +4,7 @@
 #include <cstring>
 #include <vector>
 
-#include "platform/file.h"
+#include "platform/owned_file.h"
 #include "platform/system_error.h"
 #include "playback/ping_source.h"
 #include "tools/echotool/file_names.h"
@@ -70,18 +70,17 @@ bool LookAt(Place& place, const std::string& recording, const Options& options, 
 
 bool MayReplace(const Place& place, Handle output) {
   if (!place.mustHold) return true;
-  const Handle older = OpenFileForReading(place.path.c_str(), WriteSharing::denied);
-  bool holds = older != Handle::invalid && SeekFile(output, 0);
+  const OwnedFile older(OpenFileForReading(place.path.c_str(), WriteSharing::denied));
+  bool holds = older.Get() != Handle::invalid && SeekFile(output, 0);
   constexpr uint32_t kPiece = 64 * 1024;
   std::vector<uint8_t> theirs(kPiece);
   std::vector<uint8_t> ours(kPiece);
   uint32_t count = 0;
-  while (holds && (holds = ReadFileBytes(older, theirs.data(), kPiece, count)) && count != 0) {
+  while (holds && (holds = ReadFileBytes(older.Get(), theirs.data(), kPiece, count)) && count != 0) {
     uint32_t own = 0;
     holds = ReadFileBytes(output, ours.data(), count, own) && own == count &&
             std::memcmp(ours.data(), theirs.data(), count) == 0;
   }
-  CloseFile(older);
   return holds;
 }
 
