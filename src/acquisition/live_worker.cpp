@@ -257,7 +257,7 @@ class LiveRun {
   AppState& state_;
   const StreamForm& form_;
   const DeviceSettings settings_;
-  const int32_t deviceFamily_;
+  const DeviceFamily deviceFamily_;
   const LiveContext context_;
   const uint32_t runNumber_;
   ByteSource source_;
@@ -291,7 +291,7 @@ void AcquisitionWorker(void* context) {
   const std::unique_ptr<LiveRun> run(new (std::nothrow) LiveRun(state, *start));
   if (run != nullptr && run->HasReader()) return run->Run();
   if (LoadShared(state.runNumber) != start->runNumber) return;
-  PostStatusText(state, StatusPart::position, L"Insufficient memory!");
+  PostStatusText(state, StatusPart::position, kWithoutMemoryText);
   StoreShared(state.linkLost, 1);  // the operator hears of it as of a dead line
 }
 

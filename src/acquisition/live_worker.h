@@ -14,7 +14,7 @@ namespace tw {
 struct LiveStart {
   const StreamForm* form;   // of what the device streams
   DeviceSettings settings;  // as the device has them
-  int32_t deviceFamily;
+  DeviceFamily deviceFamily;
   bool dual;
   Handle port;
   uint32_t runNumber;

@@ -72,33 +72,33 @@ bool IsPlayedAs(const OutputModeRow& row, OutputMode mode) {
 
 }  // namespace
 
-std::span<const OutputModeRow> AcceptedModes(int32_t family) {
-  if (family == 1) return kFirstFamily;
-  return family == 2 ? kSecondFamily : kThirdFamily;
+std::span<const OutputModeRow> AcceptedModes(DeviceFamily family) {
+  if (family == DeviceFamily::first) return kFirstFamily;
+  return family == DeviceFamily::second ? kSecondFamily : kThirdFamily;
 }
 
-std::span<const OutputModeRow> OfferedModes(int32_t family) {
+std::span<const OutputModeRow> OfferedModes(DeviceFamily family) {
   const auto rows = AcceptedModes(family);
   const auto end =
       std::find_if(rows.begin(), rows.end(), [](const OutputModeRow& row) { return row.name.empty(); });
   return {rows.begin(), end};
 }
 
-const OutputModeRow* FindMode(int32_t family, OutputMode mode) {
+const OutputModeRow* FindMode(DeviceFamily family, OutputMode mode) {
   return Find(AcceptedModes(family), HasCode, mode);
 }
 
-const OutputModeRow& AcceptedMode(int32_t family, OutputMode mode) {
+const OutputModeRow& AcceptedMode(DeviceFamily family, OutputMode mode) {
   const OutputModeRow* const row = FindMode(family, mode);
   return row == nullptr ? *FindMode(family, kAltimeterNmea) : *row;
 }
 
-const OutputModeRow& PlayedMode(int32_t family, OutputMode mode) {
+const OutputModeRow& PlayedMode(DeviceFamily family, OutputMode mode) {
   const OutputModeRow* const row = Find(AcceptedModes(family), IsPlayedAs, mode);
   return row == nullptr ? *FindMode(family, kAltimeterNmea) : *row;
 }
 
-bool ModeOfName(int32_t family, std::wstring_view name, OutputMode& mode) {
+bool ModeOfName(DeviceFamily family, std::wstring_view name, OutputMode& mode) {
   for (const OutputModeRow& row : OfferedModes(family)) {
     if (row.name == name) {
       mode = row.code;
@@ -108,7 +108,7 @@ bool ModeOfName(int32_t family, std::wstring_view name, OutputMode& mode) {
   return false;
 }
 
-std::wstring_view NameOfMode(int32_t family, OutputMode mode) {
+std::wstring_view NameOfMode(DeviceFamily family, OutputMode mode) {
   const OutputModeRow* const row = FindMode(family, mode);
   return row == nullptr ? std::wstring_view() : row->name;
 }

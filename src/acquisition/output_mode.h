@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "acquisition/stream_form.h"
+#include "app/state/device_family.h"
 
 namespace tw {
 
@@ -31,26 +32,26 @@ struct OutputModeRow {
   [[nodiscard]] OutputMode Played() const { return recorded.isText ? code : kPlayedBinary; }
 };
 
-// The modes that a run can be started with, of family 1, 2 or 0; in the order of the selector.
-[[nodiscard]] std::span<const OutputModeRow> AcceptedModes(int32_t family);
+// The modes that a run can be started with; in the order of the selector.
+[[nodiscard]] std::span<const OutputModeRow> AcceptedModes(DeviceFamily family);
 
 // Those of them that the selector offers.
-[[nodiscard]] std::span<const OutputModeRow> OfferedModes(int32_t family);
+[[nodiscard]] std::span<const OutputModeRow> OfferedModes(DeviceFamily family);
 
 // Null when the family does not accept the mode.
-[[nodiscard]] const OutputModeRow* FindMode(int32_t family, OutputMode mode);
+[[nodiscard]] const OutputModeRow* FindMode(DeviceFamily family, OutputMode mode);
 
 // What a run is started with, and read as: the given mode when the family accepts it, else kAltimeterNmea.
-[[nodiscard]] const OutputModeRow& AcceptedMode(int32_t family, OutputMode mode);
+[[nodiscard]] const OutputModeRow& AcceptedMode(DeviceFamily family, OutputMode mode);
 
 // The mode of a recording, kPlayedBinary told as well, else likewise kAltimeterNmea.
-[[nodiscard]] const OutputModeRow& PlayedMode(int32_t family, OutputMode mode);
+[[nodiscard]] const OutputModeRow& PlayedMode(DeviceFamily family, OutputMode mode);
 
 // The code behind a name of the family's list: exact, case-sensitive, the first match. False when the list
 // has no such name.
-[[nodiscard]] bool ModeOfName(int32_t family, std::wstring_view name, OutputMode& mode);
+[[nodiscard]] bool ModeOfName(DeviceFamily family, std::wstring_view name, OutputMode& mode);
 
 // The name in the family's list; empty when the list has no such code.
-[[nodiscard]] std::wstring_view NameOfMode(int32_t family, OutputMode mode);
+[[nodiscard]] std::wstring_view NameOfMode(DeviceFamily family, OutputMode mode);
 
 }  // namespace tw

@@ -3,7 +3,6 @@
 #include <cinttypes>
 
 #include "app/state/app_state.h"
-#include "base/shared_value.h"
 #include "base/text_format.h"
 #include "base/text_scan.h"
 #include "platform/file.h"
@@ -21,8 +20,8 @@ float Seconds(int32_t interval_ms) {
   return static_cast<float>(interval_ms) / 1000.0f;
 }
 
-InfoLine HighLine(const DeviceSettings& s, int32_t kind, int32_t frequency_hz) {
-  return {kind,
+InfoLine HighLine(const DeviceSettings& s, DeviceFamily family, int32_t frequency_hz) {
+  return {static_cast<int32_t>(family),
           frequency_hz,
           s.rangeHigh_mm,
           Seconds(s.pingInterval_ms),
@@ -39,8 +38,8 @@ InfoLine HighLine(const DeviceSettings& s, int32_t kind, int32_t frequency_hz) {
           s.outputMode};
 }
 
-InfoLine LowLine(const DeviceSettings& s, int32_t kind, int32_t frequency_hz) {
-  return {kind,
+InfoLine LowLine(const DeviceSettings& s, DeviceFamily family, int32_t frequency_hz) {
+  return {static_cast<int32_t>(family),
           frequency_hz,
           s.rangeLow_mm,
           Seconds(s.pingInterval_ms),
@@ -95,30 +94,30 @@ size_t FormatInfoLine(std::span<char> text, const InfoLine& info) {
                     static_cast<double>(info.soundSpeed_mps), info.outputMode);
 }
 
-int MakeInfoLines(const DeviceSettings& settings, int32_t family, int32_t channelFrequency_hz,
+int MakeInfoLines(const DeviceSettings& settings, DeviceFamily family, int32_t channelFrequency_hz,
                   bool bothChannels, InfoLine (&lines)[2]) {
-  if (family != 1) {
+  if (family != DeviceFamily::first) {
     lines[0] =
-        HighLine(settings, family, family == 0 ? kThirdFamilyFrequency_hz : settings.frequencyInUse_hz);
+        HighLine(settings, family,
+                 family == DeviceFamily::third ? kThirdFamilyFrequency_hz : settings.frequencyInUse_hz);
     lines[0].txPower = kUnknownPower;
     return 1;
   }
   const int32_t high_hz = settings.virtualHighFrequency_hz;
   if (bothChannels) {
-    lines[0] = HighLine(settings, 1, high_hz);
-    lines[1] = LowLine(settings, 1, settings.virtualLowFrequency_hz);
+    lines[0] = HighLine(settings, family, high_hz);
+    lines[1] = LowLine(settings, family, settings.virtualLowFrequency_hz);
     return 2;
   }
-  lines[0] = channelFrequency_hz == high_hz ? HighLine(settings, 1, channelFrequency_hz)
-                                            : LowLine(settings, 1, channelFrequency_hz);
+  lines[0] = channelFrequency_hz == high_hz ? HighLine(settings, family, channelFrequency_hz)
+                                            : LowLine(settings, family, channelFrequency_hz);
   return 1;
 }
 
 void WriteInfoLine(const DeviceSettings& settings, Handle& file, int32_t channelFrequency_hz,
                    bool bothChannels) {
   InfoLine lines[2];
-  const int count =
-      MakeInfoLines(settings, LoadShared(globals.deviceFamily), channelFrequency_hz, bothChannels, lines);
+  const int count = MakeInfoLines(settings, FamilyInUse(), channelFrequency_hz, bothChannels, lines);
   for (int i = 0; i < count; ++i) {
     if (WriteLine(file, lines[i])) continue;
     CloseFile(file);

@@ -17,7 +17,7 @@
 namespace tw {
 
 struct InfoLine {
-  int32_t kind;  // device family
+  int32_t kind;  // device family, 1, 2 or 0; of a line that was read, whatever stands there
   int32_t frequency_hz;
   int32_t range_mm;  // as the device gives it
   float interval_s;
@@ -41,7 +41,7 @@ size_t FormatInfoLine(std::span<char> text, const InfoLine& info);
 
 // The line for a file of the channel with this frequency, or the two lines for one of both channels, which
 // devices of the first family alone have. Returns how many. Pure.
-int MakeInfoLines(const DeviceSettings& settings, int32_t family, int32_t channelFrequency_hz,
+int MakeInfoLines(const DeviceSettings& settings, DeviceFamily family, int32_t channelFrequency_hz,
                   bool bothChannels, InfoLine (&lines)[2]);
 
 // Writes the lines to an open record file, each in one write. When one fails the file is closed and its

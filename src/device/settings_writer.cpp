@@ -113,9 +113,9 @@ LinkResult WritePreset(Handle port, const S& wanted, const S& applied) {
 
 }  // namespace
 
-LinkResult WriteChangedSettings(Handle port, int32_t family, const DeviceSettings& wanted,
+LinkResult WriteChangedSettings(Handle port, DeviceFamily family, const DeviceSettings& wanted,
                                 const DeviceSettings& applied) {
-  const bool first = family == 1;
+  const bool first = family == DeviceFamily::first;
   const bool smoothingSupported = globals.smoothingSupported != 0;
   LinkResult result = first ? WriteFrequencySelection(port, wanted, applied) : LinkResult::success;
   if (result == LinkResult::success) result = WritePreset(port, wanted, applied);

@@ -15,7 +15,7 @@ namespace tw {
 //
 // Ends at the first command without its prompt, with that command's result; what follows has not been sent
 // then. A value that the device refuses is no failure: the caller reads the settings back in every case.
-[[nodiscard]] LinkResult WriteChangedSettings(Handle port, int32_t family, const DeviceSettings& wanted,
+[[nodiscard]] LinkResult WriteChangedSettings(Handle port, DeviceFamily family, const DeviceSettings& wanted,
                                               const DeviceSettings& applied);
 
 // Sends "#speed" with the line's next speed, in force after a reset. Awaits no reply.

@@ -65,7 +65,7 @@ void SendDual(AppState& state, Handle port) {
 
 void StartDevice(AppState& state) {
   const Handle port = LoadShared(state.devicePort);
-  const bool dual = LoadShared(globals.deviceFamily) == 1 && LoadShared(globals.dualMode) != 0;
+  const bool dual = FamilyInUse() == DeviceFamily::first && LoadShared(globals.dualMode) != 0;
   if (dual) {
     SendDual(state, port);
   } else {

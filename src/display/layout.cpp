@@ -1,7 +1,6 @@
 #include "display/layout.h"
 
 #include <algorithm>
-#include <span>
 
 #include "base/text_format.h"
 #include "display/scaling.h"

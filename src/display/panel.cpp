@@ -2,8 +2,6 @@
 
 #include <algorithm>
 #include <iterator>
-#include <span>
-#include <type_traits>
 
 #include "acquisition/output_mode.h"
 #include "acquisition/ping_line.h"
@@ -26,7 +24,7 @@ bool IsOpen(const Handle& file) {
 
 // A single-channel run that uses the low frequency shows that channel's values.
 bool ShowsLowChannel(const DeviceSettings& settings, PanelPlace place) {
-  if (place == PanelPlace::single) return UsesLowChannel(settings, LoadShared(globals.deviceFamily));
+  if (place == PanelPlace::single) return UsesLowChannel(settings, FamilyInUse());
   return place == PanelPlace::lower;
 }
 
@@ -173,7 +171,7 @@ Label CollectStatus(AppState& state, const PanelSource& newest, const PanelLayou
   if (isDual) {
     values.altitude_m = LoadShared(globals.latestAltitudeHigh_m);
     values.altitudeLow_m = LoadShared(globals.latestAltitudeLow_m);
-    const OutputModeRow* const mode = FindMode(LoadShared(globals.deviceFamily), state.settings.outputMode);
+    const OutputModeRow* const mode = FindMode(FamilyInUse(), state.settings.outputMode);
     FormatDualPingLine(text, values, hasPitch && mode != nullptr && mode->sent.dualAttitude);
   } else {
     FormatPingLine(text, values, hasPitch && LoadShared(globals.attitudePresent) == 1);

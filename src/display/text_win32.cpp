@@ -2,7 +2,6 @@
 
 #include <cwchar>
 #include <iterator>
-#include <string_view>
 
 #include "base/text_format.h"
 #include "display/scaling.h"

@@ -75,7 +75,7 @@ bool BeginRun(AppState& state, const GpsRun& run, NmeaParser& parser) {
     parser.talkerGn = globals.gpsTalkerGn != 0;
   }
   if (MakeParser(parser, kParserCapacity)) return true;
-  PostStatusText(state, StatusPart::position, L"Insufficient memory!");
+  PostStatusText(state, StatusPart::position, kWithoutMemoryText);
   return false;
 }
 

@@ -1,7 +1,6 @@
 #include "playback/detection.h"
 
 #include <algorithm>
-#include <iterator>
 
 #include "acquisition/altimeter_lines.h"
 #include "acquisition/device_block.h"
@@ -43,25 +42,25 @@ constexpr ParameterMark kParameterMarks[] = {
 struct FormMark {
   std::string_view mark;
   const StreamForm* form;
-  int32_t family;
+  DeviceFamily family;
   int32_t outputMode;
   bool atStart;
 };
 
 constexpr FormMark kFormMarks[] = {
-    {"TR57", &kFrameStream, 1, kPlayedBinary, false},
-    {"DUAL", &kDualFrameStream, 1, kPlayedBinary, false},
-    {"TIDEWRITEC", &kBlockStream, 1, kPlayedBinary, true},
-    {"#DeviceID", &kFirstTextStream, 1, 4, false},
-    {" m", &kDesoStream, 1, 6, false},
-    {"$SDDBT", &kFirstNmeaStream, 1, 3, false},
-    {"$SDZDA", &kFirstNmeaStream, 1, 3, false},
-    {"$GPDBT", &kSecondNmeaStream, 2, 3, false},
-    {"$PGZDA", &kSecondNmeaStream, 2, 3, false},
-    {"Alt", &kReportingStream, 1, 1, false},
-    {"Dual", &kDualStream, 1, 7, false},
-    {"DA", &kDesoStream, 1, 6, false},
-    {"DB", &kDesoStream, 1, 6, false},
+    {"TR57", &kFrameStream, DeviceFamily::first, kPlayedBinary, false},
+    {"DUAL", &kDualFrameStream, DeviceFamily::first, kPlayedBinary, false},
+    {"TIDEWRITEC", &kBlockStream, DeviceFamily::first, kPlayedBinary, true},
+    {"#DeviceID", &kFirstTextStream, DeviceFamily::first, 4, false},
+    {" m", &kDesoStream, DeviceFamily::first, 6, false},
+    {"$SDDBT", &kFirstNmeaStream, DeviceFamily::first, 3, false},
+    {"$SDZDA", &kFirstNmeaStream, DeviceFamily::first, 3, false},
+    {"$GPDBT", &kSecondNmeaStream, DeviceFamily::second, 3, false},
+    {"$PGZDA", &kSecondNmeaStream, DeviceFamily::second, 3, false},
+    {"Alt", &kReportingStream, DeviceFamily::first, 1, false},
+    {"Dual", &kDualStream, DeviceFamily::first, 7, false},
+    {"DA", &kDesoStream, DeviceFamily::first, 6, false},
+    {"DB", &kDesoStream, DeviceFamily::first, 6, false},
 };
 
 // The line ends of the settings lines; a line that is cut short is none.
@@ -86,7 +85,8 @@ std::optional<Detected> DetectByInfo(std::string_view text) {
   InfoLine info{};
   if (!ParseInfoLine(text, info)) return std::nullopt;
   const InfoLines lines = FindInfoLines(text);
-  const int32_t family = info.kind == 1 || info.kind == 2 ? info.kind : 0;
+  const DeviceFamily family =
+      info.kind == 1 || info.kind == 2 ? DeviceFamily{info.kind} : DeviceFamily::third;
   const OutputModeRow& mode = PlayedMode(family, info.outputMode);
   InfoLine second{};
   std::optional<InfoLine> low;
@@ -94,8 +94,8 @@ std::optional<Detected> DetectByInfo(std::string_view text) {
   return Detected{&mode.recorded, family, mode.Played(), low ? 2 : 1, info, low, lines.size, true};
 }
 
-Detected ByMark(const StreamForm* form, int32_t family, int32_t outputMode) {
-  const int32_t channels = family == 1 && form->SharesFile() ? 2 : 1;
+Detected ByMark(const StreamForm* form, DeviceFamily family, int32_t outputMode) {
+  const int32_t channels = family == DeviceFamily::first && form->SharesFile() ? 2 : 1;
   return {form, family, outputMode, channels, std::nullopt, std::nullopt, 0, false};
 }
 
@@ -104,8 +104,8 @@ template <typename Take>
 void ForEachMark(std::string_view text, Take take) {
   if (Holds(text, "Parameters")) {
     for (const ParameterMark& each : kParameterMarks) {
-      if (Holds(text, each.mark) &&
-          take(ByMark(&PlayedMode(2, each.outputMode).recorded, 2, each.outputMode)))
+      if (Holds(text, each.mark) && take(ByMark(&PlayedMode(DeviceFamily::second, each.outputMode).recorded,
+                                                DeviceFamily::second, each.outputMode)))
         return;
     }
     return;
@@ -157,12 +157,12 @@ Detected Behind(const std::optional<Detected>& info, Detected way) {
 std::optional<Detected> OtherKeys(Detected way) {
   if (way.form == &kFirstTextStream) {
     way.form = &kSecondTextStream;
-    way.family = 2;
+    way.family = DeviceFamily::second;
     return way;
   }
   if (way.form != &kSecondTextStream) return std::nullopt;
   way.form = &kFirstTextStream;
-  way.family = 1;
+  way.family = DeviceFamily::first;
   way.outputMode = kUsualTextMode;
   return way;
 }

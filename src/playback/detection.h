@@ -24,7 +24,7 @@ inline constexpr size_t kStartSize = 2'048;
 // One way of reading a file.
 struct Detected {
   const StreamForm* form;
-  int32_t family;      // 1, 2 or 0
+  DeviceFamily family;
   int32_t outputMode;  // 100 and 101 are told as 102
   int32_t channels;    // in this file: 1 or 2
   std::optional<InfoLine> info;

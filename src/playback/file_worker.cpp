@@ -32,7 +32,6 @@ constexpr int64_t kTimelessTick_ms = 100;
 constexpr uint64_t kMillion = 1'000'000;
 constexpr size_t kSmallStep = 20;
 constexpr size_t kLargeStep = 100;
-constexpr int32_t kSegyConversion = 1;
 
 // What belongs to one of the two workers.
 struct Side {
@@ -54,10 +53,10 @@ class FileRun {
       : state_(state),
         side_(side),
         runNumber_(LoadShared(state.runNumber)),
-        conversion_(LoadShared(state.conversionKind)),
-        outputFile_(conversion_ == 0 ? Handle::invalid : LoadShared(state.segyCompanionA)),
+        conversion_(ConversionUnderWay(state)),
+        outputFile_(conversion_ == Conversion::none ? Handle::invalid : LoadShared(state.segyCompanionA)),
         channels_{{WriterOfRingA(state), globals.marksA}, {WriterOfRingB(state), globals.marksB}},
-        report_(state, side.texts, conversion_ != 0) {}
+        report_(state, side.texts, conversion_ != Conversion::none) {}
 
   [[nodiscard]] bool Stale() const { return LoadShared(state_.runNumber) != runNumber_; }
 
@@ -66,7 +65,7 @@ class FileRun {
     const bool prepared = Prepare();
     const bool exhausted = prepared && Play();
     if (output_ != nullptr) ShowSize();
-    if (conversion_ != 0) CloseOutput();
+    if (conversion_ != Conversion::none) CloseOutput();
     if (failure_ != kPlaybackGoesOn && !Stale()) TellFailure();
     return exhausted;
   }
@@ -84,7 +83,7 @@ class FileRun {
   // A playback that fails leaves the program idle, which is for the GUI thread to do.
   void TellFailure() {
     PostStatusText(state_, StatusPart::position, PlaybackFailureText(failure_));
-    if (conversion_ == 0) StoreShared(globals.playbackEnded, failure_);
+    if (conversion_ == Conversion::none) StoreShared(globals.playbackEnded, failure_);
   }
 
   [[nodiscard]] bool IsSet(RunEvent event) { return WaitForEvent(state_.runEvents[event], 0); }
@@ -92,7 +91,7 @@ class FileRun {
   // Whether something waits that goes before the next ping.
   [[nodiscard]] bool Interrupted() {
     if (Stale() || StopAsked()) return true;
-    if (conversion_ != 0) return false;
+    if (conversion_ != Conversion::none) return false;
     if (!side_.first) return IsSet(kStepSecond);
     return LoadShared(state_.seekRequest) != 0 || IsSet(kBack20) || IsSet(kBack100);
   }
@@ -110,10 +109,10 @@ class FileRun {
   }
 
   bool PrepareConversion() {
-    if (conversion_ == 0) return true;
+    if (conversion_ == Conversion::none) return true;
     output_.reset(new (std::nothrow) OutputFile(outputFile_));
     if (output_ == nullptr || output_->Failed()) return false;
-    if (conversion_ == kSegyConversion) {
+    if (conversion_ == Conversion::segy) {
       converter_.reset(new (std::nothrow)
                            SegyConverter(*output_, globals.segyTextHeader, state_.settings.soundSpeed_mps));
     } else {
@@ -124,7 +123,7 @@ class FileRun {
 
   bool Play() {
     while (!Stale() && !StopAsked()) {
-      if (conversion_ == 0 && Steer()) continue;
+      if (conversion_ == Conversion::none && Steer()) continue;
       RecordedPing ping{};
       if (!ended_ && source_->Next(ping)) {
         if (!AwaitFirst(ping)) continue;
@@ -135,7 +134,7 @@ class FileRun {
       } else if (source_->Failed()) {
         failure_ = kPlaybackUnread;
         return false;
-      } else if (conversion_ != 0) {
+      } else if (conversion_ != Conversion::none) {
         return true;
       } else {
         NoteEnd();
@@ -273,7 +272,7 @@ class FileRun {
     StoreOne(channels_[low ? 1 : 0], ping, ping.header.altitude_m);
     if (ping.bothChannels) StoreOne(channels_[1], ping, ping.altitudeLow_m);
     Publish(ping, low);
-    if (conversion_ == 0 && side_.first) {
+    if (conversion_ == Conversion::none && side_.first) {
       report_.NotePosition(ping);
       report_.NoteTime(recorded_ms_ / 1000);
     }
@@ -324,7 +323,7 @@ class FileRun {
     samples_ = ping.samples.size();
     PostPlace();
     ShowSize();
-    if (conversion_ != 0) return;
+    if (conversion_ != Conversion::none) return;
     history_.Add({{channels_[0].Place(), channels_[1].Place()}, ping.begin, recorded_ms_, ping.header.ping});
   }
 
@@ -333,7 +332,7 @@ class FileRun {
     if (side_.first) report_.PostProgressOf(LoadShared(side_.input), *source_, samples_);
   }
   void ShowSize() {
-    if (side_.first) report_.ShowSize(conversion_ != 0 ? output_->Size() : source_->Size());
+    if (side_.first) report_.ShowSize(conversion_ != Conversion::none ? output_->Size() : source_->Size());
   }
 
   void NoteEnd() {
@@ -367,7 +366,7 @@ class FileRun {
 
   // Waits in slices, so that buttons and the slider are heard.
   void Pace() {
-    if (conversion_ != 0 || skipUntil_) return;
+    if (conversion_ != Conversion::none || skipUntil_) return;
     if (!side_.first && pace_.IsBehind(LoadShared(state_.firstTime_ms))) return;
     for (auto left_ms = static_cast<uint32_t>(LoadShared(state_.playbackPace));
          left_ms > 0 && !Interrupted();) {
@@ -389,7 +388,7 @@ class FileRun {
   AppState& state_;
   const Side side_;
   const uint32_t runNumber_;
-  const int32_t conversion_;
+  const Conversion conversion_;
   Handle outputFile_;  // of a conversion
   std::unique_ptr<PingSource> source_;
   std::unique_ptr<OutputFile> output_;
@@ -425,9 +424,9 @@ void Finish(AppState& state, const Side& side, WorkerEnd end) {
   const Handle input = ExchangeShared(side.input, Handle::invalid);
   static_cast<void>(SeekFile(input, 0));
   CloseFile(input);
-  if (LoadShared(state.conversionKind) != 0) {
+  if (ConversionUnderWay(state) != Conversion::none) {
     CloseFile(ExchangeShared(state.segyCompanionA, Handle::invalid));
-    StoreShared(state.conversionKind, 0);
+    SetConversion(state, Conversion::none);
     TellConversionEnd(state, side, end);
   }
   Handle thread = ExchangeShared(side.thread, Handle::null);
@@ -442,7 +441,8 @@ void RunFileWorker(AppState& state, const Side& side) {
   std::unique_ptr<FileRun> run(new (std::nothrow) FileRun(state, side));
   if (run == nullptr) {
     PostStatusText(state, StatusPart::position, PlaybackFailureText(kPlaybackWithoutMemory));
-    if (LoadShared(state.conversionKind) == 0) StoreShared(globals.playbackEnded, kPlaybackWithoutMemory);
+    if (ConversionUnderWay(state) == Conversion::none)
+      StoreShared(globals.playbackEnded, kPlaybackWithoutMemory);
     return Finish(state, side, {});
   }
   const bool exhausted = run->Run();
@@ -455,7 +455,7 @@ void RunFileWorker(AppState& state, const Side& side) {
 }  // namespace
 
 const wchar_t* PlaybackFailureText(PlaybackEnd end) {
-  return end == kPlaybackWithoutMemory ? L"Insufficient memory!" : L"The file cannot be read!";
+  return end == kPlaybackWithoutMemory ? kWithoutMemoryText : L"The file cannot be read!";
 }
 
 void FileWorkerA(void* argument) {

@@ -31,7 +31,7 @@ struct RecordedPing {
 // What the recording's start tells. Texts are constants.
 struct RecordingKind {
   const char* name;  // "echo text", "binary frames", …
-  int32_t family;    // 1, 2 or 0
+  DeviceFamily family;
   int32_t outputMode;
   int32_t channels;
   bool hasSamples;

@@ -2,7 +2,6 @@
 // included. Pure; any thread.
 #pragma once
 
-#include <cstdint>
 #include <string>
 #include <string_view>
 

@@ -1,7 +1,6 @@
 #include "simulator/sounder_keywords.h"
 
 #include <algorithm>
-#include <iterator>
 #include <span>
 
 namespace tw::sim {

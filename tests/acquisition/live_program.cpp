@@ -63,7 +63,7 @@ LiveProgram::~LiveProgram() {
 void LiveProgram::StartWorker(const StreamForm& form) {
   EXPECT_TRUE(HandOver(*state_, {.form = &form,
                                  .settings = state_->settings,
-                                 .deviceFamily = LoadShared(globals.deviceFamily),
+                                 .deviceFamily = FamilyInUse(),
                                  .dual = LoadShared(globals.dualMode) != 0,
                                  .port = state_->devicePort,
                                  .runNumber = LoadShared(state_->runNumber)}));

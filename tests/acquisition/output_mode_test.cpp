@@ -62,21 +62,21 @@ std::vector<Told> Family0() {
 
 TEST(OutputMode, EachFamilyHasItsTable) {
   const struct {
-    int32_t family;
+    DeviceFamily family;
     std::vector<Told> told;
     std::vector<std::wstring> unknown;
-  } families[] = {{1, kFamily1, {L"", L"Echo Txt", L"Altimeter Dual ", L"altimeter dual"}},
-                  {2, kFamily2, {L"Echo Txt"}},
-                  {0, Family0(), {L"", L"Echo txt", L"Echo Bin 10bit"}}};
+  } families[] = {{DeviceFamily::first, kFamily1, {L"", L"Echo Txt", L"Altimeter Dual ", L"altimeter dual"}},
+                  {DeviceFamily::second, kFamily2, {L"Echo Txt"}},
+                  {DeviceFamily::third, Family0(), {L"", L"Echo txt", L"Echo Bin 10bit"}}};
   for (const auto& [family, told, unknown] : families) {
     ASSERT_EQ(AcceptedModes(family).size(), told.size());
-    EXPECT_EQ(OfferedModes(family).size(), told.size() - (family == 0 ? 2 : 0));
+    EXPECT_EQ(OfferedModes(family).size(), told.size() - (family == DeviceFamily::third ? 2 : 0));
     OutputMode mode = -7;
     for (const std::wstring& name : unknown) EXPECT_FALSE(ModeOfName(family, name, mode)) << name.c_str();
     EXPECT_EQ(mode, -7);
     for (size_t i = 0; i < told.size(); ++i) {
       const Told& each = told[i];
-      SCOPED_TRACE(testing::Message() << "family " << family << ", mode " << each.code);
+      SCOPED_TRACE(testing::Message() << "family " << static_cast<int>(family) << ", mode " << each.code);
       const OutputModeRow& row = AcceptedModes(family)[i];
       EXPECT_EQ(row.code, each.code);
       EXPECT_EQ(NameOfMode(family, each.code), each.name);
@@ -88,13 +88,13 @@ TEST(OutputMode, EachFamilyHasItsTable) {
       EXPECT_EQ(row.sent.HasSamples(), each.samples);
       EXPECT_EQ(row.sent.dualAttitude, each.attitude);
       EXPECT_EQ(row.sent.SharesFile(), each.oneFile);
-      EXPECT_EQ(&row.reporting != &row.sent, family == 1 && each.code == 1);
+      EXPECT_EQ(&row.reporting != &row.sent, family == DeviceFamily::first && each.code == 1);
     }
   }
 }
 
 TEST(OutputMode, ACodeThatTheFamilyDoesNotHaveIsNmea) {
-  for (const int32_t family : {0, 1, 2}) {
+  for (const auto family : {DeviceFamily::first, DeviceFamily::second, DeviceFamily::third}) {
     size_t accepted = 0;
     for (OutputMode mode = -1; mode <= 103; ++mode) {
       accepted += FindMode(family, mode) != nullptr;

@@ -80,7 +80,8 @@ TEST(InfoLine, EachKindHasItsForm) {
     DeviceSettings settings = SampleSettings();
     settings.outputMode = row.mode;
     InfoLine lines[2];
-    const int count = MakeInfoLines(settings, row.family, row.frequency_hz, row.bothChannels, lines);
+    const int count =
+        MakeInfoLines(settings, DeviceFamily{row.family}, row.frequency_hz, row.bothChannels, lines);
     std::string text;
     for (int i = 0; i < count; ++i) {
       char line[kInfoLineSize];

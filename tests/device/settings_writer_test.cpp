@@ -41,7 +41,7 @@ class SettingsWriterTest : public test::ScriptedLineTest {
   std::string Write(int32_t family, const S& wanted, const S& applied, size_t answers = 40) {
     device_.received.clear();
     device_.replies.assign(answers, {"#x\r\n\r\n>"});
-    result_ = WriteChangedSettings(port_, family, wanted, applied);
+    result_ = WriteChangedSettings(port_, DeviceFamily{family}, wanted, applied);
     return device_.received;
   }
 

@@ -91,7 +91,7 @@ void RestartWorker(AppState& state) {
   Reset(state.stopEvent);
   ASSERT_TRUE(HandOver(state, {.form = &kFirstTextStream,
                                .settings = state.appliedSettings,
-                               .deviceFamily = LoadShared(globals.deviceFamily),
+                               .deviceFamily = FamilyInUse(),
                                .dual = LoadShared(globals.dualMode) != 0,
                                .port = LoadShared(state.devicePort),
                                .runNumber = LoadShared(state.runNumber)}));

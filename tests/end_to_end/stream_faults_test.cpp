@@ -218,7 +218,7 @@ void StreamFaultCell::Run() {
   program.OpenFile(RecordChannel::a, L"a.log");
   program.OpenFile(RecordChannel::b, L"b.log");
   Signal(state.recordingEvent);
-  program.StartWorker(AcceptedMode(static_cast<int32_t>(mode_.family), mode_.mode).reporting);
+  program.StartWorker(AcceptedMode(static_cast<tw::DeviceFamily>(mode_.family), mode_.mode).reporting);
   RingWatch high(*state.ringA, mode_.form);
   RingWatch low(*state.ringB, mode_.form);
   while (account_.messages.size() < kMessages) {

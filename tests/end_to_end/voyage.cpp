@@ -8,7 +8,6 @@
 #include "app/run/run_control.h"
 #include "app/settings/family_controls.h"
 #include "base/bytes.h"
-#include "base/shared_value.h"
 #include "platform/clock.h"
 #include "platform/memory.h"
 #include "platform/virtual/virtual_clock.h"
@@ -253,7 +252,7 @@ void Voyage::ApplyAnotherMode() {
   ++log_.figures.applies;
   int32_t mode = state_->settings.outputMode;
   while (mode == state_->settings.outputMode) mode = kModes[Draw(0, std::size(kModes) - 1)];
-  Ui().Choose(ID_OUTPUT, std::wstring(NameOfMode(1, mode)));
+  Ui().Choose(ID_OUTPUT, std::wstring(NameOfMode(DeviceFamily::first, mode)));
   TakeSettingsChoice(*state_, ID_OUTPUT);
   log_.Open(Excuse::apply);
   ApplySettings(*state_);

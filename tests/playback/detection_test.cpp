@@ -42,7 +42,7 @@ TEST(Detection, InfoLineDecides) {
     const auto told = Detect(test::InfoText(row.family, row.mode, "1490.5") + "Alt : 1.0\r\nTR57");
     ASSERT_TRUE(told);
     EXPECT_EQ(told->form, &row.form);
-    EXPECT_EQ(told->family, row.family);
+    EXPECT_EQ(told->family, DeviceFamily{row.family});
     EXPECT_EQ(told->outputMode, row.toldMode);
     EXPECT_EQ(told->channels, 1);
     ASSERT_TRUE(told->info);
@@ -84,7 +84,7 @@ TEST(Detection, MarksOfOlderRecordings) {
     const auto told = Detect(row.start);
     ASSERT_TRUE(told) << row.what;
     EXPECT_EQ(told->form, &row.form) << row.what;
-    EXPECT_EQ(told->family, row.family) << row.what;
+    EXPECT_EQ(told->family, DeviceFamily{row.family}) << row.what;
     EXPECT_EQ(told->outputMode, row.mode) << row.what;
     EXPECT_FALSE(told->info) << row.what;
   }

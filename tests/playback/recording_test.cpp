@@ -222,7 +222,7 @@ TEST_F(Recordings, EachWayIsTriedInItsTurn) {
     const auto recording = Open(row.content);
     ASSERT_NE(recording, nullptr);
     EXPECT_EQ(recording->Told().form, &row.form);
-    EXPECT_EQ(recording->Kind().family, row.family);
+    EXPECT_EQ(recording->Kind().family, DeviceFamily{row.family});
     EXPECT_EQ(recording->Kind().outputMode, row.mode);
     RecordedPing ping{};
     ASSERT_TRUE(recording->Next(ping));

@@ -3,7 +3,6 @@
 
 #include <span>
 #include <string>
-#include <string_view>
 
 #include "simulator/virtual_echosounder.h"
 #include "simulator/virtual_gps.h"

@@ -75,7 +75,7 @@ std::string Summary::Text(const PingSource& recording) const {
   const RecordingKind& kind = recording.Kind();
   std::string out;
   Line(out, "kind", "%s", kind.name);
-  Line(out, "device family", "%" PRId32, kind.family);
+  Line(out, "device family", "%" PRId32, static_cast<int32_t>(kind.family));
   Line(out, "output mode", "%s", ModeText(kind).c_str());
   Line(out, "channels", "%" PRId32, kind.channels);
   if (channelPings_[1] != 0) {

@@ -7,7 +7,6 @@
 #include "app/window/control_ids.h"
 #include "app/window/ui.h"
 #include "app/window/wait_pointer.h"
-#include "base/shared_value.h"
 #include "device/command_link.h"
 #include "device/settings_writer.h"
 #include "platform/clock.h"
@@ -39,14 +38,14 @@ void AwaitEffect(AppState& state, LinkResult result) {
 
 // Sends what the operator changed.
 void SendChanges(AppState& state) {
-  const int32_t family = LoadShared(globals.deviceFamily);
-  state.settings.simultaneous = family == 1 && IsChecked(state, ID_DUAL_MODE) ? 1 : 0;
+  const DeviceFamily family = FamilyInUse();
+  state.settings.simultaneous = family == DeviceFamily::first && IsChecked(state, ID_DUAL_MODE) ? 1 : 0;
   AwaitEffect(state, WriteChangedSettings(state.devicePort, family, state.settings, state.appliedSettings));
 }
 
 // The device refuses the output in dual mode, or with that output the dual mode.
 bool DualOldRefused(const DeviceSettings& wanted, const DeviceSettings& applied, const DeviceSettings& now) {
-  if (LoadShared(globals.deviceFamily) != 1 || wanted.simultaneous == 0) return false;
+  if (FamilyInUse() != DeviceFamily::first || wanted.simultaneous == 0) return false;
   if (wanted.outputMode != kFirstFamilyOld) return false;
   const bool sent = applied.outputMode != kFirstFamilyOld;
   return (sent && now.outputMode != kFirstFamilyOld) || now.simultaneous == 0;
@@ -57,7 +56,7 @@ void ReopenRecordFiles(AppState& state) {
   wchar_t text[64];
   GetControlText(state, ID_OUTPUT, text);
   OutputMode mode = 0;
-  if (!IsChecked(state, ID_RECORD) || !ModeOfName(LoadShared(globals.deviceFamily), text, mode)) return;
+  if (!IsChecked(state, ID_RECORD) || !ModeOfName(FamilyInUse(), text, mode)) return;
   OpenRecordFiles(state, NamingMoment::recordSwitchedOn);
 }
 
@@ -70,8 +69,6 @@ void ResumeRun(AppState& state, PanelRanges before) {
   static_cast<void>(StartDeviceAndWorkers(state));
 }
 
-constexpr wchar_t kUnreadable[] = L"Unable to read settings form the Echosounder";
-
 }  // namespace
 
 void ApplySettings(AppState& state) {
@@ -83,7 +80,7 @@ void ApplySettings(AppState& state) {
   const PanelRanges ranges = RangesOfPanels(applied);
   SendChanges(state);
   const DeviceSettings wanted = state.settings;
-  if (!ReadSettingsBack(state)) return GiveUpRun(state, pointer, kUnreadable);
+  if (!ReadSettingsBack(state)) return GiveUpRun(state, pointer, kUnreadableSettings);
   if (DualOldRefused(wanted, applied, state.settings)) {
     pointer.Restore();
     ShowBox(state, L"Sonarmite_old fortmat is not support Dual_mode", L"", BoxIcon::information);
@@ -101,7 +98,7 @@ void RestoreDefaults(AppState& state) {
   const PanelRanges ranges = RangesOfPanels(state.appliedSettings);
   state.settings = state.appliedSettings;  // choices that wait have never been sent
   AwaitEffect(state, Exchange(state.devicePort, CommandId::defaults));
-  if (!ReadSettingsBack(state)) return GiveUpRun(state, pointer, kUnreadable);
+  if (!ReadSettingsBack(state)) return GiveUpRun(state, pointer, kUnreadableSettings);
   ResumeRun(state, ranges);
 }
 

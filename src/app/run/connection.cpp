@@ -28,21 +28,21 @@ constexpr int kRepeats = 2;  // of forms in one identification, each of another 
 constexpr wchar_t kGpsDisconnected[] = L"GPS: Disconnected";
 
 struct FamilyReader {
-  int32_t family;
+  DeviceFamily family;
   LinkResult (*read)(Handle port, DeviceSettings& settings, bool& silent);
 };
 
 // In the order in which they are tried.
 constexpr FamilyReader kFamilyReaders[] = {
-    {1, ReadAllSettings},
-    {2, ReadSecondFamilySettings},
-    {0, ReadSettingsFromB64Info},
+    {DeviceFamily::first, ReadAllSettings},
+    {DeviceFamily::second, ReadSecondFamilySettings},
+    {DeviceFamily::third, ReadSettingsFromB64Info},
 };
 
 bool BringToPrompt(AppState& state, WaitPointer& pointer, const ElapsedLog& log) {
   if (StopDevice(state.devicePort) == LinkResult::success) return true;
   pointer.Restore();
-  ShowBox(state, L"Echosounder is not connected", L"Error", BoxIcon::error);
+  ShowBox(state, kNotConnected, L"Error", BoxIcon::error);
   CloseDevicePort(state);
   log.Write("After Stop Fail time :  ");
   return false;
@@ -127,8 +127,8 @@ void NameChannels(DeviceSettings& settings) {
   if (settings.virtualHighFrequency_hz == 0) settings.virtualHighFrequency_hz = settings.highFrequency_hz;
 }
 
-void TakeOver(AppState& state, int32_t family, DeviceSettings& settings) {
-  if (family == 1) SettleFrequencies(settings);
+void TakeOver(AppState& state, DeviceFamily family, DeviceSettings& settings) {
+  if (family == DeviceFamily::first) SettleFrequencies(settings);
   NameChannels(settings);
   globals.measuredLowFrequency_hz = settings.virtualLowFrequency_hz;
   globals.measuredHighFrequency_hz = settings.virtualHighFrequency_hz;
@@ -138,17 +138,17 @@ void TakeOver(AppState& state, int32_t family, DeviceSettings& settings) {
 
 // What each family needs once it is known. A device that does not answer the reset any more shows as a
 // silent line.
-void SettleFamily(Handle port, int32_t family, DeviceSettings& settings) {
+void SettleFamily(Handle port, DeviceFamily family, DeviceSettings& settings) {
   switch (family) {
-    case 1:
+    case DeviceFamily::first:
       static_cast<void>(Exchange(port, CommandId::reset));
       if (ProbeInterface(port) != LinkResult::success) globals.interfaceType = 0;
       return;
-    case 2:
+    case DeviceFamily::second:
       static_cast<void>(Exchange(port, CommandId::reset));
       settings.simultaneous = 0;
       return;
-    default:
+    case DeviceFamily::third:
       globals.smoothingSupported = 0;
       settings.simultaneous = 0;
       return;
@@ -206,33 +206,33 @@ bool IdentifyDevice(AppState& state, WaitPointer& pointer) {
   const FamilyReader* reader = ReadSettings(state.devicePort, settings);
   if (reader == nullptr) {
     pointer.Restore();
-    ShowBox(state, L"Unable to read settings form the Echosounder", L"Error", BoxIcon::error);
+    ShowBox(state, kUnreadableSettings, L"Error", BoxIcon::error);
     CloseDevicePort(state);
     if (globals.gpsPortNumber != kNoGpsPort) CloseGpsPort(state);
     return false;
   }
   SettleFamily(state.devicePort, reader->family, settings);
-  StoreShared(globals.deviceFamily, reader->family);
+  StoreShared(globals.deviceFamily, static_cast<int32_t>(reader->family));
   TakeOver(state, reader->family, settings);
   return true;
 }
 
 bool ReadSettingsBack(AppState& state) {
-  const int32_t family = LoadShared(globals.deviceFamily);
+  const DeviceFamily family = FamilyInUse();
   const auto* const reader = std::find_if(std::begin(kFamilyReaders), std::end(kFamilyReaders),
                                           [&](const FamilyReader& each) { return each.family == family; });
   const Beginning beginning{state.settings, ForgetAbilities};
   int repeats = 1;
   DeviceSettings settings{};
   if (!ReadsAs(*reader, state.devicePort, beginning, repeats, settings)) return false;
-  if (family != 1) settings.simultaneous = 0;
+  if (family != DeviceFamily::first) settings.simultaneous = 0;
   TakeOver(state, family, settings);
   return true;
 }
 
 void ShowConnection(AppState& state) {
   wchar_t text[kStatusTextSize];
-  if (LoadShared(globals.deviceFamily) == 1) {
+  if (FamilyInUse() == DeviceFamily::first) {
     FormatWide(text, "Device: COM%" PRId32 ",%" PRId32 "bps, ID: %s", globals.devicePortNumber,
                globals.deviceBaud, state.settings.identity);
   } else {

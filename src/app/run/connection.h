@@ -7,6 +7,9 @@
 
 namespace tw {
 
+inline constexpr wchar_t kNotConnected[] = L"Echosounder is not connected";
+inline constexpr wchar_t kUnreadableSettings[] = L"Unable to read settings form the Echosounder";
+
 // Reads the communication selectors into the process-wide values.
 void ReadCommunication(AppState& state);
 

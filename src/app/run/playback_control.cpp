@@ -1,6 +1,5 @@
 #include "app/run/playback_control.h"
 
-#include <memory>
 #include <optional>
 
 #include "acquisition/output_mode.h"
@@ -12,8 +11,7 @@
 #include "app/window/ui.h"
 #include "base/shared_value.h"
 #include "base/text_format.h"
-#include "platform/clock.h"
-#include "platform/file.h"
+#include "platform/owned_file.h"
 #include "platform/thread.h"
 #include "playback/detection.h"
 #include "playback/file_worker.h"
@@ -25,6 +23,7 @@ namespace tw {
 namespace {
 
 constexpr wchar_t kError[] = L"Error";
+constexpr wchar_t kWrongPair[] = L"Select correct pair of files!!";
 
 void Refuse(AppState& state, const wchar_t* text) {
   ShowBox(state, text, kError, BoxIcon::error);
@@ -38,20 +37,10 @@ bool IsDeviceRunning(AppState& state) {
 
 // A file that was opened and judged; closed again unless it is taken over.
 struct Candidate {
-  Handle file = Handle::invalid;
+  OwnedFile file;
   std::optional<Detected> told;
   float range_m = 0;    // that the first ping tells; 0: none
   bool isBare = false;  // nothing but the line that tells how it was recorded
-
-  Candidate() = default;
-  Candidate(const Candidate&) = delete;
-  Candidate& operator=(const Candidate&) = delete;
-  ~Candidate() { CloseFile(file); }
-  [[nodiscard]] Handle Take() {
-    const Handle taken = file;
-    file = Handle::invalid;
-    return taken;
-  }
 };
 
 void TellUnopened(AppState& state, const std::wstring& path) {
@@ -61,21 +50,21 @@ void TellUnopened(AppState& state, const std::wstring& path) {
 }
 
 bool Open(AppState& state, const std::wstring& path, WriteSharing sharing, Candidate& candidate) {
-  candidate.file = OpenFileForReading(path.c_str(), sharing);
-  if (candidate.file == Handle::invalid) {
+  candidate.file = OwnedFile(OpenFileForReading(path.c_str(), sharing));
+  if (candidate.file.Get() == Handle::invalid) {
     TellUnopened(state, path);
     return false;
   }
   uint8_t start[kStartSize];
-  candidate.told =
-      DetectRecording(std::span<const uint8_t>(start, ReadStart(candidate.file, start, kGrowingRetries)));
+  candidate.told = DetectRecording(
+      std::span<const uint8_t>(start, ReadStart(candidate.file.Get(), start, kGrowingRetries)));
   return true;
 }
 
 // True when a ping can be read of it, which settles what the file is; it stands at its start again.
 bool HoldsPing(AppState& state, Candidate& candidate) {
   RecordingFault fault = RecordingFault::none;
-  const auto recording = MakeRecording(candidate.file, fault, state.settings.samplingFrequency_hz);
+  const auto recording = MakeRecording(candidate.file.Get(), fault, state.settings.samplingFrequency_hz);
   RecordedPing first{};
   if (fault == RecordingFault::noMemory) {
     PostStatusText(state, StatusPart::position, PlaybackFailureText(kPlaybackWithoutMemory));
@@ -83,12 +72,12 @@ bool HoldsPing(AppState& state, Candidate& candidate) {
   if (recording == nullptr || !recording->Next(first)) return false;
   candidate.told = recording->Told();
   candidate.range_m = first.header.range_m;
-  return SeekFile(candidate.file, 0);
+  return SeekFile(candidate.file.Get(), 0);
 }
 
 bool IsBare(const Candidate& candidate) {
   uint64_t size = 0;
-  return candidate.told->info && FileSize(candidate.file, size) && size <= candidate.told->infoSize;
+  return candidate.told->info && FileSize(candidate.file.Get(), size) && size <= candidate.told->infoSize;
 }
 
 // Of a pair one file may be bare.
@@ -146,7 +135,7 @@ void TakeRange(AppState& state, float range_m) {
 // What the recording tells of the settings it was made with.
 void TakeSettings(AppState& state, const Candidate& file) {
   const Detected& told = *file.told;
-  StoreShared(globals.deviceFamily, told.family);
+  StoreShared(globals.deviceFamily, static_cast<int32_t>(told.family));
   state.settings.outputMode = told.outputMode;
   if (!told.info) return TakeRange(state, file.range_m);
   ApplyInfoLine(*told.info, state.settings);
@@ -176,7 +165,7 @@ int32_t FrequencyOf(const std::optional<InfoLine>& info) {
 void BeginPlayback(AppState& state, Candidate& a, Candidate* b) {
   const std::optional<InfoLine> low = b != nullptr ? b->told->info : a.told->low;
   BeginFileRun(state);
-  StoreShared(state.conversionKind, 0);
+  SetConversion(state, Conversion::none);
   TakeSettings(state, a);
   TakeLowSettings(state, low);
   KeepInterval(state.settings);
@@ -188,8 +177,8 @@ void BeginPlayback(AppState& state, Candidate& a, Candidate* b) {
   StoreShared(state.playbackPace, kPlaybackPace_ms);
   state.playbackSpan = kPlaybackSpan;
   state.playbackActive = 1;
-  StoreShared(state.inputFileA, a.Take());
-  if (b != nullptr) StoreShared(state.inputFileB, b->Take());
+  StoreShared(state.inputFileA, a.file.Take());
+  if (b != nullptr) StoreShared(state.inputFileB, b->file.Take());
   if (!StartFileWorker(state, state.fileWorkerA, FileWorkerA) ||
       (b != nullptr && !StartFileWorker(state, state.fileWorkerB, FileWorkerB))) {
     EndWithoutFileWorker(state);
@@ -209,12 +198,12 @@ void PlayPair(AppState& state, const std::vector<std::wstring>& paths) {
   const bool secondIsHigh = KHzOfName(paths[1]) > KHzOfName(paths[0]);
   Candidate a;
   Candidate b;
-  if (!BelongTogether(paths[0], paths[1])) return Refuse(state, L"Select correct pair of files!!");
+  if (!BelongTogether(paths[0], paths[1])) return Refuse(state, kWrongPair);
   if (!IsPlayable(state, paths[secondIsHigh ? 1 : 0], a, true) ||
       !IsPlayable(state, paths[secondIsHigh ? 0 : 1], b, !a.isBare))
     return;
   if (a.isBare || b.isBare) return BeginPlayback(state, a.isBare ? b : a, nullptr);
-  if (a.told->form != b.told->form) return Refuse(state, L"Select correct pair of files!!");
+  if (a.told->form != b.told->form) return Refuse(state, kWrongPair);
   BeginPlayback(state, a, &b);
 }
 
@@ -250,9 +239,9 @@ void Convert(AppState& state, Conversion conversion) {
   BeginFileRun(state);
   TakeSettings(state, input);
   StoreShared(globals.dualMode, input.told->channels > 1 ? 1 : 0);
-  StoreShared(state.conversionKind, conversion == Conversion::segy ? 1 : 2);
+  SetConversion(state, conversion);
   StoreShared(state.echogramEnabled, 1);
-  StoreShared(state.inputFileA, input.Take());
+  StoreShared(state.inputFileA, input.file.Take());
   if (!StartFileWorker(state, state.fileWorkerA, FileWorkerA)) EndWithoutFileWorker(state);
   RefreshControlStates(state);
 }
@@ -270,7 +259,7 @@ void PlayFiles(AppState& state) {
   } else if (paths.size() == 2) {
     PlayPair(state, paths);
   } else {
-    Refuse(state, L"Select correct pair of files!!");
+    Refuse(state, kWrongPair);
   }
   RefreshControlStates(state);
 }
@@ -292,7 +281,7 @@ void PausePlayback(AppState& state) {
 }
 
 void StepPlaybackBack(AppState& state, RunEvent step) {
-  if (state.playbackActive == 0 || LoadShared(state.conversionKind) != 0) return;
+  if (state.playbackActive == 0 || ConversionUnderWay(state) != Conversion::none) return;
   state.playbackAtEnd = 0;
   Signal(state.runEvents[step]);
   RefreshControlStates(state);

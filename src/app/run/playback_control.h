@@ -2,9 +2,6 @@
 // their end. GUI thread. They run only without a device; every refusal is told in a message box.
 #pragma once
 
-#include <string>
-#include <vector>
-
 #include "app/state/app_state.h"
 #include "app/state/slider_messages.h"
 

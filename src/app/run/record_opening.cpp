@@ -20,7 +20,7 @@ DeviceSettings RunningSettings(const AppState& state) {
   return settings;
 }
 
-NamingFacts CollectFacts(const AppState& state, NamingMoment moment, int32_t family) {
+NamingFacts CollectFacts(const AppState& state, NamingMoment moment, DeviceFamily family) {
   const DeviceSettings settings = RunningSettings(state);
   const OutputModeRow& mode = AcceptedMode(family, settings.outputMode);
   const bool atStart = moment == NamingMoment::start;
@@ -39,22 +39,20 @@ NamingFacts CollectFacts(const AppState& state, NamingMoment moment, int32_t fam
       .measuredHigh_hz = globals.measuredHighFrequency_hz,
       .identity = state.appliedSettings.identity,  // the facts only point to it
       .identifierWord = settings.identifierWord,
-      .segyCompanions = LoadShared(state.conversionKind) == 1,
+      .segyCompanions = ConversionUnderWay(state) == Conversion::segy,
       .localTime = LocalNow(),
   };
 }
 
 // A file of this run holds both channels.
 bool HoldsBothChannels(const DeviceSettings& settings) {
-  return settings.simultaneous != 0 &&
-         AcceptedMode(LoadShared(globals.deviceFamily), settings.outputMode).sent.SharesFile();
+  return settings.simultaneous != 0 && AcceptedMode(FamilyInUse(), settings.outputMode).sent.SharesFile();
 }
 
 // A recording that the disk does not even take the settings line of. Of a binary run nothing is left then,
 // since its worker finds no file to leave the byte in.
 void ClearAwayUnbegun(const AppState& state, const char* name, OutputMode mode) {
-  if (AcceptedMode(LoadShared(globals.deviceFamily), mode).recorded.emptyRun != EmptyRun::leaveOneByte)
-    return;
+  if (AcceptedMode(FamilyInUse(), mode).recorded.emptyRun != EmptyRun::leaveOneByte) return;
   wchar_t wide[kRecordNameSize];
   wchar_t path[kPathSize];
   WidenText(wide, name);
@@ -84,19 +82,19 @@ void OpenOne(AppState& state, const RecordFileName& name, RecordChannel channel,
 // empty.
 void CloseCompanion(const AppState& state, Handle& companion) {
   const Handle file = ExchangeShared(companion, Handle::invalid);
-  if (LoadShared(state.conversionKind) == 0) CloseFile(file);
+  if (ConversionUnderWay(state) == Conversion::none) CloseFile(file);
 }
 
 }  // namespace
 
 void OpenRecordFiles(AppState& state, NamingMoment moment) {
-  OpenRecordFiles(state, moment, LoadShared(globals.deviceFamily));
+  OpenRecordFiles(state, moment, FamilyInUse());
 }
 
-void OpenRecordFiles(AppState& state, NamingMoment moment, int32_t namingFamily) {
+void OpenRecordFiles(AppState& state, NamingMoment moment, DeviceFamily namingFamily) {
   CloseRecordFiles(state);
   StoreShared(state.recordingNumber, LoadShared(state.recordingNumber) + 1);
-  const bool first = namingFamily == 1;
+  const bool first = namingFamily == DeviceFamily::first;
   if (first && moment == NamingMoment::start && state.settings.outputMode == 5) state.settings.outputMode = 6;
 
   const RecordFileNames names = NameRecordFiles(CollectFacts(state, moment, namingFamily));

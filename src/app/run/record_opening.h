@@ -2,8 +2,6 @@
 // protocol of acquisition/record_file.h.
 #pragma once
 
-#include <cstdint>
-
 #include "app/state/app_state.h"
 #include "app/state/file_naming.h"
 
@@ -16,7 +14,7 @@ namespace tw {
 void OpenRecordFiles(AppState& state, NamingMoment moment);
 
 // The same with the names that another family's files would have.
-void OpenRecordFiles(AppState& state, NamingMoment moment, int32_t namingFamily);
+void OpenRecordFiles(AppState& state, NamingMoment moment, DeviceFamily namingFamily);
 
 // Closes both record files and both SEG-Y companions.
 void CloseRecordFiles(AppState& state);

@@ -4,6 +4,7 @@
 
 #include "acquisition/record_file.h"
 #include "acquisition/time_marks.h"
+#include "app/run/connection.h"
 #include "app/run/run_control.h"
 #include "app/run/worker_control.h"
 #include "app/settings/control_states.h"
@@ -20,7 +21,6 @@ namespace {
 
 constexpr int32_t kShortestInterval_ms = 10;
 constexpr uint32_t kLinkTimerPeriod_ms = 1000;
-constexpr wchar_t kNotConnected[] = L"Echosounder is not connected";
 
 // The texts that a later change of the selectors is compared with.
 void RememberTexts(AppState& state) {
@@ -36,14 +36,14 @@ void RememberTexts(AppState& state) {
 
 PanelRanges RangesOfPanels(const DeviceSettings& settings) {
   const bool dual = LoadShared(globals.dualMode) != 0;
-  const bool low = !dual && UsesLowChannel(settings, LoadShared(globals.deviceFamily));
+  const bool low = !dual && UsesLowChannel(settings, FamilyInUse());
   return {RangeInMillimetres(low ? settings.rangeLow_mm : settings.rangeHigh_mm),
           dual ? RangeInMillimetres(settings.rangeLow_mm) : 0};
 }
 
 void AdoptDevice(AppState& state, PanelRanges before) {
   DeviceSettings& settings = state.settings;
-  const bool first = LoadShared(globals.deviceFamily) == 1;
+  const bool first = FamilyInUse() == DeviceFamily::first;
   const bool dual = first && settings.simultaneous != 0;
   StoreShared(globals.dualMode, dual ? 1 : 0);
   if (first && settings.pingInterval_ms >= 1 && settings.pingInterval_ms < kShortestInterval_ms) {

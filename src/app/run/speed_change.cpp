@@ -8,7 +8,6 @@
 #include "app/window/control_ids.h"
 #include "app/window/ui.h"
 #include "app/window/wait_pointer.h"
-#include "base/shared_value.h"
 #include "device/command_link.h"
 #include "device/settings_writer.h"
 #include "platform/clock.h"
@@ -21,7 +20,7 @@ constexpr uint32_t kSpeedPause_ms = 100;
 
 // The third family does not answer in between.
 bool AwaitsReplies() {
-  return LoadShared(globals.deviceFamily) != 0;
+  return FamilyInUse() != DeviceFamily::third;
 }
 
 // Tells the device and everybody else about the new speed. The device takes it over when it is reset.
@@ -42,8 +41,8 @@ void ReopenAsFirstFamily(AppState& state) {
   wchar_t text[64];
   GetControlText(state, ID_OUTPUT, text);
   OutputMode mode = 0;
-  if (!IsChecked(state, ID_RECORD) || !ModeOfName(1, text, mode)) return;
-  OpenRecordFiles(state, NamingMoment::recordSwitchedOn, 1);
+  if (!IsChecked(state, ID_RECORD) || !ModeOfName(DeviceFamily::first, text, mode)) return;
+  OpenRecordFiles(state, NamingMoment::recordSwitchedOn, DeviceFamily::first);
 }
 
 }  // namespace
@@ -60,7 +59,7 @@ void ChangeSpeed(AppState& state, int32_t speed_bps) {
   }
   StopTimer(state, ID_TIMER_LINK);
   globals.deviceBaud = speed_bps;  // kept: also when the device does not hear of it
-  if (!SendNewSpeed(state, speed_bps)) return GiveUpRun(state, pointer, L"Echosounder is not connected");
+  if (!SendNewSpeed(state, speed_bps)) return GiveUpRun(state, pointer, kNotConnected);
 
   CloseDevicePort(state);
   SleepMilliseconds(kSpeedPause_ms);

@@ -40,7 +40,7 @@ void StartRun(AppState& state) {
   const ElapsedLog log;
   EndFileWorkers(state);
   ClearLiveTexts(state);  // of a playback or conversion
-  StoreShared(state.conversionKind, 0);
+  SetConversion(state, Conversion::none);
   RefreshControlStates(state);  // the playback is over, also when no run follows
 
   WaitPointer pointer(state);

@@ -25,7 +25,7 @@ void ShowMeasuredInterval(AppState& state) {
 }
 
 void ShowTitle(AppState& state) {
-  const bool works = state.acquisitionThread != Handle::null || LoadShared(state.conversionKind) != 0;
+  const bool works = state.acquisitionThread != Handle::null || ConversionUnderWay(state) != Conversion::none;
   const bool named = works && IsChecked(state, ID_RECORD) && state.playbackActive == 0;
   wchar_t title[sizeof(Globals::titleText)];
   WidenText(title, named ? globals.titleText : kProgramTitle);

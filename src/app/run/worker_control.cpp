@@ -39,7 +39,7 @@ void EndFileWorker(Handle& thread, Event& stop) {
 LiveStart DescribeStart(const AppState& state, const StreamForm& form, OutputMode mode) {
   LiveStart start{.form = &form,
                   .settings = state.appliedSettings,
-                  .deviceFamily = LoadShared(globals.deviceFamily),
+                  .deviceFamily = FamilyInUse(),
                   .dual = LoadShared(globals.dualMode) != 0,
                   .port = LoadShared(state.devicePort),
                   .runNumber = LoadShared(state.runNumber)};
@@ -68,7 +68,7 @@ bool StartGps(AppState& state) {
 }  // namespace
 
 WorkerStart StartWorkers(AppState& state) {
-  const int32_t family = LoadShared(globals.deviceFamily);
+  const DeviceFamily family = FamilyInUse();
   const OutputModeRow& mode = AcceptedMode(family, state.settings.outputMode);
   state.settings.outputMode = mode.code;
   // A device that supports smoothing reports its frequency.

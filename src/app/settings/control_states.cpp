@@ -69,7 +69,7 @@ bool IsUsable(Use use, const DeviceSettings& settings) {
     case on:
       return true;
     case first:
-      return LoadShared(globals.deviceFamily) == 1;
+      return FamilyInUse() == DeviceFamily::first;
     case presets:
       return hasPresets;
     case noPreset:
@@ -82,7 +82,7 @@ bool IsUsable(Use use, const DeviceSettings& settings) {
 
 ProgramState StateOfProgram(const AppState& state) {
   if (LoadShared(state.devicePort) != Handle::invalid) return ProgramState::running;
-  if (LoadShared(state.conversionKind) != 0) return ProgramState::converting;
+  if (ConversionUnderWay(state) != Conversion::none) return ProgramState::converting;
   if (state.playbackActive == 0) return ProgramState::idle;
   const bool paused = state.playbackAtEnd != 0 || state.playbackPaused != 0;
   return paused ? ProgramState::paused : ProgramState::playing;

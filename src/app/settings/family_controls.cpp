@@ -35,7 +35,7 @@ constexpr Selector kSelectors[] = {
 
 // Both frequencies are chosen, whether the device has been told or not; or stand in the played file.
 bool IsBothChosen(const FormFacts& facts, const DeviceSettings& settings) {
-  return facts.family == 1 && (facts.played ? facts.dual : settings.simultaneous != 0);
+  return facts.family == DeviceFamily::first && (facts.played ? facts.dual : settings.simultaneous != 0);
 }
 
 // The channel whose range the main window shows: of both the high one.
@@ -108,7 +108,7 @@ void TakeDualMode(AppState& state) {
 }  // namespace
 
 FormFacts CurrentFormFacts(const AppState& state) {
-  return {.family = LoadShared(globals.deviceFamily),
+  return {.family = FamilyInUse(),
           .dual = LoadShared(globals.dualMode) != 0,
           .smoothingSupported = globals.smoothingSupported != 0,
           .presetCapable = globals.presetCapable != 0,
@@ -118,12 +118,12 @@ FormFacts CurrentFormFacts(const AppState& state) {
 }
 
 void ShowFamilyControls(AppState& state) {
-  const int32_t family = LoadShared(globals.deviceFamily);
+  const DeviceFamily family = FamilyInUse();
   ShowControl(state, ID_HIGH_FREQUENCY, true);
-  ShowControl(state, ID_LOW_FREQUENCY, family == 1);
-  ShowControl(state, ID_DUAL_MODE, family == 1);
-  ShowControl(state, ID_PRESET_LABEL, family != 0);
-  ShowControl(state, ID_PRESET, family != 0);
+  ShowControl(state, ID_LOW_FREQUENCY, family == DeviceFamily::first);
+  ShowControl(state, ID_DUAL_MODE, family == DeviceFamily::first);
+  ShowControl(state, ID_PRESET_LABEL, family != DeviceFamily::third);
+  ShowControl(state, ID_PRESET, family != DeviceFamily::third);
 }
 
 void RefreshSettingsControls(AppState& state) {

@@ -1,11 +1,9 @@
 #include "app/settings/settings_form.h"
 
-#include <algorithm>
 #include <cinttypes>
 #include <cmath>
 #include <cwchar>
 #include <iterator>
-#include <string_view>
 
 #include "acquisition/output_mode.h"
 #include "app/settings/settings_text.h"
@@ -125,7 +123,7 @@ Limits LimitsOf(const Row& row, FieldChannel channel, const FormFacts& facts, co
     case F::range:
       return {row.lowest, MaxRange_mm(channel, settings) / 1000.0};
     case F::interval:
-      return {facts.family == 1 ? kShortestInterval_ms / 1000.0 : 0.0, row.highest};
+      return {facts.family == DeviceFamily::first ? kShortestInterval_ms / 1000.0 : 0.0, row.highest};
     case F::txLength: {
       const int32_t reported = IsLow(channel) ? settings.maxLengthLow : settings.maxLengthHigh;
       return {row.lowest, static_cast<double>(reported <= 0 ? kDefaultMaxLength : reported)};
@@ -142,18 +140,18 @@ void FormatShown(SettingsField field, const FormFacts& facts, const S& settings,
   constexpr const wchar_t* kInterfaces[] = {L"RS-232", L"RS-485", L"USB"};
   switch (field) {
     case F::identity:
-      if (facts.family == 1) {
+      if (facts.family == DeviceFamily::first) {
         FormatWide(text, "%s", settings.identity);
       } else {
         FormatWide(text, "%04" PRId32, settings.identifierWord);
       }
       return;
     case F::firmware:
-      if (facts.family == 0) return static_cast<void>(CopyWide(text, kUnknown));
+      if (facts.family == DeviceFamily::third) return static_cast<void>(CopyWide(text, kUnknown));
       FormatNumber(static_cast<double>(facts.firmwareVersion), 2, text);
       return;
     case F::interfaceType:
-      if (facts.family != 1) return static_cast<void>(CopyWide(text, kUnknown));
+      if (facts.family != DeviceFamily::first) return static_cast<void>(CopyWide(text, kUnknown));
       CopyWide(text, facts.interfaceType >= 0 && facts.interfaceType <= 2 ? kInterfaces[facts.interfaceType]
                                                                           : kInterfaces[0]);
       return;
@@ -175,7 +173,7 @@ void AddItem(FieldItems& items, const wchar_t* text) {
 }
 
 // The family's modes, and at the end the device's own when it is none of them.
-void AddModes(FieldItems& items, int32_t family, OutputMode own) {
+void AddModes(FieldItems& items, DeviceFamily family, OutputMode own) {
   for (const OutputModeRow& mode : OfferedModes(family)) AddItem(items, mode.name.data());
   if (!NameOfMode(family, own).empty()) return;
   wchar_t text[kFieldTextSize];
@@ -254,7 +252,7 @@ void Store(const Row& row, FieldChannel channel, double value, S& settings) {
 }  // namespace
 
 SettingsForm FormOf(const FormFacts& facts) {
-  if (facts.family != 1) return SettingsForm::detail;
+  if (facts.family != DeviceFamily::first) return SettingsForm::detail;
   return facts.dual ? SettingsForm::dual : SettingsForm::single;
 }
 
@@ -264,10 +262,10 @@ FieldChannel ActiveChannel(const FormFacts& facts, const DeviceSettings& setting
 
 bool IsShown(SettingsField field, const FormFacts& facts) {
   if (field == F::outputRate && !facts.smoothingSupported) return false;
-  const uint8_t form = facts.played        ? kPlayed
-                       : facts.family == 1 ? (facts.dual ? kDual : kSingle)
-                       : facts.family == 2 ? kSecond
-                                           : kThird;
+  const uint8_t form = facts.played                           ? kPlayed
+                       : facts.family == DeviceFamily::first  ? (facts.dual ? kDual : kSingle)
+                       : facts.family == DeviceFamily::second ? kSecond
+                                                              : kThird;
   return (RowOf(field).shown & form) != 0;
 }
 

@@ -50,7 +50,7 @@ inline constexpr size_t kSettingsFields = 22;
 
 // What a form depends on beside the settings.
 struct FormFacts {
-  int32_t family;  // 1, 2 or 0
+  DeviceFamily family;
   bool dual;
   bool smoothingSupported;
   bool presetCapable;

@@ -54,7 +54,7 @@ void FormatInterval(int32_t interval_ms, std::span<wchar_t> text) {
   }
 }
 
-void FormatMode(int32_t family, OutputMode mode, std::span<wchar_t> text) {
+void FormatMode(DeviceFamily family, OutputMode mode, std::span<wchar_t> text) {
   const std::wstring_view name = NameOfMode(family, mode);
   if (mode == kPlayedBinary) {
     CopyWide(text, L"Echo Bin");

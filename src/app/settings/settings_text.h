@@ -23,7 +23,7 @@ void FormatNumber(double value, int decimals, std::span<wchar_t> text);
 void FormatInterval(int32_t interval_ms, std::span<wchar_t> text);
 
 // A mode that the family's list has no name for shows as its number.
-void FormatMode(int32_t family, OutputMode mode, std::span<wchar_t> text);
+void FormatMode(DeviceFamily family, OutputMode mode, std::span<wchar_t> text);
 
 // "Off", "Auto" or the preset's number. False when the text is none of them: `preset` is unchanged.
 void FormatPreset(int32_t preset, std::span<wchar_t> text);

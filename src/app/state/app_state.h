@@ -7,9 +7,12 @@
 
 #include <cstdint>
 
+#include "app/state/conversion.h"
+#include "app/state/device_family.h"
 #include "app/state/device_settings.h"
 #include "app/state/display_palette.h"
 #include "app/state/gps_fix.h"
+#include "base/shared_value.h"
 #include "platform/handle.h"
 #include "platform/sync.h"
 
@@ -94,7 +97,7 @@ struct AppState {
   int32_t echogramEnabled;    // shared
   Handle sliderWindow;
   int32_t playbackSpan;    // given, unread
-  int32_t conversionKind;  // 0 none, 1 SEG-Y, 2 binary to text; shared
+  int32_t conversionKind;  // a Conversion, see ConversionUnderWay; shared
   uint64_t seekRequest;    // shared: the slider asks, the file worker takes; see app/state/slider_messages.h
 
   // Of a playback, of choices that wait to be sent, of the window and of the record files.
@@ -158,7 +161,7 @@ inline constexpr size_t kSlotsOfRing = 10'000;
 struct Globals {
   Handle instance;
   int32_t deviceBaud;
-  int32_t deviceFamily;  // 1, 2 or 0; shared
+  int32_t deviceFamily;  // a DeviceFamily, see FamilyInUse; shared
   int32_t dualMode;      // shared
   int32_t devicePortNumber;
   int32_t gpsPortNumber;  // -1 = none
@@ -218,5 +221,17 @@ struct Globals {
 };
 
 extern Globals globals;
+
+// Of the device, or of the file that is played.
+[[nodiscard]] inline DeviceFamily FamilyInUse() {
+  return DeviceFamily{LoadShared(globals.deviceFamily)};
+}
+
+[[nodiscard]] inline Conversion ConversionUnderWay(const AppState& state) {
+  return Conversion{LoadShared(state.conversionKind)};
+}
+inline void SetConversion(AppState& state, Conversion conversion) {
+  StoreShared(state.conversionKind, static_cast<int32_t>(conversion));
+}
 
 }  // namespace tw

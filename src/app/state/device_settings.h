@@ -6,6 +6,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "app/state/device_family.h"
+
 namespace tw {
 
 inline constexpr size_t kIdentitySize = 96;
@@ -90,8 +92,8 @@ struct DeviceSettings {
 
 // Whether a run of one frequency uses the low channel. The families 2 and 0 have one channel, whatever its
 // frequency is; its values are the high ones.
-[[nodiscard]] constexpr bool UsesLowChannel(const DeviceSettings& settings, int32_t family) {
-  return family == 1 && settings.frequencyInUse_hz == settings.lowFrequency_hz;
+[[nodiscard]] constexpr bool UsesLowChannel(const DeviceSettings& settings, DeviceFamily family) {
+  return family == DeviceFamily::first && settings.frequencyInUse_hz == settings.lowFrequency_hz;
 }
 
 // The one guard for firmware that reports ranges in metres: 1 to 999 are metres (valid ranges are 1 to

@@ -67,7 +67,7 @@ RecordFileNames NameOtherFamilies(const NamingFacts& facts, const char* stamp) {
   RecordFileNames names{};
   names.a.channelFrequency_hz = facts.measuredHigh_hz;
   // kept: at Start this family's frequency stands in the text itself.
-  const bool fixed = facts.family == 0 && facts.moment == NamingMoment::start;
+  const bool fixed = facts.family == DeviceFamily::third && facts.moment == NamingMoment::start;
   FormatText(names.a.record, "%s_Single_%" PRId32 "kHz_id_%" PRId32 "_%s.log", stamp,
              fixed ? 450 : NameKHz(facts.measuredHigh_hz), facts.identifierWord, facts.modeWord);
   return names;
@@ -87,7 +87,8 @@ void FormatTimeStamp(std::span<char> out, const CalendarTime& localTime) {
 RecordFileNames NameRecordFiles(const NamingFacts& facts) {
   char stamp[32];
   FormatTimeStamp(stamp, facts.localTime);
-  return facts.family == 1 ? NameFirstFamily(facts, stamp) : NameOtherFamilies(facts, stamp);
+  return facts.family == DeviceFamily::first ? NameFirstFamily(facts, stamp)
+                                             : NameOtherFamilies(facts, stamp);
 }
 
 void FormatRecordTitle(std::span<char> out, const char* nameA, const char* nameB) {

@@ -9,6 +9,8 @@
 #include <span>
 #include <string_view>
 
+#include "app/state/conversion.h"
+#include "app/state/device_family.h"
 #include "base/calendar.h"
 #include "platform/handle.h"
 
@@ -25,7 +27,7 @@ enum class NamingMoment : uint8_t { start, recordSwitchedOn };
 // All that a record file's name depends on.
 struct NamingFacts {
   NamingMoment moment;
-  int32_t family;  // 1, 2 or 0
+  DeviceFamily family;
   bool dual;
   const char* modeWord;  // that stands for the output mode
   bool sharesOneFile;    // a dual run of it has one file for both channels
@@ -66,8 +68,7 @@ void FormatTimeStamp(std::span<char> out, const CalendarTime& localTime);
 void FormatRecordTitle(std::span<char> out, const char* nameA, const char* nameB);
 
 // The name of a conversion's output: the last component of the input's path up to its first point, then
-// ".sgy" or "_txt.log". Cut to fit.
-enum class Conversion : uint8_t { segy, text };
+// ".sgy" or "_txt.log" (Conversion::none is none). Cut to fit.
 void NameConversion(std::span<wchar_t> out, std::wstring_view inputPath, Conversion conversion);
 
 // Folder and name joined by the system's separator. False (and an empty `out`) when they do not fit.

@@ -13,6 +13,8 @@ struct AppState;
 
 enum class StatusPart : uint8_t { device = 0, gps = 1, position = 2, pingLine = 3, empty = 4 };
 
+inline constexpr wchar_t kWithoutMemoryText[] = L"Insufficient memory!";
+
 // Shows a text in a part of the status bar. Only the pointer travels: the text must live for the whole
 // process and stay readable after the writer has moved on (see StatusTexts).
 void PostStatusText(AppState& state, StatusPart part, const wchar_t* text);

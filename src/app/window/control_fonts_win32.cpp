@@ -18,7 +18,7 @@ bool DescribeFont(HWND control, LOGFONTW& font) {
 LONG WidestOutput(HDC dc, HFONT font) {
   const HGDIOBJ before = SelectObject(dc, font);
   LONG widest = 0;
-  for (const int32_t family : {1, 2, 0}) {
+  for (const DeviceFamily family : {DeviceFamily::first, DeviceFamily::second, DeviceFamily::third}) {
     for (const OutputModeRow& mode : OfferedModes(family)) {
       SIZE extent{};
       GetTextExtentPoint32W(dc, mode.name.data(), static_cast<int>(mode.name.size()), &extent);

@@ -191,7 +191,7 @@ INT_PTR CALLBACK SettingsDialogProcedure(HWND window, UINT message, WPARAM wPara
 
 // A played file's settings stand in one of the first family's frames, whoever made it.
 int DialogOf(const FormFacts& facts) {
-  if (facts.played && facts.family != 1) return ID_DIALOG_SINGLE;
+  if (facts.played && facts.family != DeviceFamily::first) return ID_DIALOG_SINGLE;
   switch (FormOf(facts)) {
     case SettingsForm::single:
       return ID_DIALOG_SINGLE;

@@ -1,7 +1,6 @@
 #include <windows.h>
 
 #include <cinttypes>
-#include <iterator>
 
 #include "app/run/run_control.h"
 #include "app/settings/port_selectors.h"

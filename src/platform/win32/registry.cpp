@@ -4,7 +4,6 @@
 
 #include <array>
 #include <cwchar>
-#include <string_view>
 
 #include "base/text_format.h"
 

@@ -373,7 +373,8 @@ TEST_P(Order, EverySettingReachesTheDeviceAndReadsBack) {
     if (row.dual || !highToo) texts.push_back({entry.field, FieldChannel::low, entry.low});
     if (highToo) texts.push_back({entry.field, FieldChannel::high, entry.high});
   }
-  const wchar_t* const mode = facts.family == 1 ? L"Echo Txt 12bit" : L"Echo txt Fixed 200 Samples";
+  const wchar_t* const mode =
+      facts.family == tw::DeviceFamily::first ? L"Echo Txt 12bit" : L"Echo txt Fixed 200 Samples";
   for (Text& entered : texts) {
     if (entered.field == F::outputMode) entered.text = mode;
     wchar_t error[256] = L"";

@@ -15,10 +15,10 @@ using F = SettingsField;
 using enum FieldChannel;
 
 // Family, both channels, smoothing, presets, interface, firmware.
-constexpr FormFacts kSingle{1, false, false, true, 2, 3.25f};
-constexpr FormFacts kDual{1, true, true, false, 0, 4.0f};
-constexpr FormFacts kSecond{2, false, false, false, 0, 1.0f};
-constexpr FormFacts kThird{0, false, false, false, 0, 0.0f};
+constexpr FormFacts kSingle{DeviceFamily::first, false, false, true, 2, 3.25f};
+constexpr FormFacts kDual{DeviceFamily::first, true, true, false, 0, 4.0f};
+constexpr FormFacts kSecond{DeviceFamily::second, false, false, false, 0, 1.0f};
+constexpr FormFacts kThird{DeviceFamily::third, false, false, false, 0, 0.0f};
 
 DeviceSettings Device() {
   DeviceSettings s{};
@@ -194,7 +194,7 @@ TEST(SettingsForm, ARangeBelowTheDeadZoneIsRefusedAtTheDeadZone) {
 }
 
 TEST(SettingsForm, FieldsWithoutEffectCannotBeUsed) {
-  constexpr FormFacts kSmoothing{2, false, true, false, 0, 1.0f};
+  constexpr FormFacts kSmoothing{DeviceFamily::second, false, true, false, 0, 1.0f};
   const struct {
     const char* what;
     F field;

@@ -56,14 +56,14 @@ TEST(SettingsLayout, NothingOverlapsAndEachLabelStandsAheadOfItsValue) {
   const struct {
     const char* name;
     FormFacts facts;
-  } forms[] = {{"single", {1, false, false, false, 0, 1.0f}},
-               {"single that smooths", {1, false, true, false, 0, 1.0f}},
-               {"dual", {1, true, false, false, 0, 1.0f}},
-               {"dual that smooths", {1, true, true, false, 0, 1.0f}},
-               {"second family", {2, false, false, true, 0, 1.0f}},
-               {"third family", {0, false, false, false, 0, 1.0f}},
-               {"played", {1, false, false, false, 0, 1.0f, true}},
-               {"played pair", {1, true, false, false, 0, 1.0f, true}}};
+  } forms[] = {{"single", {DeviceFamily::first, false, false, false, 0, 1.0f}},
+               {"single that smooths", {DeviceFamily::first, false, true, false, 0, 1.0f}},
+               {"dual", {DeviceFamily::first, true, false, false, 0, 1.0f}},
+               {"dual that smooths", {DeviceFamily::first, true, true, false, 0, 1.0f}},
+               {"second family", {DeviceFamily::second, false, false, true, 0, 1.0f}},
+               {"third family", {DeviceFamily::third, false, false, false, 0, 1.0f}},
+               {"played", {DeviceFamily::first, false, false, false, 0, 1.0f, true}},
+               {"played pair", {DeviceFamily::first, true, false, false, 0, 1.0f, true}}};
   for (const auto& form : forms) {
     SCOPED_TRACE(form.name);
     const FormLayout layout = LayOutForm(form.facts, DeviceSettings{});

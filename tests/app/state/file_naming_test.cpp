@@ -17,7 +17,7 @@ constexpr char kStamp[] = "20250314_093005_";
 // 450 kHz in use, its channels measured at 447 and 204.999 kHz.
 NamingFacts Facts(NamingMoment moment, int32_t family, bool dual, const char* word = "txt10") {
   return {.moment = moment,
-          .family = family,
+          .family = DeviceFamily{family},
           .dual = dual,
           .modeWord = word,
           .sharesOneFile = false,
