@@ -1,6 +1,7 @@
 // What came of a stream, as rings showed it and as record files hold it. The device samples at 25,000 Hz.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -8,18 +9,13 @@
 
 #include "acquisition/ping_record.h"
 #include "acquisition/ping_ring.h"
+#include "base/bytes.h"
+#include "platform/sync.h"
 
 namespace tw::test {
 
-inline constexpr size_t kRepeat = 4;  // a sample on the grid
-
-// How a mode is recorded.
-enum class RecordForm : uint8_t {
-  line,   // recorded as it came, behind it the position
-  epoch,  // the same behind a frequency line
-  text,   // recorded as it came, behind it the position and an empty line
-  block,  // recorded as a frame
-};
+inline constexpr size_t kRepeat = 4;          // a sample on the grid
+inline constexpr size_t kPulseReach = 1'000;  // samples in which a pulse is looked for
 
 // A ping that was on view, or a frame of a file.
 struct Shown {
@@ -27,30 +23,42 @@ struct Shown {
   std::vector<uint16_t> samples;
 };
 
-// Collects what a ring shows, as long as it is looked at more often than pings come.
+inline std::vector<uint16_t> SamplesAt(const uint8_t* bytes, size_t count) {
+  std::vector<uint16_t> samples(count);
+  LoadLeNumbers(std::span(samples), bytes);
+  return samples;
+}
+
+// Collects what a ring shows, as long as it is looked at more often than pings come. `repeat` is how often a
+// counted sample stands in the slot; 0 where a pulse is drawn.
 class RingWatch {
  public:
-  RingWatch(const PingRing& ring, RecordForm form) : ring_(ring), form_(form) {}
+  RingWatch(const PingRing& ring, const int32_t& index, Lock& lock, size_t repeat)
+      : ring_(ring), index_(index), lock_(lock), repeat_(repeat), last_(Newest(), kSlotSamples) {}
 
-  void Look(int32_t index);
+  void Look() {
+    const std::string_view newest(Newest(), kSlotSamples);
+    if (newest == last_) return;
+    last_ = newest;
+    const auto* const slot = reinterpret_cast<const uint8_t*>(newest.data());
+    const PingHeader header = LoadPingHeader(slot);
+    const size_t count = repeat_ == 0 ? kPulseReach : std::min(repeat_ * header.sampleCount, kMaxSlotSamples);
+    seen.push_back({header, SamplesAt(slot + kSlotSamples, count)});
+  }
 
   std::vector<Shown> seen;
 
  private:
-  static constexpr size_t kLooked = kSlotSamples + 400;
+  [[nodiscard]] const char* Newest() const {
+    Locked held(lock_);
+    return reinterpret_cast<const char*>(ring_.slots[index_]);
+  }
+
   const PingRing& ring_;
-  const RecordForm form_;
-  std::string last_ = std::string(kLooked, '\0');
+  const int32_t& index_;
+  Lock& lock_;
+  const size_t repeat_;
+  std::string last_;
 };
-
-struct RecordedFile {
-  std::vector<std::string> messages;  // as they came, in the forms that are recorded so
-  std::vector<Shown> frames;
-  [[nodiscard]] size_t Size() const { return messages.size() + frames.size(); }
-};
-
-// Read a file behind its first line; a torn or foreign part is a fatal failure.
-void ReadTexts(std::string_view file, RecordForm form, RecordedFile& out);
-void ReadFrames(std::string_view file, RecordedFile& out);
 
 }  // namespace tw::test
