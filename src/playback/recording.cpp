@@ -54,8 +54,7 @@ bool TellsFraction(std::string_view block) {
 class Recording final : public PingSource {
  public:
   Recording(Handle file, const Detected& told, int32_t sampling_hz)
-      : file_(file),
-        form_(*told.form),
+      : form_(*told.form),
         told_(told),
         kind_{told.form->name,         told.family,
               told.outputMode,         told.channels,
@@ -288,7 +287,6 @@ class Recording final : public PingSource {
     }
   }
 
-  Handle file_;
   OwnedFile owned_;  // closed with the recording; none where the caller closes it
   const StreamForm& form_;
   Detected told_;
