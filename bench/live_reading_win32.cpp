@@ -73,7 +73,7 @@ int main(int argc, char** argv) {
     std::fprintf(stderr, "usage: live_reading PORT_NUMBER SECONDS TIMES_FILE\n");
     return 2;
   }
-  const tw::Handle port = tw::OpenFastDevicePort(std::atoi(argv[1]));
+  const tw::Handle port = tw::OpenFastDevicePort((L"COM" + std::to_wstring(std::atoi(argv[1]))).c_str());
   std::FILE* times = std::fopen(argv[3], "w");
   const auto reading = std::make_unique<Reading>();
   tw::MakeLock(reading->lock);

@@ -14,7 +14,7 @@
 #include <span>
 #include <sstream>
 
-#include "app/run/run_control.h"
+#include "app/window/commands.h"
 #include "platform/clock.h"
 #include "simulator/sent_ping.h"
 #include "tests/end_to_end/simulator_process.h"

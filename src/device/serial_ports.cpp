@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cinttypes>
+#include <string>
 
 #include "base/text_format.h"
 #include "platform/clock.h"
@@ -15,10 +16,9 @@ constexpr uint32_t kFastReadConstant_ms = 200;
 constexpr uint32_t kAnyByteLimit_ms = 4000;
 constexpr std::wstring_view kPrefix = L"COM";
 
-Handle Open(int32_t number, const char* mode, uint32_t readConstant_ms) {
-  wchar_t name[32];
-  FormatWide(name, "\\\\.\\COM%" PRId32, number);
-  return OpenSerialLine(name, mode, readConstant_ms);
+Handle Open(const wchar_t* name, const char* mode, uint32_t readConstant_ms) {
+  const std::wstring device = std::wstring(L"\\\\.\\") + name;
+  return OpenSerialLine(device.c_str(), mode, readConstant_ms);
 }
 
 struct Listing {
@@ -52,14 +52,14 @@ uint32_t PortNumberOf(std::wstring_view name) {
   return static_cast<uint32_t>(negative ? -value : value);
 }
 
-Handle OpenDevicePort(int32_t number, int32_t baud) {
+Handle OpenDevicePort(const wchar_t* name, int32_t baud) {
   char mode[64];
   FormatText(mode, "baud=%" PRId32 " parity=N data=8 stop=1", baud);
-  return Open(number, mode, kReadConstant_ms);
+  return Open(name, mode, kReadConstant_ms);
 }
 
-Handle OpenFastDevicePort(int32_t number) {
-  return Open(number, "baud=3000000 parity=N data=8 stop=1 octs=on rts=on", kFastReadConstant_ms);
+Handle OpenFastDevicePort(const wchar_t* name) {
+  return Open(name, "baud=3000000 parity=N data=8 stop=1 octs=on rts=on", kFastReadConstant_ms);
 }
 
 bool WaitForAnyByte(Handle port) {

@@ -11,12 +11,12 @@
 
 namespace tw {
 
-// Opens COM`number` at the speed, 8 data bits, no parity, one stop bit; a read waits 100 ms for its first
-// byte. Handle::invalid on failure, and LastSystemError() tells why.
-[[nodiscard]] Handle OpenDevicePort(int32_t number, int32_t baud);
+// Opens a port by its name ("COM7") at the speed, 8 data bits, no parity, one stop bit; a read waits 100 ms
+// for its first byte. Handle::invalid on failure, and LastSystemError() tells why.
+[[nodiscard]] Handle OpenDevicePort(const wchar_t* name, int32_t baud);
 
 // The same at 3,000,000 bit/s with hardware flow control; a read waits 200 ms.
-[[nodiscard]] Handle OpenFastDevicePort(int32_t number);
+[[nodiscard]] Handle OpenFastDevicePort(const wchar_t* name);
 
 // True as soon as one byte has been read (it is gone then); false when none came within 4,000 ms or the port
 // failed.

@@ -8,7 +8,7 @@
 #include <utility>
 
 #include "app/run/playback_control.h"
-#include "app/run/run_control.h"
+#include "app/window/commands.h"
 #include "base/text_format.h"
 #include "platform/clock.h"
 

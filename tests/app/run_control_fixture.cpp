@@ -6,7 +6,8 @@
 #include <utility>
 
 #include "acquisition/ping_ring.h"
-#include "app/run/run_control.h"
+#include "app/run/record_set_up.h"
+#include "app/window/commands.h"
 #include "app/window/start_up.h"
 #include "platform/clock.h"
 #include "platform/memory.h"

@@ -78,7 +78,7 @@ class ScriptedLineTest : public testing::Test {
   ScriptedLineTest() {
     ClearFaults();
     AttachPeer(kScriptedLine, &device_);
-    port_ = OpenDevicePort(5, 115'200);
+    port_ = OpenDevicePort(L"COM5", 115'200);
   }
   ~ScriptedLineTest() override {
     CloseSerialLine(port_);

@@ -92,7 +92,7 @@ TEST(SerialPorts, AnIdleReadTakesTwiceAsLongOnTheFastPort) {
   test::LineScript silent;
   AttachPeer(L"\\\\.\\COM9", &silent);
   for (const bool fast : {false, true}) {
-    const Handle port = fast ? OpenFastDevicePort(9) : OpenDevicePort(9, 115'200);
+    const Handle port = fast ? OpenFastDevicePort(L"COM9") : OpenDevicePort(L"COM9", 115'200);
     const int64_t begin_us = VirtualNow_us();
     uint8_t byte = 0;
     uint32_t got = 1;

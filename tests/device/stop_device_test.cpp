@@ -49,7 +49,7 @@ class StopDeviceTest : public testing::Test {
     device_ = KeyPeer();
     device_.answers = answers;
     AttachPeer(test::kScriptedLine, &device_);
-    port_ = OpenDevicePort(5, 921'600);
+    port_ = OpenDevicePort(L"COM5", 921'600);
   }
   // The same with a device that is sending.
   void ConnectStreaming(const Answers& answers) {

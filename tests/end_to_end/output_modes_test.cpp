@@ -17,7 +17,7 @@
 #include <vector>
 
 #include "acquisition/record_file.h"
-#include "app/run/run_control.h"
+#include "app/window/commands.h"
 #include "base/shared_value.h"
 #include "display/panel.h"
 #include "display/zoom.h"

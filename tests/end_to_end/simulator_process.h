@@ -14,6 +14,7 @@
 #include <thread>
 #include <vector>
 
+#include "app/run/record_set_up.h"
 #include "app/window/control_ids.h"
 #include "app/window/start_up.h"
 #include "platform/virtual/documents_folder.h"

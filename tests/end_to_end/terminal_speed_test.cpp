@@ -8,8 +8,8 @@
 #include <fstream>
 #include <thread>
 
-#include "app/run/run_control.h"
 #include "app/settings/control_states.h"
+#include "app/window/commands.h"
 #include "base/shared_value.h"
 #include "tests/app/run_control_fixture.h"
 #include "tools/echosim/binding.h"

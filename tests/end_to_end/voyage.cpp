@@ -5,8 +5,8 @@
 
 #include "acquisition/output_mode.h"
 #include "acquisition/ping_record.h"
-#include "app/run/run_control.h"
 #include "app/settings/family_controls.h"
+#include "app/window/commands.h"
 #include "base/bytes.h"
 #include "platform/clock.h"
 #include "platform/memory.h"

@@ -1,13 +1,9 @@
 #include "app/run/connection.h"
 
 #include <algorithm>
-#include <cinttypes>
 #include <cstdlib>
 #include <iterator>
 
-#include "app/settings/port_selectors.h"
-#include "app/window/control_ids.h"
-#include "app/window/ui.h"
 #include "base/shared_value.h"
 #include "base/text_format.h"
 #include "device/command_link.h"
@@ -25,7 +21,6 @@ namespace {
 constexpr int32_t kFastSpeed_bps = 3'000'000;
 constexpr uint32_t kPause_ms = 10;
 constexpr int kRepeats = 2;  // of forms in one identification, each of another form
-constexpr wchar_t kGpsDisconnected[] = L"GPS: Disconnected";
 
 struct FamilyReader {
   DeviceFamily family;
@@ -39,25 +34,13 @@ constexpr FamilyReader kFamilyReaders[] = {
     {DeviceFamily::third, ReadSettingsFromB64Info},
 };
 
-bool BringToPrompt(AppState& state, WaitPointer& pointer, const ElapsedLog& log) {
-  if (StopDevice(state.devicePort) == LinkResult::success) return true;
-  pointer.Restore();
-  ShowBox(state, kNotConnected, L"Error", BoxIcon::error);
-  CloseDevicePort(state);
-  log.Write("After Stop Fail time :  ");
-  return false;
-}
-
-bool OpenGps(AppState& state, WaitPointer& pointer) {
-  if (globals.gpsPortNumber == kNoGpsPort) return true;
-  const Handle port = OpenDevicePort(globals.gpsPortNumber, globals.gpsBaud);
+RunResult OpenReceiver(AppState& state) {
+  if (globals.gpsPortNumber == kNoGpsPort) return {};
+  const Handle port = OpenDevicePort(state.gpsPortName, globals.gpsBaud);
   const uint32_t error = LastSystemError();
   StoreShared(state.gpsPort, port);
-  if (port != Handle::invalid) return true;
-  CloseDevicePort(state);
-  pointer.Restore();
-  ShowSystemError(state, error);
-  return false;
+  if (port == Handle::invalid) return {RunFault::receiverRefused, error};
+  return {};
 }
 
 // What is known before a form is read: the settings, and what stands beside them in `globals`.
@@ -165,56 +148,45 @@ void CloseGpsPort(AppState& state) {
   CloseSerialLine(ExchangeShared(state.gpsPort, Handle::invalid));
 }
 
-void ReadCommunication(AppState& state) {
-  CommunicationSettings chosen{globals.devicePortNumber, globals.deviceBaud, globals.gpsPortNumber,
-                               globals.gpsBaud};
-  ReadCommunicationCombos(state, chosen);
-  globals.devicePortNumber = chosen.devicePort;
-  globals.deviceBaud = chosen.deviceSpeed_bps;
-  globals.gpsPortNumber = chosen.gpsPort;
-  globals.gpsBaud = chosen.gpsSpeed_bps;
+void TakeCommunication(AppState& state, const RunChoices& choices) {
+  CopyWide(state.devicePortName, choices.device.name);
+  CopyWide(state.gpsPortName, choices.receiver.name);
+  globals.devicePortNumber = static_cast<int32_t>(PortNumberOf(choices.device.name));
+  globals.deviceBaud = choices.device.speed_bps;
+  const bool chosen = choices.receiver.name[0] != L'\0';
+  globals.gpsPortNumber = chosen ? static_cast<int32_t>(PortNumberOf(choices.receiver.name)) : kNoGpsPort;
+  globals.gpsBaud = choices.receiver.speed_bps;
 }
 
 bool OpenDevice(AppState& state, uint32_t& error) {
   const Handle port = globals.deviceBaud == kFastSpeed_bps
-                          ? OpenFastDevicePort(globals.devicePortNumber)
-                          : OpenDevicePort(globals.devicePortNumber, globals.deviceBaud);
+                          ? OpenFastDevicePort(state.devicePortName)
+                          : OpenDevicePort(state.devicePortName, globals.deviceBaud);
   error = LastSystemError();
   StoreShared(state.devicePort, port);
   return port != Handle::invalid;
 }
 
-bool ConnectPorts(AppState& state, WaitPointer& pointer, const ElapsedLog& log) {
+RunResult ConnectPorts(AppState& state, const ElapsedLog& log) {
   uint32_t error = 0;
-  if (!OpenDevice(state, error)) {
-    pointer.Restore();
-    ShowSystemError(state, error);
-    return false;
-  }
+  if (!OpenDevice(state, error)) return {RunFault::deviceRefused, error};
   log.Write("After Connect Time :  ");
-  if (!BringToPrompt(state, pointer, log)) return false;
+  if (StopDevice(state.devicePort) != LinkResult::success) return {RunFault::noPrompt};
   // A prompt that comes late would shift each later reply by one; without one this costs the reply's limit.
   static_cast<void>(SkipReply(state.devicePort));
   SleepMilliseconds(kPause_ms);
-  StopTimer(state, ID_TIMER_LINK);
   log.Write("After Stop Time   ");
-  return OpenGps(state, pointer);
+  return OpenReceiver(state);
 }
 
-bool IdentifyDevice(AppState& state, WaitPointer& pointer) {
+RunResult IdentifyDevice(AppState& state) {
   DeviceSettings settings{};
   const FamilyReader* reader = ReadSettings(state.devicePort, settings);
-  if (reader == nullptr) {
-    pointer.Restore();
-    ShowBox(state, kUnreadableSettings, L"Error", BoxIcon::error);
-    CloseDevicePort(state);
-    if (globals.gpsPortNumber != kNoGpsPort) CloseGpsPort(state);
-    return false;
-  }
+  if (reader == nullptr) return {RunFault::unidentified};
   SettleFamily(state.devicePort, reader->family, settings);
   StoreShared(globals.deviceFamily, static_cast<int32_t>(reader->family));
   TakeOver(state, reader->family, settings);
-  return true;
+  return {};
 }
 
 bool ReadSettingsBack(AppState& state) {
@@ -228,30 +200,6 @@ bool ReadSettingsBack(AppState& state) {
   if (family != DeviceFamily::first) settings.simultaneous = 0;
   TakeOver(state, family, settings);
   return true;
-}
-
-void ShowConnection(AppState& state) {
-  wchar_t text[kStatusTextSize];
-  if (FamilyInUse() == DeviceFamily::first) {
-    FormatWide(text, "Device: COM%" PRId32 ",%" PRId32 "bps, ID: %s", globals.devicePortNumber,
-               globals.deviceBaud, state.settings.identity);
-  } else {
-    FormatWide(text, "Device: COM%" PRId32 ",%" PRId32 "bps, ID: %04" PRId32, globals.devicePortNumber,
-               globals.deviceBaud, state.settings.identifierWord);
-  }
-  SetStatusText(state, StatusPart::device, text);
-  const Handle gps = LoadShared(state.gpsPort);
-  if (gps == Handle::null || gps == Handle::invalid) {  // none chosen, or its plug was pulled
-    SetStatusText(state, StatusPart::gps, kGpsDisconnected);
-    return;
-  }
-  FormatWide(text, "GPS: COM%" PRId32 ",%" PRId32 "bps", globals.gpsPortNumber, globals.gpsBaud);
-  SetStatusText(state, StatusPart::gps, text);
-}
-
-void ShowDisconnected(AppState& state) {
-  SetStatusText(state, StatusPart::device, L"Device: Disconnected");
-  SetStatusText(state, StatusPart::gps, kGpsDisconnected);
 }
 
 }  // namespace tw

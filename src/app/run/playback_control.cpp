@@ -3,11 +3,13 @@
 #include <optional>
 
 #include "acquisition/output_mode.h"
-#include "app/run/run_steps.h"
+#include "app/run/run_start.h"
 #include "app/run/worker_control.h"
 #include "app/settings/control_states.h"
 #include "app/settings/family_controls.h"
 #include "app/state/file_naming.h"
+#include "app/window/commands.h"
+#include "app/window/run_faults.h"
 #include "app/window/ui.h"
 #include "base/shared_value.h"
 #include "base/text_format.h"

@@ -1,40 +1,62 @@
-// Run control: what the main window's buttons and timers do with the device, the GPS receiver and the
-// workers. GUI thread. Start blocks for some seconds while it talks to the device; no function here pumps
-// messages except while a message box is shown. What was clicked and typed meanwhile is thrown away.
+// Run control: the steps that start, change and end a run of the device, the GPS receiver and the workers.
+// No window below here: choices come in as values, what fails goes out as a fault, and TellRunChanged says on
+// the way what has changed. GUI thread, or the one thread of a program without a window. A step blocks for
+// some seconds while it talks to the device.
 //
-// The program is idle (no device port open) or running (device port open, acquisition worker started).
-// Whatever fails leaves it idle, with the ports and record files closed and "Start" enabled.
+// The program is idle (no device port open) or running (device port open, acquisition worker started). A
+// fault leaves ports and files as they are, so that the operator is told before or after they are closed;
+// CloseAfter closes them.
 #pragma once
 
+#include "app/run/elapsed_log.h"
+#include "app/run/run_choices.h"
+#include "app/run/run_fault.h"
 #include "app/state/app_state.h"
 
 namespace tw {
 
-// "Start": ends a playback, connects, identifies the device, opens record files, starts device and workers.
-// Without effect while running.
-void StartRun(AppState& state);
+// The ranges of the channels that the two panels show; the lower one is 0 unless both frequencies run.
+struct PanelRanges {
+  int32_t upper_mm = 0;
+  int32_t lower_mm = 0;
+};
 
-// "Stop": ends the workers (waits 3 s at most), closes ports and record files. Sends nothing to the device,
-// which goes on streaming. Ends a playback too. Harmless while idle.
-void StopRun(AppState& state);
+// As they are with the settings in force.
+[[nodiscard]] PanelRanges RangesInForce(const AppState& state);
 
-// "Apply": interrupts the run, sends what differs from the applied settings, reads everything back, opens
-// fresh record files and goes on. Without a device it only says so.
-void ApplySettings(AppState& state);
+// From idle: connects, identifies the device, opens record files, starts device and workers. No file is being
+// played or converted any more.
+RunResult BeginRun(AppState& state, const RunChoices& choices, const ElapsedLog& log);
 
-// "Default Setting": the same with the device's own defaults, after a question.
-void RestoreDefaults(AppState& state);
+// Ends the workers (waits 3 s at most), closes ports and record files. Sends nothing to the device, which
+// goes on streaming. Harmless while idle.
+void EndRun(AppState& state);
 
-// Tells the device and the port a new speed of the device list, and goes on with the run.
-void ChangeSpeed(AppState& state, int32_t speed_bps);
+// Something is open or alive that EndRun has to close, which may take its time.
+[[nodiscard]] bool HoldsRun(AppState& state);
 
-// Range or output was chosen anew: a running device gets it by itself a second later.
-void NoteChoice(AppState& state);
+// Ends the acquisition worker, as long as that takes, and brings the device to its prompt: what the next
+// three steps begin with.
+RunResult InterruptRun(AppState& state);
 
-// "Record Data" was ticked or unticked.
-void ToggleRecording(AppState& state);
+// Sends what differs from the applied settings, and reads everything back. After `dualOldRefused` the run can
+// be resumed.
+RunResult SendSettings(AppState& state, const RunChoices& choices);
 
-// One of the main window's timers has fired. Without effect before the start-up is over.
-void HandleTimer(AppState& state, int timer);
+// The same with the device's own defaults; choices that wait are dropped.
+RunResult SendDefaults(AppState& state);
+
+// Tells the device and the port a new speed and goes on with the run.
+RunResult SwitchSpeed(AppState& state, int32_t speed_bps, const RunChoices& choices);
+
+// Goes on with the settings that were read back: fresh record files, device, workers. A panel whose range is
+// still the one before stays zoomed as the operator left it.
+RunResult ResumeRun(AppState& state, const RunChoices& choices, PanelRanges before);
+
+// Closes what a fault has left open; the run of a fault in mid-run is ended.
+void CloseAfter(AppState& state, RunFault fault, const ElapsedLog* log = nullptr);
+
+// Recording from now on or no more; a running device gets fresh record files at once.
+void SwitchRecording(AppState& state, bool record);
 
 }  // namespace tw

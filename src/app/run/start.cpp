@@ -1,16 +1,9 @@
 #include "acquisition/record_file.h"
 #include "app/run/connection.h"
-#include "app/run/elapsed_log.h"
 #include "app/run/record_opening.h"
 #include "app/run/run_control.h"
-#include "app/run/run_steps.h"
+#include "app/run/run_start.h"
 #include "app/run/worker_control.h"
-#include "app/settings/control_states.h"
-#include "app/settings/family_controls.h"
-#include "app/settings/persistent_settings.h"
-#include "app/window/control_ids.h"
-#include "app/window/ui.h"
-#include "app/window/wait_pointer.h"
 #include "base/shared_value.h"
 #include "gps/gps_worker.h"
 #include "playback/played_channel.h"
@@ -19,7 +12,6 @@ namespace tw {
 namespace {
 
 void BeginRecording(AppState& state) {
-  if (!IsChecked(state, ID_RECORD)) return;
   Signal(state.recordingEvent);
   if (IsRecordFileOpen(state, RecordChannel::a) || IsRecordFileOpen(state, RecordChannel::b)) return;
   OpenRecordFiles(state, NamingMoment::start);
@@ -33,39 +25,31 @@ void ForgetFormerPings(AppState& state) {
   StoreShared(globals.latestAltitudeLow_m, 0.0f);
 }
 
+RunResult Connect(AppState& state, const RunChoices& choices, const ElapsedLog& log) {
+  TakeCommunication(state, choices);
+  state.appliedSettings = state.settings;  // shown behind a box, until the device has told its own
+  const RunResult result = ConnectPorts(state, log);
+  return result.Succeeded() ? IdentifyDevice(state) : result;
+}
+
 }  // namespace
 
-void StartRun(AppState& state) {
-  if (LoadShared(state.devicePort) != Handle::invalid) return;  // runs already
-  const ElapsedLog log;
-  EndFileWorkers(state);
-  ClearLiveTexts(state);  // of a playback or conversion
-  SetConversion(state, Conversion::none);
-  RefreshControlStates(state);  // the playback is over, also when no run follows
-
-  WaitPointer pointer(state);
+RunResult BeginRun(AppState& state, const RunChoices& choices, const ElapsedLog& log) {
   ForgetFormerPings(state);
-  ReadCommunication(state);
-  state.appliedSettings = state.settings;  // shown behind a box, until the device has told its own
-  // What came while a box was shown found the port still open.
-  if (!ConnectPorts(state, pointer, log) || !IdentifyDevice(state, pointer))
-    return RefreshControlStates(state);
-  ShowFamilyControls(state);
+  const RunResult connected = Connect(state, choices, log);
+  if (!connected.Succeeded()) return connected;
   log.Write("After GetSetting Time ");
-  ShowConnection(state);
   AdoptDevice(state);
-  RefreshSettingsControls(state);
-  pointer.Restore();
+  TellRunChanged(state, RunChange::identified);
 
-  SaveCommunicationSettings(
-      {globals.devicePortNumber, globals.deviceBaud, globals.gpsPortNumber, globals.gpsBaud});
-  BeginRecording(state);
+  if (choices.record) BeginRecording(state);
   KeepInterval(state.settings);
   log.Write("Before Start Device Time  ");
   RaiseRunNumber(state);
   ClearPosition(state, globals.gpsPortNumber != kNoGpsPort);
-  if (!StartDeviceAndWorkers(state)) return;
-  log.Write("After Start Device Time ");
+  const RunResult started = StartDeviceAndWorkers(state);
+  if (started.Succeeded()) log.Write("After Start Device Time ");
+  return started;
 }
 
 }  // namespace tw

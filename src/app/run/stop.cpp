@@ -1,13 +1,9 @@
 #include "app/run/connection.h"
 #include "app/run/record_opening.h"
 #include "app/run/run_control.h"
-#include "app/run/run_steps.h"
+#include "app/run/second_tick.h"
 #include "app/run/worker_control.h"
-#include "app/settings/control_states.h"
-#include "app/window/control_ids.h"
-#include "app/window/ui.h"
-#include "app/window/view_choices.h"
-#include "app/window/wait_pointer.h"
+#include "app/state/posts.h"
 #include "base/shared_value.h"
 #include "platform/thread.h"
 
@@ -28,36 +24,53 @@ void ClosePorts(AppState& state) {
   globals.gpsQuality = 0;
 }
 
+}  // namespace
+
 // A speed change that failed has closed the device port and nothing else.
-bool HoldsSomething(AppState& state) {
+bool HoldsRun(AppState& state) {
   return LoadShared(state.devicePort) != Handle::invalid || state.acquisitionThread != Handle::null ||
          state.gpsThread != Handle::null;
 }
 
-void ShowIdle(AppState& state) {
-  CloseSettingsDialog(state);
-  ShowDisconnected(state);
-  ClearLiveTexts(state);
-  Reset(state.recordingEvent);
-  StopTimer(state, ID_TIMER_LINK);
-  StopTimer(state, ID_TIMER_CHANGES);
-  RefreshControlStates(state);
-  RefreshCaptureTimer(state);
-}
-
-}  // namespace
-
-void StopRun(AppState& state) {
-  EndFileWorkers(state);
-  if (HoldsSomething(state)) {
-    WaitPointer pointer;
+void EndRun(AppState& state) {
+  if (HoldsRun(state)) {
     EndAcquisition(state, kStopLimit_ms);
     RaiseRunNumber(state);
     ClosePorts(state);
     CloseRecordFiles(state);
   }
   StoreShared(state.linkLost, 0);
-  ShowIdle(state);
+  Reset(state.recordingEvent);
+  ForgetChoice(state);
+  TellRunChanged(state, RunChange::idle);
+}
+
+void CloseAfter(AppState& state, RunFault fault, const ElapsedLog* log) {
+  switch (fault) {
+    case RunFault::none:
+    case RunFault::notConnected:
+    case RunFault::deviceRefused:
+    case RunFault::dualOldRefused:
+      return;
+    case RunFault::noPrompt:
+      CloseDevicePort(state);
+      if (log != nullptr) log->Write("After Stop Fail time :  ");
+      return;
+    case RunFault::receiverRefused:
+      return CloseDevicePort(state);
+    case RunFault::unidentified:
+      CloseDevicePort(state);
+      if (globals.gpsPortNumber != kNoGpsPort) CloseGpsPort(state);
+      return;
+    case RunFault::noPromptInRun:
+    case RunFault::unreadable:
+    case RunFault::speedUnheard:
+    case RunFault::speedRefused:
+    case RunFault::noAcquisitionThread:
+    case RunFault::noGpsThread:
+    case RunFault::linkLost:
+      return EndRun(state);
+  }
 }
 
 }  // namespace tw

@@ -2,7 +2,6 @@
 
 #include "acquisition/live_worker.h"
 #include "acquisition/output_mode.h"
-#include "app/window/ui.h"
 #include "base/shared_value.h"
 #include "device/start_sequence.h"
 #include "gps/gps_worker.h"
@@ -67,7 +66,7 @@ bool StartGps(AppState& state) {
 
 }  // namespace
 
-WorkerStart StartWorkers(AppState& state) {
+RunFault StartWorkers(AppState& state) {
   const DeviceFamily family = FamilyInUse();
   const OutputModeRow& mode = AcceptedMode(family, state.settings.outputMode);
   state.settings.outputMode = mode.code;
@@ -75,25 +74,8 @@ WorkerStart StartWorkers(AppState& state) {
   const StreamForm& form = globals.smoothingSupported != 0 ? mode.reporting : mode.sent;
   StoreShared(state.echogramEnabled, form.HasSamples() ? 1 : 0);
   StartDevice(state);
-  if (!StartAcquisition(state, form, mode.code)) return WorkerStart::noAcquisitionThread;
-  return StartGps(state) ? WorkerStart::started : WorkerStart::noGpsThread;
-}
-
-void EndWithoutWorker(AppState& state) {
-  ShowBox(state, L"Unable to run working thread", L"Error", BoxIcon::error);
-  EndProcess(1);
-}
-
-void ReportWorkerStart(AppState& state, WorkerStart failure) {
-  switch (failure) {
-    case WorkerStart::started:
-      return;
-    case WorkerStart::noAcquisitionThread:
-      EndWithoutWorker(state);
-    case WorkerStart::noGpsThread:
-      ShowBox(state, L"Unable to run GPS working thread", L"Error", BoxIcon::error);
-      return;
-  }
+  if (!StartAcquisition(state, form, mode.code)) return RunFault::noAcquisitionThread;
+  return StartGps(state) ? RunFault::none : RunFault::noGpsThread;
 }
 
 void RaiseRunNumber(AppState& state) {
@@ -108,15 +90,15 @@ void EndAcquisition(AppState& state, uint32_t limit_ms) {
   state.acquisitionThread = Handle::null;
 }
 
-void EndFileWorkers(AppState& state) {
+bool EndFileRun(AppState& state) {
   EndFileWorker(state.fileWorkerA, state.stopEvent);
   EndFileWorker(state.fileWorkerB, state.stopEventB);
   StoreShared(globals.playbackEnded, 0);  // nobody is left who could go on
-  if (state.playbackActive == 0) return;
+  if (state.playbackActive == 0) return false;
   state.playbackActive = 0;
   state.playbackPaused = 0;
   state.playbackAtEnd = 0;
-  ArrangeViews(state);
+  return true;
 }
 
 }  // namespace tw

@@ -3,22 +3,15 @@
 
 #include <cstdint>
 
+#include "app/run/run_fault.h"
 #include "app/state/app_state.h"
 
 namespace tw {
 
-enum class WorkerStart : uint8_t { started, noAcquisitionThread, noGpsThread };
-
 // Starts the device and the worker for its stream: replaces a mode that the family does not have by 3, sends
 // the start sequence, starts the acquisition thread and, when a GPS port is open and no GPS worker runs, the
-// GPS thread.
-[[nodiscard]] WorkerStart StartWorkers(AppState& state);
-
-// "Unable to run working thread", and the end of the process.
-[[noreturn]] void EndWithoutWorker(AppState& state);
-
-// Says what went wrong. Does not return when the acquisition thread is the one that is missing.
-void ReportWorkerStart(AppState& state, WorkerStart failure);
+// GPS thread. `none`, or which thread the system does not give.
+[[nodiscard]] RunFault StartWorkers(AppState& state);
 
 // Makes the number of each worker that was started before stale; once a Start and once a Stop. Not between
 // the acquisition workers of one run, because the GPS worker stays for the whole of it.
@@ -28,7 +21,7 @@ void RaiseRunNumber(AppState& state);
 // takes), then forgets it. RaiseRunNumber makes one that is still alive afterwards harmless.
 void EndAcquisition(AppState& state, uint32_t limit_ms);
 
-// Ends a playback or conversion: waits as long as its workers take.
-void EndFileWorkers(AppState& state);
+// Ends a playback or conversion: waits as long as its workers take. True when a playback was shown.
+[[nodiscard]] bool EndFileRun(AppState& state);
 
 }  // namespace tw

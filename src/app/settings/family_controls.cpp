@@ -2,8 +2,8 @@
 
 #include <cwchar>
 
-#include "app/run/run_control.h"
 #include "app/settings/settings_text.h"
+#include "app/window/commands.h"
 #include "app/window/control_ids.h"
 #include "app/window/ui.h"
 #include "base/shared_value.h"

@@ -10,8 +10,6 @@ namespace tw {
 
 inline constexpr wchar_t kSettingsKey[] = L"Software\\Brin Ultrasonics\\EchoSounderControlProgram\\Settings";
 
-inline constexpr int32_t kNoGpsPort = -1;
-
 struct CommunicationSettings {
   int32_t devicePort;
   int32_t deviceSpeed_bps;

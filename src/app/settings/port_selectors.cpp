@@ -74,10 +74,12 @@ void ReadSpeed(AppState& state, int combo, int32_t& speed_bps) {
   static_cast<void>(ScanInt(text, speed_bps));
 }
 
-void ReadPort(AppState& state, int combo, int32_t& number) {
+void ReadPort(AppState& state, int combo, int32_t lastNumber, PortChoice& port) {
   wchar_t text[kPortNameSize];
   GetControlText(state, combo, text);
-  if (const uint32_t read = PortNumberOf(text); read != 0) number = static_cast<int32_t>(read);
+  const auto read = static_cast<int32_t>(PortNumberOf(text));
+  const int32_t number = read != 0 ? read : lastNumber;
+  if (number != kNoGpsPort) FormatWide(port.name, "COM%" PRId32, number);
 }
 
 bool SaysNoPort(AppState& state, int combo) {
@@ -129,15 +131,13 @@ void SelectDeviceSpeed(AppState& state, int32_t speed_bps) {
   SelectComboItem(state, ID_DEVICE_SPEED, static_cast<int>(speed - std::begin(kDeviceSpeeds)));
 }
 
-void ReadCommunicationCombos(AppState& state, CommunicationSettings& settings) {
-  ReadPort(state, ID_DEVICE_PORT, settings.devicePort);
-  ReadSpeed(state, ID_DEVICE_SPEED, settings.deviceSpeed_bps);
-  if (SaysNoPort(state, ID_GPS_PORT)) {
-    settings.gpsPort = kNoGpsPort;
-  } else {
-    ReadPort(state, ID_GPS_PORT, settings.gpsPort);
-  }
-  ReadSpeed(state, ID_GPS_SPEED, settings.gpsSpeed_bps);
+void ReadPortChoices(AppState& state, PortChoice& device, PortChoice& receiver) {
+  device = {.name = {}, .speed_bps = globals.deviceBaud};
+  receiver = {.name = {}, .speed_bps = globals.gpsBaud};
+  ReadPort(state, ID_DEVICE_PORT, globals.devicePortNumber, device);
+  ReadSpeed(state, ID_DEVICE_SPEED, device.speed_bps);
+  if (!SaysNoPort(state, ID_GPS_PORT)) ReadPort(state, ID_GPS_PORT, globals.gpsPortNumber, receiver);
+  ReadSpeed(state, ID_GPS_SPEED, receiver.speed_bps);
 }
 
 }  // namespace tw

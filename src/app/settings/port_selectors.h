@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <span>
 
+#include "app/run/run_choices.h"
 #include "app/settings/persistent_settings.h"
 #include "app/state/app_state.h"
 
@@ -31,7 +32,7 @@ void FillSpeedCombos(AppState& state, const CommunicationSettings& stored);
 // Selects a speed in the device's selector; one that it does not hold leaves the selection.
 void SelectDeviceSpeed(AppState& state, int32_t speed_bps);
 
-// Reads the four selectors. A text that holds no number leaves its value as it was.
-void ReadCommunicationCombos(AppState& state, CommunicationSettings& settings);
+// Reads the four selectors. A text that holds no number stands for the port or speed of the last run.
+void ReadPortChoices(AppState& state, PortChoice& device, PortChoice& receiver);
 
 }  // namespace tw

@@ -24,6 +24,7 @@ struct LiveStart;
 inline constexpr size_t kWorkingFolderSize = 260;
 inline constexpr size_t kMaxPorts = 256;
 inline constexpr size_t kPortNameSize = 256;
+inline constexpr int32_t kNoGpsPort = -1;
 inline constexpr uint32_t kPlaybackPace_ms = 16;
 inline constexpr int32_t kPlaybackSpan = 320;
 
@@ -113,21 +114,26 @@ struct AppState {
   int32_t linkLost;        // shared: workers set it, the GUI clears it before each worker start
   int32_t pendingRange;    // changes of range and output that timer 7 will send; GUI thread
   int32_t pendingOutput;
-  uint32_t capturePeriod_ms;  // of the timer of live screenshots; 0: it does not run; GUI thread
+  int32_t choiceWaits;        // a choice of range or output waits to be sent; GUI thread
+  uint32_t choiceSince_ms;    // the millisecond clock at the last one
+  uint32_t capturePeriod_ms;  // of live screenshots; 0: none are taken; GUI thread
+  uint32_t captureSince_ms;   // the millisecond clock when one was last due
   int32_t fullWindow;         // the controls are hidden; GUI thread
   int32_t fullScreen;         // the window's style is changed; nothing sets it
   Lock recordLock;            // recordFileA, recordFileB and the two busy fields
   Handle recordBusyA;         // the file that the worker is writing to right now, else invalid
   Handle recordBusyB;
-  uint32_t runNumber;               // shared: raised at each Start and at each Stop; a worker whose number is
-                                    // stale touches nothing any more
-  LiveStart* liveStart;             // shared: for the acquisition worker that begins next; see
-                                    // acquisition/live_worker.h
-  uint32_t gpsRunNumber;            // shared: of the GPS worker that begins next; 0 is no run's number
-  uint32_t recordingNumber;         // shared: raised whenever fresh record files are opened
-  PortEntry ports[kMaxPorts];       // GUI thread
-  wchar_t rememberedRange[64];      // combo texts at the last Start or Apply; GUI thread
-  wchar_t rememberedRangeDual[64];  // given, unread
+  uint32_t runNumber;          // shared: raised at each Start and at each Stop; a worker whose number is
+                               // stale touches nothing any more
+  LiveStart* liveStart;        // shared: for the acquisition worker that begins next; see
+                               // acquisition/live_worker.h
+  uint32_t gpsRunNumber;       // shared: of the GPS worker that begins next; 0 is no run's number
+  uint32_t recordingNumber;    // shared: raised whenever fresh record files are opened
+  PortEntry ports[kMaxPorts];  // GUI thread
+  wchar_t devicePortName[kPortNameSize];  // of the run; GUI thread
+  wchar_t gpsPortName[kPortNameSize];     // empty: none
+  wchar_t rememberedRange[64];            // combo texts at the last Start or Apply; GUI thread
+  wchar_t rememberedRangeDual[64];        // given, unread
   wchar_t rememberedOutput[64];
   wchar_t rememberedInterval[64];  // given, unread
 };

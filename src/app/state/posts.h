@@ -27,6 +27,18 @@ void PostProgress(AppState& state, const ProgressBlock& progress);
 // the message queue is full.
 [[nodiscard]] bool PostConversionEnd(AppState& state, bool exhausted);
 
+// What has changed of the run. Told by run control on its own thread (in the program the GUI thread), in the
+// middle of its steps: who listens shows it and returns.
+enum class RunChange : uint8_t {
+  identified,   // the device has told what it is and its settings
+  speedTaken,   // the device has taken its new speed, which goes into force with its reset
+  starting,     // the device is told to go next
+  reconnected,  // the same, at a port that was opened anew
+  running,      // device and workers are started
+  idle,         // the run is over, its ports and files are closed
+};
+void TellRunChanged(AppState& state, RunChange change);
+
 inline constexpr uint32_t kStatusTextSize = 256;
 
 // A few process-wide text buffers that one thread fills in turn, so that a text stays whole while the GUI

@@ -1,9 +1,10 @@
 #include "app/window/main_window_win32.h"
 
 #include "app/run/playback_control.h"
-#include "app/run/run_control.h"
+#include "app/run/record_set_up.h"
 #include "app/settings/family_controls.h"
 #include "app/state/slider_messages.h"
+#include "app/window/commands.h"
 #include "app/window/control_fonts_win32.h"
 #include "app/window/control_ids.h"
 #include "app/window/dialogs_win32.h"

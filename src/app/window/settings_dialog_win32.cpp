@@ -6,9 +6,9 @@
 #include <cwchar>
 #include <iterator>
 
-#include "app/run/run_control.h"
 #include "app/settings/family_controls.h"
 #include "app/settings/settings_layout.h"
+#include "app/window/commands.h"
 #include "app/window/control_ids.h"
 #include "app/window/selector_wheel_win32.h"
 #include "app/window/ui.h"

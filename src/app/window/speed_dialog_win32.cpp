@@ -2,8 +2,8 @@
 
 #include <cinttypes>
 
-#include "app/run/run_control.h"
 #include "app/settings/port_selectors.h"
+#include "app/window/commands.h"
 #include "app/window/control_ids.h"
 #include "app/window/dialogs_win32.h"
 #include "app/window/selector_wheel_win32.h"

@@ -6,35 +6,19 @@
 
 namespace tw {
 
-// The state record, zero-filled, for the life of the process; null when there is no memory.
-[[nodiscard]] AppState* AllocateState();
-
 // Port and speed selectors with the stored choices in them.
 void FillCommunicationControls(AppState& state);
 
 // Sets the timers that run all the time.
 void StartTimers(AppState& state);
 
-// Start-up values of the settings and the display; marks the files and the device port as closed. The GPS
-// port stays the null handle.
-void SetStartUpValues(AppState& state);
-
-// The events that steer playback and recording. Without them the process ends.
-void MakeRunEvents(AppState& state);
-
-// Both ping rings, zero-filled and not resident. When there is no memory: the system's text, then the end of
-// the process with exit code 1.
-void AllocateRings(AppState& state);
-
-// The locks, and the events that end workers.
-void MakeLocks(AppState& state);
-
 // Working folder and recording flag, as stored.
 void LoadRecordingChoices(AppState& state);
 
-// All of the above from FillCommunicationControls on, in its order, with the texts of the idle
-// program and the palette between them. The
-// status bar exists; `initialised` is set by the caller when the window is shown.
+// The selectors, the timers, the record (see app/run/record_set_up.h), the palette, the texts of the idle
+// program and the stored choices, in the order that they need. Without memory, events or locks: the system's
+// text, then the end of the process with exit code 1. The status bar exists; `initialised` is set by the
+// caller when the window is shown.
 void StartUp(AppState& state);
 
 // Asks for a last screenshot and closes the record file.

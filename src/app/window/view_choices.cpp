@@ -1,5 +1,6 @@
 #include "app/window/view_choices.h"
 
+#include "app/run/second_tick.h"
 #include "app/window/control_ids.h"
 #include "app/window/ui.h"
 #include "base/shared_value.h"
@@ -10,15 +11,7 @@ namespace tw {
 namespace {
 
 constexpr int32_t kTimeScale_s = 150;  // the one that the places of marks and screenshots are made for
-constexpr uint32_t kCapturePeriod_ms = 135'000;
-constexpr uint32_t kDualCapturePeriod_ms = 67'000;  // a live dual run's image is half as long
 constexpr int64_t kNoCapture = -1;
-
-// 0: none is due.
-uint32_t CapturePeriod(const AppState& state) {
-  if (LoadShared(globals.autoCaptureTicked) == 0 || state.acquisitionThread == Handle::null) return 0;
-  return LoadShared(globals.dualMode) != 0 ? kDualCapturePeriod_ms : kCapturePeriod_ms;
-}
 
 }  // namespace
 
@@ -42,9 +35,9 @@ void ToggleAutoCapture(AppState& state) {
 }
 
 void RefreshCaptureTimer(AppState& state) {
-  const uint32_t period_ms = CapturePeriod(state);
-  if (period_ms == state.capturePeriod_ms) return;
-  state.capturePeriod_ms = period_ms;
+  const uint32_t before_ms = state.capturePeriod_ms;
+  const uint32_t period_ms = CapturePeriod(state, MillisecondClock());
+  if (period_ms == before_ms) return;
   if (period_ms != 0) {
     StartTimer(state, ID_TIMER_CAPTURE, period_ms);
   } else {

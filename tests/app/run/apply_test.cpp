@@ -1,8 +1,8 @@
 #include <algorithm>
 #include <cerrno>
 
-#include "app/run/run_control.h"
 #include "app/settings/control_states.h"
+#include "app/window/commands.h"
 #include "app/window/view_choices.h"
 #include "base/shared_value.h"
 #include "platform/virtual/faults.h"
@@ -148,7 +148,7 @@ TEST_F(Apply, ScreenshotsAreTakenWhileTickedAndRunning) {
   EXPECT_FALSE(Ui().timers.contains(ID_TIMER_CAPTURE)) << "nothing runs yet";
   StartQuickRun(2);
   EXPECT_EQ(Ui().timers[ID_TIMER_CAPTURE], kPeriod_ms);
-  HandleTimer(*state_, ID_TIMER_CAPTURE);
+  Run(static_cast<int>(kPeriod_ms / 1000));
   EXPECT_EQ(ExchangeShared(globals.screenshotRequested, 0), 1);
   Ui().controls[ID_AUTO_CAPTURE].checked = false;
   ToggleAutoCapture(*state_);

@@ -10,8 +10,8 @@
 
 #include "acquisition/ping_ring.h"
 #include "app/run/playback_control.h"
-#include "app/run/run_control.h"
 #include "app/settings/control_states.h"
+#include "app/window/commands.h"
 #include "base/shared_value.h"
 #include "platform/clock.h"
 #include "playback/ping_source.h"

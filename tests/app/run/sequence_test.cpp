@@ -5,9 +5,9 @@
 #include <algorithm>
 #include <sstream>
 
-#include "app/run/run_control.h"
 #include "app/settings/control_states.h"
 #include "app/settings/family_controls.h"
+#include "app/window/commands.h"
 #include "base/shared_value.h"
 #include "platform/clock.h"
 #include "platform/virtual/faults.h"

@@ -3,9 +3,9 @@
 
 #include "acquisition/live_worker.h"
 #include "acquisition/ping_ring.h"
-#include "app/run/run_control.h"
 #include "app/run/worker_control.h"
 #include "app/settings/control_states.h"
+#include "app/window/commands.h"
 #include "device/stop_device.h"
 #include "display/panel.h"
 #include "platform/clock.h"
@@ -55,7 +55,7 @@ TEST_F(StartTest, AnOutputThatTheFamilyDoesNotHaveIsReplaced) {
   EndAcquisition(*state_, kWaitForever);
   ASSERT_EQ(StopDevice(state_->devicePort), LinkResult::success);
   state_->settings.outputMode = 42;
-  ASSERT_EQ(StartWorkers(*state_), WorkerStart::started);
+  ASSERT_EQ(StartWorkers(*state_), RunFault::none);
   EXPECT_EQ(state_->settings.outputMode, 3);
   EXPECT_EQ(state_->appliedSettings.outputMode, 3) << "sent";
   EXPECT_EQ(state_->echogramEnabled, 0);

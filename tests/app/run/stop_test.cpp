@@ -1,6 +1,6 @@
 #include <algorithm>
 
-#include "app/run/run_control.h"
+#include "app/window/commands.h"
 #include "platform/clock.h"
 #include "platform/thread.h"
 #include "platform/virtual/faults.h"

@@ -1,15 +1,18 @@
 #include <cwchar>
 
-#include "app/run/run_control.h"
+#include "app/run/second_tick.h"
 #include "app/run/worker_control.h"
 #include "app/settings/control_states.h"
 #include "app/settings/family_controls.h"
 #include "app/settings/port_selectors.h"
 #include "app/state/file_naming.h"
+#include "app/window/commands.h"
 #include "app/window/control_ids.h"
+#include "app/window/run_faults.h"
 #include "app/window/ui.h"
 #include "base/shared_value.h"
 #include "base/text_format.h"
+#include "platform/clock.h"
 #include "playback/file_worker.h"
 
 namespace tw {
@@ -62,10 +65,10 @@ bool Differs(AppState& state, int combo, const wchar_t* remembered) {
   return std::wcscmp(text, remembered) != 0;
 }
 
-// The second is over that a choice waits for another one. A list that is dropped down is let be: the timer
-// comes again.
+// A list that is dropped down is let be: the timer comes again.
 void SendPendingChange(AppState& state) {
   if (IsListOpen(state)) return;
+  ForgetChoice(state);
   StopTimer(state, ID_TIMER_CHANGES);
   if (LoadShared(state.devicePort) == Handle::invalid) return;
   state.pendingRange = Differs(state, ID_RANGE, state.rememberedRange) ? 1 : 0;
@@ -73,21 +76,19 @@ void SendPendingChange(AppState& state) {
   if (state.pendingRange != 0 || state.pendingOutput != 0) ApplySettings(state);
 }
 
-// A worker that ended by itself still counts as running until it is stopped here.
 void ReportLostLink(AppState& state) {
-  if (state.acquisitionThread == Handle::null || LoadShared(state.linkLost) == 0) return;
   StopTimer(state, ID_TIMER_LINK);
   StopTimer(state, ID_TIMER_CHANGES);  // timers go on while the box is shown
-  ShowBox(state, L"Connection lost!", L"Error", BoxIcon::error);
-  StopRun(state);
+  TellFault(state, {RunFault::linkLost});
+}
+
+void CarryOutDue(AppState& state) {
+  const DueNow due = TickSecond(state, MillisecondClock());
+  if (due.linkLost) return ReportLostLink(state);
+  if (due.choice) SendPendingChange(state);
 }
 
 }  // namespace
-
-void NoteChoice(AppState& state) {
-  constexpr uint32_t kDelay_ms = 1000;
-  if (LoadShared(state.devicePort) != Handle::invalid) StartTimer(state, ID_TIMER_CHANGES, kDelay_ms);
-}
 
 void HandleTimer(AppState& state, int timer) {
   if (state.initialised == 0) return;
@@ -101,11 +102,9 @@ void HandleTimer(AppState& state, int timer) {
     case ID_TIMER_PLAYBACK_END:
       return OfferPlaybackAgain(state);
     case ID_TIMER_CAPTURE:
-      return StoreShared(globals.screenshotRequested, 1);
     case ID_TIMER_CHANGES:
-      return SendPendingChange(state);
     case ID_TIMER_LINK:
-      return ReportLostLink(state);
+      return CarryOutDue(state);
     default:
       return;
   }

@@ -1,0 +1,19 @@
+// How the faults of run control are told: one row each. GUI thread.
+#pragma once
+
+#include "app/run/run_control.h"
+
+namespace tw {
+
+// "Echosounder is not connected". True when a device port is open.
+[[nodiscard]] bool IsConnected(AppState& state);
+
+// Tells the operator in a box and closes what the fault leaves open, in the order that is the fault's. The
+// program is idle afterwards, except after `dualOldRefused`; without the acquisition worker's thread the
+// process is over. `log` is that of a Start.
+void TellFault(AppState& state, RunResult result, const ElapsedLog* log = nullptr);
+
+// "Unable to run working thread", and the end of the process.
+[[noreturn]] void EndWithoutWorker(AppState& state);
+
+}  // namespace tw
