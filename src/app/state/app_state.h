@@ -12,6 +12,7 @@
 #include "app/state/device_settings.h"
 #include "app/state/display_palette.h"
 #include "app/state/gps_fix.h"
+#include "app/state/options.h"
 #include "base/shared_value.h"
 #include "platform/handle.h"
 #include "platform/sync.h"
@@ -130,6 +131,7 @@ struct AppState {
   uint32_t gpsRunNumber;       // shared: of the GPS worker that begins next; 0 is no run's number
   uint32_t recordingNumber;    // shared: raised whenever fresh record files are opened
   PortEntry ports[kMaxPorts];  // GUI thread
+  Options options;             // GUI thread
   wchar_t devicePortName[kPortNameSize];  // of the run; GUI thread
   wchar_t gpsPortName[kPortNameSize];     // empty: none
   wchar_t rememberedRange[64];            // combo texts at the last Start or Apply; GUI thread

@@ -5,6 +5,7 @@
 #include "app/settings/control_states.h"
 #include "app/settings/persistent_settings.h"
 #include "app/settings/port_selectors.h"
+#include "app/settings/stored_options.h"
 #include "app/window/control_ids.h"
 #include "app/window/run_changes.h"
 #include "app/window/ui.h"
@@ -71,6 +72,7 @@ void StartUp(AppState& state) {
   Need(state, AllocateRings(state));
   Need(state, MakeLocks(state));
   LoadRecordingChoices(state);
+  state.options = LoadOptions();
   BuildSegyTextHeader(globals.segyTextHeader);
   RefreshControlStates(state);
 }

@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 
+#include "app/settings/stored_options.h"
 #include "platform/virtual/documents_folder.h"
 #include "platform/virtual/faults.h"
 #include "tests/app/stored_values.h"
@@ -109,6 +110,27 @@ TEST_F(PersistentSettings, ThePlacementIsEightLittleEndianWords) {
                                          0,    1,    0,    0,    0,    0xF8, 0xFF, 0xFF, 0xFF, 20,  0,
                                          0,    0,    0xE8, 0x03, 0,    0,    0x04, 0x03, 0x02, 0x01};
   EXPECT_EQ(value.bytes, expected);
+}
+
+TEST_F(PersistentSettings, OptionsOutOfTheirBoundsAreTheStandardOnes) {
+  for (const OptionRow& row : OptionRows()) {
+    for (const uint32_t stored :
+         {static_cast<uint32_t>(row.least), static_cast<uint32_t>(row.most),
+          static_cast<uint32_t>(row.least) - 1, static_cast<uint32_t>(row.most) + 1}) {
+      RegistryValue value;
+      value.number = stored;
+      PutRegistryValue(kOptionsKey, row.name, value);
+      const auto number = static_cast<int64_t>(stored);
+      const bool fits = number >= row.least && number <= row.most;
+      EXPECT_EQ(LoadOptions().*row.value, fits ? static_cast<int32_t>(stored) : row.standard) << row.text;
+    }
+    Options changed = StandardOptions();
+    changed.*row.value = row.most;
+    SaveOptions(changed);
+    EXPECT_EQ(LoadOptions().*row.value, row.most) << row.text;
+    ResetPage(row.page, changed);
+    EXPECT_EQ(changed.*row.value, row.standard) << row.text;
+  }
 }
 
 }  // namespace

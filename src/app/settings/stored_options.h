@@ -1,0 +1,42 @@
+// The options as a table: what each is called, what it may be, and how it is stored, one number each in a key
+// of its own in the current user's registry. GUI thread. All failures are silent, as with the other stored
+// choices.
+#pragma once
+
+#include <cstdint>
+#include <span>
+
+#include "app/state/options.h"
+
+namespace tw {
+
+inline constexpr wchar_t kOptionsKey[] = L"Software\\Brin Ultrasonics\\EchoSounderControlProgram\\Options";
+
+enum class OptionPage : uint8_t { link, recording, outputs, display };
+inline constexpr int kOptionPages = 4;
+[[nodiscard]] const wchar_t* NameOfPage(OptionPage page);
+
+struct OptionRow {
+  OptionPage page;
+  int32_t Options::*value;
+  const wchar_t* name;  // in the registry
+  const wchar_t* text;  // beside its box, with its access key
+  const wchar_t* unit;  // behind its number; null: the option is a switch
+  int32_t standard;
+  int32_t least;
+  int32_t most;
+  int32_t Options::*needs;  // the switch without which it means nothing; null: none
+};
+
+// In the order of the pages and of their lines.
+[[nodiscard]] std::span<const OptionRow> OptionRows();
+
+[[nodiscard]] Options StandardOptions();
+// The options of one page only.
+void ResetPage(OptionPage page, Options& options);
+
+// A value that is not stored, or out of its bounds, is the standard one.
+[[nodiscard]] Options LoadOptions();
+void SaveOptions(const Options& options);
+
+}  // namespace tw
