@@ -6,7 +6,7 @@
 #include <span>
 #include <string_view>
 
-#include "app/state/app_state.h"
+#include "app/state/port_entry.h"
 #include "platform/handle.h"
 
 namespace tw {

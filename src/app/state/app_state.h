@@ -13,6 +13,7 @@
 #include "app/state/display_palette.h"
 #include "app/state/gps_fix.h"
 #include "app/state/options.h"
+#include "app/state/port_entry.h"
 #include "base/shared_value.h"
 #include "platform/handle.h"
 #include "platform/sync.h"
@@ -23,17 +24,9 @@ struct PingRing;
 struct LiveStart;
 
 inline constexpr size_t kWorkingFolderSize = 260;
-inline constexpr size_t kMaxPorts = 256;
-inline constexpr size_t kPortNameSize = 256;
 inline constexpr int32_t kNoGpsPort = -1;
 inline constexpr uint32_t kPlaybackPace_ms = 16;
 inline constexpr int32_t kPlaybackSpan = 320;
-
-// One serial port of the list; the list ends at the first entry with number 0.
-struct PortEntry {
-  uint32_t number;
-  wchar_t name[kPortNameSize];
-};
 
 // What is stored as "MainWindowPosition".
 struct WindowPlacement {
