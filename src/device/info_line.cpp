@@ -2,7 +2,6 @@
 
 #include <cinttypes>
 
-#include "app/state/app_state.h"
 #include "base/text_format.h"
 #include "base/text_scan.h"
 #include "platform/file.h"
@@ -114,10 +113,10 @@ int MakeInfoLines(const DeviceSettings& settings, DeviceFamily family, int32_t c
   return 1;
 }
 
-void WriteInfoLine(const DeviceSettings& settings, Handle& file, int32_t channelFrequency_hz,
-                   bool bothChannels) {
+void WriteInfoLine(const DeviceSettings& settings, DeviceFamily family, Handle& file,
+                   int32_t channelFrequency_hz, bool bothChannels) {
   InfoLine lines[2];
-  const int count = MakeInfoLines(settings, FamilyInUse(), channelFrequency_hz, bothChannels, lines);
+  const int count = MakeInfoLines(settings, family, channelFrequency_hz, bothChannels, lines);
   for (int i = 0; i < count; ++i) {
     if (WriteLine(file, lines[i])) continue;
     CloseFile(file);

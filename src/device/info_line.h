@@ -11,6 +11,7 @@
 #include <span>
 #include <string_view>
 
+#include "app/state/device_family.h"
 #include "app/state/device_settings.h"
 #include "platform/handle.h"
 
@@ -46,8 +47,8 @@ int MakeInfoLines(const DeviceSettings& settings, DeviceFamily family, int32_t c
 
 // Writes the lines to an open record file, each in one write. When one fails the file is closed and its
 // handle becomes invalid. GUI thread.
-void WriteInfoLine(const DeviceSettings& settings, Handle& file, int32_t channelFrequency_hz,
-                   bool bothChannels);
+void WriteInfoLine(const DeviceSettings& settings, DeviceFamily family, Handle& file,
+                   int32_t channelFrequency_hz, bool bothChannels);
 
 // Reads the first INFO line in the text, of either form. False, and `info` unchanged, when there is none or a
 // field is missing. Pure.

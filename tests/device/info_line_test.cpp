@@ -7,7 +7,6 @@
 #include <iterator>
 #include <tuple>
 
-#include "app/state/app_state.h"
 #include "platform/file.h"
 #include "platform/virtual/faults.h"
 #include "tests/app/test_folder.h"
@@ -159,14 +158,13 @@ TEST(InfoLine, AFailedWriteClosesTheFile) {
   DeviceSettings settings = SampleSettings();
   settings.outputMode = 6;
   settings.simultaneous = 1;
-  globals.deviceFamily = 1;
   const char* const written[] = {"INFO:",
                                  "INFO:1,450000,30000,0.2,42,87.2,-4,20,0.14,2,152,22,12,1487.7,6\r\nINFO:"};
   for (uint64_t call = 1; call <= 2; ++call) {
     Handle file = CreateFileAnew(path.wstring().c_str());
     ClearFaults();
     InjectFault({.point = FaultPoint::writeFile, .call = call, .taken = 5});
-    WriteInfoLine(settings, file, 200'000, true);
+    WriteInfoLine(settings, DeviceFamily::first, file, 200'000, true);
     EXPECT_EQ(file, Handle::invalid);
     EXPECT_EQ(CallCount(FaultPoint::writeFile), call) << "nothing is written after the failure";
     std::ifstream content(path, std::ios::binary);

@@ -71,7 +71,7 @@ void OpenOne(AppState& state, const RecordFileName& name, RecordChannel channel,
   Handle file = CreateNamed(state, name.record);
   if (file != Handle::invalid) {
     const DeviceSettings settings = RunningSettings(state);
-    WriteInfoLine(settings, file, name.channelFrequency_hz, HoldsBothChannels(settings));
+    WriteInfoLine(settings, FamilyInUse(), file, name.channelFrequency_hz, HoldsBothChannels(settings));
     if (file == Handle::invalid) ClearAwayUnbegun(state, name.record, settings.outputMode);
   }
   PutRecordFile(state, channel, file);
