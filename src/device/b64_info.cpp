@@ -36,7 +36,7 @@ constexpr size_t kOutputMode = 34;  // int16
 constexpr size_t kSoundSpeed = 36;  // int16
 }  // namespace field
 
-void EndProgram(const char* what) {
+[[noreturn]] void EndProgram(const char* what) {
   std::fputs(what, stderr);
   std::abort();
 }
@@ -140,10 +140,7 @@ LinkResult ReadBlock(Handle port, DeviceSettings& settings, bool& silent) {
   if (result == LinkResult::success) result = answer.Find(">");
   silent = result == LinkResult::noPrompt && answer.Outstanding();
   if (result != LinkResult::success) return result;
-  if (length >= kTextLimit) {
-    fatalError("The device's information block is too long.\n");
-    return LinkResult::invalid;
-  }
+  if (length >= kTextLimit) EndProgram("The device's information block is too long.\n");
   DecodeB64Info({text, length}, settings);
   return LinkResult::success;
 }
@@ -178,8 +175,6 @@ void ReadFrequency(Handle port, DeviceSettings& settings) {
 }
 
 }  // namespace
-
-void (*fatalError)(const char* what) = EndProgram;
 
 void DecodeB64Info(std::string_view text, DeviceSettings& settings) {
   uint8_t decoded[kTextLimit];

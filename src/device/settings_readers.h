@@ -29,7 +29,4 @@ void DecodeB64Info(std::string_view text, DeviceSettings& settings);
 // Reads the frequency out of a line "Tx Frequency     %7d Hz  ". Pure.
 [[nodiscard]] bool ParseTxFrequency(std::string_view line, int32_t& frequency_hz);
 
-// What ends the program after a fatal error; tests put their own in its place.
-extern void (*fatalError)(const char* what);
-
 }  // namespace tw
