@@ -41,6 +41,8 @@ stands_on base
 stands_on platform base
 stands_on app/state base platform
 stands_on device base platform app/state
+record=$(grep -rn '#include "app/state/app_state.h"' src/device)
+[ -n "$record" ] && fail "The device link is a value: src/device includes the state record and its globals:" "$record"
 stands_on gps base platform app/state
 stands_on acquisition base platform app/state device gps
 stands_on display base platform app/state device gps acquisition

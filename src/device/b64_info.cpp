@@ -129,10 +129,10 @@ void TakeGain(std::span<const uint8_t> bytes, DeviceSettings& settings) {
   if (gain >= -1000.0f && gain <= 1000.0f) settings.gainHigh = gain;
 }
 
-LinkResult ReadBlock(Handle port, DeviceSettings& settings, bool& silent) {
-  const LinkResult sent = SendCommandNoValue(port, CommandId::info);
+LinkResult ReadBlock(DeviceLink& link, DeviceSettings& settings, bool& silent) {
+  const LinkResult sent = SendCommandNoValue(link, CommandId::info);
   if (sent != LinkResult::success) return sent;
-  Answer answer(port);
+  Answer answer(link.port);
   char text[kTextLimit];
   size_t length = 0;
   LinkResult result = answer.Find(kBlockStart);
@@ -147,10 +147,10 @@ LinkResult ReadBlock(Handle port, DeviceSettings& settings, bool& silent) {
 
 // Collects what follows kFrequencyStart in its line. The answer is read to its end: what is left of it would
 // be taken for the reply to the next command. noPrompt when the answer may yet come.
-LinkResult AskFrequencyLine(Handle port, std::span<char> rest, size_t& length) {
-  const LinkResult sent = SendCommandNoValue(port, CommandId::info);
+LinkResult AskFrequencyLine(DeviceLink& link, std::span<char> rest, size_t& length) {
+  const LinkResult sent = SendCommandNoValue(link, CommandId::info);
   if (sent != LinkResult::success) return sent;
-  Answer answer(port, kFrequencyReads);
+  Answer answer(link.port, kFrequencyReads);
   LinkResult result = answer.Find(kFrequencyStart);
   if (result == LinkResult::success) result = answer.Collect("\r\n", rest, length);
   if (result == LinkResult::noPrompt) return answer.Outstanding() ? result : LinkResult::invalid;
@@ -159,12 +159,12 @@ LinkResult AskFrequencyLine(Handle port, std::span<char> rest, size_t& length) {
 }
 
 // The frequency is not in the block; without this line the program goes on with what it knows.
-void ReadFrequency(Handle port, DeviceSettings& settings) {
+void ReadFrequency(DeviceLink& link, DeviceSettings& settings) {
   char line[128] = "Tx Frequency";
   const std::span<char> rest = std::span(line).subspan(kFrequencyStart.size());
   size_t length = 0;
-  LinkResult result = AskFrequencyLine(port, rest, length);
-  if (result == LinkResult::noPrompt && TakeLateReply(port)) result = AskFrequencyLine(port, rest, length);
+  LinkResult result = AskFrequencyLine(link, rest, length);
+  if (result == LinkResult::noPrompt && TakeLateReply(link)) result = AskFrequencyLine(link, rest, length);
   if (result != LinkResult::success) return;
   const size_t whole = std::min(length + kFrequencyStart.size(), sizeof line);
   int32_t frequency_hz = 0;
@@ -204,13 +204,13 @@ bool ParseTxFrequency(std::string_view line, int32_t& frequency_hz) {
   return true;
 }
 
-LinkResult ReadSettingsFromB64Info(Handle port, DeviceSettings& settings, bool& silent) {
+LinkResult ReadSettingsFromB64Info(DeviceLink& link, DeviceSettings& settings, bool& silent) {
   DeviceSettings read = settings;
   silent = false;
-  const LinkResult result = ReadBlock(port, read, silent);
+  const LinkResult result = ReadBlock(link, read, silent);
   if (result != LinkResult::success) return result;
   SleepMilliseconds(kPause_ms);
-  ReadFrequency(port, read);
+  ReadFrequency(link, read);
   settings = read;
   return LinkResult::success;
 }

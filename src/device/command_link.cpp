@@ -14,22 +14,19 @@ constexpr int kPromptAttempts = 10;
 constexpr uint32_t kPause_ms = 10;
 constexpr char kReturn = '\r';
 
-// One buffer for the replies of all queries; the device link belongs to the GUI thread.
-char replyBuffer[kReplySize];
-
-bool Write(Handle port, std::string_view text) {
-  return WriteSerialLine(port, text.data(), static_cast<uint32_t>(text.size()));
+bool Write(DeviceLink& link, std::string_view text) {
+  return WriteSerialLine(link.port, text.data(), static_cast<uint32_t>(text.size()));
 }
 
 // Reads until the prompt, giving each byte to `take`.
 template <typename Take>
-LinkResult AwaitPrompt(Handle port, uint32_t limit_ms, Take take) {
+LinkResult AwaitPrompt(DeviceLink& link, uint32_t limit_ms, Take take) {
   PromptMatcher matcher;
   const uint32_t begin = MillisecondClock();
   do {
     uint8_t byte = 0;
     uint32_t got = 0;
-    if (!ReadSerialLine(port, &byte, 1, got)) return LinkResult::portFailed;
+    if (!ReadSerialLine(link.port, &byte, 1, got)) return LinkResult::portFailed;
     if (got == 0) continue;
     take(static_cast<char>(byte));
     if (matcher.Take(byte)) return LinkResult::success;
@@ -50,19 +47,19 @@ bool IsNumber(std::string_view line, bool point) {
 }
 
 // Query, reply, and its value line.
-LinkResult Ask(Handle port, CommandId id, std::string_view& line) {
-  const LinkResult sent = SendCommandNoValue(port, id);
+LinkResult Ask(DeviceLink& link, CommandId id, std::string_view& line) {
+  const LinkResult sent = SendCommandNoValue(link, id);
   if (sent != LinkResult::success) return sent;
   size_t length = 0;
-  const LinkResult answered = ReadReply(port, replyBuffer, length);
+  const LinkResult answered = ReadReply(link, length);
   if (answered != LinkResult::success) return answered;
-  return FindValueLine({replyBuffer, length}, line) ? LinkResult::success : LinkResult::invalid;
+  return FindValueLine({link.reply, length}, line) ? LinkResult::success : LinkResult::invalid;
 }
 
 template <typename T>
-LinkResult Query(Handle port, CommandId id, bool (*parse)(std::string_view, T&), T& target) {
+LinkResult Query(DeviceLink& link, CommandId id, bool (*parse)(std::string_view, T&), T& target) {
   std::string_view line;
-  const LinkResult result = Ask(port, id, line);
+  const LinkResult result = Ask(link, id, line);
   if (result != LinkResult::success) return result;
   return parse(line, target) ? LinkResult::success : LinkResult::invalid;
 }
@@ -77,68 +74,68 @@ bool PromptMatcher::Take(uint8_t byte) {
   return true;
 }
 
-LinkResult SendCommand(Handle port, CommandId id, std::string_view value) {
+LinkResult SendCommand(DeviceLink& link, CommandId id, std::string_view value) {
   const std::string_view keyword = KeywordOf(id);
   if (keyword.empty()) return LinkResult::invalid;
   const bool written =
-      Write(port, keyword) && Write(port, " ") && Write(port, value) && Write(port, {&kReturn, 1});
+      Write(link, keyword) && Write(link, " ") && Write(link, value) && Write(link, {&kReturn, 1});
   return written ? LinkResult::success : LinkResult::portFailed;
 }
 
-LinkResult SendCommandNoValue(Handle port, CommandId id) {
+LinkResult SendCommandNoValue(DeviceLink& link, CommandId id) {
   const std::string_view keyword = KeywordOf(id);
   if (keyword.empty()) return LinkResult::invalid;
-  return Write(port, keyword) && Write(port, {&kReturn, 1}) ? LinkResult::success : LinkResult::portFailed;
+  return Write(link, keyword) && Write(link, {&kReturn, 1}) ? LinkResult::success : LinkResult::portFailed;
 }
 
-LinkResult ReadReply(Handle port, std::span<char> buffer, size_t& length) {
+LinkResult ReadReply(DeviceLink& link, size_t& length) {
   length = 0;
-  const LinkResult result = AwaitPrompt(port, kReplyLimit_ms, [&](char c) {
-    if (length + 1 < buffer.size()) buffer[length++] = c;
+  const LinkResult result = AwaitPrompt(link, kReplyLimit_ms, [&](char c) {
+    if (length + 1 < kReplySize) link.reply[length++] = c;
   });
-  if (!buffer.empty()) buffer[length] = '\0';
+  link.reply[length] = '\0';
   return result;
 }
 
-LinkResult SkipReply(Handle port) {
-  return AwaitPrompt(port, kReplyLimit_ms, [](char) {});
+LinkResult SkipReply(DeviceLink& link) {
+  return AwaitPrompt(link, kReplyLimit_ms, [](char) {});
 }
 
-bool TakeLateReply(Handle port) {
-  return AwaitPrompt(port, kLateReplyLimit_ms, [](char) {}) == LinkResult::success;
+bool TakeLateReply(DeviceLink& link) {
+  return AwaitPrompt(link, kLateReplyLimit_ms, [](char) {}) == LinkResult::success;
 }
 
-LinkResult RequestPrompt(Handle port) {
+LinkResult RequestPrompt(DeviceLink& link) {
   LinkResult result = LinkResult::noPrompt;
   for (int attempt = 0; attempt < kPromptAttempts; ++attempt) {
-    result = Write(port, {&kReturn, 1}) ? SkipReply(port) : LinkResult::portFailed;
+    result = Write(link, {&kReturn, 1}) ? SkipReply(link) : LinkResult::portFailed;
     SleepMilliseconds(kPause_ms);
     if (result == LinkResult::success) break;
   }
   return result;
 }
 
-LinkResult Exchange(Handle port, CommandId id, std::string_view value) {
-  const LinkResult sent = SendCommand(port, id, value);
-  return sent == LinkResult::success ? SkipReply(port) : sent;
+LinkResult Exchange(DeviceLink& link, CommandId id, std::string_view value) {
+  const LinkResult sent = SendCommand(link, id, value);
+  return sent == LinkResult::success ? SkipReply(link) : sent;
 }
 
-LinkResult Exchange(Handle port, CommandId id) {
-  const LinkResult sent = SendCommandNoValue(port, id);
-  return sent == LinkResult::success ? SkipReply(port) : sent;
+LinkResult Exchange(DeviceLink& link, CommandId id) {
+  const LinkResult sent = SendCommandNoValue(link, id);
+  return sent == LinkResult::success ? SkipReply(link) : sent;
 }
 
-LinkResult QueryInt(Handle port, CommandId id, int32_t& target) {
-  return Query(port, id, ParseIntLine, target);
+LinkResult QueryInt(DeviceLink& link, CommandId id, int32_t& target) {
+  return Query(link, id, ParseIntLine, target);
 }
 
-LinkResult QueryFloat(Handle port, CommandId id, float& target) {
-  return Query(port, id, ParseFloatLine, target);
+LinkResult QueryFloat(DeviceLink& link, CommandId id, float& target) {
+  return Query(link, id, ParseFloatLine, target);
 }
 
-LinkResult QueryString(Handle port, std::span<char> target) {
+LinkResult QueryString(DeviceLink& link, std::span<char> target) {
   std::string_view line;
-  const LinkResult result = Ask(port, CommandId::identity, line);
+  const LinkResult result = Ask(link, CommandId::identity, line);
   if (result != LinkResult::success && result != LinkResult::invalid) return result;
   if (target.empty()) return LinkResult::success;
   const size_t count = std::min(line.size(), target.size() - 1);

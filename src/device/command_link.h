@@ -8,7 +8,7 @@
 #include <string_view>
 
 #include "device/command_table.h"
-#include "platform/handle.h"
+#include "device/device_link.h"
 
 namespace tw {
 
@@ -20,7 +20,6 @@ enum class LinkResult : uint8_t {
   stopTimeOut = 4,  // the device did not stop
 };
 
-inline constexpr size_t kReplySize = size_t{64} * 1024;
 inline constexpr uint32_t kReplyLimit_ms = 2000;
 inline constexpr uint32_t kLateReplyLimit_ms = 1500;
 
@@ -36,35 +35,35 @@ class PromptMatcher {
 
 // Writes keyword, blank, value and CR, each on its own; no line feed. `invalid` (and nothing written) for an
 // id without keyword.
-[[nodiscard]] LinkResult SendCommand(Handle port, CommandId id, std::string_view value);
+[[nodiscard]] LinkResult SendCommand(DeviceLink& link, CommandId id, std::string_view value);
 // Writes keyword and CR.
-[[nodiscard]] LinkResult SendCommandNoValue(Handle port, CommandId id);
+[[nodiscard]] LinkResult SendCommandNoValue(DeviceLink& link, CommandId id);
 
-// Collects the reply through its prompt, at most 2,000 ms in all. `length` bytes and a zero stand in
-// `buffer`, on failure those that came. What does not fit is only matched against the prompt.
-[[nodiscard]] LinkResult ReadReply(Handle port, std::span<char> buffer, size_t& length);
+// Collects the reply through its prompt, at most 2,000 ms in all. `length` bytes and a zero stand in the
+// link's buffer, on failure those that came. What does not fit is only matched against the prompt.
+[[nodiscard]] LinkResult ReadReply(DeviceLink& link, size_t& length);
 
 // The same for a reply that nobody looks at.
-[[nodiscard]] LinkResult SkipReply(Handle port);
+[[nodiscard]] LinkResult SkipReply(DeviceLink& link);
 
 // Takes away a reply that has not come in time, since it would be taken for that of the next command. Waits
 // 1,500 ms at most; false when none came.
-[[nodiscard]] bool TakeLateReply(Handle port);
+[[nodiscard]] bool TakeLateReply(DeviceLink& link);
 
 // Sends a bare CR and waits for the prompt, up to 10 times; the result is that of the last attempt.
-[[nodiscard]] LinkResult RequestPrompt(Handle port);
+[[nodiscard]] LinkResult RequestPrompt(DeviceLink& link);
 
 // Command and reply; the reply must end in the prompt.
-[[nodiscard]] LinkResult Exchange(Handle port, CommandId id, std::string_view value);
-[[nodiscard]] LinkResult Exchange(Handle port, CommandId id);
+[[nodiscard]] LinkResult Exchange(DeviceLink& link, CommandId id, std::string_view value);
+[[nodiscard]] LinkResult Exchange(DeviceLink& link, CommandId id);
 
 // Queries. On any failure the target keeps its value. A value line that is valid but too large for the target
 // is `invalid` too.
-[[nodiscard]] LinkResult QueryInt(Handle port, CommandId id, int32_t& target);
-[[nodiscard]] LinkResult QueryFloat(Handle port, CommandId id, float& target);
+[[nodiscard]] LinkResult QueryInt(DeviceLink& link, CommandId id, int32_t& target);
+[[nodiscard]] LinkResult QueryFloat(DeviceLink& link, CommandId id, float& target);
 // Always "#iden"; the line as it stands, cut to fit, with a terminating zero. A reply without a value line is
 // an empty identity.
-[[nodiscard]] LinkResult QueryString(Handle port, std::span<char> target);
+[[nodiscard]] LinkResult QueryString(DeviceLink& link, std::span<char> target);
 
 // The line behind the echoed command line; false when the reply has none. Pure.
 [[nodiscard]] bool FindValueLine(std::string_view reply, std::string_view& line);

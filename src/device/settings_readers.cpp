@@ -1,7 +1,5 @@
 #include "device/settings_readers.h"
 
-#include "app/state/app_state.h"
-
 namespace tw {
 namespace {
 
@@ -38,37 +36,37 @@ Outcome Judge(LinkResult result, OnFailure onFailure = OnFailure::end) {
 // What a device need not know is asked so: a reply that comes late would be taken for that of the next
 // command; it is taken away, and the query repeated.
 template <typename Query>
-LinkResult Patiently(Handle port, Query query) {
+LinkResult Patiently(DeviceLink& link, Query query) {
   const LinkResult result = query();
-  return result == LinkResult::noPrompt && TakeLateReply(port) ? query() : result;
+  return result == LinkResult::noPrompt && TakeLateReply(link) ? query() : result;
 }
 
-LinkResult AskInt(Handle port, C id, int32_t& target) {
-  return Patiently(port, [&] { return QueryInt(port, id, target); });
+LinkResult AskInt(DeviceLink& link, C id, int32_t& target) {
+  return Patiently(link, [&] { return QueryInt(link, id, target); });
 }
 
-LinkResult AskFloat(Handle port, C id, float& target) {
-  return Patiently(port, [&] { return QueryFloat(port, id, target); });
+LinkResult AskFloat(DeviceLink& link, C id, float& target) {
+  return Patiently(link, [&] { return QueryFloat(link, id, target); });
 }
 
-LinkResult AskIdentity(Handle port, std::span<char> target) {
-  return Patiently(port, [&] { return QueryString(port, target); });
+LinkResult AskIdentity(DeviceLink& link, std::span<char> target) {
+  return Patiently(link, [&] { return QueryString(link, target); });
 }
 
 template <size_t N>
-Outcome Ask(Handle port, S& settings, const IntQuery (&queries)[N]) {
+Outcome Ask(DeviceLink& link, S& settings, const IntQuery (&queries)[N]) {
   for (const IntQuery& query : queries) {
     const auto ask = query.onFailure == OnFailure::fail ? QueryInt : AskInt;
-    const Outcome outcome = Judge(ask(port, query.id, settings.*query.field), query.onFailure);
+    const Outcome outcome = Judge(ask(link, query.id, settings.*query.field), query.onFailure);
     if (outcome != Outcome::goOn) return outcome;
   }
   return Outcome::goOn;
 }
 
 template <size_t N>
-Outcome Ask(Handle port, S& settings, const FloatQuery (&queries)[N]) {
+Outcome Ask(DeviceLink& link, S& settings, const FloatQuery (&queries)[N]) {
   for (const FloatQuery& query : queries) {
-    const Outcome outcome = Judge(AskFloat(port, query.id, settings.*query.field));
+    const Outcome outcome = Judge(AskFloat(link, query.id, settings.*query.field));
     if (outcome != Outcome::goOn) return outcome;
   }
   return Outcome::goOn;
@@ -109,25 +107,25 @@ constexpr IntQuery kChannels[] = {{C::samplingFrequency, &S::samplingFrequency_h
                                   {C::simultaneous, &S::simultaneous}};
 
 // Automatic mode and preset; a device without "#auto" knows neither, and the reading goes on.
-Outcome AskPreset(Handle port, S& settings) {
-  if (AskInt(port, C::automatic, settings.automaticMode) != LinkResult::success) {
-    globals.presetCapable = 0;
+Outcome AskPreset(DeviceLink& link, S& settings) {
+  if (AskInt(link, C::automatic, settings.automaticMode) != LinkResult::success) {
+    link.facts.presetCapable = false;
     return Outcome::goOn;
   }
-  globals.presetCapable = 1;
+  link.facts.presetCapable = true;
   if (settings.automaticMode == 1) {
     settings.preset = kAutomaticPreset;
-  } else if (AskInt(port, C::preset, settings.preset) != LinkResult::success) {
+  } else if (AskInt(link, C::preset, settings.preset) != LinkResult::success) {
     return Outcome::end;
   }
-  globals.currentPreset = settings.preset;
+  link.facts.currentPreset = settings.preset;
   return Outcome::goOn;
 }
 
 // Seconds to whole milliseconds, truncated, in single precision; bounded, since the device may say anything.
-Outcome AskInterval(Handle port, S& settings) {
+Outcome AskInterval(DeviceLink& link, S& settings) {
   float interval_s = 0.0f;
-  const Outcome outcome = Judge(AskFloat(port, C::interval, interval_s));
+  const Outcome outcome = Judge(AskFloat(link, C::interval, interval_s));
   if (outcome != Outcome::goOn) return outcome;
   const float interval_ms = interval_s * 1000.0f;
   if (interval_ms >= 0.0f && interval_ms <= 3'600'000.0f) {
@@ -136,62 +134,62 @@ Outcome AskInterval(Handle port, S& settings) {
   return Outcome::goOn;
 }
 
-Outcome AskOutput(Handle port, S& settings, int32_t replacementOfFive) {
-  const Outcome outcome = Judge(AskInt(port, C::output, settings.outputMode));
+Outcome AskOutput(DeviceLink& link, S& settings, int32_t replacementOfFive) {
+  const Outcome outcome = Judge(AskInt(link, C::output, settings.outputMode));
   if (outcome == Outcome::goOn && settings.outputMode == 5) settings.outputMode = replacementOfFive;
   return outcome;
 }
 
-Outcome AskSmoothing(Handle port, S& settings) {
-  if (AskInt(port, C::smoothing, settings.smoothing) == LinkResult::success) {
-    globals.smoothingSupported = 1;
-    return Judge(AskFloat(port, C::outputRate, settings.outputRate));
+Outcome AskSmoothing(DeviceLink& link, S& settings) {
+  if (AskInt(link, C::smoothing, settings.smoothing) == LinkResult::success) {
+    link.facts.smoothingSupported = true;
+    return Judge(AskFloat(link, C::outputRate, settings.outputRate));
   }
-  globals.smoothingSupported = 0;
+  link.facts.smoothingSupported = false;
   settings.smoothing = 0;
   settings.outputRate = 0.0f;
   return Outcome::goOn;
 }
 
 // The filters' last resorts keep the device usable when it does not tell them.
-void AskFilters(Handle port, S& settings) {
-  if (settings.smoothing != 0 && globals.smoothingSupported != 0) {
-    static_cast<void>(AskInt(port, C::medianFilter, settings.medianFilter));
-    static_cast<void>(AskInt(port, C::movingAverageFilter, settings.movingAverageFilter));
+void AskFilters(DeviceLink& link, S& settings) {
+  if (settings.smoothing != 0 && link.facts.smoothingSupported) {
+    static_cast<void>(AskInt(link, C::medianFilter, settings.medianFilter));
+    static_cast<void>(AskInt(link, C::movingAverageFilter, settings.movingAverageFilter));
     return;
   }
-  if (AskInt(port, C::medianFilter, settings.medianFilter) != LinkResult::success) {
+  if (AskInt(link, C::medianFilter, settings.medianFilter) != LinkResult::success) {
     if (settings.medianFilter < 3) settings.medianFilter = 2;
     return;
   }
-  if (AskInt(port, C::movingAverageFilter, settings.movingAverageFilter) != LinkResult::success &&
+  if (AskInt(link, C::movingAverageFilter, settings.movingAverageFilter) != LinkResult::success &&
       settings.movingAverageFilter < 2) {
     settings.movingAverageFilter = 1;
   }
 }
 
 // The part of the sequence whose order matters for what is kept when a query fails.
-Outcome AskAll(Handle port, S& settings) {
-  using Step = Outcome (*)(Handle, S&);
+Outcome AskAll(DeviceLink& link, S& settings) {
+  using Step = Outcome (*)(DeviceLink&, S&);
   constexpr Step kSteps[] = {
-      [](Handle p, S& s) { return Ask(p, s, kFirst); },
+      [](DeviceLink& l, S& s) { return Ask(l, s, kFirst); },
       AskPreset,
-      [](Handle p, S& s) { return Ask(p, s, kLimits); },
-      [](Handle p, S&) {
-        return Judge(QueryFloat(p, C::firmwareVersion, globals.firmwareVersion), OnFailure::fail);
+      [](DeviceLink& l, S& s) { return Ask(l, s, kLimits); },
+      [](DeviceLink& l, S&) {
+        return Judge(QueryFloat(l, C::firmwareVersion, l.facts.firmwareVersion), OnFailure::fail);
       },
-      [](Handle p, S& s) { return Ask(p, s, kRanges); },
+      [](DeviceLink& l, S& s) { return Ask(l, s, kRanges); },
       AskInterval,
-      [](Handle p, S& s) { return AskOutput(p, s, 6); },
-      [](Handle p, S& s) { return Ask(p, s, kDetection); },
-      [](Handle p, S& s) { return Ask(p, s, kGains); },
-      [](Handle p, S& s) { return Ask(p, s, kFrequencies); },
-      [](Handle p, S& s) { return Judge(AskIdentity(p, s.identity)); },
-      [](Handle p, S& s) { return Ask(p, s, kSoundAndPower); },
-      [](Handle p, S& s) { return Ask(p, s, kChannels); },
+      [](DeviceLink& l, S& s) { return AskOutput(l, s, 6); },
+      [](DeviceLink& l, S& s) { return Ask(l, s, kDetection); },
+      [](DeviceLink& l, S& s) { return Ask(l, s, kGains); },
+      [](DeviceLink& l, S& s) { return Ask(l, s, kFrequencies); },
+      [](DeviceLink& l, S& s) { return Judge(AskIdentity(l, s.identity)); },
+      [](DeviceLink& l, S& s) { return Ask(l, s, kSoundAndPower); },
+      [](DeviceLink& l, S& s) { return Ask(l, s, kChannels); },
   };
   for (const Step step : kSteps) {
-    const Outcome outcome = step(port, settings);
+    const Outcome outcome = step(link, settings);
     if (outcome != Outcome::goOn) return outcome;
   }
   return Outcome::goOn;
@@ -199,18 +197,18 @@ Outcome AskAll(Handle port, S& settings) {
 
 }  // namespace
 
-LinkResult ReadAllSettings(Handle port, DeviceSettings& settings, bool& silent) {
-  const Outcome outcome = AskAll(port, settings);
+LinkResult ReadAllSettings(DeviceLink& link, DeviceSettings& settings, bool& silent) {
+  const Outcome outcome = AskAll(link, settings);
   silent = outcome == Outcome::silent;
   if (outcome == Outcome::fail || silent) return LinkResult::invalid;
   if (outcome == Outcome::end) return LinkResult::success;
-  globals.highChannelActive =
-      settings.simultaneous == 0 && settings.frequencyInUse_hz == settings.highFrequency_hz ? 1 : 0;
-  if (AskSmoothing(port, settings) == Outcome::goOn) AskFilters(port, settings);
+  link.facts.highChannelActive =
+      settings.simultaneous == 0 && settings.frequencyInUse_hz == settings.highFrequency_hz;
+  if (AskSmoothing(link, settings) == Outcome::goOn) AskFilters(link, settings);
   return LinkResult::success;
 }
 
-LinkResult ReadSecondFamilySettings(Handle port, DeviceSettings& settings, bool& silent) {
+LinkResult ReadSecondFamilySettings(DeviceLink& link, DeviceSettings& settings, bool& silent) {
   constexpr IntQuery kMandatory[] = {{C::identity, &S::identifierWord, OnFailure::fail},
                                      {C::range, &S::rangeHigh_mm, OnFailure::fail}};
   constexpr IntQuery kDetectionOfTwo[] = {{C::threshold, &S::thresholdHigh_percent},
@@ -226,19 +224,19 @@ LinkResult ReadSecondFamilySettings(Handle port, DeviceSettings& settings, bool&
   constexpr IntQuery kFiltersOfTwo[] = {{C::samplingFrequency, &S::samplingFrequency_hz},
                                         {C::medianFilter, &S::medianFilter},
                                         {C::movingAverageFilter, &S::movingAverageFilter}};
-  const Outcome known = Ask(port, settings, kMandatory);
+  const Outcome known = Ask(link, settings, kMandatory);
   silent = known == Outcome::silent;
   if (known != Outcome::goOn) return LinkResult::invalid;
   const auto go = [](Outcome outcome) { return outcome == Outcome::goOn; };
-  const bool frequencyKnown = go(AskPreset(port, settings)) && go(AskInterval(port, settings)) &&
-                              go(AskOutput(port, settings, 5)) && go(Ask(port, settings, kDetectionOfTwo)) &&
-                              go(Ask(port, settings, kGainOfTwo)) && go(Ask(port, settings, kTvgMode)) &&
-                              go(Ask(port, settings, kTvgOfTwo)) && go(Ask(port, settings, kFrequencyOfTwo));
+  const bool frequencyKnown = go(AskPreset(link, settings)) && go(AskInterval(link, settings)) &&
+                              go(AskOutput(link, settings, 5)) && go(Ask(link, settings, kDetectionOfTwo)) &&
+                              go(Ask(link, settings, kGainOfTwo)) && go(Ask(link, settings, kTvgMode)) &&
+                              go(Ask(link, settings, kTvgOfTwo)) && go(Ask(link, settings, kFrequencyOfTwo));
   if (!frequencyKnown) return LinkResult::success;
   settings.highFrequency_hz = settings.frequencyInUse_hz;
   settings.virtualHighFrequency_hz = settings.frequencyInUse_hz;
-  if (go(Ask(port, settings, kFiltersOfTwo))) {
-    static_cast<void>(AskFloat(port, C::firmwareVersion, globals.firmwareVersion));
+  if (go(Ask(link, settings, kFiltersOfTwo))) {
+    static_cast<void>(AskFloat(link, C::firmwareVersion, link.facts.firmwareVersion));
   }
   return LinkResult::success;
 }

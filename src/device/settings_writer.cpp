@@ -3,7 +3,6 @@
 #include <cinttypes>
 #include <span>
 
-#include "app/state/app_state.h"
 #include "base/text_format.h"
 
 namespace tw {
@@ -81,13 +80,13 @@ std::string_view FormatValue(std::span<char> text, const Row& row, const S& sett
   return {text.data(), length};
 }
 
-LinkResult WriteRows(Handle port, std::span<const Row> rows, const S& wanted, const S& applied) {
+LinkResult WriteRows(DeviceLink& link, std::span<const Row> rows, const S& wanted, const S& applied) {
   for (const Row& row : rows) {
     char wantedText[kValueSize];
     char appliedText[kValueSize];
     const std::string_view value = FormatValue(wantedText, row, wanted);
     if (value == FormatValue(appliedText, row, applied)) continue;
-    const LinkResult result = Exchange(port, row.id, value);
+    const LinkResult result = Exchange(link, row.id, value);
     if (result != LinkResult::success) return result;
   }
   return LinkResult::success;
@@ -98,44 +97,44 @@ C FrequencySelection(const S& settings) {
   return settings.frequencyInUse_hz == settings.lowFrequency_hz ? C::setFrequencyLow : C::setFrequencyHigh;
 }
 
-LinkResult WriteFrequencySelection(Handle port, const S& wanted, const S& applied) {
+LinkResult WriteFrequencySelection(DeviceLink& link, const S& wanted, const S& applied) {
   const C selection = FrequencySelection(wanted);
-  return selection == FrequencySelection(applied) ? LinkResult::success : Exchange(port, selection);
+  return selection == FrequencySelection(applied) ? LinkResult::success : Exchange(link, selection);
 }
 
 // The automatic mode shows as a preset and is switched on by a command of its own.
-LinkResult WritePreset(Handle port, const S& wanted, const S& applied) {
-  if (globals.presetCapable == 0 || wanted.preset == applied.preset) return LinkResult::success;
-  if (wanted.preset == kAutomaticPreset) return Exchange(port, C::automatic, "1");
+LinkResult WritePreset(DeviceLink& link, const S& wanted, const S& applied) {
+  if (!link.facts.presetCapable || wanted.preset == applied.preset) return LinkResult::success;
+  if (wanted.preset == kAutomaticPreset) return Exchange(link, C::automatic, "1");
   constexpr Row kPreset[] = {{C::preset, &S::preset}};
-  return WriteRows(port, kPreset, wanted, applied);
+  return WriteRows(link, kPreset, wanted, applied);
 }
 
 }  // namespace
 
-LinkResult WriteChangedSettings(Handle port, DeviceFamily family, const DeviceSettings& wanted,
+LinkResult WriteChangedSettings(DeviceLink& link, DeviceFamily family, const DeviceSettings& wanted,
                                 const DeviceSettings& applied) {
   const bool first = family == DeviceFamily::first;
-  const bool smoothingSupported = globals.smoothingSupported != 0;
-  LinkResult result = first ? WriteFrequencySelection(port, wanted, applied) : LinkResult::success;
-  if (result == LinkResult::success) result = WritePreset(port, wanted, applied);
+  const bool smoothingSupported = link.facts.smoothingSupported;
+  LinkResult result = first ? WriteFrequencySelection(link, wanted, applied) : LinkResult::success;
+  if (result == LinkResult::success) result = WritePreset(link, wanted, applied);
   if (result == LinkResult::success) {
     const std::span<const Row> rows = first ? std::span<const Row>(kOfFirstFamily) : kOfOtherFamilies;
-    result = WriteRows(port, rows, wanted, applied);
+    result = WriteRows(link, rows, wanted, applied);
   }
   if (result == LinkResult::success && !(smoothingSupported && wanted.smoothing != 0)) {
-    result = WriteRows(port, kFilters, wanted, applied);
+    result = WriteRows(link, kFilters, wanted, applied);
   }
   if (result == LinkResult::success && smoothingSupported) {
-    result = WriteRows(port, kOutputRate, wanted, applied);
+    result = WriteRows(link, kOutputRate, wanted, applied);
   }
   return result;
 }
 
-LinkResult SendSpeed(Handle port, int32_t speed_bps) {
+LinkResult SendSpeed(DeviceLink& link, int32_t speed_bps) {
   char text[16];
   FormatText(text, "%" PRId32, speed_bps);
-  return SendCommand(port, CommandId::speed, text);
+  return SendCommand(link, CommandId::speed, text);
 }
 
 }  // namespace tw

@@ -15,10 +15,10 @@ namespace tw {
 //
 // Ends at the first command without its prompt, with that command's result; what follows has not been sent
 // then. A value that the device refuses is no failure: the caller reads the settings back in every case.
-[[nodiscard]] LinkResult WriteChangedSettings(Handle port, DeviceFamily family, const DeviceSettings& wanted,
-                                              const DeviceSettings& applied);
+[[nodiscard]] LinkResult WriteChangedSettings(DeviceLink& link, DeviceFamily family,
+                                              const DeviceSettings& wanted, const DeviceSettings& applied);
 
 // Sends "#speed" with the line's next speed, in force after a reset. Awaits no reply.
-[[nodiscard]] LinkResult SendSpeed(Handle port, int32_t speed_bps);
+[[nodiscard]] LinkResult SendSpeed(DeviceLink& link, int32_t speed_bps);
 
 }  // namespace tw

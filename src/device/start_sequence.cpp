@@ -2,7 +2,6 @@
 
 #include <cinttypes>
 
-#include "base/shared_value.h"
 #include "base/text_format.h"
 #include "device/command_link.h"
 #include "platform/clock.h"
@@ -10,68 +9,67 @@
 namespace tw {
 namespace {
 
-void Send(Handle port, CommandId id, const char* value) {
-  static_cast<void>(Exchange(port, id, value));
+void Send(DeviceLink& link, CommandId id, const char* value) {
+  static_cast<void>(Exchange(link, id, value));
 }
 
-void SendNumber(Handle port, CommandId id, int32_t value) {
+void SendNumber(DeviceLink& link, CommandId id, int32_t value) {
   char text[16];
   FormatText(text, "%" PRId32, value);
-  Send(port, id, text);
+  Send(link, id, text);
 }
 
-void SendTime(Handle port) {
+void SendTime(DeviceLink& link) {
   char text[16];
   FormatText(text, "%" PRIu32, static_cast<uint32_t>(UnixMilliseconds() / 1000));
-  Send(port, CommandId::time, text);
+  Send(link, CommandId::time, text);
 }
 
 // A preset in force decides the output itself.
-void SendOutput(AppState& state, Handle port) {
-  if (globals.presetCapable != 0 && globals.currentPreset != kNoPreset) return;
-  SendNumber(port, CommandId::output, state.settings.outputMode);
-  state.appliedSettings.outputMode = state.settings.outputMode;
+void SendOutput(DeviceLink& link, const DeviceSettings& settings, DeviceSettings& applied) {
+  if (link.facts.presetCapable && link.facts.currentPreset != kNoPreset) return;
+  SendNumber(link, CommandId::output, settings.outputMode);
+  applied.outputMode = settings.outputMode;
 }
 
-void SendSingle(AppState& state, Handle port) {
-  SendTime(port);
-  Send(port, CommandId::tvgMode, "1");
-  state.settings.tvgMode = 1;
-  state.appliedSettings.tvgMode = 1;
-  Send(port, CommandId::pingOnce, "0");
-  Send(port, CommandId::nmeaDpZero, "1");
-  Send(port, CommandId::nmeaDbt, "1");
-  Send(port, CommandId::nmeaDpt, "0");
-  Send(port, CommandId::nmeaMtw, "1");
-  Send(port, CommandId::nmeaEma, "1");
-  Send(port, CommandId::nmeaZda, "1");
-  Send(port, CommandId::nmeaXdr, "1");
-  SendOutput(state, port);
+void SendSingle(DeviceLink& link, DeviceSettings& settings, DeviceSettings& applied) {
+  SendTime(link);
+  Send(link, CommandId::tvgMode, "1");
+  settings.tvgMode = 1;
+  applied.tvgMode = 1;
+  Send(link, CommandId::pingOnce, "0");
+  Send(link, CommandId::nmeaDpZero, "1");
+  Send(link, CommandId::nmeaDbt, "1");
+  Send(link, CommandId::nmeaDpt, "0");
+  Send(link, CommandId::nmeaMtw, "1");
+  Send(link, CommandId::nmeaEma, "1");
+  Send(link, CommandId::nmeaZda, "1");
+  Send(link, CommandId::nmeaXdr, "1");
+  SendOutput(link, settings, applied);
 }
 
-void SendDual(AppState& state, Handle port) {
-  SendTime(port);
-  Send(port, CommandId::nmeaDpt, "1");
-  Send(port, CommandId::nmeaEma, "1");
-  SendOutput(state, port);
-  SendNumber(port, CommandId::range, state.settings.rangeHigh_mm);
+void SendDual(DeviceLink& link, DeviceSettings& settings, DeviceSettings& applied) {
+  SendTime(link);
+  Send(link, CommandId::nmeaDpt, "1");
+  Send(link, CommandId::nmeaEma, "1");
+  SendOutput(link, settings, applied);
+  SendNumber(link, CommandId::range, settings.rangeHigh_mm);
   // One command for both channels.
-  state.settings.rangeLow_mm = state.settings.rangeHigh_mm;
-  state.appliedSettings.rangeLow_mm = state.settings.rangeHigh_mm;
-  state.appliedSettings.rangeHigh_mm = state.settings.rangeHigh_mm;
+  settings.rangeLow_mm = settings.rangeHigh_mm;
+  applied.rangeLow_mm = settings.rangeHigh_mm;
+  applied.rangeHigh_mm = settings.rangeHigh_mm;
 }
 
 }  // namespace
 
-void StartDevice(AppState& state) {
-  const Handle port = LoadShared(state.devicePort);
-  const bool dual = FamilyInUse() == DeviceFamily::first && LoadShared(globals.dualMode) != 0;
-  if (dual) {
-    SendDual(state, port);
+void StartDevice(DeviceLink& link, DeviceFamily family, bool dual, DeviceSettings& settings,
+                 DeviceSettings& applied) {
+  if (family == DeviceFamily::first && dual) {
+    SendDual(link, settings, applied);
   } else {
-    SendSingle(state, port);
+    SendSingle(link, settings, applied);
   }
-  static_cast<void>(SendCommandNoValue(port, CommandId::go));
+  static_cast<void>(SendCommandNoValue(link, CommandId::go));
 }
 
 }  // namespace tw

@@ -3,7 +3,6 @@
 #include <string_view>
 
 #include "base/text_format.h"
-#include "device/rolling_window.h"
 #include "device/serial_ports.h"
 #include "platform/clock.h"
 #include "platform/debug_output.h"
@@ -20,38 +19,31 @@ constexpr char kStopKey[] = " ";
 constexpr std::string_view kEndOfStream = "DataEnd";
 constexpr std::string_view kPrompt = "\r\n>";
 
-// kept: the windows persist from one call to the next, so an end mark is found although its beginning came
-// during an earlier attempt.
-struct Windows {
-  RollingWindow<7> end;
-  RollingWindow<3> prompt;
-};
-constinit Windows windows{};
-
 // One stop key and what comes within a second.
-LinkResult Attempt(Handle port) {
-  if (!WriteSerialLine(port, kStopKey, 1)) return LinkResult::portFailed;
+LinkResult Attempt(DeviceLink& link) {
+  if (!WriteSerialLine(link.port, kStopKey, 1)) return LinkResult::portFailed;
   const uint32_t begin = MillisecondClock();
   do {
     uint8_t byte = 0;
     uint32_t got = 0;
-    if (!ReadSerialLine(port, &byte, 1, got)) return LinkResult::portFailed;
+    if (!ReadSerialLine(link.port, &byte, 1, got)) return LinkResult::portFailed;
     if (got == 0) continue;
-    windows.end.Take(static_cast<char>(byte));
-    windows.prompt.Take(static_cast<char>(byte));
-    if (windows.end.Holds(kEndOfStream) || windows.prompt.Holds(kPrompt)) return LinkResult::success;
+    link.stopWindows.end.Take(static_cast<char>(byte));
+    link.stopWindows.prompt.Take(static_cast<char>(byte));
+    if (link.stopWindows.end.Holds(kEndOfStream) || link.stopWindows.prompt.Holds(kPrompt))
+      return LinkResult::success;
   } while (MillisecondClock() - begin < kAttempt_ms);
   WriteDebugText(L"Stop command timeout\n");
   return LinkResult::stopTimeOut;
 }
 
-LinkResult StopStreaming(Handle port) {
+LinkResult StopStreaming(DeviceLink& link) {
   LinkResult result = LinkResult::stopTimeOut;
   for (int attempt = 0; attempt < kAttempts; ++attempt) {
     const uint32_t begin = MillisecondClock();
-    result = Attempt(port);
+    result = Attempt(link);
     if (result == LinkResult::success) {
-      static_cast<void>(RequestPrompt(port));  // kept: a device that has stopped counts as stopped
+      static_cast<void>(RequestPrompt(link));  // kept: a device that has stopped counts as stopped
       return result;
     }
     // kept: measured from the attempt's own start, this limit is never reached; 30 attempts are the bound.
@@ -66,9 +58,9 @@ LinkResult StopStreaming(Handle port) {
 
 }  // namespace
 
-LinkResult StopDevice(Handle port) {
-  if (WaitForAnyByte(port)) return StopStreaming(port);
-  return RequestPrompt(port) == LinkResult::success ? LinkResult::success : LinkResult::noPrompt;
+LinkResult StopDevice(DeviceLink& link) {
+  if (WaitForAnyByte(link.port)) return StopStreaming(link);
+  return RequestPrompt(link) == LinkResult::success ? LinkResult::success : LinkResult::noPrompt;
 }
 
 }  // namespace tw

@@ -9,6 +9,7 @@
 #include "app/run/record_set_up.h"
 #include "app/window/commands.h"
 #include "app/window/start_up.h"
+#include "device/device_link.h"
 #include "platform/clock.h"
 #include "platform/memory.h"
 #include "platform/virtual/documents_folder.h"
@@ -65,6 +66,7 @@ RunControlTest::~RunControlTest() {
   }
   FreeZeroed(state_->ringA, kRingSize);
   FreeZeroed(state_->ringB, kRingSize);
+  FreeZeroed(state_->link, sizeof *state_->link);
   FreeZeroed(state_, sizeof *state_);
 }
 

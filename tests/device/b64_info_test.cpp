@@ -93,7 +93,7 @@ TEST_F(B64InfoDialogue, BlockAndFrequency) {
   settings_.smoothing = 1;
   device_.replies = {{"#info\r\nName X\r\nB6" + kAnswer},
                      {"#info\r\nTx FrTx Frequency      450000 Hz  \r\n\r\n>"}};
-  EXPECT_EQ(ReadSettingsFromB64Info(port_, settings_, silent_), LinkResult::success);
+  EXPECT_EQ(ReadSettingsFromB64Info(link_, settings_, silent_), LinkResult::success);
   DeviceSettings told = Told();
   told.frequencyInUse_hz = told.highFrequency_hz = told.virtualHighFrequency_hz = 450'000;
   EXPECT_TRUE(Same(settings_, told));
@@ -110,7 +110,7 @@ TEST_F(B64InfoDialogue, ADeviceIsGivenUpAfterTwoSecondsOfSilenceOrTenInAll) {
   for (const auto& [reply, limit_us, silent] : rows) {
     device_.replies = {reply};
     const int64_t begin_us = VirtualNow_us();
-    EXPECT_EQ(ReadSettingsFromB64Info(port_, settings_, silent_), LinkResult::noPrompt);
+    EXPECT_EQ(ReadSettingsFromB64Info(link_, settings_, silent_), LinkResult::noPrompt);
     EXPECT_EQ(silent_, silent);
     EXPECT_GE(VirtualNow_us() - begin_us, limit_us);
     EXPECT_LE(VirtualNow_us() - begin_us, limit_us + 110'000);
@@ -122,7 +122,7 @@ TEST_F(B64InfoDialogue, EveryTruncationLeavesTheRecordAsItWas) {
     std::memset(&settings_, 0x11, sizeof settings_);
     const DeviceSettings before = settings_;
     device_.replies = {{kAnswer.substr(0, length)}};
-    EXPECT_EQ(ReadSettingsFromB64Info(port_, settings_, silent_), LinkResult::noPrompt) << length;
+    EXPECT_EQ(ReadSettingsFromB64Info(link_, settings_, silent_), LinkResult::noPrompt) << length;
     EXPECT_TRUE(Same(settings_, before)) << length;
   }
 }
@@ -130,7 +130,7 @@ TEST_F(B64InfoDialogue, EveryTruncationLeavesTheRecordAsItWas) {
 TEST_F(B64InfoDialogue, ATextOf256CharactersIsFatal) {
   const auto read = [this](size_t length) {
     device_.replies = {{"B64INFO[" + std::string(length, 'A') + "]\r\n\r\n>"}};
-    return ReadSettingsFromB64Info(port_, settings_, silent_);
+    return ReadSettingsFromB64Info(link_, settings_, silent_);
   };
   EXPECT_EQ(read(255), LinkResult::success);
   for (const size_t length : {256u, 5'000u}) EXPECT_DEATH(static_cast<void>(read(length)), "too long");
@@ -152,13 +152,13 @@ TEST_F(B64InfoDialogue, TheFrequencyStandsInALineOfTheFirstKilobyteOrIsAsItWas) 
     settings_ = DeviceSettings{};
     settings_.frequencyInUse_hz = 7;
     device_.replies = {{"B64INFO[" + std::string(kBlock) + "]\r\n>"}, {row.answer}};
-    EXPECT_EQ(ReadSettingsFromB64Info(port_, settings_, silent_), LinkResult::success) << row.what;
+    EXPECT_EQ(ReadSettingsFromB64Info(link_, settings_, silent_), LinkResult::success) << row.what;
     DeviceSettings told = Told();
     told.frequencyInUse_hz = row.frequency_hz;
     told.highFrequency_hz = told.virtualHighFrequency_hz = row.frequency_hz == 7 ? 0 : row.frequency_hz;
     EXPECT_TRUE(Same(settings_, told)) << row.what;
     char rest = 0;
-    for (uint32_t got = 1; got != 0;) ASSERT_TRUE(ReadSerialLine(port_, &rest, 1, got));
+    for (uint32_t got = 1; got != 0;) ASSERT_TRUE(ReadSerialLine(link_.port, &rest, 1, got));
   }
 }
 
@@ -170,27 +170,27 @@ TEST_F(B64InfoDialogue, TheSecondAnswerIsReadToItsPrompt) {
   } rows[] = {{"\r\n>", 0}, {">", 0}, {"Gain > 3\r\n\r\n>", 5'000}, {std::string(2'000, '-') + "\r\n>", 900}};
   for (const auto& row : rows) {
     device_.replies = {{kAnswer}, {line + row.rest, 0, row.spacing_us}};
-    EXPECT_EQ(ReadSettingsFromB64Info(port_, settings_, silent_), LinkResult::success) << row.rest;
+    EXPECT_EQ(ReadSettingsFromB64Info(link_, settings_, silent_), LinkResult::success) << row.rest;
     EXPECT_EQ(settings_.frequencyInUse_hz, 450'000) << row.rest;
     SleepMilliseconds(3'000);
-    EXPECT_EQ(BytesWaiting(port_), 0u) << row.rest;
+    EXPECT_EQ(BytesWaiting(link_.port), 0u) << row.rest;
   }
   settings_.frequencyInUse_hz = 7;
   device_.replies = {{kAnswer}, {line + "\r\n>", 2'300'000}, {line + "\r\n>"}};
-  EXPECT_EQ(ReadSettingsFromB64Info(port_, settings_, silent_), LinkResult::success);
+  EXPECT_EQ(ReadSettingsFromB64Info(link_, settings_, silent_), LinkResult::success);
   EXPECT_EQ(settings_.frequencyInUse_hz, 450'000) << "asked again when it has come late";
-  EXPECT_EQ(BytesWaiting(port_), 0u);
+  EXPECT_EQ(BytesWaiting(link_.port), 0u);
 }
 
 TEST_F(B64InfoDialogue, AFailingLineChangesNothing) {
   const DeviceSettings before = settings_;
   device_.replies = {{kAnswer}};
   HangUpLine(test::kScriptedLine, 30);
-  EXPECT_EQ(ReadSettingsFromB64Info(port_, settings_, silent_), LinkResult::portFailed);
+  EXPECT_EQ(ReadSettingsFromB64Info(link_, settings_, silent_), LinkResult::portFailed);
   ClearFaults();
   for (uint64_t call = 1; call <= 2; ++call) {
     InjectFault({.point = FaultPoint::writeLine, .call = call});
-    EXPECT_EQ(ReadSettingsFromB64Info(port_, settings_, silent_), LinkResult::portFailed);
+    EXPECT_EQ(ReadSettingsFromB64Info(link_, settings_, silent_), LinkResult::portFailed);
     ClearFaults();
   }
   EXPECT_TRUE(Same(settings_, before));

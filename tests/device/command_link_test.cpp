@@ -26,10 +26,10 @@ TEST(CommandTable, AliasesAndGaps) {
 }
 
 TEST_F(CommandLinkTest, TheWireFormHasABlankAndACarriageReturnAlone) {
-  EXPECT_EQ(SendCommand(port_, CommandId::rangeLow, "30"), LinkResult::success);
-  EXPECT_EQ(SendCommandNoValue(port_, CommandId::go), LinkResult::success);
-  EXPECT_EQ(SendCommand(port_, static_cast<CommandId>(44), "1"), LinkResult::invalid);
-  EXPECT_EQ(SendCommandNoValue(port_, static_cast<CommandId>(99)), LinkResult::invalid);
+  EXPECT_EQ(SendCommand(link_, CommandId::rangeLow, "30"), LinkResult::success);
+  EXPECT_EQ(SendCommandNoValue(link_, CommandId::go), LinkResult::success);
+  EXPECT_EQ(SendCommand(link_, static_cast<CommandId>(44), "1"), LinkResult::invalid);
+  EXPECT_EQ(SendCommandNoValue(link_, static_cast<CommandId>(99)), LinkResult::invalid);
   EXPECT_EQ(device_.received, "#rangel 30\r#go\r");
 }
 
@@ -38,7 +38,7 @@ TEST_F(CommandLinkTest, EachPieceIsAWriteOfItsOwnAndAFailureEndsTheCommand) {
     device_.received.clear();
     ClearFaults();
     InjectFault({.point = FaultPoint::writeLine, .call = call});
-    EXPECT_EQ(SendCommand(port_, CommandId::rangeLow, "30"), LinkResult::portFailed);
+    EXPECT_EQ(SendCommand(link_, CommandId::rangeLow, "30"), LinkResult::portFailed);
     const char* const written[] = {"", "#rangel", "#rangel ", "#rangel 30"};
     EXPECT_EQ(device_.received, written[call - 1]);
   }
@@ -76,9 +76,9 @@ TEST_F(CommandLinkTest, ValueLinesAreStrict) {
     Answer(row.reply);
     Answer(row.reply);
     const auto result = [](bool valid) { return valid ? LinkResult::success : LinkResult::invalid; };
-    EXPECT_EQ(QueryInt(port_, CommandId::rangeLow, whole), result(row.whole != kWhole)) << row.reply;
+    EXPECT_EQ(QueryInt(link_, CommandId::rangeLow, whole), result(row.whole != kWhole)) << row.reply;
     EXPECT_EQ(whole, row.whole) << row.reply;
-    EXPECT_EQ(QueryFloat(port_, CommandId::sound, real), result(row.real != kReal)) << row.reply;
+    EXPECT_EQ(QueryFloat(link_, CommandId::sound, real), result(row.real != kReal)) << row.reply;
     EXPECT_EQ(real, row.real) << row.reply;
   }
 }
@@ -86,29 +86,29 @@ TEST_F(CommandLinkTest, ValueLinesAreStrict) {
 TEST_F(CommandLinkTest, TheIdentityIsTheLineAsItStands) {
   char identity[8] = "old";
   Answer("#iden\r\n KT-1 x,y\r\n\r\n>");
-  EXPECT_EQ(QueryString(port_, identity), LinkResult::success);
+  EXPECT_EQ(QueryString(link_, identity), LinkResult::success);
   EXPECT_STREQ(identity, " KT-1 x");
   EXPECT_EQ(device_.received, "#iden\r");
   for (const char* reply : {"#iden\r\n\r\n\r\n>", "#iden\r\n\r\n>"}) {
     std::strcpy(identity, "old");
     Answer(reply);
-    EXPECT_EQ(QueryString(port_, identity), LinkResult::success) << reply;
+    EXPECT_EQ(QueryString(link_, identity), LinkResult::success) << reply;
     EXPECT_STREQ(identity, "") << reply;
   }
-  EXPECT_EQ(QueryString(port_, identity), LinkResult::noPrompt);
+  EXPECT_EQ(QueryString(link_, identity), LinkResult::noPrompt);
 }
 
 TEST_F(CommandLinkTest, APromptIsRecognisedHoweverItComes) {
   for (const char* reply : {"x\r\r\n>", "x\r\n\r\n>", "\r\n>", ">\r>\r\n>"}) {
     Answer(reply);
-    EXPECT_EQ(Exchange(port_, CommandId::reset), LinkResult::success) << reply;
+    EXPECT_EQ(Exchange(link_, CommandId::reset), LinkResult::success) << reply;
   }
   DeliverSingly(test::kScriptedLine);
   Answer("x\r\n>");
-  EXPECT_EQ(Exchange(port_, CommandId::reset), LinkResult::success);
+  EXPECT_EQ(Exchange(link_, CommandId::reset), LinkResult::success);
   for (const char* reply : {"x\n\r>", "x\r\n\r>", "x>", "x\r\n"}) {
     Answer(reply);
-    EXPECT_EQ(Exchange(port_, CommandId::reset), LinkResult::noPrompt) << reply;
+    EXPECT_EQ(Exchange(link_, CommandId::reset), LinkResult::noPrompt) << reply;
   }
 }
 
@@ -127,52 +127,50 @@ TEST_F(CommandLinkTest, OneLimitOfTwoSecondsForTheWholeReply) {
     SCOPED_TRACE(row.reply.text);
     device_.replies = {row.reply};
     const int64_t begin_us = VirtualNow_us();
-    EXPECT_EQ(Exchange(port_, CommandId::reset), row.result);
+    EXPECT_EQ(Exchange(link_, CommandId::reset), row.result);
     const int64_t taken_us = VirtualNow_us() - begin_us;
     EXPECT_LE(taken_us, 2'110'000);  // the limit and one read
     EXPECT_EQ(taken_us >= 2'000'000, row.result == LinkResult::noPrompt);
     SleepMilliseconds(1'000);
-    while (BytesWaiting(port_) > 0) static_cast<void>(SkipReply(port_));
+    while (BytesWaiting(link_.port) > 0) static_cast<void>(SkipReply(link_));
   }
 }
 
 TEST_F(CommandLinkTest, AReplyBeyondTheBufferStillEndsAtItsPrompt) {
   Answer(std::string(kReplySize + 5'000, 'x') + "\r\n>");
-  std::vector<char> buffer(kReplySize);
   size_t length = 0;
-  ASSERT_EQ(SendCommandNoValue(port_, CommandId::info), LinkResult::success);
-  EXPECT_EQ(ReadReply(port_, buffer, length), LinkResult::success);
+  ASSERT_EQ(SendCommandNoValue(link_, CommandId::info), LinkResult::success);
+  EXPECT_EQ(ReadReply(link_, length), LinkResult::success);
   EXPECT_EQ(length, kReplySize - 1);
-  EXPECT_EQ(buffer.back(), '\0');
+  EXPECT_EQ(link_.reply[length], '\0');
 }
 
 TEST_F(CommandLinkTest, WhatCameBeforeATimeOutStaysInTheBuffer) {
   Answer("half");
-  char buffer[16];
   size_t length = 0;
-  ASSERT_EQ(SendCommandNoValue(port_, CommandId::info), LinkResult::success);
-  EXPECT_EQ(ReadReply(port_, buffer, length), LinkResult::noPrompt);
-  EXPECT_STREQ(buffer, "half");
+  ASSERT_EQ(SendCommandNoValue(link_, CommandId::info), LinkResult::success);
+  EXPECT_EQ(ReadReply(link_, length), LinkResult::noPrompt);
+  EXPECT_STREQ(link_.reply, "half");
   HangUpLine(test::kScriptedLine);
-  EXPECT_EQ(ReadReply(port_, buffer, length), LinkResult::portFailed);
+  EXPECT_EQ(ReadReply(link_, length), LinkResult::portFailed);
 }
 
 TEST_F(CommandLinkTest, ThePromptIsAskedForUpToTenTimes) {
   for (int i = 0; i < 9; ++i) Answer("noise");
   Answer("\r\n>");
-  EXPECT_EQ(RequestPrompt(port_), LinkResult::success);
+  EXPECT_EQ(RequestPrompt(link_), LinkResult::success);
   EXPECT_EQ(device_.received, std::string(10, '\r'));
   device_.received.clear();
-  EXPECT_EQ(RequestPrompt(port_), LinkResult::noPrompt);
+  EXPECT_EQ(RequestPrompt(link_), LinkResult::noPrompt);
   EXPECT_EQ(device_.received, std::string(10, '\r'));
   HangUpLine(test::kScriptedLine);
-  EXPECT_EQ(RequestPrompt(port_), LinkResult::portFailed);
+  EXPECT_EQ(RequestPrompt(link_), LinkResult::portFailed);
 }
 
 TEST_F(CommandLinkTest, AttemptsForThePromptAreCountedWhenTheLineCannotBeWritten) {
   InjectFault({.point = FaultPoint::writeLine, .call = 1, .repeat = 3});
   Answer("\r\n>");
-  EXPECT_EQ(RequestPrompt(port_), LinkResult::success);
+  EXPECT_EQ(RequestPrompt(link_), LinkResult::success);
   EXPECT_EQ(CallCount(FaultPoint::writeLine), 4u);
   EXPECT_EQ(VirtualNow_us() / 1000, 40) << "10 ms behind each attempt, the good one too";
 }

@@ -8,6 +8,7 @@
 #include <deque>
 #include <string>
 
+#include "device/device_link.h"
 #include "device/serial_ports.h"
 #include "platform/serial_line.h"
 #include "platform/virtual/faults.h"
@@ -78,17 +79,17 @@ class ScriptedLineTest : public testing::Test {
   ScriptedLineTest() {
     ClearFaults();
     AttachPeer(kScriptedLine, &device_);
-    port_ = OpenDevicePort(L"COM5", 115'200);
+    link_.port = OpenDevicePort(L"COM5", 115'200);
   }
   ~ScriptedLineTest() override {
-    CloseSerialLine(port_);
+    CloseSerialLine(link_.port);
     DetachSerialLines();
     ClearFaults();
   }
 
   VirtualClock clock_{1'700'000'000'000};
   LineScript device_;
-  Handle port_ = Handle::invalid;
+  DeviceLink link_;
 };
 
 }  // namespace tw::test

@@ -7,7 +7,6 @@
 #include <string>
 #include <vector>
 
-#include "app/state/app_state.h"
 #include "device/settings_readers.h"
 #include "tests/device/line_script.h"
 
@@ -119,7 +118,7 @@ const Query kSecondFamily[] = {
 struct Family {
   friend void PrintTo(const Family& family, std::ostream* out) { *out << family.name; }
   const char* name;
-  LinkResult (*read)(Handle, S&, bool&);
+  LinkResult (*read)(DeviceLink&, S&, bool&);
   std::span<const Query> queries;
 };
 const Family kFirst = {"First", ReadAllSettings, kFirstFamily};
@@ -141,7 +140,8 @@ std::string Reply(std::string_view keyword, std::string_view answer) {
 
 // One reading in which a query fails: what the device says and is asked, and what is left.
 struct Reading {
-  Reading(const Family& family, size_t failing, std::string_view failure) {
+  Reading(const Family& family, size_t failing, std::string_view failure, const DeviceFacts& before)
+      : facts(before) {
     for (size_t i = 0; i < family.queries.size(); ++i) {
       const Query& query = family.queries[i];
       asked += std::string(query.keyword) + "\r";
@@ -151,8 +151,11 @@ struct Reading {
         continue;
       }
       if (query.fallback >= 0) query.field.Set(settings, query.fallback);
-      if (query.keyword == "#auto") presetCapable = 0;
-      if (query.keyword == "#smooth") settings.outputRate = 0;
+      if (query.keyword == "#auto") facts.presetCapable = false;
+      if (query.keyword == "#smooth") {
+        settings.outputRate = 0;
+        facts.smoothingSupported = false;
+      }
       if (query.after == After::fails) result = LinkResult::invalid;
       if (query.after != After::skipsNext) return;
       ++i;
@@ -165,32 +168,28 @@ struct Reading {
       settings.highFrequency_hz = settings.virtualHighFrequency_hz = settings.frequencyInUse_hz;
     }
     if (query.keyword == "#iden" && first) std::strcpy(settings.identity, query.answer.c_str());
-    if (query.keyword == "#auto") presetCapable = 1;
-    if (query.keyword == "#preset") currentPreset = static_cast<int32_t>(query.kept);
-    if (query.keyword == "#swversion") firmware = 1.25f;
-    if (query.keyword == "#smooth") smoothingSupported = 1;
+    if (query.keyword == "#auto") facts.presetCapable = true;
+    if (query.keyword == "#preset") facts.currentPreset = static_cast<int32_t>(query.kept);
+    if (query.keyword == "#swversion") facts.firmwareVersion = 1.25f;
+    if (query.keyword == "#smooth") facts.smoothingSupported = true;
   }
 
   std::vector<std::string> replies;
   std::string asked;
   LinkResult result = LinkResult::success;
   S settings = Before();
-  int32_t presetCapable = 7;  // before
-  int32_t currentPreset = 7;
-  int32_t smoothingSupported = 0;
-  float firmware = 0;
+  DeviceFacts facts;
 };
 
 class ReadSettings : public test::ScriptedLineTest, public testing::WithParamInterface<Family> {
  protected:
-  void Read(const Family& family, const std::vector<std::string>& replies, const S& before = Before()) {
+  void Read(const Family& family, const std::vector<std::string>& replies, const S& before = Before(),
+            const DeviceFacts& facts = {}) {
     device_ = test::LineScript();
     for (const std::string& reply : replies) device_.replies.push_back({reply});
-    globals = Globals{};
-    globals.presetCapable = 7;
-    globals.currentPreset = 7;
+    link_.facts = facts;
     settings_ = before;
-    result_ = family.read(port_, settings_, silent_);
+    result_ = family.read(link_, settings_, silent_);
   }
 
   S settings_{};
@@ -201,13 +200,16 @@ class ReadSettings : public test::ScriptedLineTest, public testing::WithParamInt
 TEST_P(ReadSettings, EachQueryFailingInItsTurn) {
   const std::span<const Query> queries = GetParam().queries;
   for (const std::string failure : {"", "#x\r\n\r\n>", "#x\r\nError\r\n\r\n>"}) {
-    for (size_t failing = 0; failing <= queries.size(); ++failing) {
+    for (size_t turn = 0; turn < 2 * (queries.size() + 1); ++turn) {
+      const size_t failing = turn / 2;
+      const bool able = turn % 2 == 1;
+      const DeviceFacts before{.presetCapable = able, .currentPreset = 7, .smoothingSupported = able};
       const std::string keyword(failing < queries.size() ? queries[failing].keyword : "none");
       SCOPED_TRACE(keyword + " answered with " + failure);
       // An identity that is a text can be any, and none.
       if (keyword == "#iden" && failing > 0 && !failure.empty()) continue;
-      const Reading expected(GetParam(), failing, failure);
-      Read(GetParam(), expected.replies);
+      const Reading expected(GetParam(), failing, failure, before);
+      Read(GetParam(), expected.replies, Before(), before);
       EXPECT_EQ(result_, expected.result);
       EXPECT_EQ(silent_, failure.empty() && expected.result != LinkResult::success);
       EXPECT_EQ(device_.received, expected.asked);
@@ -216,10 +218,10 @@ TEST_P(ReadSettings, EachQueryFailingInItsTurn) {
       }
       EXPECT_STREQ(settings_.identity, expected.settings.identity);
       EXPECT_EQ(std::memcmp(&settings_, &expected.settings, sizeof settings_), 0) << "what no query tells";
-      EXPECT_EQ(globals.presetCapable, expected.presetCapable);
-      EXPECT_EQ(globals.currentPreset, expected.currentPreset);
-      EXPECT_EQ(globals.smoothingSupported, expected.smoothingSupported);
-      EXPECT_EQ(globals.firmwareVersion, expected.firmware);
+      EXPECT_EQ(link_.facts.presetCapable, expected.facts.presetCapable);
+      EXPECT_EQ(link_.facts.currentPreset, expected.facts.currentPreset);
+      EXPECT_EQ(link_.facts.smoothingSupported, expected.facts.smoothingSupported);
+      EXPECT_EQ(link_.facts.firmwareVersion, expected.facts.firmwareVersion);
     }
   }
 }
@@ -258,7 +260,7 @@ TEST_F(ReadFirstFamily, AnyLineIsAnIdentityAlsoAnEmptyOne) {
 TEST_F(ReadFirstFamily, TheAutomaticModeIsPresetTenWithoutAsking) {
   ReadWith({{"#auto", "1"}, {"#preset", ""}});
   EXPECT_EQ(settings_.preset, 10);
-  EXPECT_EQ(globals.currentPreset, 10);
+  EXPECT_EQ(link_.facts.currentPreset, 10);
   EXPECT_EQ(settings_.movingAverageFilter, 4);
 }
 
@@ -289,11 +291,11 @@ TEST_F(ReadFirstFamily, TheHighChannelIsActiveOnlyAlone) {
   const struct {
     const char* inUse;
     const char* simultaneous;
-    int32_t active;
-  } rows[] = {{"447000", "0", 1}, {"199000", "0", 0}, {"447000", "1", 0}};
+    bool active;
+  } rows[] = {{"447000", "0", true}, {"199000", "0", false}, {"447000", "1", false}};
   for (const auto& row : rows) {
     ReadWith({{"#getfreq", row.inUse}, {"##getsimul", row.simultaneous}});
-    EXPECT_EQ(globals.highChannelActive, row.active) << row.inUse << " " << row.simultaneous;
+    EXPECT_EQ(link_.facts.highChannelActive, row.active) << row.inUse << " " << row.simultaneous;
   }
 }
 

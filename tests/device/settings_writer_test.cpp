@@ -4,7 +4,6 @@
 
 #include <string>
 
-#include "app/state/app_state.h"
 #include "tests/device/line_script.h"
 
 namespace tw {
@@ -31,17 +30,13 @@ S Applied() {
 
 class SettingsWriterTest : public test::ScriptedLineTest {
  protected:
-  SettingsWriterTest() {
-    globals = Globals{};
-    globals.presetCapable = 1;
-    globals.smoothingSupported = 1;
-  }
+  SettingsWriterTest() { link_.facts.presetCapable = link_.facts.smoothingSupported = true; }
 
   // What goes out to a device that answers this many commands.
   std::string Write(int32_t family, const S& wanted, const S& applied, size_t answers = 40) {
     device_.received.clear();
     device_.replies.assign(answers, {"#x\r\n\r\n>"});
-    result_ = WriteChangedSettings(port_, DeviceFamily{family}, wanted, applied);
+    result_ = WriteChangedSettings(link_, DeviceFamily{family}, wanted, applied);
     return device_.received;
   }
 
@@ -93,7 +88,7 @@ TEST_F(SettingsWriterTest, OnlyWhatTheDeviceHasNotIsSent) {
     EXPECT_EQ(Write(row.family, row.wanted, row.applied), row.sent) << row.what;
     EXPECT_EQ(result_, LinkResult::success) << row.what;
   }
-  globals.presetCapable = 0;
+  link_.facts.presetCapable = false;
   EXPECT_EQ(Write(1, automatic, high), "");
 }
 
@@ -104,7 +99,7 @@ TEST_F(SettingsWriterTest, FiltersAndOutputRateGoByTheSmoothing) {
   EXPECT_EQ(Write(1, wanted, Applied()), "#medianflt 5\r#outrate 2.00\r");
   wanted.smoothing = 1;
   EXPECT_EQ(Write(1, wanted, Applied()), "#outrate 2.00\r");
-  globals.smoothingSupported = 0;
+  link_.facts.smoothingSupported = false;
   EXPECT_EQ(Write(1, wanted, Applied()), "#medianflt 5\r");
 }
 

@@ -5,7 +5,6 @@
 #include <string>
 #include <vector>
 
-#include "app/state/app_state.h"
 #include "device/probe_interface.h"
 #include "platform/virtual/debug_capture.h"
 #include "tests/device/line_script.h"
@@ -40,7 +39,7 @@ class StopDeviceTest : public testing::Test {
   }
 
   void Disconnect() {
-    CloseSerialLine(port_);
+    CloseSerialLine(link_.port);
     DetachSerialLines();
     ClearFaults();
   }
@@ -49,7 +48,7 @@ class StopDeviceTest : public testing::Test {
     device_ = KeyPeer();
     device_.answers = answers;
     AttachPeer(test::kScriptedLine, &device_);
-    port_ = OpenDevicePort(L"COM5", 921'600);
+    link_.port = OpenDevicePort(L"COM5", 921'600);
   }
   // The same with a device that is sending.
   void ConnectStreaming(const Answers& answers) {
@@ -60,13 +59,13 @@ class StopDeviceTest : public testing::Test {
   // Stops the device; returns the milliseconds that it took.
   int64_t Stop(LinkResult expected) {
     const int64_t begin_us = VirtualNow_us();
-    EXPECT_EQ(StopDevice(port_), expected);
+    EXPECT_EQ(StopDevice(link_), expected);
     return (VirtualNow_us() - begin_us) / 1000;
   }
 
   VirtualClock clock_{1'700'000'000'000};
   KeyPeer device_;
-  Handle port_ = Handle::invalid;
+  DeviceLink link_;
 };
 
 // That an idle device is only prompted, and a streaming one stops at the first key, is shown with the virtual
@@ -141,23 +140,25 @@ TEST_F(ProbeInterfaceTest, FindsTheInterface) {
   for (const auto& [answer, type] : {std::pair{"#info\r\nInterface: RS232\r\n\r\n>", 0},
                                      {"#info\r\nInterface: RS485\r\n\r\n>", 1},
                                      {"#info\r\nInterface: USB\r\n\r\n>", 2},
-                                     {"#info\r\nrs232 RS48 US\r\n\r\n>", -1}}) {
+                                     {"#info\r\nrs232 RS48 US\r\n\r\n>", -1},
+                                     {"half a word: RS2", -1},
+                                     {"32, its end in the next call", 0}}) {
     device_.replies = {{answer}};
-    globals.interfaceType = -1;
+    link_.facts.interfaceType = -1;
     const int64_t begin_us = VirtualNow_us();
-    EXPECT_EQ(ProbeInterface(port_), LinkResult::success);
-    EXPECT_EQ(globals.interfaceType, type) << answer;
+    EXPECT_EQ(ProbeInterface(link_), LinkResult::success);
+    EXPECT_EQ(link_.facts.interfaceType, type) << answer;
     EXPECT_LE(VirtualNow_us() - begin_us, 1'500'000) << answer;
   }
 }
 
 TEST_F(ProbeInterfaceTest, OfAStreamEndsAfterThirtySeconds) {
   device_.Say({std::string(1'000, 'x'), 0, 50'000}, VirtualNow_us());
-  EXPECT_EQ(ProbeInterface(port_), LinkResult::success);
+  EXPECT_EQ(ProbeInterface(link_), LinkResult::success);
   EXPECT_GE(VirtualNow_us(), 30'000'000);
   EXPECT_LE(VirtualNow_us(), 30'200'000);
   HangUpLine(test::kScriptedLine);
-  EXPECT_EQ(ProbeInterface(port_), LinkResult::portFailed);
+  EXPECT_EQ(ProbeInterface(link_), LinkResult::portFailed);
 }
 
 }  // namespace

@@ -17,14 +17,14 @@ constexpr OutputMode kFirstFamilyOld = 9;
 
 // A prompt that comes late would shift each later reply by one.
 void TakeLatePrompt(AppState& state) {
-  static_cast<void>(SkipReply(state.devicePort));
+  static_cast<void>(SkipReply(*state.link));
   SleepMilliseconds(kPause_ms);
 }
 
 // Behind a command. What the device makes of it shows when the settings are read back; a line that fails here
 // fails there again. The reply of a device that is slow to carry it out must not be there any more.
 void AwaitEffect(AppState& state, LinkResult result) {
-  if (result == LinkResult::noPrompt) static_cast<void>(TakeLateReply(state.devicePort));
+  if (result == LinkResult::noPrompt) static_cast<void>(TakeLateReply(*state.link));
 }
 
 // The device refuses the output in dual mode, or with that output the dual mode.
@@ -39,7 +39,7 @@ bool DualOldRefused(const DeviceSettings& wanted, const DeviceSettings& applied,
 
 RunResult InterruptRun(AppState& state) {
   EndAcquisition(state, kWaitForever);
-  return {StopDevice(state.devicePort) == LinkResult::success ? RunFault::none : RunFault::noPromptInRun};
+  return {StopDevice(*state.link) == LinkResult::success ? RunFault::none : RunFault::noPromptInRun};
 }
 
 RunResult SendSettings(AppState& state, const RunChoices& choices) {
@@ -48,7 +48,7 @@ RunResult SendSettings(AppState& state, const RunChoices& choices) {
   state.settings.simultaneous = family == DeviceFamily::first && choices.dual ? 1 : 0;
   const DeviceSettings applied = state.appliedSettings;
   const DeviceSettings wanted = state.settings;
-  AwaitEffect(state, WriteChangedSettings(state.devicePort, family, wanted, applied));
+  AwaitEffect(state, WriteChangedSettings(*state.link, family, wanted, applied));
   if (!ReadSettingsBack(state)) return {RunFault::unreadable};
   return {DualOldRefused(wanted, applied, state.settings) ? RunFault::dualOldRefused : RunFault::none};
 }
@@ -56,7 +56,7 @@ RunResult SendSettings(AppState& state, const RunChoices& choices) {
 RunResult SendDefaults(AppState& state) {
   TakeLatePrompt(state);
   state.settings = state.appliedSettings;  // choices that wait have never been sent
-  AwaitEffect(state, Exchange(state.devicePort, CommandId::defaults));
+  AwaitEffect(state, Exchange(*state.link, CommandId::defaults));
   return {ReadSettingsBack(state) ? RunFault::none : RunFault::unreadable};
 }
 

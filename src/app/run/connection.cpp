@@ -24,7 +24,7 @@ constexpr int kRepeats = 2;  // of forms in one identification, each of another 
 
 struct FamilyReader {
   DeviceFamily family;
-  LinkResult (*read)(Handle port, DeviceSettings& settings, bool& silent);
+  LinkResult (*read)(DeviceLink& link, DeviceSettings& settings, bool& silent);
 };
 
 // In the order in which they are tried.
@@ -43,52 +43,47 @@ RunResult OpenReceiver(AppState& state) {
   return {};
 }
 
-// What is known before a form is read: the settings, and what stands beside them in `globals`.
+// What is known before a form is read: the settings, and what the device tells beside them.
 struct Beginning {
   DeviceSettings settings;
-  void (*forget)();
+  void (*forget)(DeviceFacts& facts);
 };
 
-void ForgetAbilities() {
-  globals.presetCapable = 0;
-  globals.smoothingSupported = 0;
-  globals.highChannelActive = 0;
+void ForgetAbilities(DeviceFacts& facts) {
+  facts.presetCapable = facts.smoothingSupported = facts.highChannelActive = false;
 }
 
-void ForgetDevice() {
-  ForgetAbilities();
-  globals.interfaceType = 0;
-  globals.firmwareVersion = 0.0f;
-  globals.currentPreset = 0;
+void ForgetDevice(DeviceFacts& facts) {
+  facts = DeviceFacts{};
 }
 
 // Reads into a copy, so that a form that fails half-way leaves nothing behind. A form that fails for want of
 // a reply is tried once more while `repeats` lasts: a reply that only comes late would be taken for that of
 // the next form's first query, and a device of another family would seem to answer.
-bool ReadsAs(const FamilyReader& reader, Handle port, const Beginning& beginning, int& repeats,
+bool ReadsAs(const FamilyReader& reader, DeviceLink& link, const Beginning& beginning, int& repeats,
              DeviceSettings& settings) {
   bool silent = false;
   const auto reads = [&] {
-    beginning.forget();
+    beginning.forget(link.facts);
     settings = beginning.settings;
-    return reader.read(port, settings, silent) == LinkResult::success;
+    return reader.read(link, settings, silent) == LinkResult::success;
   };
   if (reads()) return true;
   if (silent && repeats > 0) {
     --repeats;
-    static_cast<void>(TakeLateReply(port));
+    static_cast<void>(TakeLateReply(link));
     if (reads()) return true;
   }
-  beginning.forget();
+  beginning.forget(link.facts);
   return false;
 }
 
-const FamilyReader* ReadSettings(Handle port, DeviceSettings& settings) {
+const FamilyReader* ReadSettings(DeviceLink& link, DeviceSettings& settings) {
   const Beginning beginning{StartUpSettings(), ForgetDevice};
   int repeats = kRepeats;
   const auto* const reader = std::find_if(
       std::begin(kFamilyReaders), std::end(kFamilyReaders),
-      [&](const FamilyReader& each) { return ReadsAs(each, port, beginning, repeats, settings); });
+      [&](const FamilyReader& each) { return ReadsAs(each, link, beginning, repeats, settings); });
   return reader == std::end(kFamilyReaders) ? nullptr : reader;
 }
 
@@ -121,18 +116,18 @@ void TakeOver(AppState& state, DeviceFamily family, DeviceSettings& settings) {
 
 // What each family needs once it is known. A device that does not answer the reset any more shows as a
 // silent line.
-void SettleFamily(Handle port, DeviceFamily family, DeviceSettings& settings) {
+void SettleFamily(DeviceLink& link, DeviceFamily family, DeviceSettings& settings) {
   switch (family) {
     case DeviceFamily::first:
-      static_cast<void>(Exchange(port, CommandId::reset));
-      if (ProbeInterface(port) != LinkResult::success) globals.interfaceType = 0;
+      static_cast<void>(Exchange(link, CommandId::reset));
+      if (ProbeInterface(link) != LinkResult::success) link.facts.interfaceType = 0;
       return;
     case DeviceFamily::second:
-      static_cast<void>(Exchange(port, CommandId::reset));
+      static_cast<void>(Exchange(link, CommandId::reset));
       settings.simultaneous = 0;
       return;
     case DeviceFamily::third:
-      globals.smoothingSupported = 0;
+      link.facts.smoothingSupported = false;
       settings.simultaneous = 0;
       return;
   }
@@ -141,6 +136,7 @@ void SettleFamily(Handle port, DeviceFamily family, DeviceSettings& settings) {
 }  // namespace
 
 void CloseDevicePort(AppState& state) {
+  state.link->port = Handle::invalid;
   CloseSerialLine(ExchangeShared(state.devicePort, Handle::invalid));
 }
 
@@ -164,6 +160,7 @@ bool OpenDevice(AppState& state, uint32_t& error) {
                           : OpenDevicePort(state.devicePortName, globals.deviceBaud);
   error = LastSystemError();
   StoreShared(state.devicePort, port);
+  state.link->port = port;
   return port != Handle::invalid;
 }
 
@@ -171,9 +168,9 @@ RunResult ConnectPorts(AppState& state, const ElapsedLog& log) {
   uint32_t error = 0;
   if (!OpenDevice(state, error)) return {RunFault::deviceRefused, error};
   log.Write("After Connect Time :  ");
-  if (StopDevice(state.devicePort) != LinkResult::success) return {RunFault::noPrompt};
+  if (StopDevice(*state.link) != LinkResult::success) return {RunFault::noPrompt};
   // A prompt that comes late would shift each later reply by one; without one this costs the reply's limit.
-  static_cast<void>(SkipReply(state.devicePort));
+  static_cast<void>(SkipReply(*state.link));
   SleepMilliseconds(kPause_ms);
   log.Write("After Stop Time   ");
   return OpenReceiver(state);
@@ -181,9 +178,9 @@ RunResult ConnectPorts(AppState& state, const ElapsedLog& log) {
 
 RunResult IdentifyDevice(AppState& state) {
   DeviceSettings settings{};
-  const FamilyReader* reader = ReadSettings(state.devicePort, settings);
+  const FamilyReader* reader = ReadSettings(*state.link, settings);
   if (reader == nullptr) return {RunFault::unidentified};
-  SettleFamily(state.devicePort, reader->family, settings);
+  SettleFamily(*state.link, reader->family, settings);
   StoreShared(globals.deviceFamily, static_cast<int32_t>(reader->family));
   TakeOver(state, reader->family, settings);
   return {};
@@ -196,7 +193,7 @@ bool ReadSettingsBack(AppState& state) {
   const Beginning beginning{state.settings, ForgetAbilities};
   int repeats = 1;
   DeviceSettings settings{};
-  if (!ReadsAs(*reader, state.devicePort, beginning, repeats, settings)) return false;
+  if (!ReadsAs(*reader, *state.link, beginning, repeats, settings)) return false;
   if (family != DeviceFamily::first) settings.simultaneous = 0;
   TakeOver(state, family, settings);
   return true;

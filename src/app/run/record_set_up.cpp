@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <iterator>
+#include <new>
 
 #include "acquisition/ping_ring.h"
+#include "device/device_link.h"
 #include "platform/memory.h"
 
 namespace tw {
@@ -20,7 +22,11 @@ bool AllocateRing(PingRing*& ring) {
 }  // namespace
 
 AppState* AllocateState() {
-  return static_cast<AppState*>(AllocateZeroed(sizeof(AppState)));
+  auto* const state = static_cast<AppState*>(AllocateZeroed(sizeof(AppState)));
+  void* const link = AllocateZeroed(sizeof(DeviceLink));
+  if (state == nullptr || link == nullptr) return nullptr;
+  state->link = new (link) DeviceLink;
+  return state;
 }
 
 void SetStartUpValues(AppState& state) {

@@ -6,7 +6,8 @@
 
 namespace tw {
 
-// The state record, zero-filled, for the life of the process; null when there is no memory.
+// The state record, zero-filled, and its device link, for the life of the process; null when there is no
+// memory.
 [[nodiscard]] AppState* AllocateState();
 
 // Start-up values of the settings and the display; marks the files and the device port as closed. The GPS

@@ -20,11 +20,11 @@ bool AwaitsReplies() {
 
 // Tells the device and everybody else about the new speed. The device takes it over when it is reset.
 bool SendNewSpeed(AppState& state, int32_t speed_bps) {
-  if (SendSpeed(state.devicePort, speed_bps) != LinkResult::success) return false;
-  if (AwaitsReplies()) static_cast<void>(SkipReply(state.devicePort));
+  if (SendSpeed(*state.link, speed_bps) != LinkResult::success) return false;
+  if (AwaitsReplies()) static_cast<void>(SkipReply(*state.link));
   TellRunChanged(state, RunChange::speedTaken);
   SleepMilliseconds(kSpeedPause_ms);
-  static_cast<void>(SendCommandNoValue(state.devicePort, CommandId::reset));
+  static_cast<void>(SendCommandNoValue(*state.link, CommandId::reset));
   return true;
 }
 
@@ -41,7 +41,7 @@ void ReopenAsFirstFamily(AppState& state) {
 
 RunResult SwitchSpeed(AppState& state, int32_t speed_bps, const RunChoices& choices) {
   if (AwaitsReplies()) {
-    static_cast<void>(SkipReply(state.devicePort));
+    static_cast<void>(SkipReply(*state.link));
     SleepMilliseconds(kPause_ms);
   }
   globals.deviceBaud = speed_bps;  // kept: also when the device does not hear of it

@@ -71,9 +71,9 @@ RunFault StartWorkers(AppState& state) {
   const OutputModeRow& mode = AcceptedMode(family, state.settings.outputMode);
   state.settings.outputMode = mode.code;
   // A device that supports smoothing reports its frequency.
-  const StreamForm& form = globals.smoothingSupported != 0 ? mode.reporting : mode.sent;
+  const StreamForm& form = state.link->facts.smoothingSupported ? mode.reporting : mode.sent;
   StoreShared(state.echogramEnabled, form.HasSamples() ? 1 : 0);
-  StartDevice(state);
+  StartDevice(*state.link, family, LoadShared(globals.dualMode) != 0, state.settings, state.appliedSettings);
   if (!StartAcquisition(state, form, mode.code)) return RunFault::noAcquisitionThread;
   return StartGps(state) ? RunFault::none : RunFault::noGpsThread;
 }

@@ -3,6 +3,7 @@
 #include "app/window/control_ids.h"
 #include "app/window/ui.h"
 #include "base/shared_value.h"
+#include "device/device_link.h"
 
 namespace tw {
 namespace {
@@ -61,8 +62,8 @@ constexpr Row kRows[] = {
 };
 // clang-format on
 
-bool IsUsable(Use use, const DeviceSettings& settings) {
-  const bool hasPresets = globals.presetCapable != 0;
+bool IsUsable(Use use, const AppState& state) {
+  const bool hasPresets = state.link->facts.presetCapable;
   switch (use) {
     case off:
       return false;
@@ -73,7 +74,7 @@ bool IsUsable(Use use, const DeviceSettings& settings) {
     case presets:
       return hasPresets;
     case noPreset:
-      return !hasPresets || settings.preset == kNoPreset;
+      return !hasPresets || state.settings.preset == kNoPreset;
   }
   return false;
 }
@@ -90,7 +91,7 @@ ProgramState StateOfProgram(const AppState& state) {
 
 void RefreshControlStates(AppState& state) {
   const auto column = static_cast<size_t>(StateOfProgram(state));
-  for (const Row& row : kRows) EnableControl(state, row.id, IsUsable(row.uses[column], state.settings));
+  for (const Row& row : kRows) EnableControl(state, row.id, IsUsable(row.uses[column], state));
 }
 
 }  // namespace tw

@@ -7,6 +7,7 @@
 #include "app/window/control_ids.h"
 #include "app/window/ui.h"
 #include "base/shared_value.h"
+#include "device/device_link.h"
 
 namespace tw {
 namespace {
@@ -55,7 +56,7 @@ void ShowSelector(AppState& state, const Selector& selector, const FormFacts& fa
 // Empty without a device that has presets.
 void ShowPresets(AppState& state) {
   FieldItems items{};
-  if (globals.presetCapable != 0) ListPresets(state.settings, items);
+  if (state.link->facts.presetCapable) ListPresets(state.settings, items);
   wchar_t text[kFieldTextSize];
   FormatPreset(state.settings.preset, text);
   FillCombo(state, ID_PRESET, items, text);
@@ -108,12 +109,13 @@ void TakeDualMode(AppState& state) {
 }  // namespace
 
 FormFacts CurrentFormFacts(const AppState& state) {
+  const DeviceFacts& device = state.link->facts;
   return {.family = FamilyInUse(),
           .dual = LoadShared(globals.dualMode) != 0,
-          .smoothingSupported = globals.smoothingSupported != 0,
-          .presetCapable = globals.presetCapable != 0,
-          .interfaceType = globals.interfaceType,
-          .firmwareVersion = globals.firmwareVersion,
+          .smoothingSupported = device.smoothingSupported,
+          .presetCapable = device.presetCapable,
+          .interfaceType = device.interfaceType,
+          .firmwareVersion = device.firmwareVersion,
           .played = state.playbackActive != 0};
 }
 

@@ -20,6 +20,7 @@
 
 namespace tw {
 
+struct DeviceLink;
 struct PingRing;
 struct LiveStart;
 
@@ -65,6 +66,7 @@ struct AppState {
   Handle segyCompanionB;
   int32_t playbackPace;      // shared: GUI thread writes
   Handle devicePort;         // shared: GUI opens and closes, the acquisition worker reads
+  DeviceLink* link;          // GUI thread: the same port for commands, and what they have told of the device
   Handle gpsPort;            // shared: GUI opens and closes, the GPS worker reads and invalidates
   Handle acquisitionThread;  // GUI thread
   Handle gpsThread;          // GUI thread
@@ -175,13 +177,6 @@ struct Globals {
   char titleText[256];  // UTF-8
   wchar_t debugText[256];
 
-  // Device link.
-  int32_t interfaceType;  // 0 RS-232, 1 RS-485, 2 USB
-  float firmwareVersion;
-  int32_t presetCapable;
-  int32_t currentPreset;
-  int32_t smoothingSupported;
-  int32_t highChannelActive;        // given, unread
   int32_t measuredLowFrequency_hz;  // channel frequencies that name files
   int32_t measuredHighFrequency_hz;
 

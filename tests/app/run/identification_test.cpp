@@ -3,6 +3,7 @@
 #include "app/run/worker_control.h"
 #include "app/window/commands.h"
 #include "base/shared_value.h"
+#include "device/device_link.h"
 #include "device/info_line.h"
 #include "platform/virtual/virtual_clock.h"
 #include "tests/app/run_control_fixture.h"
@@ -28,14 +29,15 @@ class IdentificationTest : public RunControlTest {
     Run(2);
     EXPECT_TRUE(Ui().boxes.empty());
     const DeviceSettings& settings = state_->settings;
-    Known known{.settings = {reinterpret_cast<const char*>(&settings), sizeof settings},
-                .beside = {double(globals.deviceFamily), double(globals.dualMode),
-                           double(globals.interfaceType), double(globals.firmwareVersion),
-                           double(globals.presetCapable), double(globals.currentPreset),
-                           double(globals.smoothingSupported), double(globals.highChannelActive),
-                           double(globals.measuredLowFrequency_hz), double(globals.measuredHighFrequency_hz)},
-                .file = {},
-                .infoLine = {}};
+    const DeviceFacts& facts = state_->link->facts;
+    Known known{
+        .settings = {reinterpret_cast<const char*>(&settings), sizeof settings},
+        .beside = {double(globals.deviceFamily), double(globals.dualMode), double(facts.interfaceType),
+                   double(facts.firmwareVersion), double(facts.presetCapable), double(facts.currentPreset),
+                   double(facts.smoothingSupported), double(facts.highChannelActive),
+                   double(globals.measuredLowFrequency_hz), double(globals.measuredHighFrequency_hz)},
+        .file = {},
+        .infoLine = {}};
     StopRun(*state_);
     DetachSerialLines();
     if (RecordFiles().empty()) return known;
@@ -110,9 +112,7 @@ TEST_F(IdentificationTest, NothingOfADeviceOrFileBeforeIsTakenForThisOnes) {
     old.faults.informationBytes = row.informationBytes;
 
     state_->settings = state_->appliedSettings = StartUpSettings();
-    globals.interfaceType = globals.presetCapable = globals.currentPreset = 0;
-    globals.smoothingSupported = globals.highChannelActive = 0;
-    globals.firmwareVersion = 0;
+    state_->link->facts = {};
     const Known fresh = Identify(old);
     const std::string commands = Commands();
     EXPECT_NE(Identify(other), fresh);
@@ -163,11 +163,11 @@ TEST_F(IdentificationTest, EachFamilyHasItsControls) {
     options.identity = "42";
     ConnectSounder(options);
     state_->settings.simultaneous = 1;
-    globals.smoothingSupported = 1;
+    state_->link->facts.smoothingSupported = true;
     StartRun(*state_);
     EXPECT_EQ(globals.deviceFamily, row.family);
     EXPECT_EQ(state_->settings.simultaneous, 0);
-    EXPECT_EQ(globals.smoothingSupported, row.family == 1 ? 1 : 0);
+    EXPECT_EQ(state_->link->facts.smoothingSupported, row.family == 1);
     EXPECT_TRUE(Ui().controls[ID_HIGH_FREQUENCY].visible);
     for (const int id : {ID_LOW_FREQUENCY, ID_DUAL_MODE})
       EXPECT_EQ(Ui().controls[id].visible, row.both) << id;

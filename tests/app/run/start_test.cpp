@@ -53,7 +53,7 @@ TEST_F(StartTest, RecordsFromTheFirstPingOn) {
 TEST_F(StartTest, AnOutputThatTheFamilyDoesNotHaveIsReplaced) {
   StartQuickRun();
   EndAcquisition(*state_, kWaitForever);
-  ASSERT_EQ(StopDevice(state_->devicePort), LinkResult::success);
+  ASSERT_EQ(StopDevice(*state_->link), LinkResult::success);
   state_->settings.outputMode = 42;
   ASSERT_EQ(StartWorkers(*state_), RunFault::none);
   EXPECT_EQ(state_->settings.outputMode, 3);

@@ -1,6 +1,7 @@
 #include "app/settings/control_states.h"
 
 #include "base/shared_value.h"
+#include "device/device_link.h"
 #include "tests/app/run_control_fixture.h"
 
 namespace tw::test {
@@ -24,7 +25,7 @@ constexpr ProgramState kStates[] = {ProgramState::idle, ProgramState::running, P
 
 TEST_F(ControlStates, WhatCanBeUsedWhen) {
   StoreShared(globals.deviceFamily, 1);
-  globals.presetCapable = 1;
+  state_->link->facts.presetCapable = true;
   state_->settings.preset = kNoPreset;
   const struct {
     std::vector<int> controls;
@@ -73,7 +74,7 @@ TEST_F(ControlStates, WhatTheDeviceAllows) {
       {ID_LOW_FREQUENCY, ID_HIGH_FREQUENCY, ID_DUAL_MODE}, {ID_PRESET}, {ID_OUTPUT, ID_RANGE, ID_INTERVAL}};
   for (const auto& row : rows) {
     StoreShared(globals.deviceFamily, row.family);
-    globals.presetCapable = row.presets ? 1 : 0;
+    state_->link->facts.presetCapable = row.presets;
     state_->settings.preset = row.preset;
     Enter(ProgramState::running);
     for (size_t group = 0; group < std::size(groups); ++group) {

@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "base/shared_value.h"
+#include "device/device_link.h"
 #include "tests/app/run_control_fixture.h"
 
 namespace tw::test {
@@ -27,10 +28,10 @@ class SettingsSelectors : public RunControlTest {
     Be(1, false);
   }
 
-  static void Be(int32_t family, bool dual) {
+  void Be(int32_t family, bool dual) {
     StoreShared(globals.deviceFamily, family);
     StoreShared(globals.dualMode, dual ? 1 : 0);
-    globals.presetCapable = family != 0 ? 1 : 0;
+    state_->link->facts.presetCapable = family != 0;
   }
 
   static Control& Of(int id) { return Ui().controls[id]; }

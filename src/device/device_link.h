@@ -1,0 +1,38 @@
+// The device link: the open device port and all that the program keeps of the dialogue over it. Whoever opens
+// and closes the port owns it; one lives as long as the program, through all its connections. GUI thread,
+// while no worker owns the port.
+#pragma once
+
+#include <cstddef>
+
+#include "device/device_facts.h"
+#include "device/rolling_window.h"
+#include "platform/handle.h"
+
+namespace tw {
+
+inline constexpr size_t kReplySize = size_t{64} * 1024;
+
+// Of the stop procedure. kept: the windows persist from one call to the next, so an end mark is found
+// although its beginning came during an earlier attempt.
+struct StopWindows {
+  RollingWindow<7> end;
+  RollingWindow<3> prompt;
+};
+
+// Of the interface probe; kept: they persist as well.
+struct ProbeWindows {
+  RollingWindow<5> rs232;
+  RollingWindow<5> rs485;
+  RollingWindow<3> usb;
+};
+
+struct DeviceLink {
+  Handle port = Handle::invalid;  // Handle::invalid while it is closed
+  char reply[kReplySize];         // the last reply that was read, with a terminating zero
+  StopWindows stopWindows;        // never reset, not even for another connection
+  ProbeWindows probeWindows;      // never reset either
+  DeviceFacts facts;
+};
+
+}  // namespace tw
