@@ -79,7 +79,7 @@ void Convert(PingSource& recording, const Files& files) {
     RequireSense(ping, recording);
     Require(pings == 0 || ping.begin > begin);
     begin = ping.begin;
-    Require(segy.Append(ping.header, ping.samples) && text.Append(ping.header, ping.samples));
+    Require(segy.Append(ping) && text.Append(ping));
     Require(segyOutput.Size() <= (pings + 1) * kMaxOfPing);
   }
   Require(pings > 0 && recording.Skipped() <= recording.Size());

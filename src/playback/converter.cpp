@@ -25,7 +25,9 @@ bool SegyConverter::AppendFileHeaders(const PingHeader& ping, uint32_t length) {
   return true;
 }
 
-bool SegyConverter::Append(const PingHeader& ping, std::span<const uint16_t> samples) {
+bool SegyConverter::Append(const RecordedPing& recorded) {
+  const PingHeader& ping = recorded.header;
+  const std::span<const uint16_t> samples = recorded.samples;
   if (ping.samplingFrequency_hz == 0) return !output_.Failed();
   const uint32_t length = SegyTraceLength(options_.paddedLength != 0 ? options_.paddedLength
                                                                      : static_cast<uint32_t>(samples.size()));
@@ -46,12 +48,12 @@ bool SegyConverter::Append(const PingHeader& ping, std::span<const uint16_t> sam
   return true;
 }
 
-bool TextConverter::Append(const PingHeader& ping, std::span<const uint16_t> samples) {
-  if (repeat_ == 0) repeat_ = GridRepeat(ping.samplingFrequency_hz);
+bool TextConverter::Append(const RecordedPing& ping) {
+  if (repeat_ == 0) repeat_ = GridRepeat(ping.header.samplingFrequency_hz);
   uint8_t* const out = output_.Room(kTextBlockSize);
   if (out == nullptr) return false;
   output_.Take(
-      LayOutTextBlock(ping, repeat_ == 1 ? samples : std::span<const uint16_t>{},
+      LayOutTextBlock(ping.header, repeat_ == 1 ? ping.samples : std::span<const uint16_t>{},
                       std::span<char, kTextBlockSize>(reinterpret_cast<char*>(out), kTextBlockSize)));
   return true;
 }

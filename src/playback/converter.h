@@ -7,6 +7,7 @@
 
 #include "acquisition/ping_record.h"
 #include "playback/output_file.h"
+#include "playback/ping_source.h"
 #include "playback/segy_text_header.h"
 
 namespace tw {
@@ -15,9 +16,11 @@ class PingConverter {
  public:
   virtual ~PingConverter() = default;
 
-  // Appends one ping: its header and its samples as they stand in the recording (at most 50,000). False when
-  // the output has failed.
-  [[nodiscard]] virtual bool Append(const PingHeader& ping, std::span<const uint16_t> samples) = 0;
+  // All three: false when the output has failed.
+  [[nodiscard]] virtual bool Begin() { return true; }  // ahead of the first ping
+  // A ping, its samples as they stand in the recording (at most 50,000).
+  [[nodiscard]] virtual bool Append(const RecordedPing& ping) = 0;
+  [[nodiscard]] virtual bool End() { return true; }  // behind the last one
 };
 
 struct SegyOptions {
@@ -31,7 +34,7 @@ class SegyConverter final : public PingConverter {
   SegyConverter(OutputFile& output, std::span<const uint8_t, kSegyTextHeaderSize> textHeader,
                 float soundSpeed_mps, const SegyOptions& options = {});
 
-  [[nodiscard]] bool Append(const PingHeader& ping, std::span<const uint16_t> samples) override;
+  [[nodiscard]] bool Append(const RecordedPing& ping) override;
 
   [[nodiscard]] uint32_t Traces() const { return traces_; }
   // Those whose ping has more samples than a trace can tell.
@@ -54,7 +57,7 @@ class TextConverter final : public PingConverter {
  public:
   explicit TextConverter(OutputFile& output) : output_(output) {}
 
-  [[nodiscard]] bool Append(const PingHeader& ping, std::span<const uint16_t> samples) override;
+  [[nodiscard]] bool Append(const RecordedPing& ping) override;
 
  private:
   OutputFile& output_;

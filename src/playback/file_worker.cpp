@@ -291,7 +291,7 @@ class FileRun {
   // The field is emptied when the operator clears "Record Data", which closes all files that are written.
   bool ConvertPing(const RecordedPing& ping) {
     if (LoadShared(state_.segyCompanionA) != outputFile_) return false;
-    return converter_->Append(ping.header, ping.samples) && output_->Flush();
+    return converter_->Append(ping) && output_->Flush();
   }
 
   void StoreOne(PlayedChannel& channel, const RecordedPing& ping, float altitude_m) {

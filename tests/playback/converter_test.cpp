@@ -80,9 +80,11 @@ std::string SegyOf(const std::vector<Ping>& pings) {
   BuildSegyTextHeader(textHeader);
   SegyConverter converter(output, textHeader, 1500.9f, {});
   for (const Ping& ping : pings) {
-    PingHeader header{};
-    header.samplingFrequency_hz = ping.sampling_hz;
-    EXPECT_TRUE(converter.Append(header, std::vector<uint16_t>(ping.samples, 7)));
+    const std::vector<uint16_t> samples(ping.samples, 7);
+    RecordedPing recorded{};
+    recorded.header.samplingFrequency_hz = ping.sampling_hz;
+    recorded.samples = samples;
+    EXPECT_TRUE(converter.Append(recorded));
   }
   EXPECT_TRUE(output.Flush());
   CloseFile(file);

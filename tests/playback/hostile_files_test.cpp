@@ -78,8 +78,8 @@ class HostileFiles : public Playback {
       outcome.pings.push_back(Identity(ping));
       outcome.begins.push_back(ping.begin);
       outcome.ends.push_back(recording->Position());
-      EXPECT_TRUE(segy.Append(ping.header, ping.samples));
-      EXPECT_TRUE(text.Append(ping.header, ping.samples));
+      EXPECT_TRUE(segy.Append(ping));
+      EXPECT_TRUE(text.Append(ping));
       EXPECT_LE(recording->Position(), recording->Size());
     }
     outcome.skipped = recording->Skipped();

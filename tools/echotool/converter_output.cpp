@@ -24,7 +24,7 @@ SegyWriter::SegyWriter(OutputFile& output, float soundSpeed_mps, const SegyOptio
 
 bool SegyWriter::Append(const RecordedPing& ping) {
   ++pings_;
-  return converter_.Append(ping.header, ping.samples);
+  return converter_.Append(ping);
 }
 
 std::string SegyWriter::Emptiness() const {

@@ -9,7 +9,6 @@ namespace tw::echotool {
 class SegyWriter final : public PingWriter {
  public:
   SegyWriter(OutputFile& output, float soundSpeed_mps, const SegyOptions& options);
-  [[nodiscard]] bool Begin() override { return true; }
   [[nodiscard]] bool Append(const RecordedPing& ping) override;
   [[nodiscard]] bool End() override { return output_.Flush(); }
   [[nodiscard]] std::string Emptiness() const override;
@@ -24,10 +23,7 @@ class SegyWriter final : public PingWriter {
 class TextWriter final : public PingWriter {
  public:
   explicit TextWriter(OutputFile& output) : output_(output), converter_(output) {}
-  [[nodiscard]] bool Begin() override { return true; }
-  [[nodiscard]] bool Append(const RecordedPing& ping) override {
-    return converter_.Append(ping.header, ping.samples);
-  }
+  [[nodiscard]] bool Append(const RecordedPing& ping) override { return converter_.Append(ping); }
   [[nodiscard]] bool End() override { return output_.Flush(); }
 
  private:

@@ -18,18 +18,14 @@
 #include <string>
 #include <string_view>
 
+#include "playback/converter.h"
 #include "playback/output_file.h"
 #include "playback/ping_source.h"
 
 namespace tw::echotool {
 
-class PingWriter {
+class PingWriter : public PingConverter {
  public:
-  virtual ~PingWriter() = default;
-  // False when the output has failed.
-  [[nodiscard]] virtual bool Begin() = 0;
-  [[nodiscard]] virtual bool Append(const RecordedPing& ping) = 0;
-  [[nodiscard]] virtual bool End() = 0;
   // At the end, for the user: why there is nothing of use in the output, and what is missing in it; else
   // empty.
   [[nodiscard]] virtual std::string Emptiness() const { return {}; }

@@ -4,6 +4,7 @@
 
 #include "platform/file.h"
 #include "platform/system_error.h"
+#include "playback/conversion_run.h"
 #include "playback/ping_source.h"
 #include "tools/echotool/console.h"
 #include "tools/echotool/converter_output.h"
@@ -153,25 +154,43 @@ bool Inform(const Job& job, Result& result) {
   return true;
 }
 
+// Counts the pings of a conversion for its bar, and ends it when the user wants that.
+class Watch final : public ConversionWatch {
+ public:
+  Watch(const Job& job, const PingSource& recording)
+      : job_(job),
+        recording_(recording),
+        bar_({job.batch.number, job.options.files.size()}, ShownName(job.file), "", recording.Size()) {}
+
+  [[nodiscard]] bool IsStopped() override { return job_.interrupted.load(std::memory_order_relaxed); }
+  [[nodiscard]] bool GoesOnWithoutOutput() override { return false; }
+  void NotePing(const RecordedPing&) override {
+    ++pings_;
+    bar_.Show(recording_.Position());
+  }
+  [[nodiscard]] uint64_t Pings() const { return pings_; }
+
+ private:
+  const Job& job_;
+  const PingSource& recording_;
+  ProgressBar bar_;
+  uint64_t pings_ = 0;
+};
+
 // All pings, from the recording into the output.
 bool Convert(const Job& job, PingSource& recording, OutputFile& output, const Place& place, Result& result) {
   std::string& error = result.text;
   const auto writer = MakeWriter(job, recording.Kind(), output, error);
   if (writer == nullptr) return false;
-  bool written = writer->Begin();
-  uint64_t pings = 0;
-  const bool whole = ForEachPing(job, recording, "", [&](const RecordedPing& ping) {
-    ++pings;
-    written = written && writer->Append(ping);
-    return written;
-  });
-  if (!whole) return false;
-  if (recording.Failed()) {
+  Watch watch(job, recording);
+  const ConversionEnd end = RunConversion(recording, *writer, watch);
+  if (job.interrupted.load()) return false;
+  if (end == ConversionEnd::unread) {
     error = FaultText(RecordingFault::unread);
-  } else if (!written || !writer->End()) {
+  } else if (end == ConversionEnd::unwritten) {
     error = NarrowName(place.path) + " cannot be written: " +
             (output.Error() != 0 ? ReasonText(output.Error()) : "there is no memory");
-  } else if (IsRecording(recording, pings, error)) {
+  } else if (IsRecording(recording, watch.Pings(), error)) {
     error = writer->Emptiness();
   }
   NoteDamage(recording, result);
