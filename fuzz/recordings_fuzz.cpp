@@ -100,7 +100,8 @@ void Search(PingSource& recording, uint64_t size) {
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
   static const tw::Files files;
   tw::RecordingFault fault{};
-  const auto recording = tw::MakeRecording(files.Fill({bytes, size}), fault);
+  const tw::Handle file = files.Fill({bytes, size});
+  const auto recording = tw::MakeRecording(file, tw::CandidatesOf(file, tw::kGrowingRetries), fault);
   tw::Require((recording == nullptr) == (fault != tw::RecordingFault::none));
   if (recording == nullptr) return 0;
   tw::Convert(*recording, files);

@@ -199,4 +199,9 @@ size_t ReadStart(Handle file, std::span<uint8_t, kStartSize> start, int retries)
   return SeekFile(file, 0) ? size : 0;
 }
 
+Candidates CandidatesOf(Handle file, int retries) {
+  uint8_t start[kStartSize];
+  return CandidatesOf(std::span<const uint8_t>(start, ReadStart(file, start, retries)));
+}
+
 }  // namespace tw

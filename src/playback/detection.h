@@ -52,4 +52,7 @@ struct Candidates {
 [[nodiscard]] size_t ReadStart(Handle file, std::span<uint8_t, kStartSize> start, int retries);
 inline constexpr int kGrowingRetries = 5;  // for a file that may still be written
 
+// Both at once: what an open file can be.
+[[nodiscard]] Candidates CandidatesOf(Handle file, int retries);
+
 }  // namespace tw

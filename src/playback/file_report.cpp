@@ -45,17 +45,18 @@ void FileReport::NoteTime(int64_t recorded_s) {
   StoreShared(globals.lastCapture_s, recorded_s);
 }
 
-bool FileReport::IsProgressDue() {
+bool FileReport::IsProgressDue(const RecordedPing& ping) {
   const uint32_t now_ms = MillisecondClock();
   const uint32_t period_ms = conversion_ ? kConversionProgress_ms : kPlaybackProgress_ms;
   if (progressBegun_ && now_ms - progress_ms_ < period_ms) return false;
   progressBegun_ = true;
   progress_ms_ = now_ms;
+  samples_ = ping.samples.size();
   return true;
 }
 
-void FileReport::PostProgressOf(Handle input, const PingSource& recording, size_t samples) {
-  const auto count = static_cast<int32_t>(std::max<size_t>(samples, 1));
+void FileReport::PostPlace(Handle input, const PingSource& recording) {
+  const auto count = static_cast<int32_t>(std::max<size_t>(samples_, 1));
   PostProgress(state_, {input, kProgressSpan, count, 1, recording.Position(), recording.Size()});
 }
 

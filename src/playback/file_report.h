@@ -22,10 +22,11 @@ class FileReport {
   void NoteTime(int64_t recorded_s);
 
   // True for the first ping and from then on once per period of the wall clock.
-  [[nodiscard]] bool IsProgressDue();
+  [[nodiscard]] bool IsProgressDue(const RecordedPing& ping);
 
-  // Posts place and size; `samples` is the newest ping's count. A mode without samples counts as one of 1.
-  void PostProgressOf(Handle input, const PingSource& recording, size_t samples);
+  // Posts place and size, with the count of samples of the ping that was due last. A mode without samples
+  // counts as one of 1.
+  void PostPlace(Handle input, const PingSource& recording);
   void ShowSize(uint64_t size);
 
  private:
@@ -38,6 +39,7 @@ class FileReport {
   uint32_t noPosition_ms_ = 0;
   bool progressBegun_ = false;
   uint32_t progress_ms_ = 0;
+  size_t samples_ = 0;
 };
 
 }  // namespace tw

@@ -73,6 +73,10 @@ class PingSource {
   // Whom Next asks from now on. What it refers to outlives the last call of Next.
   virtual void SetInterruption(const Interruption& interruption) = 0;
 
+  // Back to the beginning, as if nothing had been read; the file may have grown meanwhile. False when it
+  // cannot be positioned.
+  [[nodiscard]] virtual bool Rewind() = 0;
+
   // Goes on with the first ping that begins at or behind this place of the file. False when the file cannot
   // be positioned.
   [[nodiscard]] virtual bool Seek(uint64_t position) = 0;
@@ -104,8 +108,10 @@ enum class RecordingFault : uint8_t {
 [[nodiscard]] std::unique_ptr<PingSource> OpenRecording(const wchar_t* path, RecordingFault& fault,
                                                         int32_t sampling_hz = kUsualSampling_hz);
 
-// The same for a file that is open; it stays its opener's. Null with the fault set.
-[[nodiscard]] std::unique_ptr<PingSource> MakeRecording(Handle file, RecordingFault& fault,
+// The same for a file that is open, of which its start says what it can be; it stays its opener's. Null with
+// the fault set.
+[[nodiscard]] std::unique_ptr<PingSource> MakeRecording(Handle file, const Candidates& candidates,
+                                                        RecordingFault& fault,
                                                         int32_t sampling_hz = kUsualSampling_hz);
 
 }  // namespace tw

@@ -139,8 +139,8 @@ class Recording final : public PingSource {
 
   void SetInterruption(const Interruption& interruption) override { interruption_ = interruption; }
 
-  // Back to the beginning, nothing accounted for.
-  [[nodiscard]] bool Rewind() {
+  [[nodiscard]] bool Rewind() override {
+    size_ = source_.Size();
     skipped_ = 0;
     nextNumber_ = 1;
     samplingAssumed_ = false;
@@ -326,10 +326,8 @@ std::unique_ptr<Recording> TryWay(Handle file, const Detected& way, int32_t samp
   return fault == RecordingFault::none ? std::move(recording) : nullptr;
 }
 
-std::unique_ptr<Recording> Make(Handle file, RecordingFault& fault, int32_t sampling_hz, int retries) {
-  uint8_t start[kStartSize];
-  const Candidates candidates =
-      CandidatesOf(std::span<const uint8_t>(start, ReadStart(file, start, retries)));
+std::unique_ptr<Recording> Make(Handle file, const Candidates& candidates, RecordingFault& fault,
+                                int32_t sampling_hz) {
   fault = RecordingFault::unknown;
   for (const Detected& way : std::span(candidates.ways).first(candidates.count)) {
     auto recording = TryWay(file, way, sampling_hz, fault);
@@ -344,13 +342,15 @@ std::unique_ptr<PingSource> OpenRecording(const wchar_t* path, RecordingFault& f
   OwnedFile file(OpenFileForReading(path, WriteSharing::denied));
   fault = RecordingFault::notOpened;
   if (file.Get() == Handle::invalid) return nullptr;
-  auto recording = Make(file.Get(), fault, sampling_hz, 0);  // nobody else writes it
+  constexpr int kRetries = 0;  // nobody else writes it
+  auto recording = Make(file.Get(), CandidatesOf(file.Get(), kRetries), fault, sampling_hz);
   if (recording != nullptr) recording->Own(std::move(file));
   return recording;
 }
 
-std::unique_ptr<PingSource> MakeRecording(Handle file, RecordingFault& fault, int32_t sampling_hz) {
-  return Make(file, fault, sampling_hz, kGrowingRetries);
+std::unique_ptr<PingSource> MakeRecording(Handle file, const Candidates& candidates, RecordingFault& fault,
+                                          int32_t sampling_hz) {
+  return Make(file, candidates, fault, sampling_hz);
 }
 
 }  // namespace tw

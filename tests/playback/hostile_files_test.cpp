@@ -356,6 +356,58 @@ TEST_F(HostileFiles, TextValuesAtTheirExtremes) {
   }
 }
 
+// A start that tells nothing is looked at six times, in case the file is still being written.
+TEST_F(HostileFiles, AChosenFileIsJudgedOnce) {
+  const struct {
+    void (*command)(AppState&);
+    const wchar_t* box;
+  } rows[] = {{PlayFiles, L"Invalid file format."}, {ConvertToSegy, L"Cannot convert this file(s)"}};
+  WriteWhole(file_, std::string(3'000, 'x'));
+  for (const auto& row : rows) {
+    ClearFaults();
+    Ui().chosenFiles = {file_};
+    row.command(*state_);
+    ExpectBox(row.box, L"Error", BoxIcon::error);
+    EXPECT_EQ(CallCount(FaultPoint::readFile), 6u);
+  }
+}
+
+// It goes on as what it was judged to be, with what stands in it by then.
+TEST_F(HostileFiles, AFileThatChangesBeforeItsWorkerBegins) {
+  const std::string whole = SampleRecording(kFramesWithoutInfo, 3);
+  const struct {
+    std::string bytes;
+    std::wstring box;
+    std::wstring said;
+  } rows[] = {{"", L"", L"The file cannot be read!"},
+              {std::string(10'000, 'x'), L"", L"The file cannot be read!"},
+              {whole.substr(0, whole.size() / 2), L"Convert completed", L""},
+              {whole + whole, L"Convert completed", L""}};
+  for (const auto& row : rows) {
+    auto& said = Ui().status[static_cast<size_t>(StatusPart::position)];
+    for (void (*const command)(AppState&) : {PlayFiles, ConvertToSegy}) {
+      WriteWhole(file_, whole);
+      Ui().chosenFiles = {file_};
+      command(*state_);
+      fs::resize_file(file_, 0);
+      std::ofstream(fs::path(file_), std::ios::binary | std::ios::app) << row.bytes;
+      if (command == PlayFiles) {
+        while (LoadShared(globals.playbackEnded) == kPlaybackGoesOn) SleepMilliseconds(20);
+        HandleTimer(*state_, ID_TIMER_PLAYBACK_END);
+        EXPECT_EQ(state_->playbackAtEnd, row.said.empty() ? 1 : 0);
+        EXPECT_EQ(state_->playbackActive, row.said.empty() ? 1 : 0);
+      } else {
+        FinishConversion();
+        EXPECT_EQ(Ui().boxes.empty() ? L"" : std::exchange(Ui().boxes, {})[0].text, row.box);
+      }
+      if (!row.said.empty()) {
+        EXPECT_EQ(said, row.said);
+      }
+      StopRun(*state_);
+    }
+  }
+}
+
 TEST_F(HostileFiles, WhatIsAppendedDuringAPlaybackIsPlayedToo) {
   const std::string bytes = SampleRecording(kFramesWithoutInfo, 60);
   const size_t half = bytes.size() / 2 + 40;  // within a frame

@@ -1,6 +1,7 @@
 #include "app/run/playback_control.h"
 
 #include <optional>
+#include <utility>
 
 #include "acquisition/output_mode.h"
 #include "app/run/run_start.h"
@@ -40,9 +41,11 @@ bool IsDeviceRunning(AppState& state) {
 // A file that was opened and judged; closed again unless it is taken over.
 struct Candidate {
   OwnedFile file;
+  Candidates ways{};
   std::optional<Detected> told;
-  float range_m = 0;    // that the first ping tells; 0: none
-  bool isBare = false;  // nothing but the line that tells how it was recorded
+  std::unique_ptr<PingSource> recording;  // at its start; null: it holds no ping
+  float range_m = 0;                      // that the first ping tells; 0: none
+  bool isBare = false;                    // nothing but the line that tells how it was recorded
 };
 
 void TellUnopened(AppState& state, const std::wstring& path) {
@@ -57,24 +60,26 @@ bool Open(AppState& state, const std::wstring& path, WriteSharing sharing, Candi
     TellUnopened(state, path);
     return false;
   }
-  uint8_t start[kStartSize];
-  candidate.told = DetectRecording(
-      std::span<const uint8_t>(start, ReadStart(candidate.file.Get(), start, kGrowingRetries)));
+  candidate.ways = CandidatesOf(candidate.file.Get(), kGrowingRetries);
+  if (candidate.ways.count != 0) candidate.told = candidate.ways.ways[0];
   return true;
 }
 
-// True when a ping can be read of it, which settles what the file is; it stands at its start again.
+// True when a ping can be read of it, which settles what the file is.
 bool HoldsPing(AppState& state, Candidate& candidate) {
   RecordingFault fault = RecordingFault::none;
-  const auto recording = MakeRecording(candidate.file.Get(), fault, state.settings.samplingFrequency_hz);
+  auto recording =
+      MakeRecording(candidate.file.Get(), candidate.ways, fault, state.settings.samplingFrequency_hz);
   RecordedPing first{};
   if (fault == RecordingFault::noMemory) {
     PostStatusText(state, StatusPart::position, PlaybackFailureText(kPlaybackWithoutMemory));
   }
   if (recording == nullptr || !recording->Next(first)) return false;
-  candidate.told = recording->Told();
   candidate.range_m = first.header.range_m;
-  return SeekFile(candidate.file.Get(), 0);
+  if (!recording->Rewind()) return false;
+  candidate.told = recording->Told();
+  candidate.recording = std::move(recording);
+  return true;
 }
 
 bool IsBare(const Candidate& candidate) {
@@ -109,6 +114,12 @@ void BeginFileRun(AppState& state) {
   state.fileInRings = 1;
 }
 
+// What belongs to a worker, and what it goes on with.
+void LayOut(PingSource*& recording, Handle& input, Candidate& candidate) {
+  HandOver(recording, std::move(candidate.recording));
+  StoreShared(input, candidate.file.Take());
+}
+
 bool StartFileWorker(AppState& state, Handle& thread, ThreadBody body) {
   const Handle started = StartThread(body, &state);
   StoreShared(thread, started);
@@ -118,6 +129,8 @@ bool StartFileWorker(AppState& state, Handle& thread, ThreadBody body) {
 // The other worker of a pair ends, the files are closed, and the process is over.
 [[noreturn]] void EndWithoutFileWorker(AppState& state) {
   EndFileWorkers(state);
+  HandOver(state.recordingA, nullptr);
+  HandOver(state.recordingB, nullptr);
   for (Handle* const file : {&state.inputFileA, &state.inputFileB, &state.segyCompanionA}) {
     CloseFile(ExchangeShared(*file, Handle::invalid));
   }
@@ -179,8 +192,8 @@ void BeginPlayback(AppState& state, Candidate& a, Candidate* b) {
   StoreShared(state.playbackPace, kPlaybackPace_ms);
   state.playbackSpan = kPlaybackSpan;
   state.playbackActive = 1;
-  StoreShared(state.inputFileA, a.file.Take());
-  if (b != nullptr) StoreShared(state.inputFileB, b->file.Take());
+  LayOut(state.recordingA, state.inputFileA, a);
+  if (b != nullptr) LayOut(state.recordingB, state.inputFileB, *b);
   if (!StartFileWorker(state, state.fileWorkerA, FileWorkerA) ||
       (b != nullptr && !StartFileWorker(state, state.fileWorkerB, FileWorkerB))) {
     EndWithoutFileWorker(state);
@@ -243,7 +256,7 @@ void Convert(AppState& state, Conversion conversion) {
   StoreShared(globals.dualMode, input.told->channels > 1 ? 1 : 0);
   SetConversion(state, conversion);
   StoreShared(state.echogramEnabled, 1);
-  StoreShared(state.inputFileA, input.file.Take());
+  LayOut(state.recordingA, state.inputFileA, input);
   if (!StartFileWorker(state, state.fileWorkerA, FileWorkerA)) EndWithoutFileWorker(state);
   RefreshControlStates(state);
 }

@@ -23,6 +23,7 @@ namespace tw {
 struct DeviceLink;
 struct PingRing;
 struct LiveStart;
+class PingSource;
 
 inline constexpr size_t kWorkingFolderSize = 260;
 inline constexpr int32_t kNoGpsPort = -1;
@@ -123,6 +124,8 @@ struct AppState {
                                // stale touches nothing any more
   LiveStart* liveStart;        // shared: for the acquisition worker that begins next; see
                                // acquisition/live_worker.h
+  PingSource* recordingA;      // shared: for the file workers that begin next; see
+  PingSource* recordingB;      // playback/file_worker.h
   uint32_t gpsRunNumber;       // shared: of the GPS worker that begins next; 0 is no run's number
   uint32_t recordingNumber;    // shared: raised whenever fresh record files are opened
   PortEntry ports[kMaxPorts];  // GUI thread
