@@ -47,6 +47,7 @@ stands_on gps base platform app/state
 stands_on acquisition base platform app/state device gps
 stands_on display base platform app/state device gps acquisition
 stands_on playback base platform app/state device gps acquisition
+stands_on app/run base platform app/state device gps acquisition playback
 stands_on simulator base  # written a second time on purpose, so that an error in one of the two shows
 
 compiles_alone() {

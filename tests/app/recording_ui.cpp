@@ -7,8 +7,8 @@
 #include <mutex>
 #include <utility>
 
-#include "app/run/playback_control.h"
 #include "app/window/commands.h"
+#include "app/window/file_commands.h"
 #include "base/text_format.h"
 #include "platform/clock.h"
 

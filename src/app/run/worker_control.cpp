@@ -22,18 +22,6 @@ bool WaitInSlices(Handle thread, uint32_t limit_ms) {
   return true;
 }
 
-// A file worker closes its own thread handle and clears the field when it ends, so the field is read anew
-// for each slice.
-void EndFileWorker(Handle& thread, Event& stop) {
-  if (LoadShared(thread) == Handle::null) return;
-  Signal(stop);
-  for (;;) {
-    const Handle now = LoadShared(thread);
-    if (now == Handle::null || WaitForThread(now, kWaitSlice_ms) != ThreadWait::timedOut) break;
-  }
-  StoreShared(thread, Handle::null);
-}
-
 // The device has been started by now, so the applied settings are what it runs with.
 LiveStart DescribeStart(const AppState& state, const StreamForm& form, OutputMode mode) {
   LiveStart start{.form = &form,
@@ -88,17 +76,6 @@ void EndAcquisition(AppState& state, uint32_t limit_ms) {
   static_cast<void>(WaitInSlices(state.acquisitionThread, limit_ms));
   CloseThread(state.acquisitionThread);
   state.acquisitionThread = Handle::null;
-}
-
-bool EndFileRun(AppState& state) {
-  EndFileWorker(state.fileWorkerA, state.stopEvent);
-  EndFileWorker(state.fileWorkerB, state.stopEventB);
-  StoreShared(globals.playbackEnded, 0);  // nobody is left who could go on
-  if (state.playbackActive == 0) return false;
-  state.playbackActive = 0;
-  state.playbackPaused = 0;
-  state.playbackAtEnd = 0;
-  return true;
 }
 
 }  // namespace tw

@@ -21,7 +21,4 @@ void RaiseRunNumber(AppState& state);
 // takes), then forgets it. RaiseRunNumber makes one that is still alive afterwards harmless.
 void EndAcquisition(AppState& state, uint32_t limit_ms);
 
-// Ends a playback or conversion: waits as long as its workers take. True when a playback was shown.
-[[nodiscard]] bool EndFileRun(AppState& state);
-
 }  // namespace tw

@@ -1,8 +1,8 @@
 #include "app/window/commands.h"
 
+#include "app/run/file_run.h"
 #include "app/run/run_control.h"
 #include "app/run/second_tick.h"
-#include "app/run/worker_control.h"
 #include "app/settings/control_states.h"
 #include "app/settings/persistent_settings.h"
 #include "app/settings/port_selectors.h"

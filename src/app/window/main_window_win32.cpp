@@ -1,6 +1,5 @@
 #include "app/window/main_window_win32.h"
 
-#include "app/run/playback_control.h"
 #include "app/run/record_set_up.h"
 #include "app/settings/family_controls.h"
 #include "app/state/slider_messages.h"
@@ -8,6 +7,7 @@
 #include "app/window/control_fonts_win32.h"
 #include "app/window/control_ids.h"
 #include "app/window/dialogs_win32.h"
+#include "app/window/file_commands.h"
 #include "app/window/full_window_win32.h"
 #include "app/window/selector_wheel_win32.h"
 #include "app/window/settings_dialog_win32.h"

@@ -9,9 +9,9 @@
 #include <vector>
 
 #include "acquisition/ping_ring.h"
-#include "app/run/playback_control.h"
 #include "app/settings/control_states.h"
 #include "app/window/commands.h"
+#include "app/window/file_commands.h"
 #include "base/shared_value.h"
 #include "platform/clock.h"
 #include "playback/ping_source.h"
