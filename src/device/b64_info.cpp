@@ -44,8 +44,8 @@ constexpr size_t kSoundSpeed = 36;  // int16
 // Bytes of one answer, with its limits in time and number.
 class Answer {
  public:
-  explicit Answer(Handle port, size_t limit = SIZE_MAX)
-      : port_(port), left_(limit), begin_ms_(MillisecondClock()), last_ms_(begin_ms_) {}
+  explicit Answer(DeviceLink& link, size_t limit = SIZE_MAX)
+      : link_(link), left_(limit), begin_ms_(MillisecondClock()), last_ms_(begin_ms_) {}
 
   LinkResult Next(char& c) {
     if (left_ == 0) return LinkResult::invalid;
@@ -53,7 +53,7 @@ class Answer {
     for (;;) {
       uint8_t byte = 0;
       uint32_t got = 0;
-      if (!ReadSerialLine(port_, &byte, 1, got)) return LinkResult::portFailed;
+      if (!ReadByte(link_, byte, got)) return LinkResult::portFailed;
       const uint32_t now_ms = MillisecondClock();
       if (now_ms - begin_ms_ > kWholeLimit_ms) return LinkResult::noPrompt;
       if (got != 0) {
@@ -101,7 +101,7 @@ class Answer {
   [[nodiscard]] bool Outstanding() const { return !prompted_; }
 
  private:
-  Handle port_;
+  DeviceLink& link_;
   size_t left_;
   uint32_t begin_ms_;
   uint32_t last_ms_;
@@ -132,7 +132,7 @@ void TakeGain(std::span<const uint8_t> bytes, DeviceSettings& settings) {
 LinkResult ReadBlock(DeviceLink& link, DeviceSettings& settings, bool& silent) {
   const LinkResult sent = SendCommandNoValue(link, CommandId::info);
   if (sent != LinkResult::success) return sent;
-  Answer answer(link.port);
+  Answer answer(link);
   char text[kTextLimit];
   size_t length = 0;
   LinkResult result = answer.Find(kBlockStart);
@@ -150,7 +150,7 @@ LinkResult ReadBlock(DeviceLink& link, DeviceSettings& settings, bool& silent) {
 LinkResult AskFrequencyLine(DeviceLink& link, std::span<char> rest, size_t& length) {
   const LinkResult sent = SendCommandNoValue(link, CommandId::info);
   if (sent != LinkResult::success) return sent;
-  Answer answer(link.port, kFrequencyReads);
+  Answer answer(link, kFrequencyReads);
   LinkResult result = answer.Find(kFrequencyStart);
   if (result == LinkResult::success) result = answer.Collect("\r\n", rest, length);
   if (result == LinkResult::noPrompt) return answer.Outstanding() ? result : LinkResult::invalid;

@@ -14,8 +14,12 @@ constexpr int kPromptAttempts = 10;
 constexpr uint32_t kPause_ms = 10;
 constexpr char kReturn = '\r';
 
+bool IsGivenUp(const DeviceLink& link) {
+  return link.givesUp != nullptr && link.givesUp(link.givesUpContext);
+}
+
 bool Write(DeviceLink& link, std::string_view text) {
-  return WriteSerialLine(link.port, text.data(), static_cast<uint32_t>(text.size()));
+  return !IsGivenUp(link) && WriteSerialLine(link.port, text.data(), static_cast<uint32_t>(text.size()));
 }
 
 // Reads until the prompt, giving each byte to `take`.
@@ -26,7 +30,7 @@ LinkResult AwaitPrompt(DeviceLink& link, uint32_t limit_ms, Take take) {
   do {
     uint8_t byte = 0;
     uint32_t got = 0;
-    if (!ReadSerialLine(link.port, &byte, 1, got)) return LinkResult::portFailed;
+    if (!ReadByte(link, byte, got)) return LinkResult::portFailed;
     if (got == 0) continue;
     take(static_cast<char>(byte));
     if (matcher.Take(byte)) return LinkResult::success;
@@ -65,6 +69,10 @@ LinkResult Query(DeviceLink& link, CommandId id, bool (*parse)(std::string_view,
 }
 
 }  // namespace
+
+bool ReadByte(DeviceLink& link, uint8_t& byte, uint32_t& got) {
+  return !IsGivenUp(link) && ReadSerialLine(link.port, &byte, 1, got);
+}
 
 bool PromptMatcher::Take(uint8_t byte) {
   constexpr uint8_t kPrompt[] = {'\r', '\n', '>'};

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 
 #include "device/device_facts.h"
 #include "device/rolling_window.h"
@@ -33,6 +34,15 @@ struct DeviceLink {
   StopWindows stopWindows;        // never reset, not even for another connection
   ProbeWindows probeWindows;      // never reset either
   DeviceFacts facts;
+
+  // Asked at each read and write, where set: whoever wanted the dialogue does not want it any more, and it
+  // ends as if the port had failed.
+  bool (*givesUp)(void* context);
+  void* givesUpContext;
 };
+
+// A read of one byte; `got` is 0 when none came within the port's time-out. False: the port failed, or the
+// dialogue is given up.
+[[nodiscard]] bool ReadByte(DeviceLink& link, uint8_t& byte, uint32_t& got);
 
 }  // namespace tw

@@ -29,7 +29,7 @@ LinkResult ProbeInterface(DeviceLink& link) {
   while (MillisecondClock() - begin < kProbe_ms) {
     uint8_t byte = 0;
     uint32_t got = 0;
-    if (!ReadSerialLine(link.port, &byte, 1, got)) return LinkResult::portFailed;
+    if (!ReadByte(link, byte, got)) return LinkResult::portFailed;
     if (got != 0) {
       TakeByte(link, static_cast<char>(byte));
       continue;

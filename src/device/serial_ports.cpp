@@ -62,12 +62,12 @@ Handle OpenFastDevicePort(const wchar_t* name) {
   return Open(name, "baud=3000000 parity=N data=8 stop=1 octs=on rts=on", kFastReadConstant_ms);
 }
 
-bool WaitForAnyByte(Handle port) {
+bool WaitForAnyByte(DeviceLink& link) {
   const uint32_t begin = MillisecondClock();
   do {
     uint8_t byte = 0;
     uint32_t got = 0;
-    if (!ReadSerialLine(port, &byte, 1, got)) return false;
+    if (!ReadByte(link, byte, got)) return false;
     if (got != 0) return true;
   } while (MillisecondClock() - begin < kAnyByteLimit_ms);
   return false;

@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "app/state/port_entry.h"
+#include "device/device_link.h"
 #include "platform/handle.h"
 
 namespace tw {
@@ -20,7 +21,7 @@ namespace tw {
 
 // True as soon as one byte has been read (it is gone then); false when none came within 4,000 ms or the port
 // failed.
-[[nodiscard]] bool WaitForAnyByte(Handle port);
+[[nodiscard]] bool WaitForAnyByte(DeviceLink& link);
 
 // The number behind "COM" in a port's name, as the C library reads a wide integer: no digits are 0, and what
 // does not fit is the nearest bound. 0 for other names.

@@ -26,7 +26,7 @@ LinkResult Attempt(DeviceLink& link) {
   do {
     uint8_t byte = 0;
     uint32_t got = 0;
-    if (!ReadSerialLine(link.port, &byte, 1, got)) return LinkResult::portFailed;
+    if (!ReadByte(link, byte, got)) return LinkResult::portFailed;
     if (got == 0) continue;
     link.stopWindows.end.Take(static_cast<char>(byte));
     link.stopWindows.prompt.Take(static_cast<char>(byte));
@@ -59,7 +59,7 @@ LinkResult StopStreaming(DeviceLink& link) {
 }  // namespace
 
 LinkResult StopDevice(DeviceLink& link) {
-  if (WaitForAnyByte(link.port)) return StopStreaming(link);
+  if (WaitForAnyByte(link)) return StopStreaming(link);
   return RequestPrompt(link) == LinkResult::success ? LinkResult::success : LinkResult::noPrompt;
 }
 

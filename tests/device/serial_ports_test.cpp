@@ -107,14 +107,14 @@ TEST(SerialPorts, AnIdleReadTakesTwiceAsLongOnTheFastPort) {
 class WaitForByte : public test::ScriptedLineTest {};
 
 TEST_F(WaitForByte, TakesFourSecondsAndEatsTheByte) {
-  EXPECT_FALSE(WaitForAnyByte(link_.port));
+  EXPECT_FALSE(WaitForAnyByte(link_));
   EXPECT_GE(VirtualNow_us(), 4'000'000);
   EXPECT_LE(VirtualNow_us(), 4'010'000) << "no read begins when they are over";
   device_.Say({"xy"}, VirtualNow_us());
-  EXPECT_TRUE(WaitForAnyByte(link_.port));
+  EXPECT_TRUE(WaitForAnyByte(link_));
   EXPECT_EQ(BytesWaiting(link_.port), 1u);
   HangUpLine(test::kScriptedLine);
-  EXPECT_FALSE(WaitForAnyByte(link_.port));
+  EXPECT_FALSE(WaitForAnyByte(link_));
 }
 
 }  // namespace
