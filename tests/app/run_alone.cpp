@@ -79,5 +79,6 @@ int main(int argc, char** argv) {
   choices.record = true;
   const tw::RunFault fault = tw::RecordFor(*state, choices, std::atoi(argv[6]));
   std::printf("pings %u\n", static_cast<unsigned>(tw::LoadShared(tw::globals.pingCounter)));
-  return static_cast<int>(fault);
+  std::fflush(stdout);
+  std::_Exit(static_cast<int>(fault));  // the receiver's worker may outlive a run, and with it the record
 }
