@@ -24,6 +24,12 @@ class ByteSource {
  public:
   explicit ByteSource(Handle line) : line_(line) {}
 
+  // Goes on with another line; bytes of the one before are dropped.
+  void Hear(Handle line) {
+    line_ = line;
+    bytes_ = {};
+  }
+
   // Makes sure that Bytes() holds at least one byte: complete, failed or nothing.
   [[nodiscard]] ReadResult Fill();
 

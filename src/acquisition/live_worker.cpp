@@ -1,7 +1,9 @@
 #include "acquisition/live_worker.h"
 
+#include <algorithm>
 #include <memory>
 #include <new>
+#include <string>
 #include <utility>
 
 #include "acquisition/byte_source.h"
@@ -21,6 +23,8 @@ namespace {
 
 constexpr uint32_t kSilenceLimit_ms = 60'000;
 constexpr size_t kSentenceSize = 256;
+constexpr int32_t kLongestInterval_ms = 3'600'000;
+constexpr uint32_t kTick_ms = 100;
 
 // What the worker knows of one channel.
 struct Channel {
@@ -31,6 +35,11 @@ struct Channel {
   uint32_t interval_ms = 0;  // measured; 0 until two pings have come
   bool begun = false;
 };
+
+bool TellsIdentity(std::string_view block, const char* identity) {
+  const std::string line = std::string("#DeviceID ") + identity + "\r\n";
+  return block.find(line) != std::string_view::npos;
+}
 
 LiveContext ContextOf(const LiveStart& start) {
   const DeviceSettings& settings = start.settings;
@@ -45,16 +54,18 @@ LiveContext ContextOf(const LiveStart& start) {
 
 // One run of the worker, from its start to its end. On the heap, since a worker that hangs may still be there
 // when the next one starts.
-class LiveRun {
+class LiveRun final : private AwayWorker {
  public:
   LiveRun(AppState& state, const LiveStart& start)
       : state_(state),
+        start_(start),
         form_(*start.form),
         settings_(start.settings),
         deviceFamily_(start.deviceFamily),
         context_(ContextOf(start)),
         runNumber_(start.runNumber),
         source_(start.port),
+        lastPing_ms_(MillisecondClock()),
         reader_(form_.makeReader()),
         channels_{{RecordChannel::a,
                    {state.ringA, &state.ringIndexA, &state.ringTimeA, &state.ringLockA, globals.slotReachA},
@@ -105,19 +116,88 @@ class LiveRun {
     report_.NoteOverruns(source_.Overruns());
     switch (result) {
       case ReadResult::failed:
-        StoreShared(state_.linkLost, 1);
-        return false;
+        return LoseLink(true);
       case ReadResult::nothing:
         NoteSilence();
-        return true;
+        [[fallthrough]];
       case ReadResult::pending:
-        return true;
+        return !IsAway() || LoseLink(false);
       case ReadResult::complete:
         fresh_ = true;
         TakeBlock(reader_->Block());
         return true;
     }
     return false;
+  }
+
+  // With a rescue alone; else NoteSilence has the word.
+  [[nodiscard]] bool IsAway() const {
+    if (start_.rescue == nullptr) return false;
+    const auto set_ms = static_cast<uint32_t>(std::clamp(settings_.pingInterval_ms, 0, kLongestInterval_ms));
+    const uint32_t interval_ms =
+        std::max(set_ms, std::min(channels_[0].interval_ms, uint32_t{kLongestInterval_ms}));
+    return MillisecondClock() - lastPing_ms_ > std::max(start_.silence_ms, 3 * interval_ms);
+  }
+
+  // False when that is the end of the run.
+  bool LoseLink(bool failed) {
+    if (start_.rescue == nullptr) {
+      StoreShared(state_.linkLost, 1);
+      return false;
+    }
+    heard_ = false;
+    const Handle port = AwaitReturn(state_, start_, failed, *this);
+    if (port == Handle::invalid) return false;
+    if (!heard_ && !Hear(port)) {
+      StoreShared(state_.linkLost, 1);
+      return false;
+    }
+    lastPing_ms_ = MillisecondClock();
+    for (Channel& channel : channels_) channel.begun = false;  // the time away is no interval
+    return true;
+  }
+
+  // What came before belongs to no ping that comes now. False without memory.
+  bool Hear(Handle port) {
+    source_.Hear(port);
+    reader_ = form_.makeReader();
+    return reader_ != nullptr;
+  }
+
+  bool GivenUp() override {
+    ShowNothing();
+    return Stale() || StopAsked();
+  }
+
+  // A block of the form, that parses and tells the identity.
+  bool Listen(Handle port, const char* identity) override {
+    constexpr uint32_t kListen_ms = 2000;
+    if (!Hear(port)) return false;
+    for (const uint32_t begin = MillisecondClock(); MillisecondClock() - begin < kListen_ms && !GivenUp();) {
+      const ReadResult result = ReadBlock(source_, *reader_);
+      if (result == ReadResult::failed) return false;
+      if (result != ReadResult::complete) continue;
+      const std::string_view block = reader_->Block();
+      if (!form_.parse(block, context_, ping_)) continue;
+      if (identity != nullptr && !TellsIdentity(block, identity)) return false;
+      ShowNothing();
+      TakeBlock(block);
+      heard_ = true;
+      return true;
+    }
+    return false;
+  }
+
+  // A column of the time in which nothing came is black.
+  void ShowNothing() {
+    const uint32_t now_ms = MillisecondClock();
+    if (Stale() || now_ms - blackSince_ms_ < kTick_ms) return;
+    blackSince_ms_ = now_ms;
+    PingHeader none{};
+    none.pitch_deg = kNoAttitude;
+    image_.Build(none, {}, 1);
+    StorePing(channels_[0].ring, image_, now_ms);
+    if (context_.dual) StorePing(channels_[1].ring, image_, now_ms);
   }
 
   void NoteSilence() {
@@ -133,6 +213,7 @@ class LiveRun {
   void TakeBlock(std::string_view block) {
     if (!form_.parse(block, context_, ping_)) return;
     const uint32_t now_ms = MillisecondClock();
+    lastPing_ms_ = now_ms;
     if (!form_.HasSamples()) BeginPulsePing();
     ping_.header.timeOfWork_s = static_cast<uint32_t>(UnixMilliseconds() / 1000);
     const size_t sentences = TakePosition();
@@ -255,13 +336,17 @@ class LiveRun {
   }
 
   AppState& state_;
+  const LiveStart& start_;
   const StreamForm& form_;
   const DeviceSettings settings_;
   const DeviceFamily deviceFamily_;
   const LiveContext context_;
   const uint32_t runNumber_;
   ByteSource source_;
-  const std::unique_ptr<StreamReader> reader_;
+  uint32_t lastPing_ms_;
+  bool heard_ = false;  // the stream was taken up again without a command
+  uint32_t blackSince_ms_ = 0;
+  std::unique_ptr<StreamReader> reader_;
   Channel channels_[2];
   LiveReport report_;
   bool stopped_ = false;

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 
+#include "acquisition/link_return.h"
 #include "acquisition/stream_form.h"
 #include "app/state/app_state.h"
 
@@ -18,6 +19,8 @@ struct LiveStart {
   bool dual;
   Handle port;
   uint32_t runNumber;
+  const LinkRescue* rescue = nullptr;  // null: a lost link is flagged and ends the run
+  uint32_t silence_ms = 0;             // with it: without a ping for so long, and three intervals, it is lost
 };
 
 // Lays the values out for the worker that is started next, which takes them as its first step. What an
@@ -26,8 +29,9 @@ struct LiveStart {
 
 // The body of an acquisition thread; `context` is the state record. Runs until stopEvent is signalled, the
 // device port fails, or the run number has become stale; in the first two cases it closes the record files at
-// its end. A worker for which nothing was laid out, and one that hung in a call of the system until its
-// number was stale, touches nothing and posts nothing any more.
+// its end. With a rescue a port that fails or is silent does not end it: it stays until the device is back. A
+// worker for which nothing was laid out, and one that hung in a call of the system until its number was
+// stale, touches nothing and posts nothing any more.
 void AcquisitionWorker(void* context);
 
 }  // namespace tw

@@ -220,6 +220,10 @@ void SetWindowTitle(AppState&, const wchar_t* title) {
 void InvalidateEchogram(AppState&) {
   ++Ui().repaints;
 }
+void CallOperator(AppState&, bool beep) {
+  ++Ui().calls;
+  Ui().beeps += beep ? 1 : 0;
+}
 void EndProcess(int exitCode) {
   std::_Exit(exitCode);
 }

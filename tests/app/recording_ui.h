@@ -55,6 +55,8 @@ struct RecordingUi {
   int queuedInput = 0;  // clicks and keys that wait
   int keptInput = 0;    // of these "Stop", Exit and closing
   int carriedOut = 0;
+  int calls = 0;  // of the operator
+  int beeps = 0;
 
   // What happened in its order, with the time passed since the last entry where that is 10 ms or more.
   std::vector<std::string> log;

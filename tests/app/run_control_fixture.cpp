@@ -58,10 +58,10 @@ RunControlTest::~RunControlTest() {
   ClearFaults();
   SetDocumentsFolder(nullptr);
   for (Event& event : state_->runEvents) DestroyEvent(event);
-  for (Event* event : {&state_->recordingEvent, &state_->stopEvent, &state_->stopEventB})
+  for (Event* event : {&state_->recordingEvent, &state_->stopEvent, &state_->stopEventB, &state_->linkRetry})
     DestroyEvent(*event);
   for (Lock* lock : {&state_->ringLockA, &state_->ringLockB, &state_->gpsLock, &state_->recordLock,
-                     &globals.marksA.lock, &globals.marksB.lock}) {
+                     &state_->linkLock, &globals.marksA.lock, &globals.marksB.lock}) {
     DestroyLock(*lock);
   }
   FreeZeroed(state_->ringA, kRingSize);

@@ -4,6 +4,7 @@
 #include "app/run/run_control.h"
 #include "app/run/run_start.h"
 #include "app/run/worker_control.h"
+#include "base/shared_value.h"
 #include "device/command_link.h"
 #include "device/settings_writer.h"
 #include "device/stop_device.h"
@@ -39,6 +40,7 @@ bool DualOldRefused(const DeviceSettings& wanted, const DeviceSettings& applied,
 
 RunResult InterruptRun(AppState& state) {
   EndAcquisition(state, kWaitForever);
+  state.link->port = LoadShared(state.devicePort);  // another one, where the device was away
   return {StopDevice(*state.link) == LinkResult::success ? RunFault::none : RunFault::noPromptInRun};
 }
 

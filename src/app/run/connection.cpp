@@ -87,6 +87,11 @@ const FamilyReader* ReadSettings(DeviceLink& link, DeviceSettings& settings) {
   return reader == std::end(kFamilyReaders) ? nullptr : reader;
 }
 
+const FamilyReader& ReaderOf(DeviceFamily family) {
+  return *std::find_if(std::begin(kFamilyReaders), std::end(kFamilyReaders),
+                       [&](const FamilyReader& each) { return each.family == family; });
+}
+
 // The frequency that a single device pings with is that of one of its channels. Older firmware that cannot
 // tell a channel's frequency may have another one than this program takes it to have: the nearer one gives
 // way.
@@ -105,9 +110,18 @@ void NameChannels(DeviceSettings& settings) {
   if (settings.virtualHighFrequency_hz == 0) settings.virtualHighFrequency_hz = settings.highFrequency_hz;
 }
 
-void TakeOver(AppState& state, DeviceFamily family, DeviceSettings& settings) {
-  if (family == DeviceFamily::first) SettleFrequencies(settings);
+// What is the same of each reading of a device of this family.
+void Settle(DeviceFamily family, DeviceSettings& settings) {
+  if (family == DeviceFamily::first) {
+    SettleFrequencies(settings);
+  } else {
+    settings.simultaneous = 0;
+  }
   NameChannels(settings);
+}
+
+void TakeOver(AppState& state, DeviceFamily family, DeviceSettings& settings) {
+  Settle(family, settings);
   globals.measuredLowFrequency_hz = settings.virtualLowFrequency_hz;
   globals.measuredHighFrequency_hz = settings.virtualHighFrequency_hz;
   state.appliedSettings = settings;
@@ -116,7 +130,7 @@ void TakeOver(AppState& state, DeviceFamily family, DeviceSettings& settings) {
 
 // What each family needs once it is known. A device that does not answer the reset any more shows as a
 // silent line.
-void SettleFamily(DeviceLink& link, DeviceFamily family, DeviceSettings& settings) {
+void SettleFamily(DeviceLink& link, DeviceFamily family) {
   switch (family) {
     case DeviceFamily::first:
       static_cast<void>(Exchange(link, CommandId::reset));
@@ -124,11 +138,9 @@ void SettleFamily(DeviceLink& link, DeviceFamily family, DeviceSettings& setting
       return;
     case DeviceFamily::second:
       static_cast<void>(Exchange(link, CommandId::reset));
-      settings.simultaneous = 0;
       return;
     case DeviceFamily::third:
       link.facts.smoothingSupported = false;
-      settings.simultaneous = 0;
       return;
   }
 }
@@ -154,10 +166,12 @@ void TakeCommunication(AppState& state, const RunChoices& choices) {
   globals.gpsBaud = choices.receiver.speed_bps;
 }
 
+Handle OpenAtSpeed(const wchar_t* name, int32_t speed_bps) {
+  return speed_bps == kFastSpeed_bps ? OpenFastDevicePort(name) : OpenDevicePort(name, speed_bps);
+}
+
 bool OpenDevice(AppState& state, uint32_t& error) {
-  const Handle port = globals.deviceBaud == kFastSpeed_bps
-                          ? OpenFastDevicePort(state.devicePortName)
-                          : OpenDevicePort(state.devicePortName, globals.deviceBaud);
+  const Handle port = OpenAtSpeed(state.devicePortName, globals.deviceBaud);
   error = LastSystemError();
   StoreShared(state.devicePort, port);
   state.link->port = port;
@@ -180,7 +194,7 @@ RunResult IdentifyDevice(AppState& state) {
   DeviceSettings settings{};
   const FamilyReader* reader = ReadSettings(*state.link, settings);
   if (reader == nullptr) return {RunFault::unidentified};
-  SettleFamily(*state.link, reader->family, settings);
+  SettleFamily(*state.link, reader->family);
   StoreShared(globals.deviceFamily, static_cast<int32_t>(reader->family));
   TakeOver(state, reader->family, settings);
   return {};
@@ -188,14 +202,18 @@ RunResult IdentifyDevice(AppState& state) {
 
 bool ReadSettingsBack(AppState& state) {
   const DeviceFamily family = FamilyInUse();
-  const auto* const reader = std::find_if(std::begin(kFamilyReaders), std::end(kFamilyReaders),
-                                          [&](const FamilyReader& each) { return each.family == family; });
   const Beginning beginning{state.settings, ForgetAbilities};
   int repeats = 1;
   DeviceSettings settings{};
-  if (!ReadsAs(*reader, *state.link, beginning, repeats, settings)) return false;
-  if (family != DeviceFamily::first) settings.simultaneous = 0;
+  if (!ReadsAs(ReaderOf(family), *state.link, beginning, repeats, settings)) return false;
   TakeOver(state, family, settings);
+  return true;
+}
+
+bool ReadSettingsOf(DeviceLink& link, DeviceFamily family, DeviceSettings& settings) {
+  int repeats = 1;
+  if (!ReadsAs(ReaderOf(family), link, {StartUpSettings(), ForgetDevice}, repeats, settings)) return false;
+  Settle(family, settings);
   return true;
 }
 

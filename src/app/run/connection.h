@@ -5,6 +5,7 @@
 #include "app/run/run_choices.h"
 #include "app/run/run_fault.h"
 #include "app/state/app_state.h"
+#include "device/device_link.h"
 
 namespace tw {
 
@@ -25,7 +26,14 @@ RunResult IdentifyDevice(AppState& state);
 // unchanged.
 [[nodiscard]] bool ReadSettingsBack(AppState& state);
 
-// Opens the device port at the chosen speed, 3000000 as the fast form. False when the system refuses; its
+// Reads the settings of a device of this family, from the start-up values on, into `settings`; no worker's
+// port and no record is touched. Any thread that owns the link.
+[[nodiscard]] bool ReadSettingsOf(DeviceLink& link, DeviceFamily family, DeviceSettings& settings);
+
+// Opens a device port, 3000000 as the fast form. Any thread.
+[[nodiscard]] Handle OpenAtSpeed(const wchar_t* name, int32_t speed_bps);
+
+// Opens the device port at the chosen speed. False when the system refuses; its
 // error is in `error` then.
 [[nodiscard]] bool OpenDevice(AppState& state, uint32_t& error);
 

@@ -55,10 +55,12 @@ bool MakeLocks(AppState& state) {
   MakeLock(state.ringLockB);
   MakeLock(state.gpsLock);
   MakeLock(state.recordLock);
+  MakeLock(state.linkLock);
   MakeLock(globals.marksA.lock);
   MakeLock(globals.marksB.lock);
   return MakeEvent(state.stopEvent, ResetMode::automatic) &&
-         MakeEvent(state.stopEventB, ResetMode::automatic);
+         MakeEvent(state.stopEventB, ResetMode::automatic) &&
+         MakeEvent(state.linkRetry, ResetMode::automatic);
 }
 
 }  // namespace tw

@@ -25,7 +25,9 @@ void RequestDueCapture(AppState& state, uint32_t now_ms) {
 DueNow TickSecond(AppState& state, uint32_t now_ms) {
   RequestDueCapture(state, now_ms);
   return {.linkLost = state.acquisitionThread != Handle::null && LoadShared(state.linkLost) != 0,
-          .choice = state.choiceWaits != 0 && IsOver(state.choiceSince_ms, kChoiceDelay_ms, now_ms)};
+          .choice = state.choiceWaits != 0 && IsOver(state.choiceSince_ms, kChoiceDelay_ms, now_ms),
+          .away = AwayFor{LoadShared(state.linkAway)},
+          .away_s = (now_ms - LoadShared(state.linkAwaySince_ms)) / 1000};
 }
 
 void KeepChoice(AppState& state, uint32_t now_ms) {

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 
+#include "acquisition/link_return.h"
 #include "app/state/app_state.h"
 
 namespace tw {
@@ -10,6 +11,8 @@ namespace tw {
 struct DueNow {
   bool linkLost;  // the worker of the run has flagged it, and still counts as running until the run is ended
   bool choice;    // one second is over since the last choice of range or output
+  AwayFor away;   // the run waits for its device to come back, and why
+  uint32_t away_s;
 };
 
 // To be called once a second, or more often, with the clock's time. Asks for the screenshots of a run. A

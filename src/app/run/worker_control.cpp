@@ -2,6 +2,7 @@
 
 #include "acquisition/live_worker.h"
 #include "acquisition/output_mode.h"
+#include "app/run/come_back.h"
 #include "base/shared_value.h"
 #include "device/start_sequence.h"
 #include "gps/gps_worker.h"
@@ -31,6 +32,10 @@ LiveStart DescribeStart(const AppState& state, const StreamForm& form, OutputMod
                   .port = LoadShared(state.devicePort),
                   .runNumber = LoadShared(state.runNumber)};
   start.settings.outputMode = mode;
+  if (state.options.keepRunGoing != 0) {
+    start.rescue = &kLinkRescue;
+    start.silence_ms = static_cast<uint32_t>(state.options.silence_s) * 1000;
+  }
   return start;
 }
 
@@ -39,6 +44,7 @@ bool StartAcquisition(AppState& state, const StreamForm& form, OutputMode mode) 
   Reset(state.stopEvent);
   Reset(state.stopEventB);
   StoreShared(state.linkLost, 0);
+  StoreShared(state.linkAway, 0);
   state.acquisitionThread = StartThread(AcquisitionWorker, &state);
   return state.acquisitionThread != Handle::null;
 }
@@ -67,6 +73,7 @@ RunFault StartWorkers(AppState& state) {
 }
 
 void RaiseRunNumber(AppState& state) {
+  const Locked held(state.linkLock);
   StoreShared(state.runNumber, LoadShared(state.runNumber) + 1);
 }
 

@@ -131,6 +131,15 @@ void SelectDeviceSpeed(AppState& state, int32_t speed_bps) {
   SelectComboItem(state, ID_DEVICE_SPEED, static_cast<int>(speed - std::begin(kDeviceSpeeds)));
 }
 
+bool AreChosenPortsThere(AppState& state) {
+  PortChoice device{};
+  PortChoice receiver{};
+  ReadPortChoices(state, device, receiver);
+  const std::span<const PortEntry> ports = ListPorts(state);
+  return FindPort(ports, device.name) >= 0 &&
+         (receiver.name[0] == L'\0' || FindPort(ports, receiver.name) >= 0);
+}
+
 void ReadPortChoices(AppState& state, PortChoice& device, PortChoice& receiver) {
   device = {.name = {}, .speed_bps = globals.deviceBaud};
   receiver = {.name = {}, .speed_bps = globals.gpsBaud};

@@ -99,17 +99,24 @@ struct AppState {
   uint64_t seekRequest;    // shared: the slider asks, the file worker takes; see app/state/slider_messages.h
 
   // Of a playback, of choices that wait to be sent, of the window and of the record files.
-  int32_t playbackActive;  // GUI thread
-  int32_t playbackPaused;  // GUI thread
-  int64_t firstTime_ms;    // newest recorded time of the first file, kNoPingYet until it has shown a ping,
-                           // kNoRecordedTime where it tells none and at its end; shared
-  int64_t stepTime_ms;     // recorded time to which the second file follows the first; shared
-  int32_t stepShare_ppm;   // and how much of the first file lies ahead of that place; shared
-  int32_t stepBack;        // the second file's ring goes back too; shared
-  int32_t playbackAtEnd;   // the played file is exhausted; GUI thread
-  int32_t fileInRings;     // the rings hold a file's pings, not a device's; GUI thread
-  int32_t linkLost;        // shared: workers set it, the GUI clears it before each worker start
-  int32_t pendingRange;    // changes of range and output that timer 7 will send; GUI thread
+  int32_t playbackActive;     // GUI thread
+  int32_t playbackPaused;     // GUI thread
+  int64_t firstTime_ms;       // newest recorded time of the first file, kNoPingYet until it has shown a ping,
+                              // kNoRecordedTime where it tells none and at its end; shared
+  int64_t stepTime_ms;        // recorded time to which the second file follows the first; shared
+  int32_t stepShare_ppm;      // and how much of the first file lies ahead of that place; shared
+  int32_t stepBack;           // the second file's ring goes back too; shared
+  int32_t playbackAtEnd;      // the played file is exhausted; GUI thread
+  int32_t fileInRings;        // the rings hold a file's pings, not a device's; GUI thread
+  int32_t linkLost;           // shared: workers set it, the GUI clears it before each worker start
+  int32_t linkAway;           // shared: an AwayFor; the run waits for its device to come back
+  uint32_t linkAwaySince_ms;  // shared: the millisecond clock when it was lost
+  int32_t startsByItself;     // 1: a start waits for its ports, 2: it has been tried; GUI thread
+  uint32_t startTried_ms;     // the millisecond clock at the last try
+  int32_t awayShown;          // the status bar says so; GUI thread
+  Lock linkLock;              // devicePort and runNumber, where the worker puts a port into the record
+  Event linkRetry;            // the port may be there again: signalled by the GUI thread
+  int32_t pendingRange;       // changes of range and output that timer 7 will send; GUI thread
   int32_t pendingOutput;
   int32_t choiceWaits;        // a choice of range or output waits to be sent; GUI thread
   uint32_t choiceSince_ms;    // the millisecond clock at the last one

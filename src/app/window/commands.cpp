@@ -7,6 +7,7 @@
 #include "app/settings/persistent_settings.h"
 #include "app/settings/port_selectors.h"
 #include "app/window/control_ids.h"
+#include "app/window/run_changes.h"
 #include "app/window/run_faults.h"
 #include "app/window/ui.h"
 #include "app/window/wait_pointer.h"
@@ -53,6 +54,15 @@ void ExchangeSettings(AppState& state, ExchangeStep exchange) {
   static_cast<void>(Tell(state, pointer, ResumeRun(state, choices, before)));
 }
 
+RunResult TryStart(AppState& state, const ElapsedLog& log) {
+  EndFileWorkers(state);
+  ClearLiveTexts(state);  // of a playback or conversion
+  SetConversion(state, Conversion::none);
+  RefreshControlStates(state);  // the playback is over, also when no run follows
+  StopTimer(state, ID_TIMER_LINK);
+  return BeginRun(state, ReadChoices(state), log);
+}
+
 }  // namespace
 
 void ClearLiveTexts(AppState& state) {
@@ -66,22 +76,34 @@ void EndFileWorkers(AppState& state) {
 
 void StartRun(AppState& state) {
   if (LoadShared(state.devicePort) != Handle::invalid) return;  // runs already
+  state.startsByItself = 0;
   const ElapsedLog log;
-  EndFileWorkers(state);
-  ClearLiveTexts(state);  // of a playback or conversion
-  SetConversion(state, Conversion::none);
-  RefreshControlStates(state);  // the playback is over, also when no run follows
-
   WaitPointer pointer(state);
-  StopTimer(state, ID_TIMER_LINK);
-  const RunResult result = BeginRun(state, ReadChoices(state), log);
+  const RunResult result = TryStart(state, log);
   if (result.Succeeded()) return;
   pointer.Restore();
   TellFault(state, result, &log);
   RefreshControlStates(state);
 }
 
+void StartByItself(AppState& state) {
+  constexpr uint32_t kPause_ms = 10'000;
+  if (state.startsByItself == 0 || StateOfProgram(state) != ProgramState::idle) return;
+  const uint32_t now_ms = MillisecondClock();
+  if (state.startsByItself > 1 && now_ms - state.startTried_ms < kPause_ms) return;
+  if (!AreChosenPortsThere(state) || IsListOpen(state)) return;
+  const WaitPointer pointer(state);
+  const ElapsedLog log;
+  const RunResult result = TryStart(state, log);
+  state.startsByItself = result.Succeeded() ? 0 : 2;
+  state.startTried_ms = MillisecondClock();
+  if (result.Succeeded()) return;
+  TellFaultQuietly(state, result, &log);
+  RefreshControlStates(state);
+}
+
 void StopRun(AppState& state) {
+  state.startsByItself = 0;
   EndFileWorkers(state);
   if (!HoldsRun(state)) return EndRun(state);
   const WaitPointer pointer;
@@ -119,6 +141,7 @@ void ToggleRecording(AppState& state) {
   const bool record = IsChecked(state, ID_RECORD);
   SaveRecordingFlag(record);
   SwitchRecording(state, record);
+  RefreshAwake(state);
 }
 
 }  // namespace tw

@@ -14,6 +14,11 @@ namespace tw {
 // Without effect while running.
 void StartRun(AppState& state);
 
+// A start without a hand on it, with the option for it: once the ports that are selected are there, and every
+// 10 s until one succeeds or the operator has started or stopped something. A failure is told in the status
+// bar alone.
+void StartByItself(AppState& state);
+
 // "Stop": ends the workers (waits 3 s at most), closes ports and record files. Sends nothing to the device,
 // which goes on streaming. Ends a playback too. Harmless while idle.
 void StopRun(AppState& state);

@@ -17,6 +17,9 @@
 #include "app/window/window_handles_win32.h"
 #include "app/window/window_layout.h"
 
+// Needs the types of the line above.
+#include <dbt.h>
+
 namespace tw {
 namespace {
 
@@ -47,6 +50,11 @@ void OnSize(AppState& state) {
 
 void OnMove(AppState& state) {
   KeepWindowPlacement(state);
+}
+
+// A port may be there again.
+void RetryLink(AppState& state) {
+  if (state.initialised != 0) Signal(state.linkRetry);
 }
 
 void OnTimer(AppState& state, WPARAM timer) {
@@ -165,6 +173,12 @@ LRESULT CALLBACK MainWindowProcedure(HWND window, UINT message, WPARAM wParam, L
     case WM_USER:
       if (const auto progress = ReceiveProgress(wParam)) NotePlaybackProgress(*state, *progress);
       return 0;
+    case WM_DEVICECHANGE:
+      if (wParam == DBT_DEVICEARRIVAL || wParam == DBT_DEVNODES_CHANGED) RetryLink(*state);
+      return TRUE;
+    case WM_POWERBROADCAST:
+      if (wParam == PBT_APMRESUMEAUTOMATIC) RetryLink(*state);
+      return TRUE;
     case WM_DESTROY:
       OnDestroy(*state);
       return 0;

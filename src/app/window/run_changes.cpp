@@ -13,6 +13,7 @@
 #include "app/window/view_choices.h"
 #include "base/shared_value.h"
 #include "base/text_format.h"
+#include "platform/power.h"
 
 namespace tw {
 namespace {
@@ -68,9 +69,11 @@ void ShowRunning(AppState& state) {
   RememberTexts(state);
   RefreshControlStates(state);
   RefreshCaptureTimer(state);
+  RefreshAwake(state);
 }
 
 void ShowIdle(AppState& state) {
+  state.awayShown = 0;
   CloseSettingsDialog(state);
   ShowDisconnected(state);
   ClearLiveTexts(state);
@@ -78,6 +81,7 @@ void ShowIdle(AppState& state) {
   StopTimer(state, ID_TIMER_CHANGES);
   RefreshControlStates(state);
   RefreshCaptureTimer(state);
+  RefreshAwake(state);
 }
 
 }  // namespace
@@ -85,6 +89,24 @@ void ShowIdle(AppState& state) {
 void ShowDisconnected(AppState& state) {
   SetStatusText(state, StatusPart::device, L"Device: Disconnected");
   SetStatusText(state, StatusPart::gps, kGpsDisconnected);
+}
+
+void ShowAway(AppState& state, AwayFor away, uint32_t away_s) {
+  const bool begins = away != AwayFor::nothing && state.awayShown == 0;
+  if (away == AwayFor::nothing && state.awayShown == 0) return;
+  state.awayShown = away != AwayFor::nothing ? 1 : 0;
+  if (away == AwayFor::nothing) return ShowConnection(state);
+  constexpr const char* kReasons[] = {"", "no data", "the port is not there", "the device does not answer",
+                                      "another device answers"};
+  wchar_t text[kStatusTextSize];
+  FormatWide(text, "Device: COM%" PRId32 " lost for %" PRIu32 " s, %s", globals.devicePortNumber, away_s,
+             kReasons[static_cast<size_t>(away)]);
+  SetStatusText(state, StatusPart::device, text);
+  if (begins) CallOperator(state, state.options.beepWhenLost != 0);
+}
+
+void RefreshAwake(AppState& state) {
+  KeepSystemAwake(state.acquisitionThread != Handle::null && WaitForEvent(state.recordingEvent, 0));
 }
 
 void TellRunChanged(AppState& state, RunChange change) {

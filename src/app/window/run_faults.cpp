@@ -6,6 +6,8 @@
 #include "app/window/commands.h"
 #include "app/window/ui.h"
 #include "base/shared_value.h"
+#include "base/text_format.h"
+#include "platform/system_error.h"
 
 namespace tw {
 namespace {
@@ -72,7 +74,7 @@ void Close(AppState& state, const Row& row, const ElapsedLog* log) {
 }  // namespace
 
 bool IsConnected(AppState& state) {
-  if (LoadShared(state.devicePort) != Handle::invalid) return true;
+  if (LoadShared(state.devicePort) != Handle::invalid && LoadShared(state.linkAway) == 0) return true;
   Show(state, RowOf(RunFault::notConnected));
   return false;
 }
@@ -83,6 +85,18 @@ void TellFault(AppState& state, RunResult result, const ElapsedLog* log) {
   if (row.told == afterClosing) Close(state, row, log);
   Show(state, row, result.systemError);
   if (row.told == beforeClosing) Close(state, row, log);
+}
+
+void TellFaultQuietly(AppState& state, RunResult result, const ElapsedLog* log) {
+  const Row& row = RowOf(result.fault);
+  wchar_t text[kStatusTextSize];
+  if (row.text == nullptr) {
+    SystemErrorText(result.systemError, text);
+  } else {
+    CopyWide(text, row.text);
+  }
+  Close(state, row, log);
+  SetStatusText(state, StatusPart::device, text);
 }
 
 void EndWithoutWorker(AppState& state) {

@@ -73,6 +73,7 @@ void StartUp(AppState& state) {
   Need(state, MakeLocks(state));
   LoadRecordingChoices(state);
   state.options = LoadOptions();
+  state.startsByItself = state.options.startByItself;
   BuildSegyTextHeader(globals.segyTextHeader);
   RefreshControlStates(state);
 }

@@ -8,6 +8,7 @@
 #include "app/state/file_naming.h"
 #include "app/window/commands.h"
 #include "app/window/control_ids.h"
+#include "app/window/run_changes.h"
 #include "app/window/run_faults.h"
 #include "app/window/ui.h"
 #include "base/shared_value.h"
@@ -85,7 +86,8 @@ void ReportLostLink(AppState& state) {
 void CarryOutDue(AppState& state) {
   const DueNow due = TickSecond(state, MillisecondClock());
   if (due.linkLost) return ReportLostLink(state);
-  if (due.choice) SendPendingChange(state);
+  ShowAway(state, due.away, due.away_s);
+  if (due.choice && due.away == AwayFor::nothing) SendPendingChange(state);
 }
 
 }  // namespace
@@ -94,7 +96,8 @@ void HandleTimer(AppState& state, int timer) {
   if (state.initialised == 0) return;
   switch (timer) {
     case ID_TIMER_PORTS:
-      return RefreshPortCombos(state);
+      RefreshPortCombos(state);
+      return StartByItself(state);
     case ID_TIMER_REPAINT:
       return Repaint(state);
     case ID_TIMER_SPARE:

@@ -70,6 +70,9 @@ void SetWindowTitle(AppState& state, const wchar_t* title);
 // Asks for a repaint of the echogram view.
 void InvalidateEchogram(AppState& state);
 
+// Calls the operator to the window: it flashes, once, and beeps if wanted.
+void CallOperator(AppState& state, bool beep);
+
 // Ends the process at once, after a failure that it cannot survive.
 [[noreturn]] void EndProcess(int exitCode);
 

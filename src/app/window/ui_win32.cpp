@@ -152,6 +152,16 @@ void InvalidateEchogram(AppState& state) {
   InvalidateRect(Control(state, ID_ECHOGRAM), nullptr, FALSE);
 }
 
+void CallOperator(AppState& state, bool beep) {
+  FLASHWINFO flash{};
+  flash.cbSize = sizeof(flash);
+  flash.hwnd = MainWindow(state);
+  flash.dwFlags = FLASHW_ALL | FLASHW_TIMERNOFG;
+  flash.uCount = 3;
+  FlashWindowEx(&flash);
+  if (beep) MessageBeep(MB_ICONWARNING);
+}
+
 void EndProcess(int exitCode) {
   ExitProcess(static_cast<UINT>(exitCode));
 }

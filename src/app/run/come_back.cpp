@@ -1,0 +1,86 @@
+#include "app/run/come_back.h"
+
+#include <cstring>
+#include <memory>
+#include <new>
+
+#include "acquisition/live_worker.h"
+#include "app/run/connection.h"
+#include "base/shared_value.h"
+#include "device/serial_ports.h"
+#include "device/settings_writer.h"
+#include "device/start_sequence.h"
+#include "device/stop_device.h"
+#include "platform/clock.h"
+
+namespace tw {
+namespace {
+
+constexpr int32_t kPowerOnSpeed_bps = 115'200;
+constexpr uint32_t kPause_ms = 10;
+
+bool IsAtPowerOnSpeed(uint32_t attempt) {
+  return attempt % 2 == 1 && globals.deviceBaud != kPowerOnSpeed_bps;
+}
+
+Handle OpenAgain(AppState& state, const LiveStart&, uint32_t attempt) {
+  const int32_t speed_bps = IsAtPowerOnSpeed(attempt) ? kPowerOnSpeed_bps : globals.deviceBaud;
+  return OpenAtSpeed(state.devicePortName, speed_bps);
+}
+
+bool IsSameDevice(const LiveStart& start, const DeviceSettings& told) {
+  if (start.deviceFamily != DeviceFamily::first) return told.identifierWord == start.settings.identifierWord;
+  return std::strcmp(told.identity, start.settings.identity) == 0;
+}
+
+bool GivesUp(void* worker) {
+  return static_cast<AwayWorker*>(worker)->GivenUp();
+}
+
+// At another speed than the run's: told the run's, which goes into force with its reset. The next attempt
+// finds it there.
+void TellSpeed(DeviceLink& link) {
+  if (SkipReply(link) != LinkResult::success && RequestPrompt(link) != LinkResult::success) return;
+  if (SendSpeed(link, globals.deviceBaud) != LinkResult::success) return;
+  static_cast<void>(SkipReply(link));
+  static_cast<void>(SendCommandNoValue(link, CommandId::reset));
+}
+
+// The device has come to its prompt. `none`: it streams as the run wants it.
+AwayFor Restart(DeviceLink& link, const LiveStart& start) {
+  static_cast<void>(SkipReply(link));  // a prompt that comes late would shift each later reply by one
+  SleepMilliseconds(kPause_ms);
+  DeviceSettings told{};
+  if (!ReadSettingsOf(link, start.deviceFamily, told)) return AwayFor::answer;
+  if (!IsSameDevice(start, told)) return AwayFor::otherDevice;
+  DeviceSettings wanted = start.settings;
+  wanted.simultaneous = start.dual ? 1 : 0;
+  if (WriteChangedSettings(link, start.deviceFamily, wanted, told) != LinkResult::success) {
+    return AwayFor::answer;
+  }
+  StartDevice(link, start.deviceFamily, start.dual, wanted, told);
+  return AwayFor::nothing;
+}
+
+bool RestartDevice(AppState& state, const LiveStart& start, Handle port, uint32_t attempt,
+                   AwayWorker& worker) {
+  const std::unique_ptr<DeviceLink> link(new (std::nothrow) DeviceLink{});
+  if (link == nullptr) return false;
+  link->port = port;
+  link->givesUp = GivesUp;
+  link->givesUpContext = &worker;
+  if (IsAtPowerOnSpeed(attempt)) {
+    TellSpeed(*link);
+    return false;
+  }
+  const AwayFor reason = StopDevice(*link) == LinkResult::success ? Restart(*link, start) : AwayFor::answer;
+  if (worker.GivenUp() || reason == AwayFor::nothing) return reason == AwayFor::nothing;
+  StoreShared(state.linkAway, static_cast<int32_t>(reason));
+  return false;
+}
+
+}  // namespace
+
+const LinkRescue kLinkRescue{OpenAgain, RestartDevice};
+
+}  // namespace tw

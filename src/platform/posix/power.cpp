@@ -1,0 +1,7 @@
+#include "platform/power.h"
+
+namespace tw {
+
+void KeepSystemAwake(bool) {}
+
+}  // namespace tw
