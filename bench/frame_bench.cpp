@@ -61,7 +61,7 @@ std::vector<uint8_t> MakeFrame(size_t count) {
 
 struct Parsed {
   PingHeader header;
-  uint16_t samples[kMaxFrameSamples];
+  uint16_t samples[kFrameBufferSize / 2];
 };
 
 size_t ParseFrame(std::string_view frame, Parsed& parsed) {

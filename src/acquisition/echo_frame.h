@@ -22,9 +22,6 @@ namespace tw {
 inline constexpr size_t kMinFrameHeader = 36;  // so that it tells the sample count
 inline constexpr size_t kMaxFrameHeader = 4'096;
 
-// The most samples a frame can have, those of all channels counted.
-inline constexpr size_t kMaxFrameSamples = (kFrameBufferSize - frame::kSampleGap - kMinFrameHeader) / 2;
-
 extern const FrameFormat kEchoFrames;      // "TR57", with as many channels as the reader is told
 extern const FrameFormat kDualEchoFrames;  // "DUAL", always with one
 

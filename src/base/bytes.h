@@ -1,6 +1,6 @@
-// Little- and big-endian loads and stores at any address. A wire or file layout is a set of offsets that is
-// read and written through these functions, never a cast of a buffer. Any thread; the caller has checked
-// that the bytes exist.
+// Little-endian loads, little- and big-endian stores at any address. A wire or file layout is a set of
+// offsets that is read and written through these functions, never a cast of a buffer. Any thread; the caller
+// has checked that the bytes exist.
 #pragma once
 
 #include <algorithm>
@@ -29,13 +29,6 @@ constexpr T Ordered(T value) {
 }
 
 template <std::integral T, std::endian order>
-[[nodiscard]] constexpr T Load(const uint8_t* bytes) {
-  std::array<uint8_t, sizeof(T)> copy{};
-  std::copy_n(bytes, sizeof(T), copy.begin());
-  return Ordered<T, order>(std::bit_cast<T>(copy));
-}
-
-template <std::integral T, std::endian order>
 constexpr void Store(uint8_t* bytes, T value) {
   const auto copy = std::bit_cast<std::array<uint8_t, sizeof(T)>>(Ordered<T, order>(value));
   std::copy_n(copy.begin(), sizeof(T), bytes);
@@ -45,17 +38,14 @@ constexpr void Store(uint8_t* bytes, T value) {
 
 template <std::integral T>
 [[nodiscard]] constexpr T LoadLe(const uint8_t* bytes) {
-  return bytes_detail::Load<T, std::endian::little>(bytes);
+  std::array<uint8_t, sizeof(T)> copy{};
+  std::copy_n(bytes, sizeof(T), copy.begin());
+  return bytes_detail::Ordered<T, std::endian::little>(std::bit_cast<T>(copy));
 }
 
 template <std::integral T>
 constexpr void StoreLe(uint8_t* bytes, T value) {
   bytes_detail::Store<T, std::endian::little>(bytes, value);
-}
-
-template <std::integral T>
-[[nodiscard]] constexpr T LoadBe(const uint8_t* bytes) {
-  return bytes_detail::Load<T, std::endian::big>(bytes);
 }
 
 template <std::integral T>

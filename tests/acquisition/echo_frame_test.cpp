@@ -19,7 +19,8 @@ using test::With;
 const std::vector<uint16_t> kSamples{1, 1, 1, 1, 4011, 4011, 4011, 4011};
 
 // On the heap and no longer than they are, so that the sanitizers see a read behind the end.
-std::vector<uint16_t> Parse(const std::string& frame, PingHeader& header, size_t room = kMaxFrameSamples) {
+std::vector<uint16_t> Parse(const std::string& frame, PingHeader& header,
+                            size_t room = kFrameBufferSize / 2) {
   const std::vector<char> bytes(frame.begin(), frame.end());
   std::vector<uint16_t> samples(room, 7777);
   samples.resize(ParseEchoFrame({bytes.data(), bytes.size()}, header, samples));

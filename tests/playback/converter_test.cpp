@@ -8,7 +8,6 @@
 #include <string>
 #include <vector>
 
-#include "base/bytes.h"
 #include "platform/file.h"
 #include "playback/segy_format.h"
 #include "playback/text_block.h"
@@ -17,6 +16,13 @@
 
 namespace tw {
 namespace {
+
+template <typename Number>
+Number BigEndian(const uint8_t* bytes) {
+  uint32_t value = 0;
+  for (size_t i = 0; i < sizeof(Number); ++i) value = value << 8 | bytes[i];
+  return static_cast<Number>(value);
+}
 
 TEST(SegyTrace, FieldsAtTheirBounds) {
   constexpr float kInfinity = std::numeric_limits<float>::infinity();
@@ -48,7 +54,7 @@ TEST(SegyTrace, FieldsAtTheirBounds) {
     row.set(ping);
     uint8_t bytes[kSegyTraceHeaderSize];
     BuildSegyTraceHeader(bytes, ping, {1, 0, 1500.0f, false});
-    EXPECT_EQ(LoadBe<int32_t>(bytes + row.byte - 1), row.value) << row.what;
+    EXPECT_EQ(BigEndian<int32_t>(bytes + row.byte - 1), row.value) << row.what;
   }
 }
 
@@ -62,7 +68,7 @@ TEST(SegyTrace, SoundSpeedsThatAreNone) {
   for (const auto& row : rows) {
     uint8_t bytes[kSegyTraceHeaderSize];
     BuildSegyTraceHeader(bytes, ping, {1, 0, row.speed, false});
-    EXPECT_EQ(LoadBe<int16_t>(bytes + 90), row.field) << row.speed;
+    EXPECT_EQ(BigEndian<int16_t>(bytes + 90), row.field) << row.speed;
   }
 }
 
@@ -94,7 +100,7 @@ std::string SegyOf(const std::vector<Ping>& pings) {
 // The big-endian number that begins at a byte of the file, or of a header there; the standard counts from 1.
 template <typename Number>
 Number At(const std::string& segy, size_t byte, size_t header = 0) {
-  return LoadBe<Number>(reinterpret_cast<const uint8_t*>(segy.data()) + header + byte - 1);
+  return BigEndian<Number>(reinterpret_cast<const uint8_t*>(segy.data()) + header + byte - 1);
 }
 constexpr size_t kFirstTrace = 3600;
 
