@@ -40,7 +40,7 @@ void FuzzInfoLine(std::string_view text) {
     return;
   }
   tw::DeviceSettings settings{};
-  tw::ApplyInfoLine(info, settings);
+  tw::ApplyInfoLine(info, tw::FieldChannel::high, settings);
   Require(info.kind <= 10 && std::isfinite(settings.soundSpeed_mps));
   Require(settings.pingInterval_ms >= 0 && settings.pingInterval_ms <= 3'600'000);
   // What was read can be written, and then reads as the same to the last decimal. Rounding may lift a number

@@ -15,42 +15,20 @@ constexpr float kUnknownPower = 100.0f;
 constexpr int32_t kMaxKind = 10;
 constexpr float kMaxInterval_s = 3600.0f;
 
-float Seconds(int32_t interval_ms) {
-  return static_cast<float>(interval_ms) / 1000.0f;
-}
-
-InfoLine HighLine(const DeviceSettings& s, DeviceFamily family, int32_t frequency_hz) {
+InfoLine LineOf(const DeviceSettings& s, DeviceFamily family, FieldChannel channel, int32_t frequency_hz) {
   return {static_cast<int32_t>(family),
           frequency_hz,
-          s.rangeHigh_mm,
-          Seconds(s.pingInterval_ms),
-          s.txLengthHigh,
+          s.*kRangeOf[channel],
+          static_cast<float>(s.pingInterval_ms) / 1000.0f,
+          s.*kTxLengthOf[channel],
           s.txPower,
-          s.gainHigh,
-          s.tvgSpreadingHigh,
-          s.tvgAbsorptionHigh,
-          s.attenuationHigh,
-          s.deadZoneHigh_mm,
-          s.thresholdHigh_percent,
-          s.offsetHigh_mm,
-          s.soundSpeed_mps,
-          s.outputMode};
-}
-
-InfoLine LowLine(const DeviceSettings& s, DeviceFamily family, int32_t frequency_hz) {
-  return {static_cast<int32_t>(family),
-          frequency_hz,
-          s.rangeLow_mm,
-          Seconds(s.pingInterval_ms),
-          s.txLengthLow,
-          s.txPower,
-          s.gainLow,
-          s.tvgSpreadingLow,
-          s.tvgAbsorptionLow,
-          s.attenuationLow,
-          s.deadZoneLow_mm,
-          s.thresholdLow_percent,
-          s.offsetLow_mm,
+          s.*kGainOf[channel],
+          s.*kTvgSpreadingOf[channel],
+          s.*kTvgAbsorptionOf[channel],
+          s.*kAttenuationOf[channel],
+          s.*kDeadZoneOf[channel],
+          s.*kThresholdOf[channel],
+          s.*kOffsetOf[channel],
           s.soundSpeed_mps,
           s.outputMode};
 }
@@ -96,20 +74,20 @@ size_t FormatInfoLine(std::span<char> text, const InfoLine& info) {
 int MakeInfoLines(const DeviceSettings& settings, DeviceFamily family, int32_t channelFrequency_hz,
                   bool bothChannels, InfoLine (&lines)[2]) {
   if (family != DeviceFamily::first) {
-    lines[0] =
-        HighLine(settings, family,
-                 family == DeviceFamily::third ? kThirdFamilyFrequency_hz : settings.frequencyInUse_hz);
+    const bool third = family == DeviceFamily::third;
+    lines[0] = LineOf(settings, family, FieldChannel::high,
+                      third ? kThirdFamilyFrequency_hz : settings.frequencyInUse_hz);
     lines[0].txPower = kUnknownPower;
     return 1;
   }
   const int32_t high_hz = settings.virtualHighFrequency_hz;
   if (bothChannels) {
-    lines[0] = HighLine(settings, family, high_hz);
-    lines[1] = LowLine(settings, family, settings.virtualLowFrequency_hz);
+    lines[0] = LineOf(settings, family, FieldChannel::high, high_hz);
+    lines[1] = LineOf(settings, family, FieldChannel::low, settings.virtualLowFrequency_hz);
     return 2;
   }
-  lines[0] = channelFrequency_hz == high_hz ? HighLine(settings, family, channelFrequency_hz)
-                                            : LowLine(settings, family, channelFrequency_hz);
+  const FieldChannel channel = channelFrequency_hz == high_hz ? FieldChannel::high : FieldChannel::low;
+  lines[0] = LineOf(settings, family, channel, channelFrequency_hz);
   return 1;
 }
 
@@ -143,33 +121,24 @@ bool ParseInfoLine(std::string_view text, InfoLine& info) {
   return true;
 }
 
-void ApplyInfoLine(const InfoLine& info, DeviceSettings& settings) {
+void ApplyInfoLine(const InfoLine& info, FieldChannel channel, DeviceSettings& settings) {
+  settings.*kRangeOf[channel] = info.range_mm;
+  settings.*kTxLengthOf[channel] = info.txLength;
+  settings.*kGainOf[channel] = info.gain;
+  settings.*kTvgSpreadingOf[channel] = info.tvgSpreading;
+  settings.*kTvgAbsorptionOf[channel] = info.tvgAbsorption;
+  settings.*kAttenuationOf[channel] = info.attenuation;
+  settings.*kDeadZoneOf[channel] = info.deadZone_mm;
+  settings.*kThresholdOf[channel] = info.threshold_percent;
+  settings.*kOffsetOf[channel] = info.offset_mm;
+  if (channel == FieldChannel::low) {
+    settings.lowFrequency_hz = info.frequency_hz;
+    return;
+  }
   settings.frequencyInUse_hz = info.frequency_hz;
-  settings.rangeHigh_mm = info.range_mm;
   settings.pingInterval_ms = static_cast<int32_t>(info.interval_s * 1000.0f);
-  settings.txLengthHigh = info.txLength;
   settings.txPower = info.txPower;
-  settings.gainHigh = info.gain;
-  settings.tvgSpreadingHigh = info.tvgSpreading;
-  settings.tvgAbsorptionHigh = info.tvgAbsorption;
-  settings.attenuationHigh = info.attenuation;
-  settings.deadZoneHigh_mm = info.deadZone_mm;
-  settings.thresholdHigh_percent = info.threshold_percent;
-  settings.offsetHigh_mm = info.offset_mm;
   settings.soundSpeed_mps = info.soundSpeed_mps;
-}
-
-void ApplyLowInfoLine(const InfoLine& info, DeviceSettings& settings) {
-  settings.lowFrequency_hz = info.frequency_hz;
-  settings.rangeLow_mm = info.range_mm;
-  settings.txLengthLow = info.txLength;
-  settings.gainLow = info.gain;
-  settings.tvgSpreadingLow = info.tvgSpreading;
-  settings.tvgAbsorptionLow = info.tvgAbsorption;
-  settings.attenuationLow = info.attenuation;
-  settings.deadZoneLow_mm = info.deadZone_mm;
-  settings.offsetLow_mm = info.offset_mm;
-  settings.thresholdLow_percent = info.threshold_percent;
 }
 
 }  // namespace tw

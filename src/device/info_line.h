@@ -54,10 +54,8 @@ void WriteInfoLine(const DeviceSettings& settings, DeviceFamily family, Handle& 
 // field is missing. Pure.
 [[nodiscard]] bool ParseInfoLine(std::string_view text, InfoLine& info);
 
-// Takes a line that was read over into the settings: the high values. The output mode is the caller's.
-void ApplyInfoLine(const InfoLine& info, DeviceSettings& settings);
-
-// Takes the line of a dual recording's low channel over: its frequency, and what each channel has of its own.
-void ApplyLowInfoLine(const InfoLine& info, DeviceSettings& settings);
+// Takes a line that was read over into the settings: what each channel has of its own, with the low channel
+// its frequency, else what stands for both. The output mode is the caller's.
+void ApplyInfoLine(const InfoLine& info, FieldChannel channel, DeviceSettings& settings);
 
 }  // namespace tw

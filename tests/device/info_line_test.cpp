@@ -142,8 +142,9 @@ TEST(InfoLine, WhatIsNoLineChangesNothing) {
 TEST(InfoLine, FillsTheSettingsOfItsChannel) {
   DeviceSettings settings{};
   ApplyInfoLine({1, 450'000, 30'000, 0.25f, 42, 87.25f, -3.5f, 20, 0.14f, 2, 152, 22, 12, 1487.65f, 4},
+                FieldChannel::high, settings);
+  ApplyInfoLine({1, 200'000, 60'000, 9, 41, 9, 2.5f, 15, 0.08f, 1, 151, 21, -11, 9, 9}, FieldChannel::low,
                 settings);
-  ApplyLowInfoLine({1, 200'000, 60'000, 9, 41, 9, 2.5f, 15, 0.08f, 1, 151, 21, -11, 9, 9}, settings);
   DeviceSettings expected = SampleSettings();  // without what no line tells
   expected.frequencyInUse_hz = 450'000;
   expected.outputMode = 0;

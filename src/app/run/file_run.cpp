@@ -133,12 +133,12 @@ void TakeSettings(AppState& state, const OpenedRecording& file) {
   StoreShared(globals.deviceFamily, static_cast<int32_t>(told.family));
   state.settings.outputMode = told.outputMode;
   if (!told.info) return TakeRange(state, file.range_m);
-  ApplyInfoLine(*told.info, state.settings);
+  ApplyInfoLine(*told.info, FieldChannel::high, state.settings);
   const OutputModeRow* const mode = FindMode(told.family, told.info->outputMode);
   state.settings.outputMode = mode == nullptr ? told.info->outputMode : mode->Played();
   // A view of the low frequency alone goes by the low channel's values.
   if (told.info->frequency_hz == state.settings.lowFrequency_hz) {
-    ApplyLowInfoLine(*told.info, state.settings);
+    ApplyInfoLine(*told.info, FieldChannel::low, state.settings);
   }
   state.displayRangeUpper = RangeInMillimetres(told.info->range_mm);
   state.displayRangeLower = state.displayRangeUpper;
@@ -147,7 +147,7 @@ void TakeSettings(AppState& state, const OpenedRecording& file) {
 // The low channel's: the second line of a file of both channels, or the line of a pair's second file.
 void TakeLowSettings(AppState& state, const std::optional<InfoLine>& low) {
   if (!low) return;
-  ApplyLowInfoLine(*low, state.settings);
+  ApplyInfoLine(*low, FieldChannel::low, state.settings);
   state.displayRangeLower = RangeInMillimetres(low->range_mm);
 }
 

@@ -36,10 +36,8 @@ struct Row {
   FieldKind kind;
   uint8_t shown;
   Unit unit;
-  int32_t S::*wholeLow;  // of a common value both are the same
-  int32_t S::*wholeHigh;
-  float S::*realLow;
-  float S::*realHigh;
+  WholeFields whole;  // where a whole number stands
+  RealFields real;    // or a real one
   double lowest;
   double highest;  // 0: depends on the device
   int decimals;    // shown at least; none: whole numbers only
@@ -50,28 +48,28 @@ using F = SettingsField;
 
 // clang-format off
 constexpr Row kRows[kSettingsFields] = {
-    {F::range, L"&Range [m]", combo, kTold, Unit::metresOfMillimetres, &S::rangeLow_mm, &S::rangeHigh_mm, nullptr, nullptr, 1, 0, 0},
-    {F::interval, L"Ping &interval [s]", combo, kTold, Unit::secondsOfMilliseconds, &S::pingInterval_ms, &S::pingInterval_ms, nullptr, nullptr, 0, 10, 2},
-    {F::outputMode, L"&Output mode", combo, kTold, Unit::mode, &S::outputMode, &S::outputMode, nullptr, nullptr, 0, 0, 0},
-    {F::txLength, L"Transmit &length [\u00B5s]", edit, kTold, Unit::asStored, &S::txLengthLow, &S::txLengthHigh, nullptr, nullptr, 1, 0, 0},
-    {F::txPower, L"Transmit &power [%]", edit, kFirst | kPlayed, Unit::asStored, nullptr, nullptr, &S::txPower, &S::txPower, 0, 100, 1},
-    {F::gain, L"&Gain [dB]", edit, kTold, Unit::asStored, nullptr, nullptr, &S::gainLow, &S::gainHigh, -60, 60, 1},
-    {F::tvgMode, L"TVG &mode", combo, kFirst | kSecond, Unit::asStored, &S::tvgMode, &S::tvgMode, nullptr, nullptr, 0, 3, 0},
-    {F::tvgSpreading, L"TVG &spreading [dB/decade]", edit, kFirst | kSecond | kPlayed, Unit::asStored, nullptr, nullptr, &S::tvgSpreadingLow, &S::tvgSpreadingHigh, 0, 60, 1},
-    {F::tvgAbsorption, L"TVG &absorption [dB/m]", edit, kFirst | kSecond | kPlayed, Unit::asStored, nullptr, nullptr, &S::tvgAbsorptionLow, &S::tvgAbsorptionHigh, 0, 2, 2},
-    {F::attenuation, L"Atte&nuation", edit, kFirst | kPlayed, Unit::asStored, &S::attenuationLow, &S::attenuationHigh, nullptr, nullptr, 0, 100, 0},
-    {F::deadZone, L"&Dead zone [mm]", edit, kTold, Unit::asStored, &S::deadZoneLow_mm, &S::deadZoneHigh_mm, nullptr, nullptr, 0, 0, 0},
-    {F::offset, L"O&ffset [mm]", edit, kTold, Unit::asStored, &S::offsetLow_mm, &S::offsetHigh_mm, nullptr, nullptr, -10000, 10000, 0},
-    {F::threshold, L"&Threshold [%]", edit, kTold, Unit::asStored, &S::thresholdLow_percent, &S::thresholdHigh_percent, nullptr, nullptr, 0, 100, 0},
-    {F::soundSpeed, L"Speed of so&und [m/s]", edit, kTold, Unit::asStored, nullptr, nullptr, &S::soundSpeed_mps, &S::soundSpeed_mps, 1300, 1700, 1},
-    {F::medianFilter, L"Median filt&er [pings]", edit, kFirst | kSecond, Unit::asStored, &S::medianFilter, &S::medianFilter, nullptr, nullptr, 1, 31, 0},
-    {F::movingAverage, L"Moving a&verage [pings]", edit, kFirst | kSecond, Unit::asStored, &S::movingAverageFilter, &S::movingAverageFilter, nullptr, nullptr, 1, 31, 0},
-    {F::outputRate, L"Output rate [&Hz]", edit, kFirst, Unit::asStored, nullptr, nullptr, &S::outputRate, &S::outputRate, 0, 100, 2},
-    {F::identity, L"Identity", shown, kAll, Unit::text, nullptr, nullptr, nullptr, nullptr, 0, 0, 0},
-    {F::firmware, L"Firmware", shown, kAll, Unit::text, nullptr, nullptr, nullptr, nullptr, 0, 0, 0},
-    {F::interfaceType, L"Interface", shown, kAll, Unit::text, nullptr, nullptr, nullptr, nullptr, 0, 0, 0},
-    {F::sampling, L"Sampling [Hz]", shown, kAll, Unit::text, nullptr, nullptr, nullptr, nullptr, 0, 0, 0},
-    {F::smoothing, L"Smoothing", shown, kAll, Unit::text, nullptr, nullptr, nullptr, nullptr, 0, 0, 0},
+    {F::range, L"&Range [m]", combo, kTold, Unit::metresOfMillimetres, kRangeOf, {}, 1, 0, 0},
+    {F::interval, L"Ping &interval [s]", combo, kTold, Unit::secondsOfMilliseconds, {&S::pingInterval_ms}, {}, 0, 10, 2},
+    {F::outputMode, L"&Output mode", combo, kTold, Unit::mode, {&S::outputMode}, {}, 0, 0, 0},
+    {F::txLength, L"Transmit &length [\u00B5s]", edit, kTold, Unit::asStored, kTxLengthOf, {}, 1, 0, 0},
+    {F::txPower, L"Transmit &power [%]", edit, kFirst | kPlayed, Unit::asStored, {}, {&S::txPower}, 0, 100, 1},
+    {F::gain, L"&Gain [dB]", edit, kTold, Unit::asStored, {}, kGainOf, -60, 60, 1},
+    {F::tvgMode, L"TVG &mode", combo, kFirst | kSecond, Unit::asStored, {&S::tvgMode}, {}, 0, 3, 0},
+    {F::tvgSpreading, L"TVG &spreading [dB/decade]", edit, kFirst | kSecond | kPlayed, Unit::asStored, {}, kTvgSpreadingOf, 0, 60, 1},
+    {F::tvgAbsorption, L"TVG &absorption [dB/m]", edit, kFirst | kSecond | kPlayed, Unit::asStored, {}, kTvgAbsorptionOf, 0, 2, 2},
+    {F::attenuation, L"Atte&nuation", edit, kFirst | kPlayed, Unit::asStored, kAttenuationOf, {}, 0, 100, 0},
+    {F::deadZone, L"&Dead zone [mm]", edit, kTold, Unit::asStored, kDeadZoneOf, {}, 0, 0, 0},
+    {F::offset, L"O&ffset [mm]", edit, kTold, Unit::asStored, kOffsetOf, {}, -10000, 10000, 0},
+    {F::threshold, L"&Threshold [%]", edit, kTold, Unit::asStored, kThresholdOf, {}, 0, 100, 0},
+    {F::soundSpeed, L"Speed of so&und [m/s]", edit, kTold, Unit::asStored, {}, {&S::soundSpeed_mps}, 1300, 1700, 1},
+    {F::medianFilter, L"Median filt&er [pings]", edit, kFirst | kSecond, Unit::asStored, {&S::medianFilter}, {}, 1, 31, 0},
+    {F::movingAverage, L"Moving a&verage [pings]", edit, kFirst | kSecond, Unit::asStored, {&S::movingAverageFilter}, {}, 1, 31, 0},
+    {F::outputRate, L"Output rate [&Hz]", edit, kFirst, Unit::asStored, {}, {&S::outputRate}, 0, 100, 2},
+    {F::identity, L"Identity", shown, kAll, Unit::text, {}, {}, 0, 0, 0},
+    {F::firmware, L"Firmware", shown, kAll, Unit::text, {}, {}, 0, 0, 0},
+    {F::interfaceType, L"Interface", shown, kAll, Unit::text, {}, {}, 0, 0, 0},
+    {F::sampling, L"Sampling [Hz]", shown, kAll, Unit::text, {}, {}, 0, 0, 0},
+    {F::smoothing, L"Smoothing", shown, kAll, Unit::text, {}, {}, 0, 0, 0},
 };
 // clang-format on
 
@@ -93,22 +91,13 @@ const Row& RowOf(SettingsField field) {
   return kRows[static_cast<size_t>(field)];
 }
 
-bool IsLow(FieldChannel channel) {
-  return channel == FieldChannel::low;
-}
-
 // Shown as it is stored: 12.5 is no value of it, though 12.5 m is one of millimetres.
 bool IsWholeNumber(const Row& row) {
-  return row.unit == Unit::asStored && row.wholeLow != nullptr;
-}
-
-int32_t Whole(const Row& row, FieldChannel channel, const S& settings) {
-  return settings.*(IsLow(channel) ? row.wholeLow : row.wholeHigh);
+  return row.unit == Unit::asStored && row.whole.low != nullptr;
 }
 
 int32_t MaxRange_mm(FieldChannel channel, const S& settings) {
-  const int32_t reported =
-      RangeInMillimetres(IsLow(channel) ? settings.maxRangeLow_mm : settings.maxRangeHigh_mm);
+  const int32_t reported = RangeInMillimetres(settings.*kMaxRangeOf[channel]);
   return reported <= 0 ? kDefaultMaxRange_mm : reported;
 }
 
@@ -125,12 +114,11 @@ Limits LimitsOf(const Row& row, FieldChannel channel, const FormFacts& facts, co
     case F::interval:
       return {facts.family == DeviceFamily::first ? kShortestInterval_ms / 1000.0 : 0.0, row.highest};
     case F::txLength: {
-      const int32_t reported = IsLow(channel) ? settings.maxLengthLow : settings.maxLengthHigh;
+      const int32_t reported = settings.*kMaxLengthOf[channel];
       return {row.lowest, static_cast<double>(reported <= 0 ? kDefaultMaxLength : reported)};
     }
     case F::deadZone:
-      return {row.lowest, static_cast<double>(RangeInMillimetres(IsLow(channel) ? settings.rangeLow_mm
-                                                                                : settings.rangeHigh_mm))};
+      return {row.lowest, static_cast<double>(RangeInMillimetres(settings.*kRangeOf[channel]))};
     default:
       return {row.lowest, row.highest};
   }
@@ -210,9 +198,8 @@ void SetError(const Row& row, FieldChannel channel, const FormFacts& facts, cons
   while (size > 0 && name[size - 1] == L' ') --size;
   char narrow[2 * kFieldTextSize];
   NarrowText(narrow, {name, size});
-  const bool both = facts.dual && row.wholeLow != row.wholeHigh;
-  const bool bothReal = facts.dual && row.realLow != row.realHigh;
-  const char* const side = !(both || bothReal) ? "" : IsLow(channel) ? " (low)" : " (high)";
+  const bool ofOne = facts.dual && IsPerChannel(row.field);
+  const char* const side = !ofOne ? "" : channel == FieldChannel::low ? " (low)" : " (high)";
   wchar_t low[kFieldTextSize];
   wchar_t high[kFieldTextSize];
   FormatNumber(limits.lowest, row.decimals, low);
@@ -225,28 +212,20 @@ void SetError(const Row& row, FieldChannel channel, const FormFacts& facts, cons
   FormatWide(error, "Value of %s%s must be %sfrom %s to %s.", narrow, side, kind, lowText, highText);
 }
 
-void StoreWhole(const Row& row, FieldChannel channel, int32_t value, S& settings) {
-  settings.*(IsLow(channel) ? row.wholeLow : row.wholeHigh) = value;
-}
-
 // Firmware that tells ranges in metres takes them in metres.
 int32_t RangeForDevice(int32_t range_mm, int32_t reported) {
   return RangeInMillimetres(reported) == reported ? range_mm : (range_mm + 500) / 1000;
 }
 
 void Store(const Row& row, FieldChannel channel, double value, S& settings) {
-  switch (row.unit) {
-    case Unit::metresOfMillimetres: {
-      const auto range_mm = static_cast<int32_t>(std::lround(value * 1000.0));
-      return StoreWhole(row, channel, RangeForDevice(range_mm, Whole(row, channel, settings)), settings);
-    }
-    case Unit::secondsOfMilliseconds:
-      return StoreWhole(row, channel, static_cast<int32_t>(std::lround(value * 1000.0)), settings);
-    default:
-      break;
+  if (row.whole.low == nullptr) {
+    settings.*row.real[channel] = static_cast<float>(value);
+    return;
   }
-  if (row.wholeLow != nullptr) return StoreWhole(row, channel, static_cast<int32_t>(value), settings);
-  settings.*(IsLow(channel) ? row.realLow : row.realHigh) = static_cast<float>(value);
+  // Metres and seconds are entered, thousandths stored.
+  const auto whole = static_cast<int32_t>(std::lround(row.unit == Unit::asStored ? value : value * 1000.0));
+  int32_t& stored = settings.*row.whole[channel];
+  stored = row.unit == Unit::metresOfMillimetres ? RangeForDevice(whole, stored) : whole;
 }
 
 }  // namespace
@@ -275,7 +254,7 @@ FieldKind KindOf(SettingsField field) {
 
 bool IsPerChannel(SettingsField field) {
   const Row& row = RowOf(field);
-  return row.wholeLow != row.wholeHigh || row.realLow != row.realHigh;
+  return row.whole.low != row.whole.high || row.real.low != row.real.high;
 }
 
 const wchar_t* LabelOf(SettingsField field) {
@@ -311,17 +290,16 @@ void FormatField(SettingsField field, FieldChannel channel, const FormFacts& fac
     case Unit::mode:
       return FormatMode(facts.family, settings.outputMode, text);
     case Unit::metresOfMillimetres:
-      return FormatNumber(RangeInMillimetres(Whole(row, channel, settings)) / 1000.0, row.decimals, text);
+      return FormatNumber(RangeInMillimetres(settings.*row.whole[channel]) / 1000.0, row.decimals, text);
     case Unit::secondsOfMilliseconds:
-      return FormatInterval(Whole(row, channel, settings), text);
+      return FormatInterval(settings.*row.whole[channel], text);
     case Unit::asStored:
       break;
   }
-  if (row.wholeLow != nullptr) {
-    FormatWide(text, "%" PRId32, Whole(row, channel, settings));
+  if (row.whole.low != nullptr) {
+    FormatWide(text, "%" PRId32, settings.*row.whole[channel]);
   } else {
-    FormatNumber(static_cast<double>(settings.*(IsLow(channel) ? row.realLow : row.realHigh)), row.decimals,
-                 text);
+    FormatNumber(static_cast<double>(settings.*row.real[channel]), row.decimals, text);
   }
 }
 
@@ -332,7 +310,7 @@ void ListItems(SettingsField field, FieldChannel channel, const FormFacts& facts
   switch (field) {
     case F::range:
       return AddValues(items, DisplayRangeSteps, MaxRange_mm(channel, settings),
-                       RangeInMillimetres(Whole(row, channel, settings)),
+                       RangeInMillimetres(settings.*row.whole[channel]),
                        [](int32_t value, std::span<wchar_t> text) { FormatNumber(value / 1000.0, 0, text); });
     case F::interval:
       return AddValues(items, kIntervals_ms, kIntervals_ms[std::size(kIntervals_ms) - 1],

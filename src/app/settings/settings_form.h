@@ -17,8 +17,6 @@ namespace tw {
 
 enum class SettingsForm : uint8_t { single, dual, detail };
 
-enum class FieldChannel : uint8_t { common, low, high };
-
 enum class FieldKind : uint8_t { edit, combo, shown };
 
 // In the order in which a form shows them.

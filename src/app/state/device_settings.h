@@ -65,6 +65,37 @@ struct DeviceSettings {
   int32_t preset;
 };
 
+enum class FieldChannel : uint8_t { common, low, high };
+
+// Where a value of the low and of the high channel stands: settings.*kRangeOf[FieldChannel::low]. Of a common
+// value both places are the same.
+template <typename T>
+struct FieldPair {
+  T DeviceSettings::*low = nullptr;
+  T DeviceSettings::*high = low;
+
+  constexpr T DeviceSettings::*operator[](FieldChannel channel) const {
+    return channel == FieldChannel::low ? low : high;
+  }
+};
+using WholeFields = FieldPair<int32_t>;
+using RealFields = FieldPair<float>;
+
+// clang-format off
+inline constexpr WholeFields kFrequencyOf{&DeviceSettings::lowFrequency_hz, &DeviceSettings::highFrequency_hz};
+inline constexpr WholeFields kRangeOf{&DeviceSettings::rangeLow_mm, &DeviceSettings::rangeHigh_mm};
+inline constexpr WholeFields kMaxRangeOf{&DeviceSettings::maxRangeLow_mm, &DeviceSettings::maxRangeHigh_mm};
+inline constexpr WholeFields kTxLengthOf{&DeviceSettings::txLengthLow, &DeviceSettings::txLengthHigh};
+inline constexpr WholeFields kMaxLengthOf{&DeviceSettings::maxLengthLow, &DeviceSettings::maxLengthHigh};
+inline constexpr WholeFields kAttenuationOf{&DeviceSettings::attenuationLow, &DeviceSettings::attenuationHigh};
+inline constexpr WholeFields kDeadZoneOf{&DeviceSettings::deadZoneLow_mm, &DeviceSettings::deadZoneHigh_mm};
+inline constexpr WholeFields kOffsetOf{&DeviceSettings::offsetLow_mm, &DeviceSettings::offsetHigh_mm};
+inline constexpr WholeFields kThresholdOf{&DeviceSettings::thresholdLow_percent, &DeviceSettings::thresholdHigh_percent};
+inline constexpr RealFields kGainOf{&DeviceSettings::gainLow, &DeviceSettings::gainHigh};
+inline constexpr RealFields kTvgSpreadingOf{&DeviceSettings::tvgSpreadingLow, &DeviceSettings::tvgSpreadingHigh};
+inline constexpr RealFields kTvgAbsorptionOf{&DeviceSettings::tvgAbsorptionLow, &DeviceSettings::tvgAbsorptionHigh};
+// clang-format on
+
 // What the settings hold until a device has answered, and where its identification begins: what it does not
 // tell is never what another one or a played file has told.
 [[nodiscard]] constexpr DeviceSettings StartUpSettings() {

@@ -116,7 +116,8 @@ TEST_F(IdentificationTest, NothingOfADeviceOrFileBeforeIsTakenForThisOnes) {
     const Known fresh = Identify(old);
     const std::string commands = Commands();
     EXPECT_NE(Identify(other), fresh);
-    ApplyInfoLine({1, 123'000, 7'000, 0.5f, 77, 3, 4, 5, 6, 7, 8, 9, 10, 1'400, 4}, state_->settings);
+    ApplyInfoLine({1, 123'000, 7'000, 0.5f, 77, 3, 4, 5, 6, 7, 8, 9, 10, 1'400, 4}, FieldChannel::high,
+                  state_->settings);
     const Known after = Identify(old);
     EXPECT_TRUE(after.settings == fresh.settings);
     EXPECT_EQ(after.beside, fresh.beside);
