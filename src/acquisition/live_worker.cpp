@@ -28,9 +28,12 @@ constexpr uint32_t kTick_ms = 100;
 
 // What the worker knows of one channel.
 struct Channel {
+  Channel(AppState& state, RecordChannel channel)
+      : record(channel), shared(ChannelOf(state, channel)), ring(WriterOfRing(state, channel)) {}
+
   RecordChannel record;
+  ChannelView shared;
   RingWriter ring;
-  MarkList& marks;
   uint32_t previous_ms = 0;
   uint32_t interval_ms = 0;  // measured; 0 until two pings have come
   bool begun = false;
@@ -67,12 +70,7 @@ class LiveRun final : private AwayWorker {
         source_(start.port),
         lastPing_ms_(MillisecondClock()),
         reader_(form_.makeReader()),
-        channels_{{RecordChannel::a,
-                   {state.ringA, &state.ringIndexA, &state.ringTimeA, &state.ringLockA, globals.slotReachA},
-                   globals.marksA},
-                  {RecordChannel::b,
-                   {state.ringB, &state.ringIndexB, &state.ringTimeB, &state.ringLockB, globals.slotReachB},
-                   globals.marksB}},
+        channels_{{state, RecordChannel::a}, {state, RecordChannel::b}},
         report_(state) {
     // A stream that sends no attitude shows none.
     ping_.header.pitch_deg = kNoAttitude;
@@ -91,12 +89,7 @@ class LiveRun final : private AwayWorker {
 
  private:
   void Begin() {
-    int32_t index = 0;
-    {
-      Locked held(state_.ringLockA);
-      index = state_.ringIndexA;
-    }
-    MoveRing(channels_[1].ring, index);
+    MoveRing(channels_[1].ring, IndexOf(channels_[0].ring));
     StoreShared(globals.attitudePresent, 1);
   }
 
@@ -241,7 +234,7 @@ class LiveRun final : private AwayWorker {
     const int64_t ringTime = StorePing(channel.ring, image_, now_ms);
     Publish(channel);
     if (LoadShared(globals.timestampTicked) != 0) {
-      AddMark(channel.marks, MarksOf(channel), {ping_.header.timeOfWork_s, ringTime});
+      AddMark(channel.shared.marks, MarksOf(channel), {ping_.header.timeOfWork_s, ringTime});
     }
   }
 
@@ -268,10 +261,8 @@ class LiveRun final : private AwayWorker {
   }
 
   [[nodiscard]] float RangeOf(const Channel& channel) const {
-    const bool low =
-        context_.dual ? channel.record == RecordChannel::b : UsesLowChannel(settings_, deviceFamily_);
-    return static_cast<float>(RangeInMillimetres(low ? settings_.rangeLow_mm : settings_.rangeHigh_mm)) /
-           1000.0f;
+    const FieldChannel fields = FieldsOf(channel.record, context_.dual, settings_, deviceFamily_);
+    return static_cast<float>(RangeInMillimetres(settings_.*kRangeOf[fields])) / 1000.0f;
   }
 
   // Copies the position into the ping and builds its sentences at the place behind the block; returns their
@@ -292,9 +283,7 @@ class LiveRun final : private AwayWorker {
 
   void Publish(const Channel& channel) const {
     StoreShared(globals.pingCounter, ping_.header.ping);
-    StoreShared(
-        channel.record == RecordChannel::a ? globals.latestAltitudeHigh_m : globals.latestAltitudeLow_m,
-        ping_.header.altitude_m);
+    StoreShared(channel.shared.latestAltitude_m, ping_.header.altitude_m);
   }
 
   // All of a ping in one write, so that nothing can come between its parts.

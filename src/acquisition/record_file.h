@@ -9,10 +9,9 @@
 #include <span>
 
 #include "app/state/app_state.h"
+#include "app/state/record_channel.h"
 
 namespace tw {
-
-enum class RecordChannel : uint8_t { a, b };
 
 // Puts an open file into the field; a file that stood there is closed. GUI thread.
 void PutRecordFile(AppState& state, RecordChannel channel, Handle file);

@@ -52,6 +52,11 @@ uint32_t TakeTicks(RingWriter& writer, uint32_t now_ms) {
 
 static_assert(kSlotSize <= UINT16_MAX);
 
+RingWriter WriterOfRing(AppState& state, RecordChannel channel) {
+  const ChannelView of = ChannelOf(state, channel);
+  return {of.ring, &of.ringIndex, &of.ringTime, &of.ringLock, of.slotReach};
+}
+
 void SlotImage::Build(const PingHeader& header, std::span<const uint16_t> samples, uint16_t factor) {
   Build(header, samples, factor, GridRepeat(header.samplingFrequency_hz));
 }
@@ -76,11 +81,7 @@ std::span<const uint16_t> SlotImage::OntoGrid(std::span<const uint16_t> samples,
 }
 
 int64_t StorePing(RingWriter& writer, const SlotImage& image, uint32_t now_ms) {
-  int32_t index = 0;
-  {
-    Locked held(*writer.lock);
-    index = *writer.index;
-  }
+  const int32_t index = IndexOf(writer);
   const uint32_t ticks = TakeTicks(writer, now_ms);
   FillSlot(writer, static_cast<size_t>(index), image.bytes, image.reach);
   const uint32_t copies = std::min<uint32_t>(ticks, kRingSlots - 1);
@@ -90,6 +91,11 @@ int64_t StorePing(RingWriter& writer, const SlotImage& image, uint32_t now_ms) {
   Locked held(*writer.lock);
   *writer.index = static_cast<int32_t>((static_cast<uint64_t>(index) + ticks) % kRingSlots);
   return *writer.time += ticks;
+}
+
+int32_t IndexOf(const RingWriter& writer) {
+  Locked held(*writer.lock);
+  return *writer.index;
 }
 
 void MoveRing(const RingWriter& writer, int32_t index) {

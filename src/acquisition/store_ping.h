@@ -7,6 +7,7 @@
 #include <span>
 
 #include "acquisition/ping_ring.h"
+#include "app/state/record_channel.h"
 #include "platform/sync.h"
 
 namespace tw {
@@ -22,6 +23,8 @@ struct RingWriter {
   uint32_t remainder_ms = 0;
   bool begun = false;
 };
+
+[[nodiscard]] RingWriter WriterOfRing(AppState& state, RecordChannel channel);
 
 // One slot's bytes, built aside.
 struct SlotImage {
@@ -50,6 +53,9 @@ struct SlotImage {
 // Returns the ring's time at which the ping is published: a slot whose time is 10,000 or more behind the
 // ring's has been written again.
 int64_t StorePing(RingWriter& writer, const SlotImage& image, uint32_t now_ms);
+
+// The slot that the next ping goes to.
+[[nodiscard]] int32_t IndexOf(const RingWriter& writer);
 
 // The next ping goes to another slot, 0 to 9,999. Nothing is written; the ring's time goes on as far as the
 // index does, forwards.

@@ -114,7 +114,7 @@ void ZoomTimeScale(AppState& state, WheelTurn turn) {
 }
 
 void ZoomRange(AppState& state, PanelPlace place, WheelTurn turn) {
-  int32_t& range_mm = place == PanelPlace::lower ? state.displayRangeLower : state.displayRangeUpper;
+  int32_t& range_mm = ChannelOf(state, RecordChannelOf(place)).displayRange_mm;
   range_mm = ZoomedRange(range_mm, DeviceRangeOf(ShownSettings(state), place), turn);
 }
 

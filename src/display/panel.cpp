@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <type_traits>
 
 #include "acquisition/output_mode.h"
 #include "acquisition/ping_line.h"
@@ -22,10 +23,8 @@ bool IsOpen(const Handle& file) {
   return handle != Handle::null && handle != Handle::invalid;
 }
 
-// A single-channel run that uses the low frequency shows that channel's values.
-bool ShowsLowChannel(const DeviceSettings& settings, PanelPlace place) {
-  if (place == PanelPlace::single) return UsesLowChannel(settings, FamilyInUse());
-  return place == PanelPlace::lower;
+FieldChannel FieldsOf(const DeviceSettings& settings, PanelPlace place) {
+  return FieldsOf(RecordChannelOf(place), place != PanelPlace::single, settings, FamilyInUse());
 }
 
 // Background, and the image's place left out: that is painted whole anyway.
@@ -89,36 +88,32 @@ const DeviceSettings& ShownSettings(const AppState& state) {
 }
 
 PanelSource DescribePanel(AppState& state, PanelPlace place) {
-  const bool isLower = place == PanelPlace::lower;
+  const ChannelView channel = ChannelOf(state, RecordChannelOf(place));
   const DeviceSettings& settings = ShownSettings(state);
-  const bool isLow = ShowsLowChannel(settings, place);
+  const FieldChannel fields = FieldsOf(settings, place);
   // One file may hold both channels; then nothing else is open for the lower panel.
-  const bool isPlayed = IsOpen(state.inputFileA) || (isLower && IsOpen(state.inputFileB));
-  const int32_t timeScale_s = isLower ? state.timeScaleLower : state.timeScaleUpper;
+  const bool isPlayed = IsOpen(state.inputFileA) || IsOpen(channel.inputFile);
   const bool sharesPings = place != PanelPlace::single && !isPlayed;  // two channels, one ping rate
   PanelSource source{};
   source.palette = &state.palette;
-  source.ring = isLower ? state.ringB : state.ringA;
+  source.ring = channel.ring;
   {
-    const Locked locked(isLower ? state.ringLockB : state.ringLockA);
-    source.scale.newest = isLower ? state.ringIndexB : state.ringIndexA;
-    source.ringTime = isLower ? state.ringTimeB : state.ringTimeA;
+    const Locked locked(channel.ringLock);
+    source.scale.newest = channel.ringIndex;
+    source.ringTime = channel.ringTime;
   }
-  source.scale.timeScale_s = sharesPings ? timeScale_s / 2 : timeScale_s;
-  source.scale.range_mm = isLower ? state.displayRangeLower : state.displayRangeUpper;
+  source.scale.timeScale_s = sharesPings ? channel.timeScale_s / 2 : channel.timeScale_s;
+  source.scale.range_mm = channel.displayRange_mm;
   source.scale.soundSpeed_mps = settings.soundSpeed_mps;
-  source.labelledTimeScale_s = timeScale_s;
-  source.frequency_hz = isLow ? settings.lowFrequency_hz : settings.highFrequency_hz;
-  if (isPlayed) {
-    source.frequency_hz = LoadShared(isLower ? globals.playedFrequencyB_hz : globals.playedFrequencyA_hz);
-  }
-  source.threshold_percent = isLow ? settings.thresholdLow_percent : settings.thresholdHigh_percent;
+  source.labelledTimeScale_s = channel.timeScale_s;
+  source.frequency_hz = isPlayed ? LoadShared(channel.playedFrequency_hz) : settings.*kFrequencyOf[fields];
+  source.threshold_percent = settings.*kThresholdOf[fields];
   source.hasEchogram = LoadShared(state.echogramEnabled) != 0;
   return source;
 }
 
 int32_t DeviceRangeOf(const DeviceSettings& settings, PanelPlace place) {
-  return RangeInMillimetres(ShowsLowChannel(settings, place) ? settings.rangeLow_mm : settings.rangeHigh_mm);
+  return RangeInMillimetres(settings.*kRangeOf[FieldsOf(settings, place)]);
 }
 
 void DrawPanel(const PanelSource& source, const PanelLayout& layout, PanelScratch& scratch,

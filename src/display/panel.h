@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "app/state/app_state.h"
+#include "app/state/record_channel.h"
 #include "display/canvas.h"
 #include "display/echogram_image.h"
 #include "display/kept_echogram.h"
@@ -15,6 +16,10 @@
 namespace tw {
 
 enum class PanelPlace : uint8_t { single, upper, lower };
+
+[[nodiscard]] constexpr RecordChannel RecordChannelOf(PanelPlace place) {
+  return place == PanelPlace::lower ? RecordChannel::b : RecordChannel::a;
+}
 
 struct PanelSource {
   const DisplayPalette* palette;

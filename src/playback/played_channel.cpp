@@ -1,6 +1,7 @@
 #include "playback/played_channel.h"
 
 #include <algorithm>
+#include <initializer_list>
 
 #include "acquisition/time_marks.h"
 #include "base/shared_value.h"
@@ -32,23 +33,14 @@ void PlayedChannel::GoBack(const ChannelPlace& place) {
 }
 
 ChannelPlace PlayedChannel::Place() const {
-  Locked held(*ring_.lock);
-  return {begun_, *ring_.index, ring_.remainder_ms, latest_ms_};
-}
-
-RingWriter WriterOfRingA(AppState& state) {
-  return {state.ringA, &state.ringIndexA, &state.ringTimeA, &state.ringLockA, globals.slotReachA};
-}
-
-RingWriter WriterOfRingB(AppState& state) {
-  return {state.ringB, &state.ringIndexB, &state.ringTimeB, &state.ringLockB, globals.slotReachB};
+  return {begun_, IndexOf(ring_), ring_.remainder_ms, latest_ms_};
 }
 
 void ClearRings(AppState& state) {
-  ClearRing(WriterOfRingA(state));
-  ClearRing(WriterOfRingB(state));
-  ClearMarks(globals.marksA);
-  ClearMarks(globals.marksB);
+  for (const RecordChannel channel : {RecordChannel::a, RecordChannel::b}) {
+    ClearRing(WriterOfRing(state, channel));
+    ClearMarks(ChannelOf(state, channel).marks);
+  }
 }
 
 }  // namespace tw

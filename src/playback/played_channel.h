@@ -6,13 +6,15 @@
 
 #include "acquisition/store_ping.h"
 #include "app/state/app_state.h"
+#include "app/state/record_channel.h"
 #include "playback/history.h"
 
 namespace tw {
 
 class PlayedChannel {
  public:
-  PlayedChannel(const RingWriter& ring, MarkList& marks) : ring_(ring), marks_(marks) {}
+  PlayedChannel(AppState& state, RecordChannel channel)
+      : ring_(WriterOfRing(state, channel)), marks_(ChannelOf(state, channel).marks) {}
 
   // Puts a ping into the ring, as many ticks behind the previous one as its recorded time says, and marks it
   // with its time while "Timestamp" is ticked.
@@ -34,10 +36,6 @@ class PlayedChannel {
   int64_t latest_ms_ = 0;
   bool begun_ = false;
 };
-
-// The writer's view of the rings.
-[[nodiscard]] RingWriter WriterOfRingA(AppState& state);
-[[nodiscard]] RingWriter WriterOfRingB(AppState& state);
 
 // Zeroes what is in use of both rings, puts their indexes to 0 and forgets the time marks. While no worker
 // writes them.

@@ -20,7 +20,7 @@ class PlayedRings {
       : state_(state),
         recording_(recording),
         second_(second),
-        channels_{{WriterOfRingA(state), globals.marksA}, {WriterOfRingB(state), globals.marksB}} {}
+        channels_{{state, RecordChannel::a}, {state, RecordChannel::b}} {}
 
   // When the ping was, as far as the rings go; Show then puts it there. Without a recorded time each ping of
   // a channel counts as one tick.
