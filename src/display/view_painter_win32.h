@@ -4,6 +4,9 @@
 
 #include <windows.h>
 
+#include <cstdint>
+#include <span>
+
 #include "app/state/app_state.h"
 #include "display/drawing_win32.h"
 #include "display/panel.h"
@@ -20,17 +23,18 @@ class ViewPainter {
   [[nodiscard]] OffscreenPicture& Picture() { return picture_; }
 
  private:
-  void PaintSingle(AppState& state, int32_t width, int32_t height, int32_t dpi);
-  void PaintDual(AppState& state, int32_t width, int32_t height, int32_t dpi);
-  PanelSource PaintPanel(AppState& state, PanelPlace place, const PanelLayout& layout);
-  void PaintLabels(const PanelSource& source, const PanelLayout& layout);
-  void PaintMarks(MarkList& marks, const PanelSource& source, const PanelLayout& layout);
+  struct Panel {
+    PanelPlace place;
+    PanelLayout layout;
+    PanelSource source;
+  };
+
+  void PaintPanels(AppState& state, std::span<Panel> panels);
 
   OffscreenPicture picture_;
   LabelPainter labels_;
   MarkPainter marks_;
-  PanelScratch scratch_;  // of the single view and of the upper panel
-  PanelScratch lowerScratch_;
+  PanelScratch scratch_[2];  // of the single view or the upper panel, and of the lower one
 };
 
 }  // namespace tw
