@@ -1,8 +1,7 @@
 #include "tests/playback/sample_recordings.h"
 
-#include "simulator/virtual_echosounder.h"
 #include "tests/playback/info_text.h"
-#include "tests/sent_account.h"
+#include "tests/simulator/recorded_stream.h"
 
 namespace tw::test {
 const std::vector<SampleKind>& SampleKinds() {
@@ -35,33 +34,18 @@ const std::vector<SampleKind>& SampleKinds() {
 }
 
 std::string SampleRecording(const SampleKind& kind, size_t messages, int32_t samples) {
-  SentAccount account;
-  sim::VirtualEchosounder sounder({.family = kind.family,
-                                   .baud = 12'000'000,
-                                   .delivery_us = 1'000,
-                                   .outputMode = kind.outputMode,
-                                   .pingsPerSecond = 50,
-                                   .sampleCount = samples,
-                                   .depth_m = 1.5,  // within the few samples
-                                   .relief_m = 0.3,
-                                   .binaryForm = kind.binaryForm,
-                                   .streaming = true},
-                                  &account);
-  const auto isComplete = [&] {
-    return account.messages.size() >= messages && account.messages[messages - 1].sent.whole;
-  };
-  std::string stream;
-  constexpr int64_t kLongest_us = 600'000'000;
-  for (int64_t now_us = 0; !isComplete() && now_us < kLongest_us; now_us += 1'000) {
-    uint8_t bytes[4096];
-    for (size_t size = sizeof bytes; size == sizeof bytes;) {
-      size = sounder.Send(bytes, now_us);
-      stream.append(reinterpret_cast<const char*>(bytes), size);
-    }
-  }
-  const sim::SentPing& last = account.messages[messages - 1].sent;
-  stream.resize(last.offset + last.size);
-  return (kind.hasInfo ? InfoText(static_cast<int32_t>(kind.family), kind.outputMode) : "") + stream;
+  constexpr int64_t kPing_us = 20'000;
+  const sim::RecordedStream stream({.family = kind.family,
+                                    .outputMode = kind.outputMode,
+                                    .pingsPerSecond = 50,
+                                    .sampleCount = samples,
+                                    .depth_m = 1.5,  // within the few samples
+                                    .relief_m = 0.3,
+                                    .binaryForm = kind.binaryForm},
+                                   (static_cast<int64_t>(messages) + 1) * kPing_us);
+  const sim::SentPing& last = stream.Ping(messages - 1);
+  return (kind.hasInfo ? InfoText(static_cast<int32_t>(kind.family), kind.outputMode) : "") +
+         stream.bytes.substr(0, last.offset + last.size);
 }
 
 }  // namespace tw::test
