@@ -1,12 +1,11 @@
 // Any bytes as the stream of an altimeter or an emulated instrument. The first byte chooses the form and the
 // pieces in which the rest arrives; the lines must be the same as in one piece, and their values finite.
-#include <algorithm>
 #include <cmath>
-#include <cstdlib>
 #include <string>
 #include <vector>
 
 #include "acquisition/altimeter_lines.h"
+#include "fuzz/pieces.h"
 
 namespace tw {
 namespace {
@@ -21,25 +20,6 @@ constexpr Mode kModes[] = {
     {kDualForm, ParseDual},     {kPlainForm, ParseSonarmiteDfx}, {kPlainForm, ParseSonarmiteOld},
     {kPsaForm, ParsePsa916},    {kPlainForm, ParseAltiPlusTemp},
 };
-
-void Require(bool holds) {
-  if (!holds) std::abort();
-}
-
-std::vector<std::string> LinesOf(const LineForm& form, std::span<const uint8_t> stream, size_t pieceSize) {
-  LineReader reader(form);
-  std::vector<std::string> lines;
-  while (!stream.empty()) {
-    std::span<const uint8_t> piece = stream.first(std::min(pieceSize, stream.size()));
-    stream = stream.subspan(piece.size());
-    while (reader.Feed(piece)) {
-      Require(reader.Block().size() <= 2 * kMaxLine && reader.Block().ends_with(form.end));
-      lines.emplace_back(reader.Block());
-    }
-    Require(piece.empty());
-  }
-  return lines;
-}
 
 void Parse(const Mode& mode, const std::string& text) {
   // Without the zero behind it, so that a read behind the end shows.
@@ -63,8 +43,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
   if (size == 0) return 0;
   const std::span<const uint8_t> stream(bytes + 1, size - 1);
   const tw::Mode& mode = tw::kModes[bytes[0] % std::size(tw::kModes)];
-  const std::vector<std::string> lines = tw::LinesOf(mode.form, stream, SIZE_MAX);
-  tw::Require(lines == tw::LinesOf(mode.form, stream, size_t{1} + bytes[0] / std::size(tw::kModes)));
+  const auto lines = tw::BlocksOf(
+      [&] { return tw::LineReader(mode.form); }, stream, size_t{1} + bytes[0] / std::size(tw::kModes),
+      [&](std::string_view line) {
+        tw::Require(line.size() <= 2 * tw::kMaxLine && line.ends_with(mode.form.end));
+      });
   for (const std::string& line : lines) tw::Parse(mode, line);
   tw::Parse(mode, std::string(stream.begin(), stream.end()));
   return 0;

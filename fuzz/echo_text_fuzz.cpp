@@ -1,38 +1,17 @@
 // Any bytes as a device's stream: block reader and echo text parser. The first byte says in which pieces the
 // rest arrives; the blocks must be the same as in one piece.
-#include <algorithm>
 #include <cmath>
-#include <cstdlib>
 #include <string>
 #include <vector>
 
 #include "acquisition/block_reader.h"
 #include "acquisition/echo_text.h"
+#include "fuzz/pieces.h"
 
 namespace tw {
 namespace {
 
 constexpr size_t kSmallBuffer = 2'000;  // so that blocks outgrow it
-
-void Require(bool holds) {
-  if (!holds) std::abort();
-}
-
-std::vector<std::string> BlocksOf(std::span<const uint8_t> stream, size_t pieceSize) {
-  BlockReader reader(kEchoTextMarks, kSmallBuffer);
-  std::vector<std::string> blocks;
-  while (!stream.empty()) {
-    std::span<const uint8_t> piece = stream.first(std::min(pieceSize, stream.size()));
-    stream = stream.subspan(piece.size());
-    while (reader.Feed(piece)) {
-      Require(reader.Block().starts_with(kEchoTextMarks.start) &&
-              reader.Block().ends_with(kEchoTextMarks.end));
-      blocks.emplace_back(reader.Block());
-    }
-    Require(piece.empty());
-  }
-  return blocks;
-}
 
 void Parse(EchoTextKeys keys, const std::string& text, EchoTextHeader& header) {
   // Without the zero behind it, so that a read behind the end shows.
@@ -63,8 +42,11 @@ void Parse(EchoTextKeys keys, const std::string& text, EchoTextHeader& header) {
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
   if (size == 0) return 0;
   const std::span<const uint8_t> stream(bytes + 1, size - 1);
-  const std::vector<std::string> blocks = tw::BlocksOf(stream, SIZE_MAX);
-  tw::Require(blocks == tw::BlocksOf(stream, size_t{1} + bytes[0]));
+  const auto blocks = tw::BlocksOf(
+      [] { return tw::BlockReader(tw::kEchoTextMarks, tw::kSmallBuffer); }, stream, size_t{1} + bytes[0],
+      [](std::string_view block) {
+        tw::Require(block.starts_with(tw::kEchoTextMarks.start) && block.ends_with(tw::kEchoTextMarks.end));
+      });
   for (const auto keys : {tw::EchoTextKeys::firstFamily, tw::EchoTextKeys::otherFamilies}) {
     tw::EchoTextHeader header{};
     for (const std::string& block : blocks) tw::Parse(keys, block, header);

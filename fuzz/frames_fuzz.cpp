@@ -1,37 +1,16 @@
 // Any bytes as a stream of frames: frame reader and the parsers of echo frames and device blocks. The first
 // byte chooses the format, the channels and the pieces in which the rest arrives; the frames must be the same
 // as in one piece.
-#include <algorithm>
 #include <cmath>
-#include <cstdlib>
 #include <string>
 #include <vector>
 
 #include "acquisition/device_block.h"
 #include "acquisition/echo_frame.h"
+#include "fuzz/pieces.h"
 
 namespace tw {
 namespace {
-
-void Require(bool holds) {
-  if (!holds) std::abort();
-}
-
-std::vector<std::string> FramesOf(const FrameFormat& format, int32_t channels,
-                                  std::span<const uint8_t> stream, size_t pieceSize) {
-  FrameReader reader(format, channels);
-  std::vector<std::string> frames;
-  while (!stream.empty()) {
-    std::span<const uint8_t> piece = stream.first(std::min(pieceSize, stream.size()));
-    stream = stream.subspan(piece.size());
-    while (reader.Feed(piece)) {
-      Require(reader.Block().starts_with(format.magic) && reader.Block().size() <= kFrameBufferSize);
-      frames.emplace_back(reader.Block());
-    }
-    Require(piece.empty());
-  }
-  return frames;
-}
 
 void RequireFinite(const PingHeader& header) {
   for (const float value :
@@ -68,8 +47,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
   const size_t choice = bytes[0] % 3;
   const int32_t channels = bytes[0] / 3 % 2 + 1;
   const std::span<const uint8_t> stream(bytes + 1, size - 1);
-  const auto frames = tw::FramesOf(*formats[choice], channels, stream, SIZE_MAX);
-  tw::Require(frames == tw::FramesOf(*formats[choice], channels, stream, size_t{1} + bytes[0] / 6));
+  const auto frames = tw::BlocksOf(
+      [&] { return tw::FrameReader(*formats[choice], channels); }, stream, size_t{1} + bytes[0] / 6,
+      [&](std::string_view frame) {
+        tw::Require(frame.starts_with(formats[choice]->magic) && frame.size() <= tw::kFrameBufferSize);
+      });
   tw::PingHeader header{};
   for (const std::string& frame : frames) {
     if (choice == 0) {

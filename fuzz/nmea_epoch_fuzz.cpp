@@ -1,37 +1,16 @@
 // Any bytes as a stream of NMEA epochs: epoch reader and every sentence parser of both families. The first
 // byte chooses the family and the pieces in which the rest arrives; the epochs must be the same as in one
 // piece. The stream as a whole goes to the parsers too.
-#include <algorithm>
 #include <cmath>
-#include <cstdlib>
 #include <string>
 #include <vector>
 
 #include "acquisition/epoch_reader.h"
 #include "acquisition/nmea_depth.h"
+#include "fuzz/pieces.h"
 
 namespace tw {
 namespace {
-
-void Require(bool holds) {
-  if (!holds) std::abort();
-}
-
-std::vector<std::string> EpochsOf(const EpochForm& form, std::span<const uint8_t> stream, size_t pieceSize) {
-  EpochReader reader(form);
-  std::vector<std::string> epochs;
-  while (!stream.empty()) {
-    std::span<const uint8_t> piece = stream.first(std::min(pieceSize, stream.size()));
-    stream = stream.subspan(piece.size());
-    while (reader.Feed(piece)) {
-      Require(reader.Block().size() < kEpochBufferSize);
-      Require(reader.Block().find(form.end) != std::string_view::npos);
-      epochs.emplace_back(reader.Block());
-    }
-    Require(piece.empty());
-  }
-  return epochs;
-}
 
 // What a parser says must agree with what it did to its target.
 void RequireKept(SentenceResult result, float value, float before) {
@@ -74,8 +53,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
   const tw::EpochForm& form = second ? tw::kSecondFamilyEpoch : tw::kFirstFamilyEpoch;
   const tw::NmeaForms& forms = second ? tw::kSecondFamilyNmea : tw::kFirstFamilyNmea;
   const std::span<const uint8_t> stream(bytes + 1, size - 1);
-  const std::vector<std::string> epochs = tw::EpochsOf(form, stream, SIZE_MAX);
-  tw::Require(epochs == tw::EpochsOf(form, stream, size_t{1} + bytes[0] / 2));
+  const auto epochs =
+      tw::BlocksOf([&] { return tw::EpochReader(form); }, stream, size_t{1} + bytes[0] / 2,
+                   [&](std::string_view epoch) {
+                     tw::Require(epoch.size() < tw::kEpochBufferSize && epoch.find(form.end) != epoch.npos);
+                   });
   for (const std::string& epoch : epochs) tw::Parse(epoch, forms);
   tw::Parse({reinterpret_cast<const char*>(stream.data()), stream.size()}, forms);
   return 0;
