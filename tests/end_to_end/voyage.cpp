@@ -7,10 +7,10 @@
 #include "acquisition/ping_record.h"
 #include "app/settings/family_controls.h"
 #include "app/window/commands.h"
-#include "base/bytes.h"
 #include "platform/clock.h"
 #include "platform/memory.h"
 #include "platform/virtual/virtual_clock.h"
+#include "tests/end_to_end/received_pings.h"
 
 namespace tw::test {
 namespace {
@@ -19,15 +19,8 @@ constexpr int64_t kSecond_us = 1'000'000;
 constexpr int64_t kDelivery_us = 20'000;
 // A ping that ended longer ago has been recorded, if it is ever to be.
 constexpr int64_t kOnItsWay_us = 50'000;
-constexpr size_t kRepeat = 4;            // a sample on the grid: the device samples at 25,000 Hz
 constexpr int32_t kSilenceLimit_s = 60;  // of the program
 constexpr int32_t kFilled_s = 60'000;
-
-uint64_t Fnv(std::string_view bytes, uint64_t hash) {
-  for (const char byte : bytes) hash = (hash ^ static_cast<uint8_t>(byte)) * 0x100000001B3u;
-  return hash;
-}
-constexpr uint64_t kFnvBegin = 0xCBF29CE484222325u;
 
 // Splits off the message, which stands before the position and in NMEA behind a frequency line of the
 // program's; empty when there is none.
@@ -119,7 +112,7 @@ void VoyageLog::Lose(const Ping& ping) {
 void VoyageLog::Written(std::wstring_view, uint64_t offset, std::span<const uint8_t> bytes) {
   const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
   figures.bytes += bytes.size();
-  figures.hash = Fnv(text, offset == 0 && figures.files == 0 ? kFnvBegin : figures.hash);
+  figures.hash = 31 * figures.hash + sim::HashOf(bytes);
   if (text == "\r") return;  // the mark of a run that recorded nothing; the file is removed
   if (offset != 0) return TakeRecord(text);
   ++figures.files;
@@ -141,10 +134,10 @@ bool VoyageLog::Holds(std::string_view record, const Ping& ping) {
       header.deviceSeconds != sent.deviceTime_s || record.size() != 88 + 2 * kRepeat * ping.samples.size()) {
     return false;
   }
-  for (size_t i = 0; i < kRepeat * ping.samples.size(); ++i) {
-    if (LoadLe<uint16_t>(frame + 88 + 2 * i) != ping.samples[i / kRepeat]) return false;
-  }
-  return true;
+  const std::vector<uint16_t> samples = SamplesAt(frame + 88, kRepeat * ping.samples.size());
+  size_t i = 0;
+  return std::all_of(samples.begin(), samples.end(),
+                     [&](uint16_t sample) { return sample == ping.samples[i++ / kRepeat]; });
 }
 
 // Lines have no numbers: one that is excused may look like the next one, which is not and so comes first.
