@@ -44,40 +44,27 @@ TEST_F(LiveRecording, SentencesAreTheReceiversTalkers) {
                 "$GNRMC,000000.00,V,0.000000,S,0.000000,W,0.0,0.0,000100,0.0,W,A*10\r\n\r\n\r\n");
 }
 
-TEST_F(LiveRecording, ARunThatRecordedNothingLeavesNoFiles) {
-  Record();
-  Reset(state_.recordingEvent);
-  RunWith(EchoBlock(1));
-  EXPECT_EQ(program_.FileContent(L"a.log"), "absent");
-  EXPECT_EQ(program_.FileContent(L"b.log"), "absent");
-}
-
-TEST_F(LiveRecording, ABinaryRunThatRecordedNothingLeavesOneByteInEachFile) {
-  Record();
-  Reset(state_.recordingEvent);
-  RunWith(kGoldenWordBlock, kBlockStream);
-  EXPECT_EQ(program_.FileContent(L"a.log"), "\r");
-  EXPECT_EQ(program_.FileContent(L"b.log"), "\r");
-  EXPECT_FALSE(IsRecordFileOpen(state_, kA));
-}
-
-TEST_F(LiveRecording, ABinaryRecordingWithoutAPingNeverLeavesAnEmptyFile) {
-  enum class Disk : uint8_t { refusesOneWrite, isFull };
+TEST_F(LiveRecording, WhatARunLeavesThatRecordedNothing) {
+  enum class Disk : uint8_t { isSwitchedOff, refusesOneWrite, isFull };
   const struct {
     const char* what;
-    std::string_view block;
+    const StreamForm& form;
+    std::string stream;
     Disk disk;
     const char* left;
-  } rows[] = {{"the first frame is refused", kGoldenWordBlock, Disk::refusesOneWrite, "\r"},
-              {"so is the byte", kGoldenWordBlock, Disk::isFull, "absent"},
-              {"no frame came", "noise", Disk::isFull, "absent"}};
+  } rows[] = {{"text", kFirstTextStream, EchoBlock(1), Disk::isSwitchedOff, "absent"},
+              {"binary", kBlockStream, kGoldenWordBlock, Disk::isSwitchedOff, "\r"},
+              {"the first frame is refused", kBlockStream, kGoldenWordBlock, Disk::refusesOneWrite, "\r"},
+              {"so is the byte", kBlockStream, kGoldenWordBlock, Disk::isFull, "absent"},
+              {"no frame came", kBlockStream, "noise", Disk::isFull, "absent"}};
   for (const auto& row : rows) {
-    program_.OpenFile(kA, L"a.log");
-    Signal(state_.recordingEvent);
+    Record();
+    if (row.disk == Disk::isSwitchedOff) Reset(state_.recordingEvent);
     if (row.disk == Disk::isFull) LimitDiskSpace(0);
     if (row.disk == Disk::refusesOneWrite) InjectFault({.point = FaultPoint::writeFile, .taken = 20});
-    RunWith(row.block, kBlockStream);
+    RunWith(row.stream, row.form);
     EXPECT_EQ(program_.FileContent(L"a.log"), row.left) << row.what;
+    EXPECT_EQ(program_.FileContent(L"b.log"), row.left) << row.what;
     EXPECT_FALSE(IsRecordFileOpen(state_, kA)) << row.what;
     ClearFaults();
   }

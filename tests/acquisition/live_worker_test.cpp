@@ -54,12 +54,6 @@ TEST_F(LiveWorker, DualBlocksGoToTheirChannelsAndOneWithoutFrequencyIsDropped) {
   EXPECT_EQ(PingB().ping, 4u) << "the virtual low frequency";
 }
 
-TEST_F(LiveWorker, ASingleRunNeedsNoFrequencyAndHasOneChannel) {
-  Take(EchoBlock(1, 0) + EchoBlock(2, 30'000));
-  EXPECT_EQ(PingA().ping, 2u);
-  EXPECT_EQ(PingB().ping, 0u);
-}
-
 TEST_F(LiveWorker, StopIsHeardWithinATenthOfASecondInSilenceAndInEndlessGarbage) {
   const struct {
     const char* what;

@@ -127,21 +127,6 @@ TEST_F(EchogramImage, FollowsTheRulesPixelByPixel) {
   }
 }
 
-// The upper and the lower panel of a live dual view have half the time scale that is chosen.
-TEST_F(EchogramImage, FollowsTheRulesAtEveryZoomStep) {
-  for (int32_t i = 0; i < kRingSlots; i += 9) FillSlot(*ring_, i, 88, 29'636);
-  constexpr int32_t kNewest[] = {0, 1, 57, 1'499, 2'999, 7'300, 9'999};
-  size_t next = 0;
-  for (const int32_t range_mm : DisplayRangeSteps) {
-    for (const int32_t timeScale_s : TimeScaleSteps) {
-      SCOPED_TRACE(testing::Message() << range_mm << " mm, " << timeScale_s << " s");
-      const int32_t newest = kNewest[next++ % std::size(kNewest)];
-      ExpectRules({newest, timeScale_s, range_mm, 1'500.0f}, 97, 61);
-      ExpectRules({newest, timeScale_s / 2, range_mm, 1'500.0f}, 97, 30);
-    }
-  }
-}
-
 TEST_F(EchogramImage, ShowsSlotsWithOtherHeaderLengthsAndZeroedOnes) {
   constexpr uint32_t kLengths[] = {88, 36, 35, 4'096, 89, 1'000, 0, 4'097, 0xFFFFFFFF, 88, 88, 88, 88};
   for (int32_t i = 0; i < 300; ++i) {

@@ -102,45 +102,31 @@ TEST(Layout, FrequencyLabel) {
 TEST(Layout, SizesAndColoursOfLabels) {
   const struct {
     const char* what;
-    void (*add)(const PanelLayout& layout, Labels& labels);
+    size_t label;  // of all
     Numbers place, placeOnFineScreen;
     int32_t height;
     Pixel colour;
   } rows[] = {
-      {"depth",
-       [](const PanelLayout& layout, Labels& labels) { AddDepthLabels(layout, 10'000, labels); },
-       {2, 108},
-       {4, 216},
-       10,
-       0xFFFA9D},
-      {"time",
-       [](const PanelLayout& layout, Labels& labels) { AddTimeLabels(layout, 15, labels); },
-       {1'010, 0},
-       {1'920, 0},
-       12,
-       0xFFFA9D},
-      {"colour bar", AddColourBarLabels, {1'110, 506}, {2'120, 1'012}, 12, 0xFFFA9D},
-      {"frequency",
-       [](const PanelLayout& layout, Labels& labels) { AddFrequencyLabel(layout, 1, labels); },
-       {1'050, 0},
-       {2'000, 0},
-       14,
-       0xFFFFFF},
-      {"status",
-       [](const PanelLayout& layout, Labels& labels) { labels.labels[0] = StatusLabel(layout, L""); },
-       {30, 520},
-       {60, 1'040},
-       13,
-       0xFFFFFF},
+      {"depth", 0, {2, 108}, {4, 216}, 10, 0xFFFA9D},
+      {"time", 5, {1'010, 0}, {1'920, 0}, 12, 0xFFFA9D},
+      {"colour bar", 5 + 11, {1'110, 506}, {2'120, 1'012}, 12, 0xFFFA9D},
+      {"frequency", 5 + 11 + 11, {1'050, 0}, {2'000, 0}, 14, 0xFFFFFF},
+      {"status", 5 + 11 + 11 + 1, {30, 520}, {60, 1'040}, 13, 0xFFFFFF},
   };
-  for (const auto& row : rows) {
-    for (const bool fine : {false, true}) {
+  for (const bool fine : {false, true}) {
+    const PanelLayout layout = fine ? LayOutPanel(0, 2'200, 1'080, 192) : LayOutPanel(0, 1'150, 540, 96);
+    Labels labels{};
+    AddDepthLabels(layout, 10'000, labels);
+    AddTimeLabels(layout, 15, labels);
+    AddColourBarLabels(layout, labels);
+    AddFrequencyLabel(layout, 1, labels);
+    labels.labels[labels.count] = StatusLabel(layout, L"");
+    for (const auto& row : rows) {
       SCOPED_TRACE(std::string(row.what) + (fine ? ", 192 dots per inch" : ""));
-      Labels labels{};
-      row.add(fine ? LayOutPanel(0, 2'200, 1'080, 192) : LayOutPanel(0, 1'150, 540, 96), labels);
-      EXPECT_EQ(PlaceOf(labels.labels[0].at), fine ? row.placeOnFineScreen : row.place);
-      EXPECT_EQ(labels.labels[0].height_px, fine ? 2 * row.height : row.height);
-      EXPECT_EQ(labels.labels[0].colour, row.colour);
+      const Label& label = labels.labels[row.label];
+      EXPECT_EQ(PlaceOf(label.at), fine ? row.placeOnFineScreen : row.place);
+      EXPECT_EQ(label.height_px, fine ? 2 * row.height : row.height);
+      EXPECT_EQ(label.colour, row.colour);
     }
   }
 }

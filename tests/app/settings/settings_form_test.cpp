@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cwctype>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -83,61 +84,41 @@ TEST(SettingsForm, ValuesAsTexts) {
 }
 
 TEST(SettingsForm, TextsAreHeldAgainstTheLimits) {
+  const std::wstring whole = L" must be a whole number from ";
   const struct {
     F field;
     FieldChannel channel;
     std::wstring limits;
-    std::vector<std::wstring> taken;  // and shown as they were entered
-    std::vector<const wchar_t*> refused;
+    std::wstring taken;  // and shown as they were entered
+    std::wstring refused;
   } rows[] = {
-      {F::range, low, L"Range (low) must be from 1 to 200", {L"1", L"200"}, {L"0.9", L"200.1"}},
-      {F::range, high, L"Range (high) must be from 1 to 100", {L"12.5", L"100"}, {L"100.5"}},
-      {F::interval,
-       common,
-       L"Ping interval must be from 0.01 to 10.00",
-       {L"Auto", L"0.25", L"10.00"},
-       {L"0.001", L"10.01"}},
-      {F::txLength,
-       low,
-       L"Transmit length (low) must be a whole number from 1 to 500",
-       {L"500"},
-       {L"0", L"501"}},
-      {F::txLength,
-       high,
-       L"Transmit length (high) must be a whole number from 1 to 1000",
-       {L"1000"},
-       {L"1001"}},
-      {F::gain, low, L"Gain (low) must be from -60.0 to 60.0", {L"-60.0", L"60.0"}, {L"-60.001", L"60.1"}},
-      {F::deadZone,
-       high,
-       L"Dead zone (high) must be a whole number from 0 to 10000",
-       {L"10000"},
-       {L"10001", L"10.5"}},
-      {F::offset,
-       low,
-       L"Offset (low) must be a whole number from -10000 to 10000",
-       {L"-10000"},
-       {L"-10001", L"10001"}},
-      {F::threshold, low, L"Threshold (low) must be a whole number from 0 to 100", {L"0", L"100"}, {L"101"}},
-      {F::soundSpeed, common, L"Speed of sound must be from 1300.0 to 1700.0", {L"1700.0"}, {L"1299.9"}},
-      {F::tvgAbsorption, high, L"TVG absorption (high) must be from 0.00 to 2.00", {L"0.14"}, {L"2.01"}},
-      {F::movingAverage,
-       common,
-       L"Moving average must be a whole number from 1 to 31",
-       {L"31"},
-       {L"-5", L"32"}},
-      {F::outputRate, common, L"Output rate must be from 0.00 to 100.00", {L"12.34"}, {L"100.01"}},
+      {F::range, low, L"Range (low) must be from 1 to 200", L"1 200", L"0.9 200.1"},
+      {F::range, high, L"Range (high) must be from 1 to 100", L"12.5 100", L"100.5"},
+      {F::interval, common, L"Ping interval must be from 0.01 to 10.00", L"Auto 0.25 10.00", L"0.001 10.01"},
+      {F::txLength, low, L"Transmit length (low)" + whole + L"1 to 500", L"500", L"0 501"},
+      {F::txLength, high, L"Transmit length (high)" + whole + L"1 to 1000", L"1000", L"1001"},
+      {F::gain, low, L"Gain (low) must be from -60.0 to 60.0", L"-60.0 60.0", L"-60.001 60.1"},
+      {F::deadZone, high, L"Dead zone (high)" + whole + L"0 to 10000", L"10000", L"10001 10.5"},
+      {F::offset, low, L"Offset (low)" + whole + L"-10000 to 10000", L"-10000", L"-10001 10001"},
+      {F::threshold, low, L"Threshold (low)" + whole + L"0 to 100", L"0 100", L"101"},
+      {F::soundSpeed, common, L"Speed of sound must be from 1300.0 to 1700.0", L"1700.0", L"1299.9 1700.5"},
+      {F::tvgAbsorption, high, L"TVG absorption (high) must be from 0.00 to 2.00", L"0.14", L"2.01"},
+      {F::movingAverage, common, L"Moving average" + whole + L"1 to 31", L"31", L"-5 32"},
+      {F::outputRate, common, L"Output rate must be from 0.00 to 100.00", L"12.34", L"100.01"},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(testing::PrintToString(row.limits));
     DeviceSettings settings = Device();
-    for (const std::wstring& text : row.taken) {
-      EXPECT_EQ(ErrorOf(row.field, row.channel, kDual, text.c_str(), settings), L"taken");
-      EXPECT_EQ(Text(row.field, row.channel, kDual, settings), text);
+    std::wstring shown;
+    for (std::wistringstream texts(row.taken); texts >> shown;) {
+      EXPECT_EQ(ErrorOf(row.field, row.channel, kDual, shown.c_str(), settings), L"taken");
+      EXPECT_EQ(Text(row.field, row.channel, kDual, settings), shown);
     }
-    for (const wchar_t* const text : row.refused) {
-      EXPECT_EQ(ErrorOf(row.field, row.channel, kDual, text, settings), L"Value of " + row.limits + L".");
-      EXPECT_EQ(Text(row.field, row.channel, kDual, settings), row.taken.back());
+    std::wstring text;
+    for (std::wistringstream texts(row.refused); texts >> text;) {
+      EXPECT_EQ(ErrorOf(row.field, row.channel, kDual, text.c_str(), settings),
+                L"Value of " + row.limits + L".");
+      EXPECT_EQ(Text(row.field, row.channel, kDual, settings), shown);
     }
   }
 }

@@ -90,16 +90,6 @@ TEST(FileNaming, ChannelOfASingleRun) {
   }
 }
 
-TEST(FileNaming, SegyCompanionsOfEchoModesOnly) {
-  NamingFacts facts = Facts(kStart, 1, true, "bin12");
-  facts.segyCompanions = true;
-  const RecordFileNames pair = NameRecordFiles(facts);
-  EXPECT_STREQ(pair.a.segy, "20250314_093005_Dual_450kHz_id_E3105_bin12.sgy");
-  EXPECT_STREQ(pair.b.segy, "20250314_093005_Dual_200kHz_id_E3105_bin12.sgy");
-  facts.hasSamples = false;
-  EXPECT_STREQ(NameRecordFiles(facts).a.segy, "");
-}
-
 TEST(FileNaming, HostileIdentityStaysInTheFolder) {
   NamingFacts facts = Facts(kStart, 1, false);
   facts.identity = "..\\../C:*?\"<>|\x01\xff~";

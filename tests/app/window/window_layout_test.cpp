@@ -39,7 +39,7 @@ TEST(WindowLayout, PlacesEchogramAndSlider) {
 TEST(WindowLayout, WindowIsNeverLargerThanItsWorkAreaNorOutsideIt) {
   const struct {
     const char* what;
-    Box workArea;
+    Box area;
     int32_t dpi;
     Numbers smallest;
     Box window;
@@ -47,24 +47,14 @@ TEST(WindowLayout, WindowIsNeverLargerThanItsWorkAreaNorOutsideIt) {
   } rows[] = {
       {"1366 x 768", {0, 0, 1366, 728}, 96, {980, 728}, {193, -11, 980, 750}, {193, 0, 980, 728}},
       {"1080 rows at 150 %", {0, 0, 1920, 1020}, 144, {1470, 1020}, {9, 9, 1470, 1125}, {9, 0, 1470, 1020}},
-      {"1800 rows at 200 %",
-       {0, 0, 2880, 1704},
-       192,
-       {1960, 1500},
-       {460, 102, 1960, 1500},
-       {460, 102, 1960, 1500}},
+      {"1800 rows, 200 %", {0, 0, 2880, 1704}, 192, {1960, 1500}, {9, 2, 1960, 1500}, {9, 2, 1960, 1500}},
       {"beside a task bar", {62, 0, 738, 600}, 96, {738, 600}, {-90, -75, 980, 750}, {62, 0, 738, 600}},
-      {"left of the first screen",
-       {-1280, 0, 1280, 984},
-       96,
-       {980, 750},
-       {-500, 300, 980, 750},
-       {-980, 234, 980, 750}},
+      {"on the left", {-1280, 0, 1280, 984}, 96, {980, 750}, {-500, 300, 980, 750}, {-980, 234, 980, 750}},
   };
   for (const auto& row : rows) {
-    const WindowSize smallest = SmallestWindow(row.workArea, row.dpi);
+    const WindowSize smallest = SmallestWindow(row.area, row.dpi);
     EXPECT_EQ((Numbers{smallest.width, smallest.height}), row.smallest) << row.what;
-    EXPECT_EQ(PlaceOf(WithinWorkArea(row.window, row.workArea)), row.placed) << row.what;
+    EXPECT_EQ(PlaceOf(WithinWorkArea(row.window, row.area)), row.placed) << row.what;
   }
 }
 
