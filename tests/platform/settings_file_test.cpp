@@ -2,13 +2,11 @@
 
 #include <cerrno>
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
 
 #include "platform/registry.h"
 #include "platform/system_error.h"
+#include "tests/app/test_files.h"
 #include "tests/app/test_folder.h"
 
 namespace tw {
@@ -29,13 +27,12 @@ auto* const configuration =
     static_cast<ConfigurationFolder*>(testing::AddGlobalTestEnvironment(new ConfigurationFolder));
 
 std::string Content() {
-  std::ifstream in(configuration->File(), std::ios::binary);
-  return {std::istreambuf_iterator<char>(in), {}};
+  return test::ReadWhole(configuration->File());
 }
 
 void Put(const std::string& content) {
   std::filesystem::create_directories(configuration->File().parent_path());
-  std::ofstream(configuration->File(), std::ios::binary) << content;
+  test::WriteWhole(configuration->File(), content);
 }
 
 TEST(SettingsFile, AValueIsALineThatTheNextWriteReplaces) {

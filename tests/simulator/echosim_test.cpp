@@ -1,40 +1,26 @@
 // The tool around the simulator: a line whose speeds may differ, and its link.
 #include <gtest/gtest.h>
-#include <unistd.h>
-
-#include <fstream>
-#include <sstream>
 
 #include "simulator/virtual_echosounder.h"
+#include "tests/app/test_files.h"
+#include "tests/app/test_folder.h"
 #include "tools/echosim/binding.h"
 
 namespace tw::echosim {
 namespace {
 
-std::string Contents(const std::string& path) {
-  std::ostringstream text;
-  text << std::ifstream(path, std::ios::binary).rdbuf();
-  return text.str();
-}
-
-std::string ScratchPath(const std::string& name) {
-  return testing::TempDir() + "echosim_" + std::to_string(getpid()) + "_" + name;
-}
-
 // A line that keeps what it is sent, and hands over what a test puts in.
-struct NarrowLine final : Terminal {
-  explicit NarrowLine(size_t room, std::string input = {}) : room_(room), input_(std::move(input)) {}
-  std::string Name() const override { return "narrow"; }
+struct KeepingLine final : Terminal {
+  explicit KeepingLine(std::string input) : input_(std::move(input)) {}
+  std::string Name() const override { return "kept"; }
   size_t Read(std::span<uint8_t> out) override {
     const size_t count = input_.copy(reinterpret_cast<char*>(out.data()), out.size());
     input_.erase(0, count);
     return count;
   }
   size_t Write(std::span<const uint8_t> bytes) override {
-    const size_t count = std::min(room_, bytes.size());
-    room_ -= count;
-    sent_.append(reinterpret_cast<const char*>(bytes.data()), count);
-    return count;
+    sent_.append(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+    return bytes.size();
   }
   void SetSpeed(int32_t) override {}
   bool OtherEnd(LineSettings& settings) const override {
@@ -42,7 +28,6 @@ struct NarrowLine final : Terminal {
     return true;
   }
 
-  size_t room_;
   std::string input_;
   std::string sent_;
   LineSettings settings_{115'200, 8, 'N', 1, false};
@@ -52,9 +37,9 @@ struct NarrowLine final : Terminal {
 class BindingTest : public testing::Test {
  protected:
   BindingTest() { EXPECT_TRUE(log_.Create(path_)); }
-  ~BindingTest() override { unlink(path_.c_str()); }
 
-  const std::string path_ = ScratchPath("log");
+  const test::TestFolder folder_;
+  const std::string path_ = folder_.Path() / "log";
   LineFile log_;
 };
 
@@ -62,8 +47,8 @@ TEST_F(BindingTest, StrictLineCarriesNoiseWhileTheSpeedsDiffer) {
   for (const bool strict : {false, true}) {
     SCOPED_TRACE(strict);
     sim::VirtualEchosounder device({.streaming = true});
-    auto terminal = std::make_unique<NarrowLine>(100'000, " ");
-    NarrowLine& line = *terminal;
+    auto terminal = std::make_unique<KeepingLine>(" ");
+    KeepingLine& line = *terminal;
     line.settings_.baud = 9'600;
     Binding binding(device, std::move(terminal), {}, strict);
     binding.Pump(100'000);
@@ -79,8 +64,8 @@ TEST_F(BindingTest, StrictLineCarriesNoiseWhileTheSpeedsDiffer) {
 
 TEST_F(BindingTest, AnswerToTheResetLeavesAStrictLineAtTheOldSpeed) {
   sim::VirtualEchosounder device({});
-  auto terminal = std::make_unique<NarrowLine>(100'000, "#speed 3000000\r#reset\r");
-  NarrowLine& line = *terminal;
+  auto terminal = std::make_unique<KeepingLine>("#speed 3000000\r#reset\r");
+  KeepingLine& line = *terminal;
   Binding binding(device, std::move(terminal), {.line = &log_}, true);
   for (const int64_t now_us : {0, 1'000'000}) binding.Pump(now_us);
   EXPECT_EQ(line.sent_, "#speed 3000000\r\n\r\n>#reset\r\n\r\n>");
@@ -91,20 +76,20 @@ TEST_F(BindingTest, AnswerToTheResetLeavesAStrictLineAtTheOldSpeed) {
   line.input_ = "#time\r";
   binding.Pump(3'000'000);
   EXPECT_EQ(device.Commands().Total(), 3u);
-  EXPECT_EQ(Contents(path_),
+  EXPECT_EQ(test::ReadWhole(path_),
             "line 0 115200 8N1 none 115200\n"
             "line 1000000 115200 8N1 none 3000000\n"
             "line 3000000 3000000 7E2 rtscts 3000000\n");
 }
 
 TEST(PseudoTerminal, LeavesAloneWhatIsNoLink) {
-  const std::string path = ScratchPath("file");
-  std::ofstream(path) << "precious";
+  const test::TestFolder folder;
+  const std::string path = folder.Path() / "file";
+  test::WriteWhole(path, "precious");
   std::string error;
   EXPECT_EQ(OpenTerminal(path, 115'200, error), nullptr);
   EXPECT_NE(error.find(path), std::string::npos);
-  EXPECT_EQ(Contents(path), "precious");
-  unlink(path.c_str());
+  EXPECT_EQ(test::ReadWhole(path), "precious");
 }
 
 }  // namespace
