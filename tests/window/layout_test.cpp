@@ -159,5 +159,27 @@ TEST_F(Layout, EverySelectorShowsItsLongestText) {
   }
 }
 
+// It has letters of its own; seen on the screen, its name ends ahead of the arrow.
+TEST_F(Layout, EveryFamilysLongestOutputIsWhole) {
+  ResizeTo(kSmallest);
+  const HWND combo = program_->Control(ID_OUTPUT);
+  const LRESULT item =
+      SendMessageW(combo, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(L"Echo txt Fixed 1000 Samples"));
+  ASSERT_GE(SendMessageW(combo, CB_SETCURSEL, static_cast<WPARAM>(item), 0), 0);
+  Sleep(500);  // until it is painted
+  const Picture picture = PictureOf(combo);
+  const RECT name{3, 3, picture.width - GetSystemMetrics(SM_CXVSCROLL) - 3, picture.height - 3};
+  const auto drawnIn = [&](int left, int right) {
+    int drawn = 0;
+    for (int x = left; x < right; ++x) {
+      for (int y = name.top; y < name.bottom; ++y)
+        drawn += picture.At(x, y) != picture.At(name.left, name.top) ? 1 : 0;
+    }
+    return drawn;
+  };
+  EXPECT_GT(drawnIn(name.right - Scaled(30), name.right), 0) << "its last letters";
+  EXPECT_EQ(drawnIn(name.right - 4, name.right), 0);
+}
+
 }  // namespace
 }  // namespace tw

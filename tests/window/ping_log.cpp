@@ -1,9 +1,12 @@
 #include "tests/window/ping_log.h"
 
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <sstream>
+#include <utility>
+
+#include "simulator/sent_ping.h"
+#include "tests/app/test_files.h"
+#include "tests/end_to_end/recorded_position.h"
 
 namespace tw {
 namespace {
@@ -18,33 +21,9 @@ bool Take(std::string_view& rest, std::string_view expected) {
   return true;
 }
 
-// One sentence with its line end; `type` is "GGA" or "RMC".
-bool TakeSentence(std::string_view& rest, std::string_view type) {
-  const size_t end = rest.find("\r\n");
-  if (end == std::string_view::npos) return false;
-  const std::string_view line = rest.substr(0, end);
-  const bool talker = line.starts_with("$GP") || line.starts_with("$GN");
-  if (!talker || line.substr(3, 3) != type || line.size() < 10 || line[line.size() - 3] != '*') return false;
-  rest.remove_prefix(end + 2);
-  return true;
-}
-
-std::string At(const char* what, std::string_view file, std::string_view rest) {
-  return std::string(what) + " at byte " + std::to_string(file.size() - rest.size());
-}
-
-// A place in all that was sent.
-struct Stretch {
-  uint64_t begin = 0;
-  uint64_t size = 0;
-
-  [[nodiscard]] bool Touches(const Stretch& other) const {
-    return begin < other.begin + other.size && other.begin < begin + size;
-  }
-};
-
 bool IsSame(std::string_view block, const LoggedPing& ping) {
-  return block.size() == ping.size && Fnv1a(block) == ping.hash;
+  return block.size() == ping.size &&
+         sim::HashOf({reinterpret_cast<const uint8_t*>(block.data()), block.size()}) == ping.hash;
 }
 
 }  // namespace
@@ -52,37 +31,29 @@ bool IsSame(std::string_view block, const LoggedPing& ping) {
 std::vector<LoggedPing> ReadPingLog() {
   const wchar_t* const path = _wgetenv(L"TW_PING_LOG");
   std::vector<LoggedPing> pings;
-  std::vector<Stretch> places;  // of the pings
-  std::vector<Stretch> dropped;
-  std::istringstream lines(path == nullptr ? "" : ReadWholeFile(path));
+  std::vector<std::pair<uint64_t, uint64_t>> dropped;  // from and to
+  std::istringstream lines(path == nullptr ? "" : test::ReadWhole(path));
   for (std::string line; std::getline(lines, line);) {
     std::istringstream words(line);
-    std::string kind, time, samples, frequency, hash, state;
-    Stretch place;
+    std::string kind, other, hash, state;
     LoggedPing ping;
     words >> kind;
-    if (kind == "dropped" && words >> time >> place.begin >> place.size) dropped.push_back(place);
-    if (kind != "ping" || !(words >> ping.number >> time >> ping.altitude_m >> samples >> frequency >>
-                            place.begin >> place.size >> hash >> state)) {
-      continue;
+    if (kind == "dropped" && words >> other >> ping.begin >> ping.size) {
+      dropped.emplace_back(ping.begin, ping.begin + ping.size);
     }
-    ping.size = place.size;
+    if (kind != "ping") continue;
+    for (int i = 0; i < 5; ++i) words >> other;  // number, time, altitude, samples, frequency
+    if (!(words >> ping.begin >> ping.size >> hash >> state)) continue;
     ping.hash = std::stoull(hash, nullptr, 16);
     ping.whole = state == "whole";
     pings.push_back(ping);
-    places.push_back(place);
   }
-  for (size_t i = 0; i < pings.size(); ++i) {
-    for (const Stretch& gone : dropped) pings[i].whole = pings[i].whole && !gone.Touches(places[i]);
+  for (LoggedPing& ping : pings) {
+    for (const auto& [from, to] : dropped) {
+      ping.whole = ping.whole && (to <= ping.begin || ping.begin + ping.size <= from);
+    }
   }
   return pings;
-}
-
-std::string ReadWholeFile(const std::wstring& path) {
-  std::ifstream file(std::filesystem::path(path), std::ios::binary);
-  std::ostringstream text;
-  text << file.rdbuf();
-  return text.str();
 }
 
 Recording TakeApart(std::string_view file) {
@@ -93,27 +64,19 @@ Recording TakeApart(std::string_view file) {
   while (!rest.empty()) {
     const size_t end = rest.find(kBlockEnd);
     if (!rest.starts_with(kBlockStart) || end == std::string_view::npos) {
-      recording.fault = At("no whole block", file, rest);
+      recording.fault = "no whole block at byte " + std::to_string(file.size() - rest.size());
       break;
     }
     const std::string_view block = rest.substr(0, end + kBlockEnd.size());
     rest.remove_prefix(block.size());
-    if (!TakeSentence(rest, "GGA") || !TakeSentence(rest, "RMC") || !Take(rest, kPingEnd)) {
-      recording.fault = At("no sentences", file, rest);
+    if (test::TakeSentence(rest, "$GPGGA,").empty() || test::TakeSentence(rest, "$GPRMC,").empty() ||
+        !Take(rest, kPingEnd)) {
+      recording.fault = "no sentences at byte " + std::to_string(file.size() - rest.size());
       break;
     }
     recording.blocks.push_back(block);
   }
   return recording;
-}
-
-uint64_t Fnv1a(std::string_view bytes) {
-  uint64_t hash = 0xCBF29CE484222325u;
-  for (const char byte : bytes) {
-    hash ^= static_cast<unsigned char>(byte);
-    hash *= 0x100000001B3u;
-  }
-  return hash;
 }
 
 std::string CompareWithLog(const Recording& recording, const std::vector<LoggedPing>& log) {

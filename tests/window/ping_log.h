@@ -10,17 +10,14 @@
 namespace tw {
 
 struct LoggedPing {
-  uint32_t number = 0;
-  double altitude_m = 0;
-  size_t size = 0;
+  uint64_t begin = 0;  // in all that was sent
+  uint64_t size = 0;
   uint64_t hash = 0;   // FNV-1a of the block
   bool whole = false;  // as sent, and all of it taken by the line, which holds little while nobody reads
 };
 
 // The log that TW_PING_LOG names, as far as it is written, oldest first.
 [[nodiscard]] std::vector<LoggedPing> ReadPingLog();
-
-[[nodiscard]] std::string ReadWholeFile(const std::wstring& path);
 
 // The blocks of a record file, each with its two sentences and its end behind it. `fault` says what is not as
 // it should be, and where; empty when the file is whole from its first byte to its last.
@@ -30,8 +27,6 @@ struct Recording {
   std::string fault;
 };
 [[nodiscard]] Recording TakeApart(std::string_view file);
-
-[[nodiscard]] uint64_t Fnv1a(std::string_view bytes);
 
 // What is wrong with the recording, when the whole pings of the log should stand in it from the first one on,
 // none lost, none torn; empty when nothing is. The device goes on sending behind the last. What is left of a

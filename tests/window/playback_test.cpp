@@ -8,7 +8,6 @@
 
 #include "app/window/control_ids.h"
 #include "tests/window/dialog.h"
-#include "tests/window/ping_log.h"
 #include "tests/window/program.h"
 #include "tests/window/stored_choices.h"
 #include "tests/window/view_picture.h"
@@ -75,19 +74,6 @@ class Playback : public ::testing::Test {
   }
   [[nodiscard]] bool ShowsSlider() const { return IsWindowVisible(Slider()) != FALSE; }
 
-  // At its place below an echogram that begins at `left`.
-  [[nodiscard]] bool SliderStandsFrom(int left) const {
-    const SIZE client = program_.ClientSize();
-    return WaitUntil(
-        [&] {
-          RECT place{};
-          GetWindowRect(Slider(), &place);
-          MapWindowPoints(nullptr, program_.Window(), reinterpret_cast<POINT*>(&place), 2);
-          return place.left == left && place.right == client.cx - 6 && place.top == client.cy - 44 &&
-                 place.bottom == client.cy - 22;
-        },
-        10);
-  }
   [[nodiscard]] Picture Echogram() const { return PictureOf(program_.Control(ID_ECHOGRAM)); }
   [[nodiscard]] bool Changes(const Picture& from) const {
     return WaitUntil([&] { return Echogram().pixels != from.pixels; }, 10);
@@ -103,14 +89,6 @@ class Playback : public ::testing::Test {
           return last.pixels == before.pixels;
         },
         10);
-  }
-
-  // As the file dialog wants it for several files of its folder.
-  [[nodiscard]] std::wstring AllNames() const {
-    std::wstring names;
-    for (const std::wstring& path : folder_->Files())
-      names += L'"' + std::filesystem::path(path).filename().wstring() + L"\" ";
-    return names;
   }
 
   // Asked for with a control or a menu entry; returns what is said at the end.
@@ -188,23 +166,6 @@ TEST_F(Playback, PlaysHoldsStepsBackAndStops) {
   EXPECT_EQ(program_.Exit(), 0);
 }
 
-TEST_F(Playback, SliderKeepsItsPlaceBelowTheEchogram) {
-  program_.Click(ID_PLAYBACK);
-  ChooseFile(file_);
-  ASSERT_TRUE(Comes(ID_PAUSE));
-  const auto clickWithControl = [&] {
-    PostMessageW(program_.Control(ID_ECHOGRAM), WM_LBUTTONDOWN, MK_LBUTTON | MK_CONTROL, 0);
-  };
-  EXPECT_TRUE(SliderStandsFrom(186));
-  clickWithControl();
-  EXPECT_TRUE(SliderStandsFrom(6)) << "the echogram fills the window";
-  program_.Resize(1'200, 800);
-  EXPECT_TRUE(SliderStandsFrom(6));
-  clickWithControl();
-  EXPECT_TRUE(SliderStandsFrom(186));
-  EXPECT_EQ(program_.Exit(), 0) << "while it plays";
-}
-
 TEST_F(Playback, ConvertsToSegyAndToText) {
   const MessageBoxContent completed{L"Info", L"Convert completed"};
   EXPECT_EQ(Converts([&] { program_.Click(ID_SEGY_CONVERT); }), completed);
@@ -215,9 +176,6 @@ TEST_F(Playback, ConvertsToSegyAndToText) {
   program_.Choose(ID_MENU_SEGY);
   ChooseFile(L"");
   EXPECT_EQ(program_.AnswerBox(10), (MessageBoxContent{L"Error", L"File is not selected"}));
-  program_.Choose(ID_MENU_SEGY);
-  ChooseFile(AllNames());
-  EXPECT_EQ(program_.AnswerBox(10), (MessageBoxContent{L"Error", L"Select One File"}));
   EXPECT_EQ(program_.Exit(), 0);
 
   const std::wstring stem = file_.substr(0, file_.size() - 4);

@@ -1,16 +1,13 @@
 // The program at its work: a run against the virtual instruments, from Start to exit.
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <cmath>
-#include <cstdlib>
 #include <optional>
 
 #include "app/window/control_ids.h"
+#include "tests/app/test_files.h"
 #include "tests/window/ping_log.h"
 #include "tests/window/program.h"
 #include "tests/window/stored_choices.h"
-#include "tests/window/view_picture.h"
 
 namespace tw {
 namespace {
@@ -44,14 +41,14 @@ class Run : public ::testing::Test {
 
   [[nodiscard]] size_t RecordedPings() const {
     const std::vector<std::wstring> files = folder_.Files();
-    return files.empty() ? 0 : TakeApart(ReadWholeFile(files.front())).blocks.size();
+    return files.empty() ? 0 : TakeApart(test::ReadWhole(files.front())).blocks.size();
   }
 
   // The one file of the working folder, taken apart.
   void ReadRecording() {
     const std::vector<std::wstring> files = folder_.Files();
     ASSERT_EQ(files.size(), 1u);
-    file_ = ReadWholeFile(files.front());
+    file_ = test::ReadWhole(files.front());
     recording_ = TakeApart(file_);
   }
 
@@ -91,45 +88,6 @@ TEST_F(Run, ExitWhileRecordingLeavesAWholeFile) {
   ReadRecording();
   EXPECT_EQ(recording_.fault, "");
   EXPECT_FALSE(recording_.blocks.empty());
-}
-
-// The depth that the picture shows is the depth that was sent.
-TEST_F(Run, BottomStandsAtTheSentDepth) {
-  constexpr double kRange_m = 30.0;
-  constexpr int kTolerance_px = 2;
-  constexpr int kScale_s = 150;
-  Start();
-  program_->Resize(1900, 1000);
-  ASSERT_TRUE(WaitUntil([] { return WholePings() >= 2 * kTenSecondsOfPings; }, 60));
-  Sleep(300);  // three repaints
-  const Picture view = PictureOf(program_->Control(ID_ECHOGRAM));
-  const std::vector<LoggedPing> log = ReadPingLog();
-  const std::vector<int> rows = StrongestRows(view);
-
-  // The picture is some pings older than the log, in all columns the same but for pings that came early or
-  // late.
-  const double pingsPerColumn = kScale_s * 10.0 / static_cast<double>(rows.size());
-  const auto isSent = [&](size_t column, int behindLog) {
-    const auto ago = static_cast<int>(static_cast<double>(rows.size() - column) * pingsPerColumn) + behindLog;
-    if (ago < 0 || ago >= static_cast<int>(log.size())) return false;
-    const double sent =
-        log[log.size() - 1 - static_cast<size_t>(ago)].altitude_m / kRange_m * ImageHeight(view);
-    return std::abs(sent - rows[column]) <= kTolerance_px;
-  };
-  const auto compared =
-      static_cast<size_t>(std::count_if(rows.begin(), rows.end(), [](int row) { return row >= 0; }));
-  size_t right = 0;
-  for (int behind = 0; behind < static_cast<int>(kTenSecondsOfPings) / 2; ++behind) {
-    size_t same = 0;
-    for (size_t column = 0; column < rows.size(); ++column) {
-      bool found = false;
-      for (int jitter = -3; jitter <= 3; ++jitter) found = found || isSent(column, behind + jitter);
-      same += rows[column] >= 0 && found ? 1 : 0;
-    }
-    right = std::max(right, same);
-  }
-  EXPECT_GE(right, 100u);
-  EXPECT_GE(right * 10, compared * 9) << right << " of " << compared;
 }
 
 // What an operator clicks and types while Start keeps the window busy.

@@ -22,17 +22,9 @@ TEST_F(StartUp, FirstStartStoresTheDefaults) {
   EXPECT_EQ(program.Title(), L"Tidewriter Echosounder Control Software");
   EXPECT_EQ(program.Status(0), L"Device: Disconnected");
   EXPECT_EQ(program.Status(1), L"GPS: Disconnected");
-  EXPECT_EQ(program.Text(ID_DEVICE_SPEED), L"115200");
-  EXPECT_EQ(program.Text(ID_GPS_PORT), L"N/A");
-  EXPECT_EQ(program.Text(ID_GPS_SPEED), L"4800");
-  EXPECT_TRUE(program.IsTicked(ID_RECORD));
   EXPECT_EQ(program.Exit(), 0);
 
-  EXPECT_EQ(StoredNumber(L"DeviceCOMPort"), 1u);
-  EXPECT_EQ(StoredNumber(L"DeviceCOMSpeed"), 115'200u);
   EXPECT_EQ(StoredNumber(L"GPSCOMPort"), 0xFFFFFFFFu);
-  EXPECT_EQ(StoredNumber(L"GPSCOMSpeed"), 4'800u);
-  EXPECT_EQ(StoredNumber(L"Recording"), 1u);
   EXPECT_EQ(StoredSize(L"MainWindowPosition"), 32u);
   const std::filesystem::path folder = StoredText(L"WorkingFolder");
   EXPECT_EQ(folder.filename().wstring(), L"TIDEWRITERR57_DATA");

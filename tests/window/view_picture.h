@@ -25,10 +25,4 @@ struct Picture {
 // without one nothing.
 void SavePicture(HWND window, const char* name);
 
-// The row of the strongest echo in each column of the image, counted from the image's top; -1 in columns
-// without an echo. The colour bar at the right says which colour is how strong.
-[[nodiscard]] std::vector<int> StrongestRows(const Picture& view);
-
-[[nodiscard]] int ImageHeight(const Picture& view);
-
 }  // namespace tw
