@@ -1,9 +1,10 @@
-// What the steps of the wheel are from end to end the tests of the view's window tell.
 #include "display/zoom.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <limits>
+#include <vector>
 
 namespace tw {
 namespace {
@@ -12,6 +13,27 @@ constexpr WheelTurn kIn = WheelTurn::forward;
 constexpr WheelTurn kOut = WheelTurn::back;
 constexpr int32_t kMax = std::numeric_limits<int32_t>::max();
 constexpr int32_t kMin = std::numeric_limits<int32_t>::min();
+
+// From one end to the other, until nothing moves any more.
+template <typename Zoom>
+std::vector<int32_t> StepsFrom(int32_t value, Zoom zoom) {
+  std::vector<int32_t> steps{value};
+  while ((value = zoom(value)) != steps.back()) steps.push_back(value);
+  return steps;
+}
+
+TEST(Zoom, GoesThroughAllStepsAndStopsAtTheEnds) {
+  std::vector<int32_t> ranges_mm = {1'000,  2'000,  3'000,   5'000,   10'000,  15'000,
+                                    20'000, 30'000, 40'000,  50'000,  60'000,  70'000,
+                                    80'000, 90'000, 100'000, 120'000, 150'000, 200'000};
+  std::vector<int32_t> scales_s = {10, 20, 30, 60, 120, 150, 180, 210, 240, 270, 300};
+  for (const WheelTurn turn : {kOut, kIn}) {
+    EXPECT_EQ(StepsFrom(ranges_mm[0], [=](int32_t mm) { return ZoomedRange(mm, 200'000, turn); }), ranges_mm);
+    EXPECT_EQ(StepsFrom(scales_s[0], [=](int32_t s) { return ZoomedTimeScale(s, turn); }), scales_s);
+    std::reverse(ranges_mm.begin(), ranges_mm.end());
+    std::reverse(scales_s.begin(), scales_s.end());
+  }
+}
 
 TEST(Zoom, MovesTheDisplayRangeOneStep) {
   const struct {
