@@ -97,25 +97,6 @@ TEST_P(EachTextReader, DropsWhatOutgrowsItsBufferByOneByte) {
   }
 }
 
-TEST_P(EachTextReader, LosesToDamageThatBlockAndAtMostTheNext) {
-  const std::string& whole = each_.block;
-  for (size_t at = 0; at < whole.size(); ++at) {
-    std::string flipped = whole;
-    flipped[at] = static_cast<char>(flipped[at] ^ 0x20);
-    std::string shorter = whole;
-    shorter.erase(at, 1);
-    std::string doubled = whole;
-    doubled.insert(at, 1, doubled[at]);
-    for (const std::string& damaged : {flipped, shorter, doubled, whole.substr(0, at)}) {
-      const Blocks blocks = Read(whole + damaged + whole + whole + whole);
-      ASSERT_GE(blocks.size(), 3u) << "damaged at " << at;
-      EXPECT_EQ(blocks.front(), whole) << "damaged at " << at;
-      EXPECT_EQ(blocks.back(), whole) << "damaged at " << at;
-      EXPECT_EQ(blocks[blocks.size() - 2], whole) << "damaged at " << at;
-    }
-  }
-}
-
 const Sample kTexts[] = {
     {"EchoText", kEchoText, kGoldenBlock, "\r\n> INFO\xFF#DeviceID", 255'999, 10},
     {"Epoch", kFirstEpochs, test::kFirstEpoch, "$SD#\r\n$GPDBT,\xFF$SDZD", 4'095, 10},
