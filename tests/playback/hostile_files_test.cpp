@@ -202,28 +202,6 @@ TEST_P(HostileKind, DamageAnywhereLeavesTheOtherPings) {
   }
 }
 
-TEST_F(HostileFiles, LongRecordingsCutAtRandomLengths) {
-  const SampleKind kinds[] = {
-      kFrames,
-      {"Text", sim::DeviceFamily::first, 2},
-      {"Blocks", sim::DeviceFamily::first, 100, false, sim::BinaryForm::block},
-  };
-  std::mt19937 random(11);
-  for (const SampleKind& kind : kinds) {
-    SCOPED_TRACE(kind.name);
-    const std::string bytes = SampleRecording(kind, 50);
-    const Outcome whole = Read(bytes);
-    ASSERT_EQ(whole.pings.size(), 50u);
-    std::vector<size_t> sizes(150);
-    for (size_t& size : sizes) size = random() % bytes.size();
-    std::sort(sizes.rbegin(), sizes.rend());
-    for (const size_t size : sizes) {
-      fs::resize_file(file_, size);
-      ExpectFirstPings(whole, Read(), size);
-    }
-  }
-}
-
 TEST_F(HostileFiles, TooShortToBeAnything) {
   for (const size_t size : {0, 1, 2'047}) {
     for (const char fill : {'\0', 'x', '#', '\xFF'}) {
