@@ -26,6 +26,12 @@ namespace tw {
 // Writes all `size` bytes. False when the line failed or took fewer.
 [[nodiscard]] bool WriteSerialLine(Handle line, const void* bytes, uint32_t size);
 
+// Writes what the line takes within the time; `written` tells how much, also on failure. True as long as the
+// line works, although it may have taken less than all: one that nobody empties. Other calls' writes go on
+// without a limit.
+[[nodiscard]] bool WriteSerialLineWithin(Handle line, const void* bytes, uint32_t size, uint32_t limit_ms,
+                                         uint32_t& written);
+
 // Bytes that have arrived and wait to be read; 0 when that cannot be told. `overruns`, when given, is
 // increased by one for each reported loss of input.
 [[nodiscard]] uint32_t BytesWaiting(Handle line, uint32_t* overruns = nullptr);

@@ -104,6 +104,18 @@ TEST_F(SerialLineContract, AModeStringThatMakesNoSenseStillOpens) {
   EXPECT_NE(line_, Handle::invalid);
 }
 
+// The far end stops sending back when nobody reads it, and then reads no more itself.
+TEST_F(SerialLineContract, AWriteWithATimeEndsAndTellsWhatWasTaken) {
+  const std::string sent(256 * 1'024, 'x');
+  uint32_t written = 0;
+  ASSERT_TRUE(WriteSerialLineWithin(line_, "ab", 2, kLong_ms, written));
+  EXPECT_EQ(written, 2u);
+  ASSERT_TRUE(WriteSerialLineWithin(line_, sent.data(), static_cast<uint32_t>(sent.size()), 100, written))
+      << LastSystemError();
+  EXPECT_LT(written, sent.size());
+  EXPECT_EQ(ReadBack(2 + written), "ab" + sent.substr(0, written));
+}
+
 TEST_F(SerialLineContract, TheListNamesTheLineIfItIsADevice) {
   std::vector<std::wstring> names;
   ASSERT_TRUE(ListSerialLines(
@@ -124,6 +136,7 @@ TEST(SerialLineContractHandles, NoLineIsNoHandle) {
     EXPECT_FALSE(ReadSerialLine(none, &byte, 1, got));
     EXPECT_EQ(got, 0u);
     EXPECT_FALSE(WriteSerialLine(none, &byte, 1));
+    EXPECT_FALSE(WriteSerialLineWithin(none, &byte, 1, 1, got));
     EXPECT_EQ(BytesWaiting(none, &overruns), 0u);
     EXPECT_EQ(overruns, 0u);
     CloseSerialLine(none);

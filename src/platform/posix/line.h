@@ -20,6 +20,8 @@ class Line {
   [[nodiscard]] virtual int64_t Take(std::span<uint8_t> out) = 0;
   // Writes all; false with the system error set.
   [[nodiscard]] virtual bool Put(std::span<const uint8_t> bytes) = 0;
+  // Writes what is taken until the deadline; false with the system error set. `put` tells how much.
+  [[nodiscard]] virtual bool PutUntil(std::span<const uint8_t> bytes, int64_t deadline_us, uint32_t& put) = 0;
   [[nodiscard]] virtual uint32_t Waiting() = 0;
   // Waits until something may have changed: input, a Wake, or the deadline.
   virtual void Await(int64_t deadline_us) = 0;

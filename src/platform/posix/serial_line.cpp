@@ -90,6 +90,14 @@ bool WriteSerialLine(Handle handle, const void* bytes, uint32_t size) {
   return line != nullptr && line->Put({static_cast<const uint8_t*>(bytes), size});
 }
 
+bool WriteSerialLineWithin(Handle handle, const void* bytes, uint32_t size, uint32_t limit_ms,
+                           uint32_t& written) {
+  written = 0;
+  const std::shared_ptr<TerminalLine> line = FindLine(handle);
+  return line != nullptr &&
+         line->PutUntil({static_cast<const uint8_t*>(bytes), size}, DeadlineAfter_us(limit_ms), written);
+}
+
 uint32_t BytesWaiting(Handle handle, uint32_t*) {
   const std::shared_ptr<TerminalLine> line = Lines().Find(handle);
   return line != nullptr ? line->Waiting() : 0;

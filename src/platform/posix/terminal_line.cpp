@@ -105,18 +105,24 @@ int64_t TerminalLine::Take(std::span<uint8_t> out) {
 }
 
 bool TerminalLine::Put(std::span<const uint8_t> bytes) {
-  while (!bytes.empty()) {
-    const ssize_t put = ::write(terminal_, bytes.data(), bytes.size());
-    if (put > 0) {
-      bytes = bytes.subspan(static_cast<size_t>(put));
+  uint32_t put = 0;
+  return PutUntil(bytes, kNever, put);
+}
+
+bool TerminalLine::PutUntil(std::span<const uint8_t> bytes, int64_t deadline_us, uint32_t& put) {
+  for (put = 0; put < bytes.size();) {
+    const ssize_t count = ::write(terminal_, bytes.data() + put, bytes.size() - put);
+    if (count > 0) {
+      put += static_cast<uint32_t>(count);
       continue;
     }
-    if (put < 0 && errno != EAGAIN && errno != EINTR) return FailWithErrno();
+    if (count < 0 && errno != EAGAIN && errno != EINTR) return FailWithErrno();
     if (Closed() || HasHungUp(terminal_)) {
       SetSystemError(EIO);
       return false;
     }
-    WaitFor(POLLOUT, -1);
+    if (deadline_us != kNever && Now_us() >= deadline_us) return true;
+    WaitFor(POLLOUT, deadline_us == kNever ? -1 : PollTimeout_ms(deadline_us));
   }
   return true;
 }

@@ -55,6 +55,12 @@ bool PeerLine::Put(std::span<const uint8_t> bytes) {
   return true;
 }
 
+bool PeerLine::PutUntil(std::span<const uint8_t> bytes, int64_t, uint32_t& put) {
+  const bool taken = Put(bytes);
+  put = taken ? static_cast<uint32_t>(bytes.size()) : 0;
+  return taken;
+}
+
 uint32_t PeerLine::Waiting() {
   const std::lock_guard held(monitor_);
   return static_cast<uint32_t>(std::min(peer_.Waiting(Now_us()), kInputQueueSize));

@@ -17,6 +17,8 @@ class PeerLine final : public Line {
 
   [[nodiscard]] int64_t Take(std::span<uint8_t> out) override;
   [[nodiscard]] bool Put(std::span<const uint8_t> bytes) override;
+  // A peer takes all at once.
+  [[nodiscard]] bool PutUntil(std::span<const uint8_t> bytes, int64_t deadline_us, uint32_t& put) override;
   [[nodiscard]] uint32_t Waiting() override;
   void Await(int64_t deadline_us) override;
   void Wake() override;

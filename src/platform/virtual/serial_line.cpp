@@ -184,6 +184,16 @@ bool WriteSerialLine(Handle handle, const void* bytes, uint32_t size) {
   return true;
 }
 
+bool WriteSerialLineWithin(Handle handle, const void* bytes, uint32_t size, uint32_t limit_ms,
+                           uint32_t& written) {
+  written = 0;
+  const std::shared_ptr<Line> line = FindLine(handle);
+  if (line == nullptr || FaultAt(FaultPoint::writeLine, line->Name())) return Fail();
+  if (HasFailed(*line, AllowedOnLine(line->Name(), 0))) return Fail();
+  return line->PutUntil({static_cast<const uint8_t*>(bytes), size}, DeadlineAfter_us(limit_ms), written) ||
+         Fail();
+}
+
 uint32_t BytesWaiting(Handle handle, uint32_t* overruns) {
   baton::Poll();
   const std::shared_ptr<Line> line = Lines().Find(handle);

@@ -1,5 +1,7 @@
 #include "platform/serial_line.h"
 
+#include <utility>
+
 #include "base/text_format.h"
 #include "platform/win32/handle_win32.h"
 
@@ -104,6 +106,24 @@ bool ReadSerialLine(Handle line, void* bytes, uint32_t size, uint32_t& got) {
 bool WriteSerialLine(Handle line, const void* bytes, uint32_t size) {
   DWORD count = 0;
   return WriteFile(ToSystem(line), bytes, size, &count, nullptr) != 0 && count == size;
+}
+
+bool WriteSerialLineWithin(Handle line, const void* bytes, uint32_t size, uint32_t limit_ms,
+                           uint32_t& written) {
+  written = 0;
+  const HANDLE system = ToSystem(line);
+  COMMTIMEOUTS timeouts{};
+  if (!GetCommTimeouts(system, &timeouts)) return false;
+  const DWORD given_ms = std::exchange(timeouts.WriteTotalTimeoutConstant, limit_ms);
+  if (!SetCommTimeouts(system, &timeouts)) return false;
+  DWORD count = 0;
+  const bool wrote = WriteFile(system, bytes, size, &count, nullptr) != 0;
+  const DWORD error = wrote ? ERROR_SUCCESS : GetLastError();
+  written = count;
+  timeouts.WriteTotalTimeoutConstant = given_ms;
+  SetCommTimeouts(system, &timeouts);
+  SetLastError(error);
+  return wrote || error == ERROR_TIMEOUT || error == ERROR_SEM_TIMEOUT;
 }
 
 uint32_t BytesWaiting(Handle line, uint32_t* overruns) {
