@@ -12,7 +12,7 @@
 namespace tw {
 
 // Put into the low bits, so that the handles of different tables differ.
-enum class HandleKind : uintptr_t { thread = 1, line = 2, file = 3 };
+enum class HandleKind : uintptr_t { socket = 0, thread = 1, line = 2, file = 3 };
 
 template <typename T>
 class HandleTable {
