@@ -45,6 +45,7 @@ record=$(grep -rn '#include "app/state/app_state.h"' src/device)
 [ -n "$record" ] && fail "The device link is a value: src/device includes the state record and its globals:" "$record"
 stands_on gps base platform app/state
 stands_on acquisition base platform app/state device gps
+stands_on outputs base platform app/state
 stands_on display base platform app/state device gps acquisition
 stands_on playback base platform app/state device gps acquisition
 stands_on app/run base platform app/state device gps acquisition playback
