@@ -12,6 +12,7 @@
 #include "acquisition/store_ping.h"
 #include "acquisition/synthetic_pulse.h"
 #include "acquisition/time_marks.h"
+#include "acquisition/told_values.h"
 #include "base/shared_value.h"
 #include "gps/gps_fix.h"
 #include "gps/nmea_build.h"
@@ -67,6 +68,7 @@ class LiveRun final : private AwayWorker {
         deviceFamily_(start.deviceFamily),
         context_(ContextOf(start)),
         runNumber_(start.runNumber),
+        outputs_(LoadShared(state.outputs)),
         source_(start.port),
         lastPing_ms_(MillisecondClock()),
         reader_(form_.makeReader()),
@@ -204,7 +206,7 @@ class LiveRun final : private AwayWorker {
   }
 
   void TakeBlock(std::string_view block) {
-    if (!form_.parse(block, context_, ping_)) return;
+    if (!Parse(block)) return;
     const uint32_t now_ms = MillisecondClock();
     lastPing_ms_ = now_ms;
     if (!form_.HasSamples()) BeginPulsePing();
@@ -215,6 +217,12 @@ class LiveRun final : private AwayWorker {
     Record(block, sentences);
     if (Stale()) return;
     report_.Show(ping_.header, context_.dual, recordingSize_, now_ms);
+  }
+
+  // What the block itself tells is told apart only when somebody wants it.
+  [[nodiscard]] bool Parse(std::string_view block) {
+    return outputs_ != nullptr ? ParseTelling(form_, block, context_, ping_, told_)
+                               : form_.parse(block, context_, ping_);
   }
 
   void BeginPulsePing() {
@@ -233,15 +241,28 @@ class LiveRun final : private AwayWorker {
     }
     const int64_t ringTime = StorePing(channel.ring, image_, now_ms);
     Publish(channel);
+    if (outputs_ != nullptr) outputs_->Offer(Facts(channel, now_ms));
     if (LoadShared(globals.timestampTicked) != 0) {
       AddMark(channel.shared.marks, MarksOf(channel), {ping_.header.timeOfWork_s, ringTime});
     }
+  }
+
+  [[nodiscard]] PingFacts Facts(const Channel& channel, uint32_t now_ms) const {
+    PingFacts facts = FactsOf(ping_.header, told_, now_ms);
+    facts.dual = context_.dual;
+    facts.secondChannel = channel.record == RecordChannel::b;
+    const Locked held(state_.gpsLock);
+    facts.talkerGn = globals.gpsTalkerGn != 0;
+    facts.fixUpdates = LoadShared(globals.gpsUpdates);
+    facts.fix = globals.fix;
+    return facts;
   }
 
   // The same ping again, as the second channel saw it.
   void TakeSecondAltitude(uint32_t now_ms) {
     const PingHeader first = ping_.header;
     ping_.header.altitude_m = ping_.altitudeLow_m;
+    told_.altitude_m = ping_.altitudeLow_m;
     ping_.header.txFrequency_hz = context_.ChannelFrequency_hz(true);
     TakePing(channels_[1], now_ms);
     ping_.header = first;
@@ -331,6 +352,7 @@ class LiveRun final : private AwayWorker {
   const DeviceFamily deviceFamily_;
   const LiveContext context_;
   const uint32_t runNumber_;
+  PingSink* const outputs_;
   ByteSource source_;
   uint32_t lastPing_ms_;
   bool heard_ = false;  // the stream was taken up again without a command
@@ -345,6 +367,7 @@ class LiveRun final : private AwayWorker {
   uint64_t recordingSize_ = 0;  // bytes, since the files of recordingNumber_ were opened
   uint32_t recordingNumber_ = 0;
   LivePing ping_{};
+  ToldValues told_{};  // of the latest block, when there are outputs
   SlotImage image_{};
   char sentences_[2 * kSentenceSize];
   char record_[kMaxRecordSize];

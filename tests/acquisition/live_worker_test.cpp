@@ -2,11 +2,14 @@
 // sample of a ping reaches its ring is shown with the virtual echosounder, end to end.
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 #include "acquisition/altimeter_lines.h"
 #include "acquisition/device_block.h"
 #include "acquisition/live_worker.h"
 #include "acquisition/nmea_depth.h"
 #include "acquisition/time_marks.h"
+#include "app/state/ping_facts.h"
 #include "base/shared_value.h"
 #include "platform/thread.h"
 #include "platform/virtual/debug_capture.h"
@@ -52,6 +55,39 @@ TEST_F(LiveWorker, DualBlocksGoToTheirChannelsAndOneWithoutFrequencyIsDropped) {
   EXPECT_EQ(globals.marksA.count, 0) << "\"Timestamp\" is not ticked";
   Take(EchoBlock(4, 33'000));
   EXPECT_EQ(PingB().ping, 4u) << "the virtual low frequency";
+}
+
+// The view keeps what a block does not tell; whoever passes depths on must not.
+TEST_F(LiveWorker, OffersWhatABlockItselfTellsAndTheFixOfThatMoment) {
+  struct Listener final : PingSink {
+    void Offer(const PingFacts& ping) override { pings.push_back(ping); }
+    std::vector<PingFacts> pings;
+  } listener;
+  state_.outputs = &listener;
+  globals.fix.quality = 4;
+  globals.gpsUpdates = 7;
+  Take(kGoldenBlock);
+  Take("#DeviceID A\r\n#NSamples 3\r\n##DataStart\r\n5\r\n\r\n\r\n");
+  ASSERT_EQ(listener.pings.size(), 2u);
+  EXPECT_EQ(listener.pings[0].altitude_m, 4.25f);
+  EXPECT_EQ(listener.pings[0].range_m, 12.5f);
+  EXPECT_EQ(listener.pings[0].fix.quality, 4);
+  EXPECT_EQ(listener.pings[0].fixUpdates, 7u);
+  EXPECT_EQ(MillisecondClock() - listener.pings[1].clock_ms, 50u);
+  for (const float value : {listener.pings[1].altitude_m, listener.pings[1].temperature_c}) {
+    EXPECT_TRUE(std::isnan(value));
+  }
+  EXPECT_EQ(PingA().altitude_m, 4.25f);
+
+  program_.StopWorker();
+  globals.dualMode = 1;
+  RunWith("Dual : 1, 4.125, 5.5, 11.4\r\n", kDualStream);
+  ASSERT_EQ(listener.pings.size(), 4u);
+  for (const bool second : {false, true}) {
+    EXPECT_EQ(listener.pings[second ? 3 : 2].altitude_m, second ? 5.5f : 4.125f);
+    EXPECT_EQ(listener.pings[second ? 3 : 2].secondChannel, second);
+    EXPECT_TRUE(listener.pings[second ? 3 : 2].dual);
+  }
 }
 
 TEST_F(LiveWorker, StopIsHeardWithinATenthOfASecondInSilenceAndInEndlessGarbage) {

@@ -21,6 +21,7 @@
 namespace tw {
 
 struct DeviceLink;
+class PingSink;
 struct PingRing;
 struct LiveStart;
 class PingSource;
@@ -133,6 +134,8 @@ struct AppState {
                                // acquisition/live_worker.h
   PingSource* recordingA;      // shared: for the file workers that begin next; see
   PingSource* recordingB;      // playback/file_worker.h
+  PingSink* outputs;           // shared: gets each live ping, null for nobody; what it points to lives as
+                               // long as the process
   uint32_t gpsRunNumber;       // shared: of the GPS worker that begins next; 0 is no run's number
   uint32_t recordingNumber;    // shared: raised whenever fresh record files are opened
   PortEntry ports[kMaxPorts];  // GUI thread
