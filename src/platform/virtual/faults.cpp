@@ -7,6 +7,7 @@
 #include <mutex>
 #include <vector>
 
+#include "platform/clock.h"
 #include "platform/posix/last_error.h"
 #include "platform/virtual/fault_points.h"
 #include "platform/virtual/serial_peer.h"
@@ -81,15 +82,21 @@ bool FaultAt(FaultPoint point, std::wstring_view subject, uint32_t* taken) {
   Table& table = Shared();
   table.calls[static_cast<int>(point)].fetch_add(1, std::memory_order_relaxed);
   if (!table.anyFault) return false;
-  const std::lock_guard held(table.mutex);
-  const Fault* hit = nullptr;
-  for (PlacedFault& placed : table.faults) {
-    if (Hits(placed, point, subject)) hit = &placed.fault;
+  uint32_t held_ms = 0;
+  {
+    const std::lock_guard held(table.mutex);
+    const Fault* hit = nullptr;
+    for (PlacedFault& placed : table.faults) {
+      if (Hits(placed, point, subject)) hit = &placed.fault;
+    }
+    if (hit == nullptr) return false;
+    held_ms = hit->held_ms;
+    if (taken != nullptr) *taken = hit->taken;
+    SetSystemError(hit->code);
   }
-  if (hit == nullptr) return false;
-  if (taken != nullptr) *taken = hit->taken;
-  SetSystemError(hit->code);
-  return true;
+  if (held_ms == 0) return true;
+  SleepMilliseconds(held_ms);
+  return false;
 }
 
 uint64_t CallCount(FaultPoint point) {

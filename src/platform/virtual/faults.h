@@ -42,6 +42,7 @@ struct Fault {
   uint64_t repeat = 1;
   uint32_t code = 5;       // what LastSystemError() says: an errno, EIO at first
   uint32_t taken = 0;      // of a failing write: so many bytes of it were taken
+  uint32_t held_ms = 0;    // not 0: the calls do not fail, each takes so long
   std::wstring subject{};  // only calls whose subject contains this text count; empty: all
 };
 void InjectFault(const Fault& fault);
