@@ -38,14 +38,15 @@ bool LiveReport::IsDue(uint32_t now_ms) {
   return true;
 }
 
-void LiveReport::Show(const PingHeader& ping, bool dual, uint64_t size, uint32_t now_ms) {
-  if (!IsDue(now_ms)) return;
+void LiveReport::ShowPing(const PingHeader& ping, bool dual) {
   auto& text = liveTexts.Next();
-  if (WaitForEvent(state_.recordingEvent, 0)) {
-    FormatFileSize(text, size);
-  } else {
-    FormatLine(text, ping, dual);
-  }
+  FormatLine(text, ping, dual);
+  PostStatusText(state_, StatusPart::pingLine, text);
+}
+
+void LiveReport::ShowSize(uint64_t size_bytes) {
+  auto& text = liveTexts.Next();
+  FormatFileSize(text, size_bytes);
   PostStatusText(state_, StatusPart::pingLine, text);
 }
 

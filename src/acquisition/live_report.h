@@ -1,5 +1,6 @@
-// What a live worker tells the operator: the size of the recording or, without one, the ping line, at most
-// once a second; losses of input go to the debug output. Acquisition worker only.
+// What a live worker tells the operator, at most once a second: the ping line, or the size of a recording
+// whose file is closed (of one that goes on its writer tells it); losses of input go to the debug output.
+// Acquisition worker only.
 #pragma once
 
 #include <cstdint>
@@ -14,16 +15,19 @@ class LiveReport {
  public:
   explicit LiveReport(AppState& state) : state_(state) {}
 
-  // After each ping; `size` is the number of bytes that the present recording has. A dual run's line tells
-  // the latest altitude of both channels.
-  void Show(const PingHeader& ping, bool dual, uint64_t size, uint32_t now_ms);
+  // Asked once a ping: whether something is to be told of it.
+  [[nodiscard]] bool IsDue(uint32_t now_ms);
+
+  // A dual run's line tells the latest altitude of both channels.
+  void ShowPing(const PingHeader& ping, bool dual);
+
+  // The number of bytes that the present recording has.
+  void ShowSize(uint64_t size_bytes);
 
   // The line's losses of input so far.
   void NoteOverruns(uint32_t overruns);
 
  private:
-  [[nodiscard]] bool IsDue(uint32_t now_ms);
-
   AppState& state_;
   uint32_t last_ms_ = 0;
   bool begun_ = false;

@@ -4,7 +4,6 @@
 #include <memory>
 #include <new>
 #include <string>
-#include <utility>
 
 #include "acquisition/byte_source.h"
 #include "acquisition/live_report.h"
@@ -214,9 +213,7 @@ class LiveRun final : private AwayWorker {
     const size_t sentences = TakePosition();
     TakePing(channels_[ping_.secondChannel ? 1 : 0], now_ms);
     if (ping_.bothChannels) TakeSecondAltitude(now_ms);
-    Record(block, sentences);
-    if (Stale()) return;
-    report_.Show(ping_.header, context_.dual, recordingSize_, now_ms);
+    Record(block, sentences, now_ms);
   }
 
   // What the block itself tells is told apart only when somebody wants it.
@@ -307,42 +304,32 @@ class LiveRun final : private AwayWorker {
     StoreShared(channel.shared.latestAltitude_m, ping_.header.altitude_m);
   }
 
-  // All of a ping in one write, so that nothing can come between its parts.
-  void Record(std::string_view block, size_t sentences) {
-    if (!WaitForEvent(state_.recordingEvent, 0)) return;
+  // All of a ping in one write, so that nothing can come between its parts; by the writer, which counts what
+  // is written and tells it.
+  void Record(std::string_view block, size_t sentences, uint32_t now_ms) {
+    const bool due = report_.IsDue(now_ms);
+    if (!WaitForEvent(state_.recordingEvent, 0)) {
+      if (due) report_.ShowPing(ping_.header, context_.dual);
+      return;
+    }
     const uint32_t recording = LoadShared(state_.recordingNumber);
-    if (std::exchange(recordingNumber_, recording) != recording) recordingSize_ = 0;
     const bool second = ping_.secondChannel && !form_.SharesFile();
     const size_t size = form_.layOutRecord(block, ping_, {sentences_, sentences}, std::span(record_));
-    const GiveUp giveUp = form_.emptyRun == EmptyRun::leaveOneByte && recordingSize_ == 0
-                              ? GiveUp::leaveOneByte
-                              : GiveUp::leavePings;
-    const uint32_t written = WriteRecord(state_, second ? RecordChannel::b : RecordChannel::a,
-                                         std::span(record_).first(size), giveUp);
-    recordingSize_ += written;
-    recordedAny_ = recordedAny_ || written != 0;
+    const Recorded result = RecordPing(state_,
+                                       {.channel = second ? RecordChannel::b : RecordChannel::a,
+                                        .runNumber = runNumber_,
+                                        .recording = recording,
+                                        .emptyRun = form_.emptyRun,
+                                        .any = recordedAny_,
+                                        .tell = due},
+                                       std::span(record_).first(size));
+    recordedAny_ = recordedAny_ || result == Recorded::handedOver;
+    if (due && result != Recorded::handedOver && !Stale()) report_.ShowSize(RecordedBytes(state_, recording));
   }
 
-  // Each file may take its time.
   void End() {
-    for (const Channel& channel : channels_) {
-      if (!Stale()) EndFile(channel.record);
-    }
+    EndRecording(state_, runNumber_, form_.emptyRun, recordedAny_);
     if (!Stale()) CloseFile(ExchangeShared(state_.segyCompanionB, Handle::invalid));
-  }
-
-  void EndFile(RecordChannel channel) {
-    switch (form_.emptyRun) {
-      case EmptyRun::deleteFiles:
-        return recordedAny_ ? CloseRecordFile(state_, channel) : DeleteEmptyRecordFile(state_, channel);
-      case EmptyRun::leaveOneByte:
-        return IsRecordingEmpty() ? LeaveOneByte(state_, channel) : CloseRecordFile(state_, channel);
-    }
-  }
-
-  // Of the files that are open now; those before them may hold pings.
-  [[nodiscard]] bool IsRecordingEmpty() const {
-    return recordingSize_ == 0 || recordingNumber_ != LoadShared(state_.recordingNumber);
   }
 
   AppState& state_;
@@ -363,9 +350,7 @@ class LiveRun final : private AwayWorker {
   bool stopped_ = false;
   bool fresh_ = true;
   uint32_t silentSince_ms_ = 0;
-  bool recordedAny_ = false;    // in this run
-  uint64_t recordingSize_ = 0;  // bytes, since the files of recordingNumber_ were opened
-  uint32_t recordingNumber_ = 0;
+  bool recordedAny_ = false;  // handed to the writer, in this run
   LivePing ping_{};
   ToldValues told_{};  // of the latest block, when there are outputs
   SlotImage image_{};

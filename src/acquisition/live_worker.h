@@ -1,6 +1,6 @@
 // The live acquisition worker: one loop for every output mode, from the bytes of the device port to rings,
-// record files, time marks and status texts. It is the only writer of rings and record files while it runs.
-// What the device streams is a StreamForm; the loop itself knows no format.
+// record files, time marks and status texts. It is the only writer of rings while it runs, and the only one
+// who records. What the device streams is a StreamForm; the loop itself knows no format.
 #pragma once
 
 #include <cstdint>

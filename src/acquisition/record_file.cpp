@@ -3,85 +3,63 @@
 #include <cinttypes>
 #include <utility>
 
+#include "acquisition/record_writer.h"
+#include "base/shared_value.h"
 #include "base/text_format.h"
+#include "platform/clock.h"
 #include "platform/file.h"
 
 namespace tw {
 namespace {
 
-constexpr size_t kPathSize = 1'024;
-
-struct Slot {
-  Handle& file;
-  Handle& busy;
-};
-
-Slot SlotOf(AppState& state, RecordChannel channel) {
-  if (channel == RecordChannel::a) return {state.recordFileA, state.recordBusyA};
-  return {state.recordFileB, state.recordBusyB};
-}
+constexpr uint32_t kRoomPoll_ms = 10;
 
 bool IsOpen(Handle file) {
   return file != Handle::invalid && file != Handle::null;
 }
 
-// Marks the channel's file as being written to; the invalid handle when none is open.
-Handle BeginWriting(AppState& state, RecordChannel channel) {
+// Under recordLock. False without memory for it.
+bool MakeWriter(AppState& state) {
+  if (state.recordWriter == nullptr) state.recordWriter = RecordWriter::Make(state);
+  return state.recordWriter != nullptr;
+}
+
+// What becomes of the channel's open file, which takes no more pings. Nothing happens without one, or to a
+// run other than the caller's. Only a disk that stood still through a thousand openings can leave no room for
+// this.
+void EndOpenFile(AppState& state, uint32_t runNumber, const RecordEntry& entry) {
+  for (;;) {
+    {
+      Locked held(state.recordLock);
+      Handle& field = ChannelOf(state, entry.channel).recordFile;
+      if (!IsOpen(field) || LoadShared(state.runNumber) != runNumber) return;
+      if (state.recordWriter->Put(entry)) {
+        field = Handle::invalid;
+        return;
+      }
+    }
+    SleepMilliseconds(kRoomPoll_ms);
+  }
+}
+
+bool HandOverFile(AppState& state, RecordChannel channel, Handle file) {
   Locked held(state.recordLock);
-  const Slot slot = SlotOf(state, channel);
-  slot.busy = IsOpen(slot.file) ? slot.file : Handle::invalid;
-  return slot.busy;
-}
-
-// Ends the writing. The file is closed when somebody has taken it out of the state meanwhile, or when it is
-// to be given up.
-void EndWriting(AppState& state, RecordChannel channel, Handle file, bool giveUp) {
-  bool close = false;
-  {
-    Locked held(state.recordLock);
-    const Slot slot = SlotOf(state, channel);
-    if (slot.busy == file) slot.busy = Handle::invalid;  // after a long time it may be the next worker's
-    close = slot.file != file || giveUp;
-    if (slot.file == file && giveUp) slot.file = Handle::invalid;
-  }
-  if (close) CloseFile(file);
-}
-
-void CutBack(Handle file, uint32_t written) {
-  uint64_t position = 0;
-  if (written != 0 && FilePosition(file, position) && position >= written) {
-    // When even this fails the file ends in a part of a ping; there is nothing more to be done about it.
-    static_cast<void>(TruncateFile(file, position - written));
-  }
-}
-
-// Ends the writing to a file without pings. The CR goes over the first byte, which takes no room on the disk.
-void EndWithOneByte(AppState& state, RecordChannel channel, Handle file) {
-  wchar_t path[kPathSize];
-  uint32_t written = 0;
-  const bool left = SeekFile(file, 0) && WriteFileBytes(file, "\r", 1, written) && TruncateFile(file, 1);
-  const bool remove = !left && PathOfFile(file, path);
-  EndWriting(state, channel, file, true);
-  if (remove) static_cast<void>(RemoveFile(path));  // an undeletable file stays as it is
+  if (!MakeWriter(state)) return false;
+  if (!state.recordWriter->Put({.step = RecordStep::open, .channel = channel, .file = file})) return false;
+  state.recordWriter->NoteNewRecording();
+  ChannelOf(state, channel).recordFile = file;
+  return true;
 }
 
 }  // namespace
 
 void PutRecordFile(AppState& state, RecordChannel channel, Handle file) {
   CloseRecordFile(state, channel);
-  Locked held(state.recordLock);
-  SlotOf(state, channel).file = file;
+  if (IsOpen(file) && !HandOverFile(state, channel, file)) CloseFile(file);
 }
 
 void CloseRecordFile(AppState& state, RecordChannel channel) {
-  Handle file = Handle::invalid;
-  {
-    Locked held(state.recordLock);
-    const Slot slot = SlotOf(state, channel);
-    file = std::exchange(slot.file, Handle::invalid);
-    if (file == slot.busy) return;
-  }
-  if (IsOpen(file)) CloseFile(file);
+  EndOpenFile(state, LoadShared(state.runNumber), {.step = RecordStep::close, .channel = channel});
 }
 
 void CloseBothRecordFiles(AppState& state) {
@@ -91,41 +69,69 @@ void CloseBothRecordFiles(AppState& state) {
 
 bool IsRecordFileOpen(AppState& state, RecordChannel channel) {
   Locked held(state.recordLock);
-  return IsOpen(SlotOf(state, channel).file);
+  return IsOpen(ChannelOf(state, channel).recordFile);
 }
 
-uint32_t WriteRecord(AppState& state, RecordChannel channel, std::span<const char> ping, GiveUp giveUp) {
-  const Handle file = BeginWriting(state, channel);
-  if (file == Handle::invalid) return 0;
-  uint32_t written = 0;
-  const bool whole = WriteFileBytes(file, ping.data(), static_cast<uint32_t>(ping.size()), written);
-  if (!whole) CutBack(file, written);
-  if (!whole && giveUp == GiveUp::leaveOneByte) {
-    EndWithOneByte(state, channel, file);
-  } else {
-    EndWriting(state, channel, file, !whole);
+Recorded RecordPing(AppState& state, const PingToRecord& what, std::span<const char> ping) {
+  Locked held(state.recordLock);
+  // Files of the next run are opened after the number was raised.
+  const bool stale = LoadShared(state.runNumber) != what.runNumber;
+  if (stale || !IsOpen(ChannelOf(state, what.channel).recordFile)) return Recorded::noFile;
+  const RecordEntry entry{.step = RecordStep::ping,
+                          .channel = what.channel,
+                          .emptyRun = what.emptyRun,
+                          .any = what.any,
+                          .tell = what.tell,
+                          .recording = what.recording};
+  if (state.recordWriter->Put(entry, ping)) return Recorded::handedOver;
+  state.recordWriter->NoteLost();
+  return Recorded::noRoom;
+}
+
+uint64_t RecordedBytes(AppState& state, uint32_t recording) {
+  Locked held(state.recordLock);
+  if (state.recordWriter == nullptr || state.recordWriter->Tally().recording != recording) return 0;
+  return state.recordWriter->Tally().size_bytes;
+}
+
+void EndRecording(AppState& state, uint32_t runNumber, EmptyRun emptyRun, bool any) {
+  for (const RecordChannel channel : {RecordChannel::a, RecordChannel::b}) {
+    EndOpenFile(state, runNumber,
+                {.step = RecordStep::end,
+                 .channel = channel,
+                 .emptyRun = emptyRun,
+                 .any = any,
+                 .recording = LoadShared(state.recordingNumber)});
   }
-  return whole ? written : 0;
-}
-
-void DeleteEmptyRecordFile(AppState& state, RecordChannel channel) {
-  const Handle file = BeginWriting(state, channel);
-  if (file == Handle::invalid) return;
-  wchar_t path[kPathSize];
-  uint32_t written = 0;
-  const bool named = WriteFileBytes(file, "\r", 1, written) && PathOfFile(file, path);
-  EndWriting(state, channel, file, true);
-  if (named) static_cast<void>(RemoveFile(path));  // an undeletable file stays, with its settings line
 }
 
 void DeleteEmptyRecordFiles(AppState& state) {
-  DeleteEmptyRecordFile(state, RecordChannel::a);
-  DeleteEmptyRecordFile(state, RecordChannel::b);
+  for (const RecordChannel channel : {RecordChannel::a, RecordChannel::b}) {
+    EndOpenFile(state, LoadShared(state.runNumber), {.step = RecordStep::remove, .channel = channel});
+  }
+  static_cast<void>(AwaitRecords(state, kWritingLimit_ms));
 }
 
-void LeaveOneByte(AppState& state, RecordChannel channel) {
-  const Handle file = BeginWriting(state, channel);
-  if (file != Handle::invalid) EndWithOneByte(state, channel, file);
+bool AwaitRecords(AppState& state, uint32_t limit_ms) {
+  RecordWriter* writer = nullptr;
+  {
+    Locked held(state.recordLock);
+    writer = state.recordWriter;
+    if (writer == nullptr) return true;
+    writer->Begin();
+  }
+  return WaitForEvent(writer->Idle(), limit_ms);
+}
+
+void FinishRecords(AppState& state, uint32_t began_ms) {
+  const uint32_t passed_ms = MillisecondClock() - began_ms;
+  if (AwaitRecords(state, passed_ms < kWritingLimit_ms ? kWritingLimit_ms - passed_ms : 0)) return;
+  Locked held(state.recordLock);
+  if (state.recordWriter->BytesLeft() != 0) state.recordWriter->NoteLeft();
+}
+
+void FreeRecordWriter(AppState& state) {
+  RecordWriter::Free(std::exchange(state.recordWriter, nullptr));
 }
 
 void FormatFileSize(std::span<wchar_t> text, uint64_t size_bytes) {

@@ -1,22 +1,26 @@
-// The record files of a run, shared by the GUI thread, which opens and closes them, and the acquisition
-// worker, which writes. Nobody waits for a disk and no handle is used after it was closed: the worker says
-// which file it is writing to (the busy field); who closes a file takes it out of the state record and leaves
-// the closing to the worker when that file is busy. The fields are those of the state record, under
-// recordLock.
+// The record files of a run, shared by the GUI thread, which opens and closes them, the acquisition worker,
+// which records, and the writer thread (acquisition/record_writer.h), which owns them from the moment they
+// are put here. Nobody else waits for a disk: recording and closing only hand over, in order. The fields of
+// the state record say which files still take pings; they and the writer are guarded by recordLock.
 #pragma once
 
 #include <cstdint>
 #include <span>
 
+#include "acquisition/record_queue.h"
 #include "app/state/app_state.h"
 #include "app/state/record_channel.h"
 
 namespace tw {
 
-// Puts an open file into the field; a file that stood there is closed. GUI thread.
+// How long the end of a run, or of the program, waits for the disk.
+inline constexpr uint32_t kWritingLimit_ms = 3'000;
+
+// Hands an open file over; a file that stood in the field is closed. Without memory for the writer the file
+// is closed at once, as one that cannot be created. GUI thread.
 void PutRecordFile(AppState& state, RecordChannel channel, Handle file);
 
-// Closes the channel's file and marks it invalid. Any thread.
+// Marks the channel's file invalid, and has it closed behind its last ping. GUI thread.
 void CloseRecordFile(AppState& state, RecordChannel channel);
 
 // Both files.
@@ -24,26 +28,46 @@ void CloseBothRecordFiles(AppState& state);
 
 [[nodiscard]] bool IsRecordFileOpen(AppState& state, RecordChannel channel);
 
-// What stays of a file that the disk refuses to go on with: its whole pings, or what LeaveOneByte leaves.
-enum class GiveUp : uint8_t { leavePings, leaveOneByte };
+// What a worker says about a ping besides its bytes.
+struct PingToRecord {
+  RecordChannel channel;
+  uint32_t runNumber;      // of the worker
+  uint32_t recording = 0;  // recordingNumber, as the worker knows it
+  EmptyRun emptyRun = EmptyRun::deleteFiles;
+  bool any = false;   // the worker has handed a ping over before this one
+  bool tell = false;  // the size of the recording is told in the status bar when the ping is written
+};
 
-// Writes one whole ping in one write and returns the bytes recorded: all of them, or 0. When there is no open
-// file nothing happens. When the disk takes less than all, the file is cut back to the last whole ping and
-// closed, silently. Acquisition worker only.
-[[nodiscard]] uint32_t WriteRecord(AppState& state, RecordChannel channel, std::span<const char> ping,
-                                   GiveUp giveUp = GiveUp::leavePings);
+enum class Recorded : uint8_t { handedOver, noFile, noRoom };
 
-// The end of a run that recorded nothing: writes one CR into the open file (a file of length 0 has no name
-// to be found), looks up its name, closes and deletes it. Acquisition worker, or the GUI thread when there is
-// none.
-void DeleteEmptyRecordFile(AppState& state, RecordChannel channel);
+// Hands over one whole ping, which is written in one write. When the disk takes less than all of it the file
+// is cut back to the last whole ping, or to what its form leaves of a recording without a ping, and closed,
+// silently. `noRoom`: the disk has not kept pace for long; the ping is not recorded, which is counted and
+// told. A worker whose run number is stale hands nothing over (noFile). Acquisition worker only.
+[[nodiscard]] Recorded RecordPing(AppState& state, const PingToRecord& what, std::span<const char> ping);
 
-// Both files.
+// The bytes of a recording that stand in its files.
+[[nodiscard]] uint64_t RecordedBytes(AppState& state, uint32_t recording);
+
+// The end of a worker: both files are closed behind its last ping, or left as its form leaves those of a
+// worker that recorded nothing. `any`: it has handed a ping over. A stale worker ends nothing. Acquisition
+// worker only.
+void EndRecording(AppState& state, uint32_t runNumber, EmptyRun emptyRun, bool any);
+
+// Closes and deletes both files, of a run that never began, and waits for that, kWritingLimit_ms at most.
+// GUI thread, when there is no worker.
 void DeleteEmptyRecordFiles(AppState& state);
 
-// kept: the same of a binary recording, whose file stays, cut down to that one CR, and is closed. Where the
-// disk refuses even this the file is deleted. Acquisition worker only.
-void LeaveOneByte(AppState& state, RecordChannel channel);
+// Waits until all that was handed over stands in the files, so long at most. False when something is left,
+// which is written later. GUI thread.
+[[nodiscard]] bool AwaitRecords(AppState& state, uint32_t limit_ms);
+
+// The same until kWritingLimit_ms after `began_ms` of the millisecond clock; what is left then is told.
+void FinishRecords(AppState& state, uint32_t began_ms);
+
+// Of a test's program, at its end: waits until the writer thread has ended, which it does when the files are
+// closed, and gives its memory back.
+void FreeRecordWriter(AppState& state);
 
 inline constexpr size_t kSizeTextSize = 64;
 

@@ -27,7 +27,6 @@ LiveProgram::LiveProgram(SerialPeer& device)
   state_->ringA = static_cast<PingRing*>(AllocateZeroed(kRingSize));
   state_->ringB = static_cast<PingRing*>(AllocateZeroed(kRingSize));
   state_->recordFileA = state_->recordFileB = Handle::invalid;
-  state_->recordBusyA = state_->recordBusyB = Handle::invalid;
   state_->segyCompanionB = Handle::invalid;
   DeviceSettings& settings = state_->settings;
   settings.outputMode = 4;
@@ -47,6 +46,7 @@ LiveProgram::~LiveProgram() {
   if (state_->acquisitionThread != Handle::null) StopWorker();
   CloseSerialLine(state_->devicePort);
   CloseBothRecordFiles(*state_);
+  FreeRecordWriter(*state_);
   DetachSerialLines();
   ClearFaults();
   static_cast<void>(TakePostedTexts());
@@ -79,6 +79,7 @@ void LiveProgram::WaitForWorker() {
   EXPECT_EQ(WaitForThread(state_->acquisitionThread, 5'000), ThreadWait::ended);
   CloseThread(state_->acquisitionThread);
   state_->acquisitionThread = Handle::null;
+  EXPECT_TRUE(AwaitRecords(*state_, kWritingLimit_ms));
 }
 
 void LiveProgram::OpenFile(RecordChannel channel, const wchar_t* name) {

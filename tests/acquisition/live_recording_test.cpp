@@ -44,6 +44,24 @@ TEST_F(LiveRecording, SentencesAreTheReceiversTalkers) {
                 "$GNRMC,000000.00,V,0.000000,S,0.000000,W,0.0,0.0,000100,0.0,W,A*10\r\n\r\n\r\n");
 }
 
+TEST_F(LiveRecording, ARunWhoseOnlyPingTheDiskRefusedHasRecordedNothing) {
+  Record();
+  RunWith(EchoBlock(1));
+  EXPECT_EQ(program_.FileContent(L"b.log"), "INFO\r\n") << "an earlier run's";
+  Record();
+  InjectFault({.point = FaultPoint::writeFile, .taken = 20});
+  RunWith(EchoBlock(2));
+  EXPECT_EQ(program_.FileContent(L"a.log"), "INFO\r\n");
+  EXPECT_EQ(program_.FileContent(L"b.log"), "absent");
+}
+
+TEST_F(LiveRecording, ABinaryRecordingThatTheDiskEndsKeepsItsFrames) {
+  Record();
+  InjectFault({.point = FaultPoint::writeFile, .call = 2, .taken = 20});
+  RunWith(kGoldenWordBlock + kGoldenWordBlock, kBlockStream);
+  EXPECT_EQ(program_.FileContent(L"a.log").size(), 6 + kGoldenFrame.size());
+}
+
 TEST_F(LiveRecording, WhatARunLeavesThatRecordedNothing) {
   enum class Disk : uint8_t { isSwitchedOff, refusesOneWrite, isFull };
   const struct {

@@ -184,40 +184,6 @@ TEST_F(LiveWorker, WhoseStartIsNotItsOwnTouchesNothing) {
   EXPECT_TRUE(TakePostedTexts().empty());
 }
 
-// A disk that takes a write up only after the next run has begun.
-class SlowDisk final : public FileSink {
- public:
-  SlowDisk(AppState& state, std::string_view late) : state_(state), late_(late) { SinkFiles(L"", this); }
-  ~SlowDisk() override { SinkFiles(nullptr, nullptr); }
-  void Written(std::wstring_view, uint64_t, std::span<const uint8_t> bytes) override {
-    if (bytes[0] != static_cast<uint8_t>(late_[0])) return;
-    StoreShared(state_.runNumber, state_.runNumber + 1);
-    state_.recordBusyA = kNextRuns;
-  }
-  static constexpr Handle kNextRuns{0x1234};
-
- private:
-  AppState& state_;
-  const std::string_view late_;
-};
-
-TEST_F(LiveWorker, ThatHungInAWriteComesBackSilently) {
-  for (const std::string_view late : {"#DeviceID", "\r"}) {
-    const SlowDisk disk(state_, late);
-    Reset(state_.stopEvent);
-    Record();
-    if (late == "\r") Reset(state_.recordingEvent);  // the byte is what an empty run writes
-    Take(EchoBlock(1));
-    EXPECT_EQ(TakePostedTexts().empty(), late != "\r") << late;
-    Signal(state_.stopEvent);
-    SleepMilliseconds(1'000);
-    program_.WaitForWorker();
-    EXPECT_EQ(std::exchange(state_.recordBusyA, Handle::invalid), SlowDisk::kNextRuns) << late;
-    EXPECT_TRUE(IsRecordFileOpen(state_, test::kB)) << late;
-    CloseBothRecordFiles(state_);
-  }
-}
-
 TEST_F(LiveWorker, APingIsValidWithAPositionAlone) {
   const struct {
     int32_t quality;

@@ -18,7 +18,9 @@ void PostStatusText(AppState&, StatusPart part, const wchar_t* text) {
 
 // Nobody looks at these here.
 void PostProgress(AppState&, const ProgressBlock&) {}
-void PostOwnText(AppState&, StatusPart, OwnTexts&, const wchar_t*) {}
+void PostOwnText(AppState& state, StatusPart part, OwnTexts&, const wchar_t* text) {
+  PostStatusText(state, part, text);
+}
 bool PostConversionEnd(AppState&, bool) {
   return true;
 }

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "acquisition/ping_ring.h"
+#include "acquisition/record_file.h"
 #include "app/run/record_set_up.h"
 #include "app/window/commands.h"
 #include "app/window/start_up.h"
@@ -53,6 +54,7 @@ RunControlTest::RunControlTest() {
 
 RunControlTest::~RunControlTest() {
   StopRun(*state_);
+  FreeRecordWriter(*state_);
   StopVirtualClock();
   DetachSerialLines();
   ClearFaults();

@@ -1,5 +1,7 @@
 #include "app/run/record_opening.h"
 
+#include <cstring>
+
 #include "acquisition/output_mode.h"
 #include "acquisition/record_file.h"
 #include "base/shared_value.h"
@@ -10,6 +12,8 @@
 
 namespace tw {
 namespace {
+
+constexpr uint32_t kSecond_ms = 1'000;
 
 // What the device runs with: what the operator has chosen may wait for Apply. The output alone goes out with
 // the start of a run, so that before it the chosen one counts.
@@ -78,6 +82,16 @@ void OpenOne(AppState& state, const RecordFileName& name, RecordChannel channel,
   StoreShared(companion, CreateNamed(state, name.segy));
 }
 
+// Two openings within a second have the same names, and the writer may still have the files of the first
+// open. A disk that keeps it busy until that second is over gives the second ones other names.
+RecordFileNames NamesOfFreeFiles(AppState& state, NamingMoment moment, DeviceFamily family) {
+  const RecordFileNames names = NameRecordFiles(CollectFacts(state, moment, family));
+  char title[sizeof(Globals::titleText)];
+  FormatRecordTitle(title, names.a.record, names.b.record);
+  if (std::strcmp(title, globals.titleText) != 0 || AwaitRecords(state, kSecond_ms)) return names;
+  return NameRecordFiles(CollectFacts(state, moment, family));
+}
+
 // A conversion's output is closed by its worker, which may just be writing it: the worker finds the field
 // empty.
 void CloseCompanion(const AppState& state, Handle& companion) {
@@ -97,7 +111,8 @@ void OpenRecordFiles(AppState& state, NamingMoment moment, DeviceFamily namingFa
   const bool first = namingFamily == DeviceFamily::first;
   if (first && moment == NamingMoment::start && state.settings.outputMode == 5) state.settings.outputMode = 6;
 
-  const RecordFileNames names = NameRecordFiles(CollectFacts(state, moment, namingFamily));
+  StoreShared(state.recordFlushPeriod_ms, static_cast<uint32_t>(state.options.flushPeriod_s) * 1'000);
+  const RecordFileNames names = NamesOfFreeFiles(state, moment, namingFamily);
   globals.lowKHz = NameKHz(globals.measuredLowFrequency_hz);
   globals.highKHz = NameKHz(globals.measuredHighFrequency_hz);
   OpenOne(state, names.a, RecordChannel::a, state.segyCompanionA);

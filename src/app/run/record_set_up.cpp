@@ -35,7 +35,6 @@ void SetStartUpValues(AppState& state) {
   state.timeScaleUpper = state.timeScaleLower = kTimeScale_s;
   state.inputFileA = state.inputFileB = Handle::invalid;
   state.recordFileA = state.recordFileB = Handle::invalid;
-  state.recordBusyA = state.recordBusyB = Handle::invalid;
   state.segyCompanionA = state.segyCompanionB = Handle::invalid;
   state.devicePort = Handle::invalid;
 }

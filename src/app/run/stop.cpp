@@ -1,3 +1,4 @@
+#include "acquisition/record_file.h"
 #include "app/run/connection.h"
 #include "app/run/record_opening.h"
 #include "app/run/run_control.h"
@@ -5,6 +6,7 @@
 #include "app/run/worker_control.h"
 #include "app/state/posts.h"
 #include "base/shared_value.h"
+#include "platform/clock.h"
 #include "platform/thread.h"
 
 namespace tw {
@@ -34,10 +36,12 @@ bool HoldsRun(AppState& state) {
 
 void EndRun(AppState& state) {
   if (HoldsRun(state)) {
+    const uint32_t began_ms = MillisecondClock();
     EndAcquisition(state, kStopLimit_ms);
     RaiseRunNumber(state);
     ClosePorts(state);
     CloseRecordFiles(state);
+    FinishRecords(state, began_ms);
   }
   StoreShared(state.linkLost, 0);
   Reset(state.recordingEvent);

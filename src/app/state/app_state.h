@@ -25,6 +25,7 @@ class PingSink;
 struct PingRing;
 struct LiveStart;
 class PingSource;
+class RecordWriter;
 
 inline constexpr size_t kWorkingFolderSize = 260;
 inline constexpr int32_t kNoGpsPort = -1;
@@ -64,7 +65,9 @@ struct AppState {
   Event runEvents[kRunEvents];
   Handle recordFileA;  // guarded by recordLock; see acquisition/record_file.h
   Handle recordFileB;
-  Handle segyCompanionA;  // live ones never exist, their closing is given; A: a conversion's output
+  RecordWriter* recordWriter;     // the same; made with the first file, for the life of the process
+  uint32_t recordFlushPeriod_ms;  // of the disk; 0 leaves it to the system; shared
+  Handle segyCompanionA;          // live ones never exist, their closing is given; A: a conversion's output
   Handle segyCompanionB;
   int32_t playbackPace;      // shared: GUI thread writes
   Handle devicePort;         // shared: GUI opens and closes, the acquisition worker reads
@@ -119,15 +122,13 @@ struct AppState {
   Event linkRetry;            // the port may be there again: signalled by the GUI thread
   int32_t pendingRange;       // changes of range and output that timer 7 will send; GUI thread
   int32_t pendingOutput;
-  int32_t choiceWaits;        // a choice of range or output waits to be sent; GUI thread
-  uint32_t choiceSince_ms;    // the millisecond clock at the last one
-  uint32_t capturePeriod_ms;  // of live screenshots; 0: none are taken; GUI thread
-  uint32_t captureSince_ms;   // the millisecond clock when one was last due
-  int32_t fullWindow;         // the controls are hidden; GUI thread
-  int32_t fullScreen;         // the window's style is changed; nothing sets it
-  Lock recordLock;            // recordFileA, recordFileB and the two busy fields
-  Handle recordBusyA;         // the file that the worker is writing to right now, else invalid
-  Handle recordBusyB;
+  int32_t choiceWaits;         // a choice of range or output waits to be sent; GUI thread
+  uint32_t choiceSince_ms;     // the millisecond clock at the last one
+  uint32_t capturePeriod_ms;   // of live screenshots; 0: none are taken; GUI thread
+  uint32_t captureSince_ms;    // the millisecond clock when one was last due
+  int32_t fullWindow;          // the controls are hidden; GUI thread
+  int32_t fullScreen;          // the window's style is changed; nothing sets it
+  Lock recordLock;             // recordFileA, recordFileB and the writer
   uint32_t runNumber;          // shared: raised at each Start and at each Stop; a worker whose number is
                                // stale touches nothing any more
   LiveStart* liveStart;        // shared: for the acquisition worker that begins next; see

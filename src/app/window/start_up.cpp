@@ -81,6 +81,7 @@ void StartUp(AppState& state) {
 void BeginShutDown(AppState& state) {
   StoreShared(globals.screenshotRequested, 1);
   CloseRecordFile(state, RecordChannel::a);
+  static_cast<void>(AwaitRecords(state, kWritingLimit_ms));  // whatever is left goes with the process
 }
 
 void FinishShutDown(AppState& state) {

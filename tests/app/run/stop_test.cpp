@@ -18,6 +18,13 @@ class StopTest : public RunControlTest {
     StopRun(*state_);
     return MillisecondClock() - began_ms;
   }
+  // Pings behind the settings line, or none.
+  void ExpectWhole(const std::string& name) const {
+    const std::string content = Content(name);
+    EXPECT_TRUE(content.starts_with("INFO:1,")) << name;
+    EXPECT_TRUE(content.ends_with("\r\n\r\n") || std::count(content.begin(), content.end(), '\n') == 1)
+        << name;
+  }
 };
 
 TEST_F(StopTest, WhileStreamingEndsTheRunAndLeavesTheDeviceStreaming) {
@@ -55,6 +62,43 @@ TEST_F(StopTest, GivesAHangingWorkerThreeSeconds) {
   ExpectIdle();
 }
 
+// What was handed over is written later, whatever is recorded meanwhile.
+TEST_F(StopTest, AStalledDiskHoldsNobodyUpForMoreThanThreeSecondsAndLosesNothing) {
+  StartQuickRun(2);
+  const std::string first = RecordFiles()[0];
+  InjectFault({.point = FaultPoint::writeFile,
+               .held_ms = 60'000,
+               .subject = std::wstring(first.begin(), first.end())});
+  Run(5);
+  const size_t before = Content(first).size();
+  state_->settings.gainHigh = 3.0f;
+  uint32_t began_ms = MillisecondClock();
+  ApplySettings(*state_);
+  EXPECT_LT(MillisecondClock() - began_ms, 10'000u);
+  Run(5);
+  began_ms = MillisecondClock();
+  for (const bool on : {false, true, false, true}) {
+    Ui().controls[ID_RECORD].checked = on;
+    ToggleRecording(*state_);
+  }
+  EXPECT_LE(MillisecondClock() - began_ms, 1'010u) << "another name for the second within a second";
+  ASSERT_NE(state_->recordFileA, Handle::invalid);
+  Run(5);
+  const uint32_t took_ms = Stop_ms();
+  EXPECT_GE(took_ms, 3'000u);
+  EXPECT_LE(took_ms, 3'010u);
+  ExpectIdle();
+  EXPECT_TRUE(Ui().posts[4].back().starts_with(L"Still to be written : ")) << "what is left is told";
+  EXPECT_EQ(Content(first).size(), before);
+  StartRun(*state_);
+  Run(60);
+  EXPECT_EQ(Ui().posts[4].back(), L"");
+  StopRun(*state_);
+  EXPECT_EQ(RecordFiles().size(), 5u);
+  for (const std::string& name : RecordFiles()) ExpectWhole(name);
+  EXPECT_GT(Content(first).size(), 2 * before);
+}
+
 // Timers go on while its box is shown.
 TEST_F(StopTest, APulledPlugIsReportedOnceAndNothingIsSentToALostDevice) {
   StartQuickRun(2);
@@ -88,12 +132,7 @@ TEST_F(StopTest, QuickTicksOfRecordDataLeaveWholeFiles) {
   EXPECT_FALSE(Ui().controls[ID_RECORD].checked);
   StopRun(*state_);
   EXPECT_GT(RecordFiles().size(), 5u);
-  for (const std::string& name : RecordFiles()) {
-    const std::string content = Content(name);
-    EXPECT_TRUE(content.starts_with("INFO:1,")) << name;
-    EXPECT_TRUE(content.ends_with("\r\n\r\n") || std::count(content.begin(), content.end(), '\n') == 1)
-        << name;
-  }
+  for (const std::string& name : RecordFiles()) ExpectWhole(name);
 }
 
 }  // namespace

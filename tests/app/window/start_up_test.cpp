@@ -131,8 +131,12 @@ TEST_F(StartUpTest, TheRingsTakeNoMemoryUntilTheyAreUsed) {
 
 TEST_F(StartUpTest, ClosingWhileRecordingClosesTheFileBeforeThePositionIsStored) {
   StartQuickRun(2);
+  const size_t written = Content(RecordFiles()[0]).size();
+  InjectFault({.point = FaultPoint::writeFile, .held_ms = 2'000});
+  Run(1);
   BeginShutDown(*state_);
   EXPECT_EQ(state_->recordFileA, Handle::invalid);
+  EXPECT_GT(Content(RecordFiles()[0]).size(), written) << "what waited for the disk is written";
   EXPECT_EQ(globals.screenshotRequested, 1);
   FinishShutDown(*state_);
   EXPECT_EQ(RegistryWrites().back(), L"MainWindowPosition");

@@ -1,0 +1,44 @@
+// The open record file of one channel, as the writer thread has it: pings stand in it whole or not at all.
+// The given silence: what the disk refuses is told to nobody here. Writer thread only.
+#pragma once
+
+#include <span>
+
+#include "platform/handle.h"
+
+namespace tw {
+
+class DiskRecord {
+ public:
+  // A file that stood there has been closed.
+  void Open(Handle file) { file_ = file; }
+
+  [[nodiscard]] bool IsOpen() const { return file_ != Handle::invalid; }
+  [[nodiscard]] Handle Get() const { return file_; }
+
+  // Writes a ping in one write. When the disk takes less than all, the file is cut back to the last whole
+  // ping, and the result is false.
+  [[nodiscard]] bool Write(std::span<const char> ping);
+
+  // Flushes to the disk what was written since the last time.
+  void Flush();
+
+  // Ends the file. Nothing happens when none is open.
+  void Close();
+
+  // kept: of a binary recording without a ping the file stays, cut down to one CR. Where the disk refuses
+  // even this it is deleted.
+  void CloseWithOneByte();
+
+  // Of any other recording without a ping nothing stays: writes one CR (a file of length 0 has no name to be
+  // found), looks up the name, closes and deletes.
+  void Remove();
+
+ private:
+  void CloseAndDelete(bool remove);
+
+  Handle file_ = Handle::invalid;
+  bool dirty_ = false;
+};
+
+}  // namespace tw
