@@ -4,6 +4,7 @@
 #include <memory>
 #include <new>
 #include <string>
+#include <utility>
 
 #include "acquisition/byte_source.h"
 #include "acquisition/live_report.h"
@@ -312,6 +313,7 @@ class LiveRun final : private AwayWorker {
       if (due) report_.ShowPing(ping_.header, context_.dual);
       return;
     }
+    if (BeginsPing()) ChangeRecordFiles(state_, runNumber_);
     const uint32_t recording = LoadShared(state_.recordingNumber);
     const bool second = ping_.secondChannel && !form_.SharesFile();
     const size_t size = form_.layOutRecord(block, ping_, {sentences_, sentences}, std::span(record_));
@@ -325,6 +327,13 @@ class LiveRun final : private AwayWorker {
                                        std::span(record_).first(size));
     recordedAny_ = recordedAny_ || result == Recorded::handedOver;
     if (due && result != Recorded::handedOver && !Stale()) report_.ShowSize(RecordedBytes(state_, recording));
+  }
+
+  // Both files of a pair change at the same ping, whose high channel comes first.
+  bool BeginsPing() {
+    const bool second = context_.dual && ping_.secondChannel;
+    const bool secondAgain = std::exchange(lastWasSecond_, second) && second;
+    return !second || secondAgain;
   }
 
   void End() {
@@ -351,6 +360,7 @@ class LiveRun final : private AwayWorker {
   bool fresh_ = true;
   uint32_t silentSince_ms_ = 0;
   bool recordedAny_ = false;  // handed to the writer, in this run
+  bool lastWasSecond_ = false;
   LivePing ping_{};
   ToldValues told_{};  // of the latest block, when there are outputs
   SlotImage image_{};

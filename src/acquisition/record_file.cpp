@@ -72,6 +72,28 @@ bool IsRecordFileOpen(AppState& state, RecordChannel channel) {
   return IsOpen(ChannelOf(state, channel).recordFile);
 }
 
+void OfferRecordFile(AppState& state, RecordChannel channel, Handle file) {
+  Locked held(state.recordLock);
+  ChannelOf(state, channel).nextRecord = file;
+}
+
+Handle TakeBackRecordFile(AppState& state, RecordChannel channel) {
+  Locked held(state.recordLock);
+  return std::exchange(ChannelOf(state, channel).nextRecord, Handle::invalid);
+}
+
+void ChangeRecordFiles(AppState& state, uint32_t runNumber) {
+  Locked held(state.recordLock);
+  if (LoadShared(state.runNumber) != runNumber || state.recordWriter == nullptr) return;
+  for (const RecordChannel channel : {RecordChannel::a, RecordChannel::b}) {
+    ChannelView view = ChannelOf(state, channel);
+    if (!IsOpen(view.nextRecord) || !IsOpen(view.recordFile)) continue;
+    // Without room for both the old file goes on.
+    if (!state.recordWriter->PutChange(channel, view.nextRecord)) continue;
+    view.recordFile = std::exchange(view.nextRecord, Handle::invalid);
+  }
+}
+
 Recorded RecordPing(AppState& state, const PingToRecord& what, std::span<const char> ping) {
   Locked held(state.recordLock);
   // Files of the next run are opened after the number was raised.

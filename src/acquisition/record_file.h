@@ -28,6 +28,16 @@ void CloseBothRecordFiles(AppState& state);
 
 [[nodiscard]] bool IsRecordFileOpen(AppState& state, RecordChannel channel);
 
+// A recording goes on in another file: offers one for the channel, open and with its settings line. The
+// worker changes over to the offered files of both channels at once, ahead of a ping. GUI thread.
+void OfferRecordFile(AppState& state, RecordChannel channel, Handle file);
+
+// The file that the worker has not come to take, no longer offered; Handle::invalid: none. GUI thread.
+[[nodiscard]] Handle TakeBackRecordFile(AppState& state, RecordChannel channel);
+
+// Changes over to the files that are offered, if any. Acquisition worker only, where a ping begins.
+void ChangeRecordFiles(AppState& state, uint32_t runNumber);
+
 // What a worker says about a ping besides its bytes.
 struct PingToRecord {
   RecordChannel channel;

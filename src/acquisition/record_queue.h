@@ -15,11 +15,12 @@ namespace tw {
 
 // What the writer does with the file of a channel.
 enum class RecordStep : uint8_t {
-  open,   // from now on it is `file`
-  ping,   // takes the bytes behind the entry
-  close,  // is closed
-  end,    // the same at the end of a worker, which may have recorded nothing
-  remove  // closed and deleted: nothing was recorded
+  open,    // from now on it is `file`
+  change,  // is closed, and from now on it is `file`
+  ping,    // takes the bytes behind the entry
+  close,   // is closed
+  end,     // the same at the end of a worker, which may have recorded nothing
+  remove   // closed and deleted: nothing was recorded
 };
 
 struct RecordEntry {
@@ -30,7 +31,7 @@ struct RecordEntry {
   bool tell = false;                          // ping: the size of the recording is told behind it
   uint32_t recording = 0;                     // of ping and end: the recording's number
   uint32_t size_bytes = 0;                    // of the ping behind the entry
-  Handle file = Handle::invalid;              // of open
+  Handle file = Handle::invalid;              // of open and change
 };
 
 // Of pings. What else is queued finds room behind it.

@@ -53,6 +53,10 @@ bool RecordWriter::Put(const RecordEntry& entry, std::span<const char> ping) {
   return true;
 }
 
+bool RecordWriter::PutChange(RecordChannel channel, Handle file) {
+  return Put({.step = RecordStep::change, .channel = channel, .file = file});
+}
+
 void RecordWriter::Begin() {
   if (runs_) return Signal(work_);
   if (queue_.IsEmpty()) return;
@@ -136,6 +140,10 @@ void RecordWriter::Do() {
   DiskRecord& file = FileOf(entry_.channel);
   switch (entry_.step) {
     case RecordStep::open:
+      return file.Open(entry_.file);
+    case RecordStep::change:
+      FlushBeforeClosing();
+      file.Close();
       return file.Open(entry_.file);
     case RecordStep::ping:
       return WritePing();

@@ -32,6 +32,9 @@ class RecordWriter {
   // Queues. False without room.
   [[nodiscard]] bool Put(const RecordEntry& entry, std::span<const char> ping = {});
 
+  // Queues that the channel's file is closed and goes on as another one. False without room.
+  [[nodiscard]] bool PutChange(RecordChannel channel, Handle file);
+
   [[nodiscard]] const RecordTally& Tally() const { return tally_; }
 
   // Waiting, and being written.

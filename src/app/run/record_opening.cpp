@@ -4,6 +4,7 @@
 
 #include "acquisition/output_mode.h"
 #include "acquisition/record_file.h"
+#include "app/run/record_split.h"
 #include "base/shared_value.h"
 #include "base/text_format.h"
 #include "device/info_line.h"
@@ -53,14 +54,26 @@ bool HoldsBothChannels(const DeviceSettings& settings) {
   return settings.simultaneous != 0 && AcceptedMode(FamilyInUse(), settings.outputMode).sent.SharesFile();
 }
 
+bool PathOf(const AppState& state, const char* name, std::span<wchar_t> path) {
+  wchar_t wide[kRecordNameSize];
+  WidenText(wide, name);
+  return name[0] != '\0' && JoinPath(path, state.workingFolder, wide);
+}
+
 // A recording that the disk does not even take the settings line of. Of a binary run nothing is left then,
 // since its worker finds no file to leave the byte in.
 void ClearAwayUnbegun(const AppState& state, const char* name, OutputMode mode) {
   if (AcceptedMode(FamilyInUse(), mode).recorded.emptyRun != EmptyRun::leaveOneByte) return;
-  wchar_t wide[kRecordNameSize];
   wchar_t path[kPathSize];
-  WidenText(wide, name);
-  if (JoinPath(path, state.workingFolder, wide)) static_cast<void>(RemoveFile(path));
+  if (PathOf(state, name, path)) static_cast<void>(RemoveFile(path));
+}
+
+bool IsTaken(const AppState& state, const RecordFileName& name) {
+  wchar_t path[kPathSize];
+  if (!PathOf(state, name.record, path)) return false;
+  const Handle file = OpenFileForReading(path, WriteSharing::allowed);
+  CloseFile(file);
+  return file != Handle::invalid;
 }
 
 Handle CreateNamed(const AppState& state, const char* name) {
@@ -70,26 +83,44 @@ Handle CreateNamed(const AppState& state, const char* name) {
   return CreateInFolder(state.workingFolder, wide);
 }
 
-// Creates one record file with its settings line(s). The worker sees the handle only when they are written.
-void OpenOne(AppState& state, const RecordFileName& name, RecordChannel channel, Handle& companion) {
+// Creates one record file with its settings line(s).
+Handle Begin(const AppState& state, const RecordFileName& name) {
   Handle file = CreateNamed(state, name.record);
-  if (file != Handle::invalid) {
-    const DeviceSettings settings = RunningSettings(state);
-    WriteInfoLine(settings, FamilyInUse(), file, name.channelFrequency_hz, HoldsBothChannels(settings));
-    if (file == Handle::invalid) ClearAwayUnbegun(state, name.record, settings.outputMode);
-  }
-  PutRecordFile(state, channel, file);
+  if (file == Handle::invalid) return file;
+  const DeviceSettings settings = RunningSettings(state);
+  WriteInfoLine(settings, FamilyInUse(), file, name.channelFrequency_hz, HoldsBothChannels(settings));
+  if (file == Handle::invalid) ClearAwayUnbegun(state, name.record, settings.outputMode);
+  return file;
+}
+
+// The worker sees the handle only when the settings line is written.
+void OpenOne(AppState& state, const RecordFileName& name, RecordChannel channel, Handle& companion) {
+  PutRecordFile(state, channel, Begin(state, name));
   StoreShared(companion, CreateNamed(state, name.segy));
+}
+
+// With the option never to replace a recording: a name that exists waits for the next second.
+RecordFileNames NamesOfNewFiles(const AppState& state, NamingMoment moment, DeviceFamily family) {
+  constexpr uint32_t kSlice_ms = 50;
+  constexpr uint32_t kLimit_ms = 5'000;  // somebody else makes one each second
+  RecordFileNames names = NameRecordFiles(CollectFacts(state, moment, family));
+  if (state.options.neverReplace == 0) return names;
+  for (uint32_t waited_ms = 0; waited_ms < kLimit_ms; waited_ms += kSlice_ms) {
+    if (!IsTaken(state, names.a) && !IsTaken(state, names.b)) break;
+    SleepMilliseconds(kSlice_ms);
+    names = NameRecordFiles(CollectFacts(state, moment, family));
+  }
+  return names;
 }
 
 // Two openings within a second have the same names, and the writer may still have the files of the first
 // open. A disk that keeps it busy until that second is over gives the second ones other names.
 RecordFileNames NamesOfFreeFiles(AppState& state, NamingMoment moment, DeviceFamily family) {
-  const RecordFileNames names = NameRecordFiles(CollectFacts(state, moment, family));
+  const RecordFileNames names = NamesOfNewFiles(state, moment, family);
   char title[sizeof(Globals::titleText)];
   FormatRecordTitle(title, names.a.record, names.b.record);
   if (std::strcmp(title, globals.titleText) != 0 || AwaitRecords(state, kSecond_ms)) return names;
-  return NameRecordFiles(CollectFacts(state, moment, family));
+  return NamesOfNewFiles(state, moment, family);
 }
 
 // A conversion's output is closed by its worker, which may just be writing it: the worker finds the field
@@ -108,6 +139,7 @@ void OpenRecordFiles(AppState& state, NamingMoment moment) {
 void OpenRecordFiles(AppState& state, NamingMoment moment, DeviceFamily namingFamily) {
   CloseRecordFiles(state);
   StoreShared(state.recordingNumber, LoadShared(state.recordingNumber) + 1);
+  state.splitPeriod = SplitPeriodNow(state);
   const bool first = namingFamily == DeviceFamily::first;
   if (first && moment == NamingMoment::start && state.settings.outputMode == 5) state.settings.outputMode = 6;
 
@@ -120,7 +152,37 @@ void OpenRecordFiles(AppState& state, NamingMoment moment, DeviceFamily namingFa
   FormatRecordTitle(globals.titleText, names.a.record, names.b.record);
 }
 
+bool SplitRecordFiles(AppState& state) {
+  const RecordFileNames names =
+      NameRecordFiles(CollectFacts(state, NamingMoment::recordSwitchedOn, FamilyInUse()));
+  if (IsTaken(state, names.a) || IsTaken(state, names.b)) return false;
+  const bool pair = IsRecordFileOpen(state, RecordChannel::b);
+  const Handle a = IsRecordFileOpen(state, RecordChannel::a) ? Begin(state, names.a) : Handle::invalid;
+  const Handle b = pair ? Begin(state, names.b) : Handle::invalid;
+  if (a == Handle::invalid && b == Handle::invalid) return false;
+  static_assert(sizeof state.nextNames[0] == sizeof names.a.record);
+  std::memcpy(state.nextNames[0], names.a.record, sizeof names.a.record);
+  std::memcpy(state.nextNames[1], names.b.record, sizeof names.b.record);
+  StoreShared(state.recordingNumber, LoadShared(state.recordingNumber) + 1);
+  OfferRecordFile(state, RecordChannel::a, a);
+  OfferRecordFile(state, RecordChannel::b, b);
+  FormatRecordTitle(globals.titleText, names.a.record, names.b.record);
+  return true;
+}
+
+void TakeBackOffers(AppState& state) {
+  for (const RecordChannel channel : {RecordChannel::a, RecordChannel::b}) {
+    const Handle file = TakeBackRecordFile(state, channel);
+    if (file == Handle::invalid) continue;
+    CloseFile(file);
+    wchar_t path[kPathSize];
+    const char* const name = state.nextNames[channel == RecordChannel::a ? 0 : 1];
+    if (PathOf(state, name, path)) static_cast<void>(RemoveFile(path));
+  }
+}
+
 void CloseRecordFiles(AppState& state) {
+  TakeBackOffers(state);
   CloseBothRecordFiles(state);
   CloseCompanion(state, state.segyCompanionA);
   CloseCompanion(state, state.segyCompanionB);

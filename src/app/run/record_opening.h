@@ -16,6 +16,13 @@ void OpenRecordFiles(AppState& state, NamingMoment moment);
 // The same with the names that another family's files would have.
 void OpenRecordFiles(AppState& state, NamingMoment moment, DeviceFamily namingFamily);
 
+// Opens the file or pair with which a recording goes on, under the present second, and offers it to the
+// worker. False: a file of that name exists, or none can be created.
+[[nodiscard]] bool SplitRecordFiles(AppState& state);
+
+// Deletes what was offered and has not been taken.
+void TakeBackOffers(AppState& state);
+
 // Closes both record files and both SEG-Y companions.
 void CloseRecordFiles(AppState& state);
 

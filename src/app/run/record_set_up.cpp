@@ -35,6 +35,7 @@ void SetStartUpValues(AppState& state) {
   state.timeScaleUpper = state.timeScaleLower = kTimeScale_s;
   state.inputFileA = state.inputFileB = Handle::invalid;
   state.recordFileA = state.recordFileB = Handle::invalid;
+  state.nextRecordA = state.nextRecordB = Handle::invalid;
   state.segyCompanionA = state.segyCompanionB = Handle::invalid;
   state.devicePort = Handle::invalid;
 }

@@ -15,8 +15,8 @@ struct DueNow {
   uint32_t away_s;
 };
 
-// To be called once a second, or more often, with the clock's time. Asks for the screenshots of a run. A
-// choice is due until it is forgotten, a lost link until the run is ended.
+// To be called once a second, or more often, with the clock's time. Asks for the screenshots of a run, and
+// splits its recording. A choice is due until it is forgotten, a lost link until the run is ended.
 [[nodiscard]] DueNow TickSecond(AppState& state, uint32_t now_ms);
 
 // Range or output was chosen anew: a running device gets it by itself a second after the last choice.

@@ -65,7 +65,9 @@ struct AppState {
   Event runEvents[kRunEvents];
   Handle recordFileA;  // guarded by recordLock; see acquisition/record_file.h
   Handle recordFileB;
-  RecordWriter* recordWriter;     // the same; made with the first file, for the life of the process
+  RecordWriter* recordWriter;  // the same; made with the first file, for the life of the process
+  Handle nextRecordA;  // the same; opened, and waits for the worker to change over to it, else invalid
+  Handle nextRecordB;
   uint32_t recordFlushPeriod_ms;  // of the disk; 0 leaves it to the system; shared
   Handle segyCompanionA;          // live ones never exist, their closing is given; A: a conversion's output
   Handle segyCompanionB;
@@ -119,6 +121,8 @@ struct AppState {
   uint32_t startTried_ms;     // the millisecond clock at the last try
   int32_t awayShown;          // the status bar says so; GUI thread
   Lock linkLock;              // devicePort and runNumber, where the worker puts a port into the record
+  char nextNames[2][256];     // of the files that are offered; GUI thread
+  int64_t splitPeriod;        // how many split periods the clock had seen when files were opened; GUI thread
   Event linkRetry;            // the port may be there again: signalled by the GUI thread
   int32_t pendingRange;       // changes of range and output that timer 7 will send; GUI thread
   int32_t pendingOutput;

@@ -20,6 +20,7 @@ struct ChannelView {
   uint16_t (&slotReach)[kSlotsOfRing];
   MarkList& marks;
   Handle& recordFile;
+  Handle& nextRecord;
   Handle& inputFile;
   Handle& fileWorker;
   Event& stopEvent;  // of the file worker; a's ends the acquisition worker too
@@ -34,11 +35,11 @@ struct ChannelView {
   Globals& g = globals;
   if (channel == RecordChannel::a) {
     return {s.ringA, s.ringIndexA, s.ringTimeA, s.ringLockA, g.slotReachA, g.marksA,
-            s.recordFileA, s.inputFileA, s.fileWorkerA, s.stopEvent,
+            s.recordFileA, s.nextRecordA, s.inputFileA, s.fileWorkerA, s.stopEvent,
             g.playedFrequencyA_hz, g.latestAltitudeHigh_m, s.displayRangeUpper, s.timeScaleUpper};
   }
   return {s.ringB, s.ringIndexB, s.ringTimeB, s.ringLockB, g.slotReachB, g.marksB,
-          s.recordFileB, s.inputFileB, s.fileWorkerB, s.stopEventB,
+          s.recordFileB, s.nextRecordB, s.inputFileB, s.fileWorkerB, s.stopEventB,
           g.playedFrequencyB_hz, g.latestAltitudeLow_m, s.displayRangeLower, s.timeScaleLower};
 }
 // clang-format on
