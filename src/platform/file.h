@@ -26,6 +26,10 @@ inline constexpr wchar_t kPathSeparator = L'/';
 // follows none.
 [[nodiscard]] Handle CreateNewFile(const wchar_t* path);
 
+// Opens a file, or creates one, to go on at its end: there its position is, and what it holds stays. For
+// reading and writing; others may read it meanwhile, not write it.
+[[nodiscard]] Handle OpenFileForAppending(const wchar_t* path);
+
 enum class WriteSharing : uint8_t { denied, allowed };
 
 // Opens an existing file for reading. With `denied` the open fails while somebody has it open for writing.

@@ -123,6 +123,21 @@ TEST_F(FileContract, SharingBetweenOneThatWritesAndOthers) {
   EXPECT_FALSE(RemoveFile(path));
 }
 
+TEST_F(FileContract, AppendingGoesOnAtTheEndAndCreates) {
+  const wchar_t* path = Path(L"a.log");
+  for (const std::string_view line : {"one ", "two ", "three"}) {
+    const Handle file = OpenFileForAppending(path);
+    const uint64_t begin = PositionOf(file);
+    EXPECT_EQ(OpenFileForAppending(path), Handle::invalid) << "one writes at a time";
+    uint32_t written = 0;
+    EXPECT_TRUE(WriteFileBytes(file, line.data(), static_cast<uint32_t>(line.size()), written));
+    EXPECT_EQ(PositionOf(file), begin + line.size());
+    CloseFile(file);
+  }
+  EXPECT_EQ(ReadAll(path), "one two three");
+  EXPECT_EQ(OpenFileForAppending(Path(L".")), Handle::invalid);
+}
+
 TEST_F(FileContract, CreatingAnewAndRenamingReplace) {
   const wchar_t* from = Path(L"from.log");
   const wchar_t* to = Path(L"to.log");

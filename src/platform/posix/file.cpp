@@ -18,6 +18,10 @@ Handle CreateNewFile(const wchar_t* path) {
   return posix::Open(std::make_shared<OpenFile>(), path, O_RDWR | O_CREAT | O_EXCL, WriteSharing::denied);
 }
 
+Handle OpenFileForAppending(const wchar_t* path) {
+  return posix::OpenForAppending(std::make_shared<OpenFile>(), path);
+}
+
 Handle OpenFileForReading(const wchar_t* path, WriteSharing sharing) {
   return posix::Open(std::make_shared<OpenFile>(), path, O_RDONLY, sharing);
 }

@@ -105,6 +105,10 @@ bool OpenFile::Seek(uint64_t position) {
   return lseek(descriptor_, static_cast<off_t>(position), SEEK_SET) >= 0 || FailWithErrno();
 }
 
+bool OpenFile::SeekEnd() {
+  return lseek(descriptor_, 0, SEEK_END) >= 0 || FailWithErrno();
+}
+
 bool OpenFile::Position(uint64_t& position) const {
   const off_t at = lseek(descriptor_, 0, SEEK_CUR);
   if (at < 0) return FailWithErrno();
@@ -149,6 +153,13 @@ Handle Open(const std::shared_ptr<OpenFile>& file, const wchar_t* path, int flag
   const std::lock_guard held(OpenMutex());
   const bool sharesWriting = sharing == WriteSharing::allowed;
   return file->Open(bytes.Get(), flags, sharesWriting) ? Files().Add(file) : Handle::invalid;
+}
+
+Handle OpenForAppending(const std::shared_ptr<OpenFile>& file, const wchar_t* path) {
+  const Handle handle = Open(file, path, O_RDWR | O_CREAT, WriteSharing::denied);
+  if (handle == Handle::invalid || file->SeekEnd()) return handle;
+  Files().Remove(handle);
+  return Handle::invalid;
 }
 
 std::shared_ptr<OpenFile> FindFile(Handle handle) {

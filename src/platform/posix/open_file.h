@@ -27,6 +27,7 @@ class OpenFile {
   // Writes until all is written or the system takes no more.
   [[nodiscard]] bool Write(const void* bytes, uint32_t size, uint32_t& written);
   [[nodiscard]] bool Seek(uint64_t position);
+  [[nodiscard]] bool SeekEnd();
   [[nodiscard]] bool Position(uint64_t& position) const;
   [[nodiscard]] bool Size(uint64_t& size) const;
   [[nodiscard]] bool Truncate(uint64_t size);
@@ -44,6 +45,9 @@ class OpenFile {
 // Opens `file`, which is not open yet.
 [[nodiscard]] Handle Open(const std::shared_ptr<OpenFile>& file, const wchar_t* path, int flags,
                           WriteSharing sharing);
+
+// The same for reading and writing, created if need be, with the position at the end.
+[[nodiscard]] Handle OpenForAppending(const std::shared_ptr<OpenFile>& file, const wchar_t* path);
 
 // What the handle stands for; null, with the system error set, when that is no open file.
 [[nodiscard]] std::shared_ptr<OpenFile> FindFile(Handle handle);

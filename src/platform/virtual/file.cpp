@@ -89,6 +89,13 @@ Handle CreateNewFile(const wchar_t* path) {
   return CreateAs(path, O_EXCL);
 }
 
+Handle OpenFileForAppending(const wchar_t* path) {
+  if (FaultAt(FaultPoint::openFile, path)) return Handle::invalid;
+  const auto file = std::make_shared<VirtualFile>();
+  file->path = path;
+  return posix::OpenForAppending(file, path);
+}
+
 Handle OpenFileForReading(const wchar_t* path, WriteSharing sharing) {
   if (FaultAt(FaultPoint::openFile, path)) return Handle::invalid;
   const auto file = std::make_shared<VirtualFile>();

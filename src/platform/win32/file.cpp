@@ -67,6 +67,14 @@ Handle CreateNewFile(const wchar_t* path) {
                                 kAttributes, nullptr));
 }
 
+Handle OpenFileForAppending(const wchar_t* path) {
+  const Handle file = OnlyFile(Open(path, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ, OPEN_ALWAYS));
+  int64_t end = 0;
+  if (file == Handle::invalid || MoveTo(file, 0, FILE_END, end)) return file;
+  CloseIfOpen(file);
+  return Handle::invalid;
+}
+
 Handle OpenFileForReading(const wchar_t* path, WriteSharing sharing) {
   const DWORD others =
       sharing == WriteSharing::allowed ? FILE_SHARE_READ | FILE_SHARE_WRITE : FILE_SHARE_READ;
