@@ -19,7 +19,7 @@ LiveProgram::LiveProgram(SerialPeer& device)
   globals = Globals{};
   globals.deviceFamily = 1;
   for (Lock* lock : {&state_->ringLockA, &state_->ringLockB, &state_->gpsLock, &state_->recordLock,
-                     &globals.marksA.lock, &globals.marksB.lock}) {
+                     &state_->eventLog.lock, &globals.marksA.lock, &globals.marksB.lock}) {
     MakeLock(*lock);
   }
   EXPECT_TRUE(MakeEvent(state_->stopEvent, ResetMode::automatic));
@@ -52,7 +52,7 @@ LiveProgram::~LiveProgram() {
   static_cast<void>(TakePostedTexts());
   for (Event* event : {&state_->stopEvent, &state_->recordingEvent}) DestroyEvent(*event);
   for (Lock* lock : {&state_->ringLockA, &state_->ringLockB, &state_->gpsLock, &state_->recordLock,
-                     &globals.marksA.lock, &globals.marksB.lock}) {
+                     &state_->eventLog.lock, &globals.marksA.lock, &globals.marksB.lock}) {
     DestroyLock(*lock);
   }
   FreeZeroed(state_->ringA, kRingSize);

@@ -2,6 +2,7 @@
 #include "app/run/connection.h"
 #include "app/run/record_opening.h"
 #include "app/run/run_control.h"
+#include "app/run/run_events.h"
 #include "app/run/run_start.h"
 #include "app/run/worker_control.h"
 #include "base/shared_value.h"
@@ -52,6 +53,7 @@ RunResult SendSettings(AppState& state, const RunChoices& choices) {
   const DeviceSettings wanted = state.settings;
   AwaitEffect(state, WriteChangedSettings(*state.link, family, wanted, applied));
   if (!ReadSettingsBack(state)) return {RunFault::unreadable};
+  LogSettingsChanged(state, "Apply");
   return {DualOldRefused(wanted, applied, state.settings) ? RunFault::dualOldRefused : RunFault::none};
 }
 
@@ -59,7 +61,9 @@ RunResult SendDefaults(AppState& state) {
   TakeLatePrompt(state);
   state.settings = state.appliedSettings;  // choices that wait have never been sent
   AwaitEffect(state, Exchange(*state.link, CommandId::defaults));
-  return {ReadSettingsBack(state) ? RunFault::none : RunFault::unreadable};
+  if (!ReadSettingsBack(state)) return {RunFault::unreadable};
+  LogSettingsChanged(state, "Default Setting");
+  return {};
 }
 
 // An output that the family does not offer leaves the recording closed.

@@ -5,6 +5,7 @@
 #include "acquisition/output_mode.h"
 #include "acquisition/record_file.h"
 #include "app/run/record_split.h"
+#include "app/run/run_events.h"
 #include "base/shared_value.h"
 #include "base/text_format.h"
 #include "device/info_line.h"
@@ -83,6 +84,11 @@ Handle CreateNamed(const AppState& state, const char* name) {
   return CreateInFolder(state.workingFolder, wide);
 }
 
+void LogOpened(AppState& state, RecordChannel channel, const char* name) {
+  wchar_t path[kPathSize];
+  if (PathOf(state, name, path)) LogOpenedFile(state, channel, path);
+}
+
 // Creates one record file with its settings line(s).
 Handle Begin(const AppState& state, const RecordFileName& name) {
   Handle file = CreateNamed(state, name.record);
@@ -95,7 +101,9 @@ Handle Begin(const AppState& state, const RecordFileName& name) {
 
 // The worker sees the handle only when the settings line is written.
 void OpenOne(AppState& state, const RecordFileName& name, RecordChannel channel, Handle& companion) {
-  PutRecordFile(state, channel, Begin(state, name));
+  const Handle file = Begin(state, name);
+  PutRecordFile(state, channel, file);
+  if (file != Handle::invalid) LogOpened(state, channel, name.record);
   StoreShared(companion, CreateNamed(state, name.segy));
 }
 
@@ -184,6 +192,7 @@ void TakeBackOffers(AppState& state) {
 void CloseRecordFiles(AppState& state) {
   TakeBackOffers(state);
   CloseBothRecordFiles(state);
+  LogClosedFiles(state);
   CloseCompanion(state, state.segyCompanionA);
   CloseCompanion(state, state.segyCompanionB);
 }

@@ -56,6 +56,7 @@ bool MakeLocks(AppState& state) {
   MakeLock(state.gpsLock);
   MakeLock(state.recordLock);
   MakeLock(state.linkLock);
+  MakeLock(state.eventLog.lock);
   MakeLock(globals.marksA.lock);
   MakeLock(globals.marksB.lock);
   return MakeEvent(state.stopEvent, ResetMode::automatic) &&

@@ -2,6 +2,7 @@
 #include "app/run/connection.h"
 #include "app/run/record_opening.h"
 #include "app/run/run_control.h"
+#include "app/run/run_events.h"
 #include "app/run/run_start.h"
 #include "device/command_link.h"
 #include "device/settings_writer.h"
@@ -51,6 +52,7 @@ RunResult SwitchSpeed(AppState& state, int32_t speed_bps, const RunChoices& choi
   SleepMilliseconds(kSpeedPause_ms);
   uint32_t error = 0;
   if (!OpenDevice(state, error)) return {RunFault::speedRefused, error};
+  LogSettingsChanged(state, "Change Baudrate");
   if (choices.record) ReopenAsFirstFamily(state);
   KeepInterval(state.settings);
   return StartDeviceAndWorkers(state, RunChange::reconnected);

@@ -2,6 +2,7 @@
 #include "app/run/connection.h"
 #include "app/run/record_opening.h"
 #include "app/run/run_control.h"
+#include "app/run/run_events.h"
 #include "app/run/run_start.h"
 #include "app/run/worker_control.h"
 #include "base/shared_value.h"
@@ -41,6 +42,7 @@ RunResult BeginRun(AppState& state, const RunChoices& choices, const ElapsedLog&
   log.Write("After GetSetting Time ");
   AdoptDevice(state);
   TellRunChanged(state, RunChange::identified);
+  LogRunBegins(state);
 
   if (choices.record) BeginRecording(state);
   KeepInterval(state.settings);

@@ -2,6 +2,7 @@
 #include "app/run/connection.h"
 #include "app/run/record_opening.h"
 #include "app/run/run_control.h"
+#include "app/run/run_events.h"
 #include "app/run/second_tick.h"
 #include "app/run/worker_control.h"
 #include "app/state/posts.h"
@@ -42,6 +43,7 @@ void EndRun(AppState& state) {
     ClosePorts(state);
     CloseRecordFiles(state);
     FinishRecords(state, began_ms);
+    LogRunEnds(state);
   }
   StoreShared(state.linkLost, 0);
   Reset(state.recordingEvent);

@@ -28,6 +28,7 @@ class PingSource;
 class RecordWriter;
 
 inline constexpr size_t kWorkingFolderSize = 260;
+inline constexpr size_t kLoggedPathSize = 1'024;
 inline constexpr int32_t kNoGpsPort = -1;
 inline constexpr uint32_t kPlaybackPace_ms = 16;
 inline constexpr int32_t kPlaybackSpan = 320;
@@ -47,6 +48,22 @@ static_assert(sizeof(WindowPlacement) == 32);
 
 inline constexpr int64_t kNoRecordedTime = INT64_MAX;
 inline constexpr int64_t kNoPingYet = INT64_MIN;
+
+// Where events are written to; see app/state/event_log.h.
+struct EventLog {
+  Lock lock;
+  int32_t on;                          // shared
+  wchar_t folder[kWorkingFolderSize];  // with the lock held
+};
+
+// What a run is watched by once a second; see app/run/second_tick.h. GUI thread.
+struct RunWatch {
+  int32_t linkLossTold;  // of this run
+  int32_t receiverLossTold;
+  int32_t clocksKnown;
+  int64_t utc_ms;     // of the last tick
+  uint32_t clock_ms;  // the millisecond clock then
+};
 
 // What has become of a playback, told by its workers.
 enum PlaybackEnd : int32_t { kPlaybackGoesOn, kPlaybackExhausted, kPlaybackUnread, kPlaybackWithoutMemory };
@@ -145,10 +162,13 @@ struct AppState {
   uint32_t recordingNumber;    // shared: raised whenever fresh record files are opened
   PortEntry ports[kMaxPorts];  // GUI thread
   Options options;             // GUI thread
-  wchar_t devicePortName[kPortNameSize];  // of the run; GUI thread
-  wchar_t gpsPortName[kPortNameSize];     // empty: none
-  wchar_t rememberedRange[64];            // combo texts at the last Start or Apply; GUI thread
-  wchar_t rememberedRangeDual[64];        // given, unread
+  EventLog eventLog;
+  RunWatch watch;
+  wchar_t loggedFiles[2][kLoggedPathSize];  // record files whose closing is still to be logged; GUI thread
+  wchar_t devicePortName[kPortNameSize];    // of the run; GUI thread
+  wchar_t gpsPortName[kPortNameSize];       // empty: none
+  wchar_t rememberedRange[64];              // combo texts at the last Start or Apply; GUI thread
+  wchar_t rememberedRangeDual[64];          // given, unread
   wchar_t rememberedOutput[64];
   wchar_t rememberedInterval[64];  // given, unread
 };

@@ -6,6 +6,8 @@
 #include "app/settings/control_states.h"
 #include "app/settings/persistent_settings.h"
 #include "app/settings/port_selectors.h"
+#include "app/settings/stored_options.h"
+#include "app/state/event_log.h"
 #include "app/window/control_ids.h"
 #include "app/window/run_changes.h"
 #include "app/window/run_faults.h"
@@ -142,6 +144,12 @@ void ToggleRecording(AppState& state) {
   SaveRecordingFlag(record);
   SwitchRecording(state, record);
   RefreshAwake(state);
+}
+
+void TakeOptions(AppState& state, const Options& entered) {
+  state.options = entered;
+  SaveOptions(entered);
+  DirectEventLog(state);
 }
 
 }  // namespace tw

@@ -39,6 +39,9 @@ void NoteChoice(AppState& state);
 // "Record Data" was ticked or unticked.
 void ToggleRecording(AppState& state);
 
+// "Options" was left with "OK": stores what was entered.
+void TakeOptions(AppState& state, const Options& entered);
+
 // One of the main window's timers has fired. Without effect before the start-up is over.
 void HandleTimer(AppState& state, int timer);
 

@@ -6,6 +6,7 @@
 
 #include "app/settings/persistent_settings.h"
 #include "app/state/app_state.h"
+#include "app/state/event_log.h"
 #include "app/window/control_ids.h"
 #include "app/window/dialogs_win32.h"
 #include "app/window/window_handles_win32.h"
@@ -72,6 +73,7 @@ void TakeFolder(HWND dialog, AppState& state) {
   if (!IsFolder(folder) && !CreateFolder(folder)) return Refuse(dialog, LastSystemError());
   SaveWorkingFolder(folder);
   LoadWorkingFolder(state);
+  DirectEventLog(state);
   EndDialog(dialog, IDOK);
 }
 

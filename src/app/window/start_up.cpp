@@ -2,10 +2,12 @@
 
 #include "acquisition/record_file.h"
 #include "app/run/record_set_up.h"
+#include "app/run/run_events.h"
 #include "app/settings/control_states.h"
 #include "app/settings/persistent_settings.h"
 #include "app/settings/port_selectors.h"
 #include "app/settings/stored_options.h"
+#include "app/state/event_log.h"
 #include "app/window/control_ids.h"
 #include "app/window/run_changes.h"
 #include "app/window/ui.h"
@@ -74,6 +76,7 @@ void StartUp(AppState& state) {
   LoadRecordingChoices(state);
   state.options = LoadOptions();
   state.startsByItself = state.options.startByItself;
+  DirectEventLog(state);
   BuildSegyTextHeader(globals.segyTextHeader);
   RefreshControlStates(state);
 }
@@ -82,6 +85,7 @@ void BeginShutDown(AppState& state) {
   StoreShared(globals.screenshotRequested, 1);
   CloseRecordFile(state, RecordChannel::a);
   static_cast<void>(AwaitRecords(state, kWritingLimit_ms));  // whatever is left goes with the process
+  LogProgramEnds(state);
 }
 
 void FinishShutDown(AppState& state) {

@@ -1,0 +1,135 @@
+#include "app/run/run_events.h"
+
+#include <cinttypes>
+#include <cstdlib>
+#include <string_view>
+
+#include "app/run/run_control.h"
+#include "app/state/event_log.h"
+#include "base/shared_value.h"
+#include "base/text_format.h"
+#include "platform/clock.h"
+#include "platform/owned_file.h"
+
+namespace tw {
+namespace {
+
+constexpr int64_t kLeastJump_ms = 2'000;
+constexpr size_t kDetailSize = 600;
+
+void FormatReceiver(std::span<char> text) {
+  if (globals.gpsPortNumber == kNoGpsPort) {
+    FormatText(text, "no receiver");
+  } else {
+    FormatText(text, "receiver COM%" PRId32 " %" PRId32 " bit/s", globals.gpsPortNumber, globals.gpsBaud);
+  }
+}
+
+// "20260314_093005_Dual_450kHz_id_E3105_txt12.log"; in UTF-8.
+void NameOfPath(std::span<char> name, std::wstring_view path) {
+  NarrowText(name, path.substr(path.find_last_of(kPathSeparator) + 1));
+}
+
+void FormatClosed(std::span<char> detail, const wchar_t* path) {
+  char name[256];
+  NameOfPath(name, path);
+  const OwnedFile file(OpenFileForReading(path, WriteSharing::allowed));
+  uint64_t size_bytes = 0;
+  if (file.Get() != Handle::invalid && FileSize(file.Get(), size_bytes)) {
+    FormatText(detail, "%s, %" PRIu64 " bytes", name, size_bytes);
+  } else {
+    FormatText(detail, "%s, removed", name);
+  }
+}
+
+wchar_t (&LoggedPath(AppState& state, RecordChannel channel))[kLoggedPathSize] {
+  return state.loggedFiles[channel == RecordChannel::a ? 0 : 1];
+}
+
+// Tells a loss when it begins.
+void WatchLoss(AppState& state, int32_t& told, bool lost, const char* event, const char* detail) {
+  if (lost && told == 0) LogEvent(state, event, detail);
+  told = lost ? 1 : 0;
+}
+
+void WatchClocks(AppState& state, uint32_t now_ms) {
+  RunWatch& watch = state.watch;
+  const int64_t utc_ms = UnixMilliseconds();
+  const int64_t jump_ms = utc_ms - watch.utc_ms - static_cast<int32_t>(now_ms - watch.clock_ms);
+  if (watch.clocksKnown != 0 && std::abs(jump_ms) > kLeastJump_ms) {
+    char detail[64];
+    FormatText(detail, "%+.1f s", static_cast<double>(jump_ms) / 1000.0);
+    LogEvent(state, "clock", detail);
+  }
+  watch.clocksKnown = 1;
+  watch.utc_ms = utc_ms;
+  watch.clock_ms = now_ms;
+}
+
+}  // namespace
+
+void LogRunBegins(AppState& state) {
+  state.watch = {};
+  char receiver[64];
+  FormatReceiver(receiver);
+  const bool named = FamilyInUse() == DeviceFamily::first;
+  char identity[128];
+  FormatText(identity, "%04" PRId32, state.settings.identifierWord);
+  char detail[kDetailSize];
+  FormatText(detail, "COM%" PRId32 " %" PRId32 " bit/s, ID %s, %s", globals.devicePortNumber,
+             globals.deviceBaud, named ? state.settings.identity : identity, receiver);
+  LogEvent(state, "start", detail);
+}
+
+void LogRunEnds(AppState& state) {
+  LogEvent(state, "stop", "");
+}
+
+void LogProgramEnds(AppState& state) {
+  LogClosedFiles(state);
+  LogEvent(state, "program ended", "");
+}
+
+void LogSettingsChanged(AppState& state, const char* command) {
+  const DeviceSettings& now = state.appliedSettings;
+  char detail[kDetailSize];
+  FormatText(detail,
+             "%s: output %" PRId32 ", range %" PRId32 " mm, interval %" PRId32 " ms, %" PRId32 " bit/s",
+             command, now.outputMode, RangesInForce(state).upper_mm, now.pingInterval_ms, globals.deviceBaud);
+  LogEvent(state, "settings changed", detail);
+}
+
+void LogOpenedFile(AppState& state, RecordChannel channel, const wchar_t* path) {
+  CopyWide(LoggedPath(state, channel), path);
+  char name[256];
+  NameOfPath(name, path);
+  LogEvent(state, "file opened", name);
+}
+
+void LogClosedFiles(AppState& state) {
+  for (wchar_t(&path)[kLoggedPathSize] : state.loggedFiles) {
+    char detail[kDetailSize];
+    if (path[0] != L'\0' && IsEventLogOn(state)) {
+      FormatClosed(detail, path);
+      LogEvent(state, "file closed", detail);
+    }
+    path[0] = L'\0';
+  }
+}
+
+void WatchRun(AppState& state, uint32_t now_ms) {
+  RunWatch& watch = state.watch;
+  if (!IsEventLogOn(state)) {
+    watch.clocksKnown = 0;
+    return;
+  }
+  const bool receives = state.gpsThread != Handle::null && globals.gpsPortNumber != kNoGpsPort;
+  WatchLoss(state, watch.linkLossTold,
+            state.acquisitionThread != Handle::null && LoadShared(state.linkLost) != 0, "lost",
+            "echosounder");
+  WatchLoss(state, watch.receiverLossTold, receives && LoadShared(state.gpsPort) == Handle::invalid,
+            "receiver lost", "its port has failed");
+  WatchClocks(state, now_ms);
+}
+
+}  // namespace tw

@@ -1,0 +1,105 @@
+// What the log of events holds of a run, and what it does when the disk does not do its part.
+#include "app/state/event_log.h"
+
+#include <regex>
+
+#include "app/run/second_tick.h"
+#include "app/settings/stored_options.h"
+#include "app/window/commands.h"
+#include "platform/clock.h"
+#include "platform/virtual/faults.h"
+#include "tests/app/run_control_fixture.h"
+
+namespace tw::test {
+namespace {
+
+class Events : public RunControlTest {
+ protected:
+  Events() {
+    Options options = state_->options;
+    options.eventLog = 1;
+    TakeOptions(*state_, options);
+  }
+
+  [[nodiscard]] std::string Log() const { return Content("events.csv"); }
+
+  // Without what is another in each run: times, and sizes of files.
+  [[nodiscard]] std::string Told() const {
+    const std::string untimed = std::regex_replace(Log(), std::regex("2025-03-14T[0-9:.]{12}Z"), "T");
+    return std::regex_replace(untimed, std::regex("[1-9][0-9]* bytes"), "N bytes");
+  }
+};
+
+TEST_F(Events, OfARunStandInTheirOrder) {
+  ConnectSounder(QuickSounder());
+  ConnectGps({});
+  ChooseGps();
+  StartRun(*state_);
+  Run(3);
+  ApplySettings(*state_);
+  static_cast<void>(TickSecond(*state_, MillisecondClock()));
+  static_cast<void>(TickSecond(*state_, MillisecondClock() - 3'000));
+  static_cast<void>(TickSecond(*state_, MillisecondClock() - 1'100));
+  HangUpLine(kGpsLine);
+  Run(2);
+  HangUpLine(kDeviceLine);
+  Run(3);
+  const std::vector<std::string> files = RecordFiles();
+  ASSERT_EQ(files.size(), 3u);
+  EXPECT_EQ(files[2], "events.csv");
+  EXPECT_EQ(Told(),
+            "UTC,event,detail\r\n"
+            "T,start,\"COM5 921600 bit/s, ID VIRTUAL-0001, receiver COM6 4800 bit/s\"\r\n"
+            "T,file opened,\"" +
+                files[0] +
+                "\"\r\n"
+                "T,settings changed,\"Apply: output 2, range 30000 mm, interval 0 ms, 921600 bit/s\"\r\n"
+                "T,file closed,\"" +
+                files[0] +
+                ", N bytes\"\r\n"
+                "T,file opened,\"" +
+                files[1] +
+                "\"\r\n"
+                "T,clock,\"+3.0 s\"\r\n"
+                "T,receiver lost,\"its port has failed\"\r\n"
+                "T,lost,\"echosounder\"\r\n"
+                "T,file closed,\"" +
+                files[1] +
+                ", N bytes\"\r\n"
+                "T,stop,\"\"\r\n");
+}
+
+TEST_F(Events, AreNotWrittenUnlessWanted) {
+  TakeOptions(*state_, StandardOptions());
+  StartQuickRun(1);
+  StopRun(*state_);
+  EXPECT_EQ(RecordFiles().size(), 1u);
+  EXPECT_EQ(CallCount(FaultPoint::openFile), 0u);
+}
+
+TEST_F(Events, OfTenMegabytesAreRenamedOnce) {
+  WriteWhole(records_ / "events.csv", "full");
+  std::filesystem::resize_file(records_ / "events.csv", kEventFileLimit_bytes - 10);
+  WriteWhole(records_ / "events_old.csv", "older");
+  LogEvent(*state_, "a", "he said \"b\",\r\nthen c");
+  EXPECT_EQ(std::filesystem::file_size(records_ / "events_old.csv"), kEventFileLimit_bytes - 10);
+  EXPECT_EQ(Told(), "UTC,event,detail\r\nT,a,\"he said \"\"b\"\",  then c\"\r\n");
+}
+
+TEST_F(Events, ThatCannotBeWrittenLeaveNoTornLine) {
+  LogEvent(*state_, "a", "");
+  const std::string before = Log();
+  InjectFault({.point = FaultPoint::writeFile, .code = 28, .taken = 7});
+  LogEvent(*state_, "b", "");
+  EXPECT_EQ(Log(), before);
+  InjectFault({.point = FaultPoint::openFile});
+  LogEvent(*state_, "c", std::string(5'000, '"'));
+  LogEvent(*state_, "d", std::string(5'000, '"'));
+  const std::string after = Log();
+  EXPECT_TRUE(after.starts_with(before) && after.ends_with("\"\"\"\r\n")) << after;
+  EXPECT_LT(after.size(), before.size() + 1'024);
+  EXPECT_EQ(after.find(",c,"), after.npos);
+}
+
+}  // namespace
+}  // namespace tw::test
