@@ -35,7 +35,8 @@ class GdiplusSession {
 };
 
 bool RegisterClasses(HINSTANCE instance, const wchar_t* mainClass) {
-  const INITCOMMONCONTROLSEX controls{sizeof(controls), ICC_STANDARD_CLASSES | ICC_BAR_CLASSES};
+  const INITCOMMONCONTROLSEX controls{sizeof(controls),
+                                      ICC_STANDARD_CLASSES | ICC_BAR_CLASSES | ICC_UPDOWN_CLASS};
   return InitCommonControlsEx(&controls) != FALSE && RegisterMainWindowClass(instance, mainClass) &&
          RegisterEchogramClass(instance) && RegisterSliderClass(instance);
 }

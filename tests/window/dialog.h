@@ -13,6 +13,8 @@ class Dialog {
  public:
   // The one that the program shows now or within ten seconds.
   explicit Dialog(const Program& program);
+  // One that is shown, such as a page of a sheet.
+  explicit Dialog(HWND window) : window_(window) {}
 
   [[nodiscard]] bool IsOpen() const { return IsWindow(window_) != FALSE; }
   [[nodiscard]] bool CloseHasCome() const;  // within a minute: a device may have to be told first

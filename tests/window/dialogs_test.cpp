@@ -1,5 +1,8 @@
 // The dialogs that need no device, as an operator meets them.
 #include <gtest/gtest.h>
+#include <windows.h>
+
+#include <prsht.h>
 
 #include <filesystem>
 #include <optional>
@@ -36,6 +39,28 @@ class Dialogs : public ::testing::Test {
   std::optional<Program> program_;
   std::optional<Dialog> dialog_;
 };
+
+// A page of the options, brought to the front.
+Dialog PageOf(const Dialog& sheet, int index) {
+  SendMessageW(sheet.Window(), PSM_SETCURSEL, static_cast<WPARAM>(index), 0);
+  HWND page = nullptr;
+  static_cast<void>(WaitUntil(
+      [&] {
+        do page = FindWindowExW(sheet.Window(), page, L"#32770", nullptr);
+        while (page != nullptr && IsWindowVisible(page) == FALSE);
+        return page != nullptr;
+      },
+      10));
+  return Dialog(page);
+}
+
+HWND Switch(const Dialog& page, const wchar_t* text) {
+  return FindWindowExW(page.Window(), nullptr, L"Button", text);
+}
+
+bool IsOn(HWND button) {
+  return SendMessageW(button, BM_GETCHECK, 0, 0) == BST_CHECKED;
+}
 
 struct NamedDialog {
   int menuEntry;
@@ -90,6 +115,54 @@ TEST_F(Dialogs, FolderThatCannotBeMadeKeepsTheDialogOpen) {
   ASSERT_TRUE(dialog.CloseHasCome());
   EXPECT_EQ(StoredText(L"WorkingFolder"), folder_.Path());
   EXPECT_FALSE(std::filesystem::exists(tooLong));
+}
+
+constexpr wchar_t kKeepGoing[] = L"&Keep the run going when the link is lost";
+constexpr wchar_t kEventLog[] = L"Event &log in the working folder (events.csv)";
+constexpr wchar_t kSilence[] = L"Lost without data for";
+
+TEST_F(Dialogs, OptionsHoldWhatIsEnteredWithinItsBounds) {
+  const Dialog& sheet = Open(ID_MENU_OPTIONS);
+  EXPECT_EQ(sheet.Caption(), L"Options");
+  const char* const pictures[] = {"options-link", "options-recording", "options-display"};
+  for (int i = 2; i >= 0; --i) {
+    ExpectWellMade(PageOf(sheet, i));
+    SavePicture(sheet.Window(), pictures[i]);
+  }
+  const Dialog link = PageOf(sheet, 0);
+  EXPECT_FALSE(IsWindowEnabled(link.Field(kSilence)));
+  SendMessageW(Switch(link, kKeepGoing), BM_CLICK, 0, 0);
+  EXPECT_TRUE(IsWindowEnabled(link.Field(kSilence)));
+  for (const wchar_t* const bad : {L"61", L""}) {
+    link.Enter(kSilence, bad);
+    sheet.Press(VK_RETURN);
+    EXPECT_EQ(
+        program_->AnswerBox(10, sheet.Window()),
+        (MessageBoxContent{L"Error", L"\"Lost without data for\" must be a whole number from 5 to 60 s."}));
+    EXPECT_TRUE(sheet.FocusComesTo(link.Field(kSilence)));
+  }
+  link.Enter(kSilence, L"12");
+  SendMessageW(Switch(PageOf(sheet, 1), kEventLog), BM_CLICK, 0, 0);
+  sheet.Press(VK_RETURN);
+  ASSERT_TRUE(sheet.CloseHasCome());
+
+  for (const int leave : {VK_ESCAPE, VK_RETURN}) {
+    program_->Choose(ID_MENU_OPTIONS);
+    const Dialog again(*program_);
+    EXPECT_TRUE(IsOn(Switch(PageOf(again, 1), kEventLog)));
+    const Dialog page = PageOf(again, 0);
+    EXPECT_TRUE(IsOn(Switch(page, kKeepGoing)));
+    EXPECT_EQ(page.Value(kSilence), L"12");
+    SendMessageW(Switch(page, L"Defa&ults"), BM_CLICK, 0, 0);
+    EXPECT_FALSE(IsOn(Switch(page, kKeepGoing)));
+    EXPECT_EQ(page.Value(kSilence), L"10");
+    again.Press(leave);
+    ASSERT_TRUE(again.CloseHasCome());
+  }
+  program_->Choose(ID_MENU_OPTIONS);
+  const Dialog last(*program_);
+  EXPECT_TRUE(IsOn(Switch(PageOf(last, 1), kEventLog))) << "of another page than the one with the defaults";
+  EXPECT_FALSE(IsOn(Switch(PageOf(last, 0), kKeepGoing)));
 }
 
 // What stands in the field is lost meanwhile, so that it can only come back from the browser.

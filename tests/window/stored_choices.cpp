@@ -9,6 +9,7 @@ namespace tw {
 namespace {
 
 constexpr wchar_t kKey[] = L"Software\\Brin Ultrasonics\\EchoSounderControlProgram\\Settings";
+constexpr wchar_t kOptionsKey[] = L"Software\\Brin Ultrasonics\\EchoSounderControlProgram\\Options";
 
 void Store(const wchar_t* name, DWORD type, const void* data, size_t size) {
   if (RegSetKeyValueW(HKEY_CURRENT_USER, kKey, name, type, data, static_cast<DWORD>(size)) != ERROR_SUCCESS) {
@@ -20,6 +21,7 @@ void Store(const wchar_t* name, DWORD type, const void* data, size_t size) {
 
 void ForgetStoredChoices() {
   RegDeleteTreeW(HKEY_CURRENT_USER, kKey);
+  RegDeleteTreeW(HKEY_CURRENT_USER, kOptionsKey);
 }
 
 void StoreChoice(const wchar_t* name, uint32_t value) {

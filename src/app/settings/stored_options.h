@@ -26,6 +26,7 @@ struct OptionRow {
   int32_t least;
   int32_t most;
   int32_t Options::*needs;  // the switch without which it means nothing; null: none
+  bool atStart = false;     // read when a run starts, so that nobody changes it during one
 };
 
 // In the order of the pages and of their lines.

@@ -14,6 +14,7 @@
 #define ID_DIALOG_DUAL 133
 #define ID_DIALOG_BAUD 134
 #define ID_DIALOG_DETAIL 135
+#define ID_DIALOG_OPTIONS 136
 
 // Strings
 #define ID_STRING_TITLE 103
@@ -63,6 +64,12 @@
 #define ID_MENU_BAUD 32775
 #define ID_MENU_BIN_TO_TXT 32778
 #define ID_MENU_SEGY 32782
+#define ID_MENU_OPTIONS 32790
+
+// Controls of the pages of options; those of the options themselves are numbered from the last one on
+#define ID_OPTIONS_DEFAULTS 1101
+#define ID_OPTIONS_NOTE 1102
+#define ID_OPTIONS_FIRST 2200
 
 // Timers of the main window
 #define ID_TIMER_PORTS 0

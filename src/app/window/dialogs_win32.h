@@ -14,4 +14,7 @@ void ShowFolderDialog(AppState& state);
 // "Change Device Baudrate": what is chosen goes to the device at once.
 void ShowSpeedDialog(AppState& state);
 
+// "Options": what is entered is stored, and holds from then on.
+void ShowOptions(AppState& state);
+
 }  // namespace tw

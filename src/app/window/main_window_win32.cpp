@@ -78,6 +78,8 @@ void OnCommand(AppState& state, int id) {
       return ShowFolderDialog(state);
     case ID_MENU_BAUD:
       return ShowSpeedDialog(state);
+    case ID_MENU_OPTIONS:
+      return ShowOptions(state);
     case ID_MENU_EXIT:
       DestroyWindow(MainWindow(state));
       return;

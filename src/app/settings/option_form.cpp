@@ -1,0 +1,126 @@
+#include "app/settings/option_form.h"
+
+#include <algorithm>
+#include <cinttypes>
+#include <string_view>
+
+#include "app/window/control_ids.h"
+#include "base/text_format.h"
+#include "base/text_scan.h"
+
+namespace tw {
+namespace {
+
+constexpr int32_t kMargin = 7;
+constexpr int32_t kRowHeight = 16;
+constexpr int32_t kIndent = 11;
+constexpr int32_t kWidth = 214;  // of a row
+constexpr int32_t kNumberLeft = 150;
+constexpr int32_t kNumberWidth = 46;
+constexpr int32_t kUnitLeft = kNumberLeft + kNumberWidth + 4;
+constexpr int32_t kUnitWidth = 21;
+constexpr int32_t kCheckHeight = 10;
+constexpr int32_t kTextHeight = 9;
+constexpr int32_t kTextDrop = 2;  // a text stands on the line of the field beside it
+constexpr int32_t kFieldHeight = 13;
+
+constexpr int32_t kIdsPerRow = 4;
+
+int32_t FirstId(const OptionRow& row) {
+  return ID_OPTIONS_FIRST + kIdsPerRow * static_cast<int32_t>(&row - OptionRows().data());
+}
+
+void Add(OptionForm& form, const OptionItem& item) {
+  if (form.count < kMaxOptionItems) form.items[form.count++] = item;
+}
+
+void AddSwitch(OptionForm& form, const OptionRow& row, int32_t x, int32_t y) {
+  Add(form,
+      {OptionItemKind::check, &row, ControlOf(row), {x, y + kTextDrop, kMargin + kWidth - x, kCheckHeight}});
+}
+
+void AddNumber(OptionForm& form, const OptionRow& row, int32_t x, int32_t y) {
+  const int32_t id = FirstId(row);
+  Add(form, {OptionItemKind::label, &row, id + 1, {x, y + kTextDrop, kNumberLeft - 4 - x, kTextHeight}});
+  Add(form, {OptionItemKind::number, &row, id, {kNumberLeft, y, kNumberWidth, kFieldHeight}});
+  Add(form, {OptionItemKind::arrows, &row, id + 2, {kNumberLeft, y, kNumberWidth, kFieldHeight}});
+  Add(form, {OptionItemKind::unit, &row, id + 3, {kUnitLeft, y + kTextDrop, kUnitWidth, kTextHeight}});
+}
+
+// A label without the ampersand of its key.
+void NarrowLabel(std::span<char> out, std::wstring_view label) {
+  const size_t key = label.find(L'&');
+  if (key == label.npos) {
+    NarrowText(out, label);
+    return;
+  }
+  const size_t before = NarrowText(out, label.substr(0, key));
+  NarrowText(out.subspan(before), label.substr(key + 1));
+}
+
+void ExplainBounds(const OptionRow& row, std::span<wchar_t> error) {
+  char label[96];
+  char unit[16];
+  NarrowLabel(label, row.text);
+  NarrowText(unit, row.unit);
+  FormatWide(error, "\"%s\" must be a whole number from %" PRId32 " to %" PRId32 " %s.", label, row.least,
+             row.most, unit);
+}
+
+// The whole text is one number.
+bool ScanNumber(std::wstring_view text, int32_t& value) {
+  char narrow[64];
+  const size_t length = NarrowText(narrow, text);
+  std::string_view rest(narrow, length);
+  if (!ScanInt(rest, value)) return false;
+  SkipWhiteSpace(rest);
+  return rest.empty() && text.size() < sizeof(narrow);
+}
+
+}  // namespace
+
+OptionForm LayOutOptions(OptionPage page) {
+  OptionForm form{};
+  int32_t y = kMargin;
+  for (const OptionRow& row : OptionRows()) {
+    if (row.page != page) continue;
+    const int32_t x = kMargin + (row.needs != nullptr ? kIndent : 0);
+    if (row.unit == nullptr) {
+      AddSwitch(form, row, x, y);
+    } else {
+      AddNumber(form, row, x, y);
+    }
+    y += kRowHeight;
+  }
+  form.width = 2 * kMargin + kWidth;
+  form.height = y + kMargin;
+  return form;
+}
+
+int32_t ControlOf(const OptionRow& row) {
+  return FirstId(row);
+}
+
+bool IsLocked(const OptionRow& row, bool running) {
+  return running && row.atStart;
+}
+
+bool IsUsable(const OptionRow& row, const Options& shown, bool running) {
+  return !IsLocked(row, running) && (row.needs == nullptr || shown.*row.needs != 0);
+}
+
+void FormatOption(const OptionRow& row, const Options& options, std::span<wchar_t> text) {
+  FormatWide(text, "%" PRId32, options.*row.value);
+}
+
+bool ReadOption(const OptionRow& row, const wchar_t* text, Options& options, std::span<wchar_t> error) {
+  int32_t value = 0;
+  if (!ScanNumber(text, value) || value < row.least || value > row.most) {
+    ExplainBounds(row, error);
+    return false;
+  }
+  options.*row.value = value;
+  return true;
+}
+
+}  // namespace tw

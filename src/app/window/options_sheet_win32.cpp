@@ -1,0 +1,258 @@
+// "Options": one page for each kind of option, made from the table of options.
+#include <windows.h>
+
+#include <commctrl.h>
+#include <prsht.h>
+
+#include "app/run/run_control.h"
+#include "app/settings/option_form.h"
+#include "app/window/commands.h"
+#include "app/window/control_ids.h"
+#include "app/window/dialogs_win32.h"
+#include "app/window/window_handles_win32.h"
+
+namespace tw {
+namespace {
+
+// What the sheet was opened with, and what it was left with.
+struct Sheet {
+  Options entered;
+  bool running;
+  bool accepted;
+};
+
+struct Page {
+  Sheet* sheet;
+  OptionPage page;
+  OptionForm form;
+};
+
+struct ControlStyle {
+  const wchar_t* className;
+  DWORD style;
+  DWORD extended;
+};
+
+ControlStyle StyleOf(OptionItemKind kind) {
+  switch (kind) {
+    case OptionItemKind::check:
+      return {L"Button", WS_TABSTOP | BS_AUTOCHECKBOX, 0};
+    case OptionItemKind::number:
+      return {L"Edit", WS_TABSTOP | ES_AUTOHSCROLL | ES_NUMBER, WS_EX_CLIENTEDGE};
+    case OptionItemKind::arrows:  // they find their number ahead of them
+      return {UPDOWN_CLASSW,
+              UDS_AUTOBUDDY | UDS_ALIGNRIGHT | UDS_ARROWKEYS | UDS_SETBUDDYINT | UDS_NOTHOUSANDS, 0};
+    case OptionItemKind::label:
+    case OptionItemKind::unit:
+      break;
+  }
+  return {L"Static", SS_LEFT, 0};
+}
+
+Page& PageOf(HWND window) {
+  return *reinterpret_cast<Page*>(GetWindowLongPtrW(window, DWLP_USER));
+}
+
+const wchar_t* TextOf(const OptionItem& item) {
+  switch (item.kind) {
+    case OptionItemKind::check:
+    case OptionItemKind::label:
+      return item.row->text;
+    case OptionItemKind::unit:
+      return item.row->unit;
+    case OptionItemKind::number:
+    case OptionItemKind::arrows:
+      break;
+  }
+  return L"";
+}
+
+void MakeControl(HWND window, const OptionItem& item) {
+  const ControlStyle style = StyleOf(item.kind);
+  RECT rect{item.place.x, item.place.y, item.place.x + item.place.width, item.place.y + item.place.height};
+  MapDialogRect(window, &rect);
+  const HWND control = CreateWindowExW(
+      style.extended, style.className, TextOf(item), WS_CHILD | WS_VISIBLE | style.style, rect.left, rect.top,
+      rect.right - rect.left, rect.bottom - rect.top, window,
+      reinterpret_cast<HMENU>(static_cast<INT_PTR>(item.id)), GetModuleHandleW(nullptr), nullptr);
+  SendMessageW(control, WM_SETFONT, static_cast<WPARAM>(SendMessageW(window, WM_GETFONT, 0, 0)), FALSE);
+  if (item.kind == OptionItemKind::number) SendMessageW(control, EM_SETLIMITTEXT, kOptionTextSize - 1, 0);
+  if (item.kind == OptionItemKind::arrows)
+    SendMessageW(control, UDM_SETRANGE32, static_cast<WPARAM>(item.row->least), item.row->most);
+}
+
+void ShowValue(HWND window, const OptionRow& row, const Options& options) {
+  const HWND control = GetDlgItem(window, ControlOf(row));
+  if (row.unit == nullptr) {
+    SendMessageW(control, BM_SETCHECK, options.*row.value != 0 ? BST_CHECKED : BST_UNCHECKED, 0);
+    return;
+  }
+  wchar_t text[kOptionTextSize];
+  FormatOption(row, options, text);
+  SetWindowTextW(control, text);
+}
+
+// The switches as the page shows them.
+void ReadSwitches(HWND window, const OptionForm& form, Options& options) {
+  for (size_t i = 0; i < form.count; ++i) {
+    const OptionItem& item = form.items[i];
+    if (item.kind != OptionItemKind::check) continue;
+    const bool on = SendDlgItemMessageW(window, item.id, BM_GETCHECK, 0, 0) == BST_CHECKED;
+    options.*item.row->value = on ? 1 : 0;
+  }
+}
+
+void RefreshUsable(HWND window) {
+  const Page& page = PageOf(window);
+  Options shown = page.sheet->entered;
+  ReadSwitches(window, page.form, shown);
+  bool locked = false;
+  for (size_t i = 0; i < page.form.count; ++i) {
+    const OptionItem& item = page.form.items[i];
+    const HWND control = GetDlgItem(window, item.id);
+    EnableWindow(control, IsUsable(*item.row, shown, page.sheet->running) ? TRUE : FALSE);
+    locked = locked || IsLocked(*item.row, page.sheet->running);
+  }
+  ShowWindow(GetDlgItem(window, ID_OPTIONS_NOTE), locked ? SW_SHOW : SW_HIDE);
+}
+
+void ShowDefaults(HWND window) {
+  const Page& page = PageOf(window);
+  Options standard = page.sheet->entered;
+  ResetPage(page.page, standard);
+  for (size_t i = 0; i < page.form.count; ++i) {
+    const OptionRow& row = *page.form.items[i].row;
+    if (!IsLocked(row, page.sheet->running)) ShowValue(window, row, standard);
+  }
+  RefreshUsable(window);
+}
+
+// The sheet makes all pages as large as the largest, in its own font's measure.
+void PlaceAtFoot(HWND window, int id) {
+  constexpr LONG kMargin = 7;
+  const HWND control = GetDlgItem(window, id);
+  RECT client{};
+  RECT place{};
+  RECT margin{0, 0, kMargin, kMargin};
+  GetClientRect(window, &client);
+  GetWindowRect(control, &place);
+  MapWindowPoints(nullptr, window, reinterpret_cast<POINT*>(&place), 2);
+  MapDialogRect(window, &margin);
+  const bool right = id == ID_OPTIONS_DEFAULTS;
+  SetWindowPos(control, HWND_BOTTOM,
+               right ? client.right - margin.right - (place.right - place.left) : place.left,
+               client.bottom - margin.bottom - (place.bottom - place.top), 0, 0, SWP_NOSIZE);
+}
+
+void OnInit(HWND window, const PROPSHEETPAGEW& description) {
+  SetWindowLongPtrW(window, DWLP_USER, description.lParam);
+  const Page& page = PageOf(window);
+  for (size_t i = 0; i < page.form.count; ++i) MakeControl(window, page.form.items[i]);
+  for (size_t i = 0; i < page.form.count; ++i)
+    ShowValue(window, *page.form.items[i].row, page.sheet->entered);
+  RefreshUsable(window);
+}
+
+void Refuse(HWND window, HWND number, const wchar_t* error) {
+  MessageBoxW(GetParent(window), error, L"Error", MB_OK | MB_ICONERROR);
+  SetFocus(number);
+  SendMessageW(number, EM_SETSEL, 0, -1);
+}
+
+// Takes over what the page shows. False at the first number that is wrong: the operator has been told and
+// stands on it. One that is greyed does no harm: then the former one stays.
+bool TakePage(HWND window) {
+  const Page& page = PageOf(window);
+  Options entered = page.sheet->entered;
+  ReadSwitches(window, page.form, entered);
+  for (size_t i = 0; i < page.form.count; ++i) {
+    const OptionItem& item = page.form.items[i];
+    if (item.kind != OptionItemKind::number) continue;
+    const HWND number = GetDlgItem(window, item.id);
+    wchar_t text[kOptionTextSize];
+    wchar_t error[kOptionErrorSize];
+    GetWindowTextW(number, text, static_cast<int>(kOptionTextSize));
+    if (ReadOption(*item.row, text, entered, error) || IsWindowEnabled(number) == FALSE) continue;
+    Refuse(window, number, error);
+    return false;
+  }
+  page.sheet->entered = entered;
+  return true;
+}
+
+// A page is left, or the sheet with "OK".
+LONG_PTR OnNotify(HWND window, const NMHDR& notice) {
+  if (notice.code == static_cast<UINT>(PSN_KILLACTIVE)) return TakePage(window) ? FALSE : TRUE;
+  if (notice.code == static_cast<UINT>(PSN_APPLY)) PageOf(window).sheet->accepted = true;
+  return PSNRET_NOERROR;
+}
+
+void OnCommand(HWND window, int id) {
+  if (id == ID_OPTIONS_DEFAULTS) return ShowDefaults(window);
+  if (id >= ID_OPTIONS_FIRST) RefreshUsable(window);  // a switch
+}
+
+INT_PTR CALLBACK PageProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+  switch (message) {
+    case WM_INITDIALOG:
+      OnInit(window, *reinterpret_cast<const PROPSHEETPAGEW*>(lParam));
+      return TRUE;
+    case WM_SIZE:
+      PlaceAtFoot(window, ID_OPTIONS_NOTE);
+      PlaceAtFoot(window, ID_OPTIONS_DEFAULTS);
+      return TRUE;
+    case WM_COMMAND:
+      if (HIWORD(wParam) == BN_CLICKED) OnCommand(window, LOWORD(wParam));
+      return TRUE;
+    case WM_NOTIFY:
+      SetWindowLongPtrW(window, DWLP_MSGRESULT, OnNotify(window, *reinterpret_cast<const NMHDR*>(lParam)));
+      return TRUE;
+    default:
+      return FALSE;
+  }
+}
+
+PROPSHEETPAGEW Describe(Page& page) {
+  PROPSHEETPAGEW description{};
+  description.dwSize = sizeof(description);
+  description.dwFlags = PSP_USETITLE;
+  description.hInstance = GetModuleHandleW(nullptr);
+  description.pszTemplate = MAKEINTRESOURCEW(ID_DIALOG_OPTIONS);
+  description.pszTitle = NameOfPage(page.page);
+  description.pfnDlgProc = PageProcedure;
+  description.lParam = reinterpret_cast<LPARAM>(&page);
+  return description;
+}
+
+// A page without rows is left out.
+void Show(HWND owner, Sheet& sheet) {
+  Page pages[kOptionPages];
+  PROPSHEETPAGEW descriptions[kOptionPages];
+  UINT count = 0;
+  for (int i = 0; i < kOptionPages; ++i) {
+    const auto page = static_cast<OptionPage>(i);
+    pages[count] = {&sheet, page, LayOutOptions(page)};
+    if (pages[count].form.count == 0) continue;
+    descriptions[count] = Describe(pages[count]);
+    ++count;
+  }
+  PROPSHEETHEADERW header{};
+  header.dwSize = sizeof(header);
+  header.dwFlags = PSH_PROPSHEETPAGE | PSH_NOAPPLYNOW | PSH_NOCONTEXTHELP;
+  header.hwndParent = owner;
+  header.hInstance = GetModuleHandleW(nullptr);
+  header.pszCaption = L"Options";
+  header.nPages = count;
+  header.ppsp = descriptions;
+  PropertySheetW(&header);
+}
+
+}  // namespace
+
+void ShowOptions(AppState& state) {
+  Sheet sheet{state.options, HoldsRun(state), false};
+  Show(MainWindow(state), sheet);
+  if (sheet.accepted) TakeOptions(state, sheet.entered);
+}
+
+}  // namespace tw
