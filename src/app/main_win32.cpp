@@ -9,6 +9,7 @@
 #include <gdiplus.h>
 
 #include "app/window/control_ids.h"
+#include "app/window/crash_dump_win32.h"
 #include "app/window/main_window_win32.h"
 #include "app/window/start_up.h"
 #include "display/echogram_view_win32.h"
@@ -50,6 +51,7 @@ int Run(HINSTANCE instance, int showCommand) {
   AppState* const state = CreateMainWindow(instance);
   if (state == nullptr) return 0;
   StartUp(*state);
+  WriteDumpOnCrash(state->workingFolder);
   ShowMainWindow(*state, showCommand);
   return RunMessageLoop(*state, instance);
 }
