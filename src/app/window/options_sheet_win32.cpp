@@ -128,20 +128,25 @@ void ShowDefaults(HWND window) {
 }
 
 // The sheet makes all pages as large as the largest, in its own font's measure.
-void PlaceAtFoot(HWND window, int id) {
-  constexpr LONG kMargin = 7;
+void PlaceAtFoot(HWND window, int id, LONG margin, bool right) {
   const HWND control = GetDlgItem(window, id);
   RECT client{};
   RECT place{};
-  RECT margin{0, 0, kMargin, kMargin};
+  RECT gap{0, 0, margin, margin};
   GetClientRect(window, &client);
   GetWindowRect(control, &place);
   MapWindowPoints(nullptr, window, reinterpret_cast<POINT*>(&place), 2);
-  MapDialogRect(window, &margin);
-  const bool right = id == ID_OPTIONS_DEFAULTS;
-  SetWindowPos(control, HWND_BOTTOM,
-               right ? client.right - margin.right - (place.right - place.left) : place.left,
-               client.bottom - margin.bottom - (place.bottom - place.top), 0, 0, SWP_NOSIZE);
+  MapDialogRect(window, &gap);
+  const LONG x = right ? client.right - gap.right - (place.right - place.left) : place.left;
+  const LONG y = client.bottom - gap.bottom - (place.bottom - place.top);
+  SetWindowPos(control, HWND_BOTTOM, x, y, 0, 0, SWP_NOSIZE);
+}
+
+void OnSize(HWND window) {
+  constexpr LONG kMargin = 7;
+  constexpr LONG kTextRise = 2;  // to the line of the button
+  PlaceAtFoot(window, ID_OPTIONS_NOTE, kMargin + kTextRise, false);
+  PlaceAtFoot(window, ID_OPTIONS_DEFAULTS, kMargin, true);
 }
 
 void OnInit(HWND window, const PROPSHEETPAGEW& description) {
@@ -198,8 +203,7 @@ INT_PTR CALLBACK PageProcedure(HWND window, UINT message, WPARAM wParam, LPARAM 
       OnInit(window, *reinterpret_cast<const PROPSHEETPAGEW*>(lParam));
       return TRUE;
     case WM_SIZE:
-      PlaceAtFoot(window, ID_OPTIONS_NOTE);
-      PlaceAtFoot(window, ID_OPTIONS_DEFAULTS);
+      OnSize(window);
       return TRUE;
     case WM_COMMAND:
       if (HIWORD(wParam) == BN_CLICKED) OnCommand(window, LOWORD(wParam));
