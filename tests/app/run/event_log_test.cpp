@@ -6,6 +6,7 @@
 #include "app/run/second_tick.h"
 #include "app/settings/stored_options.h"
 #include "app/window/commands.h"
+#include "app/window/start_up.h"
 #include "platform/clock.h"
 #include "platform/virtual/faults.h"
 #include "tests/app/run_control_fixture.h"
@@ -67,6 +68,14 @@ TEST_F(Events, OfARunStandInTheirOrder) {
                 files[1] +
                 ", N bytes\"\r\n"
                 "T,stop,\"\"\r\n");
+}
+
+TEST_F(Events, EndWithTheProgram) {
+  StartQuickRun(2);
+  BeginShutDown(*state_);
+  const std::string file = RecordFiles()[0];
+  EXPECT_TRUE(Told().ends_with("T,file closed,\"" + file + ", N bytes\"\r\nT,program ended,\"\"\r\n"))
+      << Told();
 }
 
 TEST_F(Events, AreNotWrittenUnlessWanted) {
