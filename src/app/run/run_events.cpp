@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <string_view>
 
+#include "acquisition/link_return.h"
 #include "app/run/run_control.h"
 #include "app/state/event_log.h"
 #include "base/shared_value.h"
@@ -50,6 +51,31 @@ wchar_t (&LoggedPath(AppState& state, RecordChannel channel))[kLoggedPathSize] {
 void WatchLoss(AppState& state, int32_t& told, bool lost, const char* event, const char* detail) {
   if (lost && told == 0) LogEvent(state, event, detail);
   told = lost ? 1 : 0;
+}
+
+const char* WordsFor(AwayFor reason) {
+  switch (reason) {
+    case AwayFor::silence:
+      return "no data";
+    case AwayFor::port:
+      return "the port is not there";
+    case AwayFor::answer:
+      return "the device does not answer";
+    case AwayFor::otherDevice:
+      return "another device answers";
+    case AwayFor::nothing:
+      break;
+  }
+  return "";
+}
+
+// A run that goes on without its device for the time being.
+void WatchReturn(AppState& state) {
+  RunWatch& watch = state.watch;
+  const AwayFor reason{LoadShared(state.linkAway)};
+  const bool away = reason != AwayFor::nothing;
+  if (!away && watch.awayTold != 0) LogEvent(state, "back", "");
+  WatchLoss(state, watch.awayTold, away, "lost", WordsFor(reason));
 }
 
 void WatchClocks(AppState& state, uint32_t now_ms) {
@@ -126,7 +152,8 @@ void WatchRun(AppState& state, uint32_t now_ms) {
   const bool receives = state.gpsThread != Handle::null && globals.gpsPortNumber != kNoGpsPort;
   WatchLoss(state, watch.linkLossTold,
             state.acquisitionThread != Handle::null && LoadShared(state.linkLost) != 0, "lost",
-            "echosounder");
+            "the run ends");
+  WatchReturn(state);
   WatchLoss(state, watch.receiverLossTold, receives && LoadShared(state.gpsPort) == Handle::invalid,
             "receiver lost", "its port has failed");
   WatchClocks(state, now_ms);

@@ -59,6 +59,7 @@ struct EventLog {
 // What a run is watched by once a second; see app/run/second_tick.h. GUI thread.
 struct RunWatch {
   int32_t linkLossTold;  // of this run
+  int32_t awayTold;      // the run goes on and waits for its device
   int32_t receiverLossTold;
   int32_t clocksKnown;
   int64_t utc_ms;     // of the last tick

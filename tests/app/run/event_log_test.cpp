@@ -3,8 +3,8 @@
 
 #include <regex>
 
+#include "acquisition/link_return.h"
 #include "app/run/second_tick.h"
-#include "app/settings/stored_options.h"
 #include "app/window/commands.h"
 #include "app/window/start_up.h"
 #include "platform/clock.h"
@@ -41,6 +41,10 @@ TEST_F(Events, OfARunStandInTheirOrder) {
   static_cast<void>(TickSecond(*state_, MillisecondClock()));
   static_cast<void>(TickSecond(*state_, MillisecondClock() - 3'000));
   static_cast<void>(TickSecond(*state_, MillisecondClock() - 1'100));
+  for (const AwayFor away : {AwayFor::silence, AwayFor::port, AwayFor::nothing}) {
+    StoreShared(state_->linkAway, static_cast<int32_t>(away));
+    Run(1);
+  }
   HangUpLine(kGpsLine);
   Run(2);
   HangUpLine(kDeviceLine);
@@ -62,8 +66,10 @@ TEST_F(Events, OfARunStandInTheirOrder) {
                 files[1] +
                 "\"\r\n"
                 "T,clock,\"+3.0 s\"\r\n"
+                "T,lost,\"no data\"\r\n"
+                "T,back,\"\"\r\n"
                 "T,receiver lost,\"its port has failed\"\r\n"
-                "T,lost,\"echosounder\"\r\n"
+                "T,lost,\"the run ends\"\r\n"
                 "T,file closed,\"" +
                 files[1] +
                 ", N bytes\"\r\n"
@@ -76,14 +82,6 @@ TEST_F(Events, EndWithTheProgram) {
   const std::string file = RecordFiles()[0];
   EXPECT_TRUE(Told().ends_with("T,file closed,\"" + file + ", N bytes\"\r\nT,program ended,\"\"\r\n"))
       << Told();
-}
-
-TEST_F(Events, AreNotWrittenUnlessWanted) {
-  TakeOptions(*state_, StandardOptions());
-  StartQuickRun(1);
-  StopRun(*state_);
-  EXPECT_EQ(RecordFiles().size(), 1u);
-  EXPECT_EQ(CallCount(FaultPoint::openFile), 0u);
 }
 
 TEST_F(Events, OfTenMegabytesAreRenamedOnce) {
