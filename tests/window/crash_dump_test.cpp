@@ -42,15 +42,13 @@ TEST(CrashDump, StandsInTheFolderAndIsOneThatDebuggersKnow) {
   const OwnFolder folder;
   SetEnvironmentVariableW(kFolderVariable, folder.Path().c_str());
   const PROCESS_INFORMATION process = StartCrash();
-  char mark[5] = "";
-  EXPECT_TRUE(WaitUntil(
-      [&] {
-        const std::vector<std::wstring> files = folder.Files();
-        if (files.empty()) return false;
-        std::ifstream(std::filesystem::path(files[0]), std::ios::binary).read(mark, 4);
-        return mark == std::string("MDMP");
-      },
-      60));
+  const auto firstBytes = [&] {
+    char bytes[4] = "";
+    const std::vector<std::wstring> files = folder.Files();
+    if (!files.empty()) std::ifstream(std::filesystem::path(files[0]), std::ios::binary).read(bytes, 4);
+    return std::string(bytes, 4);
+  };
+  EXPECT_TRUE(WaitUntil([&] { return firstBytes() == "MDMP"; }, 60));
   TerminateProcess(process.hProcess, 99);  // a debugger may have stopped it
   CloseHandle(process.hThread);
   CloseHandle(process.hProcess);
