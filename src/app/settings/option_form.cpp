@@ -7,6 +7,7 @@
 #include "app/window/control_ids.h"
 #include "base/text_format.h"
 #include "base/text_scan.h"
+#include "outputs/output_options.h"
 
 namespace tw {
 namespace {
@@ -17,6 +18,7 @@ constexpr int32_t kIndent = 11;
 constexpr int32_t kWidth = 214;  // of a row
 constexpr int32_t kNumberLeft = 150;
 constexpr int32_t kNumberWidth = 46;
+constexpr int32_t kAddressWidth = 66;
 constexpr int32_t kUnitLeft = kNumberLeft + kNumberWidth + 4;
 constexpr int32_t kUnitWidth = 21;
 constexpr int32_t kCheckHeight = 10;
@@ -47,6 +49,12 @@ void AddNumber(OptionForm& form, const OptionRow& row, int32_t x, int32_t y) {
   Add(form, {OptionItemKind::unit, &row, id + 3, {kUnitLeft, y + kTextDrop, kUnitWidth, kTextHeight}});
 }
 
+void AddAddress(OptionForm& form, const OptionRow& row, int32_t x, int32_t y) {
+  const int32_t id = FirstId(row);
+  Add(form, {OptionItemKind::label, &row, id + 1, {x, y + kTextDrop, kNumberLeft - 4 - x, kTextHeight}});
+  Add(form, {OptionItemKind::address, &row, id, {kNumberLeft, y, kAddressWidth, kFieldHeight}});
+}
+
 // A label without the ampersand of its key.
 void NarrowLabel(std::span<char> out, std::wstring_view label) {
   const size_t key = label.find(L'&');
@@ -63,8 +71,8 @@ void ExplainBounds(const OptionRow& row, std::span<wchar_t> error) {
   char unit[16];
   NarrowLabel(label, row.text);
   NarrowText(unit, row.unit);
-  FormatWide(error, "\"%s\" must be a whole number from %" PRId32 " to %" PRId32 " %s.", label, row.least,
-             row.most, unit);
+  FormatWide(error, "\"%s\" must be a whole number from %" PRId32 " to %" PRId32 "%s%s.", label, row.least,
+             row.most, unit[0] == '\0' ? "" : " ", unit);
 }
 
 // The whole text is one number.
@@ -77,6 +85,16 @@ bool ScanNumber(std::wstring_view text, int32_t& value) {
   return rest.empty() && text.size() < sizeof(narrow);
 }
 
+bool ReadAddress(const OptionRow& row, const wchar_t* text, Options& options, std::span<wchar_t> error) {
+  uint32_t ip = 0;
+  if (ParseAddress(text, ip)) {
+    CopyWide((options.*row.address).text, text);
+    return true;
+  }
+  CopyWide(error, L"An address is four numbers from 0 to 255, \"192.168.1.20\".");
+  return false;
+}
+
 }  // namespace
 
 OptionForm LayOutOptions(OptionPage page) {
@@ -85,7 +103,9 @@ OptionForm LayOutOptions(OptionPage page) {
   for (const OptionRow& row : OptionRows()) {
     if (row.page != page) continue;
     const int32_t x = kMargin + (row.needs != nullptr ? kIndent : 0);
-    if (row.unit == nullptr) {
+    if (row.address != nullptr) {
+      AddAddress(form, row, x, y);
+    } else if (row.IsSwitch()) {
       AddSwitch(form, row, x, y);
     } else {
       AddNumber(form, row, x, y);
@@ -110,10 +130,15 @@ bool IsUsable(const OptionRow& row, const Options& shown, bool running) {
 }
 
 void FormatOption(const OptionRow& row, const Options& options, std::span<wchar_t> text) {
-  FormatWide(text, "%" PRId32, options.*row.value);
+  if (row.address != nullptr) {
+    CopyWide(text, (options.*row.address).text);
+  } else {
+    FormatWide(text, "%" PRId32, options.*row.value);
+  }
 }
 
 bool ReadOption(const OptionRow& row, const wchar_t* text, Options& options, std::span<wchar_t> error) {
+  if (row.address != nullptr) return ReadAddress(row, text, options, error);
   int32_t value = 0;
   if (!ScanNumber(text, value) || value < row.least || value > row.most) {
     ExplainBounds(row, error);

@@ -1,7 +1,8 @@
 // The options as a form: where the rows of a page stand, in dialog units, so that they scale with font and
 // screen; what can be changed when; and how a number turns into a text and back. Pure; any thread.
 //
-// A switch is a check box. A number is a label, its field, the arrows in that field and its unit. What means
+// A switch is a check box. A number is a label, its field, the arrows in that field and its unit; an
+// address a label and its field. What means
 // nothing without a switch stands below it, indented.
 #pragma once
 
@@ -14,7 +15,7 @@
 
 namespace tw {
 
-enum class OptionItemKind : uint8_t { check, label, number, arrows, unit };
+enum class OptionItemKind : uint8_t { check, label, number, arrows, unit, address };
 
 struct OptionItem {
   OptionItemKind kind;
@@ -48,7 +49,7 @@ inline constexpr size_t kOptionErrorSize = 160;
 
 void FormatOption(const OptionRow& row, const Options& options, std::span<wchar_t> text);
 
-// Reads the text of a number. False when it is no whole number or out of its bounds: the options are
+// Reads the text of a number or an address. False when it is none, or out of its bounds: the options are
 // unchanged, and `error` names the bounds.
 [[nodiscard]] bool ReadOption(const OptionRow& row, const wchar_t* text, Options& options,
                               std::span<wchar_t> error);

@@ -1,5 +1,8 @@
 #include "app/settings/stored_options.h"
 
+#include <bit>
+
+#include "outputs/output_options.h"
 #include "platform/registry.h"
 
 namespace tw {
@@ -28,16 +31,63 @@ constexpr OptionRow kRows[] = {
     {recording, &O::beepWhenEnded, L"BeepWhenEnded", L"&Beep when the disk ends a recording", nullptr, 0, 0, 1, nullptr},
     {recording, &O::eventLog, L"EventLog", L"Event &log in the working folder (events.csv)", nullptr, 0, 0, 1, nullptr},
 
+    {outputs, &O::sendSerial, L"OutputSerial", L"Depth to a &serial port", nullptr, 0, 0, 1, nullptr, true},
+    {outputs, &O::serialPort, L"OutputSerialPort", L"&COM port", L"", 1, 1, 256, &O::sendSerial},
+    {outputs, &O::serialSpeed_bps, L"OutputSerialSpeed", L"S&peed", L"bps", 4'800, 1'200, 3'000'000, &O::sendSerial},
+    {outputs, &O::sendUdp, L"OutputUdp", L"Depth by &UDP", nullptr, 0, 0, 1, nullptr, true},
+    {outputs, nullptr, L"OutputUdpAddress", L"&Address", nullptr, 0, 0, 0, &O::sendUdp, false, &O::udpAddress},
+    {outputs, &O::udpPort, L"OutputUdpPort", L"P&ort", L"", 10'110, 1, 65'535, &O::sendUdp},
+    {outputs, &O::sendTcp, L"OutputTcp", L"Depth to &TCP clients", nullptr, 0, 0, 1, nullptr, true},
+    {outputs, nullptr, L"OutputTcpAddress", L"A&ddress", nullptr, 0, 0, 0, &O::sendTcp, false, &O::tcpAddress},
+    {outputs, &O::tcpPort, L"OutputTcpPort", L"Po&rt", L"", 10'110, 1, 65'535, &O::sendTcp},
+    {outputs, &O::sendDbt, L"OutputDbt", L"$SDD&BT", nullptr, 1, 0, 1, nullptr},
+    {outputs, &O::sendDpt, L"OutputDpt", L"$SD&DPT", nullptr, 0, 0, 1, nullptr},
+    {outputs, &O::transducerOffset_cm, L"OutputOffset", L"Transducer o&ffset", L"cm", 0, -5'000, 5'000, &O::sendDpt},
+    {outputs, &O::sendMtw, L"OutputMtw", L"$SD&MTW", nullptr, 0, 0, 1, nullptr},
+    {outputs, &O::sendXdr, L"OutputXdr", L"$SD&XDR", nullptr, 0, 0, 1, nullptr},
+    {outputs, &O::sendGga, L"OutputGga", L"&GGA of the receiver", nullptr, 0, 0, 1, nullptr},
+    {outputs, &O::sendRmc, L"OutputRmc", L"RMC of the recei&ver", nullptr, 0, 0, 1, nullptr},
+    {outputs, &O::outputRate, L"OutputRate", L"Pi&ngs, at most", L"/s", 10, 1, 50, nullptr},
+    {outputs, &O::sendLowChannel, L"OutputLow", L"Of both channels the &low one", nullptr, 0, 0, 1, nullptr},
+
     {display, &O::noDataOverEchogram, L"NoDataOverEchogram", L"\"&NO DATA\" over the echogram", nullptr, 0, 0, 1, nullptr},
 };
 // clang-format on
 
-int32_t Load(const OptionRow& row) {
+constexpr OptionAddress kThisComputer{L"127.0.0.1"};
+
+void MakeStandard(const OptionRow& row, Options& options) {
+  if (row.address != nullptr) {
+    options.*row.address = kThisComputer;
+  } else {
+    options.*row.value = row.standard;
+  }
+}
+
+void Load(const OptionRow& row, Options& options) {
+  MakeStandard(row, options);
+  if (row.address != nullptr) {
+    OptionAddress stored{};
+    uint32_t ip = 0;
+    const bool fits =
+        ReadRegistryText(kOptionsKey, row.name, stored.text, 2 * sizeof stored.text / sizeof(wchar_t)) &&
+        ParseAddress(stored.text, ip);
+    if (fits) options.*row.address = stored;
+    return;
+  }
   uint32_t stored = 0;
-  if (!ReadRegistryNumber(kOptionsKey, row.name, stored)) return row.standard;
-  const auto least = static_cast<uint32_t>(row.least);
-  const auto most = static_cast<uint32_t>(row.most);
-  return stored >= least && stored <= most ? static_cast<int32_t>(stored) : row.standard;
+  if (!ReadRegistryNumber(kOptionsKey, row.name, stored)) return;
+  const auto value = std::bit_cast<int32_t>(stored);
+  if (value >= row.least && value <= row.most) options.*row.value = value;
+}
+
+void Save(const OptionRow& row, const Options& options) {
+  if (row.address != nullptr) {
+    static_cast<void>(WriteRegistryText(kOptionsKey, row.name, (options.*row.address).text));
+  } else {
+    static_cast<void>(
+        WriteRegistryNumber(kOptionsKey, row.name, std::bit_cast<uint32_t>(options.*row.value)));
+  }
 }
 
 }  // namespace
@@ -53,26 +103,24 @@ std::span<const OptionRow> OptionRows() {
 
 Options StandardOptions() {
   Options options{};
-  for (const OptionRow& row : kRows) options.*row.value = row.standard;
+  for (const OptionRow& row : kRows) MakeStandard(row, options);
   return options;
 }
 
 void ResetPage(OptionPage page, Options& options) {
   for (const OptionRow& row : kRows) {
-    if (row.page == page) options.*row.value = row.standard;
+    if (row.page == page) MakeStandard(row, options);
   }
 }
 
 Options LoadOptions() {
   Options options{};
-  for (const OptionRow& row : kRows) options.*row.value = Load(row);
+  for (const OptionRow& row : kRows) Load(row, options);
   return options;
 }
 
 void SaveOptions(const Options& options) {
-  for (const OptionRow& row : kRows) {
-    static_cast<void>(WriteRegistryNumber(kOptionsKey, row.name, static_cast<uint32_t>(options.*row.value)));
-  }
+  for (const OptionRow& row : kRows) Save(row, options);
 }
 
 }  // namespace tw

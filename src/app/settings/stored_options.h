@@ -25,8 +25,11 @@ struct OptionRow {
   int32_t standard;
   int32_t least;
   int32_t most;
-  int32_t Options::*needs;  // the switch without which it means nothing; null: none
-  bool atStart = false;     // read when a run starts, so that nobody changes it during one
+  int32_t Options::*needs;                    // the switch without which it means nothing; null: none
+  bool atStart = false;                       // read when a run starts, so that nobody changes it during one
+  OptionAddress Options::*address = nullptr;  // in the place of a number; `value` is null then
+
+  [[nodiscard]] bool IsSwitch() const { return unit == nullptr && address == nullptr; }
 };
 
 // In the order of the pages and of their lines.

@@ -6,6 +6,11 @@
 
 namespace tw {
 
+// Four decimal numbers with points between them.
+struct OptionAddress {
+  wchar_t text[16];
+};
+
 // Switches are 0 or 1.
 struct Options {
   // Link
@@ -27,6 +32,26 @@ struct Options {
   int32_t recordAgain;    // in a new file, once a full disk has space again
   int32_t beepWhenEnded;  // by a full disk
   int32_t eventLog;
+
+  // Outputs: depth for other programs
+  int32_t sendSerial;
+  int32_t serialPort;  // COM number
+  int32_t serialSpeed_bps;
+  int32_t sendUdp;
+  OptionAddress udpAddress;
+  int32_t udpPort;
+  int32_t sendTcp;
+  OptionAddress tcpAddress;
+  int32_t tcpPort;
+  int32_t sendDbt;
+  int32_t sendDpt;
+  int32_t transducerOffset_cm;  // above 0 from the water line, below 0 from the keel
+  int32_t sendMtw;
+  int32_t sendXdr;
+  int32_t sendGga;
+  int32_t sendRmc;
+  int32_t outputRate;  // pings a second, at most
+  int32_t sendLowChannel;
 
   // Display
   int32_t noDataOverEchogram;

@@ -9,6 +9,7 @@
 #include "app/settings/stored_options.h"
 #include "app/state/event_log.h"
 #include "app/window/control_ids.h"
+#include "app/window/depth_outputs.h"
 #include "app/window/run_changes.h"
 #include "app/window/run_faults.h"
 #include "app/window/ui.h"
@@ -150,6 +151,7 @@ void TakeOptions(AppState& state, const Options& entered) {
   state.options = entered;
   SaveOptions(entered);
   DirectEventLog(state);
+  RestartOutputs(state);
 }
 
 }  // namespace tw

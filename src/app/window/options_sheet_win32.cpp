@@ -4,12 +4,17 @@
 #include <commctrl.h>
 #include <prsht.h>
 
+#include <cinttypes>
+#include <cwchar>
+
 #include "app/run/run_control.h"
 #include "app/settings/option_form.h"
+#include "app/settings/port_selectors.h"
 #include "app/window/commands.h"
 #include "app/window/control_ids.h"
 #include "app/window/dialogs_win32.h"
 #include "app/window/window_handles_win32.h"
+#include "base/text_format.h"
 
 namespace tw {
 namespace {
@@ -19,6 +24,8 @@ struct Sheet {
   Options entered;
   bool running;
   bool accepted;
+  PortChoice device;
+  PortChoice receiver;
 };
 
 struct Page {
@@ -33,12 +40,15 @@ struct ControlStyle {
   DWORD extended;
 };
 
-ControlStyle StyleOf(OptionItemKind kind) {
-  switch (kind) {
+ControlStyle StyleOf(const OptionItem& item) {
+  switch (item.kind) {
     case OptionItemKind::check:
       return {L"Button", WS_TABSTOP | BS_AUTOCHECKBOX, 0};
     case OptionItemKind::number:
-      return {L"Edit", WS_TABSTOP | ES_AUTOHSCROLL | ES_NUMBER, WS_EX_CLIENTEDGE};
+      return {L"Edit", WS_TABSTOP | ES_AUTOHSCROLL | (item.row->least < 0 ? 0u : ES_NUMBER),
+              WS_EX_CLIENTEDGE};
+    case OptionItemKind::address:
+      return {L"Edit", WS_TABSTOP | ES_AUTOHSCROLL, WS_EX_CLIENTEDGE};
     case OptionItemKind::arrows:  // they find their number ahead of them
       return {UPDOWN_CLASSW,
               UDS_AUTOBUDDY | UDS_ALIGNRIGHT | UDS_ARROWKEYS | UDS_SETBUDDYINT | UDS_NOTHOUSANDS, 0};
@@ -62,13 +72,14 @@ const wchar_t* TextOf(const OptionItem& item) {
       return item.row->unit;
     case OptionItemKind::number:
     case OptionItemKind::arrows:
+    case OptionItemKind::address:
       break;
   }
   return L"";
 }
 
 void MakeControl(HWND window, const OptionItem& item) {
-  const ControlStyle style = StyleOf(item.kind);
+  const ControlStyle style = StyleOf(item);
   RECT rect{item.place.x, item.place.y, item.place.x + item.place.width, item.place.y + item.place.height};
   MapDialogRect(window, &rect);
   const HWND control = CreateWindowExW(
@@ -76,14 +87,15 @@ void MakeControl(HWND window, const OptionItem& item) {
       rect.right - rect.left, rect.bottom - rect.top, window,
       reinterpret_cast<HMENU>(static_cast<INT_PTR>(item.id)), GetModuleHandleW(nullptr), nullptr);
   SendMessageW(control, WM_SETFONT, static_cast<WPARAM>(SendMessageW(window, WM_GETFONT, 0, 0)), FALSE);
-  if (item.kind == OptionItemKind::number) SendMessageW(control, EM_SETLIMITTEXT, kOptionTextSize - 1, 0);
+  if (item.kind == OptionItemKind::number || item.kind == OptionItemKind::address)
+    SendMessageW(control, EM_SETLIMITTEXT, kOptionTextSize - 1, 0);
   if (item.kind == OptionItemKind::arrows)
     SendMessageW(control, UDM_SETRANGE32, static_cast<WPARAM>(item.row->least), item.row->most);
 }
 
 void ShowValue(HWND window, const OptionRow& row, const Options& options) {
   const HWND control = GetDlgItem(window, ControlOf(row));
-  if (row.unit == nullptr) {
+  if (row.IsSwitch()) {
     SendMessageW(control, BM_SETCHECK, options.*row.value != 0 ? BST_CHECKED : BST_UNCHECKED, 0);
     return;
   }
@@ -164,6 +176,22 @@ void Refuse(HWND window, HWND number, const wchar_t* error) {
   SendMessageW(number, EM_SETSEL, 0, -1);
 }
 
+// The port that depths go to is neither the device's nor the receiver's.
+bool IsOutputPortFree(HWND window, const Sheet& sheet, const Options& entered) {
+  if (entered.sendSerial == 0) return true;
+  wchar_t name[16];
+  FormatWide(name, "COM%" PRId32, entered.serialPort);
+  const bool device = std::wcscmp(name, sheet.device.name) == 0;
+  if (!device && std::wcscmp(name, sheet.receiver.name) != 0) return true;
+  wchar_t text[96];
+  FormatWide(text, "COM%" PRId32 " is the port of the %s.", entered.serialPort,
+             device ? "echosounder" : "GPS receiver");
+  for (const OptionRow& row : OptionRows()) {
+    if (row.value == &Options::serialPort) Refuse(window, GetDlgItem(window, ControlOf(row)), text);
+  }
+  return false;
+}
+
 // Takes over what the page shows. False at the first number that is wrong: the operator has been told and
 // stands on it. One that is greyed does no harm: then the former one stays.
 bool TakePage(HWND window) {
@@ -172,7 +200,7 @@ bool TakePage(HWND window) {
   ReadSwitches(window, page.form, entered);
   for (size_t i = 0; i < page.form.count; ++i) {
     const OptionItem& item = page.form.items[i];
-    if (item.kind != OptionItemKind::number) continue;
+    if (item.kind != OptionItemKind::number && item.kind != OptionItemKind::address) continue;
     const HWND number = GetDlgItem(window, item.id);
     wchar_t text[kOptionTextSize];
     wchar_t error[kOptionErrorSize];
@@ -181,6 +209,7 @@ bool TakePage(HWND window) {
     Refuse(window, number, error);
     return false;
   }
+  if (page.page == OptionPage::outputs && !IsOutputPortFree(window, *page.sheet, entered)) return false;
   page.sheet->entered = entered;
   return true;
 }
@@ -254,7 +283,8 @@ void Show(HWND owner, Sheet& sheet) {
 }  // namespace
 
 void ShowOptions(AppState& state) {
-  Sheet sheet{state.options, HoldsRun(state), false};
+  Sheet sheet{state.options, HoldsRun(state), false, {}, {}};
+  ReadPortChoices(state, sheet.device, sheet.receiver);
   Show(MainWindow(state), sheet);
   if (sheet.accepted) TakeOptions(state, sheet.entered);
 }

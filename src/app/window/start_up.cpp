@@ -9,6 +9,7 @@
 #include "app/settings/stored_options.h"
 #include "app/state/event_log.h"
 #include "app/window/control_ids.h"
+#include "app/window/depth_outputs.h"
 #include "app/window/run_changes.h"
 #include "app/window/ui.h"
 #include "base/shared_value.h"
@@ -76,12 +77,14 @@ void StartUp(AppState& state) {
   LoadRecordingChoices(state);
   state.options = LoadOptions();
   state.startsByItself = state.options.startByItself;
+  RestartOutputs(state);
   DirectEventLog(state);
   BuildSegyTextHeader(globals.segyTextHeader);
   RefreshControlStates(state);
 }
 
 void BeginShutDown(AppState& state) {
+  StopOutputs(state);
   StoreShared(globals.screenshotRequested, 1);
   CloseRecordFile(state, RecordChannel::a);
   static_cast<void>(AwaitRecords(state, kWritingLimit_ms));  // whatever is left goes with the process

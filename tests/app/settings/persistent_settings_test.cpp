@@ -2,11 +2,14 @@
 
 #include <gtest/gtest.h>
 
+#include <bit>
 #include <filesystem>
 #include <memory>
 #include <string>
 
+#include "app/settings/option_form.h"
 #include "app/settings/stored_options.h"
+#include "app/window/depth_outputs.h"
 #include "platform/virtual/documents_folder.h"
 #include "platform/virtual/faults.h"
 #include "tests/app/stored_values.h"
@@ -114,15 +117,16 @@ TEST_F(PersistentSettings, ThePlacementIsEightLittleEndianWords) {
 
 TEST_F(PersistentSettings, OptionsOutOfTheirBoundsAreTheStandardOnes) {
   for (const OptionRow& row : OptionRows()) {
+    if (row.address != nullptr) continue;
     for (const uint32_t stored :
          {static_cast<uint32_t>(row.least), static_cast<uint32_t>(row.most),
           static_cast<uint32_t>(row.least) - 1, static_cast<uint32_t>(row.most) + 1}) {
       RegistryValue value;
       value.number = stored;
       PutRegistryValue(kOptionsKey, row.name, value);
-      const auto number = static_cast<int64_t>(stored);
+      const auto number = std::bit_cast<int32_t>(stored);
       const bool fits = number >= row.least && number <= row.most;
-      EXPECT_EQ(LoadOptions().*row.value, fits ? static_cast<int32_t>(stored) : row.standard) << row.text;
+      EXPECT_EQ(LoadOptions().*row.value, fits ? number : row.standard) << row.text;
     }
     Options changed = StandardOptions();
     changed.*row.value = row.most;
@@ -131,6 +135,41 @@ TEST_F(PersistentSettings, OptionsOutOfTheirBoundsAreTheStandardOnes) {
     ResetPage(row.page, changed);
     EXPECT_EQ(changed.*row.value, row.standard) << row.text;
   }
+}
+
+TEST_F(PersistentSettings, AnAddressThatIsNoneIsThisComputer) {
+  for (const OptionRow& row : OptionRows()) {
+    if (row.address == nullptr) continue;
+    for (const std::wstring stored :
+         {L"192.168.1.255", L"192.168.1.256", L"host", L"", L"1.2.3.4.5.6.7.8.9.10"}) {
+      RegistryValue value;
+      value.type = RegistryType::text;
+      value.text = stored;
+      PutRegistryValue(kOptionsKey, row.name, value);
+      EXPECT_EQ((LoadOptions().*row.address).text, stored == L"192.168.1.255" ? stored : L"127.0.0.1");
+    }
+    Options changed = LoadOptions();
+    wchar_t error[kOptionErrorSize] = L"";
+    EXPECT_FALSE(ReadOption(row, L"1.2.3", changed, error));
+    EXPECT_TRUE(ReadOption(row, L"10.0.0.7", changed, error));
+    SaveOptions(changed);
+    EXPECT_STREQ((LoadOptions().*row.address).text, L"10.0.0.7");
+  }
+}
+
+TEST_F(PersistentSettings, OutputsAreWhatTheOptionsSay) {
+  Options options = StandardOptions();
+  OutputOptions outputs = OutputsOf(options);
+  EXPECT_FALSE(outputs.serial || outputs.udp || outputs.tcp);
+  EXPECT_EQ(outputs.sentences, uint32_t{kDbt});
+  options.sendUdp = options.sendDpt = options.sendRmc = 1;
+  options.transducerOffset_cm = -50;
+  options.serialPort = 12;
+  outputs = OutputsOf(options);
+  EXPECT_TRUE(outputs.udp && IsBounded(outputs));
+  EXPECT_EQ(outputs.sentences, uint32_t{kDbt | kDpt | kRmc});
+  EXPECT_FLOAT_EQ(outputs.transducerOffset_m, -0.5f);
+  EXPECT_STREQ(outputs.line, L"\\\\.\\COM12");
 }
 
 }  // namespace
