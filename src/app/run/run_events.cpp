@@ -71,7 +71,7 @@ const char* WordsFor(AwayFor reason) {
 
 // A run that goes on without its device for the time being.
 void WatchReturn(AppState& state) {
-  RunWatch& watch = state.watch;
+  EventWatch& watch = state.eventWatch;
   const AwayFor reason{LoadShared(state.linkAway)};
   const bool away = reason != AwayFor::nothing;
   if (!away && watch.awayTold != 0) LogEvent(state, "back", "");
@@ -79,7 +79,7 @@ void WatchReturn(AppState& state) {
 }
 
 void WatchClocks(AppState& state, uint32_t now_ms) {
-  RunWatch& watch = state.watch;
+  EventWatch& watch = state.eventWatch;
   const int64_t utc_ms = UnixMilliseconds();
   const int64_t jump_ms = utc_ms - watch.utc_ms - static_cast<int32_t>(now_ms - watch.clock_ms);
   if (watch.clocksKnown != 0 && std::abs(jump_ms) > kLeastJump_ms) {
@@ -95,7 +95,7 @@ void WatchClocks(AppState& state, uint32_t now_ms) {
 }  // namespace
 
 void LogRunBegins(AppState& state) {
-  state.watch = {};
+  state.eventWatch = {};
   char receiver[64];
   FormatReceiver(receiver);
   const bool named = FamilyInUse() == DeviceFamily::first;
@@ -143,8 +143,8 @@ void LogClosedFiles(AppState& state) {
   }
 }
 
-void WatchRun(AppState& state, uint32_t now_ms) {
-  RunWatch& watch = state.watch;
+void WatchEvents(AppState& state, uint32_t now_ms) {
+  EventWatch& watch = state.eventWatch;
   if (!IsEventLogOn(state)) {
     watch.clocksKnown = 0;
     return;

@@ -24,6 +24,6 @@ void LogClosedFiles(AppState& state);
 
 // To be called once a second with the clock's time: a lost link, a lost receiver, and what the wall clock
 // jumps against the millisecond clock, from 2 s on. Each loss is told once.
-void WatchRun(AppState& state, uint32_t now_ms);
+void WatchEvents(AppState& state, uint32_t now_ms);
 
 }  // namespace tw

@@ -27,7 +27,7 @@ void RequestDueCapture(AppState& state, uint32_t now_ms) {
 DueNow TickSecond(AppState& state, uint32_t now_ms) {
   RequestDueCapture(state, now_ms);
   if (state.acquisitionThread != Handle::null) SplitWhenDue(state);
-  WatchRun(state, now_ms);
+  WatchEvents(state, now_ms);
   return {.linkLost = state.acquisitionThread != Handle::null && LoadShared(state.linkLost) != 0,
           .choice = state.choiceWaits != 0 && IsOver(state.choiceSince_ms, kChoiceDelay_ms, now_ms),
           .away = AwayFor{LoadShared(state.linkAway)},

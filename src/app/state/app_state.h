@@ -57,7 +57,7 @@ struct EventLog {
 };
 
 // What a run is watched by once a second; see app/run/second_tick.h. GUI thread.
-struct RunWatch {
+struct EventWatch {
   int32_t linkLossTold;  // of this run
   int32_t awayTold;      // the run goes on and waits for its device
   int32_t receiverLossTold;
@@ -164,7 +164,7 @@ struct AppState {
   PortEntry ports[kMaxPorts];  // GUI thread
   Options options;             // GUI thread
   EventLog eventLog;
-  RunWatch watch;
+  EventWatch eventWatch;
   wchar_t loggedFiles[2][kLoggedPathSize];  // record files whose closing is still to be logged; GUI thread
   wchar_t devicePortName[kPortNameSize];    // of the run; GUI thread
   wchar_t gpsPortName[kPortNameSize];       // empty: none
