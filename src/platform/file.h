@@ -75,6 +75,11 @@ enum class PathKind : uint8_t {
 [[nodiscard]] PathKind KindOfPath(const wchar_t* path);
 
 [[nodiscard]] bool IsFolder(const wchar_t* path);
+
+// How many bytes this user can still write below the folder. False: `bytes` is unchanged. A folder on the
+// network may take its time.
+[[nodiscard]] bool FreeSpace(const wchar_t* folder, uint64_t& bytes);
+
 // Creates one folder; its parent must exist.
 [[nodiscard]] bool CreateFolder(const wchar_t* path);
 

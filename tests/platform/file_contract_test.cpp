@@ -218,6 +218,16 @@ TEST_F(FileContract, FoldersAndFilesAreToldApart) {
   EXPECT_NE(LastSystemError(), 0u);
 }
 
+TEST_F(FileContract, AFolderTellsItsFreeSpace) {
+  uint64_t bytes = 7;
+  EXPECT_FALSE(FreeSpace(L"no such folder", bytes));
+  EXPECT_EQ(bytes, 7u);
+  EXPECT_NE(LastSystemError(), 0u);
+  ASSERT_TRUE(FreeSpace(L".", bytes));
+  EXPECT_GT(bytes, 1'000u);
+  EXPECT_LT(bytes, uint64_t{1} << 60);
+}
+
 TEST(FileContractHandles, NoneMeansFailureEverywhere) {
   for (const Handle none : {Handle::null, Handle::invalid}) {
     char byte = 'x';

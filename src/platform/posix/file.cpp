@@ -80,6 +80,10 @@ bool CreateFolder(const wchar_t* path) {
   return posix::CreateFolder(path);
 }
 
+bool FreeSpace(const wchar_t* folder, uint64_t& bytes) {
+  return posix::FreeSpace(folder, bytes);
+}
+
 bool DocumentsFolder(std::span<wchar_t> path) {
   return posix::TellFolder(std::getenv("HOME"), path);  // NOLINT(concurrency-mt-unsafe): nobody sets it
 }

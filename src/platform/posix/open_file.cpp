@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/statvfs.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -185,6 +186,13 @@ bool RenameFile(const wchar_t* from, const wchar_t* to, Existing existing) {
 
 bool CreateFolder(const wchar_t* path) {
   return mkdir(NarrowedPath(path).Get(), 0777) == 0 || FailWithErrno();
+}
+
+bool FreeSpace(const wchar_t* folder, uint64_t& bytes) {
+  struct statvfs disk {};
+  if (statvfs(NarrowedPath(folder).Get(), &disk) != 0) return FailWithErrno();
+  bytes = uint64_t{disk.f_bavail} * disk.f_frsize;
+  return true;
 }
 
 bool TellFolder(const char* bytes, std::span<wchar_t> path) {

@@ -31,6 +31,10 @@ uint32_t LastSystemError() {
   return lastError;
 }
 
+bool MeansFullDisk(uint32_t code) {
+  return code == ENOSPC || code == EDQUOT;
+}
+
 size_t SystemErrorText(uint32_t code, std::span<wchar_t> out) {
   char buffer[256];
   // The GNU form: it has a text for unknown codes too and may answer with a constant instead of the buffer.

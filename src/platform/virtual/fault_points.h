@@ -14,6 +14,7 @@ namespace tw {
 
 // How many of `size` bytes the disk still takes; they count as written.
 [[nodiscard]] uint32_t TakeDiskSpace(uint32_t size);
+[[nodiscard]] uint64_t DiskSpaceLeft();
 
 struct LineAllowance {
   uint32_t bytes;  // as many may be delivered now, at most

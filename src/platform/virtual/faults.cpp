@@ -119,6 +119,12 @@ uint32_t TakeDiskSpace(uint32_t size) {
   return static_cast<uint32_t>(taken);
 }
 
+uint64_t DiskSpaceLeft() {
+  Table& table = Shared();
+  const std::lock_guard held(table.mutex);
+  return table.diskSpace;
+}
+
 void SilenceLine(const wchar_t* name, uint64_t afterBytes) {
   ChangeLine(name, [&](LineFaults& line) { line.silentAt = After(line.delivered, afterBytes); });
 }

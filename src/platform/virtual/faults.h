@@ -24,6 +24,7 @@ enum class FaultPoint : uint8_t {
   removeFile,     //
   renameFile,     // subject: the old path
   createFolder,   //
+  freeSpace,      //
   documents,      // no subject
   readRegistry,   // subject: the value's name
   writeRegistry,  // subject: the value's name
@@ -31,7 +32,7 @@ enum class FaultPoint : uint8_t {
   makeEvent,      // no subject
   allocate,       // no subject
 };
-inline constexpr int kFaultPoints = 22;
+inline constexpr int kFaultPoints = 23;
 
 inline constexpr uint64_t kEveryCall = UINT64_MAX;
 

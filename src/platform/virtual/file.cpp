@@ -177,6 +177,12 @@ bool CreateFolder(const wchar_t* path) {
   return !FaultAt(FaultPoint::createFolder, path) && posix::CreateFolder(path);
 }
 
+bool FreeSpace(const wchar_t* folder, uint64_t& bytes) {
+  if (FaultAt(FaultPoint::freeSpace, folder) || !posix::FreeSpace(folder, bytes)) return false;
+  bytes = std::min(bytes, DiskSpaceLeft());
+  return true;
+}
+
 bool DocumentsFolder(std::span<wchar_t> path) {
   if (FaultAt(FaultPoint::documents, {})) return false;
   const char* const home = std::getenv("HOME");  // NOLINT(concurrency-mt-unsafe): nobody sets it

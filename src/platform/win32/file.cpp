@@ -162,6 +162,13 @@ bool IsFolder(const wchar_t* path) {
   return KindOfPath(path) == PathKind::folder;
 }
 
+bool FreeSpace(const wchar_t* folder, uint64_t& bytes) {
+  ULARGE_INTEGER available;
+  if (GetDiskFreeSpaceExW(folder, &available, nullptr, nullptr) == FALSE) return false;
+  bytes = available.QuadPart;
+  return true;
+}
+
 size_t WidenPath(std::span<wchar_t> out, std::string_view path) {
   return WidenText(out, path);
 }

@@ -10,6 +10,10 @@ uint32_t LastSystemError() {
   return GetLastError();
 }
 
+bool MeansFullDisk(uint32_t code) {
+  return code == ERROR_DISK_FULL || code == ERROR_HANDLE_DISK_FULL || code == ERROR_NOT_ENOUGH_QUOTA;
+}
+
 size_t SystemErrorText(uint32_t code, std::span<wchar_t> out) {
   wchar_t* text = nullptr;
   constexpr DWORD kFlags =
