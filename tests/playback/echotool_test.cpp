@@ -8,6 +8,7 @@
 #include "tests/playback/info_text.h"
 #include "tools/echotool/console.h"
 #include "tools/echotool/options.h"
+#include "tools/echotool/summary.h"
 #include "tools/echotool/work.h"
 
 namespace tw::echotool {
@@ -224,6 +225,31 @@ TEST_F(Work, TextTellsTheSameAsTheBinaryItWasMadeOf) {
   const auto upTo = [](const std::string& report) { return report.substr(0, report.find("  damaged")); };
   EXPECT_EQ(upTo(from(binary.text)), upTo(from(text.text)));
   EXPECT_NE(text.text.find("damaged       0 of 1268 bytes"), std::string::npos) << text.text;
+}
+
+// 16 pings at one place, of which 5 had stood there for more than 10 s, then a boat under way.
+TEST(SummaryOfPositions, PingsAtAPositionThatStandsStillAreCounted) {
+  RecordingFault fault{};
+  const auto recording = OpenRecording((kGolden / "three_pings.log").wstring().c_str(), fault);
+  ASSERT_NE(recording, nullptr);
+  RecordedPing ping{};
+  ping.hasPosition = ping.hasTime = true;
+  ping.latitude_rad = 0.6;
+  Summary standing;
+  for (int second = 0; second < 30; ++second) {
+    ping.time_ms = second * 1'000;
+    if (second > 15) ping.latitude_rad += 1e-7;
+    standing.Add(ping);
+  }
+  EXPECT_NE(standing.Text(*recording).find("5 pings with one that stood still for more than 10 s"),
+            std::string::npos);
+  Summary moving;
+  for (int second = 0; second < 30; ++second) {
+    ping.time_ms = second * 1'000;
+    ping.latitude_rad = 0.6 + 1e-7 * (second / 10);
+    moving.Add(ping);
+  }
+  EXPECT_EQ(moving.Text(*recording).find("stood still"), std::string::npos);
 }
 
 TEST_F(Work, WhatCannotBeDoneLeavesNothing) {

@@ -35,6 +35,7 @@ std::string ModeText(const RecordingKind& kind) {
   return std::to_string(kind.outputMode) + " " + name;
 }
 
+constexpr int64_t kLongestStill_ms = 10'000;
 constexpr double kDegrees = 180.0 / std::numbers::pi;
 
 }  // namespace
@@ -69,6 +70,22 @@ void Summary::Add(const RecordedPing& ping) {
   if (!ping.hasPosition) return;
   latitude_deg_.Add(ping.latitude_rad * kDegrees);
   longitude_deg_.Add(ping.longitude_rad * kDegrees);
+  NotePosition(ping);
+}
+
+// Receivers that have fallen silent leave their last position to all pings behind it. Times that go back
+// begin anew.
+void Summary::NotePosition(const RecordedPing& ping) {
+  if (!ping.hasTime) return;
+  const bool same = hasStill_ && ping.latitude_rad == stillLatitude_ && ping.longitude_rad == stillLongitude_;
+  if (!same || ping.time_ms < stillSince_ms_) {
+    hasStill_ = true;
+    stillLatitude_ = ping.latitude_rad;
+    stillLongitude_ = ping.longitude_rad;
+    stillSince_ms_ = ping.time_ms;
+  } else if (ping.time_ms - stillSince_ms_ > kLongestStill_ms) {
+    ++stood_;
+  }
 }
 
 std::string Summary::Text(const PingSource& recording) const {
@@ -92,6 +109,9 @@ std::string Summary::Text(const PingSource& recording) const {
     Line(out, "latitude", "%.8f to %.8f deg", latitude_deg_.low, latitude_deg_.high);
     Line(out, "longitude", "%.8f to %.8f deg", longitude_deg_.low, longitude_deg_.high);
   }
+  if (stood_ != 0)
+    Line(out, "position", "%" PRIu64 " pings with one that stood still for more than %" PRId64 " s", stood_,
+         kLongestStill_ms / 1000);
   Line(out, "damaged", "%s", DamageText(recording).c_str());
   return out;
 }

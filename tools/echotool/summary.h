@@ -29,6 +29,8 @@ class Summary {
     void Add(double value);
   };
 
+  void NotePosition(const RecordedPing& ping);
+
   uint64_t pings_ = 0;
   uint64_t channelPings_[2] = {};
   uint32_t first_ = 0;
@@ -38,6 +40,13 @@ class Summary {
   Span depth_m_;
   Span latitude_deg_;
   Span longitude_deg_;
+
+  // Of the position that the pings have had for the last time, since when, and how many had it for too long.
+  double stillLatitude_ = 0;
+  double stillLongitude_ = 0;
+  int64_t stillSince_ms_ = 0;
+  bool hasStill_ = false;
+  uint64_t stood_ = 0;
 };
 
 }  // namespace tw::echotool
