@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cinttypes>
 #include <cmath>
+#include <cstring>
+#include <string_view>
 #include <utility>
 
 #include "app/state/posts.h"
@@ -11,6 +13,8 @@
 #include "gps/gps_fix.h"
 #include "gps/nmea_parser.h"
 #include "gps/position_text.h"
+#include "gps/receiver_watch.h"
+#include "platform/clock.h"
 #include "platform/debug_output.h"
 #include "platform/serial_line.h"
 
@@ -29,6 +33,22 @@ struct GpsRun {
     return LoadShared(state.runNumber) == number && LoadShared(state.gpsPort) == port;
   }
 };
+
+// What the worker knows of the receiver's sentences.
+struct Listener {
+  NmeaParser parser{};
+  uint32_t sentences = 0;  // whole ones since the last look
+  bool dropped = false;    // the position was taken back, until a sentence tells it again
+  int32_t droppedQuality = 0;
+};
+
+void CountSentence(void* context, std::string_view) {
+  ++static_cast<Listener*>(context)->sentences;
+}
+
+bool IsSameTime(const GpsTime& a, const GpsTime& b) {
+  return std::memcmp(&a, &b, sizeof(GpsTime)) == 0;
+}
 
 // With gpsLock held.
 void DeriveValues(const NmeaParser& parser) {
@@ -55,37 +75,79 @@ void TellOverruns(uint32_t overruns) {
   WriteDebugText(text);
 }
 
+// Puts what was parsed into the fix and tells how many sentences that were. A position that was taken back
+// counts again with the next sentence that brings a time; a GGA has a quality of its own. With gpsLock held.
+int ApplySentences(AppState& state, Listener& listener, uint32_t now_ms) {
+  GpsFix& fix = globals.fix;
+  const GpsTime before = fix.utc;
+  if (listener.dropped) fix.quality = listener.droppedQuality;
+  const int applied = ApplyPackets(listener.parser, fix);
+  if (!IsSameTime(before, fix.utc)) {
+    StoreShared(state.receiverFix_ms, now_ms);
+    listener.dropped = false;
+  }
+  if (listener.dropped) fix.quality = 0;
+  return applied;
+}
+
 // False when the run is over.
-bool TakeBytes(AppState& state, const GpsRun& run, NmeaParser& parser, const uint8_t* bytes, uint32_t count) {
+bool TakeBytes(AppState& state, const GpsRun& run, Listener& listener, const uint8_t* bytes, uint32_t count) {
+  const uint32_t now_ms = MillisecondClock();
   const Locked held(state.gpsLock);
   if (!run.IsCurrent(state)) return false;
-  static_cast<void>(ParserPush(parser, bytes, count));
-  const int applied = ApplyPackets(parser, globals.fix);
-  DeriveValues(parser);
+  static_cast<void>(ParserPush(listener.parser, bytes, count));
+  const int applied = ApplySentences(state, listener, now_ms);
+  DeriveValues(listener.parser);
   StoreShared(globals.gpsUpdates, LoadShared(globals.gpsUpdates) + static_cast<uint32_t>(applied));
+  StoreShared(state.receiverByte_ms, now_ms);
+  if (std::exchange(listener.sentences, 0) != 0) StoreShared(state.receiverSentence_ms, now_ms);
   return true;
 }
 
+// Takes the position of a receiver back that tells none any more, if the operator wants that.
+void DropStalePosition(AppState& state, const GpsRun& run, Listener& listener) {
+  const uint32_t silence_ms = LoadShared(state.dropPositionAfter_ms);
+  if (silence_ms == 0 || listener.dropped) return;
+  if (JudgeReceiver(TimesOfReceiver(state), silence_ms, MillisecondClock()) == ReceiverState::tells) return;
+  const Locked held(state.gpsLock);
+  if (!run.IsCurrent(state)) return;
+  listener.dropped = true;
+  listener.droppedQuality = std::exchange(globals.fix.quality, 0);
+  globals.gpsQuality = 0;
+}
+
+void BeginTimes(AppState& state) {
+  const uint32_t now_ms = MillisecondClock();
+  StoreShared(state.receiverByte_ms, now_ms);
+  StoreShared(state.receiverSentence_ms, now_ms);
+  StoreShared(state.receiverFix_ms, now_ms);
+}
+
 // The talker flag outlives the parser: it changes only with a sentence that is applied.
-bool BeginRun(AppState& state, const GpsRun& run, NmeaParser& parser) {
+bool BeginRun(AppState& state, const GpsRun& run, Listener& listener) {
+  NmeaParser& parser = listener.parser;
   {
     const Locked held(state.gpsLock);
     if (!run.IsCurrent(state)) return false;
     ClearFix(globals.fix);
     parser.talkerGn = globals.gpsTalkerGn != 0;
+    BeginTimes(state);
   }
+  parser.trace = CountSentence;
+  parser.context = &listener;
   if (MakeParser(parser, kParserCapacity)) return true;
   PostStatusText(state, StatusPart::position, kWithoutMemoryText);
   return false;
 }
 
-void ReadUntilTheEnd(AppState& state, const GpsRun& run, NmeaParser& parser) {
+void ReadUntilTheEnd(AppState& state, const GpsRun& run, Listener& listener) {
   uint8_t bytes[kReadSize];
   uint32_t got = 0;
   uint32_t overruns = 0;
   uint32_t told = 0;
   while (run.IsCurrent(state) && ReadSome(run.port, bytes, got, overruns)) {
-    if (got != 0 && !TakeBytes(state, run, parser, bytes, got)) return;
+    if (got != 0 && !TakeBytes(state, run, listener, bytes, got)) return;
+    DropStalePosition(state, run, listener);
     if (std::exchange(told, overruns) != overruns) TellOverruns(overruns);
   }
 }
@@ -111,8 +173,8 @@ void EndRun(AppState& state, const GpsRun& run) {
 void GpsWorker(void* argument) {
   AppState& state = *static_cast<AppState*>(argument);
   const GpsRun run{.port = LoadShared(state.gpsPort), .number = ExchangeShared(state.gpsRunNumber, 0)};
-  NmeaParser parser{};
-  if (BeginRun(state, run, parser)) ReadUntilTheEnd(state, run, parser);
+  Listener listener;
+  if (BeginRun(state, run, listener)) ReadUntilTheEnd(state, run, listener);
   EndRun(state, run);
 }
 

@@ -1,6 +1,7 @@
 #include "gps/position_text.h"
 
 #include <cmath>
+#include <iterator>
 #include <numbers>
 
 #include "base/text_format.h"
@@ -39,6 +40,13 @@ const char* PdopWord(float pdop) {
   if (pdop < 10.0f) return "Moderate";
   if (pdop < 20.0f) return "Fair";
   return "Poor";
+}
+
+const char* GgaQualityWord(int32_t quality) {
+  constexpr const char* kWords[] = {"none",      "GPS",       "DGPS",   "PPS",      "RTK fixed",
+                                    "RTK float", "estimated", "manual", "simulated"};
+  const bool known = quality >= 0 && quality < static_cast<int32_t>(std::size(kWords));
+  return known ? kWords[quality] : "unknown";
 }
 
 void FormatPosition(std::span<wchar_t> text, const PositionValues& values) {

@@ -16,6 +16,9 @@ inline constexpr double kRadiansPerDegree = 0.017453292519943295;
 // The quality word: "N/A" for exactly 0, "Ideal" below 1 … "Poor" from 20 on.
 [[nodiscard]] const char* PdopWord(float pdop);
 
+// What a GGA's quality means: "none", "GPS", "DGPS", "RTK fixed" …
+[[nodiscard]] const char* GgaQualityWord(int32_t quality);
+
 struct PositionValues {
   int32_t fixType;  // 1 gives "N/A", 2 "2D", everything else "3D"
   float latitude_rad;

@@ -14,6 +14,7 @@
 
 #include "app/state/posts.h"
 #include "base/shared_value.h"
+#include "gps/receiver_watch.h"
 #include "platform/clock.h"
 #include "platform/serial_line.h"
 #include "platform/thread.h"
@@ -160,6 +161,36 @@ TEST_F(GpsWorkerTest, BeforeTheFirstSentenceTheTimeIsTheSystems) {
   EXPECT_EQ(globals.fix.quality, 1);
   EXPECT_EQ(globals.gpsQuality, 0);
   EXPECT_EQ(globals.gpsUpdates, 0u);
+  Stop();
+}
+
+// Silent, or sending what are no sentences; with the next sentence the position is back by itself.
+TEST_F(GpsWorkerTest, ASilentReceiverLeavesNoPositionIfThatIsWanted) {
+  for (const bool wanted : {false, true}) {
+    state_->dropPositionAfter_ms = wanted ? 3'000 : 0;
+    Start();
+    SleepMilliseconds(5'500);
+    SilenceLine(kLine);
+    SleepMilliseconds(2'000);
+    EXPECT_EQ(globals.gpsQuality, 2);
+    SleepMilliseconds(5'000);
+    EXPECT_EQ(globals.gpsQuality, wanted ? 0 : 2);
+    EXPECT_EQ(globals.fix.quality, wanted ? 0 : 2);
+    EXPECT_EQ(JudgeReceiver(TimesOfReceiver(*state_), 3'000, MillisecondClock()), ReceiverState::silent);
+    RestoreLine(kLine);
+    SleepMilliseconds(5'000);
+    EXPECT_EQ(globals.gpsQuality, 2);
+    EXPECT_EQ(JudgeReceiver(TimesOfReceiver(*state_), 3'000, MillisecondClock()), ReceiverState::tells);
+    Stop();
+  }
+}
+
+TEST_F(GpsWorkerTest, BytesThatAreNoSentencesAreToldApartFromSilence) {
+  state_->dropPositionAfter_ms = 3'000;
+  Start({.faults = {.badChecksumEvery = 1}});
+  SleepMilliseconds(8'000);
+  EXPECT_EQ(JudgeReceiver(TimesOfReceiver(*state_), 3'000, MillisecondClock()), ReceiverState::noSentences);
+  EXPECT_EQ(globals.fix.quality, 0) << "1 until a sentence tells";
   Stop();
 }
 

@@ -14,6 +14,7 @@
 #include "app/state/gps_fix.h"
 #include "app/state/options.h"
 #include "app/state/port_entry.h"
+#include "app/state/run_watch_state.h"
 #include "base/shared_value.h"
 #include "platform/handle.h"
 #include "platform/sync.h"
@@ -48,6 +49,7 @@ static_assert(sizeof(WindowPlacement) == 32);
 
 inline constexpr int64_t kNoRecordedTime = INT64_MAX;
 inline constexpr int64_t kNoPingYet = INT64_MIN;
+inline constexpr uint64_t kUnknownSpace = UINT64_MAX;
 
 // Where events are written to; see app/state/event_log.h.
 struct EventLog {
@@ -68,6 +70,9 @@ struct EventWatch {
 
 // What has become of a playback, told by its workers.
 enum PlaybackEnd : int32_t { kPlaybackGoesOn, kPlaybackExhausted, kPlaybackUnread, kPlaybackWithoutMemory };
+
+// Why a recording that was asked for does not go into its files.
+enum class RecordFault : int32_t { none, diskFull, diskRefuses, folderMissing };
 
 // kStopPlayback: given, unread; stopEvent and stopEventB end the file workers.
 enum RunEvent : uint8_t { kStopPlayback, kPause, kBack20, kBack100, kStepSecond, kRunEvents };
@@ -162,6 +167,22 @@ struct AppState {
   uint32_t gpsRunNumber;       // shared: of the GPS worker that begins next; 0 is no run's number
   uint32_t recordingNumber;    // shared: raised whenever fresh record files are opened
   PortEntry ports[kMaxPorts];  // GUI thread
+  // What the operator hears of by lamps and status texts; see app/run/run_watch.h.
+  int32_t recordFault;            // a RecordFault of the files that were opened last; shared
+  uint32_t recordedPings;         // in them; shared
+  uint64_t recordedBytes;         // shared
+  uint32_t lastPing_ms;           // the millisecond clock at the newest ping, or when its worker was started;
+                                  // shared
+  uint32_t receiverByte_ms;       // at the GPS receiver's last byte, or when its worker was started; shared
+  uint32_t receiverSentence_ms;   // at its last whole sentence; shared
+  uint32_t receiverFix_ms;        // when the time of its fix last went on; shared
+  uint32_t dropPositionAfter_ms;  // of the receiver's silence; 0: never; shared
+  uint64_t freeSpace_bytes;       // of the working folder, kUnknownSpace where that is not there; shared
+  uint32_t spaceAnswers;          // how many times that was told; shared
+  int32_t spaceAsked;             // a thread is asking for it; shared
+  RunWatch watch;                 // GUI thread
+  uint32_t noData_s;              // since the newest ping of a run that has fallen silent, else 0; GUI thread
+
   Options options;             // GUI thread
   EventLog eventLog;
   EventWatch eventWatch;
