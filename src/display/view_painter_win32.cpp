@@ -1,6 +1,7 @@
 #include "display/view_painter_win32.h"
 
 #include "base/shared_value.h"
+#include "display/no_data_overlay.h"
 
 namespace tw {
 
@@ -29,11 +30,23 @@ void ViewPainter::PaintPanels(AppState& state, std::span<Panel> panels) {
   }
   labels_.DrawOnce(picture_,
                    CollectStatus(state, panels.front().source, panels.back().layout, panels.size() > 1));
-  if (LoadShared(globals.timestampTicked) == 0) return;
+  if (LoadShared(globals.timestampTicked) != 0) PaintMarks(state, panels);
+  for (const Panel& panel : panels) PaintNoData(state, panel.layout);
+}
+
+void ViewPainter::PaintMarks(AppState& state, std::span<const Panel> panels) {
   for (const auto& [place, layout, source] : panels) {
     MarkList& marks = ChannelOf(state, RecordChannelOf(place)).marks;
     marks_.Draw(picture_.Dc(), FindShownMarks(marks, layout, source.scale, source.ringTime), layout.dpi);
   }
+}
+
+void ViewPainter::PaintNoData(const AppState& state, const PanelLayout& layout) {
+  if (state.options.noDataOverEchogram == 0 || state.noData_s == 0) return;
+  const NoDataSign sign = LayOutNoData(layout, state.noData_s);
+  if (sign.board.IsEmpty()) return;
+  FillRect(picture_.Pixels(), sign.board, kBlack);
+  labels_.DrawOnce(picture_, sign.label);
 }
 
 }  // namespace tw

@@ -30,6 +30,8 @@ class ViewPainter {
   };
 
   void PaintPanels(AppState& state, std::span<Panel> panels);
+  void PaintMarks(AppState& state, std::span<const Panel> panels);
+  void PaintNoData(const AppState& state, const PanelLayout& layout);
 
   OffscreenPicture picture_;
   LabelPainter labels_;

@@ -195,6 +195,24 @@ class EchogramWindow : public testing::Test {
   HWND view_ = nullptr;
 };
 
+TEST_F(EchogramWindow, NoDataStandsOverTheNewestColumnsIfThatIsWanted) {
+  const Picture live = ReadWindow(view_);
+  state_->noData_s = 12;
+  Paint();
+  EXPECT_EQ(ReadWindow(view_).pixels, live.pixels) << "the option is off";
+  state_->options.noDataOverEchogram = 1;
+  Paint();
+  const Picture told = ReadWindow(view_);
+  const int right = kWidth - 120;
+  int changed = 0;
+  for (int i = 0; i < told.width * told.height; ++i) {
+    if (told.pixels[static_cast<size_t>(i)] == live.pixels[static_cast<size_t>(i)]) continue;
+    ++changed;
+    EXPECT_TRUE(i % told.width < right && i % told.width >= right - 148) << i % told.width;
+  }
+  EXPECT_GT(changed, 500);
+}
+
 TEST_F(EchogramWindow, WheelChoosesTheRangeAndWithShiftTheTimeScale) {
   ExpectSteps(kBack, state_->displayRangeUpper, {15'000, 20'000});
   ExpectSteps(1'200, state_->displayRangeUpper, {15'000, 10'000, 5'000});

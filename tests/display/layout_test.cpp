@@ -5,6 +5,7 @@
 #include <limits>
 #include <string>
 
+#include "display/no_data_overlay.h"
 #include "display/scaling.h"
 #include "tests/display/test_canvas.h"
 
@@ -170,6 +171,20 @@ TEST(Layout, ScalesWithTheScreensResolution) {
   EXPECT_EQ(EdgesOf(fine.colourBar), (Numbers{1'488, 40, 1'508, 1'388}));
   EXPECT_EQ(EdgesOf(fine.profile), (Numbers{1'358, 40, 1'478, 1'388}));
   EXPECT_EQ(LayOutGrid(fine).count, 5u - 1 + 9) << "ten depth divisions above 1,400 rows";
+}
+
+// Its board ends with the newest column and grows with the text; a narrow image has none.
+TEST(Layout, TheSignOfNoDataStandsOverTheNewestColumns) {
+  for (const int32_t dpi : {96, 192}) {
+    const PanelLayout layout = LayOutPanel(0, 794 * dpi / 96, 714 * dpi / 96, dpi);
+    const NoDataSign sign = LayOutNoData(layout, 12);
+    EXPECT_STREQ(sign.label.text, L"NO DATA 12 s");
+    EXPECT_EQ(sign.board.right, layout.image.right);
+    EXPECT_EQ(sign.board.Width(), 148 * dpi / 96);
+    EXPECT_GT(LayOutNoData(layout, 4'000'000'000).board.Width(), sign.board.Width());
+    EXPECT_GE(sign.board.left, layout.image.left);
+  }
+  EXPECT_TRUE(LayOutNoData(LayOutPanel(0, 290, 714, 96), 12).board.IsEmpty());
 }
 
 }  // namespace
