@@ -209,6 +209,7 @@ class LiveRun final : private AwayWorker {
     if (!Parse(block)) return;
     const uint32_t now_ms = MillisecondClock();
     lastPing_ms_ = now_ms;
+    StoreShared(state_.lastPing_ms, now_ms);
     if (!form_.HasSamples()) BeginPulsePing();
     ping_.header.timeOfWork_s = static_cast<uint32_t>(UnixMilliseconds() / 1000);
     const size_t sentences = TakePosition();

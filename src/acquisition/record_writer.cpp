@@ -11,6 +11,7 @@
 #include "platform/clock.h"
 #include "platform/debug_output.h"
 #include "platform/memory.h"
+#include "platform/system_error.h"
 #include "platform/thread.h"
 
 namespace tw {
@@ -160,11 +161,12 @@ void RecordWriter::Do() {
 void RecordWriter::WritePing() {
   DiskRecord& file = FileOf(entry_.channel);
   const bool whole = file.IsOpen() && file.Write({ping_, entry_.size_bytes});
+  const uint32_t error = LastSystemError();
   if (whole && !dirty_) {
     dirty_ = true;
     dirtySince_ms_ = MillisecondClock();
   }
-  TakeIntoAccount(whole);
+  TakeIntoAccount(whole, error);
   if (whole || !file.IsOpen()) return;
   if (entry_.emptyRun == EmptyRun::leaveOneByte && tally_.size_bytes == 0) return file.CloseWithOneByte();
   FlushBeforeClosing();
@@ -173,17 +175,26 @@ void RecordWriter::WritePing() {
 
 // Counts the ping, tells the size of a recording that still goes on, and takes a file that failed out of the
 // state record before it is closed.
-void RecordWriter::TakeIntoAccount(bool whole) {
+void RecordWriter::TakeIntoAccount(bool whole, uint32_t error) {
   Locked held(state_.recordLock);
   if (!entry_.any) tally_ = {};
-  if (tally_.recording != entry_.recording) tally_.size_bytes = 0;
+  if (tally_.recording != entry_.recording) tally_.size_bytes = tally_.pings = 0;
   tally_.recording = entry_.recording;
   if (whole) tally_.size_bytes += entry_.size_bytes;
+  if (whole) ++tally_.pings;
+  if (LoadShared(state_.recordingNumber) == tally_.recording) {
+    StoreShared(state_.recordedPings, tally_.pings);
+    StoreShared(state_.recordedBytes, tally_.size_bytes);
+  }
   tally_.any = tally_.any || whole;
   Handle& field = ChannelOf(state_, entry_.channel).recordFile;
   const Handle file = FileOf(entry_.channel).Get();
   if (file == Handle::invalid || field != file) return;
-  if (!whole) field = Handle::invalid;
+  if (!whole) {
+    field = Handle::invalid;
+    const RecordFault fault = MeansFullDisk(error) ? RecordFault::diskFull : RecordFault::diskRefuses;
+    StoreShared(state_.recordFault, static_cast<int32_t>(fault));
+  }
   if (!entry_.tell) return;
   auto& text = sizeTexts.Next();
   FormatFileSize(text, tally_.size_bytes);

@@ -18,6 +18,7 @@ namespace tw {
 struct RecordTally {
   uint32_t recording = 0;
   uint64_t size_bytes = 0;
+  uint32_t pings = 0;
   bool any = false;  // the worker has recorded, in this recording or an earlier one
 };
 
@@ -65,7 +66,7 @@ class RecordWriter {
   void Rest();
   void Do();
   void WritePing();
-  void TakeIntoAccount(bool whole);
+  void TakeIntoAccount(bool whole, uint32_t error);
   void EndFile();
   void FlushWhenDue();
   void FlushBeforeClosing();

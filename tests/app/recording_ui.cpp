@@ -214,6 +214,13 @@ void StartTimer(AppState&, int id, uint32_t period_ms) {
 void StopTimer(AppState&, int id) {
   Ui().timers.erase(id);
 }
+void ShowLamp(AppState&, int id, const LampFace& face) {
+  Ui().lamps[id] = face;
+}
+void SetStatusAlarm(AppState& state, StatusPart part, const wchar_t* text) {
+  Ui().statusAlarm = text;
+  SetStatusText(state, part, text);
+}
 void SetWindowTitle(AppState&, const wchar_t* title) {
   Ui().title = Narrow(title);
 }

@@ -40,6 +40,8 @@ struct RecordingUi {
   std::vector<std::wstring> posts[5];
   std::set<const wchar_t*> postedBuffers[5];  // where their texts stood, for who reads them late
   std::map<int, Control> controls;
+  std::map<int, LampFace> lamps;
+  std::wstring statusAlarm;        // the last one shown
   std::map<int, uint32_t> timers;  // id and period of those that run
   std::vector<PointerShape> pointers;
   std::string title;

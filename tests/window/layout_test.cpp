@@ -132,7 +132,8 @@ TEST_F(Layout, WindowIsNeverSmallerThanItsControlsNeed) {
 TEST_F(Layout, EveryTextFits) {
   ResizeTo(kSmallest);
   for (const ControlPlace& control : program_->Controls()) {
-    if (control.className != L"ComboBox" && control.id != 0) ExpectTextFits(control, control.text);
+    const bool fitsItself = control.className == L"ComboBox" || control.id == ID_RECORDING_LAMP;
+    if (!fitsItself && control.id != 0) ExpectTextFits(control, control.text);
   }
   SavePicture(program_->Window(), "main-window-idle");
 }

@@ -11,6 +11,7 @@
 #include "device/info_line.h"
 #include "platform/clock.h"
 #include "platform/file.h"
+#include "platform/system_error.h"
 
 namespace tw {
 namespace {
@@ -89,13 +90,38 @@ void LogOpened(AppState& state, RecordChannel channel, const char* name) {
   if (PathOf(state, name, path)) LogOpenedFile(state, channel, path);
 }
 
+// Why a file could not be made; to be asked right after that.
+RecordFault FaultOfCreation(const AppState& state) {
+  const bool full = MeansFullDisk(LastSystemError());
+  if (!IsFolder(state.workingFolder)) return RecordFault::folderMissing;
+  return full ? RecordFault::diskFull : RecordFault::diskRefuses;
+}
+
+void NoteFault(AppState& state, RecordFault fault) {
+  StoreShared(state.recordFault, static_cast<int32_t>(fault));
+}
+
+// Nothing of the files that were open before counts any more.
+void BeginAccount(AppState& state) {
+  StoreShared(state.recordingNumber, LoadShared(state.recordingNumber) + 1);
+  StoreShared(state.recordedPings, 0);
+  StoreShared(state.recordedBytes, 0);
+  state.watch.recorded_ms = 0;
+  state.watch.recordTick_ms = MillisecondClock();
+}
+
 // Creates one record file with its settings line(s).
-Handle Begin(const AppState& state, const RecordFileName& name) {
+Handle Begin(AppState& state, const RecordFileName& name) {
   Handle file = CreateNamed(state, name.record);
-  if (file == Handle::invalid) return file;
+  if (file == Handle::invalid) {
+    if (name.record[0] != '\0') NoteFault(state, FaultOfCreation(state));
+    return file;
+  }
   const DeviceSettings settings = RunningSettings(state);
   WriteInfoLine(settings, FamilyInUse(), file, name.channelFrequency_hz, HoldsBothChannels(settings));
-  if (file == Handle::invalid) ClearAwayUnbegun(state, name.record, settings.outputMode);
+  if (file != Handle::invalid) return file;
+  NoteFault(state, RecordFault::diskFull);  // there is no room for its settings line
+  ClearAwayUnbegun(state, name.record, settings.outputMode);
   return file;
 }
 
@@ -146,7 +172,9 @@ void OpenRecordFiles(AppState& state, NamingMoment moment) {
 
 void OpenRecordFiles(AppState& state, NamingMoment moment, DeviceFamily namingFamily) {
   CloseRecordFiles(state);
-  StoreShared(state.recordingNumber, LoadShared(state.recordingNumber) + 1);
+  BeginAccount(state);
+  NoteFault(state, RecordFault::none);
+  state.watch.faultTold = 0;
   state.splitPeriod = SplitPeriodNow(state);
   const bool first = namingFamily == DeviceFamily::first;
   if (first && moment == NamingMoment::start && state.settings.outputMode == 5) state.settings.outputMode = 6;
@@ -171,7 +199,7 @@ bool SplitRecordFiles(AppState& state) {
   static_assert(sizeof state.nextNames[0] == sizeof names.a.record);
   std::memcpy(state.nextNames[0], names.a.record, sizeof names.a.record);
   std::memcpy(state.nextNames[1], names.b.record, sizeof names.b.record);
-  StoreShared(state.recordingNumber, LoadShared(state.recordingNumber) + 1);
+  BeginAccount(state);
   OfferRecordFile(state, RecordChannel::a, a);
   OfferRecordFile(state, RecordChannel::b, b);
   FormatRecordTitle(globals.titleText, names.a.record, names.b.record);

@@ -2,6 +2,7 @@
 
 #include "app/run/record_split.h"
 #include "app/run/run_events.h"
+#include "app/run/run_watch.h"
 #include "base/shared_value.h"
 
 namespace tw {
@@ -31,7 +32,8 @@ DueNow TickSecond(AppState& state, uint32_t now_ms) {
   return {.linkLost = state.acquisitionThread != Handle::null && LoadShared(state.linkLost) != 0,
           .choice = state.choiceWaits != 0 && IsOver(state.choiceSince_ms, kChoiceDelay_ms, now_ms),
           .away = AwayFor{LoadShared(state.linkAway)},
-          .away_s = (now_ms - LoadShared(state.linkAwaySince_ms)) / 1000};
+          .away_s = (now_ms - LoadShared(state.linkAwaySince_ms)) / 1000,
+          .recordingEnded = WatchRun(state, now_ms)};
 }
 
 void KeepChoice(AppState& state, uint32_t now_ms) {

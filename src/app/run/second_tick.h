@@ -13,6 +13,7 @@ struct DueNow {
   bool choice;    // one second is over since the last choice of range or output
   AwayFor away;   // the run waits for its device to come back, and why
   uint32_t away_s;
+  bool recordingEnded;  // by the disk, since the last call
 };
 
 // To be called once a second, or more often, with the clock's time. Asks for the screenshots of a run, and

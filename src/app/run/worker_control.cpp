@@ -45,6 +45,7 @@ bool StartAcquisition(AppState& state, const StreamForm& form, OutputMode mode) 
   Reset(state.stopEventB);
   StoreShared(state.linkLost, 0);
   StoreShared(state.linkAway, 0);
+  StoreShared(state.lastPing_ms, MillisecondClock());
   state.acquisitionThread = StartThread(AcquisitionWorker, &state);
   return state.acquisitionThread != Handle::null;
 }

@@ -9,9 +9,10 @@ struct RunWatch {
   uint64_t recorded_ms;      // how long the present recording lasts, up to recordTick_ms
   uint32_t recordTick_ms;    // the millisecond clock
   uint32_t asked_ms;         // when the free space was last asked for, and when the rate was last taken
-  uint32_t recordingNumber;  // of the recording that the rate is of; its first look has no rate yet
+  uint32_t recordingNumber;  // of the recording at that time
   uint64_t rateFrom_bytes;   // recorded at that time
   uint64_t rate_Bps;         // bytes recorded a second; 0 until it is known
+  int32_t rateOfOther;       // that is still the recording before
   uint32_t answers;          // of the free space, that were looked at
   int32_t faultTold;         // the recording's end by the disk has been told
   int32_t receiverTold;      // the status bar tells that the receiver is silent, in place of its port

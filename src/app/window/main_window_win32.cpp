@@ -9,6 +9,7 @@
 #include "app/window/dialogs_win32.h"
 #include "app/window/file_commands.h"
 #include "app/window/full_window_win32.h"
+#include "app/window/lamps_win32.h"
 #include "app/window/selector_wheel_win32.h"
 #include "app/window/settings_dialog_win32.h"
 #include "app/window/start_up.h"
@@ -169,6 +170,9 @@ LRESULT CALLBACK MainWindowProcedure(HWND window, UINT message, WPARAM wParam, L
     case WM_TIMER:
       OnTimer(*state, wParam);
       return 0;
+    case WM_DRAWITEM:
+      DrawLampItem(*state, *reinterpret_cast<const DRAWITEMSTRUCT*>(lParam));
+      return TRUE;
     case kConversionEndMessage:
       HandleConversionEnd(*state, wParam != 0);
       return 0;
@@ -213,6 +217,7 @@ AppState* CreateMainWindow(HINSTANCE instance) {
   AppState* const state = StateOf(window);
   RememberHiddenControls(*state);
   SetArrowFont(*state);
+  PrepareLamps(*state);
   FitOutputFont(*state);
   KeepWheelFromSelectors(window);
   const HWND statusBar = CreateStatusBar(window);

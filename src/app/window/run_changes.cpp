@@ -31,13 +31,7 @@ void ShowConnection(AppState& state) {
                globals.deviceBaud, state.settings.identifierWord);
   }
   SetStatusText(state, StatusPart::device, text);
-  const Handle gps = LoadShared(state.gpsPort);
-  if (gps == Handle::null || gps == Handle::invalid) {  // none chosen, or its plug was pulled
-    SetStatusText(state, StatusPart::gps, kGpsDisconnected);
-    return;
-  }
-  FormatWide(text, "GPS: COM%" PRId32 ",%" PRId32 "bps", globals.gpsPortNumber, globals.gpsBaud);
-  SetStatusText(state, StatusPart::gps, text);
+  ShowReceiverPort(state);
 }
 
 void SaveCommunication() {
@@ -85,6 +79,18 @@ void ShowIdle(AppState& state) {
 }
 
 }  // namespace
+
+void ShowReceiverPort(AppState& state) {
+  wchar_t text[kStatusTextSize];
+  state.watch.receiverTold = 0;  // what is told in its place comes again
+  const Handle gps = LoadShared(state.gpsPort);
+  if (gps == Handle::null || gps == Handle::invalid) {  // none chosen, or its plug was pulled
+    SetStatusText(state, StatusPart::gps, kGpsDisconnected);
+    return;
+  }
+  FormatWide(text, "GPS: COM%" PRId32 ",%" PRId32 "bps", globals.gpsPortNumber, globals.gpsBaud);
+  SetStatusText(state, StatusPart::gps, text);
+}
 
 void ShowDisconnected(AppState& state) {
   SetStatusText(state, StatusPart::device, L"Device: Disconnected");

@@ -6,6 +6,9 @@
 
 namespace tw {
 
+// Shows in the status bar at which port the GPS receiver is, or that there is none.
+void ShowReceiverPort(AppState& state);
+
 // Shows in the status bar that nothing is connected.
 void ShowDisconnected(AppState& state);
 

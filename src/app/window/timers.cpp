@@ -8,6 +8,7 @@
 #include "app/state/file_naming.h"
 #include "app/window/commands.h"
 #include "app/window/control_ids.h"
+#include "app/window/lamps.h"
 #include "app/window/run_changes.h"
 #include "app/window/run_faults.h"
 #include "app/window/ui.h"
@@ -40,6 +41,7 @@ void Repaint(AppState& state) {
   InvalidateEchogram(state);
   ShowMeasuredInterval(state);
   ShowTitle(state);
+  ShowLamps(state, MillisecondClock());
 }
 
 // The text is posted once more, behind what the other worker of a pair has posted.
@@ -85,6 +87,7 @@ void ReportLostLink(AppState& state) {
 
 void CarryOutDue(AppState& state) {
   const DueNow due = TickSecond(state, MillisecondClock());
+  if (due.recordingEnded && state.options.beepWhenEnded != 0) CallOperator(state, true);
   if (due.linkLost) return ReportLostLink(state);
   ShowAway(state, due.away, due.away_s);
   if (due.choice && due.away == AwayFor::nothing) SendPendingChange(state);

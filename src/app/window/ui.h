@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "app/settings/lamp_face.h"
 #include "app/state/posts.h"
 
 namespace tw {
@@ -64,6 +65,12 @@ void ArrangeViews(AppState& state);
 
 // Closes a settings dialog that is open, without sending anything: its run has ended.
 void CloseSettingsDialog(AppState& state);
+
+// Shows the lamp's face, in a control of its own. Drawn only where it differs from what is shown.
+void ShowLamp(AppState& state, int id, const LampFace& face);
+
+// Shows a text in red, until SetStatusText or another alarm shows something else there. One part at a time.
+void SetStatusAlarm(AppState& state, StatusPart part, const wchar_t* text);
 
 void SetWindowTitle(AppState& state, const wchar_t* title);
 

@@ -18,6 +18,15 @@ class Running : public RunControlTest {
     ToggleRecording(*state_);
   }
 
+  // Lets the program run with the timers of its lamps.
+  void RunLamps(int seconds) {
+    for (int i = 0; i < seconds; ++i) {
+      Run(1);
+      HandleTimer(*state_, ID_TIMER_REPAINT);
+    }
+  }
+  [[nodiscard]] static std::wstring RecordingLamp() { return Ui().lamps[ID_RECORDING_LAMP].text; }
+
   // What the status bar tells of the recording, once it has been told again.
   [[nodiscard]] std::wstring ReportedSize() {
     Run(2);
@@ -133,6 +142,86 @@ TEST_F(Running, AFullDiskLeavesNoEmptyFileOfABinaryRun) {
     SetRecording(true);
     DetachSerialLines();
   }
+}
+
+// Today's silence of the program stays: no box.
+TEST_F(Running, AFullDiskIsToldAndRecordingGoesOnOnceThereIsRoomIfThatIsWanted) {
+  state_->options.beepWhenEnded = 1;
+  ConnectSounder(QuickSounder());
+  Tick(ID_RECORD, true);
+  LimitDiskSpace(40'000);
+  StartRun(*state_);
+  RunLamps(2);
+  EXPECT_TRUE(RecordingLamp().starts_with(L"REC 00:00:0")) << RecordingLamp().size();
+  RunLamps(30);
+  EXPECT_EQ(RecordingLamp(), L"NOT RECORDING: disk full");
+  EXPECT_EQ(Ui().status[4], L"Ended: disk full");
+  EXPECT_EQ(Ui().statusAlarm, L"Ended: disk full");
+  EXPECT_EQ(Ui().beeps, 1);
+  LimitDiskSpace(1'000'000'000);
+  RunLamps(30);
+  EXPECT_EQ(RecordFiles().size(), 1u) << "the option is off";
+  state_->options.recordAgain = 1;
+  RunLamps(12);
+  ASSERT_EQ(RecordFiles().size(), 2u);
+  EXPECT_TRUE(RecordingLamp().starts_with(L"REC 00:00:")) << RecordingLamp().size();
+  RunLamps(20);
+  EXPECT_GT(Content(RecordFiles()[1]).size(), 10'000u);
+  EXPECT_TRUE(Ui().status[4].starts_with(L"Disk: ")) << "a gigabyte";
+  EXPECT_TRUE(Ui().boxes.empty());
+}
+
+TEST_F(Running, AFolderThatCannotBeMadeIsTold) {
+  std::filesystem::remove_all(records_);
+  WriteWhole(records_, "a file");
+  ConnectSounder(QuickSounder());
+  Tick(ID_RECORD, true);
+  StartRun(*state_);
+  RunLamps(2);
+  EXPECT_EQ(RecordingLamp(), L"NOT RECORDING: folder missing");
+  std::filesystem::remove(records_);
+}
+
+TEST_F(Running, ARunWithoutPingsIsToldAfterThreeSecondsAndThreeIntervals) {
+  ConnectSounder(QuickSounder());
+  state_->options.noDataOverEchogram = 0;
+  StartRun(*state_);
+  RunLamps(3);
+  EXPECT_EQ(state_->noData_s, 0u);
+  SilenceLine(kDeviceLine);
+  RunLamps(6);
+  EXPECT_GE(state_->noData_s, 4u);
+  EXPECT_EQ(Ui().lamps[ID_RECORDING_LAMP].second, L"NO DATA " + std::to_wstring(state_->noData_s) + L" s");
+  StoreShared(globals.pingInterval_ms, 3'000.0f);
+  RunLamps(1);
+  EXPECT_EQ(state_->noData_s, 0u) << "three intervals";
+  StopRun(*state_);
+  StoreShared(globals.pingInterval_ms, 0.0f);
+  RunLamps(20);
+  EXPECT_EQ(state_->noData_s, 0u) << "no run goes on";
+}
+
+TEST_F(Running, ASilentReceiverIsToldInPlaceOfItsPortUntilItSpeaks) {
+  ConnectSounder(QuickSounder());
+  ConnectGps({});
+  ChooseGps();
+  StartRun(*state_);
+  RunLamps(3);
+  const std::wstring port = Ui().status[1];
+  EXPECT_TRUE(port.starts_with(L"GPS: COM6,"));
+  EXPECT_EQ(Ui().lamps[ID_RECEIVER_LAMP].colour, LampColour::green);
+  SilenceLine(kGpsLine);
+  RunLamps(9);
+  EXPECT_TRUE(Ui().status[1].starts_with(L"silent ")) << Ui().status[1].size();
+  EXPECT_EQ(Ui().lamps[ID_RECEIVER_LAMP].text, Ui().status[1]);
+  RestoreLine(kGpsLine);
+  RunLamps(3);
+  EXPECT_EQ(Ui().status[1], port);
+  SilenceLine(kGpsLine);
+  RunLamps(9);
+  StopRun(*state_);
+  RunLamps(1);
+  EXPECT_EQ(Ui().status[1], L"GPS: Disconnected");
 }
 
 TEST_F(Running, StartTakesBackWhatAFileToldInTheStatusBar) {
