@@ -4,6 +4,7 @@
 
 #include "platform/debug_output.h"
 #include "platform/file.h"
+#include "platform/system_error.h"
 
 namespace tw {
 namespace {
@@ -23,7 +24,10 @@ void CutBack(Handle file, uint32_t written) {
 bool DiskRecord::Write(std::span<const char> ping) {
   uint32_t written = 0;
   const bool whole = WriteFileBytes(file_, ping.data(), static_cast<uint32_t>(ping.size()), written);
-  if (!whole) CutBack(file_, written);
+  if (!whole) {
+    full_ = MeansFullDisk(LastSystemError()) || written != 0;
+    CutBack(file_, written);
+  }
   dirty_ = dirty_ || whole;
   return whole;
 }

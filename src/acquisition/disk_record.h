@@ -20,6 +20,9 @@ class DiskRecord {
   // ping, and the result is false.
   [[nodiscard]] bool Write(std::span<const char> ping);
 
+  // After a Write that failed: for want of room. A disk that takes a part is full, whatever it is called.
+  [[nodiscard]] bool IsDiskFull() const { return full_; }
+
   // Flushes to the disk what was written since the last time.
   void Flush();
 
@@ -39,6 +42,7 @@ class DiskRecord {
 
   Handle file_ = Handle::invalid;
   bool dirty_ = false;
+  bool full_ = false;
 };
 
 }  // namespace tw

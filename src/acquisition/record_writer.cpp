@@ -11,7 +11,6 @@
 #include "platform/clock.h"
 #include "platform/debug_output.h"
 #include "platform/memory.h"
-#include "platform/system_error.h"
 #include "platform/thread.h"
 
 namespace tw {
@@ -161,12 +160,11 @@ void RecordWriter::Do() {
 void RecordWriter::WritePing() {
   DiskRecord& file = FileOf(entry_.channel);
   const bool whole = file.IsOpen() && file.Write({ping_, entry_.size_bytes});
-  const uint32_t error = LastSystemError();
   if (whole && !dirty_) {
     dirty_ = true;
     dirtySince_ms_ = MillisecondClock();
   }
-  TakeIntoAccount(whole, error);
+  TakeIntoAccount(whole);
   if (whole || !file.IsOpen()) return;
   if (entry_.emptyRun == EmptyRun::leaveOneByte && tally_.size_bytes == 0) return file.CloseWithOneByte();
   FlushBeforeClosing();
@@ -175,7 +173,7 @@ void RecordWriter::WritePing() {
 
 // Counts the ping, tells the size of a recording that still goes on, and takes a file that failed out of the
 // state record before it is closed.
-void RecordWriter::TakeIntoAccount(bool whole, uint32_t error) {
+void RecordWriter::TakeIntoAccount(bool whole) {
   Locked held(state_.recordLock);
   if (!entry_.any) tally_ = {};
   if (tally_.recording != entry_.recording) tally_.size_bytes = tally_.pings = 0;
@@ -192,7 +190,8 @@ void RecordWriter::TakeIntoAccount(bool whole, uint32_t error) {
   if (file == Handle::invalid || field != file) return;
   if (!whole) {
     field = Handle::invalid;
-    const RecordFault fault = MeansFullDisk(error) ? RecordFault::diskFull : RecordFault::diskRefuses;
+    const RecordFault fault =
+        FileOf(entry_.channel).IsDiskFull() ? RecordFault::diskFull : RecordFault::diskRefuses;
     StoreShared(state_.recordFault, static_cast<int32_t>(fault));
   }
   if (!entry_.tell) return;

@@ -66,7 +66,7 @@ class RecordWriter {
   void Rest();
   void Do();
   void WritePing();
-  void TakeIntoAccount(bool whole, uint32_t error);
+  void TakeIntoAccount(bool whole);
   void EndFile();
   void FlushWhenDue();
   void FlushBeforeClosing();
