@@ -19,7 +19,11 @@ bool IsGivenUp(const DeviceLink& link) {
 }
 
 bool Write(DeviceLink& link, std::string_view text) {
-  return !IsGivenUp(link) && WriteSerialLine(link.port, text.data(), static_cast<uint32_t>(text.size()));
+  if (IsGivenUp(link)) return false;
+  const auto size = static_cast<uint32_t>(text.size());
+  if (link.writeLimit_ms == 0) return WriteSerialLine(link.port, text.data(), size);
+  uint32_t written = 0;
+  return WriteSerialLineWithin(link.port, text.data(), size, link.writeLimit_ms, written) && written == size;
 }
 
 // Reads until the prompt, giving each byte to `take`.

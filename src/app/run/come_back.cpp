@@ -66,7 +66,9 @@ bool RestartDevice(AppState& state, const LiveStart& start, Handle port, uint32_
                    AwayWorker& worker) {
   const std::unique_ptr<DeviceLink> link(new (std::nothrow) DeviceLink{});
   if (link == nullptr) return false;
+  constexpr uint32_t kWriteLimit_ms = 2'000;  // Stop waits for the worker
   link->port = port;
+  link->writeLimit_ms = kWriteLimit_ms;
   link->givesUp = GivesUp;
   link->givesUpContext = &worker;
   if (IsAtPowerOnSpeed(attempt)) {

@@ -161,6 +161,8 @@ void TakeCommunication(AppState& state, const RunChoices& choices) {
   CopyWide(state.gpsPortName, choices.receiver.name);
   globals.devicePortNumber = static_cast<int32_t>(PortNumberOf(choices.device.name));
   globals.deviceBaud = choices.device.speed_bps;
+  constexpr uint32_t kWriteLimit_ms = 10'000;
+  state.link->writeLimit_ms = state.options.giveUpWriting != 0 ? kWriteLimit_ms : 0;
   const bool chosen = choices.receiver.name[0] != L'\0';
   globals.gpsPortNumber = chosen ? static_cast<int32_t>(PortNumberOf(choices.receiver.name)) : kNoGpsPort;
   globals.gpsBaud = choices.receiver.speed_bps;

@@ -195,11 +195,15 @@ bool SplitRecordFiles(AppState& state) {
   const bool pair = IsRecordFileOpen(state, RecordChannel::b);
   const Handle a = IsRecordFileOpen(state, RecordChannel::a) ? Begin(state, names.a) : Handle::invalid;
   const Handle b = pair ? Begin(state, names.b) : Handle::invalid;
+  NoteFault(state, RecordFault::none);  // the recording goes on in the old file
   if (a == Handle::invalid && b == Handle::invalid) return false;
   static_assert(sizeof state.nextNames[0] == sizeof names.a.record);
   std::memcpy(state.nextNames[0], names.a.record, sizeof names.a.record);
   std::memcpy(state.nextNames[1], names.b.record, sizeof names.b.record);
   BeginAccount(state);
+  LogClosedFiles(state);
+  if (a != Handle::invalid) LogOpened(state, RecordChannel::a, names.a.record);
+  if (b != Handle::invalid) LogOpened(state, RecordChannel::b, names.b.record);
   OfferRecordFile(state, RecordChannel::a, a);
   OfferRecordFile(state, RecordChannel::b, b);
   FormatRecordTitle(globals.titleText, names.a.record, names.b.record);
