@@ -6,6 +6,11 @@
 namespace tw {
 namespace {
 
+struct Command {
+  CommandId id;
+  std::string_view keyword;
+};
+
 constexpr CommandId Id(uint32_t id) {
   return static_cast<CommandId>(id);
 }
@@ -43,7 +48,7 @@ constexpr Command kTable[] = {
     {Id(101), "##maxlengthh"}, {Id(102), "##maxlengthl"}, {Id(103), "#smooth"},    {Id(104), "#outrate"},
     {Id(105), "#auto"},        {Id(106), "#preset"},
 };
-static_assert(std::size(kTable) == kCommands);
+static_assert(std::size(kTable) == 114);
 static_assert(std::none_of(std::begin(kTable), std::end(kTable), [](const Command& command) {
   return command.id == Id(44) || command.id == Id(98) || command.id == Id(99);
 }));
@@ -59,10 +64,6 @@ constexpr size_t CountRepeatedKeywords() {
 static_assert(CountRepeatedKeywords() == 2);
 
 }  // namespace
-
-const Command (&CommandTable())[kCommands] {
-  return kTable;
-}
 
 std::string_view KeywordOf(CommandId id) {
   const auto row =

@@ -78,16 +78,6 @@ enum class CommandId : uint32_t {
   preset = 106,
 };
 
-struct Command {
-  CommandId id;
-  std::string_view keyword;
-};
-
-inline constexpr size_t kCommands = 114;
-
-// The whole table, in its order.
-[[nodiscard]] const Command (&CommandTable())[kCommands];
-
 // The keyword that is sent for an id; empty when no entry has it.
 [[nodiscard]] std::string_view KeywordOf(CommandId id);
 
