@@ -22,7 +22,6 @@ struct ChannelView {
   Handle& recordFile;
   Handle& nextRecord;
   Handle& inputFile;
-  Handle& fileWorker;
   Event& stopEvent;  // of the file worker; a's ends the acquisition worker too
   int32_t& playedFrequency_hz;
   float& latestAltitude_m;
@@ -35,11 +34,11 @@ struct ChannelView {
   Globals& g = globals;
   if (channel == RecordChannel::a) {
     return {s.ringA, s.ringIndexA, s.ringTimeA, s.ringLockA, g.slotReachA, g.marksA,
-            s.recordFileA, s.nextRecordA, s.inputFileA, s.fileWorkerA, s.stopEvent,
+            s.recordFileA, s.nextRecordA, s.inputFileA, s.stopEvent,
             g.playedFrequencyA_hz, g.latestAltitudeHigh_m, s.displayRangeUpper, s.timeScaleUpper};
   }
   return {s.ringB, s.ringIndexB, s.ringTimeB, s.ringLockB, g.slotReachB, g.marksB,
-          s.recordFileB, s.nextRecordB, s.inputFileB, s.fileWorkerB, s.stopEventB,
+          s.recordFileB, s.nextRecordB, s.inputFileB, s.stopEventB,
           g.playedFrequencyB_hz, g.latestAltitudeLow_m, s.displayRangeLower, s.timeScaleLower};
 }
 // clang-format on
