@@ -9,7 +9,6 @@
 #include "device/base64.h"
 #include "device/settings_readers.h"
 #include "platform/clock.h"
-#include "platform/serial_line.h"
 
 namespace tw {
 namespace {

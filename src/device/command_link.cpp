@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "base/text_format.h"
 #include "base/text_scan.h"
 #include "platform/clock.h"
 #include "platform/serial_line.h"

@@ -1,7 +1,6 @@
 #include "device/probe_interface.h"
 
 #include "platform/clock.h"
-#include "platform/serial_line.h"
 
 namespace tw {
 namespace {

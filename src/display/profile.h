@@ -8,7 +8,6 @@
 #include "display/canvas.h"
 #include "display/echogram_image.h"
 #include "display/layout.h"
-#include "display/ring_view.h"
 
 namespace tw {
 

@@ -1,6 +1,5 @@
 #include "app/run/record_opening.h"
 #include "app/run/run_start.h"
-#include "app/run/worker_control.h"
 #include "app/window/commands.h"
 #include "base/shared_value.h"
 #include "device/device_link.h"

@@ -3,7 +3,6 @@
 #include <cstring>
 
 #include "acquisition/echo_frame.h"
-#include "app/window/control_ids.h"
 #include "tests/app/run/playback_fixture.h"
 #include "tests/gps/parser_fixture.h"
 #include "tests/playback/info_text.h"

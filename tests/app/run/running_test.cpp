@@ -1,6 +1,5 @@
 // What the operator sees and has set stays as it should while a run is interrupted, recorded and resumed.
 #include "app/run/record_opening.h"
-#include "app/settings/family_controls.h"
 #include "display/panel.h"
 #include "display/zoom.h"
 #include "platform/virtual/faults.h"

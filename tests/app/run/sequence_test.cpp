@@ -9,7 +9,6 @@
 #include "app/settings/family_controls.h"
 #include "app/window/commands.h"
 #include "base/shared_value.h"
-#include "platform/clock.h"
 #include "platform/virtual/faults.h"
 #include "tests/app/run_control_fixture.h"
 

@@ -4,7 +4,6 @@
 #include "platform/clock.h"
 #include "platform/thread.h"
 #include "platform/virtual/faults.h"
-#include "platform/virtual/virtual_clock.h"
 #include "tests/app/run_control_fixture.h"
 
 namespace tw::test {

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include "app/run/record_set_up.h"
-#include "app/settings/port_selectors.h"
 #include "app/window/commands.h"
 #include "platform/memory.h"
 #include "platform/virtual/faults.h"
