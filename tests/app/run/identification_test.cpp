@@ -56,32 +56,24 @@ class IdentificationTest : public RunControlTest {
   }
 };
 
-TEST_F(IdentificationTest, ADeviceThatRefusesEverythingIsAskedInThreeForms) {
-  sim::SounderOptions options = QuickSounder();
-  options.faults.refused = {"##maxrangel", "#iden", "#info"};
-  ConnectSounder(options);
-  ConnectGps({});
-  ChooseGps();
-  StartRun(*state_);
-  ExpectBox(L"Unable to read settings form the Echosounder", L"Error", BoxIcon::error);
-  ExpectIdle();
-  EXPECT_EQ(Commands(), "##maxrangel|#iden|#info|");
-  EXPECT_EQ(state_->settings.highFrequency_hz, 447'000) << "what was known stays";
-  EXPECT_EQ(gpsPeer_->Opened(), 1);
-  EXPECT_EQ(gpsPeer_->Closed(), 1);
-}
-
-TEST_F(IdentificationTest, ADeviceThatAnswersNothingIsAskedLittleLonger) {
-  sim::SounderOptions options = QuickSounder();
-  options.faults.mute = {"##maxrangel", "#iden", "#info"};
-  ConnectSounder(options);
-  StartRun(*state_);
-  ExpectBox(L"Unable to read settings form the Echosounder", L"Error", BoxIcon::error);
-  ExpectIdle();
-  EXPECT_EQ(Commands(), "##maxrangel|##maxrangel|#iden|#iden|#info|");
-  const auto& commands = sounder_->Commands().Entries();
-  const int64_t taken_us = VirtualNow_us() - commands.front().time_us;
-  EXPECT_LE(taken_us, 6'300'000 + 8'000'000) << "two seconds a form, and eight more";
+TEST_F(IdentificationTest, ADeviceOfNoFamilyIsAskedInThreeFormsAndNotForLong) {
+  for (const bool answers : {true, false}) {
+    sim::SounderOptions options = QuickSounder();
+    (answers ? options.faults.refused : options.faults.mute) = {"##maxrangel", "#iden", "#info"};
+    ConnectSounder(options);
+    ConnectGps({});
+    ChooseGps();
+    StartRun(*state_);
+    ExpectBox(L"Unable to read settings form the Echosounder", L"Error", BoxIcon::error);
+    ExpectIdle();
+    EXPECT_EQ(Commands(),
+              answers ? "##maxrangel|#iden|#info|" : "##maxrangel|##maxrangel|#iden|#iden|#info|");
+    EXPECT_EQ(state_->settings.highFrequency_hz, 447'000) << "what was known stays";
+    EXPECT_EQ(gpsPeer_->Closed(), 1);
+    const int64_t taken_us = VirtualNow_us() - sounder_->Commands().Entries().front().time_us;
+    EXPECT_LE(taken_us, 6'300'000 + 8'000'000) << "two seconds a form, and eight more";
+    DetachSerialLines();
+  }
 }
 
 // Old firmware, in the state in which a program finds it that has just begun, and behind another device and a
