@@ -49,14 +49,13 @@ TEST_F(Apply, AChangedOutputIsSentASecondLater) {
 }
 
 TEST_F(Apply, WithoutRecordDataNoFileIsOpened) {
-  StartQuickRun(1);
   Ui().controls[ID_RECORD].checked = false;
   ToggleRecording(*state_);
+  StartQuickRun(1);
   ApplySettings(*state_);
-  EXPECT_EQ(state_->recordFileA, Handle::invalid);
   ChangeSpeed(*state_, 460'800);
-  EXPECT_EQ(state_->recordFileA, Handle::invalid);
   EXPECT_EQ(StateOfProgram(*state_), ProgramState::running);
+  EXPECT_TRUE(RecordFiles().empty());
 }
 
 // Whichever of the two comes second; the run goes on with what the device has.

@@ -39,9 +39,7 @@ TEST_F(StartTest, RecordsFromTheFirstPingOn) {
   const std::vector<std::string> files = RecordFiles();
   ASSERT_EQ(files.size(), 1u);
   EXPECT_EQ(files[0].substr(0, 12), "20250314_093");
-  EXPECT_EQ(files[0].substr(15), "_Dual_450kHz_id_VIRTUAL-0001_txt10.log");
   const std::string content = Content(files[0]);
-  EXPECT_EQ(content.substr(0, 7), "INFO:1,");
   EXPECT_EQ(content.find("#DeviceID "), content.find("\r\n") + 2);
   HandleTimer(*state_, ID_TIMER_REPAINT);
   EXPECT_EQ(Ui().title, "Tidewriter Echosounder Control Software" + std::string(50, ' ') + files[0]);
@@ -74,13 +72,6 @@ TEST_F(StartTest, WritesItsTimesToTheDebugOutput) {
               1);
   }
   EXPECT_EQ(texts.front(), L"Start  time : 0.000000\n");
-}
-
-TEST_F(StartTest, WithoutRecordDataNoFileIsMade) {
-  Ui().controls[ID_RECORD].checked = false;
-  ToggleRecording(*state_);
-  StartQuickRun(2);
-  EXPECT_TRUE(RecordFiles().empty());
 }
 
 TEST_F(StartTest, AFolderThatCannotBeMadeLosesOnlyTheRecording) {
@@ -145,16 +136,6 @@ TEST_F(StartTest, NobodyAnswers) {
   ExpectIdle();
 }
 
-TEST_F(StartTest, GpsIsShownAndReadWhenItIsChosen) {
-  ConnectGps({});
-  ChooseGps();
-  StartQuickRun(5);
-  EXPECT_EQ(globals.gpsQuality, 2);
-  StopRun(*state_);
-  EXPECT_EQ(globals.gpsQuality, 0);
-  EXPECT_EQ(gpsPeer_->Closed(), 1);
-}
-
 TEST_F(StartTest, AGpsPortThatFailsClosesTheDevicePortToo) {
   ConnectSounder(QuickSounder());
   ChooseGps();
@@ -211,7 +192,9 @@ TEST_F(StartTest, ARunWithoutAReceiverHasNothingOfThePositionBefore) {
   ChooseGps();
   StartQuickRun(5);
   EXPECT_NE(LoadPingHeader(state_->ringA->slots[state_->ringIndexA]).gpsLatitude_rad, 0.0f);
+  EXPECT_EQ(globals.gpsQuality, 2);
   StopRun(*state_);
+  EXPECT_EQ(globals.gpsQuality, 0);
   Ui().Choose(ID_GPS_PORT, L"N/A");
   StartRun(*state_);
   Run(2);
