@@ -223,18 +223,13 @@ TEST_F(Running, ASilentReceiverIsToldInPlaceOfItsPortUntilItSpeaks) {
   EXPECT_EQ(Ui().status[1], L"GPS: Disconnected");
 }
 
-TEST_F(Running, StartTakesBackWhatAFileToldInTheStatusBar) {
+TEST_F(Running, StartAndASpeedChangeTakeBackWhatAFileToldInTheStatusBar) {
   ConnectSounder(QuickSounder());
   PostStatusText(*state_, StatusPart::position, L"File size: 3600Bytes");
   PostStatusText(*state_, StatusPart::pingLine, L"File size: 281655Bytes");
   StartRun(*state_);
   EXPECT_EQ(Ui().posts[2].back(), L"");
   EXPECT_EQ(Ui().posts[3].back(), L"");
-}
-
-TEST_F(Running, ASpeedChangeTakesBackTheSizeOfTheFileThatIsClosed) {
-  ConnectSounder(QuickSounder());
-  StartRun(*state_);
   Run(3);
   EXPECT_NE(Ui().posts[3].back(), L"");
   ChangeSpeed(*state_, 4'800);
