@@ -1,9 +1,9 @@
 // Binary recordings written frame by frame: what time and sampling frequency make of the ring.
 #include <algorithm>
-#include <cstring>
 
 #include "acquisition/echo_frame.h"
 #include "tests/app/run/playback_fixture.h"
+#include "tests/end_to_end/received_pings.h"
 #include "tests/gps/parser_fixture.h"
 #include "tests/playback/info_text.h"
 
@@ -38,11 +38,9 @@ class PlaybackFrames : public Playback {
     ASSERT_TRUE(Ui().boxes.empty());
   }
 
-  [[nodiscard]] std::vector<uint16_t> SamplesAt(int32_t slot) const {
-    const size_t size = globals.slotReachA[slot] - kSlotSamples;
-    std::vector<uint16_t> samples(size / sizeof(uint16_t));
-    if (size != 0) std::memcpy(samples.data(), state_->ringA->slots[slot] + kSlotSamples, size);
-    return samples;
+  [[nodiscard]] std::vector<uint16_t> SamplesOf(int32_t slot) const {
+    return SamplesAt(state_->ringA->slots[slot] + kSlotSamples,
+                     (globals.slotReachA[slot] - kSlotSamples) / 2);
   }
 
   size_t frameSize_ = 0;
@@ -53,11 +51,11 @@ TEST_F(PlaybackFrames, RepetitionIsFoundOnce) {
   PlayFrames({{100, 0}, {101, 50'000}, {102, 25'000}, {103, 100'001}, {104, 100'000}});
   PlayToTheEnd();
   const std::vector<uint16_t> twice = {100, 100, 200, 200};
-  EXPECT_EQ(SamplesAt(0), std::vector<uint16_t>()) << "no frequency, no samples";
-  EXPECT_EQ(SamplesAt(1), twice) << "the first that has one decides";
-  EXPECT_EQ(SamplesAt(11), twice);
-  EXPECT_EQ(SamplesAt(21), std::vector<uint16_t>()) << "above the grid's";
-  EXPECT_EQ(SamplesAt(31), twice);
+  EXPECT_EQ(SamplesOf(0), std::vector<uint16_t>()) << "no frequency, no samples";
+  EXPECT_EQ(SamplesOf(1), twice) << "the first that has one decides";
+  EXPECT_EQ(SamplesOf(11), twice);
+  EXPECT_EQ(SamplesOf(21), std::vector<uint16_t>()) << "above the grid's";
+  EXPECT_EQ(SamplesOf(31), twice);
 }
 
 TEST_F(PlaybackFrames, SlotsGoByRecordedTime) {
