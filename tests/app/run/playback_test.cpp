@@ -228,12 +228,9 @@ TEST_F(Playback, FilesAreForAfterARun) {
 
 using ConversionRun = Playback;
 
-TEST_F(ConversionRun, BinaryBecomesSegyAndText) {
-  sim::SounderOptions options = QuickSounder(100);
-  options.samplingFrequency_hz = 100'000;
-  Record(options);
-  const std::vector<ReadPing> pings = ReadPings(files_[0]);
-  ASSERT_GT(pings.size(), 100u);
+// What stands in them is shown without a window.
+TEST_F(ConversionRun, OutputsAreNamedAfterTheRecording) {
+  Record(QuickSounder(100), 5);
   const std::string stem = "Fj\u00E4llsj\u00F6";
   const std::wstring wideStem = records_.wstring() + L"/Fj\u00E4llsj\u00F6";
   fs::copy_file(files_[0], records_ / (stem + ".log"));
@@ -244,21 +241,14 @@ TEST_F(ConversionRun, BinaryBecomesSegyAndText) {
   EXPECT_TRUE(Ui().title.ends_with(stem + ".sgy")) << Ui().title;
   FinishConversion();
   ExpectBox(L"Convert completed", L"Info", BoxIcon::information);
-  EXPECT_EQ(fs::file_size(records_ / (stem + ".sgy")),
-            3'600 + pings.size() * (240 + 2 * pings[0].samples.size()));
+  EXPECT_GT(fs::file_size(records_ / (stem + ".sgy")), fs::file_size(files_[0]) / 2);
   HandleTimer(*state_, ID_TIMER_REPAINT);
   EXPECT_EQ(Ui().title, kProgramTitle);
 
   EXPECT_EQ(Convert(wideStem + L".log", ConvertToText), L"Convert completed");
-  const std::vector<ReadPing> texts = ReadPings(wideStem + L"_txt.log");
-  ASSERT_EQ(texts.size(), pings.size());
-  for (size_t i = 0; i < pings.size(); ++i) {
-    EXPECT_EQ(texts[i].header.ping, pings[i].header.ping);
-    EXPECT_NEAR(texts[i].header.altitude_m, pings[i].header.altitude_m, 0.00005);
-    for (size_t sample = 0; 2 * sample + 1 < pings[i].samples.size(); ++sample) {
-      ASSERT_EQ(texts[i].samples[sample], pings[i].samples[2 * sample + 1]) << i << " " << sample;
-    }
-  }
+  const std::vector<ReadPing> pings = ReadPings(wideStem + L"_txt.log");
+  ASSERT_GT(pings.size(), 30u);
+  EXPECT_EQ(pings.back().header.ping - pings.front().header.ping + 1, pings.size());
 }
 
 // Its end is told however long the message queue is full, unless somebody waits for the worker.
