@@ -39,8 +39,8 @@ struct DeviceLink {
 
   // Asked at each read and write, where set: whoever wanted the dialogue does not want it any more, and it
   // ends as if the port had failed.
-  bool (*givesUp)(void* context);
-  void* givesUpContext;
+  bool (*givesUp)(void* context) = nullptr;
+  void* givesUpContext = nullptr;
 };
 
 // A read of one byte; `got` is 0 when none came within the port's time-out. False: the port failed, or the
