@@ -35,7 +35,8 @@ struct DeviceLink {
   ProbeWindows probeWindows;      // never reset either
   DeviceFacts facts;
 
-  uint32_t writeLimit_ms;  // a write that the line does not take in this time fails; 0: it may take for ever
+  uint32_t writeLimit_ms =
+      0;  // a write that the line does not take in this time fails; 0: it may take for ever
 
   // Asked at each read and write, where set: whoever wanted the dialogue does not want it any more, and it
   // ends as if the port had failed.
