@@ -23,11 +23,16 @@ namespace {
 
 constexpr uint32_t kReadSize = 64;
 constexpr size_t kParserCapacity = 4096;
+constexpr uint32_t kRetry_ms = 2000;
+constexpr uint32_t kSlice_ms = 100;
 
 // What a worker began with. The system uses handles again, so the number counts too.
 struct GpsRun {
   Handle port;
   uint32_t number;
+  OpenPort open = nullptr;  // null: a port that fails stays away
+  int32_t speed_bps = 0;
+  wchar_t name[kPortNameSize]{};
 
   [[nodiscard]] bool IsCurrent(const AppState& state) const {
     return LoadShared(state.runNumber) == number && LoadShared(state.gpsPort) == port;
@@ -152,30 +157,77 @@ void ReadUntilTheEnd(AppState& state, const GpsRun& run, Listener& listener) {
   }
 }
 
-// The port is closed by whoever takes it out of the record, this thread or Stop, which takes the quality back
-// itself. The lock is not held while the port closes: that can take seconds, in which each ping and each
-// paint would wait for it.
-void EndRun(AppState& state, const GpsRun& run) {
+// Takes the port out of the record, leaves `left` there and quality 0 behind, and closes it. The port is
+// closed by whoever takes it out, this thread or Stop, which takes the quality back itself. The lock is not
+// held while the port closes: that can take seconds, in which each ping and each paint would wait for it.
+bool LeavePort(AppState& state, const GpsRun& run, Handle left) {
   {
     const Locked held(state.gpsLock);
-    if (LoadShared(state.runNumber) != run.number ||
-        !CompareExchangeShared(state.gpsPort, run.port, Handle::invalid)) {
-      return;
+    if (LoadShared(state.runNumber) != run.number || !CompareExchangeShared(state.gpsPort, run.port, left)) {
+      return false;
     }
     globals.fix.quality = 0;
     globals.gpsQuality = 0;
   }
   CloseSerialLine(run.port);
+  return true;
+}
+
+// False when the run is over.
+bool Pause(const AppState& state, const GpsRun& run) {
+  for (uint32_t waited_ms = 0; waited_ms < kRetry_ms && run.IsCurrent(state); waited_ms += kSlice_ms) {
+    SleepMilliseconds(kSlice_ms);
+  }
+  return run.IsCurrent(state);
+}
+
+// Under the lock under which a run becomes stale: what stands in the record by then is closed by Stop.
+bool PutPort(AppState& state, const GpsRun& run, Handle opened) {
+  const Locked held(state.linkLock);
+  return LoadShared(state.runNumber) == run.number && CompareExchangeShared(state.gpsPort, run.port, opened);
+}
+
+// Behind a port that failed: opens it anew every 2 s. The port of a run whose receiver is away is the null
+// handle. False when the run is over, or nothing is to come back.
+bool ComeBack(AppState& state, GpsRun& run) {
+  if (run.open == nullptr || run.name[0] == L'\0' || !LeavePort(state, run, Handle::null)) return false;
+  run.port = Handle::null;
+  while (Pause(state, run)) {
+    const Handle opened = run.open(run.name, run.speed_bps);
+    if (opened == Handle::invalid) continue;
+    if (!PutPort(state, run, opened)) {
+      CloseSerialLine(opened);
+      return false;
+    }
+    run.port = opened;
+    return true;
+  }
+  return false;
+}
+
+// With its own copy of the choices, which a later Start changes.
+GpsRun TakeRun(AppState& state) {
+  GpsRun run{.port = LoadShared(state.gpsPort), .number = ExchangeShared(state.gpsRunNumber, 0)};
+  const Locked held(state.linkLock);
+  if (!run.IsCurrent(state)) return run;
+  run.open = state.openReceiver;
+  run.speed_bps = globals.gpsBaud;
+  CopyWide(run.name, state.gpsPortName);
+  return run;
 }
 
 }  // namespace
 
 void GpsWorker(void* argument) {
   AppState& state = *static_cast<AppState*>(argument);
-  const GpsRun run{.port = LoadShared(state.gpsPort), .number = ExchangeShared(state.gpsRunNumber, 0)};
+  GpsRun run = TakeRun(state);
   Listener listener;
-  if (BeginRun(state, run, listener)) ReadUntilTheEnd(state, run, listener);
-  EndRun(state, run);
+  if (BeginRun(state, run, listener)) {
+    do {
+      ReadUntilTheEnd(state, run, listener);
+    } while (ComeBack(state, run));
+  }
+  static_cast<void>(LeavePort(state, run, Handle::invalid));
 }
 
 void ClearPosition(AppState& state, bool receiver) {

@@ -8,7 +8,8 @@ namespace tw {
 // Thread body; `state` is the state record. Its run is the one that the starter has put into `gpsRunNumber`,
 // which it takes as its first step; where none stands it ends and touches nothing. Reads `gpsPort` until a
 // read fails, or the port is no longer the one that it began with (Stop, another Start; Apply leaves both). A
-// port that failed is closed and marked invalid, and quality 0 left behind; after a Stop the worker touches
+// port that failed is closed and marked invalid, and quality 0 left behind; with `openReceiver` set it is the
+// null handle until it could be opened anew, which is tried every 2 s. After a Stop the worker touches
 // nothing. Losses of input go to the debug output.
 void GpsWorker(void* state);
 

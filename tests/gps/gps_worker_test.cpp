@@ -14,6 +14,7 @@
 
 #include "app/state/posts.h"
 #include "base/shared_value.h"
+#include "base/text_format.h"
 #include "gps/receiver_watch.h"
 #include "platform/clock.h"
 #include "platform/serial_line.h"
@@ -67,10 +68,12 @@ class GpsRace : public testing::Test {
     globals = {};
     posts.clear();
     MakeLock(state_->gpsLock);
+    MakeLock(state_->linkLock);
     state_->runNumber = 7;
   }
   ~GpsRace() override {
     DestroyLock(state_->gpsLock);
+    DestroyLock(state_->linkLock);
     DetachSerialLines();
   }
 
@@ -203,6 +206,62 @@ TEST_F(GpsWorkerTest, APulledPlugClosesThePortOnceAndLeavesNoQuality) {
   ExpectNoQuality();
   EXPECT_EQ(peer_->Closed(), 1);
   EXPECT_NE(globals.gpsLatitude_rad, 0.0f);
+}
+
+// Taken away at 5 s; Stop at a time of its own, or the receiver tells again from 20 s on.
+TEST_F(GpsWorkerTest, APulledPlugComesBackWhereThatIsWanted) {
+  for (const uint32_t stopAt_ms : {5'300u, 8'000u, 30'000u}) {
+    state_->openReceiver = [](const wchar_t* name, int32_t speed_bps) {
+      return speed_bps == 4'800 ? OpenSerialLine(name, "baud=4800 parity=N data=8 stop=1", 100)
+                                : Handle::invalid;
+    };
+    CopyWide(state_->gpsPortName, kLine);
+    globals.gpsBaud = 4'800;
+    Start({.faults = {.instrument = {.hangUpAt_us = VirtualNow_us() + 5'000'000}}});
+    const uint32_t begin_ms = MillisecondClock();
+    SleepMilliseconds(4'900);
+    EXPECT_EQ(globals.gpsQuality, 2);
+    SleepMilliseconds(100);
+    DetachSerialLines();
+    while (MillisecondClock() - begin_ms < std::min(stopAt_ms, 20'000u)) SleepMilliseconds(50);
+    EXPECT_EQ(LoadShared(state_->gpsPort), Handle::null);
+    EXPECT_EQ(globals.gpsQuality, 0);
+    EXPECT_EQ(peer_->Closed(), 1) << "the dead handle";
+    if (stopAt_ms > 20'000) {
+      sim::VirtualGps again{sim::GpsOptions{}};
+      ReceiverPeer peer(again);
+      AttachPeer(kLine, &peer);
+      SleepMilliseconds(8'000);
+      EXPECT_EQ(globals.gpsQuality, 2);
+      StoreShared(state_->runNumber, state_->runNumber + 1);
+      CloseSerialLine(ExchangeShared(state_->gpsPort, Handle::invalid));
+      WaitForEnd();
+      EXPECT_EQ(peer.Closed(), 1);
+      DetachSerialLines();
+    } else {
+      Stop();
+    }
+    EXPECT_EQ(state_->gpsPort, Handle::invalid);
+  }
+}
+
+// The port is there again, and closed by who opened it: in the record stands that of another run.
+TEST_F(GpsWorkerTest, AReceiverThatComesBackAfterStopTouchesNothing) {
+  static AppState* state = nullptr;
+  state = state_.get();
+  state_->openReceiver = [](const wchar_t* name, int32_t) {
+    StoreShared(state->runNumber, state->runNumber + 2);
+    return OpenSerialLine(name, "baud=4800 parity=N data=8 stop=1", 100);
+  };
+  CopyWide(state_->gpsPortName, kLine);
+  Start();
+  HangUpLine(kLine, 1'000);
+  SleepMilliseconds(4'000);
+  RestoreLine(kLine);
+  SleepMilliseconds(3'000);
+  WaitForEnd();
+  EXPECT_EQ(state_->gpsPort, Handle::null);
+  EXPECT_EQ(peer_->Closed(), 2);
 }
 
 TEST_F(GpsWorkerTest, WhileThePortIsClosingNobodyWaitsForTheFix) {

@@ -4,6 +4,7 @@
 #include "acquisition/output_mode.h"
 #include "app/run/come_back.h"
 #include "base/shared_value.h"
+#include "device/serial_ports.h"
 #include "device/start_sequence.h"
 #include "gps/gps_worker.h"
 #include "platform/clock.h"
@@ -54,6 +55,7 @@ bool StartAcquisition(AppState& state, const StreamForm& form, OutputMode mode) 
 // port then starts a GPS worker all the same; its first read fails and it ends.
 bool StartGps(AppState& state) {
   if (state.gpsThread != Handle::null || LoadShared(state.gpsPort) == Handle::invalid) return true;
+  state.openReceiver = state.options.keepRunGoing != 0 ? OpenDevicePort : nullptr;
   StoreShared(state.gpsRunNumber, LoadShared(state.runNumber));
   state.gpsThread = StartThread(GpsWorker, &state);
   return state.gpsThread != Handle::null;

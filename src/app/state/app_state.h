@@ -34,6 +34,9 @@ inline constexpr int32_t kNoGpsPort = -1;
 inline constexpr uint32_t kPlaybackPace_ms = 16;
 inline constexpr int32_t kPlaybackSpan = 320;
 
+// Opens a serial port by its name; Handle::invalid on failure.
+using OpenPort = Handle (*)(const wchar_t* name, int32_t speed_bps);
+
 // What is stored as "MainWindowPosition".
 struct WindowPlacement {
   uint32_t style;
@@ -143,7 +146,7 @@ struct AppState {
   int32_t startsByItself;     // 1: a start waits for its ports, 2: it has been tried; GUI thread
   uint32_t startTried_ms;     // the millisecond clock at the last try
   int32_t awayShown;          // the status bar says so; GUI thread
-  Lock linkLock;              // devicePort and runNumber, where the worker puts a port into the record
+  Lock linkLock;              // the ports and runNumber, where a worker puts a port into the record
   char nextNames[2][256];     // of the files that are offered; GUI thread
   int64_t splitPeriod;        // how many split periods the clock had seen when files were opened; GUI thread
   Event linkRetry;            // the port may be there again: signalled by the GUI thread
@@ -165,6 +168,7 @@ struct AppState {
   PingSink* outputs;           // shared: gets each live ping, null for nobody; what it points to lives as
                                // long as the process
   uint32_t gpsRunNumber;       // shared: of the GPS worker that begins next; 0 is no run's number
+  OpenPort openReceiver;       // null, or how the GPS worker that begins next gets a port back that failed
   uint32_t recordingNumber;    // shared: raised whenever fresh record files are opened
   PortEntry ports[kMaxPorts];  // GUI thread
   // What the operator hears of by lamps and status texts; see app/run/run_watch.h.
