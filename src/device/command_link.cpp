@@ -17,14 +17,6 @@ bool IsGivenUp(const DeviceLink& link) {
   return link.givesUp != nullptr && link.givesUp(link.givesUpContext);
 }
 
-bool Write(DeviceLink& link, std::string_view text) {
-  if (IsGivenUp(link)) return false;
-  const auto size = static_cast<uint32_t>(text.size());
-  if (link.writeLimit_ms == 0) return WriteSerialLine(link.port, text.data(), size);
-  uint32_t written = 0;
-  return WriteSerialLineWithin(link.port, text.data(), size, link.writeLimit_ms, written) && written == size;
-}
-
 // Reads until the prompt, giving each byte to `take`.
 template <typename Take>
 LinkResult AwaitPrompt(DeviceLink& link, uint32_t limit_ms, Take take) {
@@ -73,6 +65,14 @@ LinkResult Query(DeviceLink& link, CommandId id, bool (*parse)(std::string_view,
 
 }  // namespace
 
+bool WriteBytes(DeviceLink& link, std::string_view text) {
+  if (IsGivenUp(link)) return false;
+  const auto size = static_cast<uint32_t>(text.size());
+  if (link.writeLimit_ms == 0) return WriteSerialLine(link.port, text.data(), size);
+  uint32_t written = 0;
+  return WriteSerialLineWithin(link.port, text.data(), size, link.writeLimit_ms, written) && written == size;
+}
+
 bool ReadByte(DeviceLink& link, uint8_t& byte, uint32_t& got) {
   return !IsGivenUp(link) && ReadSerialLine(link.port, &byte, 1, got);
 }
@@ -88,15 +88,16 @@ bool PromptMatcher::Take(uint8_t byte) {
 LinkResult SendCommand(DeviceLink& link, CommandId id, std::string_view value) {
   const std::string_view keyword = KeywordOf(id);
   if (keyword.empty()) return LinkResult::invalid;
-  const bool written =
-      Write(link, keyword) && Write(link, " ") && Write(link, value) && Write(link, {&kReturn, 1});
+  const bool written = WriteBytes(link, keyword) && WriteBytes(link, " ") && WriteBytes(link, value) &&
+                       WriteBytes(link, {&kReturn, 1});
   return written ? LinkResult::success : LinkResult::portFailed;
 }
 
 LinkResult SendCommandNoValue(DeviceLink& link, CommandId id) {
   const std::string_view keyword = KeywordOf(id);
   if (keyword.empty()) return LinkResult::invalid;
-  return Write(link, keyword) && Write(link, {&kReturn, 1}) ? LinkResult::success : LinkResult::portFailed;
+  return WriteBytes(link, keyword) && WriteBytes(link, {&kReturn, 1}) ? LinkResult::success
+                                                                      : LinkResult::portFailed;
 }
 
 LinkResult ReadReply(DeviceLink& link, size_t& length) {
@@ -119,7 +120,7 @@ bool TakeLateReply(DeviceLink& link) {
 LinkResult RequestPrompt(DeviceLink& link) {
   LinkResult result = LinkResult::noPrompt;
   for (int attempt = 0; attempt < kPromptAttempts; ++attempt) {
-    result = Write(link, {&kReturn, 1}) ? SkipReply(link) : LinkResult::portFailed;
+    result = WriteBytes(link, {&kReturn, 1}) ? SkipReply(link) : LinkResult::portFailed;
     SleepMilliseconds(kPause_ms);
     if (result == LinkResult::success) break;
   }

@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string_view>
 
 #include "device/device_facts.h"
 #include "device/rolling_window.h"
@@ -47,5 +48,8 @@ struct DeviceLink {
 // A read of one byte; `got` is 0 when none came within the port's time-out. False: the port failed, or the
 // dialogue is given up.
 [[nodiscard]] bool ReadByte(DeviceLink& link, uint8_t& byte, uint32_t& got);
+
+// The same for a write.
+[[nodiscard]] bool WriteBytes(DeviceLink& link, std::string_view text);
 
 }  // namespace tw

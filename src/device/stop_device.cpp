@@ -6,7 +6,6 @@
 #include "device/serial_ports.h"
 #include "platform/clock.h"
 #include "platform/debug_output.h"
-#include "platform/serial_line.h"
 
 namespace tw {
 namespace {
@@ -15,13 +14,13 @@ constexpr int kAttempts = 30;
 constexpr uint32_t kAttempt_ms = 1000;
 constexpr uint32_t kProcedure_ms = 30'000;
 constexpr uint32_t kPause_ms = 10;
-constexpr char kStopKey[] = " ";
+constexpr std::string_view kStopKey = " ";
 constexpr std::string_view kEndOfStream = "DataEnd";
 constexpr std::string_view kPrompt = "\r\n>";
 
 // One stop key and what comes within a second.
 LinkResult Attempt(DeviceLink& link) {
-  if (!WriteSerialLine(link.port, kStopKey, 1)) return LinkResult::portFailed;
+  if (!WriteBytes(link, kStopKey)) return LinkResult::portFailed;
   const uint32_t begin = MillisecondClock();
   do {
     uint8_t byte = 0;
