@@ -84,7 +84,8 @@ void DrawAltitudes(const PanelSource& source, const PanelLayout& layout, const C
 }  // namespace
 
 const DeviceSettings& ShownSettings(const AppState& state) {
-  return IsOpen(state.devicePort) ? state.appliedSettings : state.settings;
+  const bool runs = IsOpen(state.devicePort) || LoadShared(state.linkAway) != 0;
+  return runs ? state.appliedSettings : state.settings;
 }
 
 PanelSource DescribePanel(AppState& state, PanelPlace place) {
