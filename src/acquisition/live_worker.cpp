@@ -195,7 +195,9 @@ class LiveRun final : private AwayWorker {
     if (context_.dual) StorePing(channels_[1].ring, image_, now_ms);
   }
 
+  // The long silence that ends a run which does not wait for its device.
   void NoteSilence() {
+    if (start_.rescue != nullptr) return;
     const uint32_t now_ms = MillisecondClock();
     if (fresh_) {
       silentSince_ms_ = now_ms;
