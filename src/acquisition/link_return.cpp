@@ -33,15 +33,11 @@ bool Pause(AppState& state, AwayWorker& worker) {
   return !worker.GivenUp();
 }
 
-void ShowAway(AppState& state, AwayFor reason) {
-  StoreShared(state.linkAway, static_cast<int32_t>(reason));
-}
-
 // The port that streams again, or Handle::invalid after one attempt.
 Handle TryAgain(AppState& state, const LiveStart& start, uint32_t attempt, AwayWorker& worker) {
   const Handle opened = start.rescue->open(state, start, attempt);
   if (opened == Handle::invalid) {
-    ShowAway(state, AwayFor::port);
+    NoteAway(state, start, AwayFor::port);
     return Handle::invalid;
   }
   if (!ExchangePort(state, start, Handle::null, opened)) {
@@ -49,7 +45,8 @@ Handle TryAgain(AppState& state, const LiveStart& start, uint32_t attempt, AwayW
     return Handle::invalid;
   }
   const bool tells = start.deviceFamily == DeviceFamily::first && start.settings.identity[0] != '\0';
-  if (tells && worker.Listen(opened, start.settings.identity)) return opened;
+  if (tells && start.rescue->isAtSpeedOfRun(attempt) && worker.Listen(opened, start.settings.identity))
+    return opened;
   if (!worker.GivenUp() && start.rescue->restart(state, start, opened, attempt, worker)) return opened;
   GiveBack(state, start, opened);
   return Handle::invalid;
@@ -57,17 +54,23 @@ Handle TryAgain(AppState& state, const LiveStart& start, uint32_t attempt, AwayW
 
 }  // namespace
 
+void NoteAway(AppState& state, const LiveStart& start, AwayFor reason) {
+  const Locked held(state.linkLock);
+  if (LoadShared(state.runNumber) != start.runNumber) return;
+  StoreShared(state.linkAway, static_cast<int32_t>(reason));
+}
+
 Handle AwaitReturn(AppState& state, const LiveStart& start, bool failed, AwayWorker& worker) {
   const Handle lost = LoadShared(state.devicePort);
   StoreShared(state.linkAwaySince_ms, MillisecondClock());
-  ShowAway(state, failed ? AwayFor::port : AwayFor::silence);
+  NoteAway(state, start, failed ? AwayFor::port : AwayFor::silence);
   Handle port = !failed && worker.Listen(lost, nullptr) ? lost : Handle::invalid;
   if (port == Handle::invalid && !worker.GivenUp()) GiveBack(state, start, lost);
   for (uint32_t attempt = 0; port == Handle::invalid && !worker.GivenUp(); ++attempt) {
     port = TryAgain(state, start, attempt, worker);
     if (port == Handle::invalid && !Pause(state, worker)) break;
   }
-  if (port != Handle::invalid) ShowAway(state, AwayFor::nothing);
+  if (port != Handle::invalid) NoteAway(state, start, AwayFor::nothing);
   return port;
 }
 

@@ -31,6 +31,9 @@ struct LinkRescue {
   // The port of the run, opened anew; Handle::invalid: it is not there. `attempt` counts from 0.
   Handle (*open)(AppState& state, const LiveStart& start, uint32_t attempt);
 
+  // That attempt's port is at the run's own speed: who streams there may still have the run's settings.
+  bool (*isAtSpeedOfRun)(uint32_t attempt);
+
   // Brings the device behind the open port to stream as the run wants it. False: it does not answer (which
   // the record's `linkAway` tells), is another device, or the worker has given up.
   bool (*restart)(AppState& state, const LiveStart& start, Handle port, uint32_t attempt, AwayWorker& worker);
@@ -38,6 +41,9 @@ struct LinkRescue {
 
 // Why a run is away; shown in the status bar.
 enum class AwayFor : int32_t { nothing, silence, port, answer, otherDevice };
+
+// Tells it, unless the run is over: a call of the system may have outlasted it.
+void NoteAway(AppState& state, const LiveStart& start, AwayFor reason);
 
 // Waits for the device: listens on a port that is only silent, then opens it anew every 2 s, or at once after
 // `linkRetry` was signalled. Returns the port that streams again, which is the run's by then; Handle::invalid

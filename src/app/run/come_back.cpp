@@ -19,12 +19,12 @@ namespace {
 constexpr int32_t kPowerOnSpeed_bps = 115'200;
 constexpr uint32_t kPause_ms = 10;
 
-bool IsAtPowerOnSpeed(uint32_t attempt) {
-  return attempt % 2 == 1 && globals.deviceBaud != kPowerOnSpeed_bps;
+bool IsAtSpeedOfRun(uint32_t attempt) {
+  return attempt % 2 == 0 || globals.deviceBaud == kPowerOnSpeed_bps;
 }
 
 Handle OpenAgain(AppState& state, const LiveStart&, uint32_t attempt) {
-  const int32_t speed_bps = IsAtPowerOnSpeed(attempt) ? kPowerOnSpeed_bps : globals.deviceBaud;
+  const int32_t speed_bps = IsAtSpeedOfRun(attempt) ? globals.deviceBaud : kPowerOnSpeed_bps;
   return OpenAtSpeed(state.devicePortName, speed_bps);
 }
 
@@ -37,10 +37,10 @@ bool GivesUp(void* worker) {
   return static_cast<AwayWorker*>(worker)->GivenUp();
 }
 
-// At another speed than the run's: told the run's, which goes into force with its reset. The next attempt
-// finds it there.
+// At another speed than the run's, perhaps streaming: told the run's, which goes into force with its reset.
+// The next attempt finds it there.
 void TellSpeed(DeviceLink& link) {
-  if (SkipReply(link) != LinkResult::success && RequestPrompt(link) != LinkResult::success) return;
+  if (StopDevice(link) != LinkResult::success) return;
   if (SendSpeed(link, globals.deviceBaud) != LinkResult::success) return;
   static_cast<void>(SkipReply(link));
   static_cast<void>(SendCommandNoValue(link, CommandId::reset));
@@ -71,18 +71,18 @@ bool RestartDevice(AppState& state, const LiveStart& start, Handle port, uint32_
   link->writeLimit_ms = kWriteLimit_ms;
   link->givesUp = GivesUp;
   link->givesUpContext = &worker;
-  if (IsAtPowerOnSpeed(attempt)) {
+  if (!IsAtSpeedOfRun(attempt)) {
     TellSpeed(*link);
     return false;
   }
   const AwayFor reason = StopDevice(*link) == LinkResult::success ? Restart(*link, start) : AwayFor::answer;
   if (worker.GivenUp() || reason == AwayFor::nothing) return reason == AwayFor::nothing;
-  StoreShared(state.linkAway, static_cast<int32_t>(reason));
+  NoteAway(state, start, reason);
   return false;
 }
 
 }  // namespace
 
-const LinkRescue kLinkRescue{OpenAgain, RestartDevice};
+const LinkRescue kLinkRescue{OpenAgain, IsAtSpeedOfRun, RestartDevice};
 
 }  // namespace tw

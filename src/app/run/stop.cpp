@@ -46,6 +46,7 @@ void EndRun(AppState& state) {
     LogRunEnds(state);
   }
   StoreShared(state.linkLost, 0);
+  StoreShared(state.linkAway, 0);
   Reset(state.recordingEvent);
   ForgetChoice(state);
   TellRunChanged(state, RunChange::idle);
