@@ -1,19 +1,28 @@
-// A run whose link is cut, with the option to go on: what stands in its one record file against what the
-// device sent.
+// A run whose link is cut, with the option to go on: what stands in its record files against what the device
+// sent. With TW_FULL set each form is cut a thousand times.
 #include <gtest/gtest.h>
 
+#include <bit>
+#include <cstdlib>
+#include <map>
 #include <random>
 
+#include "acquisition/link_return.h"
+#include "app/settings/family_controls.h"
 #include "app/window/commands.h"
 #include "base/shared_value.h"
+#include "display/panel.h"
 #include "platform/clock.h"
+#include "platform/virtual/file_sink.h"
 #include "platform/virtual/virtual_clock.h"
 #include "tests/app/run_control_fixture.h"
 #include "tests/end_to_end/mode_case.h"
-#include "tests/sent_account.h"
+#include "tests/end_to_end/received_pings.h"
 
 namespace tw::test {
 namespace {
+
+constexpr int32_t kLow_hz = 200'000;
 
 enum class Cut : uint8_t {
   cable,      // the device streams on unheard
@@ -23,223 +32,483 @@ enum class Cut : uint8_t {
 };
 constexpr Cut kCuts[] = {Cut::cable, Cut::plug, Cut::power, Cut::plugPower};
 
-// A line that is cut behind a given byte of the stream.
+// What a message is known by: its bytes, or what the frame of a ping tells of it.
+struct Mark {
+  uint64_t size;
+  uint64_t hash;
+  bool operator==(const Mark&) const = default;
+};
+
+uint64_t Fold(uint64_t hash, uint64_t value) {
+  return (hash ^ value) * 0x100000001B3;
+}
+
+Mark MarkOfPing(uint32_t number, uint32_t seconds, int32_t frequency_hz, float altitude_m,
+                std::span<const uint16_t> samples) {
+  uint64_t hash = Fold(Fold(Fold(7, number), seconds), static_cast<uint64_t>(frequency_hz));
+  hash = Fold(hash, std::bit_cast<uint32_t>(altitude_m));
+  for (const uint16_t sample : samples) hash = Fold(hash, sample);
+  return {samples.size(), hash};
+}
+
+// A record that is torn has the mark of no message.
+Mark MarkOfRecord(std::string_view record) {
+  if (!record.starts_with("TR57")) {
+    if (record.starts_with("#F ")) record.remove_prefix(record.find('\n') + 1);
+    record = record.substr(0, record.rfind("$GPGGA,"));
+    return {record.size(), sim::HashOf({reinterpret_cast<const uint8_t*>(record.data()), record.size()})};
+  }
+  const auto* const frame = reinterpret_cast<const uint8_t*>(record.data());
+  const PingHeader header = LoadPingHeader(frame);
+  if (record.size() != 88 + 2 * size_t{header.sampleCount}) return {0, 1};
+  std::vector<uint16_t> samples = SamplesAt(frame + 88, header.sampleCount);
+  for (size_t i = 0; i < samples.size() / kRepeat; ++i) samples[i] = samples[i * kRepeat];
+  samples.resize(samples.size() / kRepeat);
+  return MarkOfPing(header.ping, header.deviceSeconds, header.txFrequency_hz, header.altitude_m, samples);
+}
+
+struct Message {
+  sim::SentPing sent;
+  Mark mark;  // in binary
+};
+
+// All messages of all devices that stood behind the line, and when what follows was owed to the record, or
+// not.
+class Account final : public sim::PingObserver {
+ public:
+  void PingMade(const sim::SentPing& ping, std::span<const uint16_t> samples) override {
+    messages.push_back(
+        {ping, MarkOfPing(ping.number, ping.deviceTime_s, ping.txFrequency_hz, ping.altitude_m, samples)});
+  }
+  void PingEnded(const sim::SentPing& ping) override { messages[ended_++].sent = ping; }
+  void PowerOff() { ended_ = messages.size(); }
+  void Turn(bool owed) { turns.push_back({messages.size(), owed}); }
+
+  struct TurnAt {
+    size_t message;
+    bool owed;
+  };
+  std::vector<Message> messages;
+  std::vector<TurnAt> turns;
+
+ private:
+  size_t ended_ = 0;
+};
+
+// A line that is cut behind a given byte that the device sends, or at a command that it is sent. At another
+// speed than the device's nothing is heard.
 class CutLine final : public SerialPeer {
  public:
-  explicit CutLine(const ModeCase& each) : each_(each) { PowerOn(); }
+  explicit CutLine(const ModeCase& each) : each_(each) {
+    options = QuickSounder();
+    each_.Configure(options);
+    options.sampleCount = 100;
+    options.depth_m = 1.5;
+    options.pingsPerSecond = 5;
+    PowerOn();
+  }
 
   void CutBehind(uint64_t bytes, Cut cut) {
     cutAt_ = sent_ + bytes;
     cut_ = cut;
   }
+  void CutAtCommand(int command, Cut cut) {
+    commands_ = 0;
+    cutCommand_ = command;
+    cut_ = cut;
+  }
   void Mend() {
     if (cut_ == Cut::power || cut_ == Cut::plugPower) PowerOn();
     isCut_ = false;
+    commands_ = 0;
     cutAt_ = UINT64_MAX;
+    cutCommand_ = 0;
+  }
+  void PowerOn() {
+    account.PowerOff();
+    first_ = account.messages.size();
+    taken_ = 0;
+    device_ = std::make_unique<sim::VirtualEchosounder>(options, &account);
   }
   [[nodiscard]] uint64_t Sent() const { return sent_; }
   [[nodiscard]] bool IsCut() const { return isCut_; }
-  [[nodiscard]] bool IsGone() const { return isCut_ && (cut_ == Cut::plug || cut_ == Cut::plugPower); }
+  [[nodiscard]] int Commands() const { return commands_; }
+  [[nodiscard]] const sim::VirtualEchosounder& Device() const { return *device_; }
 
-  bool Open(const char*) override {
+  bool Open(const char* mode) override {
+    speed_bps_ = std::atoi(mode + std::string_view("baud=").size());
+    const bool isThere = !IsGone();
+    if (opening_ms != 0) SleepMilliseconds(opening_ms);
     Discard(VirtualNow_us());
-    return !IsGone();
+    return isThere;
   }
   void Receive(std::span<const uint8_t> bytes, int64_t now_us) override {
-    if (!isCut_) device_->Receive(bytes, now_us);
+    for (const uint8_t byte : bytes) {
+      line_.push_back(static_cast<char>(byte));
+      if (byte != '\r' && line_ != " ") continue;
+      const std::string line = std::exchange(line_, {});
+      if (++commands_ == cutCommand_) CutNow();
+      if (!IsHeard()) continue;
+      if (line == "#go\r") account.Turn(true);
+      device_->Receive({reinterpret_cast<const uint8_t*>(line.data()), line.size()}, now_us);
+    }
   }
   size_t Send(std::span<uint8_t> out, int64_t now_us) override {
-    if (isCut_) return Discard(now_us);
+    if (!IsHeard()) return Discard(now_us);
     const size_t count = device_->Send(out.first(std::min<uint64_t>(out.size(), cutAt_ - sent_)), now_us);
     sent_ += count;
-    isCut_ = sent_ == cutAt_;
-    if (isCut_) cuts.push_back(accounts.back()->messages.size());
+    taken_ += count;
+    if (sent_ == cutAt_) CutNow();
     return count;
   }
   int64_t NextSend_us(int64_t now_us) override {
-    return isCut_ ? now_us + 50'000 : device_->NextSend_us(now_us);
+    return IsHeard() ? device_->NextSend_us(now_us) : now_us + 50'000;
   }
   size_t Waiting(int64_t now_us) override {
-    if (isCut_) return 0;
-    return std::min<uint64_t>(device_->Waiting(now_us), cutAt_ - sent_);
+    return IsHeard() ? std::min<uint64_t>(device_->Waiting(now_us), cutAt_ - sent_) : 0;
   }
   bool HungUp(int64_t) override { return IsGone(); }
 
-  std::vector<std::unique_ptr<SentAccount>> accounts;  // one from each power-on
-  std::vector<size_t> cuts;
+  sim::SounderOptions options;  // of the device that is switched on next
+  Account account;
+  uint32_t opening_ms = 0;  // what a try to open the line takes
 
  private:
-  void PowerOn() {
-    sim::SounderOptions options = QuickSounder();
-    each_.Configure(options);
-    options.sampleCount = 100;
-    options.depth_m = 1.5;
-    options.streaming = false;
-    accounts.push_back(std::make_unique<SentAccount>());
-    device_ = std::make_unique<sim::VirtualEchosounder>(options, accounts.back().get());
+  [[nodiscard]] bool IsHeard() const { return !isCut_ && speed_bps_ == device_->LineSpeed(); }
+  [[nodiscard]] bool IsGone() const { return isCut_ && (cut_ == Cut::plug || cut_ == Cut::plugPower); }
+  // From the first message on that has not come whole.
+  void CutNow() {
+    isCut_ = true;
+    size_t message = account.messages.size();
+    for (; message > first_; --message) {
+      const sim::SentPing& last = account.messages[message - 1].sent;
+      if (last.offset + last.size <= taken_) break;
+    }
+    account.turns.push_back({message, false});
   }
   size_t Discard(int64_t now_us) {
     uint8_t scrap[4'096];
-    while (device_->Send(scrap, now_us) > 0) {
-    }
+    while (const size_t count = device_->Send(scrap, now_us)) taken_ += count;
     return 0;
   }
 
   const ModeCase& each_;
   std::unique_ptr<sim::VirtualEchosounder> device_;
+  size_t first_ = 0;    // message of this device
+  uint64_t taken_ = 0;  // bytes of this device
   uint64_t sent_ = 0;
   uint64_t cutAt_ = UINT64_MAX;
+  int commands_ = 0;
+  int cutCommand_ = 0;
   bool isCut_ = false;
   Cut cut_ = Cut::cable;
+  int32_t speed_bps_ = 0;
+  std::string line_;
 };
 
-// The records of a text recording: messages as they came, without the position behind each.
-std::vector<std::string_view> RecordsOf(std::string_view file) {
-  std::vector<std::string_view> records;
-  file.remove_prefix(file.find("\r\n") + 2);  // how it was recorded
-  while (!file.empty()) {
-    if (file.starts_with("#F ")) file.remove_prefix(file.find('\n') + 1);
-    const size_t end = std::min(file.find("$GPGGA"), file.size());
-    records.push_back(file.substr(0, end));
-    file.remove_prefix(end);
-    while (file.starts_with("$GPGGA") || file.starts_with("$GPRMC") || file.starts_with("\r\n")) {
-      file.remove_prefix(file.find('\n') + 1);
-    }
-  }
-  return records;
-}
+struct Record {
+  Mark mark;
+  int64_t time_us;
+};
 
-bool Holds(std::string_view record, const SentMessage& message) {
-  return message.sent.whole && record.size() == message.sent.size &&
-         sim::HashOf({reinterpret_cast<const uint8_t*>(record.data()), record.size()}) == message.sent.hash;
-}
-
-// Which sent message each record is. Lines repeat themselves, so behind a gap the place is the first from
-// which several in a row stand there. A torn or foreign record is a failure.
-std::vector<size_t> Recorded(std::string_view file, const std::vector<const SentMessage*>& sent) {
-  constexpr size_t kInARow = 200;
-  const std::vector<std::string_view> records = RecordsOf(file);
-  std::vector<size_t> recorded;
-  size_t next = 0;
-  for (size_t i = 0; i < records.size(); ++i) {
-    const auto inARow = [&](size_t from) {
-      size_t count = 0;
-      while (count < kInARow && i + count < records.size() && from + count < sent.size() &&
-             Holds(records[i + count], *sent[from + count])) {
-        ++count;
-      }
-      return count;
-    };
-    size_t place = next;
-    size_t best = next < sent.size() && Holds(records[i], *sent[next]) ? kInARow : 0;
-    for (size_t from = next; from < sent.size() && best < kInARow; ++from) {
-      if (const size_t count = inARow(from); count > best) {
-        best = count;
-        place = from;
-      }
-    }
-    if (best == 0) {
-      ADD_FAILURE() << "no message that was sent: " << records[i].substr(0, 60);
-      return recorded;
-    }
-    recorded.push_back(place);
-    next = place + 1;
+// Each record is one write.
+class Records final : public FileSink {
+ public:
+  void Written(std::wstring_view path, uint64_t offset, std::span<const uint8_t> bytes) override {
+    const std::string_view record(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+    std::vector<Record>& records = files[std::wstring(path)];
+    if (offset != 0 && !record.starts_with("INFO:"))
+      records.push_back({MarkOfRecord(record), VirtualNow_us()});
   }
-  return recorded;
-}
+  std::map<std::wstring, std::vector<Record>> files;
+};
 
 class ComeBack : public RunControlTest, public testing::WithParamInterface<ModeCase> {
  protected:
+  ComeBack() { SinkFiles(folder_.wstring().c_str(), &records_); }
   ~ComeBack() override {
     StopRun(*state_);
     DetachSerialLines();
+    SinkFiles(nullptr, nullptr);
   }
 
   void Start() {
     state_->options.keepRunGoing = 1;
     state_->options.silence_s = 5;
     AttachPeer(kDeviceLine, &line_);
+    ConnectGps({});
+    ChooseGps();
     StartRun(*state_);
     ASSERT_TRUE(Ui().boxes.empty());
     const uint64_t before = line_.Sent();
     Run(3);
     bytesOf3s_ = line_.Sent() - before;
+    runNumber_ = LoadShared(state_->runNumber);
   }
+
+  void AwaitCut() {
+    for (int i = 0; i < 1'200 && !line_.IsCut(); ++i) SleepMilliseconds(100);
+    ASSERT_TRUE(line_.IsCut()) << "the run does not go on";
+  }
+  void AwaitReturn() {
+    const uint32_t begin = MillisecondClock();
+    while (!IsBack() && MillisecondClock() - begin < 180'000) Run(1);
+    ASSERT_TRUE(IsBack());
+  }
+  [[nodiscard]] bool IsBack() const { return LoadShared(state_->linkAway) == 0; }
 
   void CutAndMend(uint64_t bytes, Cut cut, int away_s) {
     line_.CutBehind(bytes, cut);
-    for (int i = 0; i < 600 && !line_.IsCut(); ++i) SleepMilliseconds(100);
-    ASSERT_TRUE(line_.IsCut()) << "the run does not go on";
+    AwaitCut();
     Run(away_s);
     line_.Mend();
-    const uint32_t begin = MillisecondClock();
-    while (LoadShared(state_->linkAway) != 0 && MillisecondClock() - begin < 120'000) Run(1);
-    EXPECT_EQ(LoadShared(state_->linkAway), 0);
-    Run(2);
   }
 
+  // The run has gone on in its own files; then they end, and hold what they must.
+  void EndAndJudge() {
+    EXPECT_EQ(LoadShared(state_->runNumber), runNumber_) << "one run";
+    EXPECT_TRUE(Ui().boxes.empty());
+    line_.CutBehind(1, Cut::cable);
+    AwaitCut();
+    Run(1);
+    StopRun(*state_);
+    ExpectIdle();
+    ASSERT_EQ(records_.files.size(), GetParam().Files());
+    size_t file = 0;  // "..._200kHz_..." comes before "..._450kHz_..."
+    for (const auto& [path, records] : records_.files)
+      Judge(records, records_.files.size() == 2 && file++ == 0);
+  }
+
+  void Judge(const std::vector<Record>& records, bool low);
+  [[nodiscard]] const sim::SentPing& Sent(size_t message) const {
+    return line_.account.messages[message].sent;
+  }
+  [[nodiscard]] std::vector<size_t> MessagesOfFile(bool low) const;
+  [[nodiscard]] Mark MarkOf(size_t message) const {
+    const Message& each = line_.account.messages[message];
+    if (!each.sent.whole) return {};
+    return GetParam().IsBinary() ? each.mark : Mark{each.sent.size, each.sent.hash};
+  }
+
+  Records records_;
   CutLine line_{GetParam()};
   uint64_t bytesOf3s_ = 0;
+  uint32_t runNumber_ = 0;
 };
 
+std::vector<size_t> ComeBack::MessagesOfFile(bool low) const {
+  std::vector<size_t> chosen;
+  for (size_t i = 0; i < line_.account.messages.size(); ++i) {
+    const bool isLow = GetParam().IsPair() && line_.account.messages[i].sent.txFrequency_hz == kLow_hz;
+    if (GetParam().Files() == 1 || isLow == low) chosen.push_back(i);
+  }
+  return chosen;
+}
+
+// Every record is a message that was sent whole, none twice, in their order, and every message that was owed
+// is there. Lines repeat themselves, so a record's time counts too: all are as late as the first one.
+void ComeBack::Judge(const std::vector<Record>& records, bool low) {
+  constexpr int64_t kBetween_us = 15'000;  // less than the shortest dialogue between two pings
+  const std::vector<size_t> sent = MessagesOfFile(low);
+  ASSERT_FALSE(records.empty() || sent.empty());
+  const int64_t late_us = records[0].time_us - Sent(sent[0]).time_us;
+  const std::vector<Account::TurnAt>& turns = line_.account.turns;
+  size_t next = 0;
+  size_t turn = 0;
+  bool owed = false;
+  const auto takeTurns = [&] {
+    for (; turn < turns.size() && turns[turn].message <= sent[next]; ++turn) owed = turns[turn].owed;
+  };
+  const auto passOver = [&](const Record* record) {
+    for (; next < sent.size(); ++next) {
+      takeTurns();
+      if (record != nullptr && MarkOf(sent[next]) == record->mark &&
+          std::abs(record->time_us - Sent(sent[next]).time_us - late_us) < kBetween_us) {
+        return;
+      }
+      ASSERT_FALSE(owed) << "missing: message " << sent[next] << " at " << Sent(sent[next]).time_us << " us";
+    }
+  };
+  for (const Record& record : records) {
+    ASSERT_NO_FATAL_FAILURE(passOver(&record)) << "or foreign: a record at " << record.time_us << " us";
+    ASSERT_LT(next, sent.size()) << "no message that was sent, or one again, at " << record.time_us << " us";
+    // Also of a stream that was taken up without a command; of a line that was cut the last byte may be
+    // missing.
+    owed = turn == 0 || turns[turn - 1].owed || turns[turn - 1].message != sent[next];
+    ++next;
+  }
+  passOver(nullptr);
+  EXPECT_GT(records.size(), turns.size() * 3);
+}
+
 TEST_P(ComeBack, NoPingIsLostBesideThoseOfTheCuts) {
-  Start();
+  ASSERT_NO_FATAL_FAILURE(Start());
   std::mt19937 random(7);
-  const uint32_t runNumber = LoadShared(state_->runNumber);
-  for (int i = 0; i < 12; ++i)
-    CutAndMend(1 + random() % bytesOf3s_, kCuts[i % 4], 1 + static_cast<int>(random() % 40));
-  EXPECT_EQ(LoadShared(state_->runNumber), runNumber) << "one run";
-  EXPECT_TRUE(Ui().boxes.empty());
+  const int cuts = std::getenv("TW_FULL") != nullptr ? 1'000 : 12;
+  for (int i = 0; i < cuts; ++i) {
+    const auto away_s = static_cast<int>(random() % 40);
+    ASSERT_NO_FATAL_FAILURE(CutAndMend(1 + random() % bytesOf3s_, kCuts[i % 4], away_s));
+    if (i % 3 == 2) continue;  // cut again at once, perhaps in the midst of the come-back
+    ASSERT_NO_FATAL_FAILURE(AwaitReturn());
+    Run(2);
+  }
+  ASSERT_NO_FATAL_FAILURE(AwaitReturn());
+  Run(2);
+  EndAndJudge();
+}
+
+// Those of one form of each family, and of a dual run.
+class EachKind : public ComeBack {};
+
+TEST_P(EachKind, ACutAtEachCommandOfTheComeBack) {
+  ASSERT_NO_FATAL_FAILURE(Start());
+  int command = 1;
+  for (bool reached = true; reached; ++command) {
+    ASSERT_NO_FATAL_FAILURE(CutAndMend(1, Cut::plugPower, 3));
+    line_.CutAtCommand(command, kCuts[command % 4]);
+    for (int i = 0; i < 120 && !line_.IsCut() && !(IsBack() && line_.Commands() > 0); ++i) Run(1);
+    reached = line_.IsCut();
+    Run(1);
+    line_.Mend();
+    ASSERT_NO_FATAL_FAILURE(AwaitReturn());
+    Run(2);
+  }
+  EXPECT_GT(command, 15);
+  EndAndJudge();
+}
+
+TEST_P(EachKind, StopInEachStepEndsTheRunAtOnce) {
+  ASSERT_NO_FATAL_FAILURE(Start());
+  int command = 1;
+  for (bool reached = true; reached; ++command) {
+    ASSERT_NO_FATAL_FAILURE(CutAndMend(100, kCuts[command % 4], command % 30));
+    for (int i = 0; i < 6'000 && line_.Commands() < command && !IsBack(); ++i) SleepMilliseconds(10);
+    reached = line_.Commands() >= command || kCuts[command % 4] != Cut::plugPower;
+    const uint32_t begin = MillisecondClock();
+    StopRun(*state_);
+    EXPECT_LE(MillisecondClock() - begin, 3'000u);
+    ExpectIdle();
+    SleepMilliseconds(100);  // what the device still says
+    StartRun(*state_);
+    ASSERT_TRUE(Ui().boxes.empty());
+    ASSERT_NE(state_->acquisitionThread, Handle::null);
+    Run(2);
+  }
+  EXPECT_GT(command, 15);
+}
+
+// What answers is not the run's device, or not well enough: told, tried on, and the run goes on with its own.
+TEST_P(EachKind, WaitsForItsOwnDeviceAsItWas) {
+  ASSERT_NO_FATAL_FAILURE(Start());
+  const sim::SounderOptions own = line_.options;
+  const struct {
+    const char* what;
+    void (*change)(sim::SounderOptions& options);
+    AwayFor away;
+    const wchar_t* told;
+  } rows[] = {
+      {"another device", [](sim::SounderOptions& o) { o.identity = "4711"; }, AwayFor::otherDevice,
+       L"another device answers"},
+      {"it tells nothing",
+       [](sim::SounderOptions& o) {
+         o.faults.mute = {"#iden", "#rangeh", "#info"};
+       },
+       AwayFor::answer, L"the device does not answer"},
+      {"at its own speed", [](sim::SounderOptions& o) { o.baud = 115'200; }, AwayFor::nothing, L""},
+      {"at its own speed, streaming",
+       [](sim::SounderOptions& o) {
+         o.baud = 115'200;
+         o.streaming = true;
+       },
+       AwayFor::nothing, L""},
+      {"streaming in another mode",
+       [](sim::SounderOptions& o) {
+         o.streaming = true;
+         o.outputMode = 3;
+       },
+       AwayFor::nothing, L""},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.what);
+    row.change(line_.options);
+    ASSERT_NO_FATAL_FAILURE(CutAndMend(1, Cut::plugPower, 3));
+    if (row.away != AwayFor::nothing) {
+      for (int i = 0; i < 100 && LoadShared(state_->linkAway) != static_cast<int32_t>(row.away); ++i) Run(1);
+      Run(1);
+      EXPECT_NE(Ui().status[0].find(row.told), std::wstring::npos);
+      line_.options = own;
+      line_.PowerOn();
+    }
+    ASSERT_NO_FATAL_FAILURE(AwaitReturn());
+    line_.options = own;
+    EXPECT_EQ(line_.Device().LineSpeed(), 921'600);
+    Run(3);
+    EXPECT_EQ(Ui().status[0].find(L"lost"), std::wstring::npos);
+  }
+  EndAndJudge();
+}
+
+TEST_P(EachKind, TheOperatorGoesOnMeanwhile) {
+  ASSERT_NO_FATAL_FAILURE(Start());
+  line_.CutBehind(1, Cut::plug);
+  AwaitCut();
+  Ui().Choose(ID_RANGE, L"10");
+  TakeSettingsChoice(*state_, ID_RANGE);
+  Run(5);
+  EXPECT_TRUE(Ui().boxes.empty()) << "a choice waits until the device is back";
+  EXPECT_EQ(&ShownSettings(*state_), &state_->appliedSettings) << "and is not drawn by before";
+  ApplySettings(*state_);
+  ExpectBox(L"Echosounder is not connected", L"Error", BoxIcon::error);
+  line_.Mend();
+  ASSERT_NO_FATAL_FAILURE(AwaitReturn());
+  EXPECT_EQ(LoadShared(state_->runNumber), runNumber_);
+  Run(3);
+  const DeviceSettings& now = state_->appliedSettings;
+  EXPECT_EQ(UsesLowChannel(now, FamilyInUse()) ? now.rangeLow_mm : now.rangeHigh_mm, 10'000);
   StopRun(*state_);
   ExpectIdle();
-  ASSERT_EQ(RecordFiles().size(), 1u);
-
-  std::vector<const SentMessage*> sent;
-  std::vector<size_t> powerOns;
-  for (const auto& account : line_.accounts) {
-    powerOns.push_back(sent.size());
-    for (const SentMessage& message : account->messages) sent.push_back(&message);
-  }
-  const std::vector<size_t> recorded = Recorded(Content(RecordFiles()[0]), sent);
-  EXPECT_GT(recorded.size(), 12u * 10u);
-  size_t gaps = 0;
-  for (size_t i = 1; i < recorded.size(); ++i) gaps += recorded[i] != recorded[i - 1] + 1 ? 1 : 0;
-  EXPECT_LE(gaps, 12u) << "pings are missing where nothing was cut";
 }
 
-class StopWhileAway : public ComeBack {};
+TEST_P(EachKind, AWorkerThatIsLateDisturbsNoOtherRun) {
+  ASSERT_NO_FATAL_FAILURE(Start());
+  line_.CutBehind(1, Cut::plug);
+  AwaitCut();
+  line_.opening_ms = 60'000;
+  Run(5);
+  StopRun(*state_);
+  line_.opening_ms = 0;
+  line_.Mend();
+  StartRun(*state_);
+  for (int i = 0; i < 70; ++i) {
+    Run(1);
+    ASSERT_TRUE(IsBack()) << i;
+  }
+  EXPECT_TRUE(Ui().boxes.empty());
+}
 
-TEST_P(StopWhileAway, EndsTheRunAtOnce) {
-  Start();
+// A long wait is no dead line to a device that pings seldom.
+TEST_P(EachKind, SeldomPingsAfterAMinuteAway) {
+  line_.options.pingsPerSecond = 1;
+  line_.PowerOn();
+  ASSERT_NO_FATAL_FAILURE(Start());
   for (const Cut cut : kCuts) {
-    for (const int away_s : {1, 6, 9, 14, 25}) {
-      line_.CutBehind(100, cut);
-      for (int i = 0; i < 50 && !line_.IsCut(); ++i) SleepMilliseconds(100);
-      Run(away_s);
-      const uint32_t begin = MillisecondClock();
-      StopRun(*state_);
-      EXPECT_LE(MillisecondClock() - begin, 3'000u);
-      ExpectIdle();
-      line_.Mend();
-      StartRun(*state_);
-      EXPECT_TRUE(Ui().boxes.empty());
-      ASSERT_NE(state_->acquisitionThread, Handle::null);
-      Run(2);
-    }
+    ASSERT_NO_FATAL_FAILURE(CutAndMend(1, cut, 90));
+    ASSERT_NO_FATAL_FAILURE(AwaitReturn());
+    Run(20);
   }
+  EndAndJudge();
 }
 
-std::vector<ModeCase> TextForms(bool echoOnly) {
+std::vector<ModeCase> Forms(bool kinds) {
   std::vector<ModeCase> cases;
   for (const ModeCase& each : AllModeCases()) {
-    if (each.IsPlain() && !each.dual && !each.IsBinary() && (!echoOnly || each.row->code == 2))
-      cases.push_back(each);
+    if (each.IsPlain() && (!kinds || each.row->code == 2)) cases.push_back(each);
   }
   return cases;
 }
-const auto kNameOfCase = [](const testing::TestParamInfo<ModeCase>& row) { return row.param.Name("Mode"); };
-INSTANTIATE_TEST_SUITE_P(Forms, ComeBack, testing::ValuesIn(TextForms(false)), kNameOfCase);
-INSTANTIATE_TEST_SUITE_P(Families, StopWhileAway, testing::ValuesIn(TextForms(true)), kNameOfCase);
+const auto kNameOfCase = [](const testing::TestParamInfo<ModeCase>& row) { return row.param.Name(); };
+INSTANTIATE_TEST_SUITE_P(Forms, ComeBack, testing::ValuesIn(Forms(false)), kNameOfCase);
+INSTANTIATE_TEST_SUITE_P(Kinds, EachKind, testing::ValuesIn(Forms(true)), kNameOfCase);
 
 }  // namespace
 }  // namespace tw::test
