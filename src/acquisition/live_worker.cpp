@@ -141,6 +141,7 @@ class LiveRun final : private AwayWorker {
       return false;
     }
     heard_ = false;
+    for (Channel& channel : channels_) channel.begun = false;  // the time away is no interval
     const Handle port = AwaitReturn(state_, start_, failed, *this);
     if (port == Handle::invalid) return false;
     if (!heard_ && !Hear(port)) {
@@ -148,7 +149,6 @@ class LiveRun final : private AwayWorker {
       return false;
     }
     lastPing_ms_ = MillisecondClock();
-    for (Channel& channel : channels_) channel.begun = false;  // the time away is no interval
     return true;
   }
 
