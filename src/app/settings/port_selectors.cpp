@@ -131,13 +131,17 @@ void SelectDeviceSpeed(AppState& state, int32_t speed_bps) {
   SelectComboItem(state, ID_DEVICE_SPEED, static_cast<int>(speed - std::begin(kDeviceSpeeds)));
 }
 
-bool AreChosenPortsThere(AppState& state) {
-  PortChoice device{};
-  PortChoice receiver{};
-  ReadPortChoices(state, device, receiver);
-  const std::span<const PortEntry> ports = ListPorts(state);
-  return FindPort(ports, device.name) >= 0 &&
-         (receiver.name[0] == L'\0' || FindPort(ports, receiver.name) >= 0);
+bool SelectStoredPortsThatAreThere(AppState& state) {
+  const CommunicationSettings stored = LoadCommunicationSettings();
+  const auto isThere = [&state](int32_t number) {
+    wchar_t name[16];
+    FormatWide(name, "COM%" PRId32, number);
+    return FindPort(KnownPorts(state), name) >= 0;
+  };
+  if (!isThere(stored.devicePort)) return false;
+  if (stored.gpsPort != kNoGpsPort && !isThere(stored.gpsPort)) return false;
+  SelectStoredPorts(state, stored);
+  return true;
 }
 
 void ReadPortChoices(AppState& state, PortChoice& device, PortChoice& receiver) {

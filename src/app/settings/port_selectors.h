@@ -32,8 +32,9 @@ void FillSpeedCombos(AppState& state, const CommunicationSettings& stored);
 // Selects a speed in the device's selector; one that it does not hold leaves the selection.
 void SelectDeviceSpeed(AppState& state, int32_t speed_bps);
 
-// The system lists the device port that is selected, and the GPS port unless it is "N/A".
-[[nodiscard]] bool AreChosenPortsThere(AppState& state);
+// Selects the stored ports in selectors that are already filled, if the system lists the device port, and the
+// GPS port unless none is stored. False, and nothing is selected, while one is missing.
+[[nodiscard]] bool SelectStoredPortsThatAreThere(AppState& state);
 
 // Reads the four selectors. A text that holds no number stands for the port or speed of the last run.
 void ReadPortChoices(AppState& state, PortChoice& device, PortChoice& receiver);

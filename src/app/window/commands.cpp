@@ -94,7 +94,7 @@ void StartByItself(AppState& state) {
   if (state.startsByItself == 0 || StateOfProgram(state) != ProgramState::idle) return;
   const uint32_t now_ms = MillisecondClock();
   if (state.startsByItself > 1 && now_ms - state.startTried_ms < kPause_ms) return;
-  if (!AreChosenPortsThere(state) || IsListOpen(state)) return;
+  if (IsListOpen(state) || !SelectStoredPortsThatAreThere(state)) return;
   const WaitPointer pointer(state);
   const ElapsedLog log;
   const RunResult result = TryStart(state, log);

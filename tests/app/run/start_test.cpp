@@ -6,6 +6,7 @@
 #include "app/run/worker_control.h"
 #include "app/settings/control_states.h"
 #include "app/window/commands.h"
+#include "app/window/start_up.h"
 #include "device/stop_device.h"
 #include "display/panel.h"
 #include "platform/clock.h"
@@ -32,6 +33,55 @@ TEST_F(StartTest, HappensOnceAndRemembersTheSelectors) {
   StartRun(*state_);
   EXPECT_EQ(state_->acquisitionThread, thread);
   EXPECT_EQ(sounderPeer_->Opened(), 1);
+}
+
+// At program start: with the stored ports and no others, and without a box.
+TEST_F(StartTest, ByItselfItWaitsForItsPorts) {
+  PutNumber(L"DeviceCOMPort", 5);
+  PutNumber(L"DeviceCOMSpeed", 921'600);
+  PutNumber(L"GPSCOMPort", 6);
+  SetSerialLineList({L"COM3"});
+  FillCommunicationControls(*state_);
+  ConnectSounder(QuickSounder());
+  ConnectGps({});
+  state_->startsByItself = 1;
+  const std::vector<std::wstring> lists[] = {{L"COM3"}, {L"COM3", L"COM5"}, {L"COM3", L"COM5", L"COM6"}};
+  for (const auto& list : lists) {
+    EXPECT_EQ(sounderPeer_->Opened(), 0) << list.size();
+    SetSerialLineList(list);
+    HandleTimer(*state_, ID_TIMER_PORTS);
+  }
+  EXPECT_NE(state_->acquisitionThread, Handle::null);
+  EXPECT_EQ(gpsPeer_->Opened(), 1);
+  EXPECT_EQ(Ui().controls[ID_DEVICE_PORT].text, L"COM5");
+  EXPECT_EQ(Ui().controls[ID_GPS_PORT].text, L"COM6");
+  EXPECT_EQ(state_->startsByItself, 0);
+}
+
+TEST_F(StartTest, ByItselfItTriesAgainUntilTheOperatorDecides) {
+  PutNumber(L"DeviceCOMPort", 5);
+  state_->startsByItself = 1;
+  HandleTimer(*state_, ID_TIMER_PORTS);  // nothing stands behind the port
+  EXPECT_NE(Ui().status[0], L"Device: Disconnected") << "what was refused";
+  ConnectSounder(QuickSounder());
+  SleepMilliseconds(9'000);
+  HandleTimer(*state_, ID_TIMER_PORTS);
+  EXPECT_EQ(sounderPeer_->Opened(), 0);
+  SleepMilliseconds(2'000);
+  HandleTimer(*state_, ID_TIMER_PORTS);
+  EXPECT_EQ(sounderPeer_->Opened(), 1);
+  EXPECT_TRUE(Ui().boxes.empty() && Ui().systemErrors.empty());
+  StopRun(*state_);
+  HandleTimer(*state_, ID_TIMER_PORTS);
+  EXPECT_EQ(sounderPeer_->Opened(), 1) << "stopped by hand";
+  for (const auto byHand : {StartRun, StopRun}) {
+    sounderPeer_.reset();
+    DetachSerialLines();
+    SetSerialLineList({L"COM5", L"COM6"});
+    state_->startsByItself = 1;
+    byHand(*state_);
+    EXPECT_EQ(state_->startsByItself, 0);
+  }
 }
 
 TEST_F(StartTest, RecordsFromTheFirstPingOn) {
