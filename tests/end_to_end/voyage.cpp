@@ -211,12 +211,25 @@ void Voyage::Leg(int32_t seconds) {
   }
 }
 
+// The link is up again, and the program takes the stream up by itself.
+void Voyage::AwaitLink() {
+  for (int i = 0; i < 180 && LoadShared(state_->linkAway) != 0; ++i) Leg(1);
+  EXPECT_EQ(LoadShared(state_->linkAway), 0);
+  EXPECT_TRUE(Ui().boxes.empty());
+  SleepMilliseconds(300);  // a ping that was torn may take the next one with it
+  log_.Close();
+}
+
 // The program finds out, ends the run, and is started again when the link is back.
 void Voyage::HangUp() {
   ++log_.figures.hangUps;
   log_.Open(Excuse::linkDown);
   peer_->link = LossyPeer::Link::hungUp;
   Leg(Draw(3, 120));
+  if (goesOn_) {
+    peer_->link = LossyPeer::Link::up;
+    return AwaitLink();
+  }
   ExpectBox(L"Connection lost!", L"Error", BoxIcon::error);
   Ui().boxes.clear();
   peer_->link = LossyPeer::Link::up;
@@ -231,6 +244,7 @@ void Voyage::FallSilent() {
   const int32_t seconds = Draw(1, 2) == 1 ? Draw(1, kSilenceLimit_s - 5) : kSilenceLimit_s + Draw(5, 30);
   Leg(seconds);
   peer_->link = LossyPeer::Link::up;
+  if (goesOn_) return AwaitLink();
   if (seconds > kSilenceLimit_s) {
     ExpectBox(L"Connection lost!", L"Error", BoxIcon::error);
     Ui().boxes.clear();
@@ -270,15 +284,20 @@ void Voyage::PauseRecording() {
 
 VoyageFigures Voyage::Sail(const VoyagePlan& plan) {
   draws_ = plan.seed;
+  goesOn_ = plan.goesOn;
+  state_->options.keepRunGoing = state_->options.splitByTime = goesOn_ ? 1 : 0;
   Begin();
   Start();
+  const uint32_t runNumber = LoadShared(state_->runNumber);
   const auto sailed_s = [] { return VirtualNow_us() / kSecond_us; };
   while (sailed_s() < plan.duration_s && !HasFailure() && log_.firstFailure.empty()) {
     Leg(Draw(plan.shortestLeg_s, plan.longestLeg_s));
     using Event = void (Voyage::*)();
     constexpr Event kEvents[] = {&Voyage::HangUp, &Voyage::FallSilent, &Voyage::ApplyAnotherMode,
                                  &Voyage::ApplyAnotherMode, &Voyage::PauseRecording};
-    (this->*kEvents[Draw(0, std::size(kEvents) - 1)])();
+    const size_t event = goesOn_ ? Draw(0, 9) : Draw(0, std::size(kEvents) - 1);
+    (this->*kEvents[event < std::size(kEvents) ? event : 0])();
+    EXPECT_TRUE(!goesOn_ || LoadShared(state_->runNumber) == runNumber) << "one run";
     ForgetPosts();
     if (log_.figures.residentEarly == 0 && sailed_s() >= kFilled_s) {
       log_.figures.residentEarly = ResidentBytes();

@@ -25,6 +25,7 @@ struct VoyagePlan {
   int32_t shortestLeg_s;
   int32_t longestLeg_s;
   uint64_t seed = 1;
+  bool goesOn = false;  // a lost link ends no run, files are of an hour, and the link is lost more often
 };
 
 // Why a ping need not be recorded.
@@ -97,6 +98,7 @@ class Voyage : public RunControlTest {
   void Begin();
   void Start();
   void Leg(int32_t seconds);
+  void AwaitLink();
   void HangUp();
   void FallSilent();
   void ApplyAnotherMode();
@@ -108,6 +110,7 @@ class Voyage : public RunControlTest {
   VoyageLog log_;
   std::unique_ptr<LossyPeer> peer_;
   uint64_t draws_ = 0;
+  bool goesOn_ = false;
 };
 
 }  // namespace tw::test

@@ -1,5 +1,10 @@
-// The short form of the voyage of bench/voyage.cpp: events follow each other quickly.
+// The short form of the voyage of bench/voyage.cpp: events follow each other quickly. With TW_FULL set the
+// run that outlasts its link goes on for three days.
 #include "tests/end_to_end/voyage.h"
+
+#include <cinttypes>
+#include <cstdio>
+#include <cstdlib>
 
 namespace tw::test {
 namespace {
@@ -18,6 +23,21 @@ TEST_F(ShortVoyage, NoPingIsLostButTheExcusedOnes) {
   uint64_t lost = 0;
   for (const uint64_t count : figures.lost) lost += count;
   EXPECT_EQ(figures.recorded + lost, figures.sent);
+}
+
+TEST_F(ShortVoyage, ARunGoesOnThroughAllOfIt) {
+  const bool full = std::getenv("TW_FULL") != nullptr;
+  const VoyageFigures figures =
+      Sail(full ? VoyagePlan{72 * 3'600, 30, 350, 1, true} : VoyagePlan{3'600, 5, 60, 1, true});
+  EXPECT_GT(figures.recorded, full ? 1'500'000u : 10'000u);
+  EXPECT_GT(figures.hangUps, full ? 500u : 10u);
+  EXPECT_GT(figures.silences, full ? 70u : 1u);
+  EXPECT_GT(figures.files, full ? 70u : 0u);
+  EXPECT_TRUE(!full || figures.residentAtEnd < figures.residentEarly + (2 << 20));
+  std::printf("sent %" PRIu64 ", recorded %" PRIu64 ", link down %" PRIu64 ", without excuse %" PRIu64
+              ", hang-ups %" PRIu64 ", silences %" PRIu64 ", files %" PRIu64 "\n",
+              figures.sent, figures.recorded, figures.lost[1], figures.lost[0], figures.hangUps,
+              figures.silences, figures.files);
 }
 
 }  // namespace
