@@ -200,6 +200,7 @@ void Voyage::Start() {
 void Voyage::ForgetPosts() {
   for (auto& posts : Ui().posts) posts.clear();
   Ui().pointers.clear();
+  Ui().log.clear();
   Ui().boxes.clear();
 }
 

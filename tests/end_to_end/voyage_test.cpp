@@ -35,9 +35,9 @@ TEST_F(ShortVoyage, ARunGoesOnThroughAllOfIt) {
   EXPECT_GT(figures.files, full ? 70u : 0u);
   EXPECT_TRUE(!full || figures.residentAtEnd < figures.residentEarly + (2 << 20));
   std::printf("sent %" PRIu64 ", recorded %" PRIu64 ", link down %" PRIu64 ", without excuse %" PRIu64
-              ", hang-ups %" PRIu64 ", silences %" PRIu64 ", files %" PRIu64 "\n",
+              ", hang-ups %" PRIu64 ", silences %" PRIu64 ", files %" PRIu64 ", resident %zu then %zu KiB\n",
               figures.sent, figures.recorded, figures.lost[1], figures.lost[0], figures.hangUps,
-              figures.silences, figures.files);
+              figures.silences, figures.files, figures.residentEarly >> 10, figures.residentAtEnd >> 10);
 }
 
 }  // namespace
