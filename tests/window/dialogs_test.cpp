@@ -125,8 +125,9 @@ constexpr wchar_t kSilence[] = L"Lost without data for";
 TEST_F(Dialogs, OptionsHoldWhatIsEnteredWithinItsBounds) {
   const Dialog& sheet = Open(ID_MENU_OPTIONS);
   EXPECT_EQ(sheet.Caption(), L"Options");
-  const char* const pictures[] = {"options-link", "options-recording", "options-display"};
-  for (int i = 2; i >= 0; --i) {
+  const char* const pictures[] = {"options-link", "options-recording", "options-outputs", "options-sentences",
+                                  "options-display"};
+  for (int i = 4; i >= 0; --i) {
     ExpectWellMade(PageOf(sheet, i));
     SavePicture(sheet.Window(), pictures[i]);
   }

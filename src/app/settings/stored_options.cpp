@@ -34,21 +34,21 @@ constexpr OptionRow kRows[] = {
     {outputs, &O::sendSerial, L"OutputSerial", L"Depth to a &serial port", nullptr, 0, 0, 1, nullptr, true},
     {outputs, &O::serialPort, L"OutputSerialPort", L"&COM port", L"", 1, 1, 256, &O::sendSerial},
     {outputs, &O::serialSpeed_bps, L"OutputSerialSpeed", L"S&peed", L"bps", 4'800, 1'200, 3'000'000, &O::sendSerial},
-    {outputs, &O::sendUdp, L"OutputUdp", L"Depth by &UDP", nullptr, 0, 0, 1, nullptr, true},
+    {outputs, &O::sendUdp, L"OutputUdp", L"Depth b&y UDP", nullptr, 0, 0, 1, nullptr, true},
     {outputs, nullptr, L"OutputUdpAddress", L"&Address", nullptr, 0, 0, 0, &O::sendUdp, false, &O::udpAddress},
     {outputs, &O::udpPort, L"OutputUdpPort", L"P&ort", L"", 10'110, 1, 65'535, &O::sendUdp},
     {outputs, &O::sendTcp, L"OutputTcp", L"Depth to &TCP clients", nullptr, 0, 0, 1, nullptr, true},
     {outputs, nullptr, L"OutputTcpAddress", L"A&ddress", nullptr, 0, 0, 0, &O::sendTcp, false, &O::tcpAddress},
     {outputs, &O::tcpPort, L"OutputTcpPort", L"Po&rt", L"", 10'110, 1, 65'535, &O::sendTcp},
-    {outputs, &O::sendDbt, L"OutputDbt", L"$SDD&BT", nullptr, 1, 0, 1, nullptr},
-    {outputs, &O::sendDpt, L"OutputDpt", L"$SD&DPT", nullptr, 0, 0, 1, nullptr},
-    {outputs, &O::transducerOffset_cm, L"OutputOffset", L"Transducer o&ffset", L"cm", 0, -5'000, 5'000, &O::sendDpt},
-    {outputs, &O::sendMtw, L"OutputMtw", L"$SD&MTW", nullptr, 0, 0, 1, nullptr},
-    {outputs, &O::sendXdr, L"OutputXdr", L"$SD&XDR", nullptr, 0, 0, 1, nullptr},
-    {outputs, &O::sendGga, L"OutputGga", L"&GGA of the receiver", nullptr, 0, 0, 1, nullptr},
-    {outputs, &O::sendRmc, L"OutputRmc", L"RMC of the recei&ver", nullptr, 0, 0, 1, nullptr},
-    {outputs, &O::outputRate, L"OutputRate", L"Pi&ngs, at most", L"/s", 10, 1, 50, nullptr},
-    {outputs, &O::sendLowChannel, L"OutputLow", L"Of both channels the &low one", nullptr, 0, 0, 1, nullptr},
+    {sentences, &O::sendDbt, L"OutputDbt", L"$SDDBT, depth &below the transducer", nullptr, 1, 0, 1, nullptr},
+    {sentences, &O::sendDpt, L"OutputDpt", L"$SDDPT, &depth and offset", nullptr, 0, 0, 1, nullptr},
+    {sentences, &O::transducerOffset_cm, L"OutputOffset", L"Transducer &offset", L"cm", 0, -5'000, 5'000, &O::sendDpt},
+    {sentences, &O::sendMtw, L"OutputMtw", L"$SDMTW, &temperature", nullptr, 0, 0, 1, nullptr},
+    {sentences, &O::sendXdr, L"OutputXdr", L"$SDXDR, &pitch and roll", nullptr, 0, 0, 1, nullptr},
+    {sentences, &O::sendGga, L"OutputGga", L"&GGA of the receiver", nullptr, 0, 0, 1, nullptr},
+    {sentences, &O::sendRmc, L"OutputRmc", L"&RMC of the receiver", nullptr, 0, 0, 1, nullptr},
+    {sentences, &O::outputRate, L"OutputRate", L"Pi&ngs, at most", L"/s", 10, 1, 50, nullptr},
+    {sentences, &O::sendLowChannel, L"OutputLow", L"Of both channels the &low one", nullptr, 0, 0, 1, nullptr},
 
     {display, &O::noDataOverEchogram, L"NoDataOverEchogram", L"\"&NO DATA\" over the echogram", nullptr, 0, 0, 1, nullptr},
 };
@@ -93,7 +93,8 @@ void Save(const OptionRow& row, const Options& options) {
 }  // namespace
 
 const wchar_t* NameOfPage(OptionPage page) {
-  constexpr const wchar_t* kNames[kOptionPages] = {L"Link", L"Recording", L"Outputs", L"Display"};
+  constexpr const wchar_t* kNames[kOptionPages] = {L"Link", L"Recording", L"Outputs", L"Sentences",
+                                                   L"Display"};
   return kNames[static_cast<size_t>(page)];
 }
 

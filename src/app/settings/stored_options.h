@@ -12,8 +12,8 @@ namespace tw {
 
 inline constexpr wchar_t kOptionsKey[] = L"Software\\Brin Ultrasonics\\EchoSounderControlProgram\\Options";
 
-enum class OptionPage : uint8_t { link, recording, outputs, display };
-inline constexpr int kOptionPages = 4;
+enum class OptionPage : uint8_t { link, recording, outputs, sentences, display };
+inline constexpr int kOptionPages = 5;
 [[nodiscard]] const wchar_t* NameOfPage(OptionPage page);
 
 struct OptionRow {

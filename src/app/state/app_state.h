@@ -187,7 +187,7 @@ struct AppState {
   RunWatch watch;                 // GUI thread
   uint32_t noData_s;              // since the newest ping of a run that has fallen silent, else 0; GUI thread
 
-  Options options;             // GUI thread
+  Options options;  // GUI thread
   EventLog eventLog;
   EventWatch eventWatch;
   wchar_t loggedFiles[2][kLoggedPathSize];  // record files whose closing is still to be logged; GUI thread

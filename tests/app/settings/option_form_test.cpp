@@ -12,8 +12,8 @@ namespace {
 TEST(OptionForm, EachRowHasControlsOfItsOwnOnItsPage) {
   std::set<int32_t> ids;
   size_t rows = 0;
-  for (const OptionPage page :
-       {OptionPage::link, OptionPage::recording, OptionPage::outputs, OptionPage::display}) {
+  for (const OptionPage page : {OptionPage::link, OptionPage::recording, OptionPage::outputs,
+                                OptionPage::sentences, OptionPage::display}) {
     const OptionForm form = LayOutOptions(page);
     for (size_t i = 0; i < form.count; ++i) {
       EXPECT_EQ(form.items[i].row->page, page);
