@@ -188,9 +188,7 @@ class LiveRun final : private AwayWorker {
     const uint32_t now_ms = MillisecondClock();
     if (Stale() || now_ms - blackSince_ms_ < kTick_ms) return;
     blackSince_ms_ = now_ms;
-    PingHeader none{};
-    none.pitch_deg = kNoAttitude;
-    image_.Build(none, {}, 1);
+    image_.reach = 0;  // a slot without a ping
     StorePing(channels_[0].ring, image_, now_ms);
     if (context_.dual) StorePing(channels_[1].ring, image_, now_ms);
   }
