@@ -307,7 +307,9 @@ std::vector<size_t> ComeBack::MessagesOfFile(bool low) const {
 // Every record is a message that was sent whole, none twice, in their order, and every message that was owed
 // is there. Lines repeat themselves, so a record's time counts too: all are as late as the first one.
 void ComeBack::Judge(const std::vector<Record>& records, bool low) {
-  constexpr int64_t kBetween_us = 15'000;  // less than the shortest dialogue between two pings
+  // Lines: less than the shortest dialogue between two pings. Echoes do not repeat themselves, and the first
+  // of a stream can wait while its start is still told.
+  const int64_t between_us = GetParam().IsPulse() ? 15'000 : 60'000;
   const std::vector<size_t> sent = MessagesOfFile(low);
   ASSERT_FALSE(records.empty() || sent.empty());
   const int64_t late_us = records[0].time_us - Sent(sent[0]).time_us;
@@ -322,7 +324,7 @@ void ComeBack::Judge(const std::vector<Record>& records, bool low) {
     for (; next < sent.size(); ++next) {
       takeTurns();
       if (record != nullptr && MarkOf(sent[next]) == record->mark &&
-          std::abs(record->time_us - Sent(sent[next]).time_us - late_us) < kBetween_us) {
+          std::abs(record->time_us - Sent(sent[next]).time_us - late_us) < between_us) {
         return;
       }
       ASSERT_FALSE(owed) << "missing: message " << sent[next] << " at " << Sent(sent[next]).time_us << " us";
