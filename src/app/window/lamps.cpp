@@ -70,10 +70,11 @@ ReceiverFacts CollectReceiver(AppState& state, uint32_t now_ms) {
   return facts;
 }
 
+// Only with the option for runs that go on unattended: without it the port's text stands, and the lamp tells.
 // The port's text comes back as soon as the receiver does; at the end of a run there is another one.
 void ShowReceiverTrouble(AppState& state, const ReceiverFacts& facts) {
   wchar_t text[kStatusTextSize];
-  const bool trouble = FormatReceiverTrouble(text, facts);
+  const bool trouble = FormatReceiverTrouble(text, facts) && state.options.keepRunGoing != 0;
   const uint32_t told_s = facts.state == ReceiverState::silent ? facts.silent_s : 0;
   const bool told = std::exchange(state.watch.receiverTold, trouble ? 1 : 0) != 0;
   const bool same = told == trouble && state.watch.receiverTold_s == told_s;

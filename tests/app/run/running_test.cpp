@@ -211,6 +211,10 @@ TEST_F(Running, ASilentReceiverIsToldInPlaceOfItsPortUntilItSpeaks) {
   EXPECT_EQ(Ui().lamps[ID_RECEIVER_LAMP].colour, LampColour::green);
   SilenceLine(kGpsLine);
   RunLamps(9);
+  EXPECT_TRUE(std::wstring(Ui().lamps[ID_RECEIVER_LAMP].text).starts_with(L"silent "));
+  EXPECT_EQ(Ui().status[1], port) << "the option is off";
+  state_->options.keepRunGoing = 1;
+  RunLamps(1);
   EXPECT_TRUE(Ui().status[1].starts_with(L"silent ")) << Ui().status[1].size();
   EXPECT_EQ(Ui().lamps[ID_RECEIVER_LAMP].text, Ui().status[1]);
   RestoreLine(kGpsLine);
