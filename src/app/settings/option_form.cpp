@@ -19,6 +19,10 @@ constexpr int32_t kWidth = 214;  // of a row
 constexpr int32_t kNumberLeft = 150;
 constexpr int32_t kNumberWidth = 46;
 constexpr int32_t kAddressWidth = 66;
+constexpr int32_t kListLeft = 100;
+constexpr int32_t kListWidth = 117;
+constexpr int32_t kListDropped = 90;
+constexpr int32_t kTrackWidth = kNumberLeft + kNumberWidth - kListLeft;
 constexpr int32_t kUnitLeft = kNumberLeft + kNumberWidth + 4;
 constexpr int32_t kUnitWidth = 21;
 constexpr int32_t kCheckHeight = 10;
@@ -53,6 +57,27 @@ void AddAddress(OptionForm& form, const OptionRow& row, int32_t x, int32_t y) {
   const int32_t id = FirstId(row);
   Add(form, {OptionItemKind::label, &row, id + 1, {x, y + kTextDrop, kNumberLeft - 4 - x, kTextHeight}});
   Add(form, {OptionItemKind::address, &row, id, {kNumberLeft, y, kAddressWidth, kFieldHeight}});
+}
+
+void AddList(OptionForm& form, const OptionRow& row, int32_t x, int32_t y) {
+  const int32_t id = FirstId(row);
+  Add(form, {OptionItemKind::label, &row, id + 1, {x, y + kTextDrop, kListLeft - 4 - x, kTextHeight}});
+  Add(form, {OptionItemKind::list, &row, id, {kListLeft, y, kListWidth, kListDropped}});
+}
+
+void AddTrack(OptionForm& form, const OptionRow& row, int32_t x, int32_t y) {
+  const int32_t id = FirstId(row);
+  Add(form, {OptionItemKind::label, &row, id + 1, {x, y + kTextDrop, kListLeft - 4 - x, kTextHeight}});
+  Add(form, {OptionItemKind::track, &row, id, {kListLeft, y, kTrackWidth, kFieldHeight}});
+  Add(form, {OptionItemKind::unit, &row, id + 3, {kUnitLeft, y + kTextDrop, kUnitWidth, kTextHeight}});
+}
+
+void AddRow(OptionForm& form, const OptionRow& row, int32_t x, int32_t y) {
+  if (row.address != nullptr) return AddAddress(form, row, x, y);
+  if (row.IsSwitch()) return AddSwitch(form, row, x, y);
+  if (!row.choices.empty()) return AddList(form, row, x, y);
+  if (row.isSlider) return AddTrack(form, row, x, y);
+  AddNumber(form, row, x, y);
 }
 
 // A label without the ampersand of its key.
@@ -103,13 +128,7 @@ OptionForm LayOutOptions(OptionPage page) {
   for (const OptionRow& row : OptionRows()) {
     if (row.page != page) continue;
     const int32_t x = kMargin + (row.needs != nullptr ? kIndent : 0);
-    if (row.address != nullptr) {
-      AddAddress(form, row, x, y);
-    } else if (row.IsSwitch()) {
-      AddSwitch(form, row, x, y);
-    } else {
-      AddNumber(form, row, x, y);
-    }
+    AddRow(form, row, x, y);
     y += kRowHeight;
   }
   form.width = 2 * kMargin + kWidth;

@@ -1,8 +1,8 @@
 // The options as a form: where the rows of a page stand, in dialog units, so that they scale with font and
 // screen; what can be changed when; and how a number turns into a text and back. Pure; any thread.
 //
-// A switch is a check box. A number is a label, its field, the arrows in that field and its unit; an
-// address a label and its field. What means
+// A switch is a check box. A number is a label, its field, the arrows in that field and its unit; an address
+// a label and its field; a choice a label and its list; a slider a label, its track and its value. What means
 // nothing without a switch stands below it, indented.
 #pragma once
 
@@ -15,7 +15,7 @@
 
 namespace tw {
 
-enum class OptionItemKind : uint8_t { check, label, number, arrows, unit, address };
+enum class OptionItemKind : uint8_t { check, label, number, arrows, unit, address, list, track };
 
 struct OptionItem {
   OptionItemKind kind;
@@ -47,6 +47,7 @@ struct OptionForm {
 inline constexpr size_t kOptionTextSize = 16;
 inline constexpr size_t kOptionErrorSize = 160;
 
+// The text of a number's or an address' field, and of a slider's value.
 void FormatOption(const OptionRow& row, const Options& options, std::span<wchar_t> text);
 
 // Reads the text of a number or an address. False when it is none, or out of its bounds: the options are

@@ -11,6 +11,11 @@ namespace {
 using O = Options;
 using enum OptionPage;
 
+constexpr const wchar_t* kSchemes[] = {L"Standard", L"Blue to yellow", L"Violet to yellow", L"Grey on black",
+                                       L"Black on white"};
+constexpr const wchar_t* kUnits[] = {L"Metres", L"Feet"};
+constexpr const wchar_t* kTimes[] = {L"Seconds ago", L"Clock, UTC", L"Clock, local"};
+
 // clang-format off
 constexpr OptionRow kRows[] = {
     {link, &O::keepRunGoing, L"KeepRunGoing", L"&Keep the run going when the link is lost", nullptr, 0, 0, 1, nullptr, true},
@@ -30,6 +35,7 @@ constexpr OptionRow kRows[] = {
     {recording, &O::recordAgain, L"RecordAgain", L"&Record on when a full disk has space again", nullptr, 0, 0, 1, nullptr},
     {recording, &O::beepWhenEnded, L"BeepWhenEnded", L"&Beep when the disk ends a recording", nullptr, 0, 0, 1, nullptr},
     {recording, &O::eventLog, L"EventLog", L"Event &log in the working folder (events.csv)", nullptr, 0, 0, 1, nullptr},
+    {recording, &O::askBeforeClosing, L"AskBeforeClosing", L"&Ask before closing while recording", nullptr, 0, 0, 1, nullptr},
 
     {outputs, &O::sendSerial, L"OutputSerial", L"Depth to a &serial port", nullptr, 0, 0, 1, nullptr, true},
     {outputs, &O::serialPort, L"OutputSerialPort", L"&COM port", L"", 1, 1, 256, &O::sendSerial},
@@ -51,6 +57,25 @@ constexpr OptionRow kRows[] = {
     {sentences, &O::sendLowChannel, L"OutputLow", L"Of both channels the &low one", nullptr, 0, 0, 1, nullptr},
 
     {display, &O::noDataOverEchogram, L"NoDataOverEchogram", L"\"&NO DATA\" over the echogram", nullptr, 0, 0, 1, nullptr},
+    {display, &O::colours, L"Colours", L"&Colours", nullptr, kStandardColours, 0, kBlackOnWhite, nullptr, false, nullptr, kSchemes},
+    {display, &O::contrastLower_percent, L"ContrastLower", L"Weakest sho&wn", L"%", 0, 0, 95, nullptr, false, nullptr, {}, true},
+    {display, &O::contrastUpper_percent, L"ContrastUpper", L"&Full colour at", L"%", 100, 5, 100, nullptr, false, nullptr, {}, true},
+    {display, &O::depthUnit, L"DepthUnit", L"Depths &in", nullptr, kMetres, 0, kFeet, nullptr, false, nullptr, kUnits},
+    {display, &O::timeLabels, L"TimeLabels", L"&Times", nullptr, kSecondsAgo, 0, kClockLocal, nullptr, false, nullptr, kTimes},
+    {display, &O::depthTrace, L"DepthTrace", L"The &depth as a line over the echogram", nullptr, 0, 0, 1, nullptr},
+    {display, &O::gapLines, L"GapLines", L"A &line where a run begins or goes on", nullptr, 0, 0, 1, nullptr},
+    {display, &O::gapsBlack, L"GapsBlack", L"&Black where no ping came for 2 s", nullptr, 0, 0, 1, nullptr},
+    {display, &O::readOutInShots, L"ReadOutInShots", L"The &read-out in pictures too", nullptr, 0, 0, 1, nullptr},
+
+    {depth, &O::depthWindow, L"DepthWindow", L"Depth in &large figures", nullptr, 0, 0, 1, nullptr},
+    {depth, &O::alarmShallow, L"AlarmShallow", L"Alarm when it is &shallow", nullptr, 0, 0, 1, nullptr},
+    {depth, &O::shallow_cm, L"AlarmShallowDepth", L"Less &than", L"cm", 200, 10, 1'000'000, &O::alarmShallow},
+    {depth, &O::alarmDeep, L"AlarmDeep", L"Alarm when it is &deep", nullptr, 0, 0, 1, nullptr},
+    {depth, &O::deep_cm, L"AlarmDeepDepth", L"&More than", L"cm", 5'000, 10, 1'000'000, &O::alarmDeep},
+    {depth, &O::alarmBeep, L"AlarmBeep", L"&Beep", nullptr, 0, 0, 1, nullptr},
+
+    {playback, &O::playbackBar, L"PlaybackBar", L"&Playback bar", nullptr, 0, 0, 1, nullptr},
+    {playback, &O::skipGaps, L"SkipGaps", L"S&kip gaps of more than 5 s", nullptr, 0, 0, 1, &O::playbackBar},
 };
 // clang-format on
 
@@ -93,8 +118,8 @@ void Save(const OptionRow& row, const Options& options) {
 }  // namespace
 
 const wchar_t* NameOfPage(OptionPage page) {
-  constexpr const wchar_t* kNames[kOptionPages] = {L"Link", L"Recording", L"Outputs", L"Sentences",
-                                                   L"Display"};
+  constexpr const wchar_t* kNames[kOptionPages] = {L"Link",    L"Recording", L"Outputs", L"Sentences",
+                                                   L"Display", L"Depth",     L"Playback"};
   return kNames[static_cast<size_t>(page)];
 }
 

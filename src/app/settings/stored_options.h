@@ -12,8 +12,8 @@ namespace tw {
 
 inline constexpr wchar_t kOptionsKey[] = L"Software\\Brin Ultrasonics\\EchoSounderControlProgram\\Options";
 
-enum class OptionPage : uint8_t { link, recording, outputs, sentences, display };
-inline constexpr int kOptionPages = 5;
+enum class OptionPage : uint8_t { link, recording, outputs, sentences, display, depth, playback };
+inline constexpr int kOptionPages = 7;
 [[nodiscard]] const wchar_t* NameOfPage(OptionPage page);
 
 struct OptionRow {
@@ -21,15 +21,17 @@ struct OptionRow {
   int32_t Options::*value;
   const wchar_t* name;  // in the registry
   const wchar_t* text;  // beside its box, with its access key
-  const wchar_t* unit;  // behind its number; null: the option is a switch
+  const wchar_t* unit;  // behind its number; null: the option is a switch or a choice
   int32_t standard;
   int32_t least;
   int32_t most;
   int32_t Options::*needs;                    // the switch without which it means nothing; null: none
   bool atStart = false;                       // read when a run starts, so that nobody changes it during one
   OptionAddress Options::*address = nullptr;  // in the place of a number; `value` is null then
+  std::span<const wchar_t* const> choices{};  // the value is the place of one of these
+  bool isSlider = false;                      // a number that is set with a slider
 
-  [[nodiscard]] bool IsSwitch() const { return unit == nullptr && address == nullptr; }
+  [[nodiscard]] bool IsSwitch() const { return unit == nullptr && address == nullptr && choices.empty(); }
 };
 
 // In the order of the pages and of their lines.

@@ -10,6 +10,7 @@
 #include "app/state/event_log.h"
 #include "app/window/control_ids.h"
 #include "app/window/depth_outputs.h"
+#include "app/window/display_options.h"
 #include "app/window/run_changes.h"
 #include "app/window/run_faults.h"
 #include "app/window/ui.h"
@@ -152,6 +153,7 @@ void TakeOptions(AppState& state, const Options& entered) {
   SaveOptions(entered);
   DirectEventLog(state);
   RestartOutputs(state);
+  PutDisplayOptionsInForce(state);
 }
 
 }  // namespace tw

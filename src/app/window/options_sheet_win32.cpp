@@ -13,14 +13,18 @@
 #include "app/window/commands.h"
 #include "app/window/control_ids.h"
 #include "app/window/dialogs_win32.h"
+#include "app/window/display_options.h"
 #include "app/window/window_handles_win32.h"
 #include "base/text_format.h"
 
 namespace tw {
 namespace {
 
-// What the sheet was opened with, and what it was left with.
+constexpr LPARAM kTrackPage = 5;  // of a click beside the thumb
+
+// What the sheet was opened with, and what it was left with. GUI thread.
 struct Sheet {
+  AppState* state;
   Options entered;
   bool running;
   bool accepted;
@@ -52,6 +56,10 @@ ControlStyle StyleOf(const OptionItem& item) {
     case OptionItemKind::arrows:  // they find their number ahead of them
       return {UPDOWN_CLASSW,
               UDS_AUTOBUDDY | UDS_ALIGNRIGHT | UDS_ARROWKEYS | UDS_SETBUDDYINT | UDS_NOTHOUSANDS, 0};
+    case OptionItemKind::list:
+      return {L"ComboBox", WS_TABSTOP | WS_VSCROLL | CBS_DROPDOWNLIST, 0};
+    case OptionItemKind::track:
+      return {TRACKBAR_CLASSW, WS_TABSTOP | TBS_HORZ | TBS_NOTICKS, 0};
     case OptionItemKind::label:
     case OptionItemKind::unit:
       break;
@@ -73,9 +81,29 @@ const wchar_t* TextOf(const OptionItem& item) {
     case OptionItemKind::number:
     case OptionItemKind::arrows:
     case OptionItemKind::address:
+    case OptionItemKind::list:
+    case OptionItemKind::track:
       break;
   }
   return L"";
+}
+
+// What the control of this kind may hold.
+void SetBounds(HWND control, const OptionItem& item) {
+  const OptionRow& row = *item.row;
+  if (item.kind == OptionItemKind::number || item.kind == OptionItemKind::address)
+    SendMessageW(control, EM_SETLIMITTEXT, kOptionTextSize - 1, 0);
+  if (item.kind == OptionItemKind::arrows)
+    SendMessageW(control, UDM_SETRANGE32, static_cast<WPARAM>(row.least), row.most);
+  if (item.kind == OptionItemKind::track) {
+    SendMessageW(control, TBM_SETRANGEMIN, FALSE, row.least);
+    SendMessageW(control, TBM_SETRANGEMAX, FALSE, row.most);
+    SendMessageW(control, TBM_SETPAGESIZE, 0, kTrackPage);
+  }
+  if (item.kind == OptionItemKind::list) {
+    for (const wchar_t* const choice : row.choices)
+      SendMessageW(control, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(choice));
+  }
 }
 
 void MakeControl(HWND window, const OptionItem& item) {
@@ -87,10 +115,16 @@ void MakeControl(HWND window, const OptionItem& item) {
       rect.right - rect.left, rect.bottom - rect.top, window,
       reinterpret_cast<HMENU>(static_cast<INT_PTR>(item.id)), GetModuleHandleW(nullptr), nullptr);
   SendMessageW(control, WM_SETFONT, static_cast<WPARAM>(SendMessageW(window, WM_GETFONT, 0, 0)), FALSE);
-  if (item.kind == OptionItemKind::number || item.kind == OptionItemKind::address)
-    SendMessageW(control, EM_SETLIMITTEXT, kOptionTextSize - 1, 0);
-  if (item.kind == OptionItemKind::arrows)
-    SendMessageW(control, UDM_SETRANGE32, static_cast<WPARAM>(item.row->least), item.row->most);
+  SetBounds(control, item);
+}
+
+// A slider's value stands behind it.
+void ShowTrackValue(HWND window, const OptionItem& unit, int32_t value) {
+  wchar_t text[kOptionTextSize];
+  char name[8];
+  NarrowText(name, unit.row->unit);
+  FormatWide(text, "%" PRId32 " %s", value, name);
+  SetDlgItemTextW(window, unit.id, text);
 }
 
 void ShowValue(HWND window, const OptionRow& row, const Options& options) {
@@ -99,33 +133,59 @@ void ShowValue(HWND window, const OptionRow& row, const Options& options) {
     SendMessageW(control, BM_SETCHECK, options.*row.value != 0 ? BST_CHECKED : BST_UNCHECKED, 0);
     return;
   }
+  if (!row.choices.empty()) {
+    SendMessageW(control, CB_SETCURSEL, static_cast<WPARAM>(options.*row.value), 0);
+    return;
+  }
+  if (row.isSlider) {
+    SendMessageW(control, TBM_SETPOS, TRUE, options.*row.value);
+    return;
+  }
   wchar_t text[kOptionTextSize];
   FormatOption(row, options, text);
   SetWindowTextW(control, text);
 }
 
-// The switches as the page shows them.
-void ReadSwitches(HWND window, const OptionForm& form, Options& options) {
+// Switches, lists and sliders as the page shows them: what cannot be wrong.
+void ReadChosen(HWND window, const OptionForm& form, Options& options) {
   for (size_t i = 0; i < form.count; ++i) {
     const OptionItem& item = form.items[i];
-    if (item.kind != OptionItemKind::check) continue;
-    const bool on = SendDlgItemMessageW(window, item.id, BM_GETCHECK, 0, 0) == BST_CHECKED;
-    options.*item.row->value = on ? 1 : 0;
+    const HWND control = GetDlgItem(window, item.id);
+    LRESULT value = 0;
+    switch (item.kind) {
+      case OptionItemKind::check:
+        value = SendMessageW(control, BM_GETCHECK, 0, 0) == BST_CHECKED ? 1 : 0;
+        break;
+      case OptionItemKind::list:
+        value = SendMessageW(control, CB_GETCURSEL, 0, 0);
+        break;
+      case OptionItemKind::track:
+        value = SendMessageW(control, TBM_GETPOS, 0, 0);
+        break;
+      default:
+        continue;
+    }
+    if (value >= item.row->least && value <= item.row->most)
+      options.*item.row->value = static_cast<int32_t>(value);
   }
 }
 
 void RefreshUsable(HWND window) {
   const Page& page = PageOf(window);
   Options shown = page.sheet->entered;
-  ReadSwitches(window, page.form, shown);
+  ReadChosen(window, page.form, shown);
   bool locked = false;
   for (size_t i = 0; i < page.form.count; ++i) {
     const OptionItem& item = page.form.items[i];
+    if (item.kind == OptionItemKind::unit && item.row->isSlider)
+      ShowTrackValue(window, item, shown.*item.row->value);
     const HWND control = GetDlgItem(window, item.id);
     EnableWindow(control, IsUsable(*item.row, shown, page.sheet->running) ? TRUE : FALSE);
     locked = locked || IsLocked(*item.row, page.sheet->running);
   }
   ShowWindow(GetDlgItem(window, ID_OPTIONS_NOTE), locked ? SW_SHOW : SW_HIDE);
+  if (page.page == OptionPage::display || page.page == OptionPage::playback)
+    TryDisplayOptions(*page.sheet->state, shown);
 }
 
 void ShowDefaults(HWND window) {
@@ -197,7 +257,7 @@ bool IsOutputPortFree(HWND window, const Sheet& sheet, const Options& entered) {
 bool TakePage(HWND window) {
   const Page& page = PageOf(window);
   Options entered = page.sheet->entered;
-  ReadSwitches(window, page.form, entered);
+  ReadChosen(window, page.form, entered);
   for (size_t i = 0; i < page.form.count; ++i) {
     const OptionItem& item = page.form.items[i];
     if (item.kind != OptionItemKind::number && item.kind != OptionItemKind::address) continue;
@@ -223,7 +283,7 @@ LONG_PTR OnNotify(HWND window, const NMHDR& notice) {
 
 void OnCommand(HWND window, int id) {
   if (id == ID_OPTIONS_DEFAULTS) return ShowDefaults(window);
-  if (id >= ID_OPTIONS_FIRST) RefreshUsable(window);  // a switch
+  if (id >= ID_OPTIONS_FIRST) RefreshUsable(window);  // a switch or a choice
 }
 
 INT_PTR CALLBACK PageProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
@@ -235,7 +295,10 @@ INT_PTR CALLBACK PageProcedure(HWND window, UINT message, WPARAM wParam, LPARAM 
       OnSize(window);
       return TRUE;
     case WM_COMMAND:
-      if (HIWORD(wParam) == BN_CLICKED) OnCommand(window, LOWORD(wParam));
+      if (HIWORD(wParam) == BN_CLICKED || HIWORD(wParam) == CBN_SELCHANGE) OnCommand(window, LOWORD(wParam));
+      return TRUE;
+    case WM_HSCROLL:
+      RefreshUsable(window);  // a slider
       return TRUE;
     case WM_NOTIFY:
       SetWindowLongPtrW(window, DWLP_MSGRESULT, OnNotify(window, *reinterpret_cast<const NMHDR*>(lParam)));
@@ -283,10 +346,15 @@ void Show(HWND owner, Sheet& sheet) {
 }  // namespace
 
 void ShowOptions(AppState& state) {
-  Sheet sheet{state.options, HoldsRun(state), false, {}, {}};
+  const Options before = state.options;
+  Sheet sheet{&state, before, HoldsRun(state), false, {}, {}};
   ReadPortChoices(state, sheet.device, sheet.receiver);
   Show(MainWindow(state), sheet);
-  if (sheet.accepted) TakeOptions(state, sheet.entered);
+  if (sheet.accepted) {
+    TakeOptions(state, sheet.entered);
+  } else {
+    TryDisplayOptions(state, before);
+  }
 }
 
 }  // namespace tw

@@ -10,6 +10,7 @@
 #include "app/state/event_log.h"
 #include "app/window/control_ids.h"
 #include "app/window/depth_outputs.h"
+#include "app/window/display_options.h"
 #include "app/window/run_changes.h"
 #include "app/window/ui.h"
 #include "base/shared_value.h"
@@ -77,6 +78,7 @@ void StartUp(AppState& state) {
   LoadRecordingChoices(state);
   state.options = LoadOptions();
   state.startsByItself = state.options.startByItself;
+  PutDisplayOptionsInForce(state);
   RestartOutputs(state);
   DirectEventLog(state);
   BuildSegyTextHeader(globals.segyTextHeader);

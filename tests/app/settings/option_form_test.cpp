@@ -12,8 +12,8 @@ namespace {
 TEST(OptionForm, EachRowHasControlsOfItsOwnOnItsPage) {
   std::set<int32_t> ids;
   size_t rows = 0;
-  for (const OptionPage page : {OptionPage::link, OptionPage::recording, OptionPage::outputs,
-                                OptionPage::sentences, OptionPage::display}) {
+  for (int number = 0; number < kOptionPages; ++number) {
+    const auto page = static_cast<OptionPage>(number);
     const OptionForm form = LayOutOptions(page);
     for (size_t i = 0; i < form.count; ++i) {
       EXPECT_EQ(form.items[i].row->page, page);

@@ -1,0 +1,20 @@
+#include "app/window/display_options.h"
+
+#include "app/settings/stored_options.h"
+#include "app/window/ui.h"
+
+namespace tw {
+
+void PutDisplayOptionsInForce(AppState& state) {
+  ArrangeViews(state);
+  InvalidateEchogram(state);
+}
+
+void TryDisplayOptions(AppState& state, const Options& shown) {
+  for (const OptionRow& row : OptionRows()) {
+    if (row.page == OptionPage::display || row.page == OptionPage::playback) state.options.*row.value = shown.*row.value;
+  }
+  PutDisplayOptionsInForce(state);
+}
+
+}  // namespace tw
