@@ -6,6 +6,7 @@
 namespace tw {
 
 void PutDisplayOptionsInForce(AppState& state) {
+  if (state.initialised == 0) return;  // the first paint finds them
   ArrangeViews(state);
   InvalidateEchogram(state);
 }
