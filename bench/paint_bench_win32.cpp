@@ -1,7 +1,7 @@
 // Whole paints of the echogram view at 1,920 x 1,080, in a window of its own over a synthetic sea bed, a new
-// ping each: the single and the dual view. Prints the median times and exits with 1 when one is 8 ms or more,
-// or when 10,000 paints make drawing objects or take memory that 100 have not.
-// With a path as argument the picture is saved there as a PNG file; a second argument "dual", "marks" or
+// ping each: the single and the dual view, and moves of the cursor. Prints the median times and exits with 1
+// when one is 8 ms or more, or when 10,000 paints make drawing objects or take memory that 100 have not. With
+// a path as argument the picture is saved there as a PNG file; a second argument "dual", "marks" or
 // "altitude" changes what is shown.
 #include <windows.h>
 
@@ -66,6 +66,8 @@ bool FillState(AppState& state) {
   MakeLock(state.ringLockA);
   MakeLock(state.ringLockB);
   MakeLock(globals.marksA.lock);
+  MakeLock(globals.linesA.lock);
+  MakeLock(globals.linesB.lock);
   MakeLock(globals.marksB.lock);
   BuildPalette(state.palette);
   state.ringIndexA = state.ringIndexB = kNewest;
@@ -151,6 +153,18 @@ bool StaysTheSame(AppState& state, HWND view) {
   return objects == objectsLater && drawingCounts.made == made && residentLater <= resident + kSlack;
 }
 
+// What a move of the cursor costs: the layer drawn, copied to the screen and taken away again.
+bool MeasureMoves(AppState& state, HWND view) {
+  int32_t x = 0;
+  const auto move = [&] {
+    x = (x + 37) % 1'500;
+    SendMessageW(view, WM_MOUSEMOVE, 0, MAKELPARAM(100 + x, 100 + x / 2));
+  };
+  const double move_ms = MedianMilliseconds(move);
+  std::printf("a move of the cursor: %.2f ms\n", move_ms);
+  return MeasureTime(state, view, "with the read-out") && move_ms < 1;
+}
+
 bool SaveView(AppState& state, HWND view, const wchar_t* path) {
   const auto painter = std::make_unique<ViewPainter>();
   const HDC screen = GetDC(view);
@@ -173,6 +187,7 @@ int Run(int argumentCount, wchar_t** arguments) {
   bool kept = MeasureTime(*state, view, "single view");
   globals.dualMode = 1;
   kept = MeasureTime(*state, view, "dual view") && kept;
+  kept = MeasureMoves(*state, view) && kept;
   kept = StaysTheSame(*state, view) && kept;
   DestroyWindow(GetParent(view));
   std::printf("drawing objects left: %u\n", drawingCounts.made - drawingCounts.released);

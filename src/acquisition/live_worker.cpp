@@ -11,6 +11,7 @@
 #include "acquisition/record_file.h"
 #include "acquisition/store_ping.h"
 #include "acquisition/synthetic_pulse.h"
+#include "acquisition/time_lines.h"
 #include "acquisition/time_marks.h"
 #include "acquisition/told_values.h"
 #include "base/shared_value.h"
@@ -38,6 +39,7 @@ struct Channel {
   uint32_t previous_ms = 0;
   uint32_t interval_ms = 0;  // measured; 0 until two pings have come
   bool begun = false;
+  bool shown = false;  // a ping since the run began or went on
 };
 
 bool TellsIdentity(std::string_view block, const char* identity) {
@@ -141,7 +143,7 @@ class LiveRun final : private AwayWorker {
       return false;
     }
     heard_ = false;
-    for (Channel& channel : channels_) channel.begun = false;  // the time away is no interval
+    for (Channel& channel : channels_) channel.begun = channel.shown = false;  // the time away is no interval
     const Handle port = AwaitReturn(state_, start_, failed, *this);
     if (port == Handle::invalid) return false;
     if (!heard_ && !Hear(port)) {
@@ -238,7 +240,9 @@ class LiveRun final : private AwayWorker {
     if (!form_.HasSamples()) {
       DrawPulse(image_, ping_.header.altitude_m, settings_.soundSpeed_mps);
     }
+    const bool begins = !std::exchange(channel.shown, true);
     const int64_t ringTime = StorePing(channel.ring, image_, now_ms);
+    if (begins) AddTimeLine(channel.shared.lines, {ringTime, ping_.header.timeOfWork_s, 0, L""});
     Publish(channel);
     if (outputs_ != nullptr) outputs_->Offer(Facts(channel, now_ms));
     if (LoadShared(globals.timestampTicked) != 0) {

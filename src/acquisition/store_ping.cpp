@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 #include "acquisition/sample_grid.h"
 #include "base/bytes.h"
@@ -9,6 +10,8 @@
 
 namespace tw {
 namespace {
+
+constexpr uint32_t kGapTicks = 2'000 / kTick_ms;
 
 // The view reads slots while they are written, on purpose and without a lock; so this is a loop of our own
 // that the race detector does not watch.
@@ -48,13 +51,29 @@ uint32_t TakeTicks(RingWriter& writer, uint32_t now_ms) {
   return static_cast<uint32_t>(elapsed_ms / kTick_ms);
 }
 
+// The first two pings tell what is usual; a slow device has no gaps.
+bool IsGap(RingWriter& writer, uint32_t ticks) {
+  const uint32_t usual = std::exchange(writer.usualTicks, std::max(ticks, 1u));
+  if (writer.gapsBlack == nullptr || LoadShared(*writer.gapsBlack) == 0) return false;
+  return usual != 0 && ticks > kGapTicks && ticks > 3 * uint64_t{usual};
+}
+
+// The ping before keeps its slot, the new one gets its own, and between them is nothing.
+void FillBehindGap(const RingWriter& writer, uint32_t index, uint32_t ticks, const SlotImage& image) {
+  constexpr uint8_t kNothing[1] = {};
+  const uint32_t last = (index + ticks % kRingSlots) % kRingSlots;
+  const uint32_t passed = std::min<uint32_t>(ticks, kRingSlots);
+  for (uint32_t i = 1; i < passed; ++i) FillSlot(writer, (index + i) % kRingSlots, kNothing, 0);
+  FillSlot(writer, last, image.bytes, image.reach);
+}
+
 }  // namespace
 
 static_assert(kSlotSize <= UINT16_MAX);
 
 RingWriter WriterOfRing(AppState& state, RecordChannel channel) {
   const ChannelView of = ChannelOf(state, channel);
-  return {of.ring, &of.ringIndex, &of.ringTime, &of.ringLock, of.slotReach};
+  return {of.ring, &of.ringIndex, &of.ringTime, &of.ringLock, of.slotReach, &state.gapsBlack};
 }
 
 void SlotImage::Build(const PingHeader& header, std::span<const uint16_t> samples, uint16_t factor) {
@@ -82,11 +101,16 @@ std::span<const uint16_t> SlotImage::OntoGrid(std::span<const uint16_t> samples,
 
 int64_t StorePing(RingWriter& writer, const SlotImage& image, uint32_t now_ms) {
   const int32_t index = IndexOf(writer);
+  const bool first = !writer.begun;
   const uint32_t ticks = TakeTicks(writer, now_ms);
-  FillSlot(writer, static_cast<size_t>(index), image.bytes, image.reach);
-  const uint32_t copies = std::min<uint32_t>(ticks, kRingSlots - 1);
-  for (uint32_t i = 1; i <= copies; ++i) {
-    FillSlot(writer, (static_cast<uint32_t>(index) + i) % kRingSlots, image.bytes, image.reach);
+  if (!first && IsGap(writer, ticks)) {
+    FillBehindGap(writer, static_cast<uint32_t>(index), ticks, image);
+  } else {
+    FillSlot(writer, static_cast<size_t>(index), image.bytes, image.reach);
+    const uint32_t copies = std::min<uint32_t>(ticks, kRingSlots - 1);
+    for (uint32_t i = 1; i <= copies; ++i) {
+      FillSlot(writer, (static_cast<uint32_t>(index) + i) % kRingSlots, image.bytes, image.reach);
+    }
   }
   Locked held(*writer.lock);
   *writer.index = static_cast<int32_t>((static_cast<uint64_t>(index) + ticks) % kRingSlots);

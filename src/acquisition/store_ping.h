@@ -18,9 +18,11 @@ struct RingWriter {
   int32_t* index;  // published under `lock`
   int64_t* time;   // likewise: how many slots the index has come on in all
   Lock* lock;
-  uint16_t* reach;  // kRingSlots entries: bytes of each slot that are in use
+  uint16_t* reach;                     // kRingSlots entries: bytes of each slot that are in use
+  const int32_t* gapsBlack = nullptr;  // shared: slots stepped over in a gap show nothing; null: never
   uint32_t last_ms = 0;
   uint32_t remainder_ms = 0;
+  uint32_t usualTicks = 0;  // between the last two pings; 0 until they have come
   bool begun = false;
 };
 
@@ -47,7 +49,9 @@ struct SlotImage {
 
 // Puts the ping into the slot at the write index, advances the index by the 100-ms ticks that have passed
 // since the last advance (the remainder carries over; the first ping counts as one tick), puts a copy into
-// each slot stepped over, the new one included, and publishes the index. `now_ms` is a millisecond clock that
+// each slot stepped over, the new one included, and publishes the index. Where gaps are to be black, a ping
+// that comes after more than 2 s and more than three times the time before leaves the slots between empty.
+//  `now_ms` is a millisecond clock that
 // may wrap; when it goes backwards no tick passes and time counts from there. From 10,000 ticks on each slot
 // is filled once.
 // Returns the ring's time at which the ping is published: a slot whose time is 10,000 or more behind the

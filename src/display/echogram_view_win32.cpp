@@ -3,11 +3,13 @@
 // Needs the types of windows.h.
 #include <windowsx.h>
 
+#include <algorithm>
 #include <new>
 
 #include "app/state/file_naming.h"
 #include "base/shared_value.h"
 #include "display/png_win32.h"
+#include "display/readout_layer_win32.h"
 #include "display/screenshot.h"
 #include "display/view_painter_win32.h"
 #include "display/zoom.h"
@@ -23,6 +25,8 @@ constexpr wchar_t kClassName[] = L"KT710 Echoshow";
 // What a view owns: nothing of the echo data, only its drawing objects.
 struct View {
   ViewPainter painter;
+  ReadOutLayer readOut;
+  bool isTracked = false;  // the system tells when the cursor leaves
   uint32_t shownGpsUpdates = 0;
   bool manualShotRequested = false;
   AutomaticShots automaticShots{};
@@ -35,6 +39,10 @@ View* ViewOf(HWND window) {
 // Null until the main window has made its record.
 AppState* StateOfParent(HWND window) {
   return reinterpret_cast<AppState*>(GetWindowLongPtrW(GetParent(window), GWLP_USERDATA));
+}
+
+DepthUnit UnitOf(const AppState& state) {
+  return static_cast<DepthUnit>(state.options.depthUnit);
 }
 
 bool IsPainting(const AppState* state) {
@@ -86,9 +94,39 @@ void ServeScreenshots(AppState& state, View& view) {
 void PaintView(HDC screen, AppState& state, View& view, const RECT& client) {
   if (LoadShared(globals.autoCaptureRequested) != 0) StoreShared(globals.screenshotRequested, 1);
   if (!view.painter.Paint(state, screen, client.right, client.bottom)) return;
-  BitBlt(screen, 0, 0, client.right, client.bottom, view.painter.Picture().Dc(), 0, 0, SRCCOPY);
+  OffscreenPicture& picture = view.painter.Picture();
+  const bool inShots = state.options.readOutInShots != 0;
+  view.readOut.Draw(picture, view.painter.Panels(), UnitOf(state));
+  BitBlt(screen, 0, 0, client.right, client.bottom, picture.Dc(), 0, 0, SRCCOPY);
+  if (!inShots) view.readOut.Undo(picture);
   ServeScreenshots(state, view);
+  if (inShots) view.readOut.Undo(picture);
   RefreshPosition(state, view);
+}
+
+// Copies those parts of the picture to the screen.
+void Show(HDC screen, OffscreenPicture& picture, std::span<const Rect> rects) {
+  for (const Rect& rect : rects) {
+    BitBlt(screen, rect.left, rect.top, rect.Width(), rect.Height(), picture.Dc(), rect.left, rect.top,
+           SRCCOPY);
+  }
+}
+
+// The layer anew over the picture that is on the screen.
+void RefreshReadOut(HWND window, AppState& state, View& view) {
+  if (!IsPainting(&state) || view.painter.Panels().empty()) return;
+  const HDC screen = GetDC(window);
+  if (screen == nullptr) return;
+  OffscreenPicture& picture = view.painter.Picture();
+  Rect before[ReadOutLayer::kMostRects];
+  const std::span<const Rect> changed = view.readOut.Changed();
+  std::copy(changed.begin(), changed.end(), before);
+  const std::span<const Rect> former(before, changed.size());
+  view.readOut.Draw(picture, view.painter.Panels(), UnitOf(state));
+  Show(screen, picture, former);
+  Show(screen, picture, view.readOut.Changed());
+  view.readOut.Undo(picture);
+  ReleaseDC(window, screen);
 }
 
 void OnPaint(HWND window) {
@@ -138,9 +176,43 @@ void OnMouseWheel(HWND window, int delta, POINT at) {
   }
 }
 
-void OnLeftButton(HWND window, WPARAM keys) {
+void OnMouseMove(HWND window, Point cursor) {
+  if (GetFocus() != window) SetFocus(window);
   AppState* const state = StateOfParent(window);
-  if (state != nullptr && (keys & MK_CONTROL) != 0) ToggleFullWindow(*state);
+  View* const view = ViewOf(window);
+  if (state == nullptr || view == nullptr) return;
+  if (!view->isTracked) {
+    TRACKMOUSEEVENT track{sizeof track, TME_LEAVE, window, 0};
+    view->isTracked = TrackMouseEvent(&track) != FALSE;
+  }
+  view->readOut.MoveTo(cursor);
+  RefreshReadOut(window, *state, *view);
+}
+
+void OnMouseLeave(HWND window) {
+  AppState* const state = StateOfParent(window);
+  View* const view = ViewOf(window);
+  if (state == nullptr || view == nullptr) return;
+  view->isTracked = false;
+  view->readOut.Leave();
+  RefreshReadOut(window, *state, *view);
+}
+
+void OnCaptureLost(HWND window) {
+  AppState* const state = StateOfParent(window);
+  View* const view = ViewOf(window);
+  if (state == nullptr || view == nullptr) return;
+  view->readOut.EndMeasure();
+  RefreshReadOut(window, *state, *view);
+}
+
+void OnLeftButton(HWND window, WPARAM keys, Point cursor) {
+  AppState* const state = StateOfParent(window);
+  View* const view = ViewOf(window);
+  if (state == nullptr || view == nullptr) return;
+  if ((keys & MK_CONTROL) != 0) return ToggleFullWindow(*state);
+  view->readOut.MoveTo(cursor);
+  if (view->readOut.BeginMeasure(view->painter.Panels())) SetCapture(window);
 }
 
 void OnRightButton(HWND window) {
@@ -162,13 +234,22 @@ LRESULT CALLBACK EchogramProcedure(HWND window, UINT message, WPARAM wParam, LPA
       OnPaint(window);
       return 0;
     case WM_MOUSEMOVE:
-      if (GetFocus() != window) SetFocus(window);
+      OnMouseMove(window, {GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)});
+      return 0;
+    case WM_MOUSELEAVE:
+      OnMouseLeave(window);
+      return 0;
+    case WM_LBUTTONUP:
+      if (GetCapture() == window) ReleaseCapture();
+      return 0;
+    case WM_CAPTURECHANGED:
+      OnCaptureLost(window);
       return 0;
     case WM_MOUSEWHEEL:
       OnMouseWheel(window, GET_WHEEL_DELTA_WPARAM(wParam), {GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)});
       return 0;
     case WM_LBUTTONDOWN:
-      OnLeftButton(window, wParam);
+      OnLeftButton(window, wParam, {GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)});
       return 0;
     case WM_RBUTTONDOWN:
       OnRightButton(window);

@@ -1,9 +1,12 @@
 #include "display/layout.h"
 
 #include <algorithm>
+#include <cinttypes>
 
+#include "base/calendar.h"
 #include "base/text_format.h"
 #include "display/scaling.h"
+#include "platform/clock.h"
 
 namespace tw {
 
@@ -11,6 +14,8 @@ namespace {
 
 constexpr int32_t kTimeDivisions = 10;
 constexpr int32_t kColourBarDivisions = 10;
+constexpr int32_t kClockWidth = 54;  // of "23:59:59"
+constexpr int32_t kClockFrom = 40;   // further left stands whose time it is
 constexpr int32_t kTallImage = 700;  // above it ten depth divisions instead of five
 
 int32_t DepthDivisions(const PanelLayout& layout) {
@@ -84,6 +89,25 @@ void AddTimeLabels(const PanelLayout& layout, int32_t timeScale_s, Labels& label
     Label& label = Add(labels, {x, layout.panel.top}, ScalePixels(12, layout.dpi), kYellow);
     FormatWide(label.text, "%3ds", static_cast<int32_t>(int64_t{k} * timeScale_s / kTimeDivisions));
   }
+}
+
+int32_t GridColumn(int32_t width, int32_t k) {
+  return width - k * (width / kTimeDivisions);
+}
+
+void AddClockLabels(const PanelLayout& layout, const GridClock& clock, Labels& labels) {
+  const auto px = [&](int32_t length) { return ScalePixels(length, layout.dpi); };
+  for (int32_t k = 0; k < kTimeDivisions; ++k) {
+    const uint32_t time_s = clock.time_s[k];
+    const int32_t line = layout.image.left + GridColumn(layout.image.Width(), k);
+    const Point at{line - px(kClockWidth), layout.panel.top};
+    if (time_s == 0 || at.x < px(kClockFrom)) continue;
+    const CalendarTime time = clock.local ? LocalFromUnixSeconds(time_s) : CalendarFromUnixSeconds(time_s);
+    Label& label = Add(labels, at, px(12), kYellow);
+    FormatWide(label.text, "%02" PRId32 ":%02" PRId32 ":%02" PRId32, time.hour, time.minute, time.second);
+  }
+  Label& zone = Add(labels, {px(2), layout.panel.top}, px(12), kYellow);
+  FormatWide(zone.text, "%s", clock.local ? "local" : "UTC");
 }
 
 void AddColourBarLabels(const PanelLayout& layout, Labels& labels) {

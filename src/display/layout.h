@@ -63,6 +63,19 @@ struct Labels {
 
 void AddDepthLabels(const PanelLayout& layout, int32_t range_mm, Labels& labels);
 void AddTimeLabels(const PanelLayout& layout, int32_t timeScale_s, Labels& labels);
+
+// The clock at the ends and lines of the time grid in place of the seconds, newest first; 0: no ping there.
+inline constexpr size_t kGridTimes = 11;
+struct GridClock {
+  uint32_t time_s[kGridTimes];  // since 1970-01-01 00:00:00 UTC
+  bool local;                   // shown as local clocks show it
+};
+
+// The column of the image in which grid time `k` is read; `width` itself for the newest ping.
+[[nodiscard]] int32_t GridColumn(int32_t width, int32_t k);
+
+// Each ends at its line; the oldest end of the axis says whose time it is.
+void AddClockLabels(const PanelLayout& layout, const GridClock& clock, Labels& labels);
 void AddColourBarLabels(const PanelLayout& layout, Labels& labels);
 void AddFrequencyLabel(const PanelLayout& layout, int32_t frequency_hz, Labels& labels);
 

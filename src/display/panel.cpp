@@ -8,6 +8,7 @@
 #include "acquisition/ping_line.h"
 #include "base/bytes.h"
 #include "base/shared_value.h"
+#include "display/depth_trace.h"
 #include "display/scaling.h"
 #include "platform/sync.h"
 
@@ -81,6 +82,19 @@ void DrawAltitudes(const PanelSource& source, const PanelLayout& layout, const C
   }
 }
 
+GridClock ReadGridClock(const PanelSource& source, const PanelLayout& layout) {
+  GridClock clock{.time_s = {}, .local = source.timeLabels == kClockLocal};
+  const int32_t width = layout.image.Width();
+  if (source.ring == nullptr || width <= 0) return clock;
+  for (int32_t k = 0; k < static_cast<int32_t>(kGridTimes); ++k) {
+    const int32_t slot =
+        k == 0 ? source.scale.newest
+               : SlotOfColumn(GridColumn(width, k), width, source.scale.newest, source.scale.timeScale_s);
+    clock.time_s[k] = ReadShownPing(SlotAt(*source.ring, slot)).time_s;
+  }
+  return clock;
+}
+
 }  // namespace
 
 const DeviceSettings& ShownSettings(const AppState& state) {
@@ -110,6 +124,8 @@ PanelSource DescribePanel(AppState& state, PanelPlace place) {
   source.frequency_hz = isPlayed ? LoadShared(channel.playedFrequency_hz) : settings.*kFrequencyOf[fields];
   source.threshold_percent = settings.*kThresholdOf[fields];
   source.hasEchogram = LoadShared(state.echogramEnabled) != 0;
+  source.hasDepthTrace = state.options.depthTrace != 0;
+  source.timeLabels = static_cast<TimeLabels>(state.options.timeLabels);
   return source;
 }
 
@@ -132,6 +148,7 @@ void DrawPanel(const PanelSource& source, const PanelLayout& layout, PanelScratc
     FillRect(canvas, layout.image, kBlack);
   }
   if (source.ring != nullptr) {
+    if (source.hasDepthTrace) DrawDepthTrace(*source.ring, source.scale, layout.dpi, image);
     DrawProfile(*source.ring, source.scale, layout, source.threshold_percent, *source.palette,
                 scratch.profile, canvas);
   }
@@ -144,7 +161,11 @@ void DrawPanel(const PanelSource& source, const PanelLayout& layout, PanelScratc
 Labels CollectLabels(const PanelSource& source, const PanelLayout& layout) {
   Labels labels{};
   AddDepthLabels(layout, source.scale.range_mm, labels);
-  AddTimeLabels(layout, source.labelledTimeScale_s, labels);
+  if (source.timeLabels == kSecondsAgo) {
+    AddTimeLabels(layout, source.labelledTimeScale_s, labels);
+  } else {
+    AddClockLabels(layout, ReadGridClock(source, layout), labels);
+  }
   AddColourBarLabels(layout, labels);
   AddFrequencyLabel(layout, source.frequency_hz, labels);
   return labels;

@@ -30,6 +30,8 @@ struct PanelSource {
   int32_t frequency_hz;
   int32_t threshold_percent;
   bool hasEchogram;
+  bool hasDepthTrace;
+  TimeLabels timeLabels;
 };
 
 // What the device runs with, or without one what the played file was recorded with. Choices that wait for

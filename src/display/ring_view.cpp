@@ -45,6 +45,20 @@ ShownPing ReadShownPing(const uint8_t* slot) {
           .roll_deg = LoadLeFloat(header + frame::kRoll)};
 }
 
+PingHeader ReadHeader(const uint8_t* slot) {
+  uint8_t header[frame::kWrittenHeaderLength];
+  CopySlotBytes(slot, sizeof header, header);
+  return LoadPingHeader(header);
+}
+
+uint16_t ReadSample(const uint8_t* slot, size_t index) {
+  const SlotSamples samples = FindSamples(slot);
+  if (index >= samples.count) return 0;
+  uint8_t bytes[2];
+  CopySlotBytes(samples.first + 2 * index, sizeof bytes, bytes);
+  return LoadLe<uint16_t>(bytes);
+}
+
 SlotSamples FindSamples(const uint8_t* slot) {
   uint8_t bytes[sizeof(uint32_t)];
   CopySlotBytes(slot + frame::kHeaderLength, sizeof bytes, bytes);

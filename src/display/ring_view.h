@@ -33,6 +33,10 @@ struct SlotSamples {
 [[nodiscard]] bool HoldsPing(const uint8_t* slot);
 
 [[nodiscard]] ShownPing ReadShownPing(const uint8_t* slot);
+[[nodiscard]] PingHeader ReadHeader(const uint8_t* slot);
+
+// Sample `index` of a slot; 0 where it holds none.
+[[nodiscard]] uint16_t ReadSample(const uint8_t* slot, size_t index);
 
 // Samples stand 640 bytes behind the header's end. A header length outside 36 to 4,096 (a zeroed slot has 0)
 // counts as the 88 that this program writes.

@@ -2,40 +2,54 @@
 
 #include "base/shared_value.h"
 #include "display/no_data_overlay.h"
+#include "display/time_lines_overlay.h"
 
 namespace tw {
 
 bool ViewPainter::Paint(AppState& state, HDC like, int32_t width, int32_t height) {
+  panelCount_ = 0;
   if (!picture_.Resize(like, width, height)) return false;
   const int32_t dpi = GetDeviceCaps(like, LOGPIXELSX);
-  if (LoadShared(globals.dualMode) != 0) {
-    Panel panels[] = {{PanelPlace::upper, LayOutPanel(0, width, height / 2, dpi), {}},
-                      {PanelPlace::lower, LayOutPanel(height / 2, width, height / 2, dpi), {}}};
-    PaintPanels(state, panels);
+  const bool dual = LoadShared(globals.dualMode) != 0;
+  panelCount_ = dual ? 2 : 1;
+  if (dual) {
+    panels_[0] = {PanelPlace::upper, LayOutPanel(0, width, height / 2, dpi), {}};
+    panels_[1] = {PanelPlace::lower, LayOutPanel(height / 2, width, height / 2, dpi), {}};
   } else {
-    Panel panels[] = {{PanelPlace::single, LayOutPanel(0, width, height, dpi), {}}};
-    PaintPanels(state, panels);
+    panels_[0] = {PanelPlace::single, LayOutPanel(0, width, height, dpi), {}};
   }
+  PaintPanels(state);
   return true;
 }
 
-void ViewPainter::PaintPanels(AppState& state, std::span<Panel> panels) {
-  for (size_t i = 0; i < panels.size(); ++i) {
-    panels[i].source = DescribePanel(state, panels[i].place);
-    DrawPanel(panels[i].source, panels[i].layout, scratch_[i], picture_.Pixels());
+void ViewPainter::PaintPanels(AppState& state) {
+  for (size_t i = 0; i < panelCount_; ++i) {
+    panels_[i].source = DescribePanel(state, panels_[i].place);
+    DrawPanel(panels_[i].source, panels_[i].layout, scratch_[i], picture_.Pixels());
   }
-  for (const Panel& panel : panels) {
+  for (const PaintedPanel& panel : Panels()) {
+    PaintLines(state, panel);
     const Labels labels = CollectLabels(panel.source, panel.layout);
     for (size_t i = 0; i < labels.count; ++i) labels_.Draw(picture_, labels.labels[i]);
   }
   labels_.DrawOnce(picture_,
-                   CollectStatus(state, panels.front().source, panels.back().layout, panels.size() > 1));
-  if (LoadShared(globals.timestampTicked) != 0) PaintMarks(state, panels);
-  for (const Panel& panel : panels) PaintNoData(state, panel.layout);
+                   CollectStatus(state, panels_[0].source, panels_[panelCount_ - 1].layout, panelCount_ > 1));
+  if (LoadShared(globals.timestampTicked) != 0) PaintMarks(state);
+  for (const PaintedPanel& panel : Panels()) PaintNoData(state, panel.layout);
 }
 
-void ViewPainter::PaintMarks(AppState& state, std::span<const Panel> panels) {
-  for (const auto& [place, layout, source] : panels) {
+void ViewPainter::PaintLines(AppState& state, const PaintedPanel& panel) {
+  const auto& [place, layout, source] = panel;
+  TimeLineList& list = ChannelOf(state, RecordChannelOf(place)).lines;
+  const LineChoice choice{state.options.gapLines != 0, source.timeLabels == kClockLocal};
+  const ShownLines lines = FindShownLines(list, layout, source.scale, source.ringTime, choice);
+  if (lines.count == 0) return;
+  DrawLines(lines, layout, picture_.Pixels());
+  for (size_t i = 0; i < lines.count; ++i) labels_.Draw(picture_, lines.lines[i].label);
+}
+
+void ViewPainter::PaintMarks(AppState& state) {
+  for (const auto& [place, layout, source] : Panels()) {
     MarkList& marks = ChannelOf(state, RecordChannelOf(place)).marks;
     marks_.Draw(picture_.Dc(), FindShownMarks(marks, layout, source.scale, source.ringTime), layout.dpi);
   }

@@ -10,6 +10,7 @@
 #include "app/state/app_state.h"
 #include "display/drawing_win32.h"
 #include "display/panel.h"
+#include "display/readout.h"
 #include "display/text_win32.h"
 
 namespace tw {
@@ -19,23 +20,21 @@ class ViewPainter {
   // False when there is no memory for a picture of this size; then there is none.
   [[nodiscard]] bool Paint(AppState& state, HDC like, int32_t width, int32_t height);
 
-  // The picture of the last Paint, until the next one.
+  // The picture of the last Paint, until the next one, and the panels in it; none before the first one.
   [[nodiscard]] OffscreenPicture& Picture() { return picture_; }
+  [[nodiscard]] std::span<const PaintedPanel> Panels() const { return {panels_, panelCount_}; }
 
  private:
-  struct Panel {
-    PanelPlace place;
-    PanelLayout layout;
-    PanelSource source;
-  };
-
-  void PaintPanels(AppState& state, std::span<Panel> panels);
-  void PaintMarks(AppState& state, std::span<const Panel> panels);
+  void PaintPanels(AppState& state);
+  void PaintLines(AppState& state, const PaintedPanel& panel);
+  void PaintMarks(AppState& state);
   void PaintNoData(const AppState& state, const PanelLayout& layout);
 
   OffscreenPicture picture_;
   LabelPainter labels_;
   MarkPainter marks_;
+  PaintedPanel panels_[2]{};
+  size_t panelCount_ = 0;
   PanelScratch scratch_[2];  // of the single view or the upper panel, and of the lower one
 };
 

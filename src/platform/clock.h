@@ -20,6 +20,10 @@ inline constexpr uint32_t kWaitForever = 0xFFFFFFFFu;
 [[nodiscard]] CalendarTime UtcNow();
 [[nodiscard]] CalendarTime LocalNow();
 
+// What local clocks show at a moment in seconds since 1970-01-01 00:00:00, by the rules of that date.
+// For the years 1970 to 9999.
+[[nodiscard]] CalendarTime LocalFromUnixSeconds(int64_t seconds);
+
 void SleepMilliseconds(uint32_t duration_ms);
 
 // Asks for (and gives back) the system's finest timer period; without effect where there is none.

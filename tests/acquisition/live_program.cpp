@@ -18,8 +18,9 @@ LiveProgram::LiveProgram(SerialPeer& device)
     : state_(static_cast<AppState*>(AllocateZeroed(sizeof(AppState)))) {
   globals = Globals{};
   globals.deviceFamily = 1;
-  for (Lock* lock : {&state_->ringLockA, &state_->ringLockB, &state_->gpsLock, &state_->recordLock,
-                     &state_->eventLog.lock, &globals.marksA.lock, &globals.marksB.lock}) {
+  for (Lock* lock :
+       {&state_->ringLockA, &state_->ringLockB, &state_->gpsLock, &state_->recordLock, &state_->eventLog.lock,
+        &globals.marksA.lock, &globals.marksB.lock, &globals.linesA.lock, &globals.linesB.lock}) {
     MakeLock(*lock);
   }
   EXPECT_TRUE(MakeEvent(state_->stopEvent, ResetMode::automatic));
@@ -51,8 +52,9 @@ LiveProgram::~LiveProgram() {
   ClearFaults();
   static_cast<void>(TakePostedTexts());
   for (Event* event : {&state_->stopEvent, &state_->recordingEvent}) DestroyEvent(*event);
-  for (Lock* lock : {&state_->ringLockA, &state_->ringLockB, &state_->gpsLock, &state_->recordLock,
-                     &state_->eventLog.lock, &globals.marksA.lock, &globals.marksB.lock}) {
+  for (Lock* lock :
+       {&state_->ringLockA, &state_->ringLockB, &state_->gpsLock, &state_->recordLock, &state_->eventLog.lock,
+        &globals.marksA.lock, &globals.marksB.lock, &globals.linesA.lock, &globals.linesB.lock}) {
     DestroyLock(*lock);
   }
   FreeZeroed(state_->ringA, kRingSize);

@@ -132,6 +132,33 @@ TEST_F(Ring, TheIndexAdvancesByTicksOfATenthOfASecond) {
   }
 }
 
+TEST_F(Ring, AGapIsBlackWhereThatIsWanted) {
+  const struct {
+    const char* what;
+    V times_ms;
+    int32_t first;
+    V slots;
+  } rows[] = {
+      {"2 s are none", {0, 100, 2'100}, 2, {3, 3, 3}},
+      {"beyond, each ping keeps its slot", {0, 100, 2'300}, 1, {2, 2, 0, 0}},
+      {"three times what is usual", {0, 5'000, 10'000, 25'000}, 101, {4, 4, 4}},
+      {"more than that", {0, 5'000, 10'000, 25'100}, 100, {3, 3, 0, 0}},
+      {"no second ping, no measure", {0, 60'000}, 1, {2, 2, 2}},
+  };
+  const int32_t wanted = 1;
+  writer_.gapsBlack = &wanted;
+  for (const auto& row : rows) {
+    ClearRing(writer_);
+    writer_.begun = false;
+    writer_.usualTicks = 0;
+    index_ = 0;
+    for (size_t i = 0; i < row.times_ms.size(); ++i) Store(static_cast<uint32_t>(i + 1), row.times_ms[i]);
+    EXPECT_EQ(PingsAt(row.first, static_cast<int32_t>(row.slots.size())), row.slots) << row.what;
+    EXPECT_EQ(PingAt(index_), row.times_ms.size()) << row.what;
+    EXPECT_EQ(PingAt(index_ - 1), row.slots.back()) << row.what;
+  }
+}
+
 TEST_F(Ring, ALongPauseFillsEverySlotOnce) {
   Store(1, 0);
   Store(2, 1'000'000);  // 10,000 ticks: all the way round

@@ -63,7 +63,8 @@ RunControlTest::~RunControlTest() {
   for (Event* event : {&state_->recordingEvent, &state_->stopEvent, &state_->stopEventB, &state_->linkRetry})
     DestroyEvent(*event);
   for (Lock* lock : {&state_->ringLockA, &state_->ringLockB, &state_->gpsLock, &state_->recordLock,
-                     &state_->linkLock, &state_->eventLog.lock, &globals.marksA.lock, &globals.marksB.lock}) {
+                     &state_->linkLock, &state_->eventLog.lock, &globals.marksA.lock, &globals.marksB.lock,
+                     &globals.linesA.lock, &globals.linesB.lock}) {
     DestroyLock(*lock);
   }
   FreeZeroed(state_->ringA, kRingSize);

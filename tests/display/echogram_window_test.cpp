@@ -101,6 +101,8 @@ class EchogramWindow : public testing::Test {
     ASSERT_TRUE(RegisterEchogramClass(parentClass.hInstance));
     ASSERT_TRUE(RegisterSliderClass(parentClass.hInstance));
     MakeLock(globals.marksA.lock);
+    MakeLock(globals.linesA.lock);
+    MakeLock(globals.linesB.lock);
     MakeLock(globals.marksB.lock);
     // Once, since it takes a system without window manager two seconds.
     parent = CreateWindowExW(0, L"Parent", L"", WS_POPUP | WS_VISIBLE, 100, 50, kWidth, kHeight, nullptr,

@@ -80,6 +80,18 @@ TEST(Layout, TimeLabelsRunFromRightToLeft) {
   ExpectPlaces(labels, {{1'010, 0}, {910, 0}, {810, 0}});
 }
 
+TEST(Layout, ClockLabelsEndAtTheirLines) {
+  constexpr uint32_t kMidnight = 1'700'006'400;
+  GridClock clock{};
+  for (uint32_t k = 0; k < kGridTimes; ++k) clock.time_s[k] = k == 4 ? 0 : kMidnight + 15 - 15 * k;
+  Labels labels{};
+  AddClockLabels(LayOutPanel(0, 780, 500, 96), clock, labels);
+  EXPECT_EQ(TextsOf(labels), (Texts{L"00:00:15", L"00:00:00", L"23:59:45", L"23:59:30", L"23:59:00",
+                                    L"23:58:45", L"23:58:30", L"23:58:15", L"UTC"}))
+      << "no ping at the fifth, no room at the tenth";
+  ExpectPlaces(labels, {{606, 0}, {543, 0}});
+}
+
 TEST(Layout, ColourBarLabelsRunUpwards) {
   Labels labels{};
   AddColourBarLabels(LayOutPanel(0, 900, 545, 96), labels);  // 505 rows

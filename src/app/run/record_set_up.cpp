@@ -58,6 +58,8 @@ bool MakeLocks(AppState& state) {
   MakeLock(state.linkLock);
   MakeLock(state.eventLog.lock);
   MakeLock(globals.marksA.lock);
+  MakeLock(globals.linesA.lock);
+  MakeLock(globals.linesB.lock);
   MakeLock(globals.marksB.lock);
   return MakeEvent(state.stopEvent, ResetMode::automatic) &&
          MakeEvent(state.stopEventB, ResetMode::automatic) &&

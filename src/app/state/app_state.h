@@ -185,6 +185,7 @@ struct AppState {
   uint32_t spaceAnswers;          // how many times that was told; shared
   int32_t spaceAsked;             // a thread is asking for it; shared
   RunWatch watch;                 // GUI thread
+  int32_t gapsBlack;              // the option; shared
   uint32_t noData_s;              // since the newest ping of a run that has fallen silent, else 0; GUI thread
 
   Options options;  // GUI thread
@@ -220,6 +221,25 @@ struct MarkList {
   int64_t sinceMark_ms;  // recorded time, of a playback
   int32_t markNumber;
   int32_t changed;  // given, unread
+};
+
+inline constexpr size_t kMaxTimeLines = 256;
+inline constexpr size_t kMarkWordSize = 48;
+
+// A moment of a channel's ring.
+struct TimeLine {
+  int64_t ringTime;
+  uint32_t time_s;  // since 1970-01-01 00:00:00 UTC
+  uint32_t mark;    // number of the operator's mark; 0: a run begins here, or goes on
+  wchar_t word[kMarkWordSize];
+};
+
+// Line i of the list, newest first, is lines[(newest + i) % kMaxTimeLines].
+struct TimeLineList {
+  Lock lock;
+  TimeLine lines[kMaxTimeLines];
+  int32_t newest;
+  int32_t count;
 };
 
 inline constexpr size_t kSlotsOfRing = 10'000;
@@ -258,6 +278,8 @@ struct Globals {
   int32_t marksAtStart;  // 30 s in pings of the set interval
   MarkList marksA;
   MarkList marksB;
+  TimeLineList linesA;
+  TimeLineList linesB;
   uint16_t slotReachA[kSlotsOfRing];  // bytes in use of each slot of the rings; the ring's writer only
   uint16_t slotReachB[kSlotsOfRing];
   int64_t autoCaptureSince_s;   // seconds since 1970 when "Auto Capture" was ticked; given, unread

@@ -19,6 +19,7 @@ struct ChannelView {
   Lock& ringLock;
   uint16_t (&slotReach)[kSlotsOfRing];
   MarkList& marks;
+  TimeLineList& lines;
   Handle& recordFile;
   Handle& nextRecord;
   Handle& inputFile;
@@ -33,11 +34,11 @@ struct ChannelView {
 [[nodiscard]] inline ChannelView ChannelOf(AppState& s, RecordChannel channel) {
   Globals& g = globals;
   if (channel == RecordChannel::a) {
-    return {s.ringA, s.ringIndexA, s.ringTimeA, s.ringLockA, g.slotReachA, g.marksA,
+    return {s.ringA, s.ringIndexA, s.ringTimeA, s.ringLockA, g.slotReachA, g.marksA, g.linesA,
             s.recordFileA, s.nextRecordA, s.inputFileA, s.stopEvent,
             g.playedFrequencyA_hz, g.latestAltitudeHigh_m, s.displayRangeUpper, s.timeScaleUpper};
   }
-  return {s.ringB, s.ringIndexB, s.ringTimeB, s.ringLockB, g.slotReachB, g.marksB,
+  return {s.ringB, s.ringIndexB, s.ringTimeB, s.ringLockB, g.slotReachB, g.marksB, g.linesB,
           s.recordFileB, s.nextRecordB, s.inputFileB, s.stopEventB,
           g.playedFrequencyB_hz, g.latestAltitudeLow_m, s.displayRangeLower, s.timeScaleLower};
 }

@@ -2,10 +2,12 @@
 
 #include "app/settings/stored_options.h"
 #include "app/window/ui.h"
+#include "base/shared_value.h"
 
 namespace tw {
 
 void PutDisplayOptionsInForce(AppState& state) {
+  StoreShared(state.gapsBlack, state.options.gapsBlack);
   if (state.initialised == 0) return;  // the first paint finds them
   ArrangeViews(state);
   InvalidateEchogram(state);

@@ -17,6 +17,10 @@ CalendarTime LocalNow() {
   return posix::CalendarFromUnixMilliseconds(now_ms + posix::UtcOffset_ms(now_ms));
 }
 
+CalendarTime LocalFromUnixSeconds(int64_t seconds) {
+  return CalendarFromUnixSeconds(seconds + posix::UtcOffset_ms(seconds * 1000) / 1000);
+}
+
 void SleepMilliseconds(uint32_t duration_ms) {
   posix::SleepMilliseconds(duration_ms);
 }

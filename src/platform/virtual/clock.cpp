@@ -61,6 +61,10 @@ CalendarTime LocalNow() {
   return posix::CalendarFromUnixMilliseconds(now_ms + LocalOffset_ms(now_ms));
 }
 
+CalendarTime LocalFromUnixSeconds(int64_t seconds) {
+  return CalendarFromUnixSeconds(seconds + LocalOffset_ms(seconds * 1000) / 1000);
+}
+
 void SleepMilliseconds(uint32_t duration_ms) {
   if (duration_ms == 0) baton::Poll();
   if (!baton::Held()) return posix::SleepMilliseconds(duration_ms);

@@ -41,6 +41,21 @@ CalendarTime LocalNow() {
   return FromSystemTime(now);
 }
 
+CalendarTime LocalFromUnixSeconds(int64_t seconds) {
+  const CalendarTime utc = CalendarFromUnixSeconds(seconds);
+  SYSTEMTIME time{};
+  time.wYear = static_cast<WORD>(utc.year);
+  time.wMonth = static_cast<WORD>(utc.month);
+  time.wDay = static_cast<WORD>(utc.day);
+  time.wHour = static_cast<WORD>(utc.hour);
+  time.wMinute = static_cast<WORD>(utc.minute);
+  time.wSecond = static_cast<WORD>(utc.second);
+  SYSTEMTIME local{};
+  const bool known = utc.year >= 1601 && utc.year < 30'827;
+  return known && SystemTimeToTzSpecificLocalTime(nullptr, &time, &local) != FALSE ? FromSystemTime(local)
+                                                                                   : utc;
+}
+
 void SleepMilliseconds(uint32_t duration_ms) {
   Sleep(duration_ms);
 }
