@@ -272,6 +272,33 @@ TEST_F(EchogramWindow, CursorBringsTheFocusForTheWheel) {
   EXPECT_EQ(GetFocus(), view_);
 }
 
+TEST_F(EchogramWindow, TheReadOutFollowsTheCursorAndLeavesNoTrace) {
+  const Picture bare = ReadWindow(view_);
+  POINT at{300, 100};
+  ClientToScreen(view_, &at);
+  SetCursorPos(at.x, at.y);
+  for (const int32_t inShots : {0, 1}) {
+    state_->options.readOutInShots = inShots;
+    SendMessageW(view_, WM_MOUSEMOVE, 0, MAKELPARAM(200, 90));
+    SendMessageW(view_, WM_MOUSEMOVE, 0, MAKELPARAM(300, 100));
+    const Picture told = ReadWindow(view_);
+    EXPECT_FALSE(told.pixels == bare.pixels);
+    SendMessageW(view_, WM_RBUTTONDOWN, MK_RBUTTON, 0);
+    Paint();
+    EXPECT_TRUE(ReadWindow(view_).pixels == told.pixels) << "a paint shows the same as a move";
+    const std::vector<std::wstring> files = Files(folder_);
+    ASSERT_EQ(files.size(), 1u);
+    EXPECT_TRUE(DecodePng(folder_ / files[0]).pixels == (inShots != 0 ? told : bare).pixels);
+    SendMessageW(view_, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(300, 100));
+    SendMessageW(view_, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(kWidth + 50, -20));
+    EXPECT_FALSE(ReadWindow(view_).pixels == told.pixels) << "a measure ends at the image's edge";
+    SendMessageW(view_, WM_LBUTTONUP, 0, MAKELPARAM(kWidth + 50, -20));
+    SendMessageW(view_, WM_MOUSELEAVE, 0, 0);
+    EXPECT_TRUE(ReadWindow(view_).pixels == bare.pixels);
+    std::filesystem::remove(folder_ / files[0]);
+  }
+}
+
 TEST_F(EchogramWindow, RightClickSavesWhatTheNextPaintShows) {
   const struct {
     int32_t dualMode;
