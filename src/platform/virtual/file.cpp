@@ -11,6 +11,7 @@
 #include "platform/posix/last_error.h"
 #include "platform/posix/open_file.h"
 #include "platform/system_error.h"
+#include "platform/virtual/disk_calls.h"
 #include "platform/virtual/documents_folder.h"
 #include "platform/virtual/fault_points.h"
 #include "platform/virtual/file_sink.h"
@@ -44,7 +45,9 @@ SunkFolder& Sunk() {
   const auto file = std::make_shared<VirtualFile>();
   file->path = path;
   file->sink = SinkOf(path);
-  return posix::Open(file, path, O_RDWR | O_CREAT | flag, WriteSharing::denied);
+  const Handle handle = posix::Open(file, path, O_RDWR | O_CREAT | flag, WriteSharing::denied);
+  if (handle != Handle::invalid) NoteDiskCall(DiskStep::created, path);
+  return handle;
 }
 
 [[nodiscard]] std::shared_ptr<VirtualFile> FindFile(Handle handle) {
@@ -58,8 +61,16 @@ SunkFolder& Sunk() {
   return file == nullptr || FaultAt(point, file->path, taken) ? nullptr : file;
 }
 
+[[nodiscard]] bool WriteHeard(VirtualFile& file, const void* bytes, uint32_t size, uint32_t& written) {
+  uint64_t place = 0;
+  if (!AreDiskCallsHeard() || !file.Position(place)) return file.Write(bytes, size, written);
+  const bool whole = file.Write(bytes, size, written);
+  NoteDiskCall(DiskStep::written, file.path, place, {static_cast<const char*>(bytes), written});
+  return whole;
+}
+
 [[nodiscard]] bool Write(VirtualFile& file, const void* bytes, uint32_t size, uint32_t& written) {
-  if (file.sink == nullptr) return file.Write(bytes, size, written);
+  if (file.sink == nullptr) return WriteHeard(file, bytes, size, written);
   file.sink->Written(file.path, file.sunk, {static_cast<const uint8_t*>(bytes), size});
   file.sunk += size;
   written = size;
@@ -93,7 +104,10 @@ Handle OpenFileForAppending(const wchar_t* path) {
   if (FaultAt(FaultPoint::openFile, path)) return Handle::invalid;
   const auto file = std::make_shared<VirtualFile>();
   file->path = path;
-  return posix::OpenForAppending(file, path);
+  const Handle handle = posix::OpenForAppending(file, path);
+  uint64_t size = 0;
+  if (handle != Handle::invalid && file->Size(size) && size == 0) NoteDiskCall(DiskStep::created, path);
+  return handle;
 }
 
 Handle OpenFileForReading(const wchar_t* path, WriteSharing sharing) {
@@ -150,14 +164,19 @@ bool FileSize(Handle handle, uint64_t& size) {
 bool TruncateFile(Handle handle, uint64_t size) {
   const std::shared_ptr<VirtualFile> file = FileFor(handle, FaultPoint::truncateFile);
   if (file == nullptr) return false;
-  if (file->sink == nullptr) return file->Truncate(size);
-  return size == file->sunk || FailWith(EOPNOTSUPP);
+  if (file->sink != nullptr) return size == file->sunk || FailWith(EOPNOTSUPP);
+  if (!file->Truncate(size)) return false;
+  NoteDiskCall(DiskStep::cut, file->path, size);
+  return true;
 }
 
 bool FlushFile(Handle handle) {
   const std::shared_ptr<VirtualFile> file = FileFor(handle, FaultPoint::flushFile);
   if (file == nullptr) return false;
-  return IsClockVirtual() || file->Flush();  // a wait would take no time of this clock, but much real time
+  // A wait would take no time of this clock, but much real time.
+  if (!IsClockVirtual() && !file->Flush()) return false;
+  NoteDiskCall(DiskStep::flushed, file->path);
+  return true;
 }
 
 bool PathOfFile(Handle handle, std::span<wchar_t> path) {
@@ -166,7 +185,9 @@ bool PathOfFile(Handle handle, std::span<wchar_t> path) {
 }
 
 bool RemoveFile(const wchar_t* path) {
-  return !FaultAt(FaultPoint::removeFile, path) && posix::RemoveFile(path);
+  if (FaultAt(FaultPoint::removeFile, path) || !posix::RemoveFile(path)) return false;
+  NoteDiskCall(DiskStep::removed, path);
+  return true;
 }
 
 bool RenameFile(const wchar_t* from, const wchar_t* to, Existing existing) {
