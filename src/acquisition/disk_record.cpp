@@ -29,6 +29,7 @@ bool DiskRecord::Write(std::span<const char> ping) {
     CutBack(file_, written);
   }
   dirty_ = dirty_ || whole;
+  pings_ += whole ? 1 : 0;
   return whole;
 }
 
@@ -41,16 +42,15 @@ void DiskRecord::Close() {
   CloseFile(std::exchange(file_, Handle::invalid));
 }
 
-void DiskRecord::CloseWithOneByte() {
-  if (!IsOpen()) return;
+bool DiskRecord::CloseWithOneByte() {
   // The CR goes over the first byte, which takes no room on the disk.
   uint32_t written = 0;
   const bool left = SeekFile(file_, 0) && WriteFileBytes(file_, "\r", 1, written) && TruncateFile(file_, 1);
   CloseAndDelete(!left);
+  return left;
 }
 
 void DiskRecord::Remove() {
-  if (!IsOpen()) return;
   uint32_t written = 0;
   CloseAndDelete(WriteFileBytes(file_, "\r", 1, written));
 }

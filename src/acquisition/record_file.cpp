@@ -62,6 +62,13 @@ void CloseRecordFile(AppState& state, RecordChannel channel) {
   EndOpenFile(state, LoadShared(state.runNumber), {.step = RecordStep::close, .channel = channel});
 }
 
+void TellRecordFile(AppState& state, RecordChannel channel) {
+  Locked held(state.recordLock);
+  if (!IsOpen(ChannelOf(state, channel).recordFile)) return;
+  // Without room for it there is too much to do for that.
+  static_cast<void>(state.recordWriter->Put({.step = RecordStep::tell, .channel = channel}));
+}
+
 void CloseBothRecordFiles(AppState& state) {
   CloseRecordFile(state, RecordChannel::a);
   CloseRecordFile(state, RecordChannel::b);

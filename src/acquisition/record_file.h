@@ -23,6 +23,9 @@ void PutRecordFile(AppState& state, RecordChannel channel, Handle file);
 // Marks the channel's file invalid, and has it closed behind its last ping. GUI thread.
 void CloseRecordFile(AppState& state, RecordChannel channel);
 
+// Has the log of events told of the channel's file, as it is in front of the process's end. GUI thread.
+void TellRecordFile(AppState& state, RecordChannel channel);
+
 // Both files.
 void CloseBothRecordFiles(AppState& state);
 

@@ -20,7 +20,8 @@ enum class RecordStep : uint8_t {
   ping,    // takes the bytes behind the entry
   close,   // is closed
   end,     // the same at the end of a worker, which may have recorded nothing
-  remove   // closed and deleted: nothing was recorded
+  remove,  // closed and deleted: nothing was recorded
+  tell     // stays, and the log of events is told of it as if it were closed
 };
 
 struct RecordEntry {

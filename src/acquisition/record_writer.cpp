@@ -1,15 +1,13 @@
 #include "acquisition/record_writer.h"
 
-#include <cinttypes>
 #include <new>
 #include <utility>
 
 #include "acquisition/record_file.h"
+#include "acquisition/record_log.h"
 #include "app/state/posts.h"
 #include "base/shared_value.h"
-#include "base/text_format.h"
 #include "platform/clock.h"
-#include "platform/debug_output.h"
 #include "platform/memory.h"
 #include "platform/thread.h"
 
@@ -18,7 +16,6 @@ namespace {
 
 // For whichever writer: there is one in a process.
 constinit StatusTexts sizeTexts{};
-constinit OwnTexts troubleTexts{};
 
 }  // namespace
 
@@ -66,30 +63,23 @@ void RecordWriter::Begin() {
 }
 
 void RecordWriter::NoteLost() {
-  ++pingsLost_;
-  TellTrouble();
+  ++lostUnlogged_;
+  StoreShared(state_.pingsLost, LoadShared(state_.pingsLost) + 1);
 }
 
 void RecordWriter::NoteLeft() {
   leftIsTold_ = true;
-  TellTrouble();
+  NoteProgress();
 }
 
 void RecordWriter::NoteNewRecording() {
-  if (std::exchange(pingsLost_, 0) != 0) TellTrouble();
+  StoreShared(state_.pingsLost, 0);
 }
 
-void RecordWriter::TellTrouble() {
-  wchar_t text[kStatusTextSize] = L"";
-  if (leftIsTold_) {
-    FormatWide(text, "Still to be written : %" PRIu64 " KB", uint64_t{BytesLeft() + 1023} / 1024);
-  } else if (pingsLost_ != 0) {
-    FormatWide(text, "Pings not recorded, the disk is too slow : %" PRIu32, pingsLost_);
-  }
-  PostOwnText(state_, StatusPart::empty, troubleTexts, text);
-  if (text[0] == L'\0') return;
-  WriteDebugText(text);
-  WriteDebugText(L"\n");
+void RecordWriter::NoteProgress() {
+  if (!leftIsTold_) return;
+  StoreShared(state_.leftToWrite_bytes, uint64_t{BytesLeft()});
+  leftIsTold_ = BytesLeft() != 0;
 }
 
 void RecordWriter::Thread(void* writer) {
@@ -99,6 +89,7 @@ void RecordWriter::Thread(void* writer) {
 void RecordWriter::Run() {
   for (;;) {
     FlushWhenDue();
+    LogLostWhenDue();
     bool ended = false;
     if (Next(ended)) {
       Do();
@@ -113,12 +104,10 @@ void RecordWriter::Run() {
 // Takes the next entry. False when there is none; `ended`: nor will there be one for this thread.
 bool RecordWriter::Next(bool& ended) {
   Locked held(state_.recordLock);
-  taken_bytes_ = 0;
-  if (queue_.Take(entry_, ping_)) {
-    taken_bytes_ = entry_.size_bytes;
-    return true;
-  }
-  if (std::exchange(leftIsTold_, false)) TellTrouble();
+  const bool taken = queue_.Take(entry_, ping_);
+  taken_bytes_ = taken ? entry_.size_bytes : 0;
+  NoteProgress();
+  if (taken) return true;
   ended = !files_[0].IsOpen() && !files_[1].IsOpen();
   if (ended) runs_ = false;
   Signal(idle_);
@@ -142,18 +131,18 @@ void RecordWriter::Do() {
     case RecordStep::open:
       return file.Open(entry_.file);
     case RecordStep::change:
-      FlushBeforeClosing();
-      file.Close();
+      Close(file);
       return file.Open(entry_.file);
     case RecordStep::ping:
       return WritePing();
     case RecordStep::close:
-      FlushBeforeClosing();
-      return file.Close();
+      return Close(file);
     case RecordStep::end:
       return EndFile();
     case RecordStep::remove:
-      return file.Remove();
+      return Remove(file);
+    case RecordStep::tell:
+      return RecordNote(state_, file).TellClosed();
   }
 }
 
@@ -166,9 +155,9 @@ void RecordWriter::WritePing() {
   }
   TakeIntoAccount(whole);
   if (whole || !file.IsOpen()) return;
-  if (entry_.emptyRun == EmptyRun::leaveOneByte && tally_.size_bytes == 0) return file.CloseWithOneByte();
-  FlushBeforeClosing();
-  file.Close();
+  LogRefusal(state_, file);
+  if (entry_.emptyRun == EmptyRun::leaveOneByte && tally_.size_bytes == 0) return CloseWithOneByte(file);
+  Close(file);
 }
 
 // Counts the ping, tells the size of a recording that still goes on, and takes a file that failed out of the
@@ -205,10 +194,42 @@ void RecordWriter::EndFile() {
   DiskRecord& file = FileOf(entry_.channel);
   const bool any = entry_.any && tally_.any;
   const bool present = any && tally_.recording == entry_.recording && tally_.size_bytes != 0;
-  if (entry_.emptyRun == EmptyRun::deleteFiles && !any) return file.Remove();
-  if (entry_.emptyRun == EmptyRun::leaveOneByte && !present) return file.CloseWithOneByte();
-  FlushBeforeClosing();
+  if (entry_.emptyRun == EmptyRun::deleteFiles && !any) return Remove(file);
+  if (entry_.emptyRun == EmptyRun::leaveOneByte && !present) return CloseWithOneByte(file);
+  Close(file);
+}
+
+void RecordWriter::Close(DiskRecord& file) {
+  if (!file.IsOpen()) return;
+  if (FlushPeriod_ms() != 0) file.Flush();
+  const RecordNote note(state_, file);
   file.Close();
+  note.TellClosed();
+}
+
+void RecordWriter::CloseWithOneByte(DiskRecord& file) {
+  if (!file.IsOpen()) return;
+  const RecordNote note(state_, file);
+  if (file.CloseWithOneByte()) return note.TellOneByte();
+  note.TellRemoved();
+}
+
+void RecordWriter::Remove(DiskRecord& file) {
+  if (!file.IsOpen()) return;
+  const RecordNote note(state_, file);
+  file.Remove();
+  note.TellRemoved();
+}
+
+// Seldom, however many there are: once the disk has caught up, or a file has come to its end.
+void RecordWriter::LogLostWhenDue() {
+  uint32_t lost = 0;
+  {
+    Locked held(state_.recordLock);
+    const bool due = queue_.IsEmpty() || entry_.step != RecordStep::ping;
+    if (due) lost = std::exchange(lostUnlogged_, 0);
+  }
+  if (lost != 0) LogLostPings(state_, lost);
 }
 
 void RecordWriter::FlushWhenDue() {
@@ -216,10 +237,6 @@ void RecordWriter::FlushWhenDue() {
   if (!dirty_ || period_ms == 0 || MillisecondClock() - dirtySince_ms_ < period_ms) return;
   dirty_ = false;
   for (DiskRecord& file : files_) file.Flush();
-}
-
-void RecordWriter::FlushBeforeClosing() {
-  if (FlushPeriod_ms() != 0) FileOf(entry_.channel).Flush();
 }
 
 uint32_t RecordWriter::FlushPeriod_ms() const {

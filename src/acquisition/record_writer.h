@@ -1,6 +1,7 @@
 // The thread that owns the open record files, so that nobody else waits for the disk: who records hands over
 // whole pings and what becomes of the files, in order, and goes on. The thread lives from the first ping or
-// closing until every file is closed and nothing is left to write.
+// closing until every file is closed and nothing is left to write. It tells the log of events of each file
+// that it closes, with pings and bytes, and of pings that were lost in front of it.
 //
 // Everything here but Make and Free is called under the state record's recordLock.
 #pragma once
@@ -48,9 +49,8 @@ class RecordWriter {
   // Signalled while nothing waits and nothing is being written. Waited for without the lock.
   [[nodiscard]] Event& Idle() { return idle_; }
 
-  // Tell the operator, in the part of the status bar that is free: a ping found no room (counted since files
-  // were opened for a new recording); somebody stopped waiting for what is left, which is taken back when it
-  // has been written.
+  // For the operator, in the state record: a ping found no room (counted since files were opened for a new
+  // recording); somebody stopped waiting for what is left, which is taken back when it has been written.
   void NoteLost();
   void NoteLeft();
   void NoteNewRecording();
@@ -62,14 +62,18 @@ class RecordWriter {
   // Writer thread, without the lock.
   void Run();
   [[nodiscard]] bool Next(bool& ended);
-  void TellTrouble();
+  void NoteProgress();
   void Rest();
   void Do();
   void WritePing();
   void TakeIntoAccount(bool whole);
   void EndFile();
+  // Nothing happens to a file that is not open.
+  void Close(DiskRecord& file);
+  void CloseWithOneByte(DiskRecord& file);
+  void Remove(DiskRecord& file);
+  void LogLostWhenDue();
   void FlushWhenDue();
-  void FlushBeforeClosing();
   [[nodiscard]] uint32_t FlushPeriod_ms() const;
   [[nodiscard]] DiskRecord& FileOf(RecordChannel channel) {
     return files_[channel == RecordChannel::a ? 0 : 1];
@@ -82,7 +86,7 @@ class RecordWriter {
   RecordTally tally_;
   bool runs_ = false;
   bool leftIsTold_ = false;
-  uint32_t pingsLost_ = 0;
+  uint32_t lostUnlogged_ = 0;
   size_t taken_bytes_ = 0;
   Handle thread_ = Handle::null;  // of the thread that was started last
   RecordQueue queue_;

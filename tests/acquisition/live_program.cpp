@@ -6,7 +6,9 @@
 #include <iterator>
 
 #include "acquisition/live_worker.h"
+#include "app/state/event_log.h"
 #include "base/shared_value.h"
+#include "base/text_format.h"
 #include "platform/file.h"
 #include "platform/memory.h"
 #include "platform/serial_line.h"
@@ -89,6 +91,12 @@ void LiveProgram::OpenFile(RecordChannel channel, const wchar_t* name) {
   uint32_t written = 0;
   EXPECT_TRUE(WriteFileBytes(file, "INFO\r\n", 6, written));
   PutRecordFile(*state_, channel, file);
+}
+
+void LiveProgram::LogEvents() {
+  CopyWide(state_->workingFolder, folder_.Path().wstring());
+  state_->options.eventLog = 1;
+  DirectEventLog(*state_);
 }
 
 std::string LiveProgram::FileContent(const wchar_t* name) const {

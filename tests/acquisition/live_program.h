@@ -33,6 +33,9 @@ class LiveProgram {
   void WaitForWorker();
 
   // Puts a new record file, which begins with "INFO\r\n", into the channel.
+  // Switches the log of events on, in the folder of the files.
+  void LogEvents();
+
   void OpenFile(RecordChannel channel, const wchar_t* name);
   // "absent" when there is no such file.
   [[nodiscard]] std::string FileContent(const wchar_t* name) const;

@@ -149,6 +149,7 @@ TEST_F(SlowDisk, AStallCostsNoPing) {
 }
 
 TEST_F(SlowDisk, WhatFindsNoRoomIsCountedAndToldAndTheRestIsWhole) {
+  program_.LogEvents();
   program_.OpenFile(kA, L"a.log");
   InjectFault({.point = FaultPoint::writeFile, .call = 4, .held_ms = 90'000});
   // Then it takes them as slowly as they come: the queue stays full and goes round.
@@ -157,11 +158,12 @@ TEST_F(SlowDisk, WhatFindsNoRoomIsCountedAndToldAndTheRestIsWhole) {
   EXPECT_TRUE(AwaitRecords(state_, 60'000));
   EXPECT_EQ(lost_, 900u - (16u << 20) / (30'000u + uint32_t{sizeof(RecordEntry)}));
   EXPECT_EQ(WholePings(L"a.log", 30'000), sent_ - lost_);
-  const auto posts = test::TakePostedTexts();
-  ASSERT_EQ(posts.size(), lost_);
-  EXPECT_EQ(posts.back().text, L"Pings not recorded, the disk is too slow : " + std::to_wstring(lost_));
+  EXPECT_EQ(LoadShared(state_.pingsLost), lost_);
+  EXPECT_TRUE(
+      program_.FileContent(L"events.csv")
+          .ends_with("Z,pings not recorded,\"" + std::to_string(lost_) + ", the disk is too slow\"\r\n"));
   program_.OpenFile(kA, L"b.log");
-  EXPECT_EQ(test::TakePostedTexts().at(0).text, L"") << "of a former recording";
+  EXPECT_EQ(LoadShared(state_.pingsLost), 0u) << "of a former recording";
 }
 
 TEST_F(SlowDisk, ThatIsFullWhenItComesBackKeepsWholePings) {

@@ -85,11 +85,6 @@ Handle CreateNamed(const AppState& state, const char* name) {
   return CreateInFolder(state.workingFolder, wide);
 }
 
-void LogOpened(AppState& state, RecordChannel channel, const char* name) {
-  wchar_t path[kPathSize];
-  if (PathOf(state, name, path)) LogOpenedFile(state, channel, path);
-}
-
 // Why a file could not be made; to be asked right after that.
 RecordFault FaultOfCreation(const AppState& state) {
   const bool full = MeansFullDisk(LastSystemError());
@@ -129,7 +124,7 @@ Handle Begin(AppState& state, const RecordFileName& name) {
 void OpenOne(AppState& state, const RecordFileName& name, RecordChannel channel, Handle& companion) {
   const Handle file = Begin(state, name);
   PutRecordFile(state, channel, file);
-  if (file != Handle::invalid) LogOpened(state, channel, name.record);
+  if (file != Handle::invalid) LogOpenedFile(state, name.record);
   StoreShared(companion, CreateNamed(state, name.segy));
 }
 
@@ -201,9 +196,8 @@ bool SplitRecordFiles(AppState& state) {
   std::memcpy(state.nextNames[0], names.a.record, sizeof names.a.record);
   std::memcpy(state.nextNames[1], names.b.record, sizeof names.b.record);
   BeginAccount(state);
-  LogClosedFiles(state);
-  if (a != Handle::invalid) LogOpened(state, RecordChannel::a, names.a.record);
-  if (b != Handle::invalid) LogOpened(state, RecordChannel::b, names.b.record);
+  if (a != Handle::invalid) LogOpenedFile(state, names.a.record);
+  if (b != Handle::invalid) LogOpenedFile(state, names.b.record);
   OfferRecordFile(state, RecordChannel::a, a);
   OfferRecordFile(state, RecordChannel::b, b);
   FormatRecordTitle(globals.titleText, names.a.record, names.b.record);
@@ -218,13 +212,13 @@ void TakeBackOffers(AppState& state) {
     wchar_t path[kPathSize];
     const char* const name = state.nextNames[channel == RecordChannel::a ? 0 : 1];
     if (PathOf(state, name, path)) static_cast<void>(RemoveFile(path));
+    LogRemovedFile(state, name);
   }
 }
 
 void CloseRecordFiles(AppState& state) {
   TakeBackOffers(state);
   CloseBothRecordFiles(state);
-  LogClosedFiles(state);
   CloseCompanion(state, state.segyCompanionA);
   CloseCompanion(state, state.segyCompanionB);
 }

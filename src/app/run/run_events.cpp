@@ -2,7 +2,6 @@
 
 #include <cinttypes>
 #include <cstdlib>
-#include <string_view>
 
 #include "acquisition/link_return.h"
 #include "app/run/run_control.h"
@@ -10,7 +9,6 @@
 #include "base/shared_value.h"
 #include "base/text_format.h"
 #include "platform/clock.h"
-#include "platform/owned_file.h"
 
 namespace tw {
 namespace {
@@ -24,27 +22,6 @@ void FormatReceiver(std::span<char> text) {
   } else {
     FormatText(text, "receiver COM%" PRId32 " %" PRId32 " bit/s", globals.gpsPortNumber, globals.gpsBaud);
   }
-}
-
-// "20260314_093005_Dual_450kHz_id_E3105_txt12.log"; in UTF-8.
-void NameOfPath(std::span<char> name, std::wstring_view path) {
-  NarrowText(name, path.substr(path.find_last_of(kPathSeparator) + 1));
-}
-
-void FormatClosed(std::span<char> detail, const wchar_t* path) {
-  char name[256];
-  NameOfPath(name, path);
-  const OwnedFile file(OpenFileForReading(path, WriteSharing::allowed));
-  uint64_t size_bytes = 0;
-  if (file.Get() != Handle::invalid && FileSize(file.Get(), size_bytes)) {
-    FormatText(detail, "%s, %" PRIu64 " bytes", name, size_bytes);
-  } else {
-    FormatText(detail, "%s, removed", name);
-  }
-}
-
-wchar_t (&LoggedPath(AppState& state, RecordChannel channel))[kLoggedPathSize] {
-  return state.loggedFiles[channel == RecordChannel::a ? 0 : 1];
 }
 
 // Tells a loss when it begins.
@@ -112,7 +89,6 @@ void LogRunEnds(AppState& state) {
 }
 
 void LogProgramEnds(AppState& state) {
-  LogClosedFiles(state);
   LogEvent(state, "program ended", "");
 }
 
@@ -125,22 +101,14 @@ void LogSettingsChanged(AppState& state, const char* command) {
   LogEvent(state, "settings changed", detail);
 }
 
-void LogOpenedFile(AppState& state, RecordChannel channel, const wchar_t* path) {
-  CopyWide(LoggedPath(state, channel), path);
-  char name[256];
-  NameOfPath(name, path);
+void LogOpenedFile(AppState& state, const char* name) {
   LogEvent(state, "file opened", name);
 }
 
-void LogClosedFiles(AppState& state) {
-  for (wchar_t(&path)[kLoggedPathSize] : state.loggedFiles) {
-    char detail[kDetailSize];
-    if (path[0] != L'\0' && IsEventLogOn(state)) {
-      FormatClosed(detail, path);
-      LogEvent(state, "file closed", detail);
-    }
-    path[0] = L'\0';
-  }
+void LogRemovedFile(AppState& state, const char* name) {
+  char detail[kDetailSize];
+  FormatText(detail, "%s, removed", name);
+  LogEvent(state, "file closed", detail);
 }
 
 void WatchEvents(AppState& state, uint32_t now_ms) {

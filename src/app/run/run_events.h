@@ -2,7 +2,6 @@
 // thread.
 #pragma once
 
-#include "acquisition/record_file.h"
 #include "app/state/app_state.h"
 
 namespace tw {
@@ -17,10 +16,10 @@ void LogProgramEnds(AppState& state);
 // The settings in force are others, by way of this command.
 void LogSettingsChanged(AppState& state, const char* command);
 
-// A record file was opened under this path, or it was closed: how much of it there is. A file without a ping
-// may be gone by then.
-void LogOpenedFile(AppState& state, RecordChannel channel, const wchar_t* path);
-void LogClosedFiles(AppState& state);
+// A record file of this name was opened, or taken back before it held a ping. Of its closing the writer tells
+// (acquisition/record_writer.h).
+void LogOpenedFile(AppState& state, const char* name);
+void LogRemovedFile(AppState& state, const char* name);
 
 // To be called once a second with the clock's time: a lost link, a lost receiver, and what the wall clock
 // jumps against the millisecond clock, from 2 s on. Each loss is told once.

@@ -118,14 +118,9 @@ bool FormatReceiverTrouble(std::span<wchar_t> text, const ReceiverFacts& facts) 
   return true;
 }
 
+namespace {
+
 bool FormatDiskRoom(std::span<wchar_t> text, const DiskFacts& facts) {
-  CopyWide(text, L"");
-  if (!facts.wanted) return false;
-  if (facts.fault != RecordFault::none) {
-    const bool begun = facts.fault != RecordFault::folderMissing;
-    FormatWide(text, "%s%s", begun ? "Ended: " : "", ReasonOf(facts.fault));
-    return true;
-  }
   if (facts.rate_Bps == 0 || facts.free_bytes == kUnknownSpace) return false;
   const double hours =
       static_cast<double>(facts.free_bytes) / static_cast<double>(facts.rate_Bps) / kSecondsOfHour;
@@ -136,6 +131,25 @@ bool FormatDiskRoom(std::span<wchar_t> text, const DiskFacts& facts) {
     FormatWide(text, hours < 10 ? "Disk: %.1f h" : "Disk: %.0f h", hours);
   }
   return hours < kAlarmHours;
+}
+
+}  // namespace
+
+bool FormatDiskState(std::span<wchar_t> text, const DiskFacts& facts) {
+  CopyWide(text, L"");
+  if (facts.pingsLost != 0) {
+    FormatWide(text, "Pings not recorded, the disk is too slow : %" PRIu32, facts.pingsLost);
+    return true;
+  }
+  if (facts.left_bytes != 0) {
+    FormatWide(text, "Still to be written : %" PRIu64 " KB", (facts.left_bytes + 1023) / 1024);
+    return false;
+  }
+  if (!facts.wanted) return false;
+  if (facts.fault == RecordFault::none) return FormatDiskRoom(text, facts);
+  const bool begun = facts.fault != RecordFault::folderMissing;
+  FormatWide(text, "%s%s", begun ? "Ended: " : "", ReasonOf(facts.fault));
+  return true;
 }
 
 }  // namespace tw

@@ -63,16 +63,19 @@ struct ReceiverFacts {
 [[nodiscard]] bool FormatReceiverTrouble(std::span<wchar_t> text, const ReceiverFacts& facts);
 
 struct DiskFacts {
-  bool wanted;  // a run goes on and is to be recorded
+  uint32_t pingsLost;   // in front of a disk that is too slow
+  uint64_t left_bytes;  // still to be written although the run is over
+  bool wanted;          // a run goes on and is to be recorded
   RecordFault fault;
   uint64_t rate_Bps;    // bytes recorded a second; 0: not known yet
   uint64_t free_bytes;  // or kUnknownSpace
 };
 
-// How long the disk takes the recording on: "Disk: 23 h", below ten hours "Disk: 1.5 h", below one
-// "Disk: 20 min", empty above 24; or why there is no recording:
-// "Ended: disk full", "folder missing". True when that is an
-// alarm: less than two hours are left, or nothing is recorded.
-[[nodiscard]] bool FormatDiskRoom(std::span<wchar_t> text, const DiskFacts& facts);
+// What the last part of the status bar tells, the worst first: "Pings not recorded, the disk is too slow :
+// 7"; "Still to be written : 12 KB"; why there is no recording, "Ended: disk full", "folder missing"; how
+// long the disk takes the recording on, "Disk: 23 h", below ten hours "Disk: 1.5 h", below one "Disk: 20
+// min", and nothing above 24. True when that is an alarm: pings are lost, nothing is recorded, or less than
+// two hours are left.
+[[nodiscard]] bool FormatDiskState(std::span<wchar_t> text, const DiskFacts& facts);
 
 }  // namespace tw

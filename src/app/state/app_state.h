@@ -29,7 +29,6 @@ class PingSource;
 class RecordWriter;
 
 inline constexpr size_t kWorkingFolderSize = 260;
-inline constexpr size_t kLoggedPathSize = 1'024;
 inline constexpr int32_t kNoGpsPort = -1;
 inline constexpr uint32_t kPlaybackPace_ms = 16;
 inline constexpr int32_t kPlaybackSpan = 320;
@@ -175,6 +174,8 @@ struct AppState {
   int32_t recordFault;            // a RecordFault of the files that were opened last; shared
   uint32_t recordedPings;         // in them; shared
   uint64_t recordedBytes;         // shared
+  uint32_t pingsLost;             // found no room in front of the disk, since files were opened; shared
+  uint64_t leftToWrite_bytes;     // what somebody has stopped waiting for, until it is written; shared
   uint32_t lastPing_ms;           // the millisecond clock at the newest ping, or when its worker was started;
                                   // shared
   uint32_t receiverByte_ms;       // at the GPS receiver's last byte, or when its worker was started; shared
@@ -191,11 +192,10 @@ struct AppState {
   Options options;  // GUI thread
   EventLog eventLog;
   EventWatch eventWatch;
-  wchar_t loggedFiles[2][kLoggedPathSize];  // record files whose closing is still to be logged; GUI thread
-  wchar_t devicePortName[kPortNameSize];    // of the run; GUI thread
-  wchar_t gpsPortName[kPortNameSize];       // empty: none
-  wchar_t rememberedRange[64];              // combo texts at the last Start or Apply; GUI thread
-  wchar_t rememberedRangeDual[64];          // given, unread
+  wchar_t devicePortName[kPortNameSize];  // of the run; GUI thread
+  wchar_t gpsPortName[kPortNameSize];     // empty: none
+  wchar_t rememberedRange[64];            // combo texts at the last Start or Apply; GUI thread
+  wchar_t rememberedRangeDual[64];        // given, unread
   wchar_t rememberedOutput[64];
   wchar_t rememberedInterval[64];  // given, unread
 };

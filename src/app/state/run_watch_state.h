@@ -17,7 +17,7 @@ struct RunWatch {
   int32_t faultTold;         // the recording's end by the disk has been told
   int32_t receiverTold;      // the status bar tells that the receiver is silent, in place of its port
   uint32_t receiverTold_s;   // since when
-  wchar_t roomText[64];      // in the last part of the status bar
+  wchar_t diskText[64];      // in the last part of the status bar
 };
 
 }  // namespace tw

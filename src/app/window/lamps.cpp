@@ -87,16 +87,18 @@ void ShowReceiverTrouble(AppState& state, const ReceiverFacts& facts) {
   }
 }
 
-void ShowDiskRoom(AppState& state) {
-  wchar_t text[std::size(RunWatch{}.roomText)];
-  const bool alarm = FormatDiskRoom(text, {.wanted = WantsRecording(state),
-                                           .fault = FaultShown(state),
-                                           .rate_Bps = state.watch.rate_Bps,
-                                           .free_bytes = SpaceLeft(state)});
-  if (std::wcscmp(text, state.watch.roomText) == 0) return;
-  CopyWide(state.watch.roomText, text);
+void ShowDiskState(AppState& state) {
+  wchar_t text[std::size(RunWatch{}.diskText)];
+  const bool alarm = FormatDiskState(text, {.pingsLost = LoadShared(state.pingsLost),
+                                            .left_bytes = LoadShared(state.leftToWrite_bytes),
+                                            .wanted = WantsRecording(state),
+                                            .fault = FaultShown(state),
+                                            .rate_Bps = state.watch.rate_Bps,
+                                            .free_bytes = SpaceLeft(state)});
+  if (std::wcscmp(text, state.watch.diskText) == 0) return;
+  CopyWide(state.watch.diskText, text);
   if (alarm) {
-    SetStatusAlarm(state, StatusPart::empty, state.watch.roomText);
+    SetStatusAlarm(state, StatusPart::empty, state.watch.diskText);
   } else {
     SetStatusText(state, StatusPart::empty, text);
   }
@@ -110,7 +112,7 @@ void ShowLamps(AppState& state, uint32_t now_ms) {
   const ReceiverFacts receiver = CollectReceiver(state, now_ms);
   ShowLamp(state, ID_RECEIVER_LAMP, LampOf(receiver));
   ShowReceiverTrouble(state, receiver);
-  ShowDiskRoom(state);
+  ShowDiskState(state);
 }
 
 }  // namespace tw

@@ -89,6 +89,7 @@ void BeginShutDown(AppState& state) {
   StopOutputs(state);
   StoreShared(globals.screenshotRequested, 1);
   CloseRecordFile(state, RecordChannel::a);
+  TellRecordFile(state, RecordChannel::b);                   // kept: closed with the process
   static_cast<void>(AwaitRecords(state, kWritingLimit_ms));  // whatever is left goes with the process
   LogProgramEnds(state);
 }

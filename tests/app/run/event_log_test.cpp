@@ -14,6 +14,8 @@
 namespace tw::test {
 namespace {
 
+const std::regex kTime("2025-03-14T[0-9:.]{12}Z");
+
 class Events : public RunControlTest {
  protected:
   Events() {
@@ -26,8 +28,9 @@ class Events : public RunControlTest {
 
   // Without what is another in each run: times, and sizes of files.
   [[nodiscard]] std::string Told() const {
-    const std::string untimed = std::regex_replace(Log(), std::regex("2025-03-14T[0-9:.]{12}Z"), "T");
-    return std::regex_replace(untimed, std::regex("[1-9][0-9]* bytes"), "N bytes");
+    const std::string untimed = std::regex_replace(Log(), kTime, "T");
+    return std::regex_replace(untimed, std::regex("[1-9][0-9]* pings, [1-9][0-9]* bytes"),
+                              "N pings, N bytes");
   }
 };
 
@@ -58,10 +61,10 @@ TEST_F(Events, OfARunStandInTheirOrder) {
             "T,file opened,\"" +
                 files[0] +
                 "\"\r\n"
-                "T,settings changed,\"Apply: output 2, range 30000 mm, interval 0 ms, 921600 bit/s\"\r\n"
                 "T,file closed,\"" +
                 files[0] +
-                ", N bytes\"\r\n"
+                ", N pings, N bytes\"\r\n"
+                "T,settings changed,\"Apply: output 2, range 30000 mm, interval 0 ms, 921600 bit/s\"\r\n"
                 "T,file opened,\"" +
                 files[1] +
                 "\"\r\n"
@@ -69,19 +72,30 @@ TEST_F(Events, OfARunStandInTheirOrder) {
                 "T,lost,\"no data\"\r\n"
                 "T,back,\"\"\r\n"
                 "T,receiver lost,\"its port has failed\"\r\n"
-                "T,lost,\"the run ends\"\r\n"
                 "T,file closed,\"" +
                 files[1] +
-                ", N bytes\"\r\n"
+                ", N pings, N bytes\"\r\n"
+                "T,lost,\"the run ends\"\r\n"
                 "T,stop,\"\"\r\n");
 }
 
 TEST_F(Events, EndWithTheProgram) {
-  StartQuickRun(2);
+  sim::SounderOptions options = QuickSounder();
+  options.dual = true;
+  ConnectSounder(options);
+  StartRun(*state_);
+  Run(2);
   BeginShutDown(*state_);
-  const std::string file = RecordFiles()[0];
-  EXPECT_TRUE(Told().ends_with("T,file closed,\"" + file + ", N bytes\"\r\nT,program ended,\"\"\r\n"))
-      << Told();
+  std::string closed;
+  for (const size_t i : {1u, 0u}) {  // the first channel's, then the second's
+    const std::string content = Content(RecordFiles()[i]);
+    size_t pings = 0;
+    for (size_t at = 0; (at = content.find("##DataStart", at)) != content.npos; ++at) ++pings;
+    closed += "T,file closed,\"" + RecordFiles()[i] + ", " + std::to_string(pings) + " pings, " +
+              std::to_string(content.size()) + " bytes\"\r\n";
+  }
+  const std::string told = std::regex_replace(Log(), kTime, "T");
+  EXPECT_TRUE(told.ends_with(closed + "T,program ended,\"\"\r\n")) << told << closed;
 }
 
 TEST_F(Events, OfTenMegabytesAreRenamedOnce) {

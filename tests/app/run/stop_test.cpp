@@ -87,11 +87,13 @@ TEST_F(StopTest, AStalledDiskHoldsNobodyUpForMoreThanThreeSecondsAndLosesNothing
   EXPECT_GE(took_ms, 3'000u);
   EXPECT_LE(took_ms, 3'010u);
   ExpectIdle();
-  EXPECT_TRUE(Ui().posts[4].back().starts_with(L"Still to be written : ")) << "what is left is told";
+  HandleTimer(*state_, ID_TIMER_REPAINT);
+  EXPECT_TRUE(Ui().status[4].starts_with(L"Still to be written : ")) << "what is left is told";
   EXPECT_EQ(Content(first).size(), before);
   StartRun(*state_);
   Run(60);
-  EXPECT_EQ(Ui().posts[4].back(), L"");
+  HandleTimer(*state_, ID_TIMER_REPAINT);
+  EXPECT_EQ(Ui().status[4], L"");
   StopRun(*state_);
   EXPECT_EQ(RecordFiles().size(), 5u);
   for (const std::string& name : RecordFiles()) ExpectWhole(name);

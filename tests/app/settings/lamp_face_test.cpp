@@ -93,27 +93,33 @@ TEST(ReceiverLamp, SilenceIsJudgedByTheTimesOfBytesAndSentences) {
   EXPECT_EQ(JudgeReceiver({1'005, 1'005}, 5'000, 1'000), tells);
 }
 
-TEST(DiskRoom, IsToldFromADayDownAndAlarmsBelowTwoHours) {
+TEST(DiskState, IsToldTheWorstFirstAndItsRoomFromADayDown) {
   constexpr uint64_t kHour_bytes = 3'600 * 1'000;
   const struct {
     DiskFacts facts;
     const wchar_t* text;
     bool alarm;
   } rows[] = {
-      {{false, RecordFault::diskFull, 1'000, 0}, L"", false},
-      {{true, RecordFault::none, 1'000, 24 * kHour_bytes + 1'000}, L"", false},
-      {{true, RecordFault::none, 1'000, 24 * kHour_bytes}, L"Disk: 24 h", false},
-      {{true, RecordFault::none, 1'000, 2 * kHour_bytes}, L"Disk: 2.0 h", false},
-      {{true, RecordFault::none, 1'000, 3 * kHour_bytes / 2}, L"Disk: 1.5 h", true},
-      {{true, RecordFault::none, 1'000, kHour_bytes - 1}, L"Disk: 59 min", true},
-      {{true, RecordFault::none, 0, 1}, L"", false},
-      {{true, RecordFault::none, 1, kUnknownSpace}, L"", false},
-      {{true, RecordFault::diskFull, 1'000, 0}, L"Ended: disk full", true},
-      {{true, RecordFault::folderMissing, 0, kUnknownSpace}, L"folder missing", true},
+      {{7, 2'048, true, RecordFault::diskFull, 1'000, 0},
+       L"Pings not recorded, the disk is too slow : 7",
+       true},
+      {{7, 0, false, RecordFault::none, 0, 0}, L"Pings not recorded, the disk is too slow : 7", true},
+      {{0, 2'049, true, RecordFault::diskFull, 1'000, 0}, L"Still to be written : 3 KB", false},
+      {{0, 1, true, RecordFault::none, 1'000, kHour_bytes}, L"Still to be written : 1 KB", false},
+      {{0, 0, false, RecordFault::diskFull, 1'000, 0}, L"", false},
+      {{0, 0, true, RecordFault::none, 1'000, 24 * kHour_bytes + 1'000}, L"", false},
+      {{0, 0, true, RecordFault::none, 1'000, 24 * kHour_bytes}, L"Disk: 24 h", false},
+      {{0, 0, true, RecordFault::none, 1'000, 2 * kHour_bytes}, L"Disk: 2.0 h", false},
+      {{0, 0, true, RecordFault::none, 1'000, 3 * kHour_bytes / 2}, L"Disk: 1.5 h", true},
+      {{0, 0, true, RecordFault::none, 1'000, kHour_bytes - 1}, L"Disk: 59 min", true},
+      {{0, 0, true, RecordFault::none, 0, 1}, L"", false},
+      {{0, 0, true, RecordFault::none, 1, kUnknownSpace}, L"", false},
+      {{0, 0, true, RecordFault::diskFull, 1'000, 0}, L"Ended: disk full", true},
+      {{0, 0, true, RecordFault::folderMissing, 0, kUnknownSpace}, L"folder missing", true},
   };
   for (const auto& row : rows) {
     wchar_t text[64] = L"x";
-    EXPECT_EQ(FormatDiskRoom(text, row.facts), row.alarm) << row.facts.free_bytes;
+    EXPECT_EQ(FormatDiskState(text, row.facts), row.alarm) << row.facts.free_bytes;
     EXPECT_STREQ(text, row.text);
   }
 }
