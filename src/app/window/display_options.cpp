@@ -15,7 +15,8 @@ void PutDisplayOptionsInForce(AppState& state) {
 
 void TryDisplayOptions(AppState& state, const Options& shown) {
   for (const OptionRow& row : OptionRows()) {
-    if (row.page == OptionPage::display || row.page == OptionPage::playback) state.options.*row.value = shown.*row.value;
+    if (row.page == OptionPage::display || row.page == OptionPage::playback)
+      state.options.*row.value = shown.*row.value;
   }
   PutDisplayOptionsInForce(state);
 }
