@@ -40,9 +40,9 @@ endfunction()
 
 # tw_test(NAME SOURCES… LINK libraries… [THREADED]): one GoogleTest program, its cases listed one by one.
 # THREADED ones run real threads on the real clock and are built for the race detector too. LARGE ones look at
-# millions of values. SHIPPED ones run on the platform layer that ships, all others on the virtual one.
+# millions of values. LONG ones have a form that takes long (TW_FULL). SHIPPED ones run on the platform layer that ships, all others on the virtual one.
 function(tw_test name)
-  cmake_parse_arguments(arg "THREADED;LARGE;SHIPPED" "" "SOURCES;LINK" ${ARGN})
+  cmake_parse_arguments(arg "THREADED;LARGE;SHIPPED;LONG" "" "SOURCES;LINK" ${ARGN})
   if(TW_THREADED_TESTS_ONLY AND NOT arg_THREADED)
     return()
   endif()
@@ -54,6 +54,10 @@ function(tw_test name)
     tw_virtual_platform(${name})
   endif()
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
+  set(limit_s 300)
+  if(arg_LONG)
+    set(limit_s 7200)
+  endif()
   if(TW_SANITIZE AND NOT arg_LARGE)
     # Instrumented test code takes twice as long to optimise as to run as it is.
     target_compile_options(${name} PRIVATE -O0)
@@ -62,6 +66,6 @@ function(tw_test name)
     add_test(NAME ${TW_TEST_PREFIX}${name} COMMAND ${name})
   else()
     gtest_discover_tests(${name} TEST_PREFIX ${TW_TEST_PREFIX}${side} DISCOVERY_TIMEOUT 60
-                         PROPERTIES TIMEOUT 300)
+                         PROPERTIES TIMEOUT ${limit_s})
   endif()
 endfunction()

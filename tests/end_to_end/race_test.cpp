@@ -1,12 +1,14 @@
 // The whole program but its window on the real clock. Against echosim on pseudo terminals: acquisition, GPS
 // and painting at once, workers restarted every second, the run stopped and started every six. Then a pair of
-// recordings, played and steered while the view paints. What the race detector says is the result; the rest
-// shows that there was something to race for.
+// recordings, played and steered while the view paints. And runs that lose their link and go on. What the
+// race detector says is the result; the rest shows that there was something to race for.
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <optional>
 #include <random>
 #include <string>
 #include <thread>
@@ -17,8 +19,10 @@
 #include "acquisition/live_worker.h"
 #include "app/run/worker_control.h"
 #include "app/settings/family_controls.h"
+#include "app/state/event_log.h"
 #include "app/window/commands.h"
 #include "app/window/control_ids.h"
+#include "app/window/depth_outputs.h"
 #include "app/window/file_commands.h"
 #include "base/shared_value.h"
 #include "display/marks_overlay.h"
@@ -263,6 +267,115 @@ TEST(Race, PlaybackIsSteeredWhileTheViewPaints) {
   EXPECT_GE(pairs, 1);
   std::printf("%d playbacks, %d of pairs, %d frames\n", playbacks, pairs, painter.Frames());
   SetDocumentsFolder(nullptr);
+}
+
+enum class Loss : uint8_t {
+  terminal,  // it dies, and another stands under its name; the device streams on
+  stop,      // as `power`, and the operator stops the run on its way back
+  silence,   // for a while
+  power,     // as `terminal`, but the device begins anew and does not stream
+};
+
+// Everything about a run that is a thread of its own, a file or a step of the come-back, again and again.
+class LossyRuns {
+ public:
+  LossyRuns() : state_(StartedProgram(folder_, L"921600", L"115200")), painter_(state_) {
+    Options& options = state_.options;
+    options.keepRunGoing = options.splitBySize = options.eventLog = options.sendUdp = 1;
+    options.silence_s = 1;
+    options.splitSize_MB = 0;  // a new file each second
+    RestartOutputs(state_);
+    DirectEventLog(state_);
+  }
+  ~LossyRuns() {
+    StopOutputs(state_);
+    DetachSerialLines();
+    SetDocumentsFolder(nullptr);
+  }
+
+  void Run(int cycle) {
+    const Loss loss{static_cast<uint8_t>(cycle % 4)};
+    SwitchOn(true);
+    Ui().controls[ID_RECORD].checked = true;
+    StartRun(state_);
+    ASSERT_NE(state_.acquisitionThread, Handle::null);
+    Live(milliseconds(300));
+    const uint32_t lost_ms = LoadShared(state_.linkAwaySince_ms);
+    Lose(loss);
+    LiveUntil([&] { return LoadShared(state_.linkAwaySince_ms) != lost_ms; });
+    ASSERT_NE(LoadShared(state_.linkAwaySince_ms), lost_ms) << "the loss was not noticed";
+    if (loss == Loss::silence) simulator_->Release();
+    if (cycle % 8 < 4) Signal(state_.linkRetry);
+    if (loss == Loss::stop) {
+      Live(milliseconds(cycle * 370 % 7'000));  // somewhere in the come-back
+    } else {
+      ASSERT_NO_FATAL_FAILURE(GoOn(cycle));
+    }
+    StopRun(state_);
+    ASSERT_TRUE(Ui().boxes.empty());
+  }
+
+  [[nodiscard]] size_t Files() const {
+    const std::filesystem::directory_iterator files(folder_.Path() / "TIDEWRITERR57_DATA");
+    return static_cast<size_t>(std::distance(begin(files), end(files)));
+  }
+  [[nodiscard]] int Returns() const { return returns_; }
+
+ private:
+  void SwitchOn(bool streaming) {
+    std::vector<std::string> words = {"--samples", "400",        "--rate", "25",          "--mode",
+                                      "4",         "--speed",    "921600", "--dual",      "--depth",
+                                      "4",         "--gps-rate", "10",     "--gps-speed", "115200"};
+    if (streaming) words.emplace_back("--streaming");
+    simulator_.reset();
+    simulator_.emplace(TW_ECHOSIM, folder_, words);
+  }
+  void Lose(Loss loss) { loss == Loss::silence ? simulator_->Hold() : SwitchOn(loss == Loss::terminal); }
+
+  void GoOn(int cycle) {
+    LiveUntil([&] { return LoadShared(state_.linkAway) == 0; });
+    ASSERT_EQ(LoadShared(state_.linkAway), 0) << "the run did not go on";
+    ++returns_;
+    Live(milliseconds(200));
+    ChooseAnyhow(state_, cycle);
+    ApplySettings(state_);
+    const int32_t before = NewestSlot(state_);
+    LiveUntil([&] { return NewestSlot(state_) != before; });
+    ASSERT_NE(NewestSlot(state_), before);
+  }
+
+  // The window's timer comes more often than each second, so that a split is near everything.
+  void Frame() {
+    painter_.Paint();
+    HandleTimer(state_, ID_TIMER_REPAINT);
+    HandleTimer(state_, ID_TIMER_LINK);
+    std::this_thread::sleep_for(kFrame);
+  }
+  void Live(milliseconds length) {
+    for (const auto end = Clock::now() + length; Clock::now() < end;) Frame();
+  }
+  template <typename Happened>
+  void LiveUntil(Happened happened) {
+    for (const auto end = Clock::now() + seconds(60); !happened() && Clock::now() < end;) Frame();
+  }
+
+  const TestFolder folder_;
+  AppState& state_;
+  Painter painter_;
+  std::optional<SimulatorProcess> simulator_;
+  int returns_ = 0;
+};
+
+TEST(Race, LinksAreLostAndComeBackWhileTheViewPaints) {
+  const int cycles = std::getenv("TW_FULL") != nullptr ? 200 : 2;
+  LossyRuns runs;
+  for (int i = 0; i < cycles; ++i) {
+    SCOPED_TRACE(i);
+    ASSERT_NO_FATAL_FAILURE(runs.Run(i));
+  }
+  EXPECT_EQ(runs.Returns(), cycles - (cycles + 2) / 4) << "all but the stopped ones";
+  EXPECT_GT(runs.Files(), static_cast<size_t>(cycles) * 2);
+  std::printf("%d cycles, %d returns, %zu files\n", cycles, runs.Returns(), runs.Files());
 }
 
 }  // namespace

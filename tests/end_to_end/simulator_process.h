@@ -47,9 +47,13 @@ class SimulatorProcess {
   }
   ~SimulatorProcess() {
     kill(process_, SIGTERM);
+    kill(process_, SIGCONT);  // in case it is held
     int status = 0;
     EXPECT_EQ(waitpid(process_, &status, 0), process_);
   }
+  // It falls silent, with its terminals open, and goes on where it stood.
+  void Hold() { EXPECT_EQ(kill(process_, SIGSTOP), 0); }
+  void Release() { EXPECT_EQ(kill(process_, SIGCONT), 0); }
   SimulatorProcess(const SimulatorProcess&) = delete;
   SimulatorProcess& operator=(const SimulatorProcess&) = delete;
 
