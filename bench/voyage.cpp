@@ -33,8 +33,8 @@ void Print(const VoyageFigures& figures, double wall_s) {
   std::printf("files %" PRIu64 ", bytes %" PRIu64 ", hash %016" PRIx64 "\n", figures.files, figures.bytes,
               figures.hash);
   std::printf("resident %.1f MiB after 60,000 s, %.1f MiB at the end\n",
-              static_cast<double>(figures.residentEarly) / 1'048'576,
-              static_cast<double>(figures.residentAtEnd) / 1'048'576);
+              static_cast<double>(figures.early.bytes) / 1'048'576,
+              static_cast<double>(figures.atEnd.bytes) / 1'048'576);
   std::printf("wall time %.0f s\n", wall_s);
 }
 
@@ -44,7 +44,7 @@ TEST_F(LongVoyage, NoPingIsLostButTheExcusedOnes) {
   const auto begin = std::chrono::steady_clock::now();
   const VoyageFigures figures = Sail(plan);
   constexpr size_t kGrowth = 2 << 20;
-  EXPECT_TRUE(figures.residentEarly == 0 || figures.residentAtEnd < figures.residentEarly + kGrowth);
+  EXPECT_TRUE(plan.duration_s < 120'000 || figures.atEnd.bytes < figures.early.bytes + kGrowth);
   Print(figures, std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count());
 }
 

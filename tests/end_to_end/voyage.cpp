@@ -1,15 +1,20 @@
 #include "tests/end_to_end/voyage.h"
 
+#include <malloc.h>
+
 #include <algorithm>
+#include <filesystem>
 #include <iterator>
 
 #include "acquisition/output_mode.h"
 #include "acquisition/ping_record.h"
 #include "app/settings/family_controls.h"
 #include "app/window/commands.h"
+#include "base/shared_value.h"
 #include "platform/clock.h"
 #include "platform/memory.h"
 #include "platform/virtual/virtual_clock.h"
+#include "tests/end_to_end/lossy_peer.h"
 #include "tests/end_to_end/received_pings.h"
 
 namespace tw::test {
@@ -40,36 +45,6 @@ bool HasFix(std::string_view gga) {
 }
 
 }  // namespace
-
-// A line that can be cut, and be mended again.
-class LossyPeer final : public SimulatorPeer {
- public:
-  using SimulatorPeer::SimulatorPeer;
-  enum class Link : uint8_t { up, silent, hungUp };
-  Link link = Link::up;
-
-  bool Open(const char* mode) override {
-    Discard(VirtualNow_us());
-    return link != Link::hungUp && SimulatorPeer::Open(mode);
-  }
-  void Receive(std::span<const uint8_t> bytes, int64_t now_us) override {
-    if (link == Link::up) SimulatorPeer::Receive(bytes, now_us);
-  }
-  size_t Send(std::span<uint8_t> out, int64_t now_us) override {
-    if (link == Link::up) return SimulatorPeer::Send(out, now_us);
-    Discard(now_us);
-    return 0;
-  }
-  size_t Waiting(int64_t now_us) override { return link == Link::up ? SimulatorPeer::Waiting(now_us) : 0; }
-  bool HungUp(int64_t) override { return link == Link::hungUp; }
-
- private:
-  void Discard(int64_t now_us) {
-    uint8_t scrap[4'096];
-    while (SimulatorPeer::Send(scrap, now_us) > 0) {
-    }
-  }
-};
 
 // The log.
 
@@ -183,8 +158,7 @@ void Voyage::Begin() {
   options.delivery_us = kDelivery_us;
   options.outputMode = 4;
   options.logSize = 1'024;  // kept by the devices; filled long before memory is measured
-  ConnectSounder(options, &log_);
-  peer_ = std::make_unique<LossyPeer>(*sounder_);
+  peer_ = std::make_unique<LossyPeer>(options, log_);
   AttachPeer(kDeviceLine, peer_.get());
   ConnectGps({.delivery_us = 100'000, .logSize = options.logSize});
   ChooseGps();
@@ -255,6 +229,34 @@ void Voyage::FallSilent() {
   log_.Close();
 }
 
+// The device is at its prompt, perhaps at its own speed, and sends nothing that need not be recorded.
+void Voyage::LosePower() {
+  ++log_.figures.powerLosses;
+  log_.Open(Excuse::linkDown);
+  peer_->link = Draw(0, 1) == 1 ? LossyPeer::Link::hungUp : LossyPeer::Link::silent;
+  peer_->PowerOn(Draw(0, 1) == 1 ? 115'200 : 921'600);
+  Leg(Draw(1, 60));
+  peer_->link = LossyPeer::Link::up;
+  log_.Close();
+  const uint64_t before = log_.figures.recorded;
+  for (int i = 0; i < 180 && log_.figures.recorded == before; ++i) Leg(1);
+  EXPECT_EQ(LoadShared(state_->linkAway), 0);
+}
+
+// What the line brings meanwhile is lost; at times its handle is dead afterwards.
+void Voyage::FallAsleep() {
+  ++log_.figures.sleeps;
+  log_.Open(Excuse::linkDown);
+  peer_->link = Draw(0, 1) == 1 ? LossyPeer::Link::hungUp : LossyPeer::Link::silent;
+  SuspendMachine(Draw(5, 600) * kSecond_us);
+  peer_->Discard(VirtualNow_us());
+  Leg(Draw(0, 3));
+  peer_->link = LossyPeer::Link::up;
+  Signal(state_->linkRetry);
+  Leg(1);
+  AwaitLink();
+}
+
 void Voyage::ApplyAnotherMode() {
   constexpr int32_t kModes[] = {4, 2, 100, 101, 3, 1, 6, 7, 8, 9};
   ++log_.figures.applies;
@@ -283,6 +285,26 @@ void Voyage::PauseRecording() {
   log_.Close();
 }
 
+void Voyage::Happen() {
+  using Event = void (Voyage::*)();
+  constexpr Event kEvents[] = {&Voyage::HangUp, &Voyage::FallSilent, &Voyage::ApplyAnotherMode,
+                               &Voyage::ApplyAnotherMode, &Voyage::PauseRecording,
+                               // with a run that goes on alone
+                               &Voyage::FallAsleep, &Voyage::FallAsleep, &Voyage::LosePower};
+  const int32_t event = Draw(0, goesOn_ ? 13 : 4);
+  (this->*kEvents[static_cast<size_t>(event) < std::size(kEvents) ? event : 0])();
+}
+
+Held Voyage::Measure() const {
+  malloc_trim(0);  // what this test itself has given back since the longest sleep
+  const auto count = [](const char* folder) {
+    const std::filesystem::directory_iterator entries(folder);
+    return static_cast<size_t>(std::distance(begin(entries), end(entries)));
+  };
+  return {ResidentBytes(), count("/proc/self/task"), count("/proc/self/fd"),
+          peer_->IsOpen() + gpsPeer_->Opened() - gpsPeer_->Closed()};
+}
+
 VoyageFigures Voyage::Sail(const VoyagePlan& plan) {
   draws_ = plan.seed;
   goesOn_ = plan.goesOn;
@@ -290,21 +312,16 @@ VoyageFigures Voyage::Sail(const VoyagePlan& plan) {
   Begin();
   Start();
   const uint32_t runNumber = LoadShared(state_->runNumber);
+  const int32_t filled_s = std::min(kFilled_s, plan.duration_s / 2);
   const auto sailed_s = [] { return VirtualNow_us() / kSecond_us; };
   while (sailed_s() < plan.duration_s && !HasFailure() && log_.firstFailure.empty()) {
     Leg(Draw(plan.shortestLeg_s, plan.longestLeg_s));
-    using Event = void (Voyage::*)();
-    constexpr Event kEvents[] = {&Voyage::HangUp, &Voyage::FallSilent, &Voyage::ApplyAnotherMode,
-                                 &Voyage::ApplyAnotherMode, &Voyage::PauseRecording};
-    const size_t event = goesOn_ ? Draw(0, 9) : Draw(0, std::size(kEvents) - 1);
-    (this->*kEvents[event < std::size(kEvents) ? event : 0])();
+    Happen();
     EXPECT_TRUE(!goesOn_ || LoadShared(state_->runNumber) == runNumber) << "one run";
     ForgetPosts();
-    if (log_.figures.residentEarly == 0 && sailed_s() >= kFilled_s) {
-      log_.figures.residentEarly = ResidentBytes();
-    }
+    if (log_.figures.early.bytes == 0 && sailed_s() >= filled_s) log_.figures.early = Measure();
   }
-  log_.figures.residentAtEnd = ResidentBytes();
+  log_.figures.atEnd = Measure();
   log_.Open(Excuse::stop);
   StopRun(*state_);
   log_.Finish();

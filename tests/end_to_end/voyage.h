@@ -1,8 +1,9 @@
 // A long voyage on the virtual clock: the program (all of it but the window) runs against the virtual
 // echosounder at ten pings a second and the virtual GPS receiver, and records. Between legs something
 // happens: the link hangs up or falls silent, the operator applies another output mode, or switches recording
-// off for a while. Each ping must be in a record file, byte for byte and in its place, unless it was sent
-// while the link was down, during an Apply, or with recording off; those are counted apart.
+// off for a while. A run that goes on by itself also sees its device without power and the machine asleep.
+// Each ping must be in a record file, byte for byte and in its place, unless it was sent while the link was
+// down, during an Apply, or with recording off; those are counted apart.
 //
 // The record files keep nothing: what is written is compared at once, and goes into a running hash.
 #pragma once
@@ -25,12 +26,20 @@ struct VoyagePlan {
   int32_t shortestLeg_s;
   int32_t longestLeg_s;
   uint64_t seed = 1;
-  bool goesOn = false;  // a lost link ends no run, files are of an hour, and the link is lost more often
+  bool goesOn = false;  // a lost link ends no run, files are of an hour, and more happens
 };
 
 // Why a ping need not be recorded.
 enum class Excuse : uint8_t { none, linkDown, apply, recordingOff, stop };
 inline constexpr size_t kExcuses = 5;
+
+// What the process holds of the system.
+struct Held {
+  size_t bytes = 0;
+  size_t threads = 0;
+  size_t descriptors = 0;
+  int lines = 0;  // open serial lines
+};
 
 struct VoyageFigures {
   uint64_t sent = 0;
@@ -42,11 +51,13 @@ struct VoyageFigures {
   uint64_t silences = 0;
   uint64_t applies = 0;
   uint64_t pauses = 0;  // of recording
+  uint64_t sleeps = 0;  // of the machine
+  uint64_t powerLosses = 0;
   uint64_t files = 0;
   uint64_t bytes = 0;
-  uint64_t hash = 0;         // of all recorded bytes: the same for the same plan
-  size_t residentEarly = 0;  // bytes, when rings and the simulator's logs have been filled
-  size_t residentAtEnd = 0;
+  uint64_t hash = 0;  // of all recorded bytes: the same for the same plan
+  Held early;         // when rings and the simulator's logs have been filled
+  Held atEnd;
 };
 
 // What the device says it sent against what is written.
@@ -54,6 +65,8 @@ class VoyageLog final : public sim::PingObserver, public FileSink {
  public:
   void PingMade(const sim::SentPing& ping, std::span<const uint16_t> samples) override;
   void PingEnded(const sim::SentPing& ping) override;
+  // The device that sent so far sends no more.
+  void PowerOff() { leaving_ = 0; }
   void Written(std::wstring_view path, uint64_t offset, std::span<const uint8_t> bytes) override;
 
   // From now on pings are excused; those that are on their way too.
@@ -101,10 +114,14 @@ class Voyage : public RunControlTest {
   void AwaitLink();
   void HangUp();
   void FallSilent();
+  void LosePower();
+  void FallAsleep();
   void ApplyAnotherMode();
   void PauseRecording();
   void SetRecording(bool on);
   void ForgetPosts();
+  void Happen();
+  [[nodiscard]] Held Measure() const;
   [[nodiscard]] int32_t Draw(int32_t least, int32_t most);
 
   VoyageLog log_;

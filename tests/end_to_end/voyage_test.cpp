@@ -28,16 +28,26 @@ TEST_F(ShortVoyage, NoPingIsLostButTheExcusedOnes) {
 TEST_F(ShortVoyage, ARunGoesOnThroughAllOfIt) {
   const bool full = std::getenv("TW_FULL") != nullptr;
   const VoyageFigures figures =
-      Sail(full ? VoyagePlan{72 * 3'600, 30, 350, 1, true} : VoyagePlan{3'600, 5, 60, 1, true});
+      Sail(full ? VoyagePlan{72 * 3'600, 20, 270, 1, true} : VoyagePlan{4'800, 5, 60, 1, true});
   EXPECT_GT(figures.recorded, full ? 1'500'000u : 10'000u);
   EXPECT_GT(figures.hangUps, full ? 500u : 10u);
-  EXPECT_GT(figures.silences, full ? 70u : 1u);
-  EXPECT_GT(figures.files, full ? 70u : 0u);
-  EXPECT_TRUE(!full || figures.residentAtEnd < figures.residentEarly + (2 << 20));
+  EXPECT_GT(figures.silences, full ? 50u : 1u);
+  EXPECT_GT(figures.sleeps, full ? 100u : 1u);
+  EXPECT_GT(figures.powerLosses, full ? 50u : 1u);
+  EXPECT_GT(figures.files, full ? 70u : 1u);
+  EXPECT_EQ(figures.atEnd.threads, figures.early.threads);
+  EXPECT_EQ(figures.atEnd.descriptors, figures.early.descriptors);
+  EXPECT_EQ(figures.atEnd.lines, figures.early.lines);
+  EXPECT_TRUE(!full || figures.atEnd.bytes < figures.early.bytes + (2 << 20));
   std::printf("sent %" PRIu64 ", recorded %" PRIu64 ", link down %" PRIu64 ", without excuse %" PRIu64
-              ", hang-ups %" PRIu64 ", silences %" PRIu64 ", files %" PRIu64 ", resident %zu then %zu KiB\n",
+              ", hang-ups %" PRIu64 ", silences %" PRIu64 ", sleeps %" PRIu64 ", power losses %" PRIu64
+              ", files %" PRIu64 "\n",
               figures.sent, figures.recorded, figures.lost[1], figures.lost[0], figures.hangUps,
-              figures.silences, figures.files, figures.residentEarly >> 10, figures.residentAtEnd >> 10);
+              figures.silences, figures.sleeps, figures.powerLosses, figures.files);
+  for (const Held& held : {figures.early, figures.atEnd}) {
+    std::printf("%zu KiB, %zu threads, %zu descriptors, %d lines\n", held.bytes >> 10, held.threads,
+                held.descriptors, held.lines);
+  }
 }
 
 }  // namespace

@@ -72,5 +72,23 @@ TEST(VirtualClock, TheEarliestDeadlineRunsNextAndTiesGoByThreadNumber) {
             (std::vector<std::string>{"b20", "a30", "b40", "main60", "a60", "b60", "b80", "a90"}));
 }
 
+TEST(VirtualClock, NobodyRunsWhileTheMachineIsSuspended) {
+  Diary diary;
+  {
+    const VirtualClock clock(kStart_ms);
+    CloseThread(Start<[](Diary& inside) {
+      for (int i = 0; i < 3; ++i) {
+        SleepMilliseconds(30);
+        inside.Note("a");
+      }
+    }>(diary));
+    SleepMilliseconds(40);
+    SuspendMachine(1'000'000);
+    diary.Note("main");
+    EXPECT_EQ(UnixMilliseconds(), kStart_ms + 1'040);
+  }
+  EXPECT_EQ(diary.lines, (std::vector<std::string>{"a30", "main1040", "a1040", "a1070"}));
+}
+
 }  // namespace
 }  // namespace tw

@@ -28,6 +28,9 @@ void WakeAll(const void* channel);
 // The same for the one that has waited longest. False when none waits.
 bool WakeOne(const void* channel);
 
+// Moves the time on, and passes nothing on: who should have run meanwhile is late.
+void Leap(int64_t duration_us);
+
 // What a call costs that would take no time: one microsecond, so that a spinning loop ends and others get
 // their turn. Nothing for a thread that is not registered. Hold no lock of theirs meanwhile.
 void Poll();

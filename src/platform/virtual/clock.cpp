@@ -41,6 +41,10 @@ int64_t VirtualNow_us() {
   return baton::Now_us();
 }
 
+void SuspendMachine(int64_t duration_us) {
+  baton::Leap(duration_us);
+}
+
 void SetVirtualUtcOffset(int32_t offset_s) {
   virtualStart.utcOffset_s = offset_s;
 }

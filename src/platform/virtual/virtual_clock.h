@@ -32,6 +32,10 @@ void StopVirtualClock();
 // Microseconds since the start. Costs nothing.
 [[nodiscard]] int64_t VirtualNow_us();
 
+// The machine is suspended for so long: the time goes on, and nobody runs meanwhile. Every wait that would
+// have ended by then ends at once. Called by a thread of the clock.
+void SuspendMachine(int64_t duration_us);
+
 // What LocalNow() adds to UtcNow() under the virtual clock; 0 after each start.
 void SetVirtualUtcOffset(int32_t offset_s);
 

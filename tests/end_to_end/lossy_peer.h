@@ -1,0 +1,67 @@
+// The echosounder of a voyage, at the end of a line that can be cut and be mended again, and whose power can
+// be lost. At another speed than the device's nothing is heard.
+#pragma once
+
+#include <cstdlib>
+#include <memory>
+#include <string_view>
+
+#include "platform/virtual/serial_peer.h"
+#include "simulator/virtual_echosounder.h"
+#include "tests/end_to_end/voyage.h"
+
+namespace tw::test {
+
+class LossyPeer final : public SerialPeer {
+ public:
+  LossyPeer(const sim::SounderOptions& options, VoyageLog& log) : options_(options), log_(log) {
+    PowerOn(options.baud);
+  }
+  enum class Link : uint8_t { up, silent, hungUp };
+  Link link = Link::up;
+
+  // A device as it comes: at its defaults, and at its prompt.
+  void PowerOn(int32_t speed_bps) {
+    log_.PowerOff();
+    options_.baud = speed_bps;
+    device_ = std::make_unique<sim::VirtualEchosounder>(options_, &log_);
+  }
+  // What it has sent by now is lost.
+  void Discard(int64_t now_us) {
+    uint8_t scrap[4'096];
+    while (device_->Send(scrap, now_us) > 0) {
+    }
+  }
+  [[nodiscard]] int IsOpen() const { return open_; }
+
+  bool Open(const char* mode) override {
+    Discard(VirtualNow_us());
+    if (link == Link::hungUp) return false;
+    speed_bps_ = std::atoi(mode + std::string_view("baud=").size());
+    ++open_;
+    return true;
+  }
+  void Close() override { --open_; }
+  void Receive(std::span<const uint8_t> bytes, int64_t now_us) override {
+    if (IsHeard()) device_->Receive(bytes, now_us);
+  }
+  size_t Send(std::span<uint8_t> out, int64_t now_us) override {
+    if (IsHeard()) return device_->Send(out, now_us);
+    Discard(now_us);
+    return 0;
+  }
+  int64_t NextSend_us(int64_t now_us) override { return device_->NextSend_us(now_us); }
+  size_t Waiting(int64_t now_us) override { return IsHeard() ? device_->Waiting(now_us) : 0; }
+  bool HungUp(int64_t) override { return link == Link::hungUp; }
+
+ private:
+  [[nodiscard]] bool IsHeard() const { return link == Link::up && speed_bps_ == device_->LineSpeed(); }
+
+  sim::SounderOptions options_;
+  VoyageLog& log_;
+  std::unique_ptr<sim::VirtualEchosounder> device_;
+  int32_t speed_bps_ = 0;
+  int open_ = 0;
+};
+
+}  // namespace tw::test
