@@ -60,6 +60,11 @@ bool BlockReader::Feed(std::span<const uint8_t>& input) {
   return false;
 }
 
+void BlockReader::Break() {
+  BeginHunt();
+  hunt_ = MarkHunt(marks_.start);
+}
+
 void BlockReader::BeginHunt() {
   collecting_ = false;
   complete_ = false;

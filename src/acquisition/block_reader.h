@@ -35,6 +35,7 @@ class BlockReader final : public StreamReader {
   explicit BlockReader(const BlockMarks& marks, size_t bufferSize = kBlockBufferSize);
 
   [[nodiscard]] bool Feed(std::span<const uint8_t>& input) override;
+  void Break() override;
 
   // From the start mark through the end mark. A zero follows its last byte.
   [[nodiscard]] std::string_view Block() const override {

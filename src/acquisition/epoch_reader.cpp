@@ -1,6 +1,7 @@
 #include "acquisition/epoch_reader.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace tw {
 
@@ -15,12 +16,19 @@ bool EpochReader::Feed(std::span<const uint8_t>& input) {
   return false;
 }
 
+void EpochReader::Break() {
+  stage_ = Stage::hunting;
+  hunt_ = StartHunt(form_.starts);
+  broken_ = !usual_.empty();
+}
+
 void EpochReader::Take(uint8_t byte) {
   if (stage_ == Stage::hunting) {
     const std::string_view start = hunt_.Take(byte);
     if (start.empty()) return;
     std::copy(start.begin(), start.end(), buffer_);
     length_ = searched_ = start.size();
+    start_ = start;
     stage_ = Stage::gathering;
     return;
   }
@@ -41,7 +49,9 @@ void EpochReader::Take(uint8_t byte) {
       form_.bytesBehind != 0 ? length_ - searched_ == form_.bytesBehind : Behind(form_.lineEnd);
   if (!whole) return;
   buffer_[length_] = '\0';
-  stage_ = Stage::complete;
+  const bool isRest = std::exchange(broken_, false) && start_ != usual_;
+  stage_ = isRest ? Stage::hunting : Stage::complete;
+  if (!isRest) usual_ = start_;
 }
 
 bool EpochReader::Behind(std::string_view mark) const {

@@ -52,6 +52,7 @@ class EpochReader final : public StreamReader {
   explicit EpochReader(const EpochForm& form) : form_(form), hunt_(form.starts) {}
 
   [[nodiscard]] bool Feed(std::span<const uint8_t>& input) override;
+  void Break() override;
 
   // From the start mark to the last byte. A zero follows it.
   [[nodiscard]] std::string_view Block() const override { return {buffer_, length_}; }
@@ -68,6 +69,9 @@ class EpochReader final : public StreamReader {
   char buffer_[kEpochBufferSize];
   size_t length_ = 0;
   size_t searched_ = 0;  // length of what no mark may reach back into: start mark, or all up to the end mark
+  std::string_view start_;  // of the epoch that is being gathered
+  std::string_view usual_;  // of the last complete one
+  bool broken_ = false;     // the next one must have the usual start, else it is the rest of an epoch
 };
 
 }  // namespace tw

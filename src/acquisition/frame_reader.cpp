@@ -29,6 +29,12 @@ bool FrameReader::Feed(std::span<const uint8_t>& input) {
   return false;
 }
 
+void FrameReader::Break() {
+  complete_ = false;
+  collecting_ = false;
+  hunt_ = MarkHunt(format_.magic);
+}
+
 void FrameReader::BeginFrame() {
   std::memcpy(buffer_, format_.magic.data(), format_.magic.size());
   length_ = format_.magic.size();

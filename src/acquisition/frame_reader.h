@@ -40,6 +40,7 @@ class FrameReader final : public StreamReader {
   explicit FrameReader(const FrameFormat& format, int32_t channels = 1);
 
   [[nodiscard]] bool Feed(std::span<const uint8_t>& input) override;
+  void Break() override;
 
   // From the magic through the last sample, as it stood in the stream.
   [[nodiscard]] std::string_view Block() const override {

@@ -1,6 +1,7 @@
 #include "acquisition/line_reader.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace tw {
 
@@ -18,6 +19,19 @@ bool LineReader::Feed(std::span<const uint8_t>& input) {
   return false;
 }
 
+// A line without a mark of its own begins behind the end of the one that is torn, of which the last byte
+// alone may come.
+void LineReader::Break() {
+  const bool torn = gathering_ && !complete_ && length_ > lineStart_;
+  complete_ = false;
+  lineStart_ = 0;
+  hunt_ = StartHunt(form_.starts);
+  Drop();
+  broken_ = leads_;
+  overlong_ = torn && gathering_;
+  if (overlong_) length_ += form_.end.copy(buffer_, form_.end.size() - 1);
+}
+
 bool LineReader::Take(uint8_t byte) {
   if (gathering_) Gather(byte);
   const std::string_view start = hunt_.Take(byte);
@@ -26,13 +40,17 @@ bool LineReader::Take(uint8_t byte) {
     return false;
   }
   if (!gathering_ || byte != static_cast<uint8_t>(form_.end.back()) || !AtEnd()) return false;
+  const bool leads = lineStart_ != 0;
   if (overlong_) {
     Drop();
   } else if (!start_.empty() && start_ == form_.leading) {
     lineStart_ = length_;
     gathering_ = false;
+  } else if (std::exchange(broken_, false) && !leads) {
+    Drop();
   } else {
     complete_ = true;
+    leads_ = leads;
   }
   return complete_;
 }

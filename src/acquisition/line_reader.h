@@ -36,6 +36,7 @@ class LineReader final : public StreamReader {
       : form_(form), hunt_(form.starts), gathering_(form.starts.empty()) {}
 
   [[nodiscard]] bool Feed(std::span<const uint8_t>& input) override;
+  void Break() override;
 
   // One line, both marks included, behind its leading line if there was one.
   [[nodiscard]] std::string_view Block() const override { return {buffer_, length_}; }
@@ -56,6 +57,8 @@ class LineReader final : public StreamReader {
   bool gathering_;
   bool overlong_ = false;  // a line without a mark that is no longer gathered; its end is still waited for
   bool complete_ = false;
+  bool leads_ = false;   // the last block had a leading line
+  bool broken_ = false;  // the next one must have one too, else it is the rest of a block
 };
 
 }  // namespace tw

@@ -110,6 +110,7 @@ class LiveRun final : private AwayWorker {
   bool Pass() {
     const ReadResult result = ReadBlock(source_, *reader_);
     if (Stale()) return false;
+    NotePause(result == ReadResult::nothing);
     report_.NoteOverruns(source_.Overruns());
     switch (result) {
       case ReadResult::failed:
@@ -127,13 +128,27 @@ class LiveRun final : private AwayWorker {
     return false;
   }
 
+  // Between pings, set or measured; 0: not known yet.
+  [[nodiscard]] uint32_t Interval_ms() const {
+    const auto set_ms = static_cast<uint32_t>(std::clamp(settings_.pingInterval_ms, 0, kLongestInterval_ms));
+    return std::max(set_ms, std::min(channels_[0].interval_ms, uint32_t{kLongestInterval_ms}));
+  }
+
   // With a rescue alone; else NoteSilence has the word.
   [[nodiscard]] bool IsAway() const {
     if (start_.rescue == nullptr) return false;
-    const auto set_ms = static_cast<uint32_t>(std::clamp(settings_.pingInterval_ms, 0, kLongestInterval_ms));
-    const uint32_t interval_ms =
-        std::max(set_ms, std::min(channels_[0].interval_ms, uint32_t{kLongestInterval_ms}));
-    return MillisecondClock() - lastPing_ms_ > std::max(start_.silence_ms, 3 * interval_ms);
+    return MillisecondClock() - lastPing_ms_ > std::max(start_.silence_ms, 3 * Interval_ms());
+  }
+
+  // No device pauses in a message for longer than its pings are apart: the line was cut, and mended before it
+  // counted as lost. The halves of two messages make none, and many forms have no checksum that would tell.
+  // With a rescue alone.
+  void NotePause(bool pauses) {
+    constexpr uint32_t kLeast_ms = 200;  // more, so that a line that is only slow is not meant
+    if (start_.rescue == nullptr) return;
+    const uint32_t now_ms = MillisecondClock();
+    if (!pauses) lastByte_ms_ = now_ms;
+    if (Interval_ms() != 0 && now_ms - lastByte_ms_ > Interval_ms() + kLeast_ms) reader_->Break();
   }
 
   // False when that is the end of the run.
@@ -146,19 +161,15 @@ class LiveRun final : private AwayWorker {
     for (Channel& channel : channels_) channel.begun = channel.shown = false;  // the time away is no interval
     const Handle port = AwaitReturn(state_, start_, failed, *this);
     if (port == Handle::invalid) return false;
-    if (!heard_ && !Hear(port)) {
-      StoreShared(state_.linkLost, 1);
-      return false;
-    }
+    if (!heard_) Hear(port);
     lastPing_ms_ = MillisecondClock();
     return true;
   }
 
-  // What came before belongs to no ping that comes now. False without memory.
-  bool Hear(Handle port) {
+  // What came before belongs to no ping that comes now.
+  void Hear(Handle port) {
     source_.Hear(port);
-    reader_ = form_.makeReader();
-    return reader_ != nullptr;
+    reader_->Break();
   }
 
   bool GivenUp() override {
@@ -169,7 +180,7 @@ class LiveRun final : private AwayWorker {
   // A block of the form, that parses and tells the identity.
   bool Listen(Handle port, const char* identity) override {
     constexpr uint32_t kListen_ms = 2000;
-    if (!Hear(port)) return false;
+    Hear(port);
     for (const uint32_t begin = MillisecondClock(); MillisecondClock() - begin < kListen_ms && !GivenUp();) {
       const ReadResult result = ReadBlock(source_, *reader_);
       if (result == ReadResult::failed) return false;
@@ -356,6 +367,7 @@ class LiveRun final : private AwayWorker {
   PingSink* const outputs_;
   ByteSource source_;
   uint32_t lastPing_ms_;
+  uint32_t lastByte_ms_ = 0;
   bool heard_ = false;  // the stream was taken up again without a command
   uint32_t blackSince_ms_ = 0;
   std::unique_ptr<StreamReader> reader_;

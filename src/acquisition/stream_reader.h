@@ -19,6 +19,11 @@ class StreamReader {
   // holds it until the next call; the rest of the input is still to be fed.
   [[nodiscard]] virtual bool Feed(std::span<const uint8_t>& input) = 0;
 
+  // Bytes are missing at this place of the stream, or it is another one of the same device: a block that is
+  // not complete is dropped, so that it is not put together with what comes now, and so is the rest of a
+  // block that could stand for a whole one.
+  virtual void Break() = 0;
+
   // The last complete block.
   [[nodiscard]] virtual std::string_view Block() const = 0;
 };

@@ -88,6 +88,18 @@ TEST_P(EachReader, NeedsEveryByteWhereverTheStreamIsCut) {
   }
 }
 
+TEST_P(EachReader, PutsNoHalvesTogetherWhereBytesAreMissing) {
+  const std::string_view block = each_.block;
+  for (size_t cut = 1; cut < block.size(); ++cut) {
+    const auto reader = each_.make();
+    EXPECT_EQ(BlocksOf(*reader, each_.block + each_.block.substr(0, cut)), Blocks{each_.block}) << cut;
+    reader->Break();
+    EXPECT_EQ(BlocksOf(*reader, each_.block.substr(cut) + each_.block), Blocks{each_.block}) << cut;
+    reader->Break();
+    EXPECT_EQ(BlocksOf(*reader, block), Blocks{each_.block}) << cut;
+  }
+}
+
 TEST_P(EachTextReader, DropsWhatOutgrowsItsBufferByOneByte) {
   const size_t room = each_.longest - each_.block.size();
   for (const size_t piece : {size_t{1}, size_t{4'096}, test::kWhole}) {

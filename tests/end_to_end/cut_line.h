@@ -99,6 +99,8 @@ class CutLine final : public SerialPeer {
     cut_ = cut;
   }
   void Mend() {
+    Discard(
+        VirtualNow_us());  // what has left the device until now was unheard, whoever looks at the line when
     if (cut_ == Cut::power || cut_ == Cut::plugPower) PowerOn();
     isCut_ = false;
     commands_ = 0;
