@@ -144,6 +144,25 @@ bool SelectStoredPortsThatAreThere(AppState& state) {
   return true;
 }
 
+void KeepPortsAtStart(AppState& state) {
+  std::ranges::fill(state.watch.portsAtStart, 0u);
+  std::ranges::transform(KnownPorts(state), state.watch.portsAtStart, &PortEntry::number);
+}
+
+void FormatNewPorts(const AppState& state, std::span<char> text) {
+  text[0] = '\0';
+  size_t used = 0;
+  for (const PortEntry& port : KnownPorts(state)) {
+    if (std::ranges::count(state.watch.portsAtStart, port.number) != 0) continue;
+    char name[24];
+    FormatText(name, "%s COM%" PRIu32, used == 0 ? ", new:" : "", port.number);
+    const size_t length = std::string_view(name).size();
+    if (used + length >= text.size()) return;
+    FormatText(text.subspan(used), "%s", name);
+    used += length;
+  }
+}
+
 void ReadPortChoices(AppState& state, PortChoice& device, PortChoice& receiver) {
   device = {.name = {}, .speed_bps = globals.deviceBaud};
   receiver = {.name = {}, .speed_bps = globals.gpsBaud};

@@ -36,6 +36,11 @@ void SelectDeviceSpeed(AppState& state, int32_t speed_bps);
 // GPS port unless none is stored. False, and nothing is selected, while one is missing.
 [[nodiscard]] bool SelectStoredPortsThatAreThere(AppState& state);
 
+// Keeps which ports are there when a run starts; and names those that have come since, in ascending order:
+// ", new: COM7 COM8", cut at the text's end; empty where none have.
+void KeepPortsAtStart(AppState& state);
+void FormatNewPorts(const AppState& state, std::span<char> text);
+
 // Reads the four selectors. A text that holds no number stands for the port or speed of the last run.
 void ReadPortChoices(AppState& state, PortChoice& device, PortChoice& receiver);
 

@@ -3,6 +3,8 @@
 
 #include <cstdint>
 
+#include "app/state/port_entry.h"
+
 namespace tw {
 
 struct RunWatch {
@@ -18,6 +20,7 @@ struct RunWatch {
   int32_t receiverTold;      // the status bar tells that the receiver is silent, in place of its port
   uint32_t receiverTold_s;   // since when
   wchar_t diskText[64];      // in the last part of the status bar
+  uint32_t portsAtStart[kMaxPorts];  // numbers of the ports that were there then; 0 behind the last
 };
 
 }  // namespace tw

@@ -43,6 +43,7 @@ void ShowIdentified(AppState& state) {
   ShowFamilyControls(state);
   ShowConnection(state);
   RefreshSettingsControls(state);
+  KeepPortsAtStart(state);
   DropQueuedInput(state);
   ShowPointer(PointerShape::arrow);
   SaveCommunication();
@@ -104,9 +105,12 @@ void ShowAway(AppState& state, AwayFor away, uint32_t away_s) {
   if (away == AwayFor::nothing) return ShowConnection(state);
   constexpr const char* kReasons[] = {"", "no data", "the port is not there", "the device does not answer",
                                       "another device answers"};
+  char come[64];  // an adapter comes back under another number at times; early in the text, whose end is cut
+                  // off
+  FormatNewPorts(state, come);
   wchar_t text[kStatusTextSize];
-  FormatWide(text, "Device: COM%" PRId32 " lost for %" PRIu32 " s, %s", globals.devicePortNumber, away_s,
-             kReasons[static_cast<size_t>(away)]);
+  FormatWide(text, "Device: COM%" PRId32 " lost for %" PRIu32 " s%s, %s", globals.devicePortNumber, away_s,
+             come, kReasons[static_cast<size_t>(away)]);
   SetStatusText(state, StatusPart::device, text);
   if (begins) CallOperator(state, state.options.beepWhenLost != 0);
 }
