@@ -8,6 +8,7 @@
 
 #include "acquisition/stream_reader.h"
 #include "platform/handle.h"
+#include "platform/serial_line.h"
 
 namespace tw {
 
@@ -35,6 +36,9 @@ class ByteSource {
 
   // What has been read and not been used yet; whoever uses bytes takes them off the front.
   [[nodiscard]] std::span<const uint8_t>& Bytes() { return bytes_; }
+
+  // False when nothing is behind the line any more, though its reads may not fail.
+  [[nodiscard]] bool IsThere() const { return IsLineThere(line_); }
 
   // Losses of input that the line has reported so far.
   [[nodiscard]] uint32_t Overruns() const { return overruns_; }

@@ -3,6 +3,7 @@
 #include "acquisition/live_worker.h"
 #include "base/shared_value.h"
 #include "platform/clock.h"
+#include "platform/debug_output.h"
 #include "platform/serial_line.h"
 
 namespace tw {
@@ -35,6 +36,7 @@ bool Pause(AppState& state, AwayWorker& worker) {
 
 // The port that streams again, or Handle::invalid after one attempt.
 Handle TryAgain(AppState& state, const LiveStart& start, uint32_t attempt, AwayWorker& worker) {
+  WriteDebugText(L"Link retry\n");
   const Handle opened = start.rescue->open(state, start, attempt);
   if (opened == Handle::invalid) {
     NoteAway(state, start, AwayFor::port);

@@ -116,6 +116,7 @@ class LiveRun final : private AwayWorker {
       case ReadResult::failed:
         return LoseLink(true);
       case ReadResult::nothing:
+        if (start_.rescue != nullptr && !source_.IsThere()) return LoseLink(true);
         NoteSilence();
         [[fallthrough]];
       case ReadResult::pending:
@@ -184,6 +185,7 @@ class LiveRun final : private AwayWorker {
     for (const uint32_t begin = MillisecondClock(); MillisecondClock() - begin < kListen_ms && !GivenUp();) {
       const ReadResult result = ReadBlock(source_, *reader_);
       if (result == ReadResult::failed) return false;
+      if (result == ReadResult::nothing && !source_.IsThere()) return false;
       if (result != ReadResult::complete) continue;
       const std::string_view block = reader_->Block();
       if (!form_.parse(block, context_, ping_)) continue;

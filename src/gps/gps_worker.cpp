@@ -145,12 +145,18 @@ bool BeginRun(AppState& state, const GpsRun& run, Listener& listener) {
   return false;
 }
 
+// Only where the port is to come back: without that a receiver that is silent stays so.
+bool IsPortGone(const GpsRun& run) {
+  return run.open != nullptr && !IsLineThere(run.port);
+}
+
 void ReadUntilTheEnd(AppState& state, const GpsRun& run, Listener& listener) {
   uint8_t bytes[kReadSize];
   uint32_t got = 0;
   uint32_t overruns = 0;
   uint32_t told = 0;
   while (run.IsCurrent(state) && ReadSome(run.port, bytes, got, overruns)) {
+    if (got == 0 && IsPortGone(run)) return;
     if (got != 0 && !TakeBytes(state, run, listener, bytes, got)) return;
     DropStalePosition(state, run, listener);
     if (std::exchange(told, overruns) != overruns) TellOverruns(overruns);
@@ -195,6 +201,10 @@ bool ComeBack(AppState& state, GpsRun& run) {
   while (Pause(state, run)) {
     const Handle opened = run.open(run.name, run.speed_bps);
     if (opened == Handle::invalid) continue;
+    if (!IsLineThere(opened)) {
+      CloseSerialLine(opened);
+      continue;
+    }
     if (!PutPort(state, run, opened)) {
       CloseSerialLine(opened);
       return false;

@@ -36,6 +36,11 @@ namespace tw {
 // increased by one for each reported loss of input.
 [[nodiscard]] uint32_t BytesWaiting(Handle line, uint32_t* overruns = nullptr);
 
+// False when there is nothing behind the line any more, though it is open and its reads may go on to end with
+// nothing: of an adapter that was pulled out some drivers tell no more than that. To be asked of an idle
+// line.
+[[nodiscard]] bool IsLineThere(Handle line);
+
 // Closes the line; Handle::null and Handle::invalid are ignored.
 void CloseSerialLine(Handle line);
 

@@ -12,7 +12,9 @@
 #include "base/shared_value.h"
 #include "display/panel.h"
 #include "platform/clock.h"
+#include "platform/virtual/faults.h"
 #include "platform/virtual/file_sink.h"
+#include "platform/virtual/serial_peer.h"
 #include "platform/virtual/virtual_clock.h"
 #include "tests/app/run_control_fixture.h"
 #include "tests/end_to_end/cut_line.h"
@@ -297,6 +299,11 @@ TEST_P(EachKind, TheOperatorGoesOnMeanwhile) {
   Run(5);
   EXPECT_TRUE(Ui().boxes.empty()) << "a choice waits until the device is back";
   EXPECT_EQ(&ShownSettings(*state_), &state_->appliedSettings) << "and is not drawn by before";
+  EXPECT_TRUE(Ui().status[0].ends_with(L" s, the port is not there")) << "the other ports were there before";
+  SetSerialLineList({L"COM11", L"COM6", L"COM9"});
+  HandleTimer(*state_, ID_TIMER_PORTS);
+  Run(1);
+  EXPECT_TRUE(Ui().status[0].ends_with(L" s, new: COM9 COM11, the port is not there"));
   ApplySettings(*state_);
   ExpectBox(L"Echosounder is not connected", L"Error", BoxIcon::error);
   line_.Mend();
@@ -333,6 +340,20 @@ TEST_P(EachKind, ACutBehindTheFirstPingIsNoticedAsSoonAsAnother) {
   line_.CutBehind(1, Cut::cable);
   Run(12);
   EXPECT_FALSE(IsBack());
+}
+
+// Drivers whose reads of an adapter that is gone end with nothing, as those of a silent device do.
+TEST_P(EachKind, ADeadHandleIsNoSilence) {
+  ASSERT_NO_FATAL_FAILURE(Start());
+  SilenceLine(kDeviceLine);
+  Run(2);
+  EXPECT_TRUE(IsBack());
+  InjectFault({.point = FaultPoint::askLine, .subject = kDeviceLine});
+  Run(1);
+  EXPECT_EQ(LoadShared(state_->linkAway), static_cast<int32_t>(AwayFor::port));
+  RestoreLine(kDeviceLine);
+  ASSERT_NO_FATAL_FAILURE(AwaitReturn());
+  EXPECT_EQ(LoadShared(state_->runNumber), runNumber_);
 }
 
 // A long wait is no dead line to a device that pings seldom.

@@ -208,21 +208,32 @@ TEST_F(GpsWorkerTest, APulledPlugClosesThePortOnceAndLeavesNoQuality) {
   EXPECT_NE(globals.gpsLatitude_rad, 0.0f);
 }
 
-// Taken away at 5 s; Stop at a time of its own, or the receiver tells again from 20 s on.
+// Taken away at 5 s; Stop at a time of its own, or the receiver tells again from 20 s on. Reads of the dead
+// handle fail, or end with nothing.
 TEST_F(GpsWorkerTest, APulledPlugComesBackWhereThatIsWanted) {
-  for (const uint32_t stopAt_ms : {5'300u, 8'000u, 30'000u}) {
+  constexpr struct {
+    uint32_t stopAt_ms;
+    bool fails;
+  } kRows[] = {{5'300, true}, {8'000, true}, {30'000, true}, {8'000, false}, {30'000, false}};
+  for (const auto& [stopAt_ms, fails] : kRows) {
     state_->openReceiver = [](const wchar_t* name, int32_t speed_bps) {
       return speed_bps == 4'800 ? OpenSerialLine(name, "baud=4800 parity=N data=8 stop=1", 100)
                                 : Handle::invalid;
     };
     CopyWide(state_->gpsPortName, kLine);
     globals.gpsBaud = 4'800;
-    Start({.faults = {.instrument = {.hangUpAt_us = VirtualNow_us() + 5'000'000}}});
+    Start({.faults = {.instrument = {.hangUpAt_us = fails ? VirtualNow_us() + 5'000'000 : sim::kNever}}});
     const uint32_t begin_ms = MillisecondClock();
     SleepMilliseconds(4'900);
     EXPECT_EQ(globals.gpsQuality, 2);
     SleepMilliseconds(100);
     DetachSerialLines();
+    if (!fails) {
+      SilenceLine(kLine);
+      InjectFault({.point = FaultPoint::askLine});
+      SleepMilliseconds(200);
+      RestoreLine(kLine);
+    }
     while (MillisecondClock() - begin_ms < std::min(stopAt_ms, 20'000u)) SleepMilliseconds(50);
     EXPECT_EQ(LoadShared(state_->gpsPort), Handle::null);
     EXPECT_EQ(globals.gpsQuality, 0);

@@ -12,6 +12,7 @@
 #include "device/start_sequence.h"
 #include "device/stop_device.h"
 #include "platform/clock.h"
+#include "platform/serial_line.h"
 
 namespace tw {
 namespace {
@@ -25,7 +26,10 @@ bool IsAtSpeedOfRun(uint32_t attempt) {
 
 Handle OpenAgain(AppState& state, const LiveStart&, uint32_t attempt) {
   const int32_t speed_bps = IsAtSpeedOfRun(attempt) ? globals.deviceBaud : kPowerOnSpeed_bps;
-  return OpenAtSpeed(state.devicePortName, speed_bps);
+  const Handle port = OpenAtSpeed(state.devicePortName, speed_bps);
+  if (port == Handle::invalid || IsLineThere(port)) return port;
+  CloseSerialLine(port);  // some systems open a name that has nothing behind it
+  return Handle::invalid;
 }
 
 bool IsSameDevice(const LiveStart& start, const DeviceSettings& told) {

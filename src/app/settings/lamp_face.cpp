@@ -109,8 +109,10 @@ LampFace LampOf(const ReceiverFacts& facts) {
 
 bool FormatReceiverTrouble(std::span<wchar_t> text, const ReceiverFacts& facts) {
   CopyWide(text, L"");
-  if (!facts.chosen || !facts.open || facts.state == ReceiverState::tells) return false;
-  if (facts.state == ReceiverState::silent) {
+  if (!facts.chosen || (facts.open && facts.state == ReceiverState::tells)) return false;
+  if (!facts.open) {
+    CopyWide(text, L"port failed");
+  } else if (facts.state == ReceiverState::silent) {
     FormatWide(text, "silent %" PRIu32 " s", facts.silent_s);
   } else {
     FormatWide(text, "no sentences at %" PRId32 " bps", facts.baud);

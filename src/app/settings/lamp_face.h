@@ -58,8 +58,8 @@ struct ReceiverFacts {
 // "no sentences" or "port failed"; empty without a receiver. The tip says it in words.
 [[nodiscard]] LampFace LampOf(const ReceiverFacts& facts);
 
-// "silent 12 s" or "no sentences at 4800 bps". False, and `text` is empty, while the receiver tells something
-// or there is none.
+// "silent 12 s", "no sentences at 4800 bps" or "port failed". False, and `text` is empty, while the receiver
+// tells something or there is none.
 [[nodiscard]] bool FormatReceiverTrouble(std::span<wchar_t> text, const ReceiverFacts& facts);
 
 struct DiskFacts {

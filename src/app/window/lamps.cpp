@@ -75,7 +75,7 @@ ReceiverFacts CollectReceiver(AppState& state, uint32_t now_ms) {
 void ShowReceiverTrouble(AppState& state, const ReceiverFacts& facts) {
   wchar_t text[kStatusTextSize];
   const bool trouble = FormatReceiverTrouble(text, facts) && state.options.keepRunGoing != 0;
-  const uint32_t told_s = facts.state == ReceiverState::silent ? facts.silent_s : 0;
+  const uint32_t told_s = facts.open && facts.state == ReceiverState::silent ? facts.silent_s : 0;
   const bool told = std::exchange(state.watch.receiverTold, trouble ? 1 : 0) != 0;
   const bool same = told == trouble && state.watch.receiverTold_s == told_s;
   state.watch.receiverTold_s = trouble ? told_s : 0;

@@ -103,6 +103,12 @@ uint32_t BytesWaiting(Handle handle, uint32_t*) {
   return line != nullptr ? line->Waiting() : 0;
 }
 
+// The reads of a terminal that has hung up fail by themselves.
+bool IsLineThere(Handle handle) {
+  const std::shared_ptr<TerminalLine> line = FindLine(handle);
+  return line != nullptr && !line->Closed();
+}
+
 void CloseSerialLine(Handle handle) {
   const std::shared_ptr<TerminalLine> line = Lines().Remove(handle);
   if (line == nullptr) return;

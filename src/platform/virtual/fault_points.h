@@ -20,6 +20,7 @@ struct LineAllowance {
   uint32_t bytes;  // as many may be delivered now, at most
   bool silent;     // what has arrived is lost
   bool hungUp;
+  bool blocked;  // nothing is taken
 };
 [[nodiscard]] LineAllowance AllowedOnLine(std::wstring_view name, uint32_t wanted);
 void CountDelivered(std::wstring_view name, uint32_t bytes);

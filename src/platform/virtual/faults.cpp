@@ -27,6 +27,7 @@ struct LineFaults {
   uint64_t silentAt = UINT64_MAX;
   uint64_t hungUpAt = UINT64_MAX;
   bool singly = false;
+  bool blocked = false;
 };
 
 struct Table {
@@ -137,12 +138,16 @@ void DeliverSingly(const wchar_t* name) {
   ChangeLine(name, [](LineFaults& line) { line.singly = true; });
 }
 
+void BlockLine(const wchar_t* name) {
+  ChangeLine(name, [](LineFaults& line) { line.blocked = true; });
+}
+
 void RestoreLine(const wchar_t* name) {
   ChangeLine(name, [](LineFaults& line) { line = LineFaults{}; });
 }
 
 LineAllowance AllowedOnLine(std::wstring_view name, uint32_t wanted) {
-  LineAllowance allowed{wanted, false, false};
+  LineAllowance allowed{wanted, false, false, false};
   Table& table = Shared();
   if (!table.anyLine) return allowed;
   const std::lock_guard held(table.mutex);
@@ -151,6 +156,7 @@ LineAllowance AllowedOnLine(std::wstring_view name, uint32_t wanted) {
   const LineFaults& line = found->second;
   allowed.hungUp = line.delivered >= line.hungUpAt;
   allowed.silent = line.delivered >= line.silentAt;
+  allowed.blocked = line.blocked;
   uint64_t bytes = std::min(line.hungUpAt, line.silentAt);
   bytes = bytes > line.delivered ? bytes - line.delivered : 0;
   if (line.singly) bytes = std::min<uint64_t>(bytes, 1);

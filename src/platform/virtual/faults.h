@@ -12,6 +12,7 @@ enum class FaultPoint : uint8_t {
   readLine,       // subject: the line's name
   writeLine,      // subject: the line's name
   overrunLine,    // input was lost before BytesWaiting; subject: the line's name
+  askLine,        // IsLineThere; subject: the line's name
   listLines,      // no subject
   createFile,     // subject of this and the other calls on files: the path
   openFile,       //
@@ -32,7 +33,7 @@ enum class FaultPoint : uint8_t {
   makeEvent,      // no subject
   allocate,       // no subject
 };
-inline constexpr int kFaultPoints = 23;
+inline constexpr int kFaultPoints = 24;
 
 inline constexpr uint64_t kEveryCall = UINT64_MAX;
 
@@ -60,7 +61,9 @@ void SilenceLine(const wchar_t* name, uint64_t afterBytes = 0);
 void HangUpLine(const wchar_t* name, uint64_t afterBytes = 0);
 // Each read gives one byte at most, whatever waits.
 void DeliverSingly(const wchar_t* name);
-// Takes the line's faults of these three kinds back.
+// The line takes no bytes, as one whose CTS is low: a write lasts until it does again, or to its limit.
+void BlockLine(const wchar_t* name);
+// Takes the line's faults of these four kinds back.
 void RestoreLine(const wchar_t* name);
 
 // No faults, no limit, counts at 0.

@@ -6,6 +6,7 @@
 #include <mutex>
 
 #include "base/text_format.h"
+#include "platform/clock.h"
 #include "platform/posix/handle_table.h"
 #include "platform/posix/last_error.h"
 #include "platform/posix/terminal_line.h"
@@ -180,6 +181,7 @@ bool WriteSerialLine(Handle handle, const void* bytes, uint32_t size) {
     if (taken == 0 || line->Put(in.first(std::min(taken, size)))) SetSystemError(code);
     return Fail();
   }
+  while (!line->Closed() && AllowedOnLine(line->Name(), 0).blocked) SleepMilliseconds(100);
   if (HasFailed(*line, AllowedOnLine(line->Name(), 0)) || !line->Put(in)) return Fail();
   return true;
 }
@@ -189,7 +191,12 @@ bool WriteSerialLineWithin(Handle handle, const void* bytes, uint32_t size, uint
   written = 0;
   const std::shared_ptr<Line> line = FindLine(handle);
   if (line == nullptr || FaultAt(FaultPoint::writeLine, line->Name())) return Fail();
-  if (HasFailed(*line, AllowedOnLine(line->Name(), 0))) return Fail();
+  const LineAllowance allowed = AllowedOnLine(line->Name(), 0);
+  if (HasFailed(*line, allowed)) return Fail();
+  if (allowed.blocked) {
+    SleepMilliseconds(limit_ms);
+    return true;
+  }
   return line->PutUntil({static_cast<const uint8_t*>(bytes), size}, DeadlineAfter_us(limit_ms), written) ||
          Fail();
 }
@@ -201,6 +208,12 @@ uint32_t BytesWaiting(Handle handle, uint32_t* overruns) {
   if (overruns != nullptr && FaultAt(FaultPoint::overrunLine, line->Name())) ++*overruns;
   const LineAllowance allowed = AllowedOnLine(line->Name(), UINT32_MAX);
   return allowed.hungUp || allowed.silent ? 0 : std::min(line->Waiting(), allowed.bytes);
+}
+
+bool IsLineThere(Handle handle) {
+  const std::shared_ptr<Line> line = FindLine(handle);
+  if (line == nullptr || FaultAt(FaultPoint::askLine, line->Name())) return Fail();
+  return !HasFailed(*line, AllowedOnLine(line->Name(), 0)) || Fail();
 }
 
 void CloseSerialLine(Handle handle) {

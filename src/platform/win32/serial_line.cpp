@@ -134,6 +134,13 @@ uint32_t BytesWaiting(Handle line, uint32_t* overruns) {
   return state.cbInQue;
 }
 
+// Not by ClearCommError, which would take away losses of input that BytesWaiting is to report.
+bool IsLineThere(Handle line) {
+  DCB settings{};
+  settings.DCBlength = sizeof(settings);
+  return GetCommState(ToSystem(line), &settings) != 0;
+}
+
 void CloseSerialLine(Handle line) {
   CloseIfOpen(line);
 }

@@ -61,7 +61,7 @@ TEST(ReceiverLamp, TellsTheFixOrWhyThereIsNone) {
     const wchar_t* status = L"";
   } rows[] = {
       {{false, true, silent, 0, 0, false, 0, 0, 0, 0}, L"", LampColour::grey},
-      {{true, false, silent, 0, 0, false, 0, 0, 0, 0}, L"port failed", LampColour::red},
+      {{true, false, silent, 0, 0, false, 0, 0, 0, 0}, L"port failed", LampColour::red, L"port failed"},
       {{true, true, tells, 0, 4'800, true, 1, 1, 8, 0.94}, L"GPS 8/0.9 1s", LampColour::green},
       {{true, true, tells, 0, 4'800, true, 0, 2, 12, 0.9}, L"DGPS 12/0.9 0s", LampColour::green},
       {{true, true, tells, 0, 4'800, true, 75, 4, 12, 1e300}, L"RTK fixed 12/99.9 75s", LampColour::green},
