@@ -69,12 +69,17 @@ bool WriteBytes(DeviceLink& link, std::string_view text) {
   if (IsGivenUp(link)) return false;
   const auto size = static_cast<uint32_t>(text.size());
   if (link.writeLimit_ms == 0) return WriteSerialLine(link.port, text.data(), size);
+  if (link.takesNothing)
+    return false;  // the stop procedure alone has thirty, each of which would take its time
   uint32_t written = 0;
-  return WriteSerialLineWithin(link.port, text.data(), size, link.writeLimit_ms, written) && written == size;
+  if (!WriteSerialLineWithin(link.port, text.data(), size, link.writeLimit_ms, written)) return false;
+  link.takesNothing = written != size;
+  return written == size;
 }
 
 bool ReadByte(DeviceLink& link, uint8_t& byte, uint32_t& got) {
-  return !IsGivenUp(link) && ReadSerialLine(link.port, &byte, 1, got);
+  if (IsGivenUp(link) || !ReadSerialLine(link.port, &byte, 1, got)) return false;
+  return got != 0 || link.givesUp == nullptr || IsLineThere(link.port);
 }
 
 bool PromptMatcher::Take(uint8_t byte) {

@@ -39,6 +39,9 @@ struct DeviceLink {
   uint32_t writeLimit_ms =
       0;  // a write that the line does not take in this time fails; 0: it may take for ever
 
+  bool takesNothing =
+      false;  // such a write was given up: until the port is opened anew the others fail at once
+
   // Asked at each read and write, where set: whoever wanted the dialogue does not want it any more, and it
   // ends as if the port had failed.
   bool (*givesUp)(void* context) = nullptr;

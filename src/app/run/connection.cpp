@@ -177,6 +177,7 @@ bool OpenDevice(AppState& state, uint32_t& error) {
   error = LastSystemError();
   StoreShared(state.devicePort, port);
   state.link->port = port;
+  state.link->takesNothing = false;
   return port != Handle::invalid;
 }
 

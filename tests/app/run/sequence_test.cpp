@@ -9,6 +9,8 @@
 #include "app/settings/family_controls.h"
 #include "app/window/commands.h"
 #include "base/shared_value.h"
+#include "platform/clock.h"
+#include "platform/thread.h"
 #include "platform/virtual/faults.h"
 #include "tests/app/run_control_fixture.h"
 
@@ -203,6 +205,36 @@ TEST_P(EachFamily, CallsOnThePortMayFail) {
   }
   StartRun(*state_);
   EXPECT_TRUE(IsRunning());
+}
+
+TEST_P(EachFamily, ALineThatTakesNoBytesIsGivenUpAfterTenSecondsIfThatIsWanted) {
+  Connect(GetParam());
+  state_->options.giveUpWriting = 1;
+  for (const auto& sequence : kSequences) {
+    StartRun(*state_);
+    ASSERT_TRUE(IsRunning());
+    BlockLine(kDeviceLine);
+    const uint32_t begin_ms = MillisecondClock();
+    sequence.run(*state_);
+    const uint32_t took_ms = MillisecondClock() - begin_ms;
+    EXPECT_GE(took_ms, 10'000u) << sequence.name;
+    EXPECT_LE(took_ms, 16'000u) << sequence.name;
+    EXPECT_FALSE(IsRunning()) << sequence.name << ": a failed write";
+    ExpectSound(sequence.name);
+    Repair();
+  }
+  state_->options.giveUpWriting = 0;
+  StartRun(*state_);
+  BlockLine(kDeviceLine);
+  const auto mend = [](void*) {
+    SleepMilliseconds(20'000);
+    RestoreLine(kDeviceLine);
+  };
+  const Handle mending = StartThread(mend, nullptr);
+  ApplySettings(*state_);
+  EXPECT_TRUE(IsRunning()) << "it waits for as long as the line likes";
+  EXPECT_EQ(WaitForThread(mending, 0), ThreadWait::ended);
+  CloseThread(mending);
 }
 
 INSTANTIATE_TEST_SUITE_P(Families, EachFamily,
