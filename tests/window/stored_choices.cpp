@@ -11,8 +11,8 @@ namespace {
 constexpr wchar_t kKey[] = L"Software\\Brin Ultrasonics\\EchoSounderControlProgram\\Settings";
 constexpr wchar_t kOptionsKey[] = L"Software\\Brin Ultrasonics\\EchoSounderControlProgram\\Options";
 
-void Store(const wchar_t* name, DWORD type, const void* data, size_t size) {
-  if (RegSetKeyValueW(HKEY_CURRENT_USER, kKey, name, type, data, static_cast<DWORD>(size)) != ERROR_SUCCESS) {
+void Store(const wchar_t* name, DWORD type, const void* data, size_t size, const wchar_t* key = kKey) {
+  if (RegSetKeyValueW(HKEY_CURRENT_USER, key, name, type, data, static_cast<DWORD>(size)) != ERROR_SUCCESS) {
     throw std::runtime_error("the registry takes no values");
   }
 }
@@ -30,6 +30,10 @@ void StoreChoice(const wchar_t* name, uint32_t value) {
 
 void StoreChoice(const wchar_t* name, const std::wstring& text) {
   Store(name, REG_SZ, text.c_str(), (text.size() + 1) * sizeof(wchar_t));
+}
+
+void StoreOption(const wchar_t* name, uint32_t value) {
+  Store(name, REG_DWORD, &value, sizeof(value), kOptionsKey);
 }
 
 std::optional<uint32_t> StoredNumber(const wchar_t* name) {

@@ -15,6 +15,8 @@ void ForgetStoredChoices();
 void StoreChoice(const wchar_t* name, uint32_t value);
 void StoreChoice(const wchar_t* name, const std::wstring& text);
 
+void StoreOption(const wchar_t* name, uint32_t value);
+
 [[nodiscard]] std::optional<uint32_t> StoredNumber(const wchar_t* name);
 [[nodiscard]] std::wstring StoredText(const wchar_t* name);           // empty when there is none
 [[nodiscard]] std::optional<size_t> StoredSize(const wchar_t* name);  // of a value of any kind, in bytes
