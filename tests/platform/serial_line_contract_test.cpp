@@ -65,6 +65,7 @@ TEST_F(SerialLineContract, AnIdleReadEndsAfterItsTimeWithNothing) {
   EXPECT_EQ(byte, 'x');
   EXPECT_GE(MillisecondClock() - start, kConstant_ms - 10);
   EXPECT_EQ(BytesWaiting(line_), 0u);
+  EXPECT_TRUE(IsLineThere(line_)) << "idle, not gone";
 }
 
 TEST_F(SerialLineContract, EveryByteValueComesThroughUnchanged) {
@@ -137,6 +138,7 @@ TEST(SerialLineContractHandles, NoLineIsNoHandle) {
     EXPECT_EQ(got, 0u);
     EXPECT_FALSE(WriteSerialLine(none, &byte, 1));
     EXPECT_FALSE(WriteSerialLineWithin(none, &byte, 1, 1, got));
+    EXPECT_FALSE(IsLineThere(none));
     EXPECT_EQ(BytesWaiting(none, &overruns), 0u);
     EXPECT_EQ(overruns, 0u);
     CloseSerialLine(none);
