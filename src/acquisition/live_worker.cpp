@@ -256,7 +256,7 @@ class LiveRun final : private AwayWorker {
     const bool begins = !std::exchange(channel.shown, true);
     const int64_t ringTime = StorePing(channel.ring, image_, now_ms);
     if (begins) AddTimeLine(channel.shared.lines, {ringTime, ping_.header.timeOfWork_s, 0, L""});
-    Publish(channel);
+    Publish(channel, now_ms);
     if (outputs_ != nullptr) outputs_->Offer(Facts(channel, now_ms));
     if (LoadShared(globals.timestampTicked) != 0) {
       AddMark(channel.shared.marks, MarksOf(channel), {ping_.header.timeOfWork_s, ringTime});
@@ -318,8 +318,9 @@ class LiveRun final : private AwayWorker {
     return gga + BuildRmc({sentences_ + gga, kSentenceSize}, globals.fix, gn);
   }
 
-  void Publish(const Channel& channel) const {
+  void Publish(const Channel& channel, uint32_t now_ms) const {
     StoreShared(globals.pingCounter, ping_.header.ping);
+    StoreShared(channel.shared.latestPing_ms, now_ms);
     StoreShared(channel.shared.latestAltitude_m, ping_.header.altitude_m);
   }
 

@@ -1,5 +1,5 @@
-// "NO DATA 12 s" over the newest columns of a panel's image, so that a picture that stands is not taken for a
-// live one. Pure; any thread.
+// "NO DATA 12 s" or an alarm over the newest columns of a panel's image, so that a picture that stands is not
+// taken for a live one. Pure; any thread.
 #pragma once
 
 #include <cstdint>
@@ -14,5 +14,8 @@ struct NoDataSign {
 };
 
 [[nodiscard]] NoDataSign LayOutNoData(const PanelLayout& layout, uint32_t noData_s);
+
+// "SHALLOW 1.85m" below it.
+[[nodiscard]] NoDataSign LayOutAlarm(const PanelLayout& layout, const wchar_t* text);
 
 }  // namespace tw

@@ -1,7 +1,6 @@
 #include "display/view_painter_win32.h"
 
 #include "base/shared_value.h"
-#include "display/no_data_overlay.h"
 #include "display/time_lines_overlay.h"
 
 namespace tw {
@@ -35,7 +34,7 @@ void ViewPainter::PaintPanels(AppState& state) {
   labels_.DrawOnce(picture_,
                    CollectStatus(state, panels_[0].source, panels_[panelCount_ - 1].layout, panelCount_ > 1));
   if (LoadShared(globals.timestampTicked) != 0) PaintMarks(state);
-  for (const PaintedPanel& panel : Panels()) PaintNoData(state, panel.layout);
+  for (const PaintedPanel& panel : Panels()) PaintSigns(state, panel.layout);
 }
 
 void ViewPainter::PaintLines(AppState& state, const PaintedPanel& panel) {
@@ -55,9 +54,13 @@ void ViewPainter::PaintMarks(AppState& state) {
   }
 }
 
-void ViewPainter::PaintNoData(const AppState& state, const PanelLayout& layout) {
-  if (state.options.noDataOverEchogram == 0 || state.noData_s == 0) return;
-  const NoDataSign sign = LayOutNoData(layout, state.noData_s);
+void ViewPainter::PaintSigns(const AppState& state, const PanelLayout& layout) {
+  if (state.options.noDataOverEchogram != 0 && state.noData_s != 0)
+    PaintSign(LayOutNoData(layout, state.noData_s));
+  if (state.watch.depthAlarmText[0] != L'\0') PaintSign(LayOutAlarm(layout, state.watch.depthAlarmText));
+}
+
+void ViewPainter::PaintSign(const NoDataSign& sign) {
   if (sign.board.IsEmpty()) return;
   FillRect(picture_.Pixels(), sign.board, kBlack);
   labels_.DrawOnce(picture_, sign.label);

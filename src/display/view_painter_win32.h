@@ -9,6 +9,7 @@
 
 #include "app/state/app_state.h"
 #include "display/drawing_win32.h"
+#include "display/no_data_overlay.h"
 #include "display/panel.h"
 #include "display/readout.h"
 #include "display/text_win32.h"
@@ -28,7 +29,8 @@ class ViewPainter {
   void PaintPanels(AppState& state);
   void PaintLines(AppState& state, const PaintedPanel& panel);
   void PaintMarks(AppState& state);
-  void PaintNoData(const AppState& state, const PanelLayout& layout);
+  void PaintSigns(const AppState& state, const PanelLayout& layout);
+  void PaintSign(const NoDataSign& sign);
 
   OffscreenPicture picture_;
   LabelPainter labels_;

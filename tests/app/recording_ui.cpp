@@ -231,6 +231,12 @@ void CallOperator(AppState&, bool beep) {
   ++Ui().calls;
   Ui().beeps += beep ? 1 : 0;
 }
+void ShowDepthWindow(AppState&, const DepthFigures* figures) {
+  Ui().depthWindow = figures != nullptr;
+}
+void SoundAlarm(AppState&) {
+  ++Ui().alarms;
+}
 void EndProcess(int exitCode) {
   std::_Exit(exitCode);
 }

@@ -59,6 +59,8 @@ struct RecordingUi {
   int carriedOut = 0;
   int calls = 0;  // of the operator
   int beeps = 0;
+  int alarms = 0;
+  bool depthWindow = false;
 
   // What happened in its order, with the time passed since the last entry where that is 10 ms or more.
   std::vector<std::string> log;

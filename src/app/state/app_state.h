@@ -269,6 +269,8 @@ struct Globals {
   uint32_t runningPing;  // last number given to a ping of a mode that numbers none; acquisition worker only
   float latestAltitudeHigh_m;
   float latestAltitudeLow_m;
+  uint32_t latestPingHigh_ms;  // the millisecond clock at their pings, of a live run
+  uint32_t latestPingLow_ms;
   int32_t attitudePresent;
   float pingInterval_ms;          // set interval at Start
   float measuredPingInterval_ms;  // of a run; 0 until two pings have come

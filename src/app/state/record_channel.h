@@ -26,6 +26,7 @@ struct ChannelView {
   Event& stopEvent;  // of the file worker; a's ends the acquisition worker too
   int32_t& playedFrequency_hz;
   float& latestAltitude_m;
+  uint32_t& latestPing_ms;
   int32_t& displayRange_mm;
   int32_t& timeScale_s;
 };
@@ -36,11 +37,11 @@ struct ChannelView {
   if (channel == RecordChannel::a) {
     return {s.ringA, s.ringIndexA, s.ringTimeA, s.ringLockA, g.slotReachA, g.marksA, g.linesA,
             s.recordFileA, s.nextRecordA, s.inputFileA, s.stopEvent,
-            g.playedFrequencyA_hz, g.latestAltitudeHigh_m, s.displayRangeUpper, s.timeScaleUpper};
+            g.playedFrequencyA_hz, g.latestAltitudeHigh_m, g.latestPingHigh_ms, s.displayRangeUpper, s.timeScaleUpper};
   }
   return {s.ringB, s.ringIndexB, s.ringTimeB, s.ringLockB, g.slotReachB, g.marksB, g.linesB,
           s.recordFileB, s.nextRecordB, s.inputFileB, s.stopEventB,
-          g.playedFrequencyB_hz, g.latestAltitudeLow_m, s.displayRangeLower, s.timeScaleLower};
+          g.playedFrequencyB_hz, g.latestAltitudeLow_m, g.latestPingLow_ms, s.displayRangeLower, s.timeScaleLower};
 }
 // clang-format on
 

@@ -8,6 +8,7 @@
 #include "app/state/file_naming.h"
 #include "app/window/commands.h"
 #include "app/window/control_ids.h"
+#include "app/window/depth_watch.h"
 #include "app/window/lamps.h"
 #include "app/window/run_changes.h"
 #include "app/window/run_faults.h"
@@ -42,6 +43,7 @@ void Repaint(AppState& state) {
   ShowMeasuredInterval(state);
   ShowTitle(state);
   ShowLamps(state, MillisecondClock());
+  WatchDepth(state, MillisecondClock());
 }
 
 // The text is posted once more, behind what the other worker of a pair has posted.

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "app/settings/depth_figures.h"
 #include "app/settings/lamp_face.h"
 #include "app/state/posts.h"
 
@@ -79,6 +80,13 @@ void InvalidateEchogram(AppState& state);
 
 // Calls the operator to the window: it flashes, once, and beeps if wanted.
 void CallOperator(AppState& state, bool beep);
+
+// Shows the depth in large figures in a window of its own; null takes that away. Drawn only where the figures
+// differ from what is shown.
+void ShowDepthWindow(AppState& state, const DepthFigures* figures);
+
+// One beep of the alarm.
+void SoundAlarm(AppState& state);
 
 // Ends the process at once, after a failure that it cannot survive.
 [[noreturn]] void EndProcess(int exitCode);

@@ -162,6 +162,10 @@ void CallOperator(AppState& state, bool beep) {
   if (beep) MessageBeep(MB_ICONWARNING);
 }
 
+void SoundAlarm(AppState&) {
+  MessageBeep(MB_ICONERROR);
+}
+
 void EndProcess(int exitCode) {
   ExitProcess(static_cast<UINT>(exitCode));
 }
