@@ -5,8 +5,11 @@
 #include <cstdint>
 #include <memory>
 #include <span>
+#include <utility>
+#include <vector>
 
 #include "acquisition/ping_record.h"
+#include "app/state/event_marks.h"
 #include "platform/handle.h"
 #include "playback/detection.h"
 
@@ -92,6 +95,13 @@ class PingSource {
   [[nodiscard]] virtual uint64_t Position() const = 0;
   [[nodiscard]] virtual uint64_t Size() const = 0;
   [[nodiscard]] virtual uint64_t Skipped() const = 0;
+
+  // The operator's marks in order of time, its own and others; none until they are set.
+  void SetMarks(std::vector<EventMark> marks) { marks_ = std::move(marks); }
+  [[nodiscard]] std::span<const EventMark> Marks() const { return marks_; }
+
+ private:
+  std::vector<EventMark> marks_;
 };
 
 enum class RecordingFault : uint8_t {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 
 #include "acquisition/store_ping.h"
 #include "app/state/app_state.h"
@@ -11,14 +12,24 @@
 
 namespace tw {
 
+struct PlayedPing {
+  uint32_t number;
+  uint32_t time_s;
+};
+
 class PlayedChannel {
  public:
-  PlayedChannel(AppState& state, RecordChannel channel)
-      : ring_(WriterOfRing(state, channel)), marks_(ChannelOf(state, channel).marks) {}
+  // `events` are the operator's marks in order of time, for as long as this lives.
+  PlayedChannel(AppState& state, RecordChannel channel, std::span<const EventMark> events)
+      : ring_(WriterOfRing(state, channel)),
+        marks_(ChannelOf(state, channel).marks),
+        lines_(ChannelOf(state, channel).lines),
+        events_(events) {}
 
   // Puts a ping into the ring, as many ticks behind the previous one as its recorded time says, and marks it
-  // with its time while "Timestamp" is ticked.
-  void Store(const SlotImage& image, int64_t recorded_ms, uint32_t time_s);
+  // with its time while "Timestamp" is ticked. Marks of the operator's get their lines at their pings, or
+  // where those are not in this recording, at the first one behind.
+  void Store(const SlotImage& image, int64_t recorded_ms, const PlayedPing& ping);
 
   // The recording goes on elsewhere: the next ping counts as one tick, whatever its time.
   void Jump();
@@ -32,7 +43,12 @@ class PlayedChannel {
 
  private:
   RingWriter ring_;
+  void ShowEvents(int64_t recorded_ms, const PlayedPing& ping, int64_t ringTime);
+
   MarkList& marks_;
+  TimeLineList& lines_;
+  std::span<const EventMark> events_;
+  size_t nextEvent_ = 0;
   int64_t latest_ms_ = 0;
   bool begun_ = false;
 };

@@ -70,7 +70,7 @@ void PlayedRings::Store(PlayedChannel& channel, const RecordedPing& ping, float 
   if (!recording_.Kind().hasSamples) {
     DrawPulse(image_, static_cast<double>(altitude_m), static_cast<double>(state_.settings.soundSpeed_mps));
   }
-  channel.Store(image_, recorded_ms_, header.timeOfWork_s);
+  channel.Store(image_, recorded_ms_, {header.ping, header.timeOfWork_s});
 }
 
 void PlayedRings::Publish(const RecordedPing& ping) {

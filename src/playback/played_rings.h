@@ -20,7 +20,8 @@ class PlayedRings {
       : state_(state),
         recording_(recording),
         second_(second),
-        channels_{{state, RecordChannel::a}, {state, RecordChannel::b}} {}
+        channels_{{state, RecordChannel::a, recording.Marks()},
+                  {state, RecordChannel::b, recording.Marks()}} {}
 
   // When the ping was, as far as the rings go; Show then puts it there. Without a recorded time each ping of
   // a channel counts as one tick.

@@ -13,6 +13,7 @@
 #include "playback/file_worker.h"
 #include "playback/pair.h"
 #include "playback/played_channel.h"
+#include "playback/recording_marks.h"
 
 namespace tw {
 namespace {
@@ -59,7 +60,10 @@ FileFault OpenPlayable(AppState& state, const std::wstring& path, OpenedRecordin
   FileFault fault = Open(path, WriteSharing::allowed, opened, candidates);
   if (fault.kind != FileFaultKind::none) return fault;
   if (!opened.told) return {FileFaultKind::unknownFormat, {}};
-  if (IsBare(opened) ? mayBeBare : HoldsPing(state, candidates, opened)) return {};
+  if (IsBare(opened) ? mayBeBare : HoldsPing(state, candidates, opened)) {
+    if (opened.recording != nullptr) opened.recording->SetMarks(ReadMarksBeside(path));
+    return {};
+  }
   return {FileFaultKind::notPlayable, {}};
 }
 

@@ -58,6 +58,8 @@ constexpr Row kRows[] = {
     {ID_TIMESTAMP,         {on,  on,       on,     on,    on}},
     {ID_AUTO_CAPTURE,      {on,  on,       on,     on,    on}},
     {ID_MENU_FOLDER,       {on,  on,       on,     on,    on}},
+    {ID_MENU_MARK,         {off, on,       off,    off,   off}},
+    {ID_MENU_MARK_WORD,    {off, on,       off,    off,   off}},
     {ID_MENU_EXIT,         {on,  on,       on,     on,    on}},
 };
 // clang-format on

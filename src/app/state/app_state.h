@@ -11,6 +11,7 @@
 #include "app/state/device_family.h"
 #include "app/state/device_settings.h"
 #include "app/state/display_palette.h"
+#include "app/state/event_marks.h"
 #include "app/state/gps_fix.h"
 #include "app/state/options.h"
 #include "app/state/port_entry.h"
@@ -189,7 +190,8 @@ struct AppState {
   int32_t gapsBlack;              // the option; shared
   uint32_t noData_s;              // since the newest ping of a run that has fallen silent, else 0; GUI thread
 
-  Options options;  // GUI thread
+  Options options;    // GUI thread
+  uint32_t marksSet;  // by the operator, since the program began; GUI thread
   EventLog eventLog;
   EventWatch eventWatch;
   wchar_t devicePortName[kPortNameSize];  // of the run; GUI thread
@@ -224,7 +226,6 @@ struct MarkList {
 };
 
 inline constexpr size_t kMaxTimeLines = 256;
-inline constexpr size_t kMarkWordSize = 48;
 
 // A moment of a channel's ring.
 struct TimeLine {

@@ -70,6 +70,13 @@ void Write(const wchar_t* folder, std::string_view line) {
   if (fresh.Get() != Handle::invalid) AppendBelowHeading(fresh.Get(), 0, line);
 }
 
+void WriteEvent(AppState& state, const CalendarTime& utc, std::string_view event, std::string_view detail) {
+  const Locked held(state.eventLog.lock);
+  char line[kLineSize];
+  const size_t length = FormatLine(line, utc, event, detail);
+  Write(state.eventLog.folder, {line, length});
+}
+
 }  // namespace
 
 void DirectEventLog(AppState& state) {
@@ -84,10 +91,13 @@ bool IsEventLogOn(const AppState& state) {
 
 void LogEvent(AppState& state, std::string_view event, std::string_view detail) {
   if (!IsEventLogOn(state)) return;
-  const Locked held(state.eventLog.lock);
-  char line[kLineSize];
-  const size_t length = FormatLine(line, UtcNow(), event, detail);
-  Write(state.eventLog.folder, {line, length});
+  WriteEvent(state, UtcNow(), event, detail);
+}
+
+void LogMark(AppState& state, int64_t utc_ms, std::string_view detail) {
+  CalendarTime utc = CalendarFromUnixSeconds(utc_ms / 1'000);
+  utc.millisecond = static_cast<int32_t>(utc_ms % 1'000);
+  WriteEvent(state, utc, "mark", detail);
 }
 
 }  // namespace tw

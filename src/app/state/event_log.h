@@ -28,4 +28,7 @@ void DirectEventLog(AppState& state);
 // text in UTF-8; it is cut behind some hundred bytes, and a line break becomes a blank.
 void LogEvent(AppState& state, std::string_view event, std::string_view detail);
 
+// The same for a mark of the operator's, whether the option is on or not: `utc_ms` is the time of its ping.
+void LogMark(AppState& state, int64_t utc_ms, std::string_view detail);
+
 }  // namespace tw

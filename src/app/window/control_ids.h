@@ -15,6 +15,7 @@
 #define ID_DIALOG_BAUD 134
 #define ID_DIALOG_DETAIL 135
 #define ID_DIALOG_OPTIONS 136
+#define ID_DIALOG_MARK 137
 
 // Strings
 #define ID_STRING_TITLE 103
@@ -67,6 +68,8 @@
 #define ID_MENU_BIN_TO_TXT 32778
 #define ID_MENU_SEGY 32782
 #define ID_MENU_OPTIONS 32790
+#define ID_MENU_MARK 32791
+#define ID_MENU_MARK_WORD 32792
 
 // Controls of the pages of options; those of the options themselves are numbered from the last one on
 #define ID_OPTIONS_DEFAULTS 1101

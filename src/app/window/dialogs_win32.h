@@ -17,4 +17,7 @@ void ShowSpeedDialog(AppState& state);
 // "Options": what is entered is stored, and holds from then on.
 void ShowOptions(AppState& state);
 
+// "Set Mark": a mark with a word, on the ping that was the newest when this was asked for.
+void ShowMarkDialog(AppState& state);
+
 }  // namespace tw

@@ -7,6 +7,7 @@
 #include "app/window/control_fonts_win32.h"
 #include "app/window/control_ids.h"
 #include "app/window/dialogs_win32.h"
+#include "app/window/event_mark.h"
 #include "app/window/file_commands.h"
 #include "app/window/full_window_win32.h"
 #include "app/window/lamps_win32.h"
@@ -81,6 +82,11 @@ void OnCommand(AppState& state, int id) {
       return ShowSpeedDialog(state);
     case ID_MENU_OPTIONS:
       return ShowOptions(state);
+    case ID_MENU_MARK:
+      if (const auto moment = TakeMoment(state)) SetMark(state, *moment, L"");
+      return;
+    case ID_MENU_MARK_WORD:
+      return ShowMarkDialog(state);
     case ID_MENU_EXIT:
       DestroyWindow(MainWindow(state));
       return;

@@ -4,8 +4,11 @@
 #include <regex>
 
 #include "acquisition/link_return.h"
+#include "acquisition/ping_ring.h"
 #include "app/run/second_tick.h"
 #include "app/window/commands.h"
+#include "app/window/event_mark.h"
+#include "app/window/file_commands.h"
 #include "app/window/start_up.h"
 #include "platform/clock.h"
 #include "platform/virtual/faults.h"
@@ -96,6 +99,46 @@ TEST_F(Events, EndWithTheProgram) {
   }
   const std::string told = std::regex_replace(Log(), kTime, "T");
   EXPECT_TRUE(told.ends_with(closed + "T,program ended,\"\"\r\n")) << told << closed;
+}
+
+// A mark stands in the log although that is off, and in a playback at its own ping, whatever else was marked.
+TEST_F(Events, MarksComeBackInAPlayback) {
+  Options options = state_->options;
+  options.eventLog = 0;
+  TakeOptions(*state_, options);
+  EXPECT_FALSE(TakeMoment(*state_).has_value()) << "nothing runs";
+  ConnectSounder(QuickSounder());
+  ConnectGps({});
+  ChooseGps();
+  Ui().controls[ID_RECORD].checked = true;
+  StartRun(*state_);
+  Run(4);
+  auto moment = TakeMoment(*state_);
+  ASSERT_TRUE(moment.has_value());
+  EXPECT_TRUE(moment->mark.hasDepth && moment->mark.hasPosition);
+  SetMark(*state_, *moment, L"a \"wreck\", big");
+  moment->mark.time_ms -= 3'600'000;
+  SetMark(*state_, *moment, L"of another recording");
+  EXPECT_EQ(globals.linesA.lines[globals.linesA.newest].mark, 2u);
+  Run(4);
+  StopRun(*state_);
+  EXPECT_TRUE(
+      std::regex_search(Log(), std::regex(",mark,\"1, ping [0-9]+, [0-9.]+ m, 35\\.[0-9]+ 129\\.[0-9]+, a "
+                                          "\"\"wreck\"\", big\"\r\n")))
+      << Log();
+  const std::vector<std::string> files = RecordFiles();
+  ASSERT_FALSE(files.empty());
+  Ui().chosenFiles = {(records_ / files[0]).wstring()};
+  PlayFiles(*state_);
+  Run(5);
+  ASSERT_EQ(globals.linesA.count, 1);
+  const TimeLine& line = globals.linesA.lines[globals.linesA.newest];
+  EXPECT_STREQ(line.word, L"a \"wreck\", big");
+  // A ping's line stands where it was published, one slot ahead of its own.
+  const int64_t age = state_->ringTimeA - line.ringTime + 1;
+  const auto slot = static_cast<size_t>((state_->ringIndexA - age) % kRingSlots);
+  EXPECT_EQ(LoadPingHeader(state_->ringA->slots[slot]).ping, moment->mark.ping);
+  EndFileWorkers(*state_);
 }
 
 TEST_F(Events, OfTenMegabytesAreRenamedOnce) {
