@@ -56,14 +56,15 @@ __attribute__((always_inline)) inline void Prefetch(const SlotSamples* slots, co
   }
 }
 
-// A slot with an unusually long header reaches less far than the others; the rest of its column is black.
+// A slot with an unusually long header reaches less far than the others; the rest of its column is
+// background.
 void PaintBoundedColumn(const SlotSamples& slot, const RowBlock& block, const AmplitudeColours& colours,
                         Pixel* out, ptrdiff_t stride) {
   const uint32_t* end = block.offsets + block.rows;
   const auto reach = static_cast<uint32_t>(slot.count * 2);
   const auto rows = static_cast<int32_t>(std::lower_bound(block.offsets, end, reach) - block.offsets);
   PaintColumn(slot, block.offsets, rows, colours.pixels, out, stride);
-  for (int32_t y = rows; y < block.rows; ++y) out[y * stride] = kBlack;
+  for (int32_t y = rows; y < block.rows; ++y) out[y * stride] = colours.background;
 }
 
 // Paints the group of columns that starts at `first` of the tile, and asks for the same group's next block.
@@ -140,8 +141,12 @@ int32_t RenderBand(const PingRing& ring, std::span<const ColumnJob> jobs, const 
 }  // namespace
 
 void BuildAmplitudeColours(const DisplayPalette& palette, AmplitudeColours& colours) {
+  if (colours.stamp == palette.stamp) return;
+  colours.stamp = palette.stamp;
+  colours.background = palette.background;
   for (size_t i = 0; i < kPaletteEntries; ++i) {
-    colours.pixels[i] = i < kFirstVisibleAmplitude ? kBlack : LoadLe<uint32_t>(palette.entries[i]);
+    colours.pixels[i] =
+        i < kFirstVisibleAmplitude ? colours.background : LoadLe<uint32_t>(palette.entries[i]);
   }
   std::fill(colours.pixels + kPaletteEntries, std::end(colours.pixels), colours.pixels[kMaxAmplitude]);
 }
@@ -190,7 +195,7 @@ void RenderEchogram(const PingRing& ring, const EchogramScale& scale, const Ampl
     }
     reached = RenderColumns(ring, {scratch.jobs, static_cast<size_t>(count)}, scale, colours, scratch, image);
   }
-  FillRect(image, {0, reached, image.width, image.height}, kBlack);
+  FillRect(image, {0, reached, image.width, image.height}, colours.background);
 }
 
 }  // namespace tw

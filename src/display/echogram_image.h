@@ -15,14 +15,17 @@ namespace tw {
 
 inline constexpr uint16_t kFirstVisibleAmplitude = 64;
 
-// The pixel of each 16-bit sample: black below kFirstVisibleAmplitude, else the palette's entry; the last one
-// stands for all samples beyond kMaxAmplitude too, so that nothing has to be compared while a column is
-// painted.
+// The pixel of each 16-bit sample: the background below kFirstVisibleAmplitude, else the palette's entry; the
+// last one stands for all samples beyond kMaxAmplitude too, so that nothing has to be compared while a column
+// is painted.
 inline constexpr size_t kSampleValues = 65'536;
 struct AmplitudeColours {
   Pixel pixels[kSampleValues];
+  Pixel background;
+  uint32_t stamp = 0;  // of the palette that they were built from
 };
 
+// Does nothing when they were built from a palette of this stamp.
 void BuildAmplitudeColours(const DisplayPalette& palette, AmplitudeColours& colours);
 
 // What part of a ring is shown, and how large.
@@ -80,7 +83,7 @@ int32_t RenderColumns(const PingRing& ring, std::span<const ColumnJob> jobs, con
                       const AmplitudeColours& colours, EchogramScratch& scratch, const Canvas& canvas);
 
 // Fills the whole image. A row whose sample lies beyond the slot, and all of an image whose scale cannot be
-// drawn, is black.
+// drawn, is background.
 void RenderEchogram(const PingRing& ring, const EchogramScale& scale, const AmplitudeColours& colours,
                     EchogramScratch& scratch, const Canvas& image);
 

@@ -31,9 +31,10 @@ void KeptEchogram::Free() {
 }
 
 // Forgets all columns when they would look different now. False when nothing can be kept.
-bool KeptEchogram::Fit(const PingRing& ring, const EchogramScale& scale, int32_t height) {
+bool KeptEchogram::Fit(const PingRing& ring, const EchogramScale& scale, const AmplitudeColours& colours,
+                       int32_t height) {
   const bool isSame = columns_.height == height && ring_ == &ring && scale_.range_mm == scale.range_mm &&
-                      scale_.soundSpeed_mps == scale.soundSpeed_mps;
+                      scale_.soundSpeed_mps == scale.soundSpeed_mps && colours_ == colours.stamp;
   if (isSame) return true;
   if (columns_.height != height) {
     Free();
@@ -44,6 +45,8 @@ bool KeptEchogram::Fit(const PingRing& ring, const EchogramScale& scale, int32_t
   }
   ring_ = &ring;
   scale_ = scale;
+  colours_ = colours.stamp;
+  background_ = colours.background;
   reached_ = 0;
   std::fill(std::begin(keptStamps_), std::end(keptStamps_), kNothing);
   return true;
@@ -85,13 +88,13 @@ void KeptEchogram::Compose(const Canvas& image) const {
   for (; y < reached_; ++y) {
     for (int32_t x = 0; x < image.width; ++x) image.Row(y)[x] = columns_.Row(y)[shown_[x]];
   }
-  FillRect(image, {0, reached_, image.width, image.height}, kBlack);
+  FillRect(image, {0, reached_, image.width, image.height}, background_);
 }
 
 void KeptEchogram::Render(const PingRing& ring, const EchogramScale& scale, const AmplitudeColours& colours,
                           EchogramScratch& scratch, const Canvas& image) {
   const bool isInReach = image.width <= kMaxJobs && image.height <= kMaxKeptRows;
-  if (!isInReach || !IsDrawable(scale, image.height) || !Fit(ring, scale, image.height)) {
+  if (!isInReach || !IsDrawable(scale, image.height) || !Fit(ring, scale, colours, image.height)) {
     RenderEchogram(ring, scale, colours, scratch, image);
     return;
   }

@@ -18,14 +18,14 @@ class KeptEchogram {
   KeptEchogram(const KeptEchogram&) = delete;
   KeptEchogram& operator=(const KeptEchogram&) = delete;
 
-  // As RenderEchogram; the colours are the same at each call. Memory (40,000 bytes a row of the image,
-  // touched as slots come to be shown) is allocated when the image's height changes. Without memory, and for
-  // images beyond kMaxKeptRows rows or kMaxJobs columns, all is rendered each time.
+  // As RenderEchogram; colours of another stamp cost all columns once. Memory (40,000 bytes a row of the
+  // image, touched as slots come to be shown) is allocated when the image's height changes. Without memory,
+  // and for images beyond kMaxKeptRows rows or kMaxJobs columns, all is rendered each time.
   void Render(const PingRing& ring, const EchogramScale& scale, const AmplitudeColours& colours,
               EchogramScratch& scratch, const Canvas& image);
 
  private:
-  bool Fit(const PingRing& ring, const EchogramScale& scale, int32_t height);
+  bool Fit(const PingRing& ring, const EchogramScale& scale, const AmplitudeColours& colours, int32_t height);
   [[nodiscard]] size_t FindMissing(const PingRing& ring, const EchogramScale& scale, int32_t width,
                                    ColumnJob* jobs);
   void Compose(const Canvas& image) const;
@@ -34,6 +34,8 @@ class KeptEchogram {
   Canvas columns_{};  // column i is slot i
   const PingRing* ring_ = nullptr;
   EchogramScale scale_{};
+  uint32_t colours_ = 0;  // their stamp
+  Pixel background_ = kBlack;
   int32_t reached_ = 0;              // rows that have samples
   int32_t shown_[kMaxJobs];          // slot of each image column
   uint32_t keptStamps_[kRingSlots];  // of each slot when its column was painted; odd: not to be relied on

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
-#include <type_traits>
+#include <span>
 
 #include "acquisition/output_mode.h"
 #include "acquisition/ping_line.h"
@@ -29,13 +29,13 @@ FieldChannel FieldsOf(const DeviceSettings& settings, PanelPlace place) {
 }
 
 // Background, and the image's place left out: that is painted whole anyway.
-void ClearMargins(const Canvas& canvas, const PanelLayout& layout) {
+void ClearMargins(const Canvas& canvas, const PanelLayout& layout, Pixel background) {
   const Rect& panel = layout.panel;
   const Rect& image = layout.image;
-  FillRect(canvas, {panel.left, panel.top, panel.right, image.top}, kBlack);
-  FillRect(canvas, {panel.left, image.top, image.left, image.bottom}, kBlack);
-  FillRect(canvas, {image.right, image.top, panel.right, image.bottom}, kBlack);
-  FillRect(canvas, {panel.left, image.bottom, panel.right, panel.bottom}, kBlack);
+  FillRect(canvas, {panel.left, panel.top, panel.right, image.top}, background);
+  FillRect(canvas, {panel.left, image.top, image.left, image.bottom}, background);
+  FillRect(canvas, {image.right, image.top, panel.right, image.bottom}, background);
+  FillRect(canvas, {panel.left, image.bottom, panel.right, panel.bottom}, background);
 }
 
 void DrawFrame(const Canvas& canvas, const Rect& rect) {
@@ -136,7 +136,7 @@ int32_t DeviceRangeOf(const DeviceSettings& settings, PanelPlace place) {
 void DrawPanel(const PanelSource& source, const PanelLayout& layout, PanelScratch& scratch,
                const Canvas& canvas) {
   BuildAmplitudeColours(*source.palette, scratch.colours);
-  ClearMargins(canvas, layout);
+  ClearMargins(canvas, layout, source.palette->background);
   DrawColourBar(canvas, layout, *source.palette);
   DrawFrame(canvas, layout.colourBar);
   DrawFrame(canvas, layout.profile);
@@ -145,7 +145,7 @@ void DrawPanel(const PanelSource& source, const PanelLayout& layout, PanelScratc
     scratch.kept.Render(*source.ring, source.scale, scratch.colours, scratch.image, image);
   } else {
     if (source.ring != nullptr) DrawAltitudes(source, layout, canvas);
-    FillRect(canvas, layout.image, kBlack);
+    FillRect(canvas, layout.image, source.palette->background);
   }
   if (source.ring != nullptr) {
     if (source.hasDepthTrace) DrawDepthTrace(*source.ring, source.scale, layout.dpi, image);
@@ -168,14 +168,18 @@ Labels CollectLabels(const PanelSource& source, const PanelLayout& layout) {
   }
   AddColourBarLabels(layout, labels);
   AddFrequencyLabel(layout, source.frequency_hz, labels);
+  for (Label& label : std::span(labels.labels, labels.count)) {
+    label.colour = InkOn(*source.palette, label.colour);
+  }
   return labels;
 }
 
 Label CollectStatus(AppState& state, const PanelSource& newest, const PanelLayout& layout, bool isDual) {
-  wchar_t text[std::extent_v<decltype(Label::text)>] = L"";
-  if (newest.ring == nullptr) return StatusLabel(layout, text);
+  Label label = StatusLabel(layout, L"");
+  label.colour = InkOn(*newest.palette, label.colour);
+  if (newest.ring == nullptr) return label;
   const uint8_t* const slot = SlotAt(*newest.ring, newest.scale.newest);
-  if (!HoldsPing(slot)) return StatusLabel(layout, text);
+  if (!HoldsPing(slot)) return label;
   const ShownPing ping = ReadShownPing(slot);
   PingLineValues values{.time_s = ping.time_s,
                         .ping = LoadShared(globals.pingCounter),
@@ -189,11 +193,11 @@ Label CollectStatus(AppState& state, const PanelSource& newest, const PanelLayou
     values.altitude_m = LoadShared(globals.latestAltitudeHigh_m);
     values.altitudeLow_m = LoadShared(globals.latestAltitudeLow_m);
     const OutputModeRow* const mode = FindMode(FamilyInUse(), state.settings.outputMode);
-    FormatDualPingLine(text, values, hasPitch && mode != nullptr && mode->sent.dualAttitude);
+    FormatDualPingLine(label.text, values, hasPitch && mode != nullptr && mode->sent.dualAttitude);
   } else {
-    FormatPingLine(text, values, hasPitch && LoadShared(globals.attitudePresent) == 1);
+    FormatPingLine(label.text, values, hasPitch && LoadShared(globals.attitudePresent) == 1);
   }
-  return StatusLabel(layout, text);
+  return label;
 }
 
 }  // namespace tw

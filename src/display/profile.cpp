@@ -12,6 +12,7 @@ namespace {
 
 constexpr double kPointsPerRow = 4.0;
 constexpr int32_t kPanelWidth = 60;
+constexpr Pixel kThresholdOnPaper = 0xC06000;
 
 // Between the two samples around `position`; 0 behind the last one.
 int32_t AmplitudeAt(const ProfileScratch& samples, double position) {
@@ -53,13 +54,15 @@ void DrawProfile(const PingRing& ring, const EchogramScale& scale, const PanelLa
     for (int32_t i = 1; i < points; ++i) {
       const ProfilePoint point = FindProfilePoint(i, scratch, scale, layout);
       // Unlike in the image, the weakest echoes have their colours here.
-      const bool isStrong = point.at.x > threshold;
+      const bool isStrong = point.at.x > threshold && point.amplitude >= palette.weakest;
       DrawLine(canvas, previous.at, point.at,
-               isStrong ? LoadLe<uint32_t>(palette.entries[point.amplitude]) : kBelowThresholdColour);
+               isStrong ? InkOn(palette, LoadLe<uint32_t>(palette.entries[point.amplitude]))
+                        : kBelowThresholdColour);
       previous = point;
     }
   }
-  DrawLine(canvas, {threshold, layout.profile.top}, {threshold, layout.profile.bottom}, kYellow);
+  DrawLine(canvas, {threshold, layout.profile.top}, {threshold, layout.profile.bottom},
+           palette.background == kBlack ? kYellow : kThresholdOnPaper);
 }
 
 }  // namespace tw

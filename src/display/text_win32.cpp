@@ -104,7 +104,7 @@ void LabelPainter::DrawOnce(OffscreenPicture& picture, const Label& label) {
   static_cast<void>(DrawString(picture.Graphics(), label, label.at, label.colour));
 }
 
-void MarkPainter::Draw(HDC dc, const ShownMarks& marks, int32_t dpi) {
+void MarkPainter::Draw(HDC dc, const ShownMarks& marks, int32_t dpi, Pixel colour) {
   if (marks.count == 0) return;
   const int size = ScalePixels(15, dpi);
   constexpr int kDownwards = 2'700;  // tenths of a degree
@@ -115,7 +115,7 @@ void MarkPainter::Draw(HDC dc, const ShownMarks& marks, int32_t dpi) {
   }
   if (!font_) return;
   const HGDIOBJ replaced = SelectObject(dc, font_.Get());
-  SetTextColor(dc, RGB(255, 255, 255));
+  SetTextColor(dc, RGB(colour >> 16 & 0xFF, colour >> 8 & 0xFF, colour & 0xFF));
   SetBkMode(dc, TRANSPARENT);
   for (size_t i = 0; i < marks.count; ++i) {
     const ShownMark& mark = marks.marks[i];

@@ -47,7 +47,7 @@ class LabelPainter {
 
 class MarkPainter {
  public:
-  void Draw(HDC dc, const ShownMarks& marks, int32_t dpi);
+  void Draw(HDC dc, const ShownMarks& marks, int32_t dpi, Pixel colour);
 
  private:
   OwnedGdiFont font_;

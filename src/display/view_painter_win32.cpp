@@ -50,7 +50,8 @@ void ViewPainter::PaintLines(AppState& state, const PaintedPanel& panel) {
 void ViewPainter::PaintMarks(AppState& state) {
   for (const auto& [place, layout, source] : Panels()) {
     MarkList& marks = ChannelOf(state, RecordChannelOf(place)).marks;
-    marks_.Draw(picture_.Dc(), FindShownMarks(marks, layout, source.scale, source.ringTime), layout.dpi);
+    marks_.Draw(picture_.Dc(), FindShownMarks(marks, layout, source.scale, source.ringTime), layout.dpi,
+                InkOn(state.palette, kWhite));
   }
 }
 

@@ -211,6 +211,11 @@ TEST_F(KeptImage, ForgetsWhatWouldLookDifferent) {
     Render(scale, 130, 51);
   }
   Render(kScales[0], 100, 50);
+  for (const PaletteChoice& choice : {PaletteChoice{kBlackOnWhite}, PaletteChoice{kBlackOnWhite, 30, 60}}) {
+    BuildPalette(palette_, choice);
+    BuildAmplitudeColours(palette_, colours_);
+    Render(kScales[0], 100, 50);
+  }
   const TestRing first = std::exchange(ring_, MakeRing());
   for (int32_t i = 0; i < 400; ++i) WritePing(i);  // as often written as the first ring's
   Render(kScales[0], 100, 50);

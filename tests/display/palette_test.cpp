@@ -2,7 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <set>
 #include <vector>
+
+#include "base/bytes.h"
 
 namespace tw {
 namespace {
@@ -35,6 +38,57 @@ TEST(Palette, HasTheColoursOfTheFormula) {
   for (const auto& row : rows) {
     const uint8_t(&entry)[4] = palette.entries[row.entry];
     EXPECT_EQ(std::vector<uint8_t>(entry, entry + 4), row.bytes) << row.what;
+  }
+}
+
+Pixel Entry(const DisplayPalette& palette, size_t entry) {
+  return LoadLe<uint32_t>(palette.entries[entry]);
+}
+
+// The bounds, worked out by hand: 20 % of 4,095 are 819, 60 % are 2,457, and between them the scale's 4,095
+// colours run over 1,638 amplitudes.
+TEST(Palette, RunsBetweenTheBoundsOfTheContrast) {
+  const struct {
+    const char* what;
+    PaletteChoice choice;
+    int32_t weakest;
+    size_t amplitude;
+    size_t colourOf;  // of the same scheme in full
+  } rows[] = {
+      {"the lower bound has the weakest colour", {kBlueToYellow, 20, 60}, 819, 819, 0},
+      {"half-way", {kBlueToYellow, 20, 60}, 819, 1'638, 2'047},
+      {"the upper bound has the strongest", {kBlueToYellow, 20, 60}, 819, 2'457, 4'095},
+      {"and so has what is stronger", {kBlueToYellow, 20, 60}, 819, 4'000, 4'095},
+      {"the standard colours alike", {kStandardColours, 0, 50}, 0, 1'000, 2'000},
+      {"crossing: the lower one holds, 5 % of contrast stay", {kGreyOnBlack, 60, 30}, 2'457, 2'661, 4'095},
+      {"the highest lower bound", {kGreyOnBlack, 95, 5}, 3'890, 3'890, 0},
+      {"beyond the sliders", {kGreyOnBlack, 5'000, -7}, 3'890, 3'890, 0},
+  };
+  for (const auto& row : rows) {
+    DisplayPalette full;
+    DisplayPalette palette;
+    BuildPalette(full, {.scheme = row.choice.scheme});
+    BuildPalette(palette, row.choice);
+    EXPECT_EQ(palette.weakest, row.weakest) << row.what;
+    EXPECT_EQ(Entry(palette, row.amplitude), Entry(full, row.colourOf)) << row.what;
+    for (int32_t i = 0; i < row.weakest; ++i) ASSERT_EQ(Entry(palette, static_cast<size_t>(i)), kBlack) << i;
+  }
+}
+
+// Kept columns are told apart by it.
+TEST(Palette, HasAStampOfItsOwnForEachChoice) {
+  std::set<uint32_t> stamps{0};
+  DisplayPalette palette{};
+  for (const ColourScheme scheme :
+       {kStandardColours, kBlueToYellow, kVioletToYellow, kGreyOnBlack, kBlackOnWhite}) {
+    for (const int32_t lower : {0, 1, 95}) {
+      const PaletteChoice choice{scheme, lower, 100};
+      EXPECT_FALSE(IsBuiltFrom(palette, choice));
+      BuildPalette(palette, choice);
+      EXPECT_TRUE(IsBuiltFrom(palette, choice));
+      EXPECT_TRUE(stamps.insert(palette.stamp).second);
+      EXPECT_EQ(palette.background, scheme == kBlackOnWhite ? kPaper : kBlack);
+    }
   }
 }
 

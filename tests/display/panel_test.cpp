@@ -141,6 +141,21 @@ TEST_F(Panel, OverwritesAllOfThePanel) {
   for (const auto& row : rows) EXPECT_EQ(canvas_.At(row.x, row.y), row.colour) << row.what;
 }
 
+// On paper nothing stays dark around the image, and all that is written can be read.
+TEST_F(Panel, OnPaperIsBlackOnWhite) {
+  BuildPalette(state_->palette, {.scheme = kBlackOnWhite});
+  for (const int32_t enabled : {1, 0}) {
+    state_->echogramEnabled = enabled;
+    DrawSingle();
+    for (const Point& at : {Point{0, 0}, {499, 299}, {32, 22}, {400, 100}, {383, 150}})
+      EXPECT_EQ(canvas_.At(at.x, at.y), kPaper) << at.x << ", " << at.y;
+  }
+  const PanelSource source = DescribePanel(*state_, PanelPlace::single);
+  const Labels labels = CollectLabels(source, kLayout);
+  for (size_t i = 0; i < labels.count; ++i) EXPECT_EQ(labels.labels[i].colour, kBlack) << i;
+  EXPECT_EQ(CollectStatus(*state_, source, kLayout, false).colour, kBlack);
+}
+
 TEST_F(Panel, NothingButTheImageBeforeTheRingsExist) {
   state_->ringA = nullptr;
   DrawSingle();

@@ -3,11 +3,23 @@
 #include "app/settings/stored_options.h"
 #include "app/window/ui.h"
 #include "base/shared_value.h"
+#include "display/palette.h"
 
 namespace tw {
+namespace {
+
+void TakeColours(AppState& state) {
+  const Options& options = state.options;
+  const PaletteChoice choice{ColourScheme{options.colours}, options.contrastLower_percent,
+                             options.contrastUpper_percent};
+  if (!IsBuiltFrom(state.palette, choice)) BuildPalette(state.palette, choice);
+}
+
+}  // namespace
 
 void PutDisplayOptionsInForce(AppState& state) {
   StoreShared(state.gapsBlack, state.options.gapsBlack);
+  TakeColours(state);
   if (state.initialised == 0) return;  // the first paint finds them
   ArrangeViews(state);
   InvalidateEchogram(state);
