@@ -18,7 +18,7 @@ constinit StatusTexts liveTexts{};
 
 void FormatLine(std::span<wchar_t> text, const PingHeader& ping, bool dual) {
   PingLineValues values{ping.timeOfWork_s,  ping.ping,      ping.altitude_m, 0.0f,
-                        ping.temperature_c, ping.pitch_deg, ping.roll_deg};
+                        ping.temperature_c, ping.pitch_deg, ping.roll_deg,   DepthUnitInUse()};
   const bool attitude = LoadShared(globals.attitudePresent) != 0 && ping.pitch_deg < kNoAttitude;
   if (!dual) {
     FormatPingLine(text, values, attitude);

@@ -4,18 +4,21 @@
 #include <cstdint>
 #include <span>
 
+#include "app/state/depth_text.h"
+
 namespace tw {
 
-// The texts of the string table; UTF-8, formatted by FormatPingLine and FormatDualPingLine alone.
+// The texts of the string table, but that altitudes come with their unit; UTF-8, formatted by FormatPingLine
+// and FormatDualPingLine alone.
 inline constexpr char kSingleLineFormat[] =
-    "Time:%02d.%02d.%02d %02d:%02d:%02d UTC Ping:%lu, Altitude:%.3fm, Temperature:%.1f°C";
+    "Time:%02d.%02d.%02d %02d:%02d:%02d UTC Ping:%lu, Altitude:%s, Temperature:%.1f°C";
 inline constexpr char kSingleAttitudeLineFormat[] =
-    "Time:%02d.%02d.%02d %02d:%02d:%02d UTC Ping:%lu, Altitude:%.3fm, Temperature:%.1f°C, Pitch:%.1f°, "
+    "Time:%02d.%02d.%02d %02d:%02d:%02d UTC Ping:%lu, Altitude:%s, Temperature:%.1f°C, Pitch:%.1f°, "
     "Roll:%.1f°";
 inline constexpr char kDualLineFormat[] =
-    "Time:%02d.%02d.%02d %02d:%02d:%02d, Ping:%lu, AltitudeH:%.2fm, AltitudeL:%.2fm, Temperature:%.1f°C";
+    "Time:%02d.%02d.%02d %02d:%02d:%02d, Ping:%lu, AltitudeH:%s, AltitudeL:%s, Temperature:%.1f°C";
 inline constexpr char kDualAttitudeLineFormat[] =
-    "Time:%02d.%02d.%02d %02d:%02d:%02d, Ping:%lu, AltitudeH:%.2fm, AltitudeL:%.2fm, Temperature:%.1f°C, "
+    "Time:%02d.%02d.%02d %02d:%02d:%02d, Ping:%lu, AltitudeH:%s, AltitudeL:%s, Temperature:%.1f°C, "
     "Pitch:%.1f°, Roll:%.1f°";
 
 struct PingLineValues {
@@ -26,6 +29,7 @@ struct PingLineValues {
   float temperature_c;
   float pitch_deg;
   float roll_deg;
+  DepthUnit unit = kMetres;
 };
 
 // Without attitude the line ends behind the temperature.

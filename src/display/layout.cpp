@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cinttypes>
 
+#include "app/state/depth_text.h"
 #include "base/calendar.h"
 #include "base/text_format.h"
 #include "display/scaling.h"
@@ -16,6 +17,7 @@ constexpr int32_t kTimeDivisions = 10;
 constexpr int32_t kColourBarDivisions = 10;
 constexpr int32_t kClockWidth = 54;  // of "23:59:59"
 constexpr int32_t kClockFrom = 40;   // further left stands whose time it is
+constexpr int kDepthWidth = 3;       // figures below 100 stand right
 constexpr int32_t kTallImage = 700;  // above it ten depth divisions instead of five
 
 int32_t DepthDivisions(const PanelLayout& layout) {
@@ -66,19 +68,15 @@ GridLines LayOutGrid(const PanelLayout& layout) {
   return grid;
 }
 
-void AddDepthLabels(const PanelLayout& layout, int32_t range_mm, Labels& labels) {
+void AddDepthLabels(const PanelLayout& layout, int32_t range_mm, Labels& labels, DepthUnit unit) {
   const int32_t divisions = DepthDivisions(layout);
   const int32_t step = layout.image.Height() / divisions;
   const double range_m = range_mm / 1000.0;
+  const int decimals = ScaleDecimals(range_m, unit);
   for (int32_t k = 1; k <= divisions; ++k) {
     const int32_t y = layout.panel.top + ScalePixels(8, layout.dpi) + k * step;
     Label& label = Add(labels, {ScalePixels(2, layout.dpi), y}, ScalePixels(10, layout.dpi), kYellow);
-    const double depth_m = k * (range_m / divisions);
-    if (range_m < 10) {
-      FormatWide(label.text, "%.1fm", depth_m);
-    } else {
-      FormatWide(label.text, "%3.0fm", depth_m);
-    }
+    FormatDepth(label.text, k * (range_m / divisions), unit, decimals, kDepthWidth);
   }
 }
 

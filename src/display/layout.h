@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "app/state/options.h"
 #include "display/canvas.h"
 
 namespace tw {
@@ -61,7 +62,7 @@ struct Labels {
   size_t count;
 };
 
-void AddDepthLabels(const PanelLayout& layout, int32_t range_mm, Labels& labels);
+void AddDepthLabels(const PanelLayout& layout, int32_t range_mm, Labels& labels, DepthUnit unit = kMetres);
 void AddTimeLabels(const PanelLayout& layout, int32_t timeScale_s, Labels& labels);
 
 // The clock at the ends and lines of the time grid in place of the seconds, newest first; 0: no ping there.

@@ -111,6 +111,7 @@ PanelSource DescribePanel(AppState& state, PanelPlace place) {
   const bool sharesPings = place != PanelPlace::single && !isPlayed;  // two channels, one ping rate
   PanelSource source{};
   source.palette = &state.palette;
+  source.depthUnit = DepthUnitInUse();
   source.ring = channel.ring;
   {
     const Locked locked(channel.ringLock);
@@ -160,7 +161,7 @@ void DrawPanel(const PanelSource& source, const PanelLayout& layout, PanelScratc
 
 Labels CollectLabels(const PanelSource& source, const PanelLayout& layout) {
   Labels labels{};
-  AddDepthLabels(layout, source.scale.range_mm, labels);
+  AddDepthLabels(layout, source.scale.range_mm, labels, source.depthUnit);
   if (source.timeLabels == kSecondsAgo) {
     AddTimeLabels(layout, source.labelledTimeScale_s, labels);
   } else {
@@ -187,7 +188,8 @@ Label CollectStatus(AppState& state, const PanelSource& newest, const PanelLayou
                         .altitudeLow_m = 0.0f,
                         .temperature_c = ping.temperature_c,
                         .pitch_deg = ping.pitch_deg,
-                        .roll_deg = ping.roll_deg};
+                        .roll_deg = ping.roll_deg,
+                        .unit = newest.depthUnit};
   const bool hasPitch = ping.pitch_deg < kNoAttitude;
   if (isDual) {
     values.altitude_m = LoadShared(globals.latestAltitudeHigh_m);

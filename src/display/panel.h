@@ -29,6 +29,7 @@ struct PanelSource {
   int32_t labelledTimeScale_s;
   int32_t frequency_hz;
   int32_t threshold_percent;
+  DepthUnit depthUnit;
   bool hasEchogram;
   bool hasDepthTrace;
   TimeLabels timeLabels;

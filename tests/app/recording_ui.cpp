@@ -188,6 +188,10 @@ void SelectComboItem(AppState&, int id, int index) {
   control.text = exists ? control.items[static_cast<size_t>(index)] : L"";
 }
 
+int SelectedComboItem(AppState&, int id) {
+  return Ui().controls[id].selected;
+}
+
 bool IsComboOpen(AppState&, int id) {
   return Ui().controls[id].open;
 }

@@ -52,6 +52,7 @@ TEST(Layout, DepthLabels) {
     int32_t height;  // of the panel
     int32_t range_mm;
     Texts texts;
+    DepthUnit unit = kMetres;
   } rows[] = {
       {"five divisions up to 700 rows", 740, 10'000, {L"  2m", L"  4m", L"  6m", L"  8m", L" 10m"}},
       {"ten above",
@@ -61,10 +62,12 @@ TEST(Layout, DepthLabels) {
       {"a decimal below 10 m", 500, 3'000, {L"0.6m", L"1.2m", L"1.8m", L"2.4m", L"3.0m"}},
       {"just below 10 m", 500, 9'999, {L"2.0m", L"4.0m", L"6.0m", L"8.0m", L"10.0m"}},
       {"three digits", 500, 200'000, {L" 40m", L" 80m", L"120m", L"160m", L"200m"}},
+      {"feet", 500, 30'000, {L"19.7ft", L"39.4ft", L"59.1ft", L"78.7ft", L"98.4ft"}, kFeet},
+      {"from 100 ft on whole ones", 500, 200'000, {L"131ft", L"262ft", L"394ft", L"525ft", L"656ft"}, kFeet},
   };
   for (const auto& row : rows) {
     Labels labels{};
-    AddDepthLabels(LayOutPanel(0, 900, row.height, 96), row.range_mm, labels);
+    AddDepthLabels(LayOutPanel(0, 900, row.height, 96), row.range_mm, labels, row.unit);
     EXPECT_EQ(TextsOf(labels), row.texts) << row.what;
   }
   Labels labels{};

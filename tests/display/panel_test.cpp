@@ -229,6 +229,9 @@ TEST_F(Panel, StatusShowsTheNewestPing) {
     state_->settings.outputMode = row.outputMode;
     EXPECT_EQ(Status(row.isDual), row.text) << row.what;
   }
+  globals.depthUnit = kFeet;
+  EXPECT_NE(Status(false).find(L", Altitude:40.19ft, "), std::wstring::npos);
+  EXPECT_NE(Status(true).find(L", AltitudeH:36.09ft, AltitudeL:34.45ft, "), std::wstring::npos);
 }
 
 }  // namespace

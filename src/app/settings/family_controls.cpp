@@ -3,23 +3,53 @@
 #include <cwchar>
 
 #include "app/settings/settings_text.h"
+#include "app/state/depth_text.h"
 #include "app/window/commands.h"
 #include "app/window/control_ids.h"
 #include "app/window/ui.h"
 #include "base/shared_value.h"
+#include "base/text_format.h"
 #include "device/device_link.h"
 
 namespace tw {
 namespace {
 
-void FillCombo(AppState& state, int combo, const FieldItems& items, const wchar_t* selected) {
+constexpr int kRangeDecimals = 1;
+static_assert(kMaxFieldItems <= kMostListedRanges);
+
+void FillCombo(AppState& state, int combo, const FieldItems& items, int selected) {
   ClearCombo(state, combo);
-  int index = -1;
+  for (size_t i = 0; i < items.count; ++i) AddComboItem(state, combo, items.items[i]);
+  SelectComboItem(state, combo, selected);
+}
+
+// The last one of that text; -1 without one.
+int ItemOf(const FieldItems& items, const wchar_t* text) {
+  int item = -1;
   for (size_t i = 0; i < items.count; ++i) {
-    AddComboItem(state, combo, items.items[i]);
-    if (std::wcscmp(items.items[i], selected) == 0) index = static_cast<int>(i);
+    if (std::wcscmp(items.items[i], text) == 0) item = static_cast<int>(i);
   }
-  SelectComboItem(state, combo, index);
+  return item;
+}
+
+// What the list of ranges shows for one of them. Feet are rounded, so it is the item that tells which it is.
+void FormatRange(const wchar_t* metres, std::span<wchar_t> text) {
+  double range_m = 0;
+  if (DepthUnitInUse() == kMetres || !ReadNumber(metres, false, range_m)) {
+    CopyWide(text, metres);
+  } else {
+    FormatDepthFigure(text, range_m, DepthUnitInUse(), kRangeDecimals);
+  }
+}
+
+void FillRanges(AppState& state, const FieldItems& items, int selected) {
+  FieldItems shown{};
+  for (; shown.count < items.count; ++shown.count) {
+    CopyWide(state.listedRanges[shown.count], items.items[shown.count]);
+    FormatRange(items.items[shown.count], shown.items[shown.count]);
+  }
+  state.listedRangeCount = static_cast<int32_t>(items.count);
+  FillCombo(state, ID_RANGE, shown, selected);
 }
 
 struct Selector {
@@ -50,7 +80,9 @@ void ShowSelector(AppState& state, const Selector& selector, const FormFacts& fa
   FormatField(selector.field, channel, facts, state.settings, text);
   FieldItems items;
   ListItems(selector.field, channel, facts, state.settings, items);
-  FillCombo(state, selector.combo, items, text);
+  const int selected = ItemOf(items, text);
+  if (selector.field == SettingsField::range) return FillRanges(state, items, selected);
+  FillCombo(state, selector.combo, items, selected);
 }
 
 // Empty without a device that has presets.
@@ -59,14 +91,14 @@ void ShowPresets(AppState& state) {
   if (state.link->facts.presetCapable) ListPresets(state.settings, items);
   wchar_t text[kFieldTextSize];
   FormatPreset(state.settings.preset, text);
-  FillCombo(state, ID_PRESET, items, text);
+  FillCombo(state, ID_PRESET, items, ItemOf(items, text));
 }
 
 // Items are valid by their making; what is not is left out.
 void TakeSelection(AppState& state, const Selector& selector, const FormFacts& facts) {
   wchar_t text[kFieldTextSize];
   wchar_t error[2 * kFieldTextSize];
-  GetControlText(state, selector.combo, text);
+  GetChosenText(state, selector.combo, text);
   DeviceSettings& settings = state.settings;
   static_cast<void>(ReadField(selector.field, ShownChannel(facts, settings), facts, text, settings, error));
   if (selector.field == SettingsField::range && IsBothChosen(facts, settings)) {
@@ -133,6 +165,23 @@ void RefreshSettingsControls(AppState& state) {
   const FormFacts facts = CurrentFormFacts(state);
   for (const Selector& selector : kSelectors) ShowSelector(state, selector, facts);
   ShowPresets(state);
+}
+
+void GetChosenText(AppState& state, int combo, std::span<wchar_t> text) {
+  GetControlText(state, combo, text);
+  if (combo != ID_RANGE || DepthUnitInUse() == kMetres) return;
+  const int item = SelectedComboItem(state, combo);
+  CopyWide(text, item >= 0 && item < state.listedRangeCount ? state.listedRanges[item] : L"");
+}
+
+void TakeDepthUnit(AppState& state) {
+  const DepthUnit unit{state.options.depthUnit};
+  if (unit == DepthUnitInUse()) return;
+  StoreShared(globals.depthUnit, int32_t{unit});
+  wchar_t name[8];
+  WidenText(name, NameOfUnit(unit));
+  SetControlText(state, ID_RANGE_UNIT, name);
+  if (state.listedRangeCount > 0) ShowSelector(state, kRangeSelector, CurrentFormFacts(state));
 }
 
 void TakeSettingsChoice(AppState& state, int control) {

@@ -17,6 +17,13 @@ void RefreshSettingsControls(AppState& state);
 // themselves a second later, the others with "Apply".
 void TakeSettingsChoice(AppState& state, int control);
 
+// The text of a selector's choice as the form reads it: a range in metres, whatever is shown. Empty when
+// nothing is chosen.
+void GetChosenText(AppState& state, int combo, std::span<wchar_t> text);
+
+// Puts the unit of the options in force, for all depths that are shown, and shows ranges in it.
+void TakeDepthUnit(AppState& state);
+
 // What the forms depend on: of the played file, else of the device that was connected last.
 [[nodiscard]] FormFacts CurrentFormFacts(const AppState& state);
 

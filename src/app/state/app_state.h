@@ -30,6 +30,8 @@ class PingSource;
 class RecordWriter;
 
 inline constexpr size_t kWorkingFolderSize = 260;
+inline constexpr size_t kMostListedRanges = 32;
+inline constexpr size_t kRangeTextSize = 16;
 inline constexpr int32_t kNoGpsPort = -1;
 inline constexpr uint32_t kPlaybackPace_ms = 16;
 inline constexpr int32_t kPlaybackSpan = 320;
@@ -196,10 +198,14 @@ struct AppState {
   EventWatch eventWatch;
   wchar_t devicePortName[kPortNameSize];  // of the run; GUI thread
   wchar_t gpsPortName[kPortNameSize];     // empty: none
-  wchar_t rememberedRange[64];            // combo texts at the last Start or Apply; GUI thread
+  wchar_t rememberedRange[64];            // combo texts at the last Start or Apply, the range in metres
+                                          // whatever is shown; GUI thread
   wchar_t rememberedRangeDual[64];        // given, unread
   wchar_t rememberedOutput[64];
-  wchar_t rememberedInterval[64];  // given, unread
+  wchar_t rememberedInterval[64];                           // given, unread
+  wchar_t listedRanges[kMostListedRanges][kRangeTextSize];  // in metres: of each item of the range's
+                                                            // selector; GUI thread
+  int32_t listedRangeCount;
 };
 
 // "%04d M %04d-%02d-%02d %02d:%02d:%02d" with a number of any length, and its zero.
@@ -251,6 +257,7 @@ struct Globals {
   int32_t deviceBaud;
   int32_t deviceFamily;  // a DeviceFamily, see FamilyInUse; shared
   int32_t dualMode;      // shared
+  int32_t depthUnit;     // a DepthUnit, see DepthUnitInUse; shared: GUI thread writes
   int32_t devicePortNumber;
   int32_t gpsPortNumber;  // -1 = none
   int32_t gpsBaud;
@@ -310,6 +317,11 @@ extern Globals globals;
 // Of the device, or of the file that is played.
 [[nodiscard]] inline DeviceFamily FamilyInUse() {
   return DeviceFamily{LoadShared(globals.deviceFamily)};
+}
+
+// Of what is shown.
+[[nodiscard]] inline DepthUnit DepthUnitInUse() {
+  return DepthUnit{LoadShared(globals.depthUnit)};
 }
 
 [[nodiscard]] inline Conversion ConversionUnderWay(const AppState& state) {

@@ -24,6 +24,9 @@ inline constexpr double kMetresPerFoot = 0.3048;
 size_t FormatDepth(std::span<char> out, double metres, DepthUnit unit, int decimals, int width = 0);
 size_t FormatDepth(std::span<wchar_t> out, double metres, DepthUnit unit, int decimals, int width = 0);
 
+// The figure alone.
+size_t FormatDepthFigure(std::span<wchar_t> out, double metres, DepthUnit unit, int decimals);
+
 // How many decimals the labels of a scale need that reaches down to `range_m`: in metres one below 10 m, in
 // feet one below 100 ft, where the divisions of a metric range are no whole feet.
 [[nodiscard]] int ScaleDecimals(double range_m, DepthUnit unit);

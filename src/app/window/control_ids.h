@@ -58,6 +58,7 @@
 #define ID_MEASURED_INTERVAL 1085
 #define ID_RECORDING_LAMP 1086
 #define ID_RECEIVER_LAMP 1087
+#define ID_RANGE_UNIT 1088
 
 // Menu entries
 #define ID_MENU_ABOUT 104

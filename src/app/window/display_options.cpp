@@ -1,5 +1,6 @@
 #include "app/window/display_options.h"
 
+#include "app/settings/family_controls.h"
 #include "app/settings/stored_options.h"
 #include "app/window/ui.h"
 #include "base/shared_value.h"
@@ -20,6 +21,7 @@ void TakeColours(AppState& state) {
 void PutDisplayOptionsInForce(AppState& state) {
   StoreShared(state.gapsBlack, state.options.gapsBlack);
   TakeColours(state);
+  TakeDepthUnit(state);
   if (state.initialised == 0) return;  // the first paint finds them
   ArrangeViews(state);
   InvalidateEchogram(state);

@@ -51,8 +51,8 @@ void ShowIdentified(AppState& state) {
 
 // The texts that a later change of the selectors is compared with.
 void RememberTexts(AppState& state) {
-  GetControlText(state, ID_RANGE, state.rememberedRange);
-  if (LoadShared(globals.dualMode) != 0) GetControlText(state, ID_RANGE, state.rememberedRangeDual);
+  GetChosenText(state, ID_RANGE, state.rememberedRange);
+  if (LoadShared(globals.dualMode) != 0) GetChosenText(state, ID_RANGE, state.rememberedRangeDual);
   GetControlText(state, ID_OUTPUT, state.rememberedOutput);
   GetControlText(state, ID_INTERVAL, state.rememberedInterval);
   state.pendingRange = 0;

@@ -66,7 +66,7 @@ void OfferPlaybackAgain(AppState& state) {
 
 bool Differs(AppState& state, int combo, const wchar_t* remembered) {
   wchar_t text[64];
-  GetControlText(state, combo, text);
+  GetChosenText(state, combo, text);
   return std::wcscmp(text, remembered) != 0;
 }
 

@@ -49,8 +49,9 @@ void SetControlText(AppState& state, int id, const wchar_t* text);
 
 void ClearCombo(AppState& state, int id);
 void AddComboItem(AppState& state, int id, const wchar_t* text);
-void SelectComboItem(AppState& state, int id, int index);  // -1 selects nothing
-[[nodiscard]] bool IsComboOpen(AppState& state, int id);   // its list is dropped down
+void SelectComboItem(AppState& state, int id, int index);      // -1 selects nothing
+[[nodiscard]] int SelectedComboItem(AppState& state, int id);  // -1: none
+[[nodiscard]] bool IsComboOpen(AppState& state, int id);       // its list is dropped down
 
 // The operator is choosing: the list of some selector is dropped down, in an open dialog too, or a menu.
 [[nodiscard]] bool IsListOpen(AppState& state);

@@ -120,6 +120,10 @@ void SelectComboItem(AppState& state, int id, int index) {
   SendMessageW(Control(state, id), CB_SETCURSEL, static_cast<WPARAM>(index), 0);
 }
 
+int SelectedComboItem(AppState& state, int id) {
+  return static_cast<int>(SendMessageW(Control(state, id), CB_GETCURSEL, 0, 0));
+}
+
 bool IsComboOpen(AppState& state, int id) {
   return SendMessageW(Control(state, id), CB_GETDROPPEDSTATE, 0, 0) != FALSE;
 }

@@ -128,6 +128,30 @@ TEST_F(SettingsSelectors, WhileDualModeIsTickedTheRangeIsThatOfBothChannels) {
   EXPECT_EQ(state_->settings.rangeLow_mm, 30'000);
 }
 
+// Feet are a face: what is chosen, remembered and sent stays metric.
+TEST_F(SettingsSelectors, RangesInFeetAreTheSameRanges) {
+  state_->settings.rangeHigh_mm = 10'001;  // in feet the same figure as 10 m
+  RefreshSettingsControls(*state_);
+  wchar_t before[64];
+  GetChosenText(*state_, ID_RANGE, before);
+  state_->options.depthUnit = kFeet;
+  TakeDepthUnit(*state_);
+  EXPECT_EQ(Of(ID_RANGE).items, (Items{L"3.3", L"6.6", L"9.8", L"16.4", L"32.8", L"32.8", L"49.2", L"65.6"}));
+  EXPECT_EQ(Of(ID_RANGE_UNIT).text, L"ft");
+  wchar_t text[64];
+  GetChosenText(*state_, ID_RANGE, text);
+  EXPECT_STREQ(text, before) << "a unit is no other range, which would be sent";
+  SelectComboItem(*state_, ID_RANGE, 4);
+  TakeSettingsChoice(*state_, ID_RANGE);
+  EXPECT_EQ(state_->settings.rangeHigh_mm, 10'000);
+  ChooseItem(ID_RANGE, L"49.2");
+  EXPECT_EQ(state_->settings.rangeHigh_mm, 15'000);
+  state_->options.depthUnit = kMetres;
+  TakeDepthUnit(*state_);
+  EXPECT_EQ(Of(ID_RANGE).text, L"15");
+  EXPECT_EQ(Of(ID_RANGE_UNIT).text, L"m");
+}
+
 // Record files tell the high values, whichever frequency they were recorded with.
 TEST_F(SettingsSelectors, APlayedFileShowsItsRange) {
   state_->playbackActive = 1;
