@@ -1,6 +1,9 @@
 #include "tests/window/dialog.h"
 
 #include <gtest/gtest.h>
+#include <windows.h>
+
+#include <prsht.h>
 
 #include <cwctype>
 #include <set>
@@ -59,7 +62,10 @@ void Dialog::Enter(const std::wstring& label, const std::wstring& text, int colu
 void Dialog::Select(const std::wstring& label, const std::wstring& item, int column) const {
   const auto index = SendMessageW(Field(label, column), CB_FINDSTRINGEXACT, static_cast<WPARAM>(-1),
                                   reinterpret_cast<LPARAM>(item.c_str()));
-  SendMessageW(Field(label, column), CB_SETCURSEL, static_cast<WPARAM>(index), 0);
+  const HWND field = Field(label, column);
+  SendMessageW(field, CB_SETCURSEL, static_cast<WPARAM>(index), 0);
+  SendMessageW(GetParent(field), WM_COMMAND, MAKEWPARAM(GetDlgCtrlID(field), CBN_SELCHANGE),
+               reinterpret_cast<LPARAM>(field));
 }
 
 HWND Dialog::Focus() const {
@@ -80,6 +86,19 @@ void Dialog::Press(int key) const {
 void Dialog::PressWithAlt(wchar_t letter) const {
   constexpr LPARAM kAltIsDown = 1 << 29;
   PostMessageW(Focus(), WM_SYSCHAR, letter, kAltIsDown | 1);
+}
+
+Dialog PageOf(const Dialog& sheet, int index) {
+  SendMessageW(sheet.Window(), PSM_SETCURSEL, static_cast<WPARAM>(index), 0);
+  HWND page = nullptr;
+  static_cast<void>(WaitUntil(
+      [&] {
+        do page = FindWindowExW(sheet.Window(), page, L"#32770", nullptr);
+        while (page != nullptr && IsWindowVisible(page) == FALSE);
+        return page != nullptr;
+      },
+      10));
+  return Dialog(page);
 }
 
 void ExpectWellMade(const Dialog& dialog) {

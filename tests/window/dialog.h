@@ -39,6 +39,9 @@ class Dialog {
   HWND window_;
 };
 
+// A page of the options, brought to the front.
+[[nodiscard]] Dialog PageOf(const Dialog& sheet, int index);
+
 // Nothing overlaps, nothing is cut off, each entry of a list fits, each field has a label with a letter of
 // its own.
 void ExpectWellMade(const Dialog& dialog);

@@ -2,8 +2,6 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
-#include <prsht.h>
-
 #include <filesystem>
 #include <optional>
 #include <utility>
@@ -40,20 +38,6 @@ class Dialogs : public ::testing::Test {
   std::optional<Program> program_;
   std::optional<Dialog> dialog_;
 };
-
-// A page of the options, brought to the front.
-Dialog PageOf(const Dialog& sheet, int index) {
-  SendMessageW(sheet.Window(), PSM_SETCURSEL, static_cast<WPARAM>(index), 0);
-  HWND page = nullptr;
-  static_cast<void>(WaitUntil(
-      [&] {
-        do page = FindWindowExW(sheet.Window(), page, L"#32770", nullptr);
-        while (page != nullptr && IsWindowVisible(page) == FALSE);
-        return page != nullptr;
-      },
-      10));
-  return Dialog(page);
-}
 
 HWND Switch(const Dialog& page, const wchar_t* text) {
   return FindWindowExW(page.Window(), nullptr, L"Button", text);
@@ -161,6 +145,23 @@ TEST_F(Dialogs, OptionsHoldWhatIsEnteredWithinItsBounds) {
     again.Press(std::exchange(leave, VK_RETURN));
     ASSERT_TRUE(again.CloseHasCome());
   }
+}
+
+// The sheet covers the upper left of the window.
+TEST_F(Dialogs, ColoursAndUnitAreShownAtOnceAndCancelTakesThemBack) {
+  const Dialog& sheet = Open(ID_MENU_OPTIONS);
+  const auto corner = [this] {
+    const Picture view = PictureOf(program_->Control(ID_ECHOGRAM));
+    return view.At(view.width - 3, view.height - 3);
+  };
+  const Dialog page = PageOf(sheet, 4);
+  page.Select(L"Colours", L"Black on white");
+  EXPECT_TRUE(WaitUntil([&] { return corner() == 0xFFFFFF; }, 10));
+  page.Select(L"Depths in", L"Feet");
+  EXPECT_EQ(program_->Text(ID_RANGE_UNIT), L"ft");
+  sheet.Press(VK_ESCAPE);
+  EXPECT_TRUE(WaitUntil([&] { return corner() == 0; }, 10));
+  EXPECT_EQ(program_->Text(ID_RANGE_UNIT), L"m");
 }
 
 // What stands in the field is lost meanwhile, so that it can only come back from the browser.

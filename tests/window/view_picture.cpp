@@ -48,7 +48,8 @@ void SavePicture(HWND window, const char* name) {
   if (folder == nullptr) return;
   Sleep(500);  // until it has painted itself
   RECT place = ClientOnScreen(window);
-  if (GetMenu(window) != nullptr) place.top -= GetSystemMetrics(SM_CYMENU);
+  const bool isChild = (GetWindowLongW(window, GWL_STYLE) & WS_CHILD) != 0;  // what it calls a menu is its id
+  if (!isChild && GetMenu(window) != nullptr) place.top -= GetSystemMetrics(SM_CYMENU);
   const Picture picture = PictureOf(place);
   const auto size = static_cast<DWORD>(picture.pixels.size() * sizeof(uint32_t));
   BITMAPINFOHEADER info{

@@ -3,8 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <optional>
+#include <utility>
 
 #include "app/window/control_ids.h"
+#include "tests/window/dialog.h"
 #include "tests/window/ping_log.h"
 #include "tests/window/program.h"
 #include "tests/window/stored_choices.h"
@@ -84,6 +86,34 @@ TEST_F(DISABLED_Pictures, Dual) {
   WaitForSeconds(70);
   TurnWithShift(2);
   Save("echogram-dual");
+}
+
+// One run in all schemes.
+TEST_F(DISABLED_Pictures, Colours) {
+  Start();
+  WaitForSeconds(65);
+  TurnWithShift(3);
+  const std::pair<const wchar_t*, const char*> schemes[] = {{L"Standard", "colours-standard"},
+                                                            {L"Blue to yellow", "colours-blue-to-yellow"},
+                                                            {L"Violet to yellow", "colours-violet-to-yellow"},
+                                                            {L"Grey on black", "colours-grey-on-black"},
+                                                            {L"Black on white", "colours-black-on-white"}};
+  for (const auto& [scheme, name] : schemes) {
+    program_->Choose(ID_MENU_OPTIONS);
+    const Dialog sheet(*program_);
+    PageOf(sheet, 4).Select(L"Colours", scheme);
+    sheet.Press(VK_RETURN);
+    ASSERT_TRUE(sheet.CloseHasCome());
+    SavePicture(program_->Control(ID_ECHOGRAM), name);
+  }
+  program_->Choose(ID_MENU_OPTIONS);
+  const Dialog sheet(*program_);
+  const Dialog page = PageOf(sheet, 4);
+  page.Select(L"Colours", L"Standard");
+  page.Select(L"Depths in", L"Feet");
+  sheet.Press(VK_RETURN);
+  ASSERT_TRUE(sheet.CloseHasCome());
+  Save("feet");
 }
 
 TEST_F(DISABLED_Pictures, Altimeter) {
