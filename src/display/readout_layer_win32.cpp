@@ -84,7 +84,7 @@ void ReadOutLayer::DrawCross(const Canvas& canvas, std::span<const PaintedPanel>
                              const ImageSpot& spot) {
   const auto blend = [&](const Rect& rect) {
     Cover(canvas, rect);
-    BlendRect(canvas, rect, kWhite);
+    BlendRect(canvas, rect, InkOn(*panels[spot.panel].source.palette, kWhite));
   };
   for (size_t i = 0; i < panels.size(); ++i) {
     const Rect& image = panels[i].layout.image;
@@ -107,7 +107,7 @@ void ReadOutLayer::DrawMeasure(const Canvas& canvas, const PaintedPanel& panel, 
   const Point to{image.left + spot.column, image.top + spot.row};
   for (const Rect& side : {SpanOf(from, {to.x, from.y}), SpanOf(from, {from.x, to.y})}) {
     Cover(canvas, side);
-    FillRect(canvas, side, kYellow);
+    FillRect(canvas, side, InkOn(*panel.source.palette, kYellow));
   }
 }
 

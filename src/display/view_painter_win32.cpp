@@ -41,8 +41,11 @@ void ViewPainter::PaintLines(AppState& state, const PaintedPanel& panel) {
   const auto& [place, layout, source] = panel;
   TimeLineList& list = ChannelOf(state, RecordChannelOf(place)).lines;
   const LineChoice choice{state.options.gapLines != 0, source.timeLabels == kClockLocal};
-  const ShownLines lines = FindShownLines(list, layout, source.scale, source.ringTime, choice);
+  ShownLines lines = FindShownLines(list, layout, source.scale, source.ringTime, choice);
   if (lines.count == 0) return;
+  for (ShownLine& line : std::span(lines.lines, lines.count)) {
+    line.colour = line.label.colour = InkOn(*source.palette, line.colour);
+  }
   DrawLines(lines, layout, picture_.Pixels());
   for (size_t i = 0; i < lines.count; ++i) labels_.Draw(picture_, lines.lines[i].label);
 }
