@@ -5,6 +5,7 @@
 
 #include "app/window/control_ids.h"
 #include "tests/app/test_files.h"
+#include "tests/window/dialog.h"
 #include "tests/window/ping_log.h"
 #include "tests/window/program.h"
 #include "tests/window/stored_choices.h"
@@ -88,6 +89,24 @@ TEST_F(Run, ExitWhileRecordingLeavesAWholeFile) {
   ReadRecording();
   EXPECT_EQ(recording_.fault, "");
   EXPECT_FALSE(recording_.blocks.empty());
+}
+
+// The key marks at once; the menu asks for a word, of a moment that has passed when it is typed.
+TEST_F(Run, MarksAreWrittenDown) {
+  Start();
+  ASSERT_TRUE(WaitUntil([] { return WholePings() > 10; }, 60));
+  PostMessageW(program_->Window(), WM_KEYDOWN, VK_F9, 0);
+  program_->Choose(ID_MENU_MARK_WORD);
+  const Dialog dialog(*program_);
+  dialog.Enter(L"Word at the line and in events.csv", L"wreck, upright");
+  dialog.Press(VK_RETURN);
+  const std::wstring log = folder_.Path() + L"\\events.csv";
+  const auto holdsBoth = [&] {
+    const std::string text = test::ReadWhole(log);
+    return text.find(",mark,\"1, ping ") != text.npos && text.find(", wreck, upright\"\r\n") != text.npos;
+  };
+  EXPECT_TRUE(WaitUntil(holdsBoth, 10)) << test::ReadWhole(log);
+  EXPECT_EQ(program_->Exit(), 0);
 }
 
 // What an operator clicks and types while Start keeps the window busy.

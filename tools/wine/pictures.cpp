@@ -116,6 +116,28 @@ TEST_F(DISABLED_Pictures, Colours) {
   Save("feet");
 }
 
+// The cursor over the sea bed, the depth as a line and in large figures, clocks, a mark.
+TEST_F(DISABLED_Pictures, Reading) {
+  for (const wchar_t* const option : {L"DepthTrace", L"GapLines", L"TimeLabels", L"DepthWindow"})
+    StoreOption(option, 1);
+  Start();
+  WaitForSeconds(48);
+  program_->Choose(ID_MENU_MARK_WORD);
+  const Dialog dialog(*program_);
+  dialog.Enter(L"Word at the line and in events.csv", L"wreck");
+  dialog.Press(VK_RETURN);
+  WaitForSeconds(65);
+  TurnWithShift(3);
+  const HWND view = program_->Control(ID_ECHOGRAM);
+  POINT over{280, 330};
+  ClientToScreen(view, &over);
+  SetCursorPos(over.x, over.y);
+  SendMessageW(view, WM_MOUSEMOVE, 0, MAKELPARAM(280, 330));
+  Sleep(300);
+  Save("reading");
+  SavePicture(FindWindowW(L"Tidewriter depth", nullptr), "depth-window");
+}
+
 TEST_F(DISABLED_Pictures, Altimeter) {
   Start();
   WaitForSeconds(35);
