@@ -307,6 +307,9 @@ TEST_P(EachKind, TheOperatorGoesOnMeanwhile) {
   ApplySettings(*state_);
   ExpectBox(L"Echosounder is not connected", L"Error", BoxIcon::error);
   line_.Mend();
+  SetSerialLineList({L"COM11", L"COM5", L"COM6", L"COM9"});
+  HandleTimer(*state_, ID_TIMER_PORTS);
+  EXPECT_EQ(Ui().controls[ID_DEVICE_PORT].text, L"COM5") << "the next start takes the same port";
   ASSERT_NO_FATAL_FAILURE(AwaitReturn());
   EXPECT_EQ(LoadShared(state_->runNumber), runNumber_);
   Run(3);

@@ -66,6 +66,14 @@ void FillSpeedCombo(AppState& state, int combo, std::span<const int32_t> speeds,
   SelectComboItem(state, combo, selected == speeds.end() ? 0 : static_cast<int>(selected - speeds.begin()));
 }
 
+// A port that was away comes back into its selector, so that the next start takes the same ones.
+void SelectPortsOfRun(AppState& state) {
+  const std::span<const PortEntry> ports = KnownPorts(state);
+  if (FindPort(ports, state.devicePortName) >= 0)
+    SelectPort(state, ID_DEVICE_PORT, ports, 0, state.devicePortName);
+  if (FindPort(ports, state.gpsPortName) >= 0) SelectPort(state, ID_GPS_PORT, ports, 1, state.gpsPortName);
+}
+
 void ReadSpeed(AppState& state, int combo, int32_t& speed_bps) {
   wchar_t wide[kPortNameSize];
   GetControlText(state, combo, wide);
@@ -105,6 +113,7 @@ void RefreshPortCombos(AppState& state) {
   if (std::ranges::equal(before, ListPorts(state), SamePort)) return;
   FillDevicePortCombo(state);
   FillGpsPortCombo(state);
+  if (state.options.keepRunGoing != 0 && state.acquisitionThread != Handle::null) SelectPortsOfRun(state);
 }
 
 void SelectStoredPorts(AppState& state, const CommunicationSettings& stored) {

@@ -18,6 +18,7 @@ void FillDevicePortCombo(AppState& state);
 void FillGpsPortCombo(AppState& state);
 
 // Both, when the ports have changed: a selector that is refilled flickers. Not while a list is dropped down.
+// During a run that waits for its ports they are selected again once they are listed.
 void RefreshPortCombos(AppState& state);
 
 // Selects stored ports in selectors that are already filled; the first item where a port is not listed.
