@@ -17,6 +17,9 @@ enum class ThreadWait : uint8_t { ended, timedOut, failed };
 // Waits until the thread has ended. `failed` when the handle is none (closed already).
 [[nodiscard]] ThreadWait WaitForThread(Handle thread, uint32_t timeout_ms);
 
+// The calling thread stands back behind the others from now on, as far as the system does that.
+void StandBack();
+
 // Gives the handle back; the thread itself goes on. Handle::null is ignored.
 void CloseThread(Handle thread);
 

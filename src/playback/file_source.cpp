@@ -13,11 +13,17 @@ constexpr uint32_t kBufferSize = 256 * 1024;
 
 }  // namespace
 
-FileSource::FileSource(Handle file) : file_(file), buffer_(new (std::nothrow) uint8_t[kBufferSize]) {}
+FileSource::FileSource(Handle file)
+    : file_(file), buffer_(new (std::nothrow) uint8_t[kBufferSize]), readSize_(kBufferSize) {}
+
+void FileSource::SetReadSize(uint32_t bytes) {
+  readSize_ = std::clamp<size_t>(bytes, kMaxAhead, kBufferSize);
+}
 
 size_t FileSource::ReadBehind(size_t from) {
   uint32_t got = 0;
-  failed_ = !ReadFileBytes(file_, buffer_.get() + from, static_cast<uint32_t>(kBufferSize - from), got);
+  failed_ = !ReadFileBytes(file_, buffer_.get() + from,
+                           static_cast<uint32_t>(std::min(readSize_, kBufferSize - from)), got);
   if (failed_) return 0;
   behind_ += got;
   return got;

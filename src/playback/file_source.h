@@ -31,6 +31,9 @@ class FileSource {
   // Goes on at another place; what stood in the buffer is dropped.
   [[nodiscard]] bool Seek(uint64_t position);
 
+  // How many bytes are read at once: from kMaxAhead to as many as the buffer holds.
+  void SetReadSize(uint32_t bytes);
+
   // True once the system has refused to read: what was taken for the end was none.
   [[nodiscard]] bool Failed() const { return failed_; }
 
@@ -49,6 +52,7 @@ class FileSource {
   std::span<const uint8_t> bytes_;
   uint64_t behind_ = 0;  // the place behind the last byte read
   bool failed_ = false;
+  size_t readSize_;
 };
 
 }  // namespace tw

@@ -14,12 +14,13 @@ PingFeeder::~PingFeeder() {
 }
 
 Fed PingFeeder::Next(RecordedPing& ping) {
-  if (!ended_ && recording_.Next(ping)) {
+  if ((!ended_ || follows_) && recording_.Next(ping)) {
     begun_ = true;
+    ended_ = false;
     return Fed::ping;
   }
   if (asked_.isAsked(asked_.subject)) return Fed::interrupted;
-  if (recording_.Failed() || !begun_) return Fed::unread;
+  if (!ended_ && (recording_.Failed() || !begun_)) return Fed::unread;
   return std::exchange(ended_, true) ? Fed::ended : Fed::end;
 }
 

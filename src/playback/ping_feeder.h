@@ -25,8 +25,11 @@ class PingFeeder {
   PingFeeder(const PingFeeder&) = delete;
   PingFeeder& operator=(const PingFeeder&) = delete;
 
-  // Sets `ping` with Fed::ping alone. After the end nothing is read until GoOn.
+  // Sets `ping` with Fed::ping alone. After the end nothing is read until GoOn, unless growth is followed.
   [[nodiscard]] Fed Next(RecordedPing& ping);
+
+  // Whether a recording that was read to its end is looked at again for what has been written behind it.
+  void FollowGrowth(bool follows) { follows_ = follows; }
 
   // For whoever moves it, which GoOn tells the feeder: whether the file could be positioned.
   [[nodiscard]] PingSource& Recording() { return recording_; }
@@ -37,6 +40,7 @@ class PingFeeder {
   const Interruption asked_;
   bool begun_ = false;  // a ping has come, or the recording was moved
   bool ended_ = false;
+  bool follows_ = false;
 };
 
 }  // namespace tw

@@ -10,7 +10,7 @@
 
 #include "acquisition/ping_record.h"
 #include "app/state/event_marks.h"
-#include "platform/handle.h"
+#include "platform/file.h"
 #include "playback/detection.h"
 
 namespace tw {
@@ -96,6 +96,12 @@ class PingSource {
   [[nodiscard]] virtual uint64_t Size() const = 0;
   [[nodiscard]] virtual uint64_t Skipped() const = 0;
 
+  // How many bytes of the file are read at once, 4,096 or more: few for who takes a ping here and there.
+  virtual void SetReadSize(uint32_t bytes) = 0;
+
+  // Size is told anew: the file may have grown since.
+  virtual void Measure() = 0;
+
   // The operator's marks in order of time, its own and others; none until they are set.
   void SetMarks(std::vector<EventMark> marks) { marks_ = std::move(marks); }
   [[nodiscard]] std::span<const EventMark> Marks() const { return marks_; }
@@ -113,10 +119,11 @@ enum class RecordingFault : uint8_t {
   noMemory,
 };
 
-// Opens a recording for reading, nobody else writing to it, and finds out what it is. Null with the fault
-// set. A file of two channels gives the pings of both in the order in which they stand.
+// Opens a recording for reading, nobody else writing to it unless that is allowed, and finds out what it is.
+// Null with the fault set. A file of two channels gives the pings of both in the order in which they stand.
 [[nodiscard]] std::unique_ptr<PingSource> OpenRecording(const wchar_t* path, RecordingFault& fault,
-                                                        int32_t sampling_hz = kUsualSampling_hz);
+                                                        int32_t sampling_hz = kUsualSampling_hz,
+                                                        WriteSharing sharing = WriteSharing::denied);
 
 // The same for a file that is open, of which its start says what it can be; it stays its opener's. Null with
 // the fault set.

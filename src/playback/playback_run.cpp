@@ -1,5 +1,6 @@
 #include <new>
 #include <optional>
+#include <utility>
 
 #include "base/shared_value.h"
 #include "platform/clock.h"
@@ -8,6 +9,7 @@
 #include "playback/pair_pace.h"
 #include "playback/ping_feeder.h"
 #include "playback/played_rings.h"
+#include "playback/replay_pace.h"
 #include "playback/time_search.h"
 #include "playback/worker_run.h"
 
@@ -17,6 +19,8 @@ namespace {
 constexpr uint32_t kHold_ms = 10;
 constexpr uint32_t kSlice_ms = 20;
 constexpr uint32_t kFollowSlice_ms = 4;
+constexpr uint32_t kStillGrows_ms = 3'000;
+constexpr uint64_t kSearchReach = uint64_t{1024} * 1024;
 constexpr uint64_t kMillion = 1'000'000;
 constexpr size_t kSmallStep = 20;
 constexpr size_t kLargeStep = 100;
@@ -30,7 +34,8 @@ class PlaybackRun final : public WorkerRun {
         recording_(recording),
         feeder_(recording, {[](void* run) { return static_cast<PlaybackRun*>(run)->Interrupted(); }, this}),
         rings_(state, recording, !side.first),
-        report_(state, side.texts, false) {}
+        report_(state, side.texts, false),
+        openedSize_(recording.Size()) {}
 
   [[nodiscard]] bool Run() override {
     PlaybackEnd failure = kPlaybackWithoutMemory;
@@ -49,7 +54,8 @@ class PlaybackRun final : public WorkerRun {
   [[nodiscard]] bool Interrupted() {
     if (Stale() || StopAsked()) return true;
     if (!side_.first) return IsSet(kStepSecond);
-    return LoadShared(state_.seekRequest) != 0 || IsSet(kBack20) || IsSet(kBack100);
+    return LoadShared(state_.seekRequest) != 0 || LoadShared(state_.replay.timeRequest) != 0 ||
+           IsSet(kBack20) || IsSet(kBack100);
   }
 
   // Until the operator wants it over, or it cannot go on.
@@ -59,6 +65,7 @@ class PlaybackRun final : public WorkerRun {
       RecordedPing ping{};
       switch (feeder_.Next(ping)) {
         case Fed::ping:
+          NoteGrowth();
           PlayPing(ping);
           break;
         case Fed::interrupted:
@@ -66,11 +73,10 @@ class PlaybackRun final : public WorkerRun {
         case Fed::unread:
           return kPlaybackUnread;
         case Fed::end:
-          NoteEnd();
+          BeginEnd();
           [[fallthrough]];
         case Fed::ended:
-          showNext_ = false;
-          SleepMilliseconds(kHold_ms);
+          StayAtEnd();
           break;
       }
     }
@@ -81,14 +87,30 @@ class PlaybackRun final : public WorkerRun {
   bool Steer() {
     if (side_.first) {
       if (const auto place = TakeSeekRequest(state_.seekRequest)) return SeekTo(*place);
+      if (const int64_t request = ExchangeShared(state_.replay.timeRequest, 0); request > 0)
+        return SeekToRecorded(request - 1);
+      TakeStepOn();
       if (StepAsked(kBack20)) return Step(kSmallStep);
       if (StepAsked(kBack100)) return Step(kLargeStep);
     } else if (StepAsked(kStepSecond)) {
       return Follow();
     }
-    if (showNext_ || !IsSet(kPause)) return false;
+    if (showNext_ || stepOn_ > 0 || KeepsUp() || !IsSet(kPause)) return false;
     SleepMilliseconds(kHold_ms);
+    replayPace_.HoldTo(MillisecondClock());
     return true;
+  }
+
+  // The pings of a step on are shown at once, held or not.
+  bool TakeStepOn() {
+    if (!side_.first) return false;
+    stepOn_ += ExchangeShared(state_.replay.stepOn, 0);
+    return stepOn_ > 0;
+  }
+
+  // The second file while the first one steps on.
+  [[nodiscard]] bool KeepsUp() const {
+    return HasBar() && !side_.first && pace_.IsBehind(LoadShared(state_.firstTime_ms));
   }
 
   bool StepAsked(RunEvent event) {
@@ -101,6 +123,9 @@ class PlaybackRun final : public WorkerRun {
   void GoOnFrom(bool positioned) {
     feeder_.GoOn(positioned);
     showNext_ = true;
+    stepOn_ = 0;
+    atEnd_ = false;
+    replayPace_.BeginAnew();
     rings_.RepeatNothing();
     skipUntil_.reset();
     if (side_.first)
@@ -110,16 +135,33 @@ class PlaybackRun final : public WorkerRun {
   bool SeekTo(uint64_t position) {
     GoOnFrom(recording_.Seek(position));
     StoreShared(state_.firstTime_ms, kNoPingYet);
-    if (position == 0) {  // begun anew
-      history_.Clear();
-      recording_.CountFrom(1);
-    }
+    if (position == 0 || HasBar()) history_.Clear();
+    if (position == 0) recording_.CountFrom(1);  // begun anew
+    jumped_ = position != 0;
     rings_.Jump();
     leading_ = true;  // the next ping's time is what the second file follows to
     return true;
   }
 
+  // The first ping of this recorded time or later; without times nothing happens.
+  bool SeekToRecorded(int64_t time_ms) {
+    const uint64_t before = recording_.Position();
+    if (!SeekToTime(recording_, time_ms)) {
+      GoOnFrom(recording_.Seek(before));
+      return true;
+    }
+    const uint64_t place = recording_.Position();
+    SeekTo(place);
+    jumped_ = true;
+    skipUntil_ = time_ms;
+    skipEnd_ = place + kSearchReach;
+    return true;
+  }
+
+  // With the bar a step is one of pings also where those before have not been played.
   bool Step(size_t entries) {
+    if (HasBar() && jumped_ && history_.Size() <= entries)
+      return SeekTo(PlaceBefore(recording_, shown_, entries).value_or(0));
     const auto place = history_.StepBack(entries);
     if (!place) return true;
     GoOnFrom(recording_.Seek(place->position));
@@ -152,6 +194,7 @@ class PlaybackRun final : public WorkerRun {
     const auto share_ppm = static_cast<uint64_t>(LoadShared(state_.stepShare_ppm));
     GoOnFrom(timed || recording_.Seek(recording_.Size() / kMillion * share_ppm));
     if (timed) skipUntil_ = recorded_ms;
+    skipEnd_ = UINT64_MAX;
     pace_ = {};
     const auto place = back ? history_.StepBackTo(recorded_ms) : std::nullopt;
     if (place) {
@@ -163,16 +206,51 @@ class PlaybackRun final : public WorkerRun {
   }
 
   void PlayPing(const RecordedPing& ping) {
-    if (!AwaitFirst(ping)) return;
-    if (!IsSkipped(ping)) ShowPing(ping);
-    Pace();
+    if (!AwaitFirst(ping) || IsSkipped(ping) || !AwaitDue(ping)) return;
+    ShowPing(ping);
+    Pace(ping);
+  }
+
+  // Waits in slices until the chosen pace brings the ping. False when something else goes before it. The
+  // second file of a pair goes by the first one's time instead.
+  bool AwaitDue(const RecordedPing& ping) {
+    int32_t percent = Pace_percent();
+    if (!side_.first) return true;
+    if (percent == kPaceAsGiven || showNext_ || stepOn_ > 0) replayPace_.BeginAnew();
+    if (percent == kPaceAsGiven) return true;
+    replayPace_.PassTo(MillisecondClock(), percent);
+    replayPace_.Expect(ping, {percent, LoadShared(state_.replay.skipGaps) != 0, GivenPace_ms()});
+    while (percent != kPaceAsGiven) {
+      const uint32_t left_ms = replayPace_.Left_ms(percent);
+      if (left_ms == 0 || TakeStepOn()) return true;
+      if (Interrupted()) return false;
+      WaitSlice(left_ms, percent);
+      percent = Pace_percent();
+    }
+    return true;
+  }
+
+  // What passes while the playback is held is no time.
+  void WaitSlice(uint32_t left_ms, int32_t percent) {
+    SleepMilliseconds(left_ms < kSlice_ms ? left_ms : kSlice_ms);
+    if (IsSet(kPause)) {
+      replayPace_.HoldTo(MillisecondClock());
+    } else {
+      replayPace_.PassTo(MillisecondClock(), percent);
+    }
+  }
+
+  [[nodiscard]] bool HasBar() const { return LoadShared(state_.replay.bar) != 0; }
+  [[nodiscard]] int32_t Pace_percent() const { return LoadShared(state_.replay.pace_percent); }
+  [[nodiscard]] uint32_t GivenPace_ms() const {
+    return static_cast<uint32_t>(LoadShared(state_.playbackPace));
   }
 
   // Holds a ping of the second file back that is ahead of the first. False when something else goes before
   // it.
   bool AwaitFirst(const RecordedPing& ping) {
     if (side_.first || showNext_ || skipUntil_) return true;
-    const auto longest_ms = 2 * static_cast<uint32_t>(LoadShared(state_.playbackPace));
+    const auto longest_ms = 2 * GivenPace_ms();
     uint32_t waited_ms = 0;
     while (pace_.IsAhead(ping, LoadShared(state_.firstTime_ms))) {
       if (Interrupted()) return false;
@@ -187,7 +265,7 @@ class PlaybackRun final : public WorkerRun {
   // True for a ping ahead of the place that was looked for.
   bool IsSkipped(const RecordedPing& ping) {
     if (!skipUntil_) return false;
-    if (!ping.hasTime || ping.time_ms < *skipUntil_) return true;
+    if (ping.begin < skipEnd_ && (!ping.hasTime || ping.time_ms < *skipUntil_)) return true;
     skipUntil_.reset();
     return false;
   }
@@ -195,7 +273,9 @@ class PlaybackRun final : public WorkerRun {
   void ShowPing(const RecordedPing& ping) {
     const int64_t recorded_ms = rings_.PlaceInTime(ping);
     showNext_ = false;
+    shown_ = ping.begin;
     if (side_.first) TellTime(ping);
+    if (stepOn_ > 0 && --stepOn_ == 0 && LoadShared(state_.firstTime_ms) == kNoRecordedTime) leading_ = true;
     if (leading_) LeadSecond(recorded_ms, ping.begin, false);
     leading_ = false;
     rings_.Show(ping);
@@ -203,7 +283,10 @@ class PlaybackRun final : public WorkerRun {
       report_.NotePosition(ping);
       report_.NoteTime(recorded_ms / 1000);
     }
-    if (!report_.IsProgressDue(ping)) return;
+    if (!report_.IsProgressDue(ping)) {
+      if (HasBar()) history_.Add(rings_.PlaceOf(ping));
+      return;
+    }
     PostPlace();
     if (side_.first) report_.ShowSize(recording_.Size());
     history_.Add(rings_.PlaceOf(ping));
@@ -213,33 +296,69 @@ class PlaybackRun final : public WorkerRun {
   void TellTime(const RecordedPing& ping) {
     if (ping.hasTime) {
       StoreShared(state_.firstTime_ms, ping.time_ms);
+      StoreShared(state_.replay.time_ms, ping.time_ms);
     } else if (LoadShared(state_.firstTime_ms) == kNoPingYet) {
       StoreShared(state_.firstTime_ms, kNoRecordedTime);
     }
   }
 
   // Waits in slices, so that buttons and the slider are heard.
-  void Pace() {
-    if (skipUntil_) return;
-    if (!side_.first && pace_.IsBehind(LoadShared(state_.firstTime_ms))) return;
-    for (auto left_ms = static_cast<uint32_t>(LoadShared(state_.playbackPace));
-         left_ms > 0 && !Interrupted();) {
+  void Pace(const RecordedPing& ping) {
+    if (stepOn_ > 0 || IsPacedOtherwise(ping)) return;
+    for (uint32_t left_ms = GivenPace_ms(); left_ms > 0 && !Interrupted();) {
       const uint32_t slice_ms = left_ms < kSlice_ms ? left_ms : kSlice_ms;
       SleepMilliseconds(slice_ms);
       left_ms -= slice_ms;
     }
   }
 
-  void NoteEnd() {
+  // By real time, or by the first file's.
+  [[nodiscard]] bool IsPacedOtherwise(const RecordedPing& ping) const {
+    const bool real = Pace_percent() != kPaceAsGiven;
+    if (side_.first) return real;
+    const int64_t first_ms = LoadShared(state_.firstTime_ms);
+    return pace_.IsBehind(first_ms) || (real && ping.hasTime && first_ms != kNoRecordedTime);
+  }
+
+  void BeginEnd() {
+    atEnd_ = true;
+    endTold_ = false;
+    endSince_ms_ = MillisecondClock();
     PostPlace();
-    if (!side_.first) return;
-    StoreShared(state_.firstTime_ms, kNoRecordedTime);
-    static_cast<void>(CompareExchangeShared(globals.playbackEnded, kPlaybackGoesOn, kPlaybackExhausted));
+    if (side_.first) StoreShared(state_.firstTime_ms, kNoRecordedTime);
+  }
+
+  // The operator hears of the end at once, of a file that has grown meanwhile once it does so no more.
+  void StayAtEnd() {
+    const bool grows = HasBar() && recording_.Size() > openedSize_;
+    const bool isEnd = !grows || MillisecondClock() - endSince_ms_ >= kStillGrows_ms;
+    if (side_.first && isEnd && !endTold_) {
+      endTold_ = true;
+      if (!CompareExchangeShared(globals.playbackEnded, kPlaybackGrew,
+                                 kPlaybackGoesOn))  // nobody has heard of it
+        static_cast<void>(CompareExchangeShared(globals.playbackEnded, kPlaybackGoesOn, kPlaybackExhausted));
+    }
+    showNext_ = false;
+    stepOn_ = 0;
+    feeder_.FollowGrowth(HasBar());
+    SleepMilliseconds(kHold_ms);
+    replayPace_.HoldTo(MillisecondClock());
+  }
+
+  // The file has more, behind what was its end.
+  void NoteGrowth() {
+    if (!std::exchange(atEnd_, false) || !side_.first || !endTold_) return;
+    if (CompareExchangeShared(globals.playbackEnded, kPlaybackExhausted, kPlaybackGoesOn)) return;
+    static_cast<void>(CompareExchangeShared(globals.playbackEnded, kPlaybackGoesOn, kPlaybackGrew));
   }
 
   // Of a pair the first file is the one whose place and size are shown.
   void PostPlace() {
-    if (side_.first) report_.PostPlace(LoadShared(side_.input), recording_);
+    if (!side_.first) return;
+    if (HasBar()) recording_.Measure();
+    StoreShared(state_.replay.position, recording_.Position());
+    StoreShared(state_.replay.fileSize, recording_.Size());
+    report_.PostPlace(LoadShared(side_.input), recording_);
   }
 
   PingSource& recording_;
@@ -250,7 +369,16 @@ class PlaybackRun final : public WorkerRun {
   PairPace pace_;
   bool showNext_ = false;  // a step or seek has not shown its ping yet
   bool leading_ = false;
+  bool jumped_ = false;  // what was played last does not go back to the file's beginning
+  uint64_t shown_ = 0;   // where the newest ping that was shown begins
   std::optional<int64_t> skipUntil_;
+  uint64_t skipEnd_ = UINT64_MAX;  // a place at which it is looked for no longer
+  ReplayPace replayPace_;
+  int32_t stepOn_ = 0;         // so many pings are shown at once
+  const uint64_t openedSize_;  // bytes
+  bool atEnd_ = false;
+  bool endTold_ = false;
+  uint32_t endSince_ms_ = 0;
 };
 
 }  // namespace

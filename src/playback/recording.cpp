@@ -154,6 +154,8 @@ class Recording final : public PingSource {
   [[nodiscard]] uint64_t Position() const override { return behind_; }
   [[nodiscard]] uint64_t Size() const override { return size_; }
   [[nodiscard]] uint64_t Skipped() const override { return skipped_; }
+  void SetReadSize(uint32_t bytes) override { source_.SetReadSize(bytes); }
+  void Measure() override { size_ = source_.Size(); }
 
  private:
   static constexpr size_t kParserCapacity = 1'024;
@@ -338,11 +340,12 @@ std::unique_ptr<Recording> Make(Handle file, const Candidates& candidates, Recor
 
 }  // namespace
 
-std::unique_ptr<PingSource> OpenRecording(const wchar_t* path, RecordingFault& fault, int32_t sampling_hz) {
-  OwnedFile file(OpenFileForReading(path, WriteSharing::denied));
+std::unique_ptr<PingSource> OpenRecording(const wchar_t* path, RecordingFault& fault, int32_t sampling_hz,
+                                          WriteSharing sharing) {
+  OwnedFile file(OpenFileForReading(path, sharing));
   fault = RecordingFault::notOpened;
   if (file.Get() == Handle::invalid) return nullptr;
-  constexpr int kRetries = 0;  // nobody else writes it
+  constexpr int kRetries = 0;
   auto recording = Make(file.Get(), CandidatesOf(file.Get(), kRetries), fault, sampling_hz);
   if (recording != nullptr) recording->Own(std::move(file));
   return recording;

@@ -15,6 +15,23 @@ bool FindTimedPing(PingSource& recording, uint64_t position, RecordedPing& ping)
   return false;
 }
 
+// The places of the pings from one on, as far as they are ahead of another, the newest `kMostBefore` of them.
+struct PlacesAhead {
+  uint64_t places[kMostBefore];
+  size_t count = 0;      // in all
+  bool reached = false;  // the other one has been come to
+
+  PlacesAhead(PingSource& recording, uint64_t from, uint64_t to) {
+    RecordedPing ping{};
+    if (!recording.Seek(from)) return;
+    while (recording.Next(ping)) {
+      reached = ping.begin >= to;
+      if (reached) return;
+      places[count++ % kMostBefore] = ping.begin;
+    }
+  }
+};
+
 }  // namespace
 
 bool SeekToTime(PingSource& recording, int64_t time_ms) {
@@ -37,6 +54,18 @@ bool SeekToTime(PingSource& recording, int64_t time_ms) {
     }
   }
   return hasTimes && recording.Seek(early);
+}
+
+std::optional<uint64_t> PlaceBefore(PingSource& recording, uint64_t position, size_t count) {
+  constexpr uint64_t kFarthest = uint64_t{64} * 1024 * 1024;
+  for (uint64_t reach = kNear; reach <= kFarthest; reach *= 4) {
+    const uint64_t from = position > reach ? position - reach : 0;
+    const PlacesAhead ahead(recording, from, position);
+    if (!ahead.reached) return position;
+    if (ahead.count >= count) return ahead.places[(ahead.count - count) % kMostBefore];
+    if (from == 0) break;
+  }
+  return std::nullopt;
 }
 
 }  // namespace tw

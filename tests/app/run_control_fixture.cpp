@@ -8,6 +8,7 @@
 #include "acquisition/ping_ring.h"
 #include "acquisition/record_file.h"
 #include "app/run/record_set_up.h"
+#include "app/state/overview.h"
 #include "app/window/commands.h"
 #include "app/window/start_up.h"
 #include "device/device_link.h"
@@ -66,6 +67,11 @@ RunControlTest::~RunControlTest() {
                      &state_->linkLock, &state_->eventLog.lock, &globals.marksA.lock, &globals.marksB.lock,
                      &globals.linesA.lock, &globals.linesB.lock}) {
     DestroyLock(*lock);
+  }
+  if (Overview* const overview = state_->replay.overview; overview != nullptr) {
+    DestroyEvent(overview->stop);
+    DestroyLock(overview->lock);
+    FreeZeroed(overview, sizeof *overview);
   }
   FreeZeroed(state_->ringA, kRingSize);
   FreeZeroed(state_->ringB, kRingSize);

@@ -17,6 +17,7 @@
 #include "acquisition/echo_frame.h"
 #include "acquisition/echo_text_stream.h"
 #include "acquisition/live_worker.h"
+#include "app/run/file_run.h"
 #include "app/run/worker_control.h"
 #include "app/settings/family_controls.h"
 #include "app/state/event_log.h"
@@ -210,7 +211,7 @@ std::wstring WriteRecording(const TestFolder& folder, int32_t frequency_hz) {
 
 // One thing that an operator does during a playback, whichever it is.
 void SteerAnyhow(AppState& state, uint64_t choice, uint64_t place) {
-  switch (choice % 6) {
+  switch (choice % 9) {
     case 0:
       return PausePlayback(state);
     case 1:
@@ -219,6 +220,16 @@ void SteerAnyhow(AppState& state, uint64_t choice, uint64_t place) {
       return StepPlaybackBack(state, kBack20);
     case 3:
       return StepPlaybackBack(state, kBack100);
+    case 4:
+      return RequestStepOn(state.replay.stepOn, 20);
+    case 5:
+      return RequestTime(state.replay.timeRequest, 1'700'000'000'000 + static_cast<int64_t>(place % 120'000));
+    case 6:
+      state.options.skipGaps = static_cast<int32_t>(choice / 9 % 2);
+      TakeReplayOptions(state);
+      if (state.options.playbackBar != 0)
+        StoreShared(state.replay.pace_percent, 500 * static_cast<int32_t>(choice / 18 % 3));
+      return;
     default:
       return RequestSeek(state.seekRequest, place);
   }
@@ -236,6 +247,7 @@ TEST(Race, PlaybackIsSteeredWhileTheViewPaints) {
   int playbacks = 0;
   int pairs = 0;
   for (const auto end = Clock::now() + kPlayed; Clock::now() < end; ++playbacks) {
+    state.options.playbackBar = playbacks % 2;
     Ui().chosenFiles = playbacks % 4 == 3 ? std::vector{pair[1]} : pair;
     PlayFiles(state);
     ASSERT_EQ(state.playbackActive, 1) << playbacks;

@@ -11,6 +11,7 @@
 #include "base/text_format.h"
 #include "platform/thread.h"
 #include "playback/file_worker.h"
+#include "playback/overview_thread.h"
 #include "playback/pair.h"
 #include "playback/played_channel.h"
 #include "playback/recording_marks.h"
@@ -91,6 +92,11 @@ void BeginFileRun(AppState& state) {
   static_cast<void>(TakeSeekRequest(state.seekRequest));
   StoreShared(globals.playbackEnded, kPlaybackGoesOn);
   StoreShared(state.firstTime_ms, kNoPingYet);
+  StoreShared(state.replay.time_ms, kNoPingYet);
+  StoreShared(state.replay.timeRequest, 0);
+  StoreShared(state.replay.stepOn, 0);
+  StoreShared(state.replay.position, 0);
+  StoreShared(state.replay.fileSize, 0);
   state.playbackPaused = 0;
   state.playbackAtEnd = 0;
   RaiseRunNumber(state);
@@ -206,6 +212,7 @@ FileFault BeginPlayback(AppState& state, FilesToPlay& files) {
   state.playbackActive = 1;
   LayOut(state.recordingA, state.inputFileA, a);
   if (pair) LayOut(state.recordingB, state.inputFileB, files.b);
+  TakeReplayOptions(state);
   if (!StartFileWorker(state, state.fileWorkerA, FileWorkerA) ||
       (pair && !StartFileWorker(state, state.fileWorkerB, FileWorkerB)))
     return EndWithoutFileWorker(state);
@@ -245,6 +252,7 @@ FileFault BeginConversion(AppState& state, const std::wstring& path, Conversion 
 }
 
 bool EndFileRun(AppState& state) {
+  EndOverview(state);
   EndFileWorker(state.fileWorkerA, state.stopEvent);
   EndFileWorker(state.fileWorkerB, state.stopEventB);
   StoreShared(globals.playbackEnded, 0);  // nobody is left who could go on
@@ -253,6 +261,16 @@ bool EndFileRun(AppState& state) {
   state.playbackPaused = 0;
   state.playbackAtEnd = 0;
   return true;
+}
+
+// Without the bar nobody could choose another pace.
+void TakeReplayOptions(AppState& state) {
+  const bool bar = state.options.playbackBar != 0;
+  StoreShared(state.replay.bar, bar ? 1 : 0);
+  if (!bar) StoreShared(state.replay.pace_percent, kPaceAsGiven);
+  StoreShared(state.replay.skipGaps, bar ? state.options.skipGaps : 0);
+  if (!bar) return EndOverview(state);
+  if (state.playbackActive != 0) BeginOverview(state);
 }
 
 bool ResumeFileRun(AppState& state) {
@@ -275,6 +293,12 @@ bool StepFileRunBack(AppState& state, RunEvent step) {
   if (state.playbackActive == 0 || ConversionUnderWay(state) != Conversion::none) return false;
   state.playbackAtEnd = 0;
   Signal(state.runEvents[step]);
+  return true;
+}
+
+bool StepFileRunOn(AppState& state, int32_t pings) {
+  if (state.playbackActive == 0 || state.playbackAtEnd != 0) return false;
+  RequestStepOn(state.replay.stepOn, pings);
   return true;
 }
 

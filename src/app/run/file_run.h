@@ -69,10 +69,14 @@ struct FilesToPlay {
 // views are to be arranged anew.
 [[nodiscard]] bool EndFileRun(AppState& state);
 
+// What the options say of the pace, the gaps and the bar: when a playback begins, and when they have changed.
+void TakeReplayOptions(AppState& state);
+
 // Steers a playback. True when what the controls show has changed. After the end Resume begins again.
 [[nodiscard]] bool ResumeFileRun(AppState& state);
 [[nodiscard]] bool PauseFileRun(AppState& state);
 [[nodiscard]] bool StepFileRunBack(AppState& state, RunEvent step);
+[[nodiscard]] bool StepFileRunOn(AppState& state, int32_t pings);
 
 // A worker tells how far it is. After the end this means that the slider has sent it back: true.
 [[nodiscard]] bool NoteFileProgress(AppState& state, const ProgressBlock& progress);

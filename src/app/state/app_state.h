@@ -15,6 +15,7 @@
 #include "app/state/gps_fix.h"
 #include "app/state/options.h"
 #include "app/state/port_entry.h"
+#include "app/state/replay_state.h"
 #include "app/state/run_watch_state.h"
 #include "base/shared_value.h"
 #include "platform/handle.h"
@@ -52,8 +53,6 @@ struct WindowPlacement {
 };
 static_assert(sizeof(WindowPlacement) == 32);
 
-inline constexpr int64_t kNoRecordedTime = INT64_MAX;
-inline constexpr int64_t kNoPingYet = INT64_MIN;
 inline constexpr uint64_t kUnknownSpace = UINT64_MAX;
 
 // Where events are written to; see app/state/event_log.h.
@@ -74,7 +73,14 @@ struct EventWatch {
 };
 
 // What has become of a playback, told by its workers.
-enum PlaybackEnd : int32_t { kPlaybackGoesOn, kPlaybackExhausted, kPlaybackUnread, kPlaybackWithoutMemory };
+// kPlaybackGrew: it was exhausted, and now its file has more.
+enum PlaybackEnd : int32_t {
+  kPlaybackGoesOn,
+  kPlaybackExhausted,
+  kPlaybackUnread,
+  kPlaybackWithoutMemory,
+  kPlaybackGrew
+};
 
 // Why a recording that was asked for does not go into its files.
 enum class RecordFault : int32_t { none, diskFull, diskRefuses, folderMissing };
@@ -133,14 +139,15 @@ struct AppState {
   uint64_t seekRequest;    // shared: the slider asks, the file worker takes; see app/state/slider_messages.h
 
   // Of a playback, of choices that wait to be sent, of the window and of the record files.
-  int32_t playbackActive;     // GUI thread
-  int32_t playbackPaused;     // GUI thread
-  int64_t firstTime_ms;       // newest recorded time of the first file, kNoPingYet until it has shown a ping,
-                              // kNoRecordedTime where it tells none and at its end; shared
-  int64_t stepTime_ms;        // recorded time to which the second file follows the first; shared
-  int32_t stepShare_ppm;      // and how much of the first file lies ahead of that place; shared
-  int32_t stepBack;           // the second file's ring goes back too; shared
-  int32_t playbackAtEnd;      // the played file is exhausted; GUI thread
+  int32_t playbackActive;  // GUI thread
+  int32_t playbackPaused;  // GUI thread
+  int64_t firstTime_ms;    // newest recorded time of the first file, kNoPingYet until it has shown a ping,
+                           // kNoRecordedTime where it tells none and at its end; shared
+  int64_t stepTime_ms;     // recorded time to which the second file follows the first; shared
+  int32_t stepShare_ppm;   // and how much of the first file lies ahead of that place; shared
+  int32_t stepBack;        // the second file's ring goes back too; shared
+  int32_t playbackAtEnd;   // the played file is exhausted; GUI thread
+  ReplayState replay;
   int32_t fileInRings;        // the rings hold a file's pings, not a device's; GUI thread
   int32_t linkLost;           // shared: workers set it, the GUI clears it before each worker start
   int32_t linkAway;           // shared: an AwayFor; the run waits for its device to come back

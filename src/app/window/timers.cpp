@@ -57,6 +57,10 @@ void GiveUpPlayback(AppState& state, PlaybackEnd end) {
 void OfferPlaybackAgain(AppState& state) {
   const auto end = static_cast<PlaybackEnd>(ExchangeShared(globals.playbackEnded, kPlaybackGoesOn));
   if (end == kPlaybackGoesOn) return;
+  if (end == kPlaybackGrew) {
+    state.playbackAtEnd = 0;
+    return RefreshControlStates(state);
+  }
   if (end != kPlaybackExhausted) return GiveUpPlayback(state, end);
   StoreShared(state.playbackPace, kPlaybackPace_ms);
   SetControlText(state, ID_RESUME, L"\u25BA");

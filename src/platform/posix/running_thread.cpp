@@ -1,6 +1,8 @@
 #include "platform/posix/running_thread.h"
 
 #include <pthread.h>
+#include <sys/resource.h>
+#include <unistd.h>
 
 #include <cerrno>
 
@@ -70,6 +72,12 @@ ThreadWait WaitForThread(Handle handle, uint32_t timeout_ms) {
     thread->monitor.WaitUntil(deadline_us, "a thread's end");
   }
   return ThreadWait::ended;
+}
+
+// Without the right to it the thread runs like the others.
+void StandBack() {
+  constexpr int kNiceness = 15;
+  static_cast<void>(setpriority(PRIO_PROCESS, static_cast<id_t>(gettid()), kNiceness));
 }
 
 void CloseThread(Handle thread) {

@@ -47,6 +47,10 @@ ThreadWait WaitForThread(Handle thread, uint32_t timeout_ms) {
   }
 }
 
+void StandBack() {
+  SetThreadPriority(GetCurrentThread(), THREAD_PRIORITY_LOWEST);
+}
+
 void CloseThread(Handle thread) {
   CloseIfOpen(thread);
 }
