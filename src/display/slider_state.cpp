@@ -37,17 +37,25 @@ bool SliderState::IsHovered() const {
   return cursor_ && Contains(thumb_, *cursor_);
 }
 
-void SliderState::Press(Point cursor) {
-  isDragging_ = Contains(thumb_, cursor);
+std::optional<uint64_t> SliderState::Press(Point cursor) {
+  const bool onThumb = Contains(thumb_, cursor);
+  isDragging_ = onThumb || (follows_ && !thumb_.IsEmpty());
+  held_ = follows_ && onThumb ? cursor.x - (thumb_.left + thumb_.Width() / 2) : 0;
+  if (!isDragging_ || onThumb) return std::nullopt;
+  return DragTo(cursor.x);
+}
+
+uint64_t SliderState::DragTo(int32_t x) {
+  progress_.position = SeekPosition(progress_, x - held_, size_);
+  PlaceThumb();
+  return progress_.position;
 }
 
 std::optional<uint64_t> SliderState::Move(Point cursor, bool isButtonHeld) {
   cursor_ = cursor;
   isDragging_ = isDragging_ && isButtonHeld;
-  if (!isDragging_ || !IsHovered()) return std::nullopt;
-  progress_.position = SeekPosition(progress_, cursor.x, size_);
-  PlaceThumb();
-  return progress_.position;
+  if (!isDragging_ || (!follows_ && !IsHovered())) return std::nullopt;
+  return DragTo(cursor.x);
 }
 
 void DrawSlider(const SliderState& slider, const Canvas& canvas) {

@@ -18,11 +18,15 @@ class SliderState {
   bool TakeProgress(const ProgressBlock& progress);
   bool TakePosition(uint64_t position);
 
-  // The left button goes down; it starts a drag on the thumb only.
-  void Press(Point cursor);
+  // Whether the thumb follows the mouse wherever it is dragged, and a press beside it sends it there.
+  void Follow(bool follows) { follows_ = follows; }
+
+  // The left button goes down; it starts a drag on the thumb only, unless the thumb follows. Returns where
+  // the file is to go on, as Move does.
+  std::optional<uint64_t> Press(Point cursor);
 
   // The cursor moves. Returns where a drag wants the file to go on; then the thumb stands there already.
-  // kept: only a cursor that is on the thumb drags it; a faster one leaves it behind.
+  // kept: unless the thumb follows, only a cursor that is on it drags it; a faster one leaves it behind.
   [[nodiscard]] std::optional<uint64_t> Move(Point cursor, bool isButtonHeld);
 
   void Release() { isDragging_ = false; }
@@ -34,11 +38,14 @@ class SliderState {
 
  private:
   void PlaceThumb();
+  uint64_t DragTo(int32_t x);
 
   ProgressBlock progress_{};
   SliderSize size_{};
   Rect thumb_{};
   bool isDragging_ = false;
+  bool follows_ = false;
+  int32_t held_ = 0;             // how far from the thumb's middle it was taken, where it follows
   std::optional<Point> cursor_;  // while it is over the slider
 };
 

@@ -66,8 +66,17 @@ bool TakeNews(SliderState& slider, WPARAM parameter, LPARAM position) {
   return progress != nullptr && slider.TakeProgress(*progress);
 }
 
+void Seek(AppState* state, const std::optional<uint64_t>& position) {
+  if (position && state != nullptr) RequestSeek(state->seekRequest, *position);
+}
+
+// With the playback bar its keys count while the slider has the focus.
 void OnPress(HWND window, Slider& slider, Point cursor) {
-  slider.state.Press(cursor);
+  AppState* const state = StateOfParent(window);
+  const bool bar = state != nullptr && state->options.playbackBar != 0;
+  if (bar) SetFocus(window);
+  slider.state.Follow(bar);
+  Seek(state, slider.state.Press(cursor));
   if (slider.state.IsDragging()) SetCapture(window);
 }
 
@@ -78,8 +87,7 @@ void OnRelease(HWND window, Slider& slider) {
 
 void OnMove(HWND window, Slider& slider, Point cursor, bool isButtonHeld) {
   const std::optional<uint64_t> position = slider.state.Move(cursor, isButtonHeld);
-  AppState* const state = StateOfParent(window);
-  if (position && state != nullptr) RequestSeek(state->seekRequest, *position);
+  Seek(StateOfParent(window), position);
   TRACKMOUSEEVENT leaving{sizeof leaving, TME_LEAVE, window, 0};
   TrackMouseEvent(&leaving);
   Repaint(window);

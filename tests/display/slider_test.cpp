@@ -106,6 +106,21 @@ TEST(Slider, DraggingMovesTheFileAndShutsOutTheWorker) {
   EXPECT_EQ(slider.Thumb().left, 0);
 }
 
+TEST(Slider, AThumbThatFollowsGoesWhereTheMouseGoes) {
+  SliderState slider;
+  slider.Resize({1'000, 22, 96});
+  slider.Follow(true);
+  EXPECT_EQ(slider.Press({300, 10}), std::nullopt) << "no file";
+  slider.TakeProgress(Progress(1'000, 1'600'000, 3'200'000));  // thumb from 450 to 550
+  EXPECT_EQ(slider.Press({300, 10}), 888'888u) << "beside the thumb: 250 / 900";
+  EXPECT_EQ(slider.Thumb().left, 249);
+  EXPECT_EQ(slider.Move({700, 500}, true), 2'311'111u) << "650 / 900, far off";
+  EXPECT_EQ(slider.Move({-400, -3}, true), 0u);
+  slider.Release();
+  EXPECT_EQ(slider.Press({90, 10}), std::nullopt) << "taken near its end";
+  EXPECT_EQ(slider.Move({190, 10}, true), 355'555u) << "100 / 900, it does not jump below the cursor";
+}
+
 TEST(Slider, OnlyBlocksOnTheirWayAreTakenOver) {
   ProgressBlock other = Progress(1, 2, 3);
   for (const uintptr_t number :
