@@ -11,6 +11,7 @@
 #include "app/window/control_ids.h"
 #include "app/window/crash_dump_win32.h"
 #include "app/window/main_window_win32.h"
+#include "app/window/playback_bar_win32.h"
 #include "app/window/start_up.h"
 #include "display/echogram_view_win32.h"
 #include "platform/clock.h"
@@ -39,7 +40,8 @@ bool RegisterClasses(HINSTANCE instance, const wchar_t* mainClass) {
   const INITCOMMONCONTROLSEX controls{sizeof(controls),
                                       ICC_STANDARD_CLASSES | ICC_BAR_CLASSES | ICC_UPDOWN_CLASS};
   return InitCommonControlsEx(&controls) != FALSE && RegisterMainWindowClass(instance, mainClass) &&
-         RegisterEchogramClass(instance) && RegisterSliderClass(instance);
+         RegisterEchogramClass(instance) && RegisterSliderClass(instance) &&
+         RegisterPlaybackBarClass(instance);
 }
 
 int Run(HINSTANCE instance, int showCommand) {

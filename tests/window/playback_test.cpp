@@ -2,6 +2,7 @@
 // menu, file dialog and boxes.
 #include <gtest/gtest.h>
 
+#include <cwchar>
 #include <filesystem>
 #include <optional>
 #include <utility>
@@ -27,9 +28,16 @@ BOOL CALLBACK FindEdit(HWND window, LPARAM found) {
   return FALSE;
 }
 
+struct BarChoice {
+  explicit BarChoice(bool on) { StoreOption(L"PlaybackBar", on ? 1 : 0); }
+};
+
 class Playback : public ::testing::Test {
  protected:
+  explicit Playback(bool bar = false) : bar_(bar) {}
+
   static void SetUpTestSuite() {
+    if (folder_) return;  // both suites play one recording
     folder_.emplace();
     StoreRunChoices(folder_->Path());
     Program program;
@@ -43,7 +51,6 @@ class Playback : public ::testing::Test {
     file_ = files.front();
     size_ = std::filesystem::file_size(file_);
   }
-  static void TearDownTestSuite() { folder_.reset(); }
 
   [[nodiscard]] static uintmax_t RecordedBytes() {
     const std::vector<std::wstring> files = folder_->Files();
@@ -102,7 +109,44 @@ class Playback : public ::testing::Test {
   static inline std::optional<OwnFolder> folder_;
   static inline std::wstring file_;
   static inline uintmax_t size_ = 0;
+  BarChoice bar_;  // ahead of the program, which reads it at its start
   Program program_;
+};
+
+class PlaybackWithBar : public Playback {
+ protected:
+  PlaybackWithBar() : Playback(true) {}
+
+  [[nodiscard]] HWND Bar() const { return program_.Control(ID_PLAYBACK_BAR); }
+  [[nodiscard]] HWND Part(int id) const { return GetDlgItem(Bar(), id); }
+  // How many seconds of the recording have been played, of how many; below 0: it does not say.
+  [[nodiscard]] int Played(int& length_s) const {
+    int minutes = 0;
+    int seconds = -1;
+    int minutesInAll = 0;
+    const std::wstring text = TextOf(Part(ID_REPLAY_TIME));
+    if (std::swscanf(text.c_str(), L"00:%d:%d of 00:%d:%d", &minutes, &seconds, &minutesInAll, &length_s) !=
+        4)
+      return -1;
+    length_s += 60 * minutesInAll;
+    return 60 * minutes + seconds;
+  }
+  [[nodiscard]] bool ComesTo(int from_s, int to_s) const {
+    int length_s = 0;
+    return WaitUntil(
+        [&] {
+          const int played_s = Played(length_s);
+          return played_s >= from_s && played_s <= to_s;
+        },
+        10);
+  }
+  static void Press(HWND window, int key) { PostMessageW(window, WM_KEYDOWN, static_cast<WPARAM>(key), 1); }
+  // At a part of the window's width.
+  static void Mouse(UINT message, HWND window, int percent, int y) {
+    RECT client{};
+    GetClientRect(window, &client);
+    PostMessageW(window, message, MK_LBUTTON, MAKELPARAM(client.right * percent / 100, y));
+  }
 };
 
 TEST_F(Playback, PlaysHoldsStepsBackAndStops) {
@@ -163,6 +207,70 @@ TEST_F(Playback, PlaysHoldsStepsBackAndStops) {
   ASSERT_TRUE(WaitUntil([&] { return !program_.IsEnabled(ID_STOP); }, 20));
   EXPECT_FALSE(ShowsSlider());
   EXPECT_TRUE(WaitUntil([&] { return program_.Status(3).empty(); }, 10));
+  EXPECT_EQ(program_.Exit(), 0);
+}
+
+// Twenty pings a second, 400 of them or some more.
+TEST_F(PlaybackWithBar, KeysPaceStripAndTimeSteerIt) {
+  EXPECT_EQ(Bar(), nullptr);
+  program_.Click(ID_PLAYBACK);
+  ChooseFile(file_);
+  ASSERT_TRUE(Comes(ID_PAUSE));
+  int length_s = 0;
+  ASSERT_TRUE(WaitUntil([&] { return Bar() != nullptr && Played(length_s) >= 0; }, 10));
+  EXPECT_GE(length_s, 19);
+  RECT echogram{};
+  RECT bar{};
+  GetWindowRect(program_.Control(ID_ECHOGRAM), &echogram);
+  GetWindowRect(Bar(), &bar);
+  EXPECT_GE(bar.top, echogram.bottom);
+
+  Press(Slider(), VK_SPACE);
+  ASSERT_TRUE(Comes(ID_RESUME)) << "held";
+  Press(program_.Control(ID_ECHOGRAM), VK_HOME);
+  EXPECT_TRUE(ComesTo(0, 0));
+  for (int i = 0; i < 5; ++i) Press(Bar(), VK_RIGHT);
+  EXPECT_TRUE(ComesTo(4, 5)) << "100 pings on, about each twentieth of a second one";
+
+  const HWND goTo = Part(ID_REPLAY_GO_TO);
+  Press(goTo, VK_SPACE);  // counts for what is typed in
+  EXPECT_TRUE(WaitUntil([&] { return TextOf(goTo) == L" "; }, 10));
+  for (const wchar_t c : std::wstring(L"0:12")) PostMessageW(goTo, WM_CHAR, static_cast<WPARAM>(c), 1);
+  Press(goTo, VK_RETURN);
+  EXPECT_TRUE(ComesTo(12, 12));
+  EXPECT_TRUE(program_.IsEnabled(ID_RESUME)) << "held still";
+  Press(Bar(), VK_LEFT);
+  EXPECT_TRUE(ComesTo(10, 11)) << "20 pings back";
+
+  const HWND pace = Part(ID_REPLAY_PACE);
+  EXPECT_EQ(SendMessageW(pace, CB_GETCURSEL, 0, 0), 4) << "as given";
+  const struct {
+    wchar_t key;
+    LRESULT place;
+  } paces[] = {{L'+', 5}, {L'+', 6}, {L'+', 6}, {L'-', 5}};
+  for (const auto& row : paces) {
+    PostMessageW(Bar(), WM_CHAR, row.key, 1);
+    EXPECT_TRUE(WaitUntil([&] { return SendMessageW(pace, CB_GETCURSEL, 0, 0) == row.place; }, 10))
+        << row.place;
+  }
+
+  Mouse(WM_LBUTTONDOWN, Bar(), 50, bar.bottom - bar.top - 10);
+  Mouse(WM_LBUTTONUP, Bar(), 50, bar.bottom - bar.top - 10);
+  EXPECT_TRUE(ComesTo(length_s / 2 - 1, length_s / 2 + 1)) << "the strip";
+  Mouse(WM_LBUTTONDOWN, Slider(), 80, 10);
+  Mouse(WM_LBUTTONUP, Slider(), 80, 10);
+  EXPECT_TRUE(ComesTo(length_s * 7 / 10, length_s * 9 / 10)) << "beside the thumb";
+  Mouse(WM_LBUTTONDOWN, Slider(), 80, 10);
+  Mouse(WM_MOUSEMOVE, Slider(), 20, 500);
+  EXPECT_TRUE(ComesTo(0, length_s * 3 / 10)) << "the thumb follows";
+  Mouse(WM_LBUTTONUP, Slider(), 20, 500);
+
+  Press(Bar(), VK_SPACE);
+  EXPECT_TRUE(Comes(ID_PAUSE)) << "it plays";
+  ASSERT_TRUE(Comes(ID_RESUME)) << "at the end";
+  SavePicture(program_.Window(), "playback-bar");
+  program_.Click(ID_STOP);
+  EXPECT_TRUE(WaitUntil([&] { return !IsWindowVisible(Bar()); }, 20));
   EXPECT_EQ(program_.Exit(), 0);
 }
 

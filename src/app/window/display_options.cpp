@@ -1,5 +1,6 @@
 #include "app/window/display_options.h"
 
+#include "app/run/file_run.h"
 #include "app/settings/family_controls.h"
 #include "app/settings/stored_options.h"
 #include "app/window/ui.h"
@@ -23,6 +24,7 @@ void PutDisplayOptionsInForce(AppState& state) {
   TakeColours(state);
   TakeDepthUnit(state);
   if (state.initialised == 0) return;  // the first paint finds them
+  TakeReplayOptions(state);
   ArrangeViews(state);
   InvalidateEchogram(state);
 }

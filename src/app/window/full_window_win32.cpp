@@ -13,7 +13,7 @@ constexpr LONG_PTR kHidden = 1;
 
 bool IsPermanent(const AppState& state, HWND child) {
   return child == ToWindow(state.statusBar) || child == ToWindow(state.sliderWindow) ||
-         child == Control(state, ID_ECHOGRAM);
+         child == Control(state, ID_ECHOGRAM) || child == Control(state, ID_PLAYBACK_BAR);
 }
 
 template <typename Action>

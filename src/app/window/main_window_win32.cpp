@@ -11,6 +11,8 @@
 #include "app/window/file_commands.h"
 #include "app/window/full_window_win32.h"
 #include "app/window/lamps_win32.h"
+#include "app/window/playback_bar.h"
+#include "app/window/playback_bar_win32.h"
 #include "app/window/selector_wheel_win32.h"
 #include "app/window/settings_dialog_win32.h"
 #include "app/window/start_up.h"
@@ -70,7 +72,7 @@ bool IsDisabledControl(const AppState& state, int id) {
 }
 
 void OnCommand(AppState& state, int id) {
-  if (state.initialised == 0 || IsDisabledControl(state, id)) return;
+  if (state.initialised == 0 || IsDisabledControl(state, id) || HandleReplayKey(state, id)) return;
   switch (id) {
     case ID_MENU_ABOUT:
       return ShowAboutDialog(state);
@@ -170,6 +172,9 @@ LRESULT CALLBACK MainWindowProcedure(HWND window, UINT message, WPARAM wParam, L
     case WM_MOVE:
       OnMove(*state);
       return 0;
+    case WM_SETFOCUS:
+      GiveFocusToBar(*state);
+      return 0;
     case WM_COMMAND:
       if (HIWORD(wParam) <= kLastCommandCode) OnCommand(*state, LOWORD(wParam));
       return 0;
@@ -241,9 +246,13 @@ void ShowMainWindow(AppState& state, int showCommand) {
 
 int RunMessageLoop(AppState& state, HINSTANCE instance) {
   const HACCEL accelerators = LoadAcceleratorsW(instance, MAKEINTRESOURCEW(ID_ACCELERATORS));
+  const HACCEL replayKeys = LoadAcceleratorsW(instance, MAKEINTRESOURCEW(ID_REPLAY_ACCELERATORS));
   MSG message{};
   while (GetMessageW(&message, nullptr, 0, 0) > 0) {
     if (TranslateAcceleratorW(MainWindow(state), accelerators, &message) != 0) continue;
+    if (TakesReplayKeys(state, message.hwnd) &&
+        TranslateAcceleratorW(MainWindow(state), replayKeys, &message) != 0)
+      continue;
     TranslateMessage(&message);
     DispatchMessageW(&message);
   }

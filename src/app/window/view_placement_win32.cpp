@@ -7,6 +7,7 @@
 
 #include "app/settings/persistent_settings.h"
 #include "app/window/control_ids.h"
+#include "app/window/playback_bar_win32.h"
 #include "app/window/window_handles_win32.h"
 #include "display/scaling.h"
 
@@ -65,12 +66,14 @@ void PlaceViews(AppState& state) {
   RECT client{};
   GetClientRect(MainWindow(state), &client);
   const bool playback = state.playbackActive != 0;
-  const WindowLayout layout{client.right, client.bottom, state.fullWindow != 0, playback, ScreenDpi()};
+  const bool bar = playback && state.options.playbackBar != 0;
+  const WindowLayout layout{client.right, client.bottom, state.fullWindow != 0, playback, ScreenDpi(), bar};
   const HWND slider = ToWindow(state.sliderWindow);
 
   if (state.statusBar != Handle::null) SendMessageW(ToWindow(state.statusBar), WM_SIZE, 0, 0);
   Place(Control(state, ID_ECHOGRAM), EchogramBox(layout));
   if (playback) Place(slider, SliderBox(layout));
+  ShowPlaybackBar(state, PlaybackBarBox(layout), bar);
   ShowWindow(slider, playback ? SW_SHOWNA : SW_HIDE);
   globals.sliderQuarterWidth = client.right / 4;
 }

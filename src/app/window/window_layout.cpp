@@ -16,6 +16,7 @@ constexpr int kBelowLive = 36;       // margins and status bar
 constexpr int kBelowPlayback = 51;   // margins, slider and status bar
 constexpr int kSliderFromBottom = 44;
 constexpr int kSliderHeight = 22;
+constexpr int kBarHeight = 64;
 
 struct Columns {
   int x;
@@ -44,7 +45,8 @@ Box WithinWorkArea(const Box& window, const Box& workArea) {
 
 Box EchogramBox(const WindowLayout& layout) {
   const Columns columns = EchogramColumns(layout);
-  const int below = ScalePixels(layout.playback ? kBelowPlayback : kBelowLive, layout.dpi);
+  const int below = ScalePixels(layout.playback ? kBelowPlayback : kBelowLive, layout.dpi) +
+                    (layout.playback && layout.bar ? ScalePixels(kBarHeight, layout.dpi) : 0);
   return {columns.x, ScalePixels(kMargin, layout.dpi), columns.width,
           std::max(0, layout.clientHeight - below)};
 }
@@ -53,6 +55,12 @@ Box SliderBox(const WindowLayout& layout) {
   const Columns columns = EchogramColumns(layout);
   return {columns.x, layout.clientHeight - ScalePixels(kSliderFromBottom, layout.dpi), columns.width,
           ScalePixels(kSliderHeight, layout.dpi)};
+}
+
+Box PlaybackBarBox(const WindowLayout& layout) {
+  const Columns columns = EchogramColumns(layout);
+  const int height = ScalePixels(kBarHeight, layout.dpi);
+  return {columns.x, SliderBox(layout).y - height, columns.width, height};
 }
 
 }  // namespace tw

@@ -18,9 +18,10 @@ struct Box {
 struct WindowLayout {
   int clientWidth;  // in the screen's pixels
   int clientHeight;
-  bool fullWindow;  // the controls at the left are hidden
-  bool playback;    // the slider stands below the echogram
-  int32_t dpi;      // of the screen
+  bool fullWindow;   // the controls at the left are hidden
+  bool playback;     // the slider stands below the echogram
+  int32_t dpi;       // of the screen
+  bool bar = false;  // the playback bar stands above the slider
 };
 
 struct WindowSize {
@@ -38,5 +39,6 @@ struct WindowSize {
 // In the screen's pixels. Sizes are never negative, however small the window is.
 [[nodiscard]] Box EchogramBox(const WindowLayout& layout);
 [[nodiscard]] Box SliderBox(const WindowLayout& layout);
+[[nodiscard]] Box PlaybackBarBox(const WindowLayout& layout);
 
 }  // namespace tw

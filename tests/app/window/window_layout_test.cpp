@@ -27,12 +27,18 @@ TEST(WindowLayout, PlacesEchogramAndSlider) {
       {"full window while playing", {964, 691, true, true, 96}, {6, 6, 952, 640}, {6, 647, 952, 22}},
       {"large", {1904, 1021, false, false, 96}, {186, 6, 1712, 985}, {186, 977, 1712, 22}},
       {"half as dense again", {1446, 1036, false, true, 144}, {279, 9, 1158, 959}, {279, 970, 1158, 33}},
+      {"with the playback bar", {964, 691, false, true, 96, true}, {186, 6, 772, 576}, {186, 647, 772, 22}},
+      {"a bar without a playback",
+       {964, 691, false, false, 96, true},
+       {186, 6, 772, 655},
+       {186, 647, 772, 22}},
       {"narrower than the controls", {100, 20, false, false, 96}, {186, 6, 0, 0}, {186, -24, 0, 22}},
   };
   for (const auto& row : rows) {
     EXPECT_EQ(PlaceOf(EchogramBox(row.layout)), row.echogram) << row.what;
     EXPECT_EQ(PlaceOf(SliderBox(row.layout)), row.slider) << row.what;
   }
+  EXPECT_EQ(PlaceOf(PlaybackBarBox({964, 691, false, true, 96, true})), (Numbers{186, 583, 772, 64}));
 }
 
 // A work area is the screen without its task bar.
