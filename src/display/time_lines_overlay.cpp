@@ -1,6 +1,7 @@
 #include "display/time_lines_overlay.h"
 
 #include <cinttypes>
+#include <cwchar>
 #include <iterator>
 
 #include "base/calendar.h"
@@ -14,7 +15,7 @@ namespace {
 
 constexpr int32_t kTextHeight = 12;  // at 96 dpi
 constexpr int32_t kTextLeft = 3;     // of its line
-constexpr int32_t kTextWidth = 88;   // of "23:59:59 UTC"; a text that finds no room stands left of the line
+constexpr int32_t kLetterWidth = 7;  // a text that finds no room stands left of its line
 constexpr int32_t kMarkDrop = 16;    // a mark's text stands below the clock of a line at the same place
 
 void Name(const TimeLine& line, bool local, Label& label) {
@@ -46,12 +47,13 @@ ShownLines FindShownLines(TimeLineList& list, const PanelLayout& layout, const E
     ShownLine& at = shown.lines[shown.count++];
     at.x = layout.image.left + column;
     at.colour = line.mark != 0 ? kMarkColour : kBeginColour;
-    const bool fits = at.x + px(kTextLeft + kTextWidth) <= layout.image.right;
-    at.label.at = {fits ? at.x + px(kTextLeft) : at.x - px(kTextWidth),
+    Name(line, choice.local, at.label);
+    const int32_t width = px(kLetterWidth * static_cast<int32_t>(std::wcslen(at.label.text)));
+    const bool fits = at.x + px(kTextLeft) + width <= layout.image.right;
+    at.label.at = {fits ? at.x + px(kTextLeft) : at.x - width,
                    layout.image.top + px(line.mark != 0 ? kMarkDrop : 0)};
     at.label.height_px = px(kTextHeight);
     at.label.colour = at.colour;
-    Name(line, choice.local, at.label);
   }
   return shown;
 }

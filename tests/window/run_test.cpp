@@ -94,7 +94,7 @@ TEST_F(Run, ExitWhileRecordingLeavesAWholeFile) {
 // The key marks at once; the menu asks for a word, of a moment that has passed when it is typed.
 TEST_F(Run, MarksAreWrittenDown) {
   Start();
-  ASSERT_TRUE(WaitUntil([] { return WholePings() > 10; }, 60));
+  ASSERT_TRUE(WaitUntil([this] { return RecordedPings() >= 10; }, 60));
   PostMessageW(program_->Window(), WM_KEYDOWN, VK_F9, 0);
   program_->Choose(ID_MENU_MARK_WORD);
   const Dialog dialog(*program_);

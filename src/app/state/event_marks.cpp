@@ -41,7 +41,8 @@ bool TakeUtc(std::string_view& text, int64_t& time_ms) {
 
 bool TakeDepth(std::string_view& text, EventMark& mark) {
   if (ScanLiteral(text, "no bottom")) return true;
-  mark.hasDepth = ScanDouble(text, mark.depth_m) && ScanLiteral(text, " m") && mark.depth_m >= 0;
+  mark.hasDepth = ScanDouble(text, mark.depth_m) && ScanLiteral(text, " m") && mark.depth_m >= 0 &&
+                  mark.depth_m <= kDeepest_m;
   return mark.hasDepth;
 }
 

@@ -15,6 +15,7 @@
 namespace tw {
 
 inline constexpr size_t kMarkWordSize = 48;
+inline constexpr double kDeepest_m = 100'000;  // what is deeper is no depth
 
 struct EventMark {
   int64_t time_ms;  // of its ping, since 1970-01-01 00:00:00 UTC

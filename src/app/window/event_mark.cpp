@@ -23,7 +23,7 @@ EventMark MarkOf(const PingHeader& header) {
   EventMark mark{};
   mark.time_ms = int64_t{header.timeOfWork_s} * 1'000;
   mark.ping = header.ping;
-  mark.hasDepth = std::isfinite(header.altitude_m) && header.altitude_m > 0;
+  mark.hasDepth = header.altitude_m > 0 && static_cast<double>(header.altitude_m) <= kDeepest_m;
   mark.depth_m = mark.hasDepth ? static_cast<double>(header.altitude_m) : 0;
   mark.latitude_deg = static_cast<double>(header.gpsLatitude_rad) * kDegreesPerRadian;
   mark.longitude_deg = static_cast<double>(header.gpsLongitude_rad) * kDegreesPerRadian;
