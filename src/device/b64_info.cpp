@@ -129,6 +129,7 @@ void TakeGain(std::span<const uint8_t> bytes, DeviceSettings& settings) {
 }
 
 LinkResult ReadBlock(DeviceLink& link, DeviceSettings& settings, bool& silent) {
+  TellStep(link, LinkStep::asking);
   const LinkResult sent = SendCommandNoValue(link, CommandId::info);
   if (sent != LinkResult::success) return sent;
   Answer answer(link);

@@ -79,7 +79,21 @@ bool WriteBytes(DeviceLink& link, std::string_view text) {
 
 bool ReadByte(DeviceLink& link, uint8_t& byte, uint32_t& got) {
   if (IsGivenUp(link) || !ReadSerialLine(link.port, &byte, 1, got)) return false;
+  if (got != 0) link.heard.Take(byte);
   return got != 0 || link.givesUp == nullptr || IsLineThere(link.port);
+}
+
+void TellStep(const DeviceLink& link, LinkStep step, int32_t number, int32_t count) {
+  if (link.tells != nullptr) link.tells(link.tellsContext, {step, number, count});
+}
+
+void CountSteps(DeviceLink& link, LinkStep step, int32_t count) {
+  link.counted = {step, 0, count};
+}
+
+void TellNextStep(DeviceLink& link) {
+  LinkProgress& counted = link.counted;
+  TellStep(link, counted.step, ++counted.number, counted.count);
 }
 
 bool PromptMatcher::Take(uint8_t byte) {
@@ -119,12 +133,14 @@ LinkResult SkipReply(DeviceLink& link) {
 }
 
 bool TakeLateReply(DeviceLink& link) {
+  TellStep(link, LinkStep::lateReply);
   return AwaitPrompt(link, kLateReplyLimit_ms, [](char) {}) == LinkResult::success;
 }
 
 LinkResult RequestPrompt(DeviceLink& link) {
   LinkResult result = LinkResult::noPrompt;
   for (int attempt = 0; attempt < kPromptAttempts; ++attempt) {
+    TellStep(link, LinkStep::prompting, attempt + 1, kPromptAttempts);
     result = WriteBytes(link, {&kReturn, 1}) ? SkipReply(link) : LinkResult::portFailed;
     SleepMilliseconds(kPause_ms);
     if (result == LinkResult::success) break;

@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "device/device_facts.h"
+#include "device/heard.h"
 #include "device/rolling_window.h"
 #include "platform/handle.h"
 
@@ -29,6 +30,25 @@ struct ProbeWindows {
   RollingWindow<3> usb;
 };
 
+// What the dialogue has come to, for the operator who waits for it.
+enum class LinkStep : uint8_t {
+  listening,  // for a device that streams
+  stopping,   // a device that streams
+  prompting,  // waiting for the prompt
+  lateReply,  // waiting for a reply that has not come in time
+  receiver,   // the GPS port is opened next
+  asking,     // for the settings
+  probing,    // asking how the device is attached
+  sending,    // settings
+  starting,   // sending the commands of the start
+};
+
+struct LinkProgress {
+  LinkStep step;
+  int32_t number = 0;  // of this attempt or command, from 1 on; 0: there is but one
+  int32_t count = 0;   // of them at most; 0: not known
+};
+
 struct DeviceLink {
   Handle port = Handle::invalid;  // Handle::invalid while it is closed
   char reply[kReplySize];         // the last reply that was read, with a terminating zero
@@ -46,6 +66,13 @@ struct DeviceLink {
   // ends as if the port had failed.
   bool (*givesUp)(void* context) = nullptr;
   void* givesUpContext = nullptr;
+
+  // Told each step before it is taken, where set; shows it and returns at once.
+  void (*tells)(void* context, const LinkProgress& progress) = nullptr;
+  void* tellsContext = nullptr;
+  LinkProgress counted = {LinkStep::asking};  // the last step of a counted kind
+
+  HeardBytes heard;  // all that was read since whoever looks at it has put it back
 };
 
 // A read of one byte; `got` is 0 when none came within the port's time-out. False: the port failed, or the
@@ -54,5 +81,12 @@ struct DeviceLink {
 
 // The same for a write.
 [[nodiscard]] bool WriteBytes(DeviceLink& link, std::string_view text);
+
+// Tells a step to who waits.
+void TellStep(const DeviceLink& link, LinkStep step, int32_t number = 0, int32_t count = 0);
+
+// The same for steps of one kind, `count` of them at most: each time the next one is told.
+void CountSteps(DeviceLink& link, LinkStep step, int32_t count);
+void TellNextStep(DeviceLink& link);
 
 }  // namespace tw

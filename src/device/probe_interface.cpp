@@ -22,6 +22,7 @@ void TakeByte(DeviceLink& link, char byte) {
 }  // namespace
 
 LinkResult ProbeInterface(DeviceLink& link) {
+  TellStep(link, LinkStep::probing);
   const uint32_t begin = MillisecondClock();
   const LinkResult sent = SendCommandNoValue(link, CommandId::info);
   int idleReads = 0;

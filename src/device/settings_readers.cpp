@@ -1,5 +1,7 @@
 #include "device/settings_readers.h"
 
+#include <iterator>
+
 namespace tw {
 namespace {
 
@@ -37,6 +39,7 @@ Outcome Judge(LinkResult result, OnFailure onFailure = OnFailure::end) {
 // command; it is taken away, and the query repeated.
 template <typename Query>
 LinkResult Patiently(DeviceLink& link, Query query) {
+  TellNextStep(link);
   const LinkResult result = query();
   return result == LinkResult::noPrompt && TakeLateReply(link) ? query() : result;
 }
@@ -53,10 +56,20 @@ LinkResult AskIdentity(DeviceLink& link, std::span<char> target) {
   return Patiently(link, [&] { return QueryString(link, target); });
 }
 
+LinkResult AskIntOnce(DeviceLink& link, C id, int32_t& target) {
+  TellNextStep(link);
+  return QueryInt(link, id, target);
+}
+
+LinkResult AskFirmware(DeviceLink& link) {
+  TellNextStep(link);
+  return QueryFloat(link, C::firmwareVersion, link.facts.firmwareVersion);
+}
+
 template <size_t N>
 Outcome Ask(DeviceLink& link, S& settings, const IntQuery (&queries)[N]) {
   for (const IntQuery& query : queries) {
-    const auto ask = query.onFailure == OnFailure::fail ? QueryInt : AskInt;
+    const auto ask = query.onFailure == OnFailure::fail ? AskIntOnce : AskInt;
     const Outcome outcome = Judge(ask(link, query.id, settings.*query.field), query.onFailure);
     if (outcome != Outcome::goOn) return outcome;
   }
@@ -105,15 +118,25 @@ constexpr IntQuery kChannels[] = {{C::samplingFrequency, &S::samplingFrequency_h
                                   {C::virtualFrequencyLow, &S::virtualLowFrequency_hz},
                                   {C::virtualFrequencyHigh, &S::virtualHighFrequency_hz},
                                   {C::simultaneous, &S::simultaneous}};
+// Beside the tables: "#auto", "#preset", "#swversion", "#interval", "#output", "#iden", "#smooth", "#outrate"
+// and the filters.
+constexpr int32_t kQueries =
+    static_cast<int32_t>(std::size(kFirst) + std::size(kLimits) + std::size(kRanges) + std::size(kDetection) +
+                         std::size(kGains) + std::size(kFrequencies) + std::size(kSoundAndPower) +
+                         std::size(kChannels)) +
+    10;
+constexpr int32_t kQueriesOfTwo = 20;
 
 // Automatic mode and preset; a device without "#auto" knows neither, and the reading goes on.
 Outcome AskPreset(DeviceLink& link, S& settings) {
   if (AskInt(link, C::automatic, settings.automaticMode) != LinkResult::success) {
+    ++link.counted.number;  // the preset is not asked for
     link.facts.presetCapable = false;
     return Outcome::goOn;
   }
   link.facts.presetCapable = true;
   if (settings.automaticMode == 1) {
+    ++link.counted.number;  // not asked for
     settings.preset = kAutomaticPreset;
   } else if (AskInt(link, C::preset, settings.preset) != LinkResult::success) {
     return Outcome::end;
@@ -145,6 +168,7 @@ Outcome AskSmoothing(DeviceLink& link, S& settings) {
     link.facts.smoothingSupported = true;
     return Judge(AskFloat(link, C::outputRate, settings.outputRate));
   }
+  ++link.counted.number;  // the output rate is not asked for
   link.facts.smoothingSupported = false;
   settings.smoothing = 0;
   settings.outputRate = 0.0f;
@@ -175,9 +199,7 @@ Outcome AskAll(DeviceLink& link, S& settings) {
       [](DeviceLink& l, S& s) { return Ask(l, s, kFirst); },
       AskPreset,
       [](DeviceLink& l, S& s) { return Ask(l, s, kLimits); },
-      [](DeviceLink& l, S&) {
-        return Judge(QueryFloat(l, C::firmwareVersion, l.facts.firmwareVersion), OnFailure::fail);
-      },
+      [](DeviceLink& l, S&) { return Judge(AskFirmware(l), OnFailure::fail); },
       [](DeviceLink& l, S& s) { return Ask(l, s, kRanges); },
       AskInterval,
       [](DeviceLink& l, S& s) { return AskOutput(l, s, 6); },
@@ -198,6 +220,7 @@ Outcome AskAll(DeviceLink& link, S& settings) {
 }  // namespace
 
 LinkResult ReadAllSettings(DeviceLink& link, DeviceSettings& settings, bool& silent) {
+  CountSteps(link, LinkStep::asking, kQueries);
   const Outcome outcome = AskAll(link, settings);
   silent = outcome == Outcome::silent;
   if (outcome == Outcome::fail || silent) return LinkResult::invalid;
@@ -224,6 +247,7 @@ LinkResult ReadSecondFamilySettings(DeviceLink& link, DeviceSettings& settings, 
   constexpr IntQuery kFiltersOfTwo[] = {{C::samplingFrequency, &S::samplingFrequency_hz},
                                         {C::medianFilter, &S::medianFilter},
                                         {C::movingAverageFilter, &S::movingAverageFilter}};
+  CountSteps(link, LinkStep::asking, kQueriesOfTwo);
   const Outcome known = Ask(link, settings, kMandatory);
   silent = known == Outcome::silent;
   if (known != Outcome::goOn) return LinkResult::invalid;

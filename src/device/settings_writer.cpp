@@ -86,6 +86,7 @@ LinkResult WriteRows(DeviceLink& link, std::span<const Row> rows, const S& wante
     char appliedText[kValueSize];
     const std::string_view value = FormatValue(wantedText, row, wanted);
     if (value == FormatValue(appliedText, row, applied)) continue;
+    TellStep(link, LinkStep::sending);
     const LinkResult result = Exchange(link, row.id, value);
     if (result != LinkResult::success) return result;
   }

@@ -10,6 +10,7 @@ namespace tw {
 namespace {
 
 void Send(DeviceLink& link, CommandId id, const char* value) {
+  TellNextStep(link);
   static_cast<void>(Exchange(link, id, value));
 }
 
@@ -27,12 +28,16 @@ void SendTime(DeviceLink& link) {
 
 // A preset in force decides the output itself.
 void SendOutput(DeviceLink& link, const DeviceSettings& settings, DeviceSettings& applied) {
-  if (link.facts.presetCapable && link.facts.currentPreset != kNoPreset) return;
+  if (link.facts.presetCapable && link.facts.currentPreset != kNoPreset) {
+    ++link.counted.number;
+    return;
+  }
   SendNumber(link, CommandId::output, settings.outputMode);
   applied.outputMode = settings.outputMode;
 }
 
 void SendSingle(DeviceLink& link, DeviceSettings& settings, DeviceSettings& applied) {
+  CountSteps(link, LinkStep::starting, 11);
   SendTime(link);
   Send(link, CommandId::tvgMode, "1");
   settings.tvgMode = 1;
@@ -49,6 +54,7 @@ void SendSingle(DeviceLink& link, DeviceSettings& settings, DeviceSettings& appl
 }
 
 void SendDual(DeviceLink& link, DeviceSettings& settings, DeviceSettings& applied) {
+  CountSteps(link, LinkStep::starting, 5);
   SendTime(link);
   Send(link, CommandId::nmeaDpt, "1");
   Send(link, CommandId::nmeaEma, "1");

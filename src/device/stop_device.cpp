@@ -40,6 +40,7 @@ LinkResult StopStreaming(DeviceLink& link) {
   LinkResult result = LinkResult::stopTimeOut;
   for (int attempt = 0; attempt < kAttempts; ++attempt) {
     const uint32_t begin = MillisecondClock();
+    TellStep(link, LinkStep::stopping, attempt + 1, kAttempts);
     result = Attempt(link);
     if (result == LinkResult::success) {
       static_cast<void>(RequestPrompt(link));  // kept: a device that has stopped counts as stopped
@@ -58,6 +59,7 @@ LinkResult StopStreaming(DeviceLink& link) {
 }  // namespace
 
 LinkResult StopDevice(DeviceLink& link) {
+  TellStep(link, LinkStep::listening);
   if (WaitForAnyByte(link)) return StopStreaming(link);
   return RequestPrompt(link) == LinkResult::success ? LinkResult::success : LinkResult::noPrompt;
 }
