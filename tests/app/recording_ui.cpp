@@ -148,6 +148,10 @@ bool ChooseInputFiles(AppState&, std::vector<std::wstring>& paths) {
 
 void ArrangeViews(AppState&) {}
 
+void ShowProgress(AppState&, const wchar_t* text) {
+  Ui().talk.push_back(Narrow(text));
+}
+
 void ShowPointer(PointerShape shape) {
   Ui().pointers.push_back(shape);
 }

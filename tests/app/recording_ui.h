@@ -44,6 +44,7 @@ struct RecordingUi {
   std::wstring statusAlarm;        // the last one shown
   std::map<int, uint32_t> timers;  // id and period of those that run
   std::vector<PointerShape> pointers;
+  std::vector<std::string> talk;  // with the device, as it was shown; empty: what stood there before
   std::string title;
   int repaints = 0;
   bool answerOk = true;

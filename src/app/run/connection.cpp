@@ -36,6 +36,7 @@ constexpr FamilyReader kFamilyReaders[] = {
 
 RunResult OpenReceiver(AppState& state) {
   if (globals.gpsPortNumber == kNoGpsPort) return {};
+  TellStep(*state.link, LinkStep::receiver);
   const Handle port = OpenDevicePort(state.gpsPortName, globals.gpsBaud);
   const uint32_t error = LastSystemError();
   StoreShared(state.gpsPort, port);
@@ -185,6 +186,7 @@ RunResult ConnectPorts(AppState& state, const ElapsedLog& log) {
   uint32_t error = 0;
   if (!OpenDevice(state, error)) return {RunFault::deviceRefused, error};
   log.Write("After Connect Time :  ");
+  state.link->heard = {};
   if (StopDevice(*state.link) != LinkResult::success) return {RunFault::noPrompt};
   // A prompt that comes late would shift each later reply by one; without one this costs the reply's limit.
   static_cast<void>(SkipReply(*state.link));

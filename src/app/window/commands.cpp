@@ -4,6 +4,7 @@
 #include "app/run/run_control.h"
 #include "app/run/second_tick.h"
 #include "app/settings/control_states.h"
+#include "app/settings/link_texts.h"
 #include "app/settings/persistent_settings.h"
 #include "app/settings/port_selectors.h"
 #include "app/settings/stored_options.h"
@@ -13,9 +14,10 @@
 #include "app/window/display_options.h"
 #include "app/window/run_changes.h"
 #include "app/window/run_faults.h"
+#include "app/window/shown_talk.h"
 #include "app/window/ui.h"
-#include "app/window/wait_pointer.h"
 #include "base/shared_value.h"
+#include "device/device_link.h"
 #include "platform/clock.h"
 
 namespace tw {
@@ -37,9 +39,9 @@ void StopRunTimers(AppState& state) {
 }
 
 // True when the run can go on.
-bool Tell(AppState& state, WaitPointer& pointer, RunResult result) {
+bool Tell(AppState& state, BusyTalk& talk, RunResult result) {
   if (result.Succeeded()) return true;
-  pointer.Restore();
+  talk.Restore();
   TellFault(state, result);
   return result.fault == RunFault::dualOldRefused;
 }
@@ -48,14 +50,23 @@ using ExchangeStep = RunResult (*)(AppState& state, const RunChoices& choices);
 
 // Apply and Default Setting: an interruption in which settings are exchanged.
 void ExchangeSettings(AppState& state, ExchangeStep exchange) {
-  WaitPointer pointer(state);
+  BusyTalk talk(state, L"Interrupting the run");
   ClearLiveTexts(state);
   StopRunTimers(state);
-  if (!Tell(state, pointer, InterruptRun(state))) return;
+  if (!Tell(state, talk, InterruptRun(state))) return;
   const RunChoices choices = ReadChoices(state);
   const PanelRanges before = RangesInForce(state);
-  if (!Tell(state, pointer, exchange(state, choices))) return;
-  static_cast<void>(Tell(state, pointer, ResumeRun(state, choices, before)));
+  if (!Tell(state, talk, exchange(state, choices))) return;
+  static_cast<void>(Tell(state, talk, ResumeRun(state, choices, before)));
+}
+
+constexpr wchar_t kOpening[] = L"Opening the device's port";
+
+// Behind a start that found no device. Posted, so that it comes behind the empty text that the start has
+// posted.
+void TellHeard(AppState& state, RunFault fault) {
+  if (fault != RunFault::noPrompt && fault != RunFault::unidentified) return;
+  PostStatusText(state, StatusPart::position, HeardText(state.link->heard.Verdict()));
 }
 
 RunResult TryStart(AppState& state, const ElapsedLog& log) {
@@ -82,11 +93,12 @@ void StartRun(AppState& state) {
   if (LoadShared(state.devicePort) != Handle::invalid) return;  // runs already
   state.startsByItself = 0;
   const ElapsedLog log;
-  WaitPointer pointer(state);
+  BusyTalk talk(state, kOpening);
   const RunResult result = TryStart(state, log);
   if (result.Succeeded()) return;
-  pointer.Restore();
+  talk.Restore();
   TellFault(state, result, &log);
+  TellHeard(state, result.fault);
   RefreshControlStates(state);
 }
 
@@ -96,13 +108,14 @@ void StartByItself(AppState& state) {
   const uint32_t now_ms = MillisecondClock();
   if (state.startsByItself > 1 && now_ms - state.startTried_ms < kPause_ms) return;
   if (IsListOpen(state) || !SelectStoredPortsThatAreThere(state)) return;
-  const WaitPointer pointer(state);
+  const BusyTalk talk(state, kOpening);
   const ElapsedLog log;
   const RunResult result = TryStart(state, log);
   state.startsByItself = result.Succeeded() ? 0 : 2;
   state.startTried_ms = MillisecondClock();
   if (result.Succeeded()) return;
   TellFaultQuietly(state, result, &log);
+  TellHeard(state, result.fault);
   RefreshControlStates(state);
 }
 
@@ -111,6 +124,7 @@ void StopRun(AppState& state) {
   EndFileWorkers(state);
   if (!HoldsRun(state)) return EndRun(state);
   const WaitPointer pointer;
+  const ShownTalk talk(state, L"Ending the run");
   EndRun(state);
 }
 
@@ -127,11 +141,11 @@ void RestoreDefaults(AppState& state) {
 
 void ChangeSpeed(AppState& state, int32_t speed_bps) {
   if (!IsConnected(state)) return;
-  WaitPointer pointer(state);
+  BusyTalk talk(state, L"Interrupting the run");
   StopRunTimers(state);
-  if (!Tell(state, pointer, InterruptRun(state))) return;
+  if (!Tell(state, talk, InterruptRun(state))) return;
   ClearLiveTexts(state);  // the first ping at a slow speed may take long
-  static_cast<void>(Tell(state, pointer, SwitchSpeed(state, speed_bps, ReadChoices(state))));
+  static_cast<void>(Tell(state, talk, SwitchSpeed(state, speed_bps, ReadChoices(state))));
 }
 
 void NoteChoice(AppState& state) {

@@ -28,6 +28,10 @@ void ShowSystemError(AppState& state, uint32_t code);
 // Shows a text at once (run control's own texts; workers post). The text is copied.
 void SetStatusText(AppState& state, StatusPart part, const wchar_t* text);
 
+// Shows what a command does that keeps the window busy, in the part of progress texts: painted at once,
+// without a message being taken. An empty text brings back what stood there.
+void ShowProgress(AppState& state, const wchar_t* text);
+
 enum class PointerShape : uint8_t { arrow, wait };
 void ShowPointer(PointerShape shape);
 

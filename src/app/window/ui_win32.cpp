@@ -11,6 +11,7 @@
 #include "app/window/full_window_win32.h"
 #include "app/window/view_placement_win32.h"
 #include "app/window/window_handles_win32.h"
+#include "base/text_format.h"
 #include "platform/system_error.h"
 
 namespace tw {
@@ -67,6 +68,19 @@ void ShowSystemError(AppState& state, uint32_t code) {
 void SetStatusText(AppState& state, StatusPart part, const wchar_t* text) {
   SendMessageW(ToWindow(state.statusBar), SB_SETTEXTW, static_cast<WPARAM>(part),
                reinterpret_cast<LPARAM>(text));
+}
+
+void ShowProgress(AppState& state, const wchar_t* text) {
+  constexpr auto kPart = static_cast<WPARAM>(StatusPart::position);
+  static wchar_t before[kStatusTextSize];  // what stood there
+  static wchar_t shown[kStatusTextSize];   // the progress that stands there now; empty: none
+  const HWND statusBar = ToWindow(state.statusBar);
+  if (shown[0] == L'\0' && LOWORD(SendMessageW(statusBar, SB_GETTEXTLENGTHW, kPart, 0)) < kStatusTextSize) {
+    SendMessageW(statusBar, SB_GETTEXTW, kPart, reinterpret_cast<LPARAM>(before));
+  }
+  CopyWide(shown, text);
+  SetStatusText(state, StatusPart::position, text[0] != L'\0' ? text : before);
+  UpdateWindow(statusBar);
 }
 
 void ShowPointer(PointerShape shape) {

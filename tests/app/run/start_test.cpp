@@ -184,6 +184,50 @@ TEST_F(StartTest, NobodyAnswers) {
   EXPECT_TRUE(texts.back().starts_with(L"After Stop Fail time :  "));
   EXPECT_EQ(sounderPeer_->Closed(), 1);
   ExpectIdle();
+  EXPECT_EQ(Ui().status[2], L"Nothing was heard on the device's port");
+  std::vector<std::string> talk{"Opening the device's port", "Listening for the device"};
+  for (int i = 1; i <= 10; ++i) talk.push_back("Waiting for the prompt, attempt " + std::to_string(i));
+  talk.emplace_back();
+  EXPECT_EQ(Ui().talk, talk);
+}
+
+// And the note of it is gone with the next start, also one without a hand on it.
+TEST_F(StartTest, AReceiverInThePlaceOfTheDeviceIsHeard) {
+  sim::VirtualGps receiver({});
+  SimulatorPeer peer(receiver);
+  AttachPeer(kDeviceLine, &peer);
+  for (const bool byItself : {false, true}) {
+    if (byItself) {
+      PutNumber(L"DeviceCOMPort", 5);
+      state_->startsByItself = 1;
+      StartByItself(*state_);
+    } else {
+      StartRun(*state_);
+    }
+    EXPECT_EQ(Ui().status[2], L"Heard: sentences of a GPS receiver");
+  }
+  state_->startsByItself = 0;
+  DetachSerialLines();
+  StartQuickRun();
+  EXPECT_EQ(Ui().status[2], L"");
+}
+
+// Each setting that is asked for, and each command of the start, of Start, Apply and Stop.
+TEST_F(StartTest, TheTalkWithTheDeviceIsShown) {
+  const auto shown = [](const std::string& text) { return std::ranges::count(Ui().talk, text); };
+  for (const auto command : {StartRun, ApplySettings, StopRun}) {
+    if (command == StartRun) ConnectSounder(QuickSounder());
+    Ui().talk.clear();
+    command(*state_);
+    ASSERT_FALSE(Ui().talk.empty());
+    EXPECT_EQ(Ui().talk.back(), "");
+    if (command == StopRun) continue;
+    for (const char* const text : {"Asking for settings 1 of 43", "Asking for settings 43 of 43",
+                                   "Starting the device, command 11 of 11"}) {
+      EXPECT_EQ(shown(text), 1) << text;
+    }
+  }
+  EXPECT_EQ(Ui().talk, (std::vector<std::string>{"Ending the run", ""}));
 }
 
 TEST_F(StartTest, AGpsPortThatFailsClosesTheDevicePortToo) {
