@@ -204,6 +204,23 @@ bool ParseTxFrequency(std::string_view line, int32_t& frequency_hz) {
   return true;
 }
 
+bool ReadIdentifierFromB64Info(DeviceLink& link, int32_t& identifier) {
+  size_t length = 0;
+  if (SendCommandNoValue(link, CommandId::info) != LinkResult::success) return false;
+  if (ReadReply(link, length) == LinkResult::portFailed) return false;
+  const std::string_view reply(link.reply, length);
+  const size_t start = reply.find(kBlockStart);
+  if (start == std::string_view::npos) return false;
+  const std::string_view behind = reply.substr(start + kBlockStart.size());
+  const size_t end = behind.find(kBlockEnd);
+  if (end == std::string_view::npos || end >= kTextLimit) return false;
+  uint8_t decoded[kTextLimit];
+  const std::span<const uint8_t> bytes(decoded, DecodeBase64(behind.substr(0, end), decoded));
+  if (field::kIdentifier + sizeof identifier > bytes.size()) return false;
+  Take<int32_t>(bytes, field::kIdentifier, identifier);
+  return true;
+}
+
 LinkResult ReadSettingsFromB64Info(DeviceLink& link, DeviceSettings& settings, bool& silent) {
   DeviceSettings read = settings;
   silent = false;

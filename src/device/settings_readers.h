@@ -23,6 +23,10 @@ namespace tw {
 // program.
 [[nodiscard]] LinkResult ReadSettingsFromB64Info(DeviceLink& link, DeviceSettings& settings, bool& silent);
 
+// The same, no more than the identifier and for any device: a block that is too long, or not whole, is none.
+// Any thread that owns the link.
+[[nodiscard]] bool ReadIdentifierFromB64Info(DeviceLink& link, int32_t& identifier);
+
 // Takes the text between "B64INFO[" and "]". Only fields whose bytes are all there are set. Pure.
 void DecodeB64Info(std::string_view text, DeviceSettings& settings);
 

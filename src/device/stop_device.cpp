@@ -15,6 +15,7 @@ constexpr uint32_t kAttempt_ms = 1000;
 constexpr uint32_t kProcedure_ms = 30'000;
 constexpr uint32_t kPause_ms = 10;
 constexpr std::string_view kStopKey = " ";
+constexpr std::string_view kStopKeyAndReturn = " \r";
 constexpr std::string_view kEndOfStream = "DataEnd";
 constexpr std::string_view kPrompt = "\r\n>";
 
@@ -56,12 +57,55 @@ LinkResult StopStreaming(DeviceLink& link) {
   return result;
 }
 
+enum class Look : uint8_t { prompt, noPrompt, over };
+
+Look LookForPrompt(DeviceLink& link) {
+  constexpr uint32_t kLook_ms = 1200;  // more than the second in which a GPS receiver speaks
+  if (!WriteBytes(link, kStopKeyAndReturn)) return Look::over;
+  PromptMatcher matcher;
+  const uint32_t begin = MillisecondClock();
+  do {
+    uint8_t byte = 0;
+    uint32_t got = 0;
+    if (!ReadByte(link, byte, got)) return Look::over;
+    if (got == 0) continue;
+    if (matcher.Take(byte)) return Look::prompt;
+    if (link.heard.Verdict() == Heard::receiver) return Look::over;
+  } while (MillisecondClock() - begin < kLook_ms);
+  return link.heard.Verdict() == Heard::nothing ? Look::over : Look::noPrompt;
+}
+
+// The stop key and the CR may bring a prompt each: the later one would be taken for a reply. False when the
+// line does not come to rest.
+bool AwaitRest(DeviceLink& link) {
+  constexpr uint32_t kRest_ms = 1000;
+  constexpr int kIdleReads = 2;
+  const uint32_t begin = MillisecondClock();
+  for (int idle = 0; idle < kIdleReads;) {
+    uint8_t byte = 0;
+    uint32_t got = 0;
+    if (!ReadByte(link, byte, got) || MillisecondClock() - begin > kRest_ms) return false;
+    idle = got == 0 ? idle + 1 : 0;
+  }
+  return true;
+}
+
 }  // namespace
 
 LinkResult StopDevice(DeviceLink& link) {
   TellStep(link, LinkStep::listening);
   if (WaitForAnyByte(link)) return StopStreaming(link);
   return RequestPrompt(link) == LinkResult::success ? LinkResult::success : LinkResult::noPrompt;
+}
+
+bool FindPrompt(DeviceLink& link) {
+  constexpr int kLooks = 3;
+  for (int i = 0; i < kLooks; ++i) {
+    const Look look = LookForPrompt(link);
+    if (look == Look::over) return false;
+    if (look == Look::prompt && AwaitRest(link)) return true;
+  }
+  return false;
 }
 
 }  // namespace tw
