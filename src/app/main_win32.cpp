@@ -37,8 +37,8 @@ class GdiplusSession {
 };
 
 bool RegisterClasses(HINSTANCE instance, const wchar_t* mainClass) {
-  const INITCOMMONCONTROLSEX controls{sizeof(controls),
-                                      ICC_STANDARD_CLASSES | ICC_BAR_CLASSES | ICC_UPDOWN_CLASS};
+  const INITCOMMONCONTROLSEX controls{
+      sizeof(controls), ICC_STANDARD_CLASSES | ICC_BAR_CLASSES | ICC_UPDOWN_CLASS | ICC_LISTVIEW_CLASSES};
   return InitCommonControlsEx(&controls) != FALSE && RegisterMainWindowClass(instance, mainClass) &&
          RegisterEchogramClass(instance) && RegisterSliderClass(instance) &&
          RegisterPlaybackBarClass(instance);

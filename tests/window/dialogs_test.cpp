@@ -182,6 +182,38 @@ TEST_F(Dialogs, FolderBrowserTakesTheFolderItOpensWith) {
   EXPECT_TRUE(std::filesystem::equivalent(chosen, folder_.Path(), failure)) << chosen;
 }
 
+using FindDevice = Dialogs;
+
+// One that sends pings at another speed than the selected one.
+TEST_F(FindDevice, IsFoundAndGoesIntoTheSelectors) {
+  StoreChoice(L"DeviceCOMSpeed", 115'200);
+  const Dialog& dialog = Open(ID_MENU_FIND);
+  const auto says = [&](const wchar_t* text) {
+    return WaitUntil([&] { return TextOf(GetDlgItem(dialog.Window(), ID_FIND_STATE)) == text; }, 60);
+  };
+  const auto click = [&](int id) { PostMessageW(GetDlgItem(dialog.Window(), id), BM_CLICK, 0, 0); };
+  EXPECT_EQ(dialog.Caption(), L"Find device");
+  ExpectWellMade(dialog);
+  EXPECT_FALSE(IsWindowEnabled(GetDlgItem(dialog.Window(), IDOK)));
+  for (const wchar_t* const text : {L"Searching...", L"The search was cancelled.", L"Searching..."}) {
+    click(ID_FIND_SEARCH);
+    EXPECT_TRUE(says(text));
+  }
+  EXPECT_TRUE(says(L"One device was found."));
+  SavePicture(dialog.Window(), "find-device");
+  click(IDOK);
+  ASSERT_TRUE(dialog.CloseHasCome());
+  EXPECT_EQ(program_->Text(ID_DEVICE_PORT), L"COM5");
+  EXPECT_EQ(program_->Text(ID_DEVICE_SPEED), L"921600");
+
+  program_->Choose(ID_MENU_FIND);
+  const Dialog again(*program_);
+  PostMessageW(GetDlgItem(again.Window(), ID_FIND_SEARCH), BM_CLICK, 0, 0);
+  again.Press(VK_ESCAPE);
+  EXPECT_TRUE(again.CloseHasCome());
+  EXPECT_EQ(program_->Exit(), 0);
+}
+
 TEST_F(Dialogs, SpeedNeedsADevice) {
   const Dialog& dialog = Open(ID_MENU_BAUD);
   EXPECT_EQ(ItemsOf(dialog.Field(kSpeedLabel)), program_->Items(ID_DEVICE_SPEED));

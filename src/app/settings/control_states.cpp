@@ -49,6 +49,7 @@ constexpr Row kRows[] = {
     {ID_MENU_SEGY,         {on,  on,       on,     on,    off}},
     {ID_MENU_BIN_TO_TXT,   {on,  on,       on,     on,    off}},
     {ID_MENU_BAUD,         {on,  on,       off,    off,   off}},
+    {ID_MENU_FIND,         {on,  off,      off,    off,   off}},
     {ID_RESUME,            {off, off,      off,    on,    off}},
     {ID_PAUSE,             {off, off,      on,     off,   off}},
     {ID_BACK,              {off, off,      on,     on,    off}},

@@ -36,6 +36,24 @@ bool TellsCount(LinkStep step) {
   return step == LinkStep::asking || step == LinkStep::starting;
 }
 
+const char* ShortTextOf(Heard heard) {
+  switch (heard) {
+    case Heard::nothing:
+      return "nothing";
+    case Heard::echo:
+      return "only the echo of what was sent";
+    case Heard::noise:
+      return "noise (wrong speed?)";
+    case Heard::text:
+      return "text, but no prompt";
+    case Heard::prompt:
+      return "a prompt, but not the settings";
+    case Heard::receiver:
+      return "GPS receiver";
+  }
+  return "";
+}
+
 }  // namespace
 
 void FormatProgress(const LinkProgress& progress, std::span<wchar_t> text) {
@@ -46,6 +64,23 @@ void FormatProgress(const LinkProgress& progress, std::span<wchar_t> text) {
     FormatWide(text, "%s %" PRId32 " of %" PRId32, what, progress.number, progress.count);
   } else {
     FormatWide(text, "%s %" PRId32, what, progress.number);
+  }
+}
+
+void FormatNews(const SearchNews& news, std::span<wchar_t> text) {
+  switch (news.outcome) {
+    case SearchOutcome::trying:
+      FormatWide(text, "%s", "is tried");
+      return;
+    case SearchOutcome::refused:
+      FormatWide(text, "%s", "cannot be opened");
+      return;
+    case SearchOutcome::heard:
+      FormatWide(text, "%s", ShortTextOf(news.heard));
+      return;
+    case SearchOutcome::device:
+      FormatWide(text, "Device %s", news.identity);
+      return;
   }
 }
 

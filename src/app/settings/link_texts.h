@@ -3,6 +3,7 @@
 
 #include <span>
 
+#include "app/run/device_search.h"
 #include "device/device_link.h"
 
 namespace tw {
@@ -12,5 +13,8 @@ void FormatProgress(const LinkProgress& progress, std::span<wchar_t> text);
 
 // For the status bar behind a Start that has failed; lives as long as the process.
 [[nodiscard]] const wchar_t* HeardText(Heard heard);
+
+// What a search tells of a port: "VIRTUAL-0001", "noise (wrong speed?)"; with a terminating zero, cut to fit.
+void FormatNews(const SearchNews& news, std::span<wchar_t> text);
 
 }  // namespace tw

@@ -20,11 +20,6 @@ constexpr int32_t kDeviceSpeeds[] = {4800,   9600,   19200,  38400,  57600,
                                      115200, 230400, 460800, 921600, 3000000};
 constexpr int32_t kGpsSpeeds[] = {2400, 4800, 9600, 19200, 38400, 57600, 115200};
 
-// The ports of the last enumeration.
-std::span<const PortEntry> KnownPorts(const AppState& state) {
-  return {state.ports, CountPorts(state.ports)};
-}
-
 // The ports that the system has now, in ascending order.
 std::span<const PortEntry> ListPorts(AppState& state) {
   ClearPortList(state.ports);
@@ -97,6 +92,15 @@ bool SaysNoPort(AppState& state, int combo) {
 }
 
 }  // namespace
+
+std::span<const PortEntry> KnownPorts(const AppState& state) {
+  return {state.ports, CountPorts(state.ports)};
+}
+
+void SelectDevicePort(AppState& state, const wchar_t* name) {
+  const int index = FindPort(KnownPorts(state), name);
+  if (index >= 0) SelectComboItem(state, ID_DEVICE_PORT, index);
+}
 
 void FillDevicePortCombo(AppState& state) {
   FillPortCombo(state, ID_DEVICE_PORT, false);

@@ -33,6 +33,12 @@ void FillSpeedCombos(AppState& state, const CommunicationSettings& stored);
 // Selects a speed in the device's selector; one that it does not hold leaves the selection.
 void SelectDeviceSpeed(AppState& state, int32_t speed_bps);
 
+// Selects a port in the device's selector; one that the system does not list any more leaves the selection.
+void SelectDevicePort(AppState& state, const wchar_t* name);
+
+// The ports of the last enumeration, in ascending order.
+[[nodiscard]] std::span<const PortEntry> KnownPorts(const AppState& state);
+
 // Selects the stored ports in selectors that are already filled, if the system lists the device port, and the
 // GPS port unless none is stored. False, and nothing is selected, while one is missing.
 [[nodiscard]] bool SelectStoredPortsThatAreThere(AppState& state);

@@ -17,6 +17,7 @@
 #define ID_DIALOG_DETAIL 135
 #define ID_DIALOG_OPTIONS 136
 #define ID_DIALOG_MARK 137
+#define ID_DIALOG_FIND 140
 
 // Strings
 #define ID_STRING_TITLE 103
@@ -89,6 +90,13 @@
 #define ID_MENU_OPTIONS 32790
 #define ID_MENU_MARK 32791
 #define ID_MENU_MARK_WORD 32792
+#define ID_MENU_FIND 32850
+
+// Controls of "Find device"
+#define ID_FIND_PORTS 1201
+#define ID_FIND_SPEEDS 1202
+#define ID_FIND_SEARCH 1203
+#define ID_FIND_STATE 1204
 
 // Controls of the pages of options; those of the options themselves are numbered from the last one on
 #define ID_OPTIONS_DEFAULTS 1101

@@ -14,6 +14,10 @@ void ShowFolderDialog(AppState& state);
 // "Change Device Baudrate": what is chosen goes to the device at once.
 void ShowSpeedDialog(AppState& state);
 
+// "Find device": looks for one on other ports and at other speeds; what is used goes into the selectors. Only
+// while idle; no start comes by itself from then on.
+void ShowFindDialog(AppState& state);
+
 // "Options": what is entered is stored, and holds from then on.
 void ShowOptions(AppState& state);
 

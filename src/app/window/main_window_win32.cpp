@@ -78,6 +78,8 @@ void OnCommand(AppState& state, int id) {
       return ShowAboutDialog(state);
     case ID_MENU_SHORTCUTS:
       return ShowShortcutsDialog(state);
+    case ID_MENU_FIND:
+      return ShowFindDialog(state);
     case ID_MENU_FOLDER:
       return ShowFolderDialog(state);
     case ID_MENU_BAUD:

@@ -7,6 +7,8 @@
 #include <memory>
 #include <string>
 
+#include "app/settings/link_texts.h"
+#include "base/text_format.h"
 #include "platform/virtual/faults.h"
 #include "simulator/virtual_echosounder.h"
 #include "simulator/virtual_gps.h"
@@ -96,13 +98,11 @@ class DeviceSearch : public testing::Test {
       ++test.tries_;
       return;
     }
-    constexpr const char* kOutcomes[] = {"", "refused", "heard", "device"};
-    constexpr const char* kHeard[] = {"nothing", "echo", "noise", "text", "prompt", "receiver"};
-    std::string told = kOutcomes[static_cast<size_t>(news.outcome)];
-    if (news.outcome == SearchOutcome::heard)
-      told += std::string(" ") + kHeard[static_cast<size_t>(news.heard)];
-    if (news.outcome == SearchOutcome::device) told += std::string(" ") + news.identity;
-    test.told_[test.plan_.ports[news.port]] = told + " " + std::to_string(news.speed_bps);
+    wchar_t wide[128];
+    FormatNews(news, wide);
+    char text[128];
+    NarrowText(text, wide);
+    test.told_[test.plan_.ports[news.port]] = std::string(text) + " " + std::to_string(news.speed_bps);
   }
 
   std::vector<std::unique_ptr<SerialPeer>> peers_;
@@ -115,11 +115,11 @@ TEST_F(DeviceSearch, FindsEachFamilyIdleOrStreamingAtItsSpeed) {
     int32_t family, baud, mode;
     bool streams;
     const char* told;
-  } rows[] = {{L"COM1", 1, 921'600, 2, false, "device 7 921600"},
-              {L"COM2", 1, 115'200, 100, true, "device 7 115200"},
-              {L"COM3", 2, 4'800, 2, false, "device 0007 4800"},
-              {L"COM4", 2, 115'200, 3, true, "device 0007 115200"},
-              {L"COM5", 0, 921'600, 2, true, "device 0007 921600"}};
+  } rows[] = {{L"COM1", 1, 921'600, 2, false, "Device 7 921600"},
+              {L"COM2", 1, 115'200, 100, true, "Device 7 115200"},
+              {L"COM3", 2, 4'800, 2, false, "Device 0007 4800"},
+              {L"COM4", 2, 115'200, 3, true, "Device 0007 115200"},
+              {L"COM5", 0, 921'600, 2, true, "Device 0007 921600"}};
   AttachSounder(L"COM6", {});
   for (const auto& row : rows) {
     sim::SounderOptions options;
@@ -147,12 +147,12 @@ TEST_F(DeviceSearch, TellsWhatElseIsThereAndNeverForLong) {
   Attach(L"COM5", std::make_unique<Parrot>("#iden\r\n123\r\n\r\n>"));
   Attach(L"COM6", std::make_unique<Parrot>("\x80\xFF"));
   const auto told = Search();
-  EXPECT_EQ(told, (std::map<std::wstring, std::string>{{L"COM1", "heard receiver 4800"},
-                                                       {L"COM2", "heard nothing 4800"},
-                                                       {L"COM3", "refused 921600"},
-                                                       {L"COM4", "heard prompt 4800"},
-                                                       {L"COM5", "heard prompt 4800"},
-                                                       {L"COM6", "heard noise 4800"}}));
+  EXPECT_EQ(told, (std::map<std::wstring, std::string>{{L"COM1", "GPS receiver 4800"},
+                                                       {L"COM2", "nothing 4800"},
+                                                       {L"COM3", "cannot be opened 921600"},
+                                                       {L"COM4", "a prompt, but not the settings 4800"},
+                                                       {L"COM5", "a prompt, but not the settings 4800"},
+                                                       {L"COM6", "noise (wrong speed?) 4800"}}));
   EXPECT_LE(VirtualNow_us(), 6 * 3 * 3'800'000);
 }
 
@@ -171,7 +171,9 @@ TEST_F(DeviceSearch, WhatAThirdFamilyDeviceSaysIsBounded) {
         {" \r\n?\r\n\r\n>"}, {"?\r\n\r\n>"}, {"?\r\n\r\n>"}, {"#info\r\n" + row.block + "\r\n>"}};
     AttachPeer(kScriptedLine, &device);
     plan_ = {{L"COM5"}, {115'200}};
-    EXPECT_EQ(Search().at(L"COM5"), row.found ? "device 0007 115200" : "heard prompt 115200") << row.what;
+    EXPECT_EQ(Search().at(L"COM5"),
+              row.found ? "Device 0007 115200" : "a prompt, but not the settings 115200")
+        << row.what;
   }
 }
 

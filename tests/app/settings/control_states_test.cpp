@@ -39,6 +39,7 @@ TEST_F(ControlStates, WhatCanBeUsedWhen) {
       {{ID_DETAIL}, "-xxx-"},
       {{ID_SHOW_SETTINGS, ID_PLAYBACK, ID_SEGY_CONVERT, ID_MENU_SEGY, ID_MENU_BIN_TO_TXT}, "xxxx-"},
       {{ID_MENU_BAUD}, "xx---"},
+      {{ID_MENU_FIND}, "x----"},
       {{ID_RESUME}, "---x-"},
       {{ID_PAUSE}, "--x--"},
       {{ID_BACK, ID_FAST_BACK}, "--xx-"},
