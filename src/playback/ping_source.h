@@ -25,7 +25,8 @@ struct RecordedPing {
   bool hasPosition;     // never for 0 N 0 E at a height of 0: so a receiver without a fix is told
   double latitude_rad;  // as exact as the recording tells them; 0 without a position
   double longitude_rad;
-  bool hasTime;  // the recording tells when the ping was
+  int32_t gpsQuality;  // as a GGA sentence tells it, 0 without a position; 1 where a recording tells no more
+  bool hasTime;        // the recording tells when the ping was
   int64_t time_ms;
   bool hasMilliseconds;  // it tells `time_ms`, be it that of the ping before, finer than in seconds
   uint64_t begin;        // place of its first byte in the file

@@ -230,12 +230,14 @@ class Recording final : public PingSource {
     PingHeader& header = ping_.header;
     if (ping.latitude_rad != 0.0 || ping.longitude_rad != 0.0 || header.gpsAltitude_m != 0.0f) return;
     ping.hasPosition = false;
+    ping.gpsQuality = 0;
     header.gpsValid = 0;
   }
 
   void TakeFramePosition(RecordedPing& ping) const {
     const PingHeader& header = ping_.header;
     ping.hasPosition = header.gpsValid > 0;
+    ping.gpsQuality = ping.hasPosition ? 1 : 0;
     ping.latitude_rad = static_cast<double>(header.gpsLatitude_rad);
     ping.longitude_rad = static_cast<double>(header.gpsLongitude_rad);
   }
@@ -253,6 +255,7 @@ class Recording final : public PingSource {
     TextPosition told{};
     if (fix_.presence != 0) {
       ping.hasPosition = fix_.quality > 0;
+      ping.gpsQuality = fix_.quality;
       ping.latitude_rad = RadiansFromDegreesMinutes(fix_.latitude);
       ping.longitude_rad = RadiansFromDegreesMinutes(fix_.longitude);
       header.gpsAltitude_m = static_cast<float>(fix_.elevation_m);
@@ -260,6 +263,7 @@ class Recording final : public PingSource {
       header.gpsPdop = static_cast<float>(fix_.hdop);
     } else if (form_.HasSamples() && FindTextPosition(reader_->Block(), told)) {
       ping.hasPosition = told.valid;
+      ping.gpsQuality = told.valid ? 1 : 0;
       ping.latitude_rad = told.latitude_rad;
       ping.longitude_rad = told.longitude_rad;
       header.gpsAltitude_m = told.altitude_m;

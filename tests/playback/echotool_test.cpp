@@ -6,8 +6,10 @@
 #include "tests/app/test_files.h"
 #include "tests/app/test_folder.h"
 #include "tests/playback/info_text.h"
+#include "tools/echotool/cdf.h"
 #include "tools/echotool/console.h"
 #include "tools/echotool/options.h"
+#include "tools/echotool/sha256.h"
 #include "tools/echotool/summary.h"
 #include "tools/echotool/work.h"
 
@@ -292,6 +294,59 @@ TEST_F(Work, WhatCannotBeDoneLeavesNothing) {
     EXPECT_FALSE(result.done) << row.says;
     EXPECT_NE(result.text.find(row.says), std::string::npos) << result.text;
     EXPECT_EQ(Files(), files) << row.says;
+  }
+}
+
+// The longest of a variable's parts and the number of records have 32 bits, and a single one has no padding.
+TEST(Cdf, WhatTheFormatCanTell) {
+  const CdfVariable number{"number", CdfType::float64, {0}, {}};
+  const CdfVariable echo{"echo", CdfType::int32, {0, 1}, {}};
+  const CdfVariable shorts{"shorts", CdfType::int16, {0, 1}, {}};
+  const struct {
+    uint64_t records;
+    uint64_t length;
+    std::vector<CdfVariable> variables;
+    uint64_t recordSize;  // 0: refused
+  } rows[] = {
+      {1, 3, {number, shorts}, 16},
+      {1, 3, {shorts}, 6},
+      {2'147'483'647, 3, {shorts}, 6},
+      {2'147'483'648, 3, {shorts}, 0},
+      {1, 1'073'741'823, {echo}, 4'294'967'292},
+      {1, 1'073'741'824, {echo}, 0},
+      {1, 2'147'483'649, {shorts}, 0},
+  };
+  for (const auto& row : rows) {
+    CdfLayout layout;
+    std::string error;
+    const CdfContents contents{row.records, {{"ping", 0}, {"sample", row.length}}, {}, row.variables};
+    EXPECT_EQ(LayOutCdf(contents, layout, error), row.recordSize != 0) << row.length;
+    EXPECT_EQ(error.empty() ? layout.recordSize : 0, row.recordSize) << row.length;
+  }
+}
+
+// With the processor's instructions and without, in pieces; the first two sums are those of the standard.
+TEST(Sum, OfAnyLength) {
+  const struct {
+    std::string text;
+    const char* sum;
+  } rows[] = {
+      {"abc", "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad"},
+      {"abcdbcdecdefdefgefghfghighijhijkijkljklmklmnlmnomnopnopq",
+       "248d6a61d20638b8e5c026930c3e6039a33ce45964ff2167f6ecedd419db06c1"},
+      {std::string(1'000'000, 'a'), "cdc76e5c9914fb9281a1c7e284d73e67f1809a48a497200e046d39ccc7112cd0"},
+      {"", "e3b0c44298fc1c149afbf4c8996fb92427ae41e4649b934ca495991b7852b855"},
+  };
+  for (const auto& row : rows) {
+    for (const bool plain : {false, true}) {
+      Sha256 sha(plain);
+      const auto* const bytes = reinterpret_cast<const uint8_t*>(row.text.data());
+      for (size_t at = 0, piece = 0; at < row.text.size(); at += piece, ++piece) {
+        piece = std::min(piece, row.text.size() - at);
+        sha.Add({bytes + at, piece});
+      }
+      EXPECT_EQ(sha.Hex(), row.sum) << row.text.size() << (plain ? " plainly" : "");
+    }
   }
 }
 

@@ -31,6 +31,8 @@ std::wstring_view EndingOf(Task task) {
       return L".csv";
     case Task::kml:
       return L".kml";
+    case Task::netcdf:
+      return L".nc";
   }
   return {};
 }
@@ -66,12 +68,13 @@ std::wstring FullPath(const std::wstring& path) {
   return told ? full : L"";
 }
 
-std::wstring OutputPath(const std::string& recording, const Options& options) {
+std::wstring OutputPath(const std::string& recording, const Options& options, const std::wstring& part) {
   const std::wstring input = WideName(recording);
   const size_t begin = BeginOfName(input);
   std::wstring name = input.substr(begin);
   const size_t point = name.find_last_of(L'.');
   if (point != std::wstring::npos && point != 0) name.resize(point);
+  name += part;
   name += EndingOf(options.task);
   return options.folder.empty() ? input.substr(0, begin) + name
                                 : WideName(options.folder) + kPathSeparator + name;

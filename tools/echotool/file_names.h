@@ -18,8 +18,10 @@ namespace tw::echotool {
 [[nodiscard]] std::wstring FullPath(const std::wstring& path);
 
 // Where the output of a recording goes: into the folder asked for or the recording's own, under its name up
-// to the last point. (The window cuts at the first one, with which "L01.1.log" and "L01.2.log" would meet.)
-[[nodiscard]] std::wstring OutputPath(const std::string& recording, const Options& options);
+// to the last point, then `part`. (The window cuts at the first one, with which "L01.1.log" and "L01.2.log"
+// would meet.)
+[[nodiscard]] std::wstring OutputPath(const std::string& recording, const Options& options,
+                                      const std::wstring& part = L"");
 
 // The system's text for one of its errors, without what follows the last word.
 [[nodiscard]] std::string ReasonText(uint32_t error);

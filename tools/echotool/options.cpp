@@ -12,7 +12,8 @@ struct TaskName {
 };
 
 constexpr TaskName kTasks[] = {
-    {"info", Task::info}, {"segy", Task::segy}, {"text", Task::text}, {"csv", Task::csv}, {"kml", Task::kml},
+    {"info", Task::info}, {"segy", Task::segy}, {"text", Task::text},
+    {"csv", Task::csv},   {"kml", Task::kml},   {"netcdf", Task::netcdf},
 };
 
 constexpr std::string_view kHelp =
@@ -23,6 +24,8 @@ constexpr std::string_view kHelp =
     "  echotool text FILE... [-o DIR]   binary recordings as text (NAME_txt.log)\n"
     "  echotool csv  FILE... [-o DIR]   one row a ping, for spreadsheets and GIS (NAME.csv)\n"
     "  echotool kml  FILE... [-o DIR]   the track (NAME.kml)\n"
+    "  echotool netcdf FILE... [-o DIR] NetCDF for science (NAME.nc; of two channels NAME_ch1.nc and "
+    "_ch2.nc)\n"
     "\n"
     "  -o DIR        where outputs are written; without it beside each recording\n"
     "  --pad         segy: every trace as long as the longest, zeros behind, for readers that want it so\n"

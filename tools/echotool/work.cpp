@@ -1,5 +1,7 @@
 #include "tools/echotool/work.h"
 
+#include <algorithm>
+#include <list>
 #include <memory>
 
 #include "platform/file.h"
@@ -9,6 +11,8 @@
 #include "tools/echotool/console.h"
 #include "tools/echotool/converter_output.h"
 #include "tools/echotool/file_names.h"
+#include "tools/echotool/file_sum.h"
+#include "tools/echotool/netcdf_output.h"
 #include "tools/echotool/replacing.h"
 #include "tools/echotool/summary.h"
 #include "tools/echotool/track_output.h"
@@ -92,8 +96,41 @@ bool LongestTrace(const Job& job, uint32_t& longest, std::string& error) {
   return whole && !recording->Failed();
 }
 
-std::unique_ptr<PingWriter> MakeWriter(const Job& job, const RecordingKind& kind, OutputFile& output,
+// The first pass of an output that has to know its form beforehand.
+bool Survey(const Job& job, RecordingSurvey& survey, std::string& error) {
+  const auto recording = Open(job.file, error);
+  if (recording == nullptr) return false;
+  const bool whole = ForEachPing(job, *recording, " (measuring)", [&](const RecordedPing& ping) {
+    for (int32_t channel = 0; channel < 2; ++channel)
+      if (Concerns(ping, channel)) survey.channels[channel].Add(ping);
+    return true;
+  });
+  survey.samplingAssumed = recording->IsSamplingAssumed();
+  const bool read = !recording->Failed() && SumOfFile(WideName(job.file), job.interrupted, survey.sha256);
+  if (whole && !read) error = FaultText(RecordingFault::unread);
+  return whole && read;
+}
+
+// An output of a recording: all of it, or one of its channels.
+struct Output {
+  Place place;
+  WholeFile file;
+  int32_t channel = 0;
+};
+
+std::unique_ptr<PingWriter> MakeNetcdf(const Job& job, const PingSource& recording, int32_t channel,
+                                       const RecordingSurvey& survey, OutputFile& output,
                                        std::string& error) {
+  auto writer =
+      std::make_unique<NetcdfWriter>(output, NetcdfTold{recording, survey, ShownName(job.file), channel});
+  if (!writer->Prepare(error)) return nullptr;
+  return writer;
+}
+
+std::unique_ptr<PingWriter> MakeWriter(const Job& job, const PingSource& recording, int32_t channel,
+                                       const RecordingSurvey& survey, OutputFile& output,
+                                       std::string& error) {
+  const RecordingKind& kind = recording.Kind();
   switch (job.options.task) {
     case Task::info:
       return nullptr;
@@ -103,6 +140,8 @@ std::unique_ptr<PingWriter> MakeWriter(const Job& job, const RecordingKind& kind
       return std::make_unique<KmlWriter>(output, ShownName(job.file));
     case Task::text:
       return std::make_unique<TextWriter>(output);
+    case Task::netcdf:
+      return MakeNetcdf(job, recording, channel, survey, output, error);
     case Task::segy: {
       SegyOptions segy{.paddedLength = 0, .numbered = job.options.numbered};
       if (job.options.pad && !LongestTrace(job, segy.paddedLength, error)) return nullptr;
@@ -126,14 +165,20 @@ bool IsRecording(const PingSource& recording, uint64_t pings, std::string& error
   return false;
 }
 
+// Once, however many outputs are made of the recording.
+void Note(const std::string& note, Result& result) {
+  if (std::find(result.notes.begin(), result.notes.end(), note) == result.notes.end())
+    result.notes.push_back(note);
+}
+
 void NoteDamage(const PingSource& recording, Result& result) {
-  if (recording.Skipped() != 0) result.notes.push_back("damaged: " + DamageText(recording));
+  if (recording.Skipped() != 0) Note("damaged: " + DamageText(recording), result);
 }
 
 void NoteSampling(const PingSource& recording, Result& result) {
   if (recording.IsSamplingAssumed())
-    result.notes.push_back("warning: tells no sampling frequency, " + std::to_string(kUsualSampling_hz) +
-                           " Hz is assumed");
+    Note("warning: tells no sampling frequency, " + std::to_string(kUsualSampling_hz) + " Hz is assumed",
+         result);
 }
 
 bool Inform(const Job& job, Result& result) {
@@ -178,9 +223,11 @@ class Watch final : public ConversionWatch {
 };
 
 // All pings, from the recording into the output.
-bool Convert(const Job& job, PingSource& recording, OutputFile& output, const Place& place, Result& result) {
+bool Convert(const Job& job, PingSource& recording, const Output& to, const RecordingSurvey& survey,
+             Result& result) {
   std::string& error = result.text;
-  const auto writer = MakeWriter(job, recording.Kind(), output, error);
+  OutputFile output(to.file.File());
+  const auto writer = MakeWriter(job, recording, to.channel, survey, output, error);
   if (writer == nullptr) return false;
   Watch watch(job, recording);
   const ConversionEnd end = RunConversion(recording, *writer, watch);
@@ -188,15 +235,15 @@ bool Convert(const Job& job, PingSource& recording, OutputFile& output, const Pl
   if (end == ConversionEnd::unread) {
     error = FaultText(RecordingFault::unread);
   } else if (end == ConversionEnd::unwritten) {
-    error = NarrowName(place.path) + " cannot be written: " +
+    error = NarrowName(to.place.path) + " cannot be written: " +
             (output.Error() != 0 ? ReasonText(output.Error()) : "there is no memory");
   } else if (IsRecording(recording, watch.Pings(), error)) {
     error = writer->Emptiness();
   }
   NoteDamage(recording, result);
-  if (job.options.task == Task::segy) NoteSampling(recording, result);
+  if (job.options.task == Task::segy || job.options.task == Task::netcdf) NoteSampling(recording, result);
   const std::string note = writer->Note();
-  if (!note.empty()) result.notes.push_back(note);
+  if (!note.empty()) Note(note, result);
   return error.empty();
 }
 
@@ -213,20 +260,44 @@ bool Complete(WholeFile& file, const Place& place, Result& result) {
   return result.text.empty();
 }
 
+// Which outputs there are to be: NetCDF has one a channel, those without a ping left out.
+std::vector<int32_t> ChannelsOf(const Job& job, const PingSource& recording, const RecordingSurvey& survey) {
+  std::vector<int32_t> channels;
+  if (job.options.task != Task::netcdf || recording.Kind().channels < 2) return {0};
+  for (int32_t channel = 0; channel < 2; ++channel)
+    if (survey.channels[channel].pings != 0) channels.push_back(channel);
+  return channels;
+}
+
+// Makes the file of an output under its temporary name.
+bool Begin(const Job& job, Output& output, const std::wstring& part, std::string& error) {
+  output.place.path = OutputPath(job.file, job.options, part);
+  if (!LookAt(output.place, job.file, job.options, job.batch, error)) return false;
+  if (output.file.Create(output.place.path)) return true;
+  error = NarrowName(output.place.path) + " cannot be made: " + ReasonText(output.file.Error());
+  return false;
+}
+
 bool Write(const Job& job, Result& result) {
   std::string& error = result.text;
   const auto recording = Open(job.file, error);
   if (recording == nullptr || !LooksConvertible(job.options.task, recording->Kind(), error)) return false;
-  Place place{.path = OutputPath(job.file, job.options)};
-  if (!LookAt(place, job.file, job.options, job.batch, error)) return false;
-  WholeFile file;
-  if (!file.Create(place.path)) {
-    error = NarrowName(place.path) + " cannot be made: " + ReasonText(file.Error());
-    return false;
+  RecordingSurvey survey;
+  if (job.options.task == Task::netcdf && !Survey(job, survey, error)) return false;
+  std::list<Output> outputs;
+  for (const int32_t channel : ChannelsOf(job, *recording, survey)) {
+    const bool oneOfTwo = job.options.task == Task::netcdf && recording->Kind().channels > 1;
+    const std::wstring part = oneOfTwo ? L"_ch" + std::to_wstring(channel + 1) : L"";
+    Output& output = outputs.emplace_back();
+    output.channel = channel;
+    if (!Begin(job, output, part, error)) return false;
+    if (outputs.size() > 1 && !recording->Rewind()) error = FaultText(RecordingFault::unread);
+    if (!error.empty() || !Convert(job, *recording, output, survey, result)) return false;
   }
-  OutputFile output(file.File());
-  if (!Convert(job, *recording, output, place, result) || !Complete(file, place, result)) return false;
-  job.batch.outputs.push_back(FullPath(place.path));
+  for (Output& output : outputs) {
+    if (!Complete(output.file, output.place, result)) return false;
+    job.batch.outputs.push_back(FullPath(output.place.path));
+  }
   return true;
 }
 

@@ -1,0 +1,127 @@
+#include "tools/echotool/netcdf_output.h"
+
+#include <algorithm>
+#include <cstring>
+#include <iterator>
+
+#include "base/bytes.h"
+#include "playback/segy_format.h"
+#include "tools/echotool/netcdf_header.h"
+#include "tools/echotool/ping_values.h"
+
+namespace tw::echotool {
+namespace {
+
+constexpr size_t kPiece = 32'768;  // samples laid out together
+
+bool AppendBytes(OutputFile& output, std::string_view bytes) {
+  while (!bytes.empty()) {
+    const std::string_view piece = bytes.substr(0, kPiece);
+    uint8_t* const out = output.Room(piece.size());
+    if (out == nullptr) return false;
+    std::memcpy(out, piece.data(), piece.size());
+    output.Take(piece.size());
+    bytes.remove_prefix(piece.size());
+  }
+  return true;
+}
+
+// Column by column, which compilers do many at a time.
+uint16_t HighestOf(std::span<const uint16_t> samples) {
+  uint16_t columns[32] = {};
+  for (; samples.size() >= std::size(columns); samples = samples.subspan(std::size(columns)))
+    for (size_t i = 0; i < std::size(columns); ++i) columns[i] = std::max(columns[i], samples[i]);
+  for (size_t i = 0; i < samples.size(); ++i) columns[i] = std::max(columns[i], samples[i]);
+  return *std::max_element(std::begin(columns), std::end(columns));
+}
+
+}  // namespace
+
+void ChannelSurvey::Add(const RecordedPing& ping) {
+  if (pings++ == 0) sampling_hz = ping.header.samplingFrequency_hz;
+  sameSampling = sameSampling && ping.header.samplingFrequency_hz == sampling_hz;
+  longest = std::max(longest, static_cast<uint32_t>(ping.samples.size()));
+  highest = std::max(highest, HighestOf(ping.samples));
+}
+
+bool Concerns(const RecordedPing& ping, int32_t channel) {
+  return ping.channel == channel || (channel == 1 && ping.bothChannels);
+}
+
+NetcdfWriter::NetcdfWriter(OutputFile& output, const NetcdfTold& told)
+    : output_(output),
+      channel_(told.channel),
+      survey_(told.survey.channels[told.channel]),
+      soundSpeed_mps_(told.recording.Kind().soundSpeed_mps),
+      lowFrequency_hz_(told.recording.Told().low ? told.recording.Told().low->frequency_hz : 0),
+      sampleType_(NetcdfSampleType(survey_)),
+      hasRange_(NetcdfHasRange(survey_, soundSpeed_mps_)),
+      contents_(NetcdfContents(told)) {}
+
+bool NetcdfWriter::Prepare(std::string& error) {
+  return LayOutCdf(contents_, layout_, error);
+}
+
+bool NetcdfWriter::Begin() {
+  return AppendBytes(output_, layout_.header) && (!hasRange_ || AppendRange());
+}
+
+bool NetcdfWriter::AppendRange() {
+  const double step_m = static_cast<double>(soundSpeed_mps_) / 2.0 / survey_.sampling_hz;
+  for (uint32_t i = 0; i < survey_.longest; ++i) {
+    uint8_t* const out = output_.Room(sizeof(double));
+    if (out == nullptr) return false;
+    output_.Take(StoreCdfValue(out, CdfType::float64, i * step_m));
+  }
+  return true;
+}
+
+bool NetcdfWriter::AppendSamples(std::span<const uint16_t> samples) {
+  while (!samples.empty()) {
+    const auto piece = samples.first(std::min(samples.size(), kPiece));
+    const size_t size = piece.size() * SizeOf(sampleType_);
+    uint8_t* out = output_.Room(size);
+    if (out == nullptr) return false;
+    if (sampleType_ == CdfType::int16) {
+      StoreSegySamples(piece, out);
+    } else {
+      for (const uint16_t sample : piece) {
+        StoreBe(out, int32_t{sample});
+        out += sizeof(int32_t);
+      }
+    }
+    output_.Take(size);
+    samples = samples.subspan(piece.size());
+  }
+  return true;
+}
+
+// The padding of a record of shorts is filled as well.
+bool NetcdfWriter::AppendFill(size_t samples) {
+  if (sampleType_ == CdfType::int16) samples += survey_.longest % 2;
+  for (; samples != 0; --samples) {
+    uint8_t* const out = output_.Room(sizeof(int32_t));
+    if (out == nullptr) return false;
+    output_.Take(StoreCdfValue(out, sampleType_, CdfFill(sampleType_)));
+  }
+  return true;
+}
+
+bool NetcdfWriter::Append(const RecordedPing& ping) {
+  if (!Concerns(ping, channel_)) return true;
+  changed_ = changed_ || pings_ == survey_.pings || ping.samples.size() > survey_.longest ||
+             HighestOf(ping.samples) > survey_.highest;
+  if (changed_) return true;
+  ++pings_;
+  uint8_t* const out = output_.Room(kNetcdfValuesSize);
+  if (out == nullptr) return false;
+  output_.Take(StoreNetcdfValues({ping, channel_, soundSpeed_mps_, lowFrequency_hz_}, out));
+  return survey_.longest == 0 ||
+         (AppendSamples(ping.samples) && AppendFill(survey_.longest - ping.samples.size()));
+}
+
+std::string NetcdfWriter::Emptiness() const {
+  return changed_ || pings_ != survey_.pings ? "has changed while it was read" : "";
+}
+
+}  // namespace tw::echotool

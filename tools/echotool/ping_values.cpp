@@ -1,0 +1,30 @@
+#include "tools/echotool/ping_values.h"
+
+#include <cmath>
+#include <numbers>
+
+namespace tw::echotool {
+
+double Degrees(double radians) {
+  return radians * (180.0 / std::numbers::pi);
+}
+
+// The bounds are not kept by what is no number.
+std::optional<Place_deg> PlaceOf(const RecordedPing& ping) {
+  const Place_deg place{Degrees(ping.latitude_rad), Degrees(ping.longitude_rad)};
+  const bool onEarth = std::fabs(place.latitude) <= 90.0 && std::fabs(place.longitude) <= 180.0;
+  return ping.hasPosition && onEarth ? std::optional(place) : std::nullopt;
+}
+
+std::optional<int64_t> TimeOf(const RecordedPing& ping) {
+  constexpr int64_t kSecond_ms = 1'000;
+  if (ping.hasMilliseconds && ping.time_ms >= kSecond_ms) return ping.time_ms;
+  if (ping.header.timeOfWork_s == 0) return std::nullopt;
+  return ping.header.timeOfWork_s * kSecond_ms;
+}
+
+float AltitudeOf(const RecordedPing& ping, int32_t channel) {
+  return channel == 1 && ping.bothChannels ? ping.altitudeLow_m : ping.header.altitude_m;
+}
+
+}  // namespace tw::echotool
