@@ -25,7 +25,8 @@ namespace {
 using echotool::Task;
 
 constexpr size_t kLineEnd = 2;
-constexpr Task kOutputTasks[] = {Task::segy, Task::text, Task::csv, Task::kml, Task::netcdf};
+constexpr Task kOutputTasks[] = {Task::segy,   Task::text, Task::csv,    Task::kml,
+                                 Task::netcdf, Task::gpx,  Task::geojson};
 const SampleKind kFrames{"Frames", sim::DeviceFamily::first, 100};
 const SampleKind kFramesWithoutInfo{"FramesAlone", sim::DeviceFamily::first, 100, false};
 

@@ -33,6 +33,10 @@ std::wstring_view EndingOf(Task task) {
       return L".kml";
     case Task::netcdf:
       return L".nc";
+    case Task::gpx:
+      return L".gpx";
+    case Task::geojson:
+      return L".geojson";
   }
   return {};
 }

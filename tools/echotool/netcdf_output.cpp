@@ -48,6 +48,15 @@ bool Concerns(const RecordedPing& ping, int32_t channel) {
   return ping.channel == channel || (channel == 1 && ping.bothChannels);
 }
 
+void RecordingSurvey::Add(const RecordedPing& ping) {
+  for (int32_t channel = 0; channel < 2; ++channel)
+    if (Concerns(ping, channel)) channels[channel].Add(ping);
+  const auto time_ms = TimeOf(ping);
+  if (!time_ms) return;
+  first_ms = std::min(first_ms.value_or(*time_ms), *time_ms);
+  last_ms = std::max(last_ms.value_or(*time_ms), *time_ms);
+}
+
 NetcdfWriter::NetcdfWriter(OutputFile& output, const NetcdfTold& told)
     : output_(output),
       channel_(told.channel),

@@ -5,6 +5,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 #include "tools/echotool/cdf.h"
@@ -29,7 +30,11 @@ struct ChannelSurvey {
 struct RecordingSurvey {
   ChannelSurvey channels[2];
   bool samplingAssumed = false;
-  std::string sha256;  // of the file
+  std::optional<int64_t> first_ms;  // the earliest time of a ping and the latest
+  std::optional<int64_t> last_ms;
+  std::string sha256;  // of the file; NetCDF alone
+
+  void Add(const RecordedPing& ping);
 };
 
 struct NetcdfTold {

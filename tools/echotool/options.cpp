@@ -12,8 +12,8 @@ struct TaskName {
 };
 
 constexpr TaskName kTasks[] = {
-    {"info", Task::info}, {"segy", Task::segy}, {"text", Task::text},
-    {"csv", Task::csv},   {"kml", Task::kml},   {"netcdf", Task::netcdf},
+    {"info", Task::info}, {"segy", Task::segy},     {"text", Task::text}, {"csv", Task::csv},
+    {"kml", Task::kml},   {"netcdf", Task::netcdf}, {"gpx", Task::gpx},   {"geojson", Task::geojson},
 };
 
 constexpr std::string_view kHelp =
@@ -24,6 +24,8 @@ constexpr std::string_view kHelp =
     "  echotool text FILE... [-o DIR]   binary recordings as text (NAME_txt.log)\n"
     "  echotool csv  FILE... [-o DIR]   one row a ping, for spreadsheets and GIS (NAME.csv)\n"
     "  echotool kml  FILE... [-o DIR]   the track (NAME.kml)\n"
+    "  echotool gpx  FILE... [-o DIR]   the track with times and depths (NAME.gpx)\n"
+    "  echotool geojson FILE... [-o DIR] the same for GIS (NAME.geojson)\n"
     "  echotool netcdf FILE... [-o DIR] NetCDF for science (NAME.nc; of two channels NAME_ch1.nc and "
     "_ch2.nc)\n"
     "\n"

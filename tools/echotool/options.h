@@ -9,7 +9,7 @@
 
 namespace tw::echotool {
 
-enum class Task : uint8_t { info, segy, text, csv, kml, netcdf };
+enum class Task : uint8_t { info, segy, text, csv, kml, netcdf, gpx, geojson };
 
 struct Options {
   Task task = Task::info;

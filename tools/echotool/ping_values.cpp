@@ -1,6 +1,7 @@
 #include "tools/echotool/ping_values.h"
 
 #include <cmath>
+#include <cstdlib>
 #include <numbers>
 
 namespace tw::echotool {
@@ -18,9 +19,10 @@ std::optional<Place_deg> PlaceOf(const RecordedPing& ping) {
 
 std::optional<int64_t> TimeOf(const RecordedPing& ping) {
   constexpr int64_t kSecond_ms = 1'000;
-  if (ping.hasMilliseconds && ping.time_ms >= kSecond_ms) return ping.time_ms;
-  if (ping.header.timeOfWork_s == 0) return std::nullopt;
-  return ping.header.timeOfWork_s * kSecond_ms;
+  const int64_t computer_ms = ping.header.timeOfWork_s * kSecond_ms;
+  const bool agree = std::llabs(ping.time_ms - computer_ms) <= kSecond_ms;
+  if (ping.hasMilliseconds && ping.time_ms >= kSecond_ms && (agree || computer_ms == 0)) return ping.time_ms;
+  return computer_ms != 0 ? std::optional(computer_ms) : std::nullopt;
 }
 
 float AltitudeOf(const RecordedPing& ping, int32_t channel) {

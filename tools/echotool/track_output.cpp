@@ -3,32 +3,16 @@
 #include <cinttypes>
 #include <cmath>
 #include <cstring>
-#include <numbers>
 
 #include "base/calendar.h"
 #include "base/text_format.h"
+#include "tools/echotool/escapes.h"
+#include "tools/echotool/ping_values.h"
 
 namespace tw::echotool {
 namespace {
 
 constexpr size_t kRowSize = 1024;
-
-bool Append(OutputFile& output, std::string_view text) {
-  uint8_t* const out = output.Room(text.size());
-  if (out == nullptr) return false;
-  std::memcpy(out, text.data(), text.size());
-  output.Take(text.size());
-  return true;
-}
-
-double Degrees(double radians) {
-  return radians * (180.0 / std::numbers::pi);
-}
-
-// Not for what is no number.
-bool IsOnEarth(double latitude_deg, double longitude_deg) {
-  return std::fabs(latitude_deg) <= 90.0 && std::fabs(longitude_deg) <= 180.0;
-}
 
 // A row of comma-separated values that grows field by field.
 class Row {
@@ -80,33 +64,20 @@ class Row {
   size_t fields_ = 0;
 };
 
-std::string EscapedXml(std::string_view text) {
-  std::string out;
-  for (const char c : text) {
-    switch (c) {
-      case '&':
-        out += "&amp;";
-        break;
-      case '<':
-        out += "&lt;";
-        break;
-      case '>':
-        out += "&gt;";
-        break;
-      default:
-        out += static_cast<unsigned char>(c) < ' ' ? ' ' : c;
-    }
-  }
-  return out;
-}
-
 }  // namespace
 
+bool AppendText(OutputFile& output, std::string_view text) {
+  uint8_t* const out = output.Room(text.size());
+  if (out == nullptr) return false;
+  std::memcpy(out, text.data(), text.size());
+  output.Take(text.size());
+  return true;
+}
+
 bool CsvWriter::Begin() {
-  return echotool::Append(
-      output_,
-      "time_utc,ping,latitude_deg,longitude_deg,altitude_m,temperature_c,pitch_deg,roll_deg,"
-      "channel,frequency_hz,altitude_low_m,time_ms_utc\r\n");
+  return AppendText(output_,
+                    "time_utc,ping,latitude_deg,longitude_deg,altitude_m,temperature_c,pitch_deg,roll_deg,"
+                    "channel,frequency_hz,altitude_low_m,time_ms_utc\r\n");
 }
 
 bool CsvWriter::Append(const RecordedPing& ping) {
@@ -126,15 +97,15 @@ bool CsvWriter::Append(const RecordedPing& ping) {
   row.Whole(static_cast<uint32_t>(header.txFrequency_hz), header.txFrequency_hz > 0);
   row.Decimal(static_cast<double>(ping.altitudeLow_m), 3, ping.bothChannels);
   row.FineTime(ping.time_ms, ping.hasMilliseconds);
-  return echotool::Append(output_, row.End());
+  return AppendText(output_, row.End());
 }
 
 bool KmlWriter::Begin() {
   const std::string name = EscapedXml(name_);
-  return echotool::Append(
+  return AppendText(
       output_,
       "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
-      "<kml xmlns=\"http://www.opengis.net/kml/2.2\">\n"
+      "<kml xmlns=\"http://www.opengis.net/kml/2.2\" xmlns:gx=\"http://www.google.com/kml/ext/2.2\">\n"
       "<Document>\n<name>" +
           name +
           "</name>\n"
@@ -142,21 +113,17 @@ bool KmlWriter::Begin() {
 }
 
 bool KmlWriter::AppendPlacemark(std::string_view geometry) {
-  return echotool::Append(output_, "<Placemark>\n<name>" + EscapedXml(name_) +
-                                       "</name>\n<styleUrl>#track</styleUrl>\n" + std::string(geometry));
+  return AppendText(output_, "<Placemark>\n<name>" + EscapedXml(name_) +
+                                 "</name>\n<styleUrl>#track</styleUrl>\n" + std::string(geometry));
 }
 
-// A receiver is slower than an echosounder: the pings between two of its positions add nothing to a track.
 bool KmlWriter::Append(const RecordedPing& ping) {
-  const double longitude_deg = Degrees(ping.longitude_rad);
-  const double latitude_deg = Degrees(ping.latitude_rad);
-  if (!ping.hasPosition || !IsOnEarth(latitude_deg, longitude_deg)) return true;
-  if (positions_ != 0 && ping.latitude_rad == latitude_rad_ && ping.longitude_rad == longitude_rad_)
-    return true;
-  latitude_rad_ = ping.latitude_rad;
-  longitude_rad_ = ping.longitude_rad;
+  const auto point = track_.Next(ping);
+  if (!point) return true;
+  kept_.Add(*point);
   char text[kRowSize];
-  const std::string_view position(text, FormatText(text, "%.8f,%.8f\n", longitude_deg, latitude_deg));
+  const std::string_view position(
+      text, FormatText(text, "%.8f,%.8f\n", point->place.longitude, point->place.latitude));
   if (++positions_ == 1) {
     first_ = position;
     return true;
@@ -164,7 +131,7 @@ bool KmlWriter::Append(const RecordedPing& ping) {
   if (positions_ == 2 &&
       !AppendPlacemark("<LineString>\n<tessellate>1</tessellate>\n<coordinates>\n" + first_))
     return false;
-  return echotool::Append(output_, position);
+  return AppendText(output_, position);
 }
 
 // A line has two places at least.
@@ -173,8 +140,41 @@ bool KmlWriter::End() {
       positions_ == 0 ||
       (positions_ == 1
            ? AppendPlacemark("<Point>\n<coordinates>\n" + first_ + "</coordinates>\n</Point>\n</Placemark>\n")
-           : echotool::Append(output_, "</coordinates>\n</LineString>\n</Placemark>\n"));
-  return ended && echotool::Append(output_, "</Document>\n</kml>\n") && output_.Flush();
+           : AppendText(output_, "</coordinates>\n</LineString>\n</Placemark>\n"));
+  return ended && AppendTimes() && AppendMarks() && AppendText(output_, "</Document>\n</kml>\n") &&
+         output_.Flush();
+}
+
+// Places that no time belongs to, or an earlier one than the place before had, are left to the line.
+bool KmlWriter::AppendTimes() {
+  std::vector<TrackPoint> timed;
+  for (const TrackPoint& point : kept_.End())
+    if (point.time_ms && (timed.empty() || *point.time_ms > *timed.back().time_ms)) timed.push_back(point);
+  if (timed.size() < 2) return true;
+  bool written = AppendPlacemark("<gx:Track>\n");
+  for (const TrackPoint& point : timed)
+    written = written && AppendText(output_, "<when>" + IsoTime(*point.time_ms) + "</when>\n");
+  for (const TrackPoint& point : timed) {
+    char text[kRowSize];
+    const size_t length =
+        FormatText(text, "<gx:coord>%.8f %.8f 0</gx:coord>\n", point.place.longitude, point.place.latitude);
+    written = written && AppendText(output_, {text, length});
+  }
+  return written && AppendText(output_, "</gx:Track>\n</Placemark>\n");
+}
+
+bool KmlWriter::AppendMarks() {
+  for (const EventMark& mark : marks_) {
+    if (!mark.hasPosition) continue;
+    char text[kRowSize];
+    const size_t length = FormatText(text, "<Point>\n<coordinates>\n%.8f,%.8f\n</coordinates>\n</Point>\n",
+                                     mark.longitude_deg, mark.latitude_deg);
+    if (!AppendText(output_, "<Placemark>\n<name>" + EscapedXml(NameOf(mark)) + "</name>\n<TimeStamp><when>" +
+                                 IsoTime(mark.time_ms) + "</when></TimeStamp>\n" + std::string(text, length) +
+                                 "</Placemark>\n"))
+      return false;
+  }
+  return true;
 }
 
 }  // namespace tw::echotool

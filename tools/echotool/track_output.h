@@ -11,18 +11,25 @@
 // Channel 2 is the low frequency of a recording of both; a line that tells both altitudes stands in one row.
 //
 // KML 2.2: one line through the valid positions, each new one once; a point if there is but one, and nothing
-// without any. Pure but for the output; one thread.
+// without any. Behind it the same as a track with times, as far as they rise, and the operator's marks. Pure
+// but for the output; one thread.
 #pragma once
 
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "playback/converter.h"
 #include "playback/output_file.h"
 #include "playback/ping_source.h"
+#include "tools/echotool/track.h"
 
 namespace tw::echotool {
+
+// Puts a text behind what stands in the output. False when the output has failed.
+[[nodiscard]] bool AppendText(OutputFile& output, std::string_view text);
 
 class PingWriter : public PingConverter {
  public:
@@ -46,20 +53,24 @@ class CsvWriter final : public PingWriter {
 class KmlWriter final : public PingWriter {
  public:
   // `name` is what viewers show for the track.
-  KmlWriter(OutputFile& output, std::string_view name) : output_(output), name_(name) {}
+  KmlWriter(OutputFile& output, std::string_view name, std::vector<EventMark> marks = {})
+      : output_(output), name_(name), marks_(std::move(marks)) {}
   [[nodiscard]] bool Begin() override;
   [[nodiscard]] bool Append(const RecordedPing& ping) override;
   [[nodiscard]] bool End() override;
 
  private:
   [[nodiscard]] bool AppendPlacemark(std::string_view geometry);
+  [[nodiscard]] bool AppendTimes();
+  [[nodiscard]] bool AppendMarks();
 
   OutputFile& output_;
   std::string name_;
   std::string first_;  // position, as its line in the file
   uint64_t positions_ = 0;
-  double latitude_rad_ = 0;
-  double longitude_rad_ = 0;
+  std::vector<EventMark> marks_;
+  Track track_;
+  KeptTrack kept_;
 };
 
 }  // namespace tw::echotool

@@ -8,10 +8,12 @@
 #include "platform/system_error.h"
 #include "playback/conversion_run.h"
 #include "playback/ping_source.h"
+#include "playback/recording_marks.h"
 #include "tools/echotool/console.h"
 #include "tools/echotool/converter_output.h"
 #include "tools/echotool/file_names.h"
 #include "tools/echotool/file_sum.h"
+#include "tools/echotool/map_output.h"
 #include "tools/echotool/netcdf_output.h"
 #include "tools/echotool/replacing.h"
 #include "tools/echotool/summary.h"
@@ -101,12 +103,12 @@ bool Survey(const Job& job, RecordingSurvey& survey, std::string& error) {
   const auto recording = Open(job.file, error);
   if (recording == nullptr) return false;
   const bool whole = ForEachPing(job, *recording, " (measuring)", [&](const RecordedPing& ping) {
-    for (int32_t channel = 0; channel < 2; ++channel)
-      if (Concerns(ping, channel)) survey.channels[channel].Add(ping);
+    survey.Add(ping);
     return true;
   });
   survey.samplingAssumed = recording->IsSamplingAssumed();
-  const bool read = !recording->Failed() && SumOfFile(WideName(job.file), job.interrupted, survey.sha256);
+  const bool read = !recording->Failed() && (job.options.task != Task::netcdf ||
+                                             SumOfFile(WideName(job.file), job.interrupted, survey.sha256));
   if (whole && !read) error = FaultText(RecordingFault::unread);
   return whole && read;
 }
@@ -117,6 +119,31 @@ struct Output {
   WholeFile file;
   int32_t channel = 0;
 };
+
+// The operator's marks from the first ping's time to the second of the last one's. False when the recording
+// cannot be read to find these.
+bool FindMarks(const Job& job, std::vector<EventMark>& marks, std::string& error) {
+  marks = ReadMarksBeside(WideName(job.file));
+  RecordingSurvey survey;
+  if (marks.empty()) return true;
+  if (!Survey(job, survey, error)) return false;
+  constexpr int64_t kSecond_ms = 1'000;
+  std::erase_if(marks, [&](const EventMark& mark) {
+    return !survey.first_ms || mark.time_ms < *survey.first_ms ||
+           mark.time_ms >= *survey.last_ms + kSecond_ms;
+  });
+  return true;
+}
+
+std::unique_ptr<PingWriter> MakeMap(const Job& job, OutputFile& output, std::string& error) {
+  std::vector<EventMark> marks;
+  if (!FindMarks(job, marks, error)) return nullptr;
+  const std::string name = ShownName(job.file);
+  if (job.options.task == Task::gpx) return std::make_unique<GpxWriter>(output, name, std::move(marks));
+  if (job.options.task == Task::geojson)
+    return std::make_unique<GeoJsonWriter>(output, name, std::move(marks));
+  return std::make_unique<KmlWriter>(output, name, std::move(marks));
+}
 
 std::unique_ptr<PingWriter> MakeNetcdf(const Job& job, const PingSource& recording, int32_t channel,
                                        const RecordingSurvey& survey, OutputFile& output,
@@ -137,7 +164,9 @@ std::unique_ptr<PingWriter> MakeWriter(const Job& job, const PingSource& recordi
     case Task::csv:
       return std::make_unique<CsvWriter>(output);
     case Task::kml:
-      return std::make_unique<KmlWriter>(output, ShownName(job.file));
+    case Task::gpx:
+    case Task::geojson:
+      return MakeMap(job, output, error);
     case Task::text:
       return std::make_unique<TextWriter>(output);
     case Task::netcdf:
