@@ -11,6 +11,7 @@
 #include "tools/echotool/options.h"
 #include "tools/echotool/sha256.h"
 #include "tools/echotool/summary.h"
+#include "tools/echotool/tide.h"
 #include "tools/echotool/work.h"
 
 namespace tw::echotool {
@@ -350,6 +351,38 @@ TEST(Sum, OfAnyLength) {
   }
 }
 
+TEST(Tides, AreOnTheLineBetweenTwoHeights) {
+  const std::string header = "UTC;m\r\n# of the gauge\r\n\r\n";
+  const std::string two = "2026-05-01T09:30:00Z;1.5\r\n2026-05-01 09:40\t-0.5 \r\n";
+  const struct {
+    std::string text;
+    const char* error;
+    int64_t time_s;
+    std::optional<double> height_m;
+  } rows[] = {
+      {header + two, "", 1'777'627'800, 1.5},
+      {two, "", 1'777'627'950, 1.0},
+      {two, "", 1'777'628'400, -0.5},
+      {two, "", 1'777'627'799, std::nullopt},
+      {two, "", 1'777'628'401, std::nullopt},
+      {header, "holds no height", 0, std::nullopt},
+      {two + two, "line 3 is not later than the line before", 0, std::nullopt},
+      {two + "2026-05-01 09:50 nan", "line 3 is no UTC with a height in metres", 0, std::nullopt},
+      {two + "2026-05-01 09:50 101", "line 3 is no UTC with a height in metres", 0, std::nullopt},
+      {two + "2026-13-01 09:50 1", "line 3 is no UTC with a height in metres", 0, std::nullopt},
+      {two + "2026-05-01 09:5", "line 3 is no UTC with a height in metres", 0, std::nullopt},
+  };
+  for (const auto& row : rows) {
+    Tide tide;
+    std::string error;
+    EXPECT_EQ(tide.Parse(row.text, error), *row.error == '\0') << row.text;
+    EXPECT_EQ(error, row.error);
+    if (*row.error == '\0') {
+      EXPECT_EQ(tide.At(row.time_s * 1000), row.height_m) << row.time_s;
+    }
+  }
+}
+
 TEST(Bar, NamesAreCutAtCharacters) {
   EXPECT_EQ(FitColumns("abc", 2), "ab");
   EXPECT_EQ(FitColumns("\xC3\xA4\xC3\xB6", 1), "\xC3\xA4");
@@ -377,6 +410,14 @@ TEST(Options, AreRead) {
       {{"segy", "a.log", "-o"}, "-o needs a folder"},
       {{"csv", "--pad", "a.log"}, "--pad and --inline belong to segy"},
       {{"info", "a.log", "-o", "out"}, "info writes no files"},
+      {{"xyz", "--columns", "time,depth", "--draught", "-0.5", "--every", "10", "--median", "5", "a.log"},
+       ""},
+      {{"csv", "--every", "10", "a.log"},
+       "--columns, --draught, --tide, --sound-speed, --every and --median belong to xyz"},
+      {{"xyz", "a.log", "--median", "4"}, "--median needs an odd number from 1 to 999"},
+      {{"xyz", "a.log", "--draught", "nan"}, "--draught needs metres from -100 to 100"},
+      {{"xyz", "a.log", "--sound-speed", "1500m"}, "--sound-speed needs metres a second from 1000 to 2000"},
+      {{"xyz", "a.log", "--every"}, "--every needs a number from 1 to 1000000"},
   };
   for (const auto& row : rows) {
     Options options;

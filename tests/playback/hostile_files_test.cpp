@@ -25,8 +25,8 @@ namespace {
 using echotool::Task;
 
 constexpr size_t kLineEnd = 2;
-constexpr Task kOutputTasks[] = {Task::segy,   Task::text, Task::csv,    Task::kml,
-                                 Task::netcdf, Task::gpx,  Task::geojson};
+constexpr Task kOutputTasks[] = {Task::segy, Task::text,    Task::csv, Task::kml, Task::netcdf,
+                                 Task::gpx,  Task::geojson, Task::xyz, Task::nmea};
 const SampleKind kFrames{"Frames", sim::DeviceFamily::first, 100};
 const SampleKind kFramesWithoutInfo{"FramesAlone", sim::DeviceFamily::first, 100, false};
 
@@ -460,7 +460,9 @@ TEST_F(HostileFiles, FullDisk) {
     EXPECT_EQ(Convert(file_, ConvertToSegy), L"Convert completed");
     EXPECT_EQ(Content("hostile.sgy"), whole.substr(0, room));
     for (const Task task : kOutputTasks) {
-      LimitDiskSpace(task == Task::csv || task == Task::kml ? std::min<size_t>(room, 50) : room);
+      LimitDiskSpace(task == Task::segy || task == Task::text || task == Task::netcdf
+                         ? room
+                         : std::min<size_t>(room, 50));
       EXPECT_FALSE(Works(task)) << room;
     }
     ClearFaults();

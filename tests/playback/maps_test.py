@@ -1,8 +1,9 @@
 #!/usr/bin/env python3
-"""The tracks that echotool writes, read by GDAL and GPSBabel: maps_test.py ECHOTOOL DATA_FOLDER"""
+"""The tracks and soundings that echotool writes, read by GDAL, GPSBabel and by hand: maps_test.py ECHOTOOL DATA_FOLDER"""
 import csv
 import functools
 import os
+import statistics
 import subprocess
 import sys
 import tempfile
@@ -53,12 +54,36 @@ def ogr(path, *layer):
     return rows('ogr2ogr', '-f', 'CSV', '/vsistdout/', path, *layer, '-lco', 'GEOMETRY=AS_XY')
 
 
+def check_soundings(folder):
+    """Soundings have depths from 11 to 14 m; the tide falls from 1 m by 0.1 m a second."""
+    tide = os.path.join(folder, 'tide.txt')
+    with open(tide, 'w') as out:
+        out.write('2024-03-23T12:35:00Z 1.0\n2024-03-23T12:35:10Z 0.0\n')
+    seconds = [float(t[6:]) for t in TIMES]
+    full = [(10 + i) * 1480 / 1500 + 0.25 - (1 - seconds[i] / 10) for i in range(1, 5)]
+    smooth = [statistics.median(full[max(0, i - 1):i + 2]) for i in range(4)]
+    correction = ['--tide', tide, '--draught', '0.25', '--sound-speed', '1480']
+    for words, wanted in (
+            ([], [(PLACES[i][1], PLACES[i][0], 10 + i) for i in range(1, 5)]),
+            (correction + ['--columns', 'ping,depth'], [(i + 2, full[i]) for i in range(4)]),
+            (correction + ['--columns', 'ping,depth', '--median', '3', '--every', '2'], [(2, smooth[0]), (4, smooth[2])])):
+        subprocess.run([ECHOTOOL, 'xyz', os.path.join(folder, NAME), *words], check=True, capture_output=True)
+        with open(os.path.join(folder, NAME[:-4] + '.xyz')) as lines:
+            seen = [tuple(float(field) for field in line.split()) for line in lines]
+        near = len(seen) == len(wanted) and all(abs(s - w) < 0.00051 for a, b in zip(seen, wanted) for s, w in zip(a, b))
+        expect('soundings of %s' % words, near or seen, True)
+    with open(tide, 'w') as out:
+        out.write('2024-03-23T12:35:02Z 1.0\n')
+    told = subprocess.run([ECHOTOOL, 'xyz', os.path.join(folder, NAME), '--tide', tide], capture_output=True, text=True)
+    expect('outside of the tide', (told.returncode, 'is outside of' in told.stderr), (1, True))
+
+
 def main(folder):
     recording = os.path.join(folder, NAME)
     for name, text in ((NAME, INFO + ''.join(map(ping, range(len(PLACES))))), ('events.csv', EVENTS)):
         with open(os.path.join(folder, name), 'w', newline='') as out:
             out.write(text)
-    for task in ('gpx', 'geojson', 'kml'):
+    for task in ('gpx', 'geojson', 'kml', 'nmea'):
         subprocess.run([ECHOTOOL, task, recording], check=True)
         os.rename('%s.%s' % (recording[:-4], task), os.path.join(folder, 'a.' + task))
     gpx, geojson, kml = (os.path.join(folder, 'a.' + task) for task in ('gpx', 'geojson', 'kml'))
@@ -82,6 +107,15 @@ def main(folder):
     expect('line of GeoJSON', 'MULTILINESTRING ((179.999 48.5,179.9994 48.5,179.9998 48.5001),(-179.9998 48.5,-179.9994 48.5))'
            in line, True)
     expect('GeoJSON elsewhere', places(gpsbabel('-w', 'geojson', geojson)[1:], 'Longitude', 'Latitude'), PLACES)
+
+    check_soundings(folder)
+    nmea = os.path.join(folder, 'a.nmea')
+    table = gpsbabel('-t', 'nmea', nmea)
+    expect('places of NMEA', places(table, 'Longitude', 'Latitude'), PLACES)
+    expect('times of NMEA', [row['Time'][:8] for row in table], [t[:8] for t in TIMES])
+    with open(nmea) as sentences:
+        depths = [line.split(',')[1] for line in sentences if line.startswith('$SDDPT')]
+    expect('depths of NMEA', depths, ['11.00', '12.00', '13.00', '14.00'])
 
     # The line, then what has rising times.
     timed = [row for row in gpsbabel('-t', 'kml', kml) if row['Time']]

@@ -37,6 +37,10 @@ std::wstring_view EndingOf(Task task) {
       return L".gpx";
     case Task::geojson:
       return L".geojson";
+    case Task::xyz:
+      return L".xyz";
+    case Task::nmea:
+      return L".nmea";
   }
   return {};
 }

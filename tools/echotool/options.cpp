@@ -14,6 +14,7 @@ struct TaskName {
 constexpr TaskName kTasks[] = {
     {"info", Task::info}, {"segy", Task::segy},     {"text", Task::text}, {"csv", Task::csv},
     {"kml", Task::kml},   {"netcdf", Task::netcdf}, {"gpx", Task::gpx},   {"geojson", Task::geojson},
+    {"xyz", Task::xyz},   {"nmea", Task::nmea},
 };
 
 constexpr std::string_view kHelp =
@@ -26,12 +27,22 @@ constexpr std::string_view kHelp =
     "  echotool kml  FILE... [-o DIR]   the track (NAME.kml)\n"
     "  echotool gpx  FILE... [-o DIR]   the track with times and depths (NAME.gpx)\n"
     "  echotool geojson FILE... [-o DIR] the same for GIS (NAME.geojson)\n"
+    "  echotool xyz  FILE... [-o DIR]   soundings, a line each (NAME.xyz)\n"
+    "  echotool nmea FILE... [-o DIR]   depths and positions as NMEA 0183, to be replayed (NAME.nmea)\n"
     "  echotool netcdf FILE... [-o DIR] NetCDF for science (NAME.nc; of two channels NAME_ch1.nc and "
     "_ch2.nc)\n"
     "\n"
     "  -o DIR        where outputs are written; without it beside each recording\n"
     "  --pad         segy: every trace as long as the longest, zeros behind, for readers that want it so\n"
     "  --inline      segy: inline and crossline numbers, for readers that want a geometry\n"
+    "  --columns LIST  xyz: other columns than longitude,latitude,depth; also time, ping, channel, "
+    "altitude,\n"
+    "                temperature, quality\n"
+    "  --draught M   xyz: how deep the transducer is, added to its altitude\n"
+    "  --tide FILE   xyz: heights of the water to be subtracted, a UTC and metres a line\n"
+    "  --sound-speed V  xyz: altitudes at this speed of sound (m/s) instead of the recorded one\n"
+    "  --median N    xyz: the median of so many depths around each\n"
+    "  --every N     xyz: one sounding of so many\n"
     "  --no-clobber  no output replaces an older file\n"
     "  --force       an output may replace a file that is a recording itself\n"
     "  --version     which echotool this is\n"
@@ -64,8 +75,11 @@ bool TakeOption(const std::string& word, std::span<const std::string>& rest, Opt
     }
     options.folder = rest.front();
     rest = rest.subspan(1);
+  } else if (ParseXyzOption(word, rest.empty() ? std::string_view() : rest.front(), options.xyz, error)) {
+    options.xyzAsked = true;
+    rest = rest.subspan(1);
   } else {
-    error = "unknown option " + word;
+    if (error.empty()) error = "unknown option " + word;
     return false;
   }
   return true;
@@ -107,6 +121,8 @@ bool ParseOptions(std::span<const std::string> arguments, Options& options, std:
     error = "no recording given";
   } else if ((options.pad || options.numbered) && options.task != Task::segy) {
     error = "--pad and --inline belong to segy";
+  } else if (options.xyzAsked && options.task != Task::xyz) {
+    error = "--columns, --draught, --tide, --sound-speed, --every and --median belong to xyz";
   } else if (!options.folder.empty() && options.task == Task::info) {
     error = "info writes no files";
   } else if (options.force && options.noClobber) {

@@ -7,9 +7,11 @@
 #include <string_view>
 #include <vector>
 
+#include "tools/echotool/xyz_options.h"
+
 namespace tw::echotool {
 
-enum class Task : uint8_t { info, segy, text, csv, kml, netcdf, gpx, geojson };
+enum class Task : uint8_t { info, segy, text, csv, kml, netcdf, gpx, geojson, xyz, nmea };
 
 struct Options {
   Task task = Task::info;
@@ -19,6 +21,8 @@ struct Options {
   bool numbered = false;   // SEG-Y: inline and crossline numbers
   bool force = false;      // an output may replace a recording
   bool noClobber = false;  // no output replaces anything
+  XyzOptions xyz;
+  bool xyzAsked = false;  // one of them was given
   bool help = false;
   bool version = false;
 };

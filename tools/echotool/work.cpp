@@ -1,6 +1,7 @@
 #include "tools/echotool/work.h"
 
 #include <algorithm>
+#include <cmath>
 #include <list>
 #include <memory>
 
@@ -15,10 +16,12 @@
 #include "tools/echotool/file_sum.h"
 #include "tools/echotool/map_output.h"
 #include "tools/echotool/netcdf_output.h"
+#include "tools/echotool/nmea_output.h"
 #include "tools/echotool/replacing.h"
 #include "tools/echotool/summary.h"
 #include "tools/echotool/track_output.h"
 #include "tools/echotool/whole_file.h"
+#include "tools/echotool/xyz_output.h"
 
 namespace tw::echotool {
 namespace {
@@ -145,6 +148,21 @@ std::unique_ptr<PingWriter> MakeMap(const Job& job, OutputFile& output, std::str
   return std::make_unique<KmlWriter>(output, name, std::move(marks));
 }
 
+std::unique_ptr<PingWriter> MakeXyz(const Job& job, const RecordingKind& kind, OutputFile& output,
+                                    std::string& error) {
+  const XyzOptions& options = job.options.xyz;
+  Tide tide;
+  if (!options.tide.empty() && !tide.Read(options.tide, error)) return nullptr;
+  double scale = 1;
+  if (options.soundSpeed_mps > 0) {
+    scale = options.soundSpeed_mps / static_cast<double>(kind.soundSpeed_mps);
+    if (!kind.hasInfo || !(kind.soundSpeed_mps > 0.0f) || !std::isfinite(kind.soundSpeed_mps))
+      error = "tells no speed of sound, which --sound-speed needs";
+  }
+  if (!error.empty()) return nullptr;
+  return std::make_unique<XyzWriter>(output, options, scale, std::move(tide));
+}
+
 std::unique_ptr<PingWriter> MakeNetcdf(const Job& job, const PingSource& recording, int32_t channel,
                                        const RecordingSurvey& survey, OutputFile& output,
                                        std::string& error) {
@@ -167,6 +185,10 @@ std::unique_ptr<PingWriter> MakeWriter(const Job& job, const PingSource& recordi
     case Task::gpx:
     case Task::geojson:
       return MakeMap(job, output, error);
+    case Task::xyz:
+      return MakeXyz(job, kind, output, error);
+    case Task::nmea:
+      return std::make_unique<NmeaWriter>(output);
     case Task::text:
       return std::make_unique<TextWriter>(output);
     case Task::netcdf:
