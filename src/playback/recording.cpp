@@ -72,7 +72,7 @@ class Recording final : public PingSource {
         source_(file),
         size_(source_.Size()),
         behind_(told.infoSize) {
-    ping_.header.pitch_deg = kNoAttitude;  // a stream that sends no attitude shows none
+    ForgetPing();
     parser_.talkerGn = false;
   }
 
@@ -144,6 +144,7 @@ class Recording final : public PingSource {
     skipped_ = 0;
     nextNumber_ = 1;
     samplingAssumed_ = false;
+    ForgetPing();
     if (!Seek(0)) return false;
     behind_ = told_.infoSize;
     return true;
@@ -159,6 +160,17 @@ class Recording final : public PingSource {
 
  private:
   static constexpr size_t kParserCapacity = 1'024;
+
+  // What a block does not tell stays as the one before told it: so the first one has nothing to keep.
+  void ForgetPing() {
+    ping_.header = PingHeader{};
+    ping_.header.pitch_deg = kNoAttitude;  // a stream that sends no attitude shows none
+    ping_.samples = {};
+    ping_.secondChannel = ping_.bothChannels = ping_.hasDeviceTime = ping_.hasSampling = false;
+    ping_.altitudeLow_m = ping_.resolution_mm = 0.0f;
+    ping_.deviceSeconds = ping_.deviceMilliseconds = 0;
+    ping_.channelFrequency_hz = 0;
+  }
 
   // Reads until the reader has a whole block. The block's bytes stood in one piece in the file, so that it
   // began at source_.Position() - Block().size().

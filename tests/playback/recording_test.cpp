@@ -182,6 +182,23 @@ TEST_F(Recordings, SamplingComesFromTheFileWhereItCan) {
 }
 
 // The first way that finds a ping is taken, whatever stands at the front.
+// What a block does not tell is what the one before told: of the first one nothing, not even the second time.
+TEST_F(Recordings, FromTheBeginningThePingsAreTheSameAgain) {
+  const auto recording =
+      Open(InfoText(1, 4) + "#DeviceID KT\r\n##DataStart\r\n12\r\n\r\n\r\n" +
+           "#DeviceID KT\r\n#Altitude 4.5\r\n#NSamples 2\r\n##DataStart\r\n12\r\n13\r\n\r\n\r\n");
+  ASSERT_NE(recording, nullptr);
+  for (const char* const turn : {"opened", "again"}) {
+    for (const float altitude_m : {0.0f, 4.5f}) {
+      RecordedPing ping{};
+      ASSERT_TRUE(recording->Next(ping)) << turn;
+      EXPECT_EQ(ping.header.altitude_m, altitude_m) << turn;
+      EXPECT_EQ(ping.samples.size(), altitude_m > 0.0f ? 2u : 0u) << turn;
+    }
+    EXPECT_TRUE(recording->Rewind());
+  }
+}
+
 TEST_F(Recordings, EachWayIsTriedInItsTurn) {
   const std::string frame = [](std::string magic) {
     return magic + std::string("\x58\0\0\0", 4) + std::string(80, '\0');
