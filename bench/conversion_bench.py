@@ -80,6 +80,15 @@ def main(folder):
     if 'segyio' in t:
         report('segyio in C / binary recording to SEG-Y', 'at least 3', t['segyio'] / t['segy'],
                'segyio %.2f s' % t['segyio'])
+    words, target = convert('netcdf', short, folder, '.nc')
+    run(words)
+    written = os.path.join(folder, 'written')
+    os.rename(target, written)
+    t, peaks = compare({'cp': copy_of(written, folder), 'sum': (['sha256sum', short], None), 'netcdf': (words, target)})
+    os.remove(written)
+    memory = max(memory, peaks['netcdf'])
+    report('binary recording to NetCDF / cp of its output', 'at most 2', t['netcdf'] / t['cp'],
+           'cp %.2f s, sha256sum of the recording %.2f s' % (t['cp'], t['sum']))
     t, _ = compare({'segy': convert('segy', short, folder, '.sgy'),
                     'python': (['/usr/bin/python3', os.path.join(HERE, 'segyio_writer.py'), short,
                                 os.path.join(folder, 'python.sgy')], os.path.join(folder, 'python.sgy'))})

@@ -462,7 +462,7 @@ TEST_F(HostileFiles, FullDisk) {
     for (const Task task : kOutputTasks) {
       LimitDiskSpace(task == Task::segy || task == Task::text || task == Task::netcdf
                          ? room
-                         : std::min<size_t>(room, 50));
+                         : std::min<size_t>(room, 40));
       EXPECT_FALSE(Works(task)) << room;
     }
     ClearFaults();

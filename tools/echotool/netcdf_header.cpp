@@ -211,7 +211,7 @@ std::vector<CdfAttribute> GlobalAttributes(const NetcdfTold& told) {
 }  // namespace
 
 CdfType NetcdfSampleType(const ChannelSurvey& survey) {
-  return survey.highest < std::numeric_limits<int16_t>::max() ? CdfType::int16 : CdfType::int32;
+  return survey.large ? CdfType::int32 : CdfType::int16;
 }
 
 bool NetcdfHasRange(const ChannelSurvey& survey, float soundSpeed_mps) {

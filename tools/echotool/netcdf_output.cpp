@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <iterator>
 
 #include "base/bytes.h"
 #include "playback/segy_format.h"
@@ -13,6 +12,7 @@ namespace tw::echotool {
 namespace {
 
 constexpr size_t kPiece = 32'768;  // samples laid out together
+constexpr uint16_t kFirstLarge = 32'767;
 
 bool AppendBytes(OutputFile& output, std::string_view bytes) {
   while (!bytes.empty()) {
@@ -26,13 +26,17 @@ bool AppendBytes(OutputFile& output, std::string_view bytes) {
   return true;
 }
 
-// Column by column, which compilers do many at a time.
-uint16_t HighestOf(std::span<const uint16_t> samples) {
-  uint16_t columns[32] = {};
-  for (; samples.size() >= std::size(columns); samples = samples.subspan(std::size(columns)))
-    for (size_t i = 0; i < std::size(columns); ++i) columns[i] = std::max(columns[i], samples[i]);
-  for (size_t i = 0; i < samples.size(); ++i) columns[i] = std::max(columns[i], samples[i]);
-  return *std::max_element(std::begin(columns), std::end(columns));
+// Four at a time: a sample of 32,768 or more has the highest bit, and one of 32,767 gets it from one more.
+bool HasLargeSample(std::span<const uint16_t> samples) {
+  constexpr uint64_t kHighest = 0x8000'8000'8000'8000;
+  constexpr uint64_t kOnes = 0x0001'0001'0001'0001;
+  uint64_t seen = 0;
+  for (uint64_t four; samples.size_bytes() >= sizeof four; samples = samples.subspan(4)) {
+    std::memcpy(&four, samples.data(), sizeof four);
+    seen |= four | ((four & ~kHighest) + kOnes);
+  }
+  for (const uint16_t sample : samples) seen |= sample >= kFirstLarge ? kHighest : 0;
+  return (seen & kHighest) != 0;
 }
 
 }  // namespace
@@ -41,7 +45,7 @@ void ChannelSurvey::Add(const RecordedPing& ping) {
   if (pings++ == 0) sampling_hz = ping.header.samplingFrequency_hz;
   sameSampling = sameSampling && ping.header.samplingFrequency_hz == sampling_hz;
   longest = std::max(longest, static_cast<uint32_t>(ping.samples.size()));
-  highest = std::max(highest, HighestOf(ping.samples));
+  large = large || HasLargeSample(ping.samples);
 }
 
 bool Concerns(const RecordedPing& ping, int32_t channel) {
@@ -69,6 +73,11 @@ NetcdfWriter::NetcdfWriter(OutputFile& output, const NetcdfTold& told)
 
 bool NetcdfWriter::Prepare(std::string& error) {
   return LayOutCdf(contents_, layout_, error);
+}
+
+uint64_t NetcdfWriter::Size() const {
+  const uint64_t range = hasRange_ ? sizeof(double) * uint64_t{survey_.longest} : 0;
+  return layout_.header.size() + range + survey_.pings * layout_.recordSize;
 }
 
 bool NetcdfWriter::Begin() {
@@ -119,7 +128,7 @@ bool NetcdfWriter::AppendFill(size_t samples) {
 bool NetcdfWriter::Append(const RecordedPing& ping) {
   if (!Concerns(ping, channel_)) return true;
   changed_ = changed_ || pings_ == survey_.pings || ping.samples.size() > survey_.longest ||
-             HighestOf(ping.samples) > survey_.highest;
+             (!survey_.large && HasLargeSample(ping.samples));
   if (changed_) return true;
   ++pings_;
   uint8_t* const out = output_.Room(kNetcdfValuesSize);

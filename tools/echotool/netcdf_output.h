@@ -17,7 +17,7 @@ namespace tw::echotool {
 struct ChannelSurvey {
   uint64_t pings = 0;
   uint32_t longest = 0;      // samples
-  uint16_t highest = 0;      // of all samples
+  bool large = false;        // a sample of 32,767 or more
   uint32_t sampling_hz = 0;  // of the first ping
   bool sameSampling = true;  // of all
 
@@ -50,6 +50,9 @@ class NetcdfWriter final : public PingWriter {
 
   // Ahead of Begin. False, and `error` says why, when the channel is more than the format can tell.
   [[nodiscard]] bool Prepare(std::string& error);
+
+  // Of the whole file, once prepared.
+  [[nodiscard]] uint64_t Size() const;
 
   [[nodiscard]] bool Begin() override;
   [[nodiscard]] bool Append(const RecordedPing& ping) override;
