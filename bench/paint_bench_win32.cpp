@@ -26,6 +26,7 @@
 namespace tw {
 
 void ToggleFullWindow(AppState&) {}
+void TellScreenshot(AppState&, const wchar_t*) {}
 
 void PostStatusText(AppState&, StatusPart, const wchar_t*) {}
 

@@ -80,7 +80,11 @@ void SaveScreenshot(AppState& state, View& view, ShotKind kind) {
                         .localTime = LocalNow()};
   wchar_t path[kPathSize];
   if (!NameScreenshot(path, facts, view.automaticShots)) return;
-  if (!SavePng(view.painter.Picture().Pixels(), path)) WriteDebugText(L"Screenshot not written\n");
+  if (SavePng(view.painter.Picture().Pixels(), path)) {
+    TellScreenshot(state, path);
+  } else {
+    WriteDebugText(L"Screenshot not written\n");
+  }
 }
 
 void ServeScreenshots(AppState& state, View& view) {
@@ -145,6 +149,8 @@ void OnPaint(HWND window) {
   EndPaint(window, &paint);
 }
 
+}  // namespace
+
 void ZoomTimeScale(AppState& state, WheelTurn turn) {
   if (globals.timestampTicked != 0 || globals.autoCaptureTicked != 0) return;
   state.timeScaleUpper = ZoomedTimeScale(state.timeScaleUpper, turn);
@@ -155,6 +161,8 @@ void ZoomRange(AppState& state, PanelPlace place, WheelTurn turn) {
   int32_t& range_mm = ChannelOf(state, RecordChannelOf(place)).displayRange_mm;
   range_mm = ZoomedRange(range_mm, DeviceRangeOf(ShownSettings(state), place), turn);
 }
+
+namespace {
 
 // `at` is where the cursor stands on the screen.
 void OnMouseWheel(HWND window, int delta, POINT at) {

@@ -47,6 +47,7 @@ class ShownConversion final : public WorkerRun, public ConversionWatch, public P
   [[nodiscard]] bool IsStopped() override { return Stale() || StopAsked(); }
 
   [[nodiscard]] bool GoesOnWithoutOutput() override {
+    StoreShared(state_.conversionCut, 1);
     CloseOutput();
     return true;
   }

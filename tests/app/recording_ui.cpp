@@ -111,6 +111,13 @@ void SetStatusText(AppState&, StatusPart part, const wchar_t* text) {
   Ui().Note("status " + std::to_string(static_cast<int>(part)) + " " + Narrow(text));
 }
 
+void ShowNotice(AppState&, const wchar_t* text) {
+  Ui().notices.push_back(text);
+}
+void OpenFolder(AppState&, const wchar_t* path, bool select) {
+  Ui().folders.push_back((select ? L"file " : L"folder ") + std::wstring(path));
+}
+
 void PostStatusText(AppState&, StatusPart part, const wchar_t* text) {
   const std::lock_guard hold(postLock);
   Ui().status[static_cast<size_t>(part)] = text;
@@ -161,6 +168,9 @@ void EnableControl(AppState&, int id, bool enabled) {
 }
 void ShowControl(AppState&, int id, bool visible) {
   Ui().controls[id].visible = visible;
+}
+void SetBold(AppState&, int id, bool bold) {
+  Ui().controls[id].bold = bold;
 }
 bool IsChecked(AppState&, int id) {
   return Ui().controls[id].checked;

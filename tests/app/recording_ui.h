@@ -26,6 +26,7 @@ struct Box {
 struct Control {
   bool enabled = true;
   bool visible = true;
+  bool bold = false;
   bool checked = false;
   bool open = false;
   std::wstring text;
@@ -38,6 +39,8 @@ struct RecordingUi {
   std::vector<uint32_t> systemErrors;
   std::wstring status[5];
   std::vector<std::wstring> posts[5];
+  std::vector<std::wstring> notices;
+  std::vector<std::wstring> folders;          // "file " or "folder " and the path
   std::set<const wchar_t*> postedBuffers[5];  // where their texts stood, for who reads them late
   std::map<int, Control> controls;
   std::map<int, LampFace> lamps;

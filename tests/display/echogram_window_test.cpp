@@ -31,6 +31,7 @@ int fullWindowToggles = 0;
 void ToggleFullWindow(AppState&) {
   ++fullWindowToggles;
 }
+void TellScreenshot(AppState&, const wchar_t*) {}
 void PostStatusText(AppState&, StatusPart, const wchar_t*) {}
 
 namespace {

@@ -2,6 +2,9 @@
 // menu, file dialog and boxes.
 #include <gtest/gtest.h>
 
+#include <shlobj.h>
+
+#include <cstring>
 #include <cwchar>
 #include <filesystem>
 #include <optional>
@@ -71,6 +74,23 @@ class Playback : public ::testing::Test {
     SendMessageW(name, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(path.c_str()));
     PostMessageW(dialog, WM_COMMAND, path.empty() ? IDCANCEL : IDOK, 0);
     ASSERT_TRUE(WaitUntil([&] { return !IsWindow(dialog); }, 20));
+  }
+
+  // Lets go of a file over the window.
+  void Drop(const std::wstring& path) const {
+    DWORD process = 0;
+    GetWindowThreadProcessId(program_.Window(), &process);
+    const HANDLE opened = OpenProcess(PROCESS_VM_OPERATION | PROCESS_VM_WRITE, FALSE, process);
+    std::string bytes(sizeof(DROPFILES) + (path.size() + 2) * sizeof(wchar_t), '\0');
+    DROPFILES head{};
+    head.pFiles = sizeof(DROPFILES);
+    head.fWide = TRUE;
+    std::memcpy(bytes.data(), &head, sizeof(head));
+    std::memcpy(bytes.data() + sizeof(head), path.data(), path.size() * sizeof(wchar_t));
+    void* const there = VirtualAllocEx(opened, nullptr, bytes.size(), MEM_COMMIT, PAGE_READWRITE);
+    ASSERT_TRUE(WriteProcessMemory(opened, there, bytes.data(), bytes.size(), nullptr));
+    CloseHandle(opened);
+    PostMessageW(program_.Window(), WM_DROPFILES, reinterpret_cast<WPARAM>(there), 0);
   }
 
   [[nodiscard]] bool Comes(int control) const {
@@ -274,11 +294,22 @@ TEST_F(PlaybackWithBar, KeysPaceStripAndTimeSteerIt) {
   EXPECT_EQ(program_.Exit(), 0);
 }
 
+TEST_F(Playback, WhatIsDroppedIsPlayedAndOfferedAgain) {
+  Drop(file_);
+  ASSERT_TRUE(Comes(ID_PAUSE));
+  program_.Click(ID_STOP);
+  ASSERT_TRUE(WaitUntil([&] { return !program_.IsEnabled(ID_STOP); }, 20));
+  program_.Choose(ID_MENU_RECENT);
+  EXPECT_TRUE(Comes(ID_PAUSE));
+  EXPECT_EQ(program_.Exit(), 0);
+}
+
 TEST_F(Playback, ConvertsToSegyAndToText) {
   const MessageBoxContent completed{L"Info", L"Convert completed"};
   EXPECT_EQ(Converts([&] { program_.Click(ID_SEGY_CONVERT); }), completed);
   EXPECT_EQ(Converts([&] { program_.Choose(ID_MENU_BIN_TO_TXT); }), completed);
   EXPECT_TRUE(WaitUntil([&] { return program_.IsEnabled(ID_PLAYBACK); }, 10));
+  EXPECT_EQ(program_.Status(2), L"Written: " + file_.substr(0, file_.size() - 4) + L"_txt.log");
   EXPECT_FALSE(ShowsSlider());
 
   program_.Choose(ID_MENU_SEGY);

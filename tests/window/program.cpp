@@ -164,6 +164,11 @@ std::wstring Program::Status(int part) const {
   return text;
 }
 
+std::wstring Program::Tip() const {
+  const HWND tip = FindOwnWindow(TOOLTIPS_CLASSW);
+  return tip == nullptr ? L"" : TextOf(tip);
+}
+
 SIZE Program::ClientSize() const {
   RECT client{};
   GetClientRect(window_, &client);

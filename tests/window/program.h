@@ -56,6 +56,7 @@ class Program {
   [[nodiscard]] std::vector<std::wstring> Items(int combo) const { return ItemsOf(Control(combo)); }
   [[nodiscard]] std::wstring Status(int part) const;
   [[nodiscard]] std::vector<ControlPlace> Controls() const { return ControlsOf(window_); }
+  [[nodiscard]] std::wstring Tip() const;  // that is shown now, else empty
   [[nodiscard]] SIZE ClientSize() const;
 
   // Posted, because Start keeps the window busy for seconds.

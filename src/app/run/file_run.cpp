@@ -237,6 +237,9 @@ FileFault BeginConversion(AppState& state, const std::wstring& path, Conversion 
   const Handle output = CreateInFolder(state.workingFolder, name);
   if (output == Handle::invalid) return {FileFaultKind::noOutput, {}};
   StoreShared(state.segyCompanionA, output);
+  StoreShared(state.conversionCut, 0);
+  static_cast<void>(JoinPath(state.converted, state.workingFolder, name));
+  CopyWide(state.lastFile, state.converted);
   char narrow[kRecordNameSize];
   NarrowText(narrow, name);
   FormatRecordTitle(globals.titleText, narrow, "");

@@ -120,11 +120,16 @@ Handle Begin(AppState& state, const RecordFileName& name) {
   return file;
 }
 
+void NoteOpened(AppState& state, RecordChannel channel, const char* name) {
+  LogOpenedFile(state, name);
+  if (channel == RecordChannel::a) static_cast<void>(PathOf(state, name, state.lastFile));
+}
+
 // The worker sees the handle only when the settings line is written.
 void OpenOne(AppState& state, const RecordFileName& name, RecordChannel channel, Handle& companion) {
   const Handle file = Begin(state, name);
   PutRecordFile(state, channel, file);
-  if (file != Handle::invalid) LogOpenedFile(state, name.record);
+  if (file != Handle::invalid) NoteOpened(state, channel, name.record);
   StoreShared(companion, CreateNamed(state, name.segy));
 }
 
@@ -196,8 +201,8 @@ bool SplitRecordFiles(AppState& state) {
   std::memcpy(state.nextNames[0], names.a.record, sizeof names.a.record);
   std::memcpy(state.nextNames[1], names.b.record, sizeof names.b.record);
   BeginAccount(state);
-  if (a != Handle::invalid) LogOpenedFile(state, names.a.record);
-  if (b != Handle::invalid) LogOpenedFile(state, names.b.record);
+  if (a != Handle::invalid) NoteOpened(state, RecordChannel::a, names.a.record);
+  if (b != Handle::invalid) NoteOpened(state, RecordChannel::b, names.b.record);
   OfferRecordFile(state, RecordChannel::a, a);
   OfferRecordFile(state, RecordChannel::b, b);
   FormatRecordTitle(globals.titleText, names.a.record, names.b.record);

@@ -82,6 +82,26 @@ bool IsUsable(Use use, const AppState& state) {
   return false;
 }
 
+constexpr wchar_t kNeedsDevice[] = L"No device is connected: press Start.";
+constexpr wchar_t kNeedsFile[] = L"No recording is played: press Playback.";
+
+const wchar_t* WhyOff(const Row& row, ProgramState now) {
+  using enum ProgramState;
+  const auto isOn = [&](ProgramState other) { return row.uses[static_cast<size_t>(other)] != off; };
+  if (isOn(idle)) {
+    if (now == running) return L"A run goes on: press Stop first.";
+    return now == converting ? L"A conversion goes on: wait for its end, or press Stop."
+                             : L"A recording is played: press Stop first.";
+  }
+  if (!isOn(running)) {
+    if (now == playing) return L"The recording plays.";
+    return now == paused ? L"The recording is held." : kNeedsFile;
+  }
+  if (!isOn(playing)) return kNeedsDevice;
+  return isOn(converting) ? L"There is nothing to stop."
+                          : L"No device is connected, and no recording is played.";
+}
+
 }  // namespace
 
 ProgramState StateOfProgram(const AppState& state) {
@@ -95,6 +115,27 @@ ProgramState StateOfProgram(const AppState& state) {
 void RefreshControlStates(AppState& state) {
   const auto column = static_cast<size_t>(StateOfProgram(state));
   for (const Row& row : kRows) EnableControl(state, row.id, IsUsable(row.uses[column], state));
+}
+
+const wchar_t* WhyDisabled(const AppState& state, int id) {
+  const ProgramState now = StateOfProgram(state);
+  for (const Row& row : kRows) {
+    const Use use = row.uses[static_cast<size_t>(now)];
+    if (row.id != id || IsUsable(use, state)) continue;
+    switch (use) {
+      case off:
+        return WhyOff(row, now);
+      case on:
+        return nullptr;
+      case first:
+        return L"The device has one frequency.";
+      case presets:
+        return L"The device has no presets.";
+      case noPreset:
+        return L"The preset rules it: choose the preset \"Off\" and press Apply.";
+    }
+  }
+  return nullptr;
 }
 
 }  // namespace tw

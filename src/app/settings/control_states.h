@@ -17,4 +17,7 @@ inline constexpr int kProgramStates = 5;
 // program does and of the device's settings.
 void RefreshControlStates(AppState& state);
 
+// Why one of these cannot be used at the moment, as the operator is told it; null when it can be used.
+[[nodiscard]] const wchar_t* WhyDisabled(const AppState& state, int id);
+
 }  // namespace tw

@@ -265,20 +265,28 @@ bool IsPresetInForce(const FormFacts& facts, const DeviceSettings& settings) {
   return facts.presetCapable && settings.preset != kNoPreset;
 }
 
-bool IsUsable(SettingsField field, FieldChannel channel, const FormFacts& facts,
-              const DeviceSettings& settings) {
-  if (facts.played || (IsRuledByPreset(field) && IsPresetInForce(facts, settings))) return false;
+const wchar_t* WhyUnusable(SettingsField field, FieldChannel channel, const FormFacts& facts,
+                           const DeviceSettings& settings) {
+  if (facts.played) return L"The played file was recorded with this.";
+  if (IsRuledByPreset(field) && IsPresetInForce(facts, settings)) return L"The preset rules it.";
   switch (field) {
     case F::tvgMode:
-      return facts.dual;  // the start sequence of both frequencies alone leaves it
+      return facts.dual ? nullptr : L"A run of one frequency always starts with mode 1.";
     case F::medianFilter:
     case F::movingAverage:
-      return !facts.smoothingSupported || settings.smoothing == 0;
+      return facts.smoothingSupported && settings.smoothing != 0 ? L"The device smooths instead." : nullptr;
     case F::range:
-      return !facts.dual || channel != FieldChannel::low;
+      return facts.dual && channel == FieldChannel::low
+                 ? L"A run of both frequencies takes the high range for both."
+                 : nullptr;
     default:
-      return true;
+      return nullptr;
   }
+}
+
+bool IsUsable(SettingsField field, FieldChannel channel, const FormFacts& facts,
+              const DeviceSettings& settings) {
+  return WhyUnusable(field, channel, facts, settings) == nullptr;
 }
 
 void FormatField(SettingsField field, FieldChannel channel, const FormFacts& facts,

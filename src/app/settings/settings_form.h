@@ -78,6 +78,10 @@ struct FormFacts {
 [[nodiscard]] bool IsUsable(SettingsField field, FieldChannel channel, const FormFacts& facts,
                             const DeviceSettings& settings);
 
+// Why it has none, as the operator is told it; null where it has one.
+[[nodiscard]] const wchar_t* WhyUnusable(SettingsField field, FieldChannel channel, const FormFacts& facts,
+                                         const DeviceSettings& settings);
+
 inline constexpr size_t kFieldTextSize = 128;
 
 // The value as the form shows it.

@@ -31,6 +31,7 @@ class PingSource;
 class RecordWriter;
 
 inline constexpr size_t kWorkingFolderSize = 260;
+inline constexpr size_t kFilePathSize = 1'024;
 inline constexpr size_t kMostListedRanges = 32;
 inline constexpr size_t kRangeTextSize = 16;
 inline constexpr int32_t kNoGpsPort = -1;
@@ -198,6 +199,12 @@ struct AppState {
   RunWatch watch;                 // GUI thread
   int32_t gapsBlack;              // the option; shared
   uint32_t noData_s;              // since the newest ping of a run that has fallen silent, else 0; GUI thread
+
+  uint32_t waitingShown;             // choices that are marked as waiting for Apply, a bit each; GUI thread
+  int32_t closingAsked;              // the question before closing is shown; GUI thread
+  wchar_t converted[kFilePathSize];  // the output of the conversion begun last; GUI thread
+  int32_t conversionCut;             // it ends before its input does; shared
+  wchar_t lastFile[kFilePathSize];   // recorded or converted to last; empty: none; GUI thread
 
   Options options;    // GUI thread
   uint32_t marksSet;  // by the operator, since the program began; GUI thread

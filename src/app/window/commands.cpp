@@ -2,6 +2,7 @@
 
 #include "app/run/file_run.h"
 #include "app/run/run_control.h"
+#include "app/run/run_watch.h"
 #include "app/run/second_tick.h"
 #include "app/settings/control_states.h"
 #include "app/settings/link_texts.h"
@@ -168,6 +169,15 @@ void TakeOptions(AppState& state, const Options& entered) {
   DirectEventLog(state);
   RestartOutputs(state);
   PutDisplayOptionsInForce(state);
+}
+
+bool MayClose(AppState& state) {
+  if (state.options.askBeforeClosing == 0 || !WantsRecording(state)) return true;
+  if (ExchangeShared(state.closingAsked, 1) != 0) return false;  // the question is shown already
+  const bool close = ShowBox(state, L"The recording goes on. Close the program?", L"Info", BoxIcon::none,
+                             BoxButtons::okCancel);
+  state.closingAsked = 0;
+  return close;
 }
 
 }  // namespace tw

@@ -48,6 +48,10 @@ void HandleTimer(AppState& state, int timer);
 // Ends a playback or conversion, and gives the echogram the place of the slider.
 void EndFileWorkers(AppState& state);
 
+// The program is to be closed: false when the operator, asked because it records, wants it to go on. With the
+// option for it; not asked at the end of the system's session.
+[[nodiscard]] bool MayClose(AppState& state);
+
 // Empties what workers tell in the status bar. Posted, so that it comes behind what they have posted.
 void ClearLiveTexts(AppState& state);
 

@@ -61,6 +61,12 @@
 #define ID_RECORDING_LAMP 1086
 #define ID_RECEIVER_LAMP 1087
 #define ID_RANGE_UNIT 1088
+#define ID_WAITS_FREQUENCY 1089
+#define ID_WAITS_DUAL 1090
+#define ID_WAITS_OUTPUT 1091
+#define ID_WAITS_RANGE 1092
+#define ID_WAITS_INTERVAL 1093
+#define ID_WAITS_PRESET 1094
 
 // The playback bar and its controls
 #define ID_PLAYBACK_BAR 1110
@@ -91,12 +97,22 @@
 #define ID_MENU_MARK 32791
 #define ID_MENU_MARK_WORD 32792
 #define ID_MENU_FIND 32850
+#define ID_MENU_SHOW_IN_FOLDER 32793
+#define ID_MENU_RECENT 32840  // and those behind it
 
 // Controls of "Find device"
 #define ID_FIND_PORTS 1201
 #define ID_FIND_SPEEDS 1202
 #define ID_FIND_SEARCH 1203
 #define ID_FIND_STATE 1204
+
+// Keys for what has no control
+#define ID_KEY_FULL_WINDOW 32830
+#define ID_KEY_PICTURE 32831
+#define ID_KEY_SMALLER_RANGE 32832
+#define ID_KEY_LARGER_RANGE 32833
+#define ID_KEY_SHORTER_TIME 32834
+#define ID_KEY_LONGER_TIME 32835
 
 // Controls of the pages of options; those of the options themselves are numbered from the last one on
 #define ID_OPTIONS_DEFAULTS 1101

@@ -1,16 +1,22 @@
 #include "app/window/file_commands.h"
 
 #include <iterator>
+#include <span>
 #include <string>
 #include <vector>
 
 #include "app/run/file_run.h"
 #include "app/settings/control_states.h"
 #include "app/settings/family_controls.h"
+#include "app/settings/recent_recordings.h"
+#include "app/state/file_naming.h"
 #include "app/window/commands.h"
+#include "app/window/control_ids.h"
 #include "app/window/run_faults.h"
 #include "app/window/ui.h"
 #include "base/shared_value.h"
+#include "base/text_format.h"
+#include "platform/file.h"
 
 namespace tw {
 namespace {
@@ -66,13 +72,32 @@ bool IsDeviceRunning(const AppState& state) {
 }
 
 // The files are open until their fault has been told.
-void Play(AppState& state, const std::vector<std::wstring>& paths) {
+FileFaultKind Play(AppState& state, const std::vector<std::wstring>& paths) {
   FilesToPlay files;
-  if (!Succeeds(state, OpenForPlayback(state, paths, files)) || !Succeeds(state, BeginPlayback(state, files)))
-    return;
+  FileFault fault = OpenForPlayback(state, paths, files);
+  if (fault.kind == FileFaultKind::none) fault = BeginPlayback(state, files);
+  if (!Succeeds(state, fault)) return fault.kind;
+  NoteRecent(paths);
   RefreshSettingsControls(state);
   RefreshControlStates(state);
   ArrangeViews(state);
+  return FileFaultKind::none;
+}
+
+// In place of what is played now.
+FileFaultKind PlayInstead(AppState& state, const std::vector<std::wstring>& paths) {
+  EndFileWorkers(state);
+  ClearLiveTexts(state);
+  const FileFaultKind fault = Play(state, paths);
+  RefreshControlStates(state);
+  return fault;
+}
+
+// Where the program writes or reads now, or wrote last; empty: nowhere yet.
+void FindFileInUse(AppState& state, std::span<wchar_t> path) {
+  CopyWide(path, state.lastFile);
+  const Handle played = LoadShared(state.inputFileA);
+  if (state.playbackActive != 0 && played != Handle::invalid) static_cast<void>(PathOfFile(played, path));
 }
 
 void Convert(AppState& state, Conversion conversion) {
@@ -96,10 +121,29 @@ void PlayFiles(AppState& state) {
   if (IsDeviceRunning(state)) return Refuse(state, FileFaultKind::deviceRuns);
   std::vector<std::wstring> paths;
   if (!ChooseInputFiles(state, paths) || paths.empty()) return;
-  EndFileWorkers(state);
-  ClearLiveTexts(state);
-  Play(state, paths);
-  RefreshControlStates(state);
+  static_cast<void>(PlayInstead(state, paths));
+}
+
+void PlayDropped(AppState& state, const std::vector<std::wstring>& paths) {
+  if (paths.empty()) return;
+  if (IsDeviceRunning(state)) {
+    return ShowNotice(state, kFaultTexts[static_cast<size_t>(FileFaultKind::deviceRuns)].text);
+  }
+  if (const wchar_t* const reason = WhyDisabled(state, ID_PLAYBACK)) return ShowNotice(state, reason);
+  static_cast<void>(PlayInstead(state, paths));
+}
+
+void PlayRecent(AppState& state, size_t index) {
+  const std::vector<RecordingPaths> recent = LoadRecent();
+  if (index >= recent.size() || WhyDisabled(state, ID_PLAYBACK) != nullptr) return;
+  if (IsDeviceRunning(state)) return Refuse(state, FileFaultKind::deviceRuns);
+  if (PlayInstead(state, recent[index]) == FileFaultKind::notOpened) ForgetRecent(recent[index]);
+}
+
+void ShowInFolder(AppState& state) {
+  wchar_t path[kPathSize];
+  FindFileInUse(state, path);
+  OpenFolder(state, path[0] != L'\0' ? path : state.workingFolder, path[0] != L'\0');
 }
 
 void ResumePlayback(AppState& state) {
@@ -127,6 +171,12 @@ void ConvertToText(AppState& state) {
 
 void HandleConversionEnd(AppState& state, bool exhausted) {
   RefreshControlStates(state);
+  if (exhausted) {
+    wchar_t text[kStatusTextSize];
+    const bool cut = LoadShared(state.conversionCut) != 0;
+    CopyWide(std::span(text).subspan(CopyWide(text, cut ? L"Incomplete: " : L"Written: ")), state.converted);
+    SetStatusText(state, StatusPart::position, text);
+  }
   if (exhausted) ShowBox(state, L"Convert completed", L"Info", BoxIcon::information);
 }
 

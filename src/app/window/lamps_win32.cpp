@@ -9,6 +9,7 @@
 
 #include "app/settings/lamp_face.h"
 #include "app/window/control_ids.h"
+#include "app/window/system_colours_win32.h"
 #include "app/window/ui.h"
 #include "app/window/window_handles_win32.h"
 #include "base/text_format.h"
@@ -21,7 +22,8 @@ namespace {
 constexpr COLORREF kRed = RGB(200, 0, 0);
 constexpr COLORREF kGreen = RGB(0, 120, 0);
 constexpr COLORREF kWhite = RGB(255, 255, 255);
-constexpr LONG kTipWidth = 600;
+
+constexpr wchar_t kNothingTold[] = L"No receiver";
 
 constexpr int kLampIds[] = {ID_RECORDING_LAMP, ID_RECEIVER_LAMP};
 
@@ -48,18 +50,22 @@ TOOLINFOW ToolOf(const AppState& state, int id, wchar_t* text) {
   return tool;
 }
 
+COLORREF RedLetters() {
+  return ColourOf(kRed, COLOR_BTNTEXT);
+}
+
 COLORREF LettersOf(LampColour colour) {
   switch (colour) {
     case LampColour::grey:
       return GetSysColor(COLOR_GRAYTEXT);
     case LampColour::green:
-      return kGreen;
+      return ColourOf(kGreen, COLOR_BTNTEXT);
     case LampColour::red:
-      return kRed;
+      return RedLetters();
     case LampColour::alarm:
-      return kWhite;
+      return ColourOf(kWhite, COLOR_HIGHLIGHTTEXT);
   }
-  return kRed;
+  return RedLetters();
 }
 
 void FillWith(HDC dc, const RECT& place, COLORREF colour) {
@@ -106,13 +112,14 @@ void DrawTexts(HDC dc, HWND control, const RECT& place, const LampFace& face) {
   SetTextColor(dc, LettersOf(face.colour));
   DrawTextW(dc, face.text, -1, &line, kCentred);
   line.top += height;
-  if (face.colour != LampColour::alarm) SetTextColor(dc, kRed);
+  if (face.colour != LampColour::alarm) SetTextColor(dc, RedLetters());
   DrawTextW(dc, face.second, -1, &line, kCentred);
   SelectObject(dc, before);
 }
 
 void DrawLamp(const DRAWITEMSTRUCT& item, const LampFace& face) {
-  const COLORREF ground = face.colour == LampColour::alarm ? kRed : GetSysColor(COLOR_BTNFACE);
+  const COLORREF ground =
+      face.colour == LampColour::alarm ? ColourOf(kRed, COLOR_HIGHLIGHT) : GetSysColor(COLOR_BTNFACE);
   FillWith(item.hDC, item.rcItem, ground);
   if (face.text[0] != L'\0' || face.second[0] != L'\0') {
     return DrawTexts(item.hDC, item.hwndItem, item.rcItem, face);
@@ -125,8 +132,13 @@ void DrawLamp(const DRAWITEMSTRUCT& item, const LampFace& face) {
 void DrawStatus(const DRAWITEMSTRUCT& item) {
   RECT place = item.rcItem;
   SetBkMode(item.hDC, TRANSPARENT);
-  SetTextColor(item.hDC, kRed);
+  SetTextColor(item.hDC, RedLetters());
   DrawTextW(item.hDC, shown.alarm, -1, &place, DT_NOPREFIX | DT_SINGLELINE | DT_VCENTER);
+}
+
+// For who reads the screen aloud; it is not drawn.
+const wchar_t* SpokenText(const LampFace& face) {
+  return face.text[0] == L'\0' ? kNothingTold : face.text;
 }
 
 // A tip may be shown at this moment: it would flicker with each ping.
@@ -144,12 +156,9 @@ void RenewTip(AppState& state, int id, const wchar_t* text) {
 
 }  // namespace
 
-void PrepareLamps(const AppState& state) {
-  shown.tips =
-      CreateWindowExW(WS_EX_TOPMOST, TOOLTIPS_CLASSW, nullptr, WS_POPUP | TTS_ALWAYSTIP | TTS_NOPREFIX,
-                      CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT, MainWindow(state), nullptr,
-                      GetModuleHandleW(nullptr), nullptr);
-  SendMessageW(shown.tips, TTM_SETMAXTIPWIDTH, 0, kTipWidth);  // with it, a tip may have lines
+void PrepareLamps(const AppState& state, HWND tips) {
+  shown.tips = tips;
+  SetWindowTextW(Control(state, ID_RECEIVER_LAMP), kNothingTold);
   for (const int id : kLampIds) {
     wchar_t none[] = L"";
     TOOLINFOW tool = ToolOf(state, id, none);
@@ -174,7 +183,7 @@ void ShowLamp(AppState& state, int id, const LampFace& face) {
   before.colour = face.colour;
   CopyWide(before.text, face.text);
   CopyWide(before.second, face.second);
-  SetWindowTextW(Control(state, id), face.text);  // for who reads the screen aloud
+  SetWindowTextW(Control(state, id), SpokenText(face));
   InvalidateRect(Control(state, id), nullptr, FALSE);
 }
 

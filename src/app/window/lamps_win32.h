@@ -7,8 +7,9 @@
 
 namespace tw {
 
-// Gives the lamps what they show while the mouse rests on them; once, when the controls are there.
-void PrepareLamps(const AppState& state);
+// Gives the lamps what they show while the mouse rests on them, in the window of the tips; once, when the
+// controls are there.
+void PrepareLamps(const AppState& state, HWND tips);
 
 // The main window's WM_DRAWITEM, for lamps and status bar.
 void DrawLampItem(const AppState& state, const DRAWITEMSTRUCT& item);

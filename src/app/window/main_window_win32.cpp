@@ -1,14 +1,21 @@
 #include "app/window/main_window_win32.h"
 
+// Needs the types of the line above.
+#include <shellapi.h>
+
 #include "app/run/record_set_up.h"
 #include "app/settings/family_controls.h"
+#include "app/settings/recent_recordings.h"
 #include "app/state/slider_messages.h"
+#include "app/window/accessible_names_win32.h"
 #include "app/window/commands.h"
 #include "app/window/control_fonts_win32.h"
 #include "app/window/control_ids.h"
+#include "app/window/control_tips_win32.h"
 #include "app/window/dialogs_win32.h"
 #include "app/window/event_mark.h"
 #include "app/window/file_commands.h"
+#include "app/window/files_win32.h"
 #include "app/window/full_window_win32.h"
 #include "app/window/lamps_win32.h"
 #include "app/window/playback_bar.h"
@@ -19,6 +26,7 @@
 #include "app/window/view_choices.h"
 #include "app/window/view_placement_win32.h"
 #include "app/window/window_handles_win32.h"
+#include "app/window/window_keys_win32.h"
 #include "app/window/window_layout.h"
 
 // Needs the types of the line above.
@@ -35,8 +43,8 @@ bool OnCreate(HWND window) {
   if (state == nullptr) return false;
   state->mainWindow = FromWindow(window);
   SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(state));
-  const HWND slider = CreateWindowExW(0, kSliderClass, L"", WS_CHILD, 0, 0, 0, 0, window, nullptr,
-                                      GetModuleHandleW(nullptr), nullptr);
+  const HWND slider = CreateWindowExW(0, kSliderClass, L"Place in the recording", WS_CHILD, 0, 0, 0, 0,
+                                      window, nullptr, GetModuleHandleW(nullptr), nullptr);
   state->sliderWindow = FromWindow(slider);
   return slider != nullptr;
 }
@@ -61,6 +69,14 @@ void RetryLink(AppState& state) {
   if (state.initialised != 0) Signal(state.linkRetry);
 }
 
+// The common controls hear of new colours from their parent alone.
+void OnColours(HWND window) {
+  for (HWND child = GetWindow(window, GW_CHILD); child != nullptr; child = GetWindow(child, GW_HWNDNEXT)) {
+    SendMessageW(child, WM_SYSCOLORCHANGE, 0, 0);
+  }
+  RedrawWindow(window, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
+}
+
 void OnTimer(AppState& state, WPARAM timer) {
   if (state.initialised != 0) HandleTimer(state, static_cast<int>(timer));
 }
@@ -72,7 +88,9 @@ bool IsDisabledControl(const AppState& state, int id) {
 }
 
 void OnCommand(AppState& state, int id) {
-  if (state.initialised == 0 || IsDisabledControl(state, id) || HandleReplayKey(state, id)) return;
+  constexpr int kRecentEnd = ID_MENU_RECENT + static_cast<int>(kRecentRecordings);
+  if (state.initialised == 0 || IsDisabledControl(state, id)) return;
+  if (HandleReplayKey(state, id) || HandleKeyCommand(state, id)) return;
   switch (id) {
     case ID_MENU_ABOUT:
       return ShowAboutDialog(state);
@@ -92,8 +110,10 @@ void OnCommand(AppState& state, int id) {
     case ID_MENU_MARK_WORD:
       return ShowMarkDialog(state);
     case ID_MENU_EXIT:
-      DestroyWindow(MainWindow(state));
+      if (MayClose(state)) DestroyWindow(MainWindow(state));
       return;
+    case ID_MENU_SHOW_IN_FOLDER:
+      return ShowInFolder(state);
     case ID_START:
       return StartRun(state);
     case ID_STOP:
@@ -137,8 +157,28 @@ void OnCommand(AppState& state, int id) {
     case ID_AUTO_CAPTURE:
       return ToggleAutoCapture(state);
     default:
+      if (id >= ID_MENU_RECENT && id < kRecentEnd)
+        PlayRecent(state, static_cast<size_t>(id - ID_MENU_RECENT));
       return;
   }
+}
+
+// While a dialog stands open nothing is taken.
+void OnDrop(AppState& state, HDROP drop) {
+  const std::vector<std::wstring> paths = PathsOf(drop);
+  DragFinish(drop);
+  if (state.initialised != 0 && IsWindowEnabled(MainWindow(state)) != FALSE) PlayDropped(state, paths);
+}
+
+// An accelerator's command is told from a selector's by the window that sends it.
+bool IsOfKey(WPARAM wParam, LPARAM lParam) {
+  return HIWORD(wParam) == 1 && lParam == 0;
+}
+
+void OnKeyCommand(AppState& state, int id) {
+  if (state.initialised == 0 || IsDisabledControl(state, id)) return;
+  TickByKey(state, id);
+  OnCommand(state, id);
 }
 
 // The workers are not waited for: they end with the process.
@@ -178,10 +218,17 @@ LRESULT CALLBACK MainWindowProcedure(HWND window, UINT message, WPARAM wParam, L
       GiveFocusToBar(*state);
       return 0;
     case WM_COMMAND:
-      if (HIWORD(wParam) <= kLastCommandCode) OnCommand(*state, LOWORD(wParam));
+      if (IsOfKey(wParam, lParam)) {
+        OnKeyCommand(*state, LOWORD(wParam));
+      } else if (HIWORD(wParam) <= kLastCommandCode) {
+        OnCommand(*state, LOWORD(wParam));
+      }
       return 0;
     case WM_TIMER:
       OnTimer(*state, wParam);
+      return 0;
+    case WM_NOTIFY:
+      AnswerTipRequest(*state, *reinterpret_cast<NMHDR*>(lParam));
       return 0;
     case WM_DRAWITEM:
       DrawLampItem(*state, *reinterpret_cast<const DRAWITEMSTRUCT*>(lParam));
@@ -198,6 +245,18 @@ LRESULT CALLBACK MainWindowProcedure(HWND window, UINT message, WPARAM wParam, L
     case WM_POWERBROADCAST:
       if (wParam == PBT_APMRESUMEAUTOMATIC) RetryLink(*state);
       return TRUE;
+    case WM_SYSCOLORCHANGE:
+      OnColours(window);
+      return 0;
+    case WM_DROPFILES:
+      OnDrop(*state, reinterpret_cast<HDROP>(wParam));
+      return 0;
+    case WM_INITMENUPOPUP:
+      ShowRecentInMenu(reinterpret_cast<HMENU>(wParam));
+      return 0;
+    case WM_CLOSE:
+      if (MayClose(*state)) DestroyWindow(window);
+      return 0;
     case WM_DESTROY:
       OnDestroy(*state);
       return 0;
@@ -230,8 +289,10 @@ AppState* CreateMainWindow(HINSTANCE instance) {
   AppState* const state = StateOf(window);
   RememberHiddenControls(*state);
   SetArrowFont(*state);
-  PrepareLamps(*state);
+  PrepareLamps(*state, PrepareControlTips(*state));
   FitOutputFont(*state);
+  NameControls(*state);
+  DragAcceptFiles(window, TRUE);
   KeepWheelFromSelectors(window);
   const HWND statusBar = CreateStatusBar(window);
   if (statusBar == nullptr || !GuardStatusTexts(statusBar)) return nullptr;
@@ -251,7 +312,7 @@ int RunMessageLoop(AppState& state, HINSTANCE instance) {
   const HACCEL replayKeys = LoadAcceleratorsW(instance, MAKEINTRESOURCEW(ID_REPLAY_ACCELERATORS));
   MSG message{};
   while (GetMessageW(&message, nullptr, 0, 0) > 0) {
-    if (TranslateAcceleratorW(MainWindow(state), accelerators, &message) != 0) continue;
+    if (CarryOutKey(state, accelerators, message)) continue;
     if (TakesReplayKeys(state, message.hwnd) &&
         TranslateAcceleratorW(MainWindow(state), replayKeys, &message) != 0)
       continue;

@@ -44,6 +44,7 @@ void NoteKey(const AppState& state, const MSG& message) {
   if (message.hwnd != window && IsChild(window, message.hwnd) == FALSE) return;
   const bool alt = message.message == WM_SYSKEYDOWN;
   if (alt && message.wParam == VK_F4) kept.close = true;
+  if (!alt && message.wParam == VK_F5 && GetKeyState(VK_SHIFT) < 0) kept.stop = true;
   if (kept.fileMenu && message.wParam == 'X') kept.close = true;
   kept.fileMenu = alt && message.wParam == 'F';
 }

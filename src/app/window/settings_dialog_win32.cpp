@@ -10,6 +10,7 @@
 #include "app/settings/settings_layout.h"
 #include "app/window/commands.h"
 #include "app/window/control_ids.h"
+#include "app/window/control_tips_win32.h"
 #include "app/window/selector_wheel_win32.h"
 #include "app/window/ui.h"
 #include "app/window/window_handles_win32.h"
@@ -133,11 +134,24 @@ void SizeDialog(HWND window, const FormLayout& layout) {
                SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
+void TellWhyGrey(HWND window, const OpenDialog& open) {
+  const HWND tips = MakeTips(window);
+  for (size_t i = 0; i < open.layout.count; ++i) {
+    const FormItem& item = open.layout.items[i];
+    const HWND control = GetDlgItem(window, item.id);
+    if (control == nullptr || IsWindowEnabled(control) != FALSE) continue;
+    const wchar_t* const reason =
+        WhyUnusable(item.field, item.channel, open.dialog.facts, open.dialog.settings);
+    if (reason != nullptr) AddGreyTip(tips, window, control, reason);
+  }
+}
+
 void OnInit(HWND window, OpenDialog& open) {
   SetWindowLongPtrW(window, DWLP_USER, reinterpret_cast<LONG_PTR>(&open));
   openWindow = window;
   SizeDialog(window, open.layout);
   for (size_t i = 0; i < open.layout.count; ++i) MakeControl(window, open.layout.items[i], open.dialog);
+  TellWhyGrey(window, open);
   KeepWheelFromSelectors(window);
   Place(window, GetDlgItem(window, IDOK), open.layout.ok);
   Place(window, GetDlgItem(window, IDCANCEL), open.layout.cancel);

@@ -7,6 +7,7 @@
 #include "app/window/control_ids.h"
 #include "app/window/dialogs_win32.h"
 #include "app/window/selector_wheel_win32.h"
+#include "app/window/system_colours_win32.h"
 #include "app/window/window_handles_win32.h"
 #include "base/text_format.h"
 #include "display/scaling.h"
@@ -42,7 +43,7 @@ void PaintWarning(HWND dialog) {
   description.lfWeight = FW_BOLD;
   const HFONT font = CreateFontIndirectW(&description);
   const HGDIOBJ before = SelectObject(dc, font);
-  SetTextColor(dc, kRed);
+  SetTextColor(dc, ColourOf(kRed, COLOR_BTNTEXT));
   SetBkMode(dc, TRANSPARENT);
   for (const WarningLine& line : kWarning) {
     TextOutW(dc, ScalePixels(line.x, dpi), ScalePixels(line.y, dpi), line.text, lstrlenW(line.text));

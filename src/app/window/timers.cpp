@@ -5,6 +5,7 @@
 #include "app/settings/control_states.h"
 #include "app/settings/family_controls.h"
 #include "app/settings/port_selectors.h"
+#include "app/settings/waiting_choices.h"
 #include "app/state/file_naming.h"
 #include "app/window/commands.h"
 #include "app/window/control_ids.h"
@@ -42,6 +43,7 @@ void Repaint(AppState& state) {
   InvalidateEchogram(state);
   ShowMeasuredInterval(state);
   ShowTitle(state);
+  ShowWaitingChoices(state);
   ShowLamps(state, MillisecondClock());
   WatchDepth(state, MillisecondClock());
 }

@@ -31,6 +31,12 @@ void SetStatusText(AppState& state, StatusPart part, const wchar_t* text);
 // Shows what a command does that keeps the window busy, in the part of progress texts: painted at once,
 // without a message being taken. An empty text brings back what stood there.
 void ShowProgress(AppState& state, const wchar_t* text);
+// Shows a text in the position's part for three seconds; then comes back what stood there, or what was to
+// stand there meanwhile.
+void ShowNotice(AppState& state, const wchar_t* text);
+
+// Opens a folder in the system's own window; or, with `select`, the folder of a file, which is marked.
+void OpenFolder(AppState& state, const wchar_t* path, bool select);
 
 enum class PointerShape : uint8_t { arrow, wait };
 void ShowPointer(PointerShape shape);
@@ -43,6 +49,7 @@ void CarryOutKeptInput(AppState& state);
 // A control or a menu entry.
 void EnableControl(AppState& state, int id, bool enabled);
 void ShowControl(AppState& state, int id, bool visible);
+void SetBold(AppState& state, int id, bool bold);  // its letters
 [[nodiscard]] bool IsChecked(AppState& state, int id);
 void SetChecked(AppState& state, int id, bool checked);
 

@@ -12,6 +12,8 @@
 #include "app/window/view_placement_win32.h"
 #include "app/window/window_handles_win32.h"
 #include "base/text_format.h"
+#include "display/echogram_view_win32.h"
+#include "platform/file.h"
 #include "platform/system_error.h"
 
 namespace tw {
@@ -83,6 +85,11 @@ void ShowProgress(AppState& state, const wchar_t* text) {
   UpdateWindow(statusBar);
 }
 
+void TellScreenshot(AppState& state, const wchar_t* path) {
+  const wchar_t* const separator = std::wcsrchr(path, kPathSeparator);
+  ShowNotice(state, separator == nullptr ? path : separator + 1);
+}
+
 void ShowPointer(PointerShape shape) {
   SetCursor(LoadCursorW(nullptr, shape == PointerShape::wait ? IDC_WAIT : IDC_ARROW));
 }
@@ -102,6 +109,21 @@ void EnableControl(AppState& state, int id, bool enabled) {
 
 void ShowControl(AppState& state, int id, bool visible) {
   WantControlVisible(state, Control(state, id), visible);
+}
+
+// The fonts live as long as the window. All that is ever bold has the dialog's font.
+void SetBold(AppState& state, int id, bool bold) {
+  static HFONT usual = nullptr;
+  static HFONT heavy = nullptr;
+  const HWND control = Control(state, id);
+  if (heavy == nullptr) {
+    LOGFONTW font{};
+    usual = reinterpret_cast<HFONT>(SendMessageW(control, WM_GETFONT, 0, 0));
+    if (GetObjectW(usual, sizeof(font), &font) == 0) return;
+    font.lfWeight = FW_BOLD;
+    heavy = CreateFontIndirectW(&font);
+  }
+  SendMessageW(control, WM_SETFONT, reinterpret_cast<WPARAM>(bold ? heavy : usual), TRUE);
 }
 
 bool IsChecked(AppState& state, int id) {

@@ -3,6 +3,7 @@
 #include <random>
 #include <utility>
 
+#include "app/settings/recent_recordings.h"
 #include "app/state/file_naming.h"
 #include "base/text_format.h"
 #include "platform/virtual/faults.h"
@@ -226,6 +227,47 @@ TEST_F(Playback, FilesAreForAfterARun) {
   }
 }
 
+TEST_F(Playback, DroppedFilesPlayAndStandAmongTheRecentOnes) {
+  sim::SounderOptions options = QuickSounder();
+  options.dual = true;
+  ShowInFolder(*state_);
+  EXPECT_EQ(Ui().folders.back(), L"folder " + records_.wstring());
+  Record(options, 5);
+  ASSERT_EQ(files_.size(), 2u);
+  PlayDropped(*state_, files_);
+  PlayDropped(*state_, {files_[1]});
+  EXPECT_EQ(StateOfProgram(*state_), ProgramState::playing);
+  EXPECT_EQ(LoadRecent(), (std::vector<RecordingPaths>{{files_[1]}, files_}));
+  ShowInFolder(*state_);
+  EXPECT_TRUE(Ui().folders.back().ends_with(fs::path(files_[1]).filename().wstring()));
+  PlayRecent(*state_, 1);
+  EXPECT_EQ(globals.dualMode, 1);
+  EXPECT_EQ(LoadRecent(), (std::vector<RecordingPaths>{files_, {files_[1]}}));
+
+  fs::remove(files_[1]);
+  PlayRecent(*state_, 1);
+  ExpectBox((fs::path(files_[1]).filename().wstring() + L"  to open file.").c_str(), L"Error",
+            BoxIcon::error);
+  EXPECT_EQ(LoadRecent(), (std::vector<RecordingPaths>{files_}));
+  PlayRecent(*state_, 5);
+  for (const std::wstring& hostile : {std::wstring(), std::wstring(32'767, L'x'), records_.wstring()}) {
+    PlayDropped(*state_, {hostile});
+    EXPECT_EQ(std::exchange(Ui().boxes, {}).size(), 1u);
+  }
+  PlayDropped(*state_, {files_[0], files_[0], files_[0]});
+  ExpectBox(L"Select correct pair of files!!", L"Error", BoxIcon::error);
+  EXPECT_EQ(LoadRecent().size(), 1u);
+
+  StartRun(*state_);
+  PlayDropped(*state_, {files_[0]});
+  EXPECT_EQ(Ui().notices.back(), L"To open a file you should press \"Stop\" button first.");
+  EXPECT_EQ(StateOfProgram(*state_), ProgramState::running);
+  ShowInFolder(*state_);
+  EXPECT_TRUE(Ui().folders.back().ends_with(fs::path(RecordFiles().back()).filename().wstring()))
+      << "what is recorded";
+  StopRun(*state_);
+}
+
 using ConversionRun = Playback;
 
 // What stands in them is shown without a window.
@@ -242,6 +284,7 @@ TEST_F(ConversionRun, OutputsAreNamedAfterTheRecording) {
   FinishConversion();
   ExpectBox(L"Convert completed", L"Info", BoxIcon::information);
   EXPECT_GT(fs::file_size(records_ / (stem + ".sgy")), fs::file_size(files_[0]) / 2);
+  EXPECT_EQ(Ui().status[2], L"Written: " + wideStem + L".sgy");
   HandleTimer(*state_, ID_TIMER_REPAINT);
   EXPECT_EQ(Ui().title, kProgramTitle);
 
@@ -326,6 +369,7 @@ TEST_F(ConversionRun, ClearingRecordDataEndsTheOutput) {
   Ui().controls[ID_RECORD].checked = false;
   ToggleRecording(*state_);
   FinishConversion();
+  EXPECT_EQ(Ui().status[2], L"Incomplete: " + output.wstring());
   EXPECT_GT(fs::file_size(output), 3'600u);
   EXPECT_LT(fs::file_size(output), whole);
 }

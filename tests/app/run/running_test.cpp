@@ -268,5 +268,28 @@ TEST_F(Playback, ThePairOfADualRunTicksDualMode) {
   EXPECT_FALSE(Ui().controls[ID_HIGH_FREQUENCY].checked);
 }
 
+TEST_F(Running, ClosingIsAskedWhileItRecordsAndNotTwice) {
+  const Box question{L"The recording goes on. Close the program?", L"Info", BoxIcon::none,
+                     BoxButtons::okCancel};
+  state_->options.askBeforeClosing = 1;
+  EXPECT_TRUE(MayClose(*state_)) << "nothing is recorded";
+  StartQuickRun(1);
+  static AppState* asked = nullptr;
+  asked = state_;
+  Ui().duringBox = [] { EXPECT_FALSE(MayClose(*asked)); };
+  for (const bool answer : {false, true}) {
+    Ui().answerOk = answer;
+    EXPECT_EQ(MayClose(*state_), answer);
+    EXPECT_EQ(std::exchange(Ui().boxes, {}), std::vector<Box>{question});
+  }
+  Ui().duringBox = nullptr;
+  SetRecording(false);
+  EXPECT_TRUE(MayClose(*state_));
+  SetRecording(true);
+  state_->options.askBeforeClosing = 0;
+  EXPECT_TRUE(MayClose(*state_));
+  EXPECT_TRUE(Ui().boxes.empty());
+}
+
 }  // namespace
 }  // namespace tw::test

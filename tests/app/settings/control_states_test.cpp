@@ -51,6 +51,7 @@ TEST_F(ControlStates, WhatCanBeUsedWhen) {
     for (const auto& row : rows) {
       for (const int id : row.controls) {
         EXPECT_EQ(Ui().controls[id].enabled, row.use[state] == 'x') << id << " in state " << state;
+        EXPECT_EQ(WhyDisabled(*state_, id) == nullptr, row.use[state] == 'x') << id << " in state " << state;
       }
     }
   }
@@ -79,8 +80,10 @@ TEST_F(ControlStates, WhatTheDeviceAllows) {
     state_->settings.preset = row.preset;
     Enter(ProgramState::running);
     for (size_t group = 0; group < std::size(groups); ++group) {
-      for (const int id : groups[group])
+      for (const int id : groups[group]) {
         EXPECT_EQ(Ui().controls[id].enabled, row.use[group]) << row.what << ", " << id;
+        EXPECT_EQ(WhyDisabled(*state_, id) == nullptr, row.use[group]) << row.what << ", " << id;
+      }
     }
   }
 }

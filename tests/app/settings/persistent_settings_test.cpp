@@ -8,8 +8,10 @@
 #include <string>
 
 #include "app/settings/option_form.h"
+#include "app/settings/recent_recordings.h"
 #include "app/settings/stored_options.h"
 #include "app/window/depth_outputs.h"
+#include "platform/registry.h"
 #include "platform/virtual/documents_folder.h"
 #include "platform/virtual/faults.h"
 #include "tests/app/stored_values.h"
@@ -170,6 +172,25 @@ TEST_F(PersistentSettings, OutputsAreWhatTheOptionsSay) {
   EXPECT_EQ(outputs.sentences, uint32_t{kDbt | kDpt | kRmc});
   EXPECT_FLOAT_EQ(outputs.transducerOffset_m, -0.5f);
   EXPECT_STREQ(outputs.line, L"\\\\.\\COM12");
+}
+
+TEST_F(PersistentSettings, RecentRecordingsAreBounded) {
+  const auto name = [](int number) { return L"/a/" + std::to_wstring(number) + L".log"; };
+  for (int i = 0; i < 10; ++i) NoteRecent({name(i)});
+  NoteRecent({name(5)});
+  NoteRecent({std::wstring(1'100, L'x')});
+  NoteRecent({});
+  std::vector<RecordingPaths> recent = LoadRecent();
+  ASSERT_EQ(recent.size(), 8u);
+  EXPECT_EQ(recent[0], RecordingPaths{name(5)});
+  EXPECT_EQ(recent[7], RecordingPaths{name(2)});
+  for (const wchar_t* const hostile : {L"|", L"a|", L"a|b|c", L"/a/9.log", L""}) {
+    static_cast<void>(WriteRegistryText(
+        L"Software\\Brin Ultrasonics\\EchoSounderControlProgram\\Settings\\Recent", L"8", hostile));
+    EXPECT_EQ(LoadRecent().size(), 7u) << hostile;
+  }
+  EXPECT_EQ(MenuTextOf({L"/a/R&D\t1.log", L"/a/2.log"}, 0), L"&1  R&&D 1.log");
+  EXPECT_EQ(MenuTextOf({std::wstring(500, L'x')}, 7).size(), 84u);
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "app/window/commands.h"
 #include "base/shared_value.h"
 #include "device/device_link.h"
 #include "tests/app/run_control_fixture.h"
@@ -160,6 +161,33 @@ TEST_F(SettingsSelectors, APlayedFileShowsItsRange) {
   RefreshSettingsControls(*state_);
   EXPECT_EQ(Of(ID_RANGE).text, L"10");
   EXPECT_EQ(Of(ID_OUTPUT).text, L"Echo Bin");
+}
+
+TEST_F(SettingsSelectors, ChoicesThatWaitForApplyAreMarked) {
+  const auto shown = [this] {
+    HandleTimer(*state_, ID_TIMER_REPAINT);
+    std::string dots;
+    for (int id = ID_WAITS_FREQUENCY; id <= ID_WAITS_PRESET; ++id) {
+      if (Of(id).visible) dots += std::to_string(id - ID_WAITS_FREQUENCY);
+    }
+    return dots + (Of(ID_APPLY).bold ? " bold" : "");
+  };
+  for (int id = ID_WAITS_FREQUENCY; id <= ID_WAITS_PRESET; ++id) Of(id).visible = false;  // as they are made
+  EXPECT_EQ(shown(), "") << "without a device nothing waits";
+  state_->settings = {};
+  StartQuickRun(2);
+  EXPECT_EQ(shown(), "");
+  Of(ID_RECORD).checked = false;
+  ChooseItem(ID_INTERVAL, L"0.20");
+  EXPECT_EQ(shown(), "4 bold");
+  Tick(ID_DUAL_MODE, true);
+  EXPECT_EQ(shown(), "14 bold");
+  ApplySettings(*state_);
+  EXPECT_EQ(shown(), "");
+  ChooseItem(ID_INTERVAL, L"0.50");
+  EXPECT_EQ(shown(), "4 bold");
+  StopRun(*state_);
+  EXPECT_EQ(shown(), "");
 }
 
 }  // namespace
