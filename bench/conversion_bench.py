@@ -95,6 +95,13 @@ def main(folder):
     report('segyio in Python / binary recording to SEG-Y', 'at least 12', t['python'] / t['segy'],
            'python %.2f s' % t['python'])
 
+    # What looks at a recording, on the same one.
+    t, peaks = compare({'segy': convert('segy', frames, folder, '.sgy'), 'info': ([ECHOTOOL, 'info', frames], None),
+                        'png': convert('png', frames, folder, '.png'), 'report': convert('report', frames, folder, '.html')})
+    for task, most in (('info', 0.7), ('png', 2), ('report', 2)):
+        report('echotool %s / binary recording to SEG-Y' % task, 'at most %g' % most, t[task] / t['segy'],
+               '%.1f MiB, asked below 48' % peaks[task])
+
     # The raw write of what the text conversion writes is a cp of nothing but writing: dd from /dev/zero.
     words, target = convert('text', frames, folder, '_txt.log')
     run(words)

@@ -1,4 +1,5 @@
-// Any bytes as a record file: what kind it is, its pings, SEG-Y and text of them, and places to go on from.
+// Any bytes as a record file: what kind it is, its pings, SEG-Y, text and report of them, and places to go on
+// from.
 #include <unistd.h>
 
 #include <array>
@@ -10,6 +11,7 @@
 #include "platform/virtual/virtual_clock.h"
 #include "playback/converter.h"
 #include "playback/ping_source.h"
+#include "tools/echotool/report_output.h"
 
 namespace tw {
 namespace {
@@ -73,15 +75,19 @@ void Convert(PingSource& recording, const Files& files) {
   OutputFile textOutput(files.Text());
   SegyConverter segy(segyOutput, cards, recording.Kind().soundSpeed_mps);
   TextConverter text(textOutput);
+  OutputFile pageOutput(files.Text());
+  echotool::ReportPage page;
+  echotool::ReportWriter report(pageOutput, recording, L"/dev/shm/none/recording", page);
   uint64_t pings = 0;
   uint64_t begin = 0;
   for (RecordedPing ping{}; recording.Next(ping); ++pings) {
     RequireSense(ping, recording);
     Require(pings == 0 || ping.begin > begin);
     begin = ping.begin;
-    Require(segy.Append(ping) && text.Append(ping));
+    Require(segy.Append(ping) && text.Append(ping) && report.Append(ping));
     Require(segyOutput.Size() <= (pings + 1) * kMaxOfPing);
   }
+  Require(report.End() && pageOutput.Size() > 0);
   Require(pings > 0 && recording.Skipped() <= recording.Size());
 }
 

@@ -40,8 +40,8 @@ install_packages() {
   step packages "Installing ${#missing[@]} packages: ${missing[*]}" apt_install "${missing[@]}"
 }
 
-BUILD_PACKAGES=(ca-certificates cmake ninja-build g++)
-WINDOWS_PACKAGES=(g++-mingw-w64-x86-64-posix mingw-w64-tools binutils-mingw-w64-x86-64)
+BUILD_PACKAGES=(ca-certificates cmake ninja-build g++ zlib1g-dev)
+WINDOWS_PACKAGES=(g++-mingw-w64-x86-64-posix mingw-w64-tools binutils-mingw-w64-x86-64 libz-mingw-w64-dev)
 WINE_PACKAGES=(wine wine64 xvfb xauth xdotool imagemagick x11-utils fonts-open-sans fonts-liberation
                fonts-unfonts-core)
 # clang-format and clang-tidy by version: another one lays out and finds other things.

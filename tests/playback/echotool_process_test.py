@@ -1,14 +1,18 @@
 #!/usr/bin/env python3
 """echotool as a process: exit codes, what it says and where, its bar, Ctrl-C: echotool_process_test.py ECHOTOOL
 DATA_FOLDER"""
+import csv
+import json
 import os
 import pty
 import shutil
 import signal
+import struct
 import subprocess
 import sys
 import tempfile
 import time
+import zlib
 
 ECHOTOOL, DATA = sys.argv[1:3]
 problems = []
@@ -82,6 +86,31 @@ def check_strange_names(folder):
         expect('nothing is written through a link', kept.read() == original.read())
 
 
+def check_pictures(folder):
+    """The picture through Python's own zlib, the document and the table through its own readers."""
+    path = os.path.join(folder, 'three_pings.log')
+    shutil.copy(os.path.join(DATA, 'three_pings.log'), folder)
+    expect('png', run('png', path, '--width', '6', '--height', '8')[0] == 0)
+    with open(os.path.join(folder, 'three_pings.png'), 'rb') as picture:
+        bytes_ = picture.read()
+    chunks, at = {}, 8
+    while at < len(bytes_):
+        size, name = struct.unpack_from('>I4s', bytes_, at)
+        body = bytes_[at + 8:at + 8 + size]
+        expect('checksum', zlib.crc32(name + body) == struct.unpack_from('>I', bytes_, at + 8 + size)[0], name)
+        chunks[name] = chunks.get(name, b'') + body
+        at += 12 + size
+    expect('header', chunks[b'IHDR'] == struct.pack('>IIBBBBB', 6, 8, 8, 3, 0, 0, 0), chunks[b'IHDR'])
+    expect('black first', chunks[b'PLTE'][:3] == b'\0\0\0' and len(chunks[b'PLTE']) == 768)
+    rows = zlib.decompress(chunks[b'IDAT'])
+    expect('rows', len(rows) == 8 * 7 and all(rows[7 * y] == 0 for y in range(8)), rows)
+    document = json.loads(run('info', '--json', path, path)[1])
+    expect('document', [r['pings'] for r in document['recordings']] == [3, 3] and document['totals']['pings'] == 6, document)
+    table = list(csv.DictReader(run('info', '--csv', path)[1].splitlines()))
+    same = {k: '' if v is None else str(v) for k, v in document['recordings'][0].items()}
+    expect('table', len(table) == 1 and table[0].keys() == same.keys() and table[0]['pings'] == '3', table)
+
+
 def check_bar(folder):
     """On a terminal, and taken away at the end."""
     shutil.copy(os.path.join(DATA, 'three_pings.log'), folder)
@@ -100,7 +129,7 @@ def check_bar(folder):
 
 for check, *arguments in ((check_exit_codes,), (check_interruption, signal.SIGINT), (check_interruption, signal.SIGTERM),
                           (check_interruption, signal.SIGHUP), (check_interruption, signal.SIGQUIT),
-                          (check_strange_names,), (check_bar,)):
+                          (check_strange_names,), (check_pictures,), (check_bar,)):
     with tempfile.TemporaryDirectory() as work:
         check(work, *arguments)
 for problem in problems:

@@ -7,8 +7,11 @@
 #include "tests/app/test_folder.h"
 #include "tests/playback/info_text.h"
 #include "tools/echotool/cdf.h"
+#include "tools/echotool/cell_text.h"
 #include "tools/echotool/console.h"
+#include "tools/echotool/echogram_columns.h"
 #include "tools/echotool/options.h"
+#include "tools/echotool/report_series.h"
 #include "tools/echotool/sha256.h"
 #include "tools/echotool/summary.h"
 #include "tools/echotool/tide.h"
@@ -224,10 +227,119 @@ TEST_F(Work, TextTellsTheSameAsTheBinaryItWasMadeOf) {
   ASSERT_TRUE(binary.done && text.done);
   EXPECT_NE(binary.text.find("output mode   100 or 101 Echo Bin\n"), std::string::npos) << binary.text;
   EXPECT_NE(text.text.find("output mode   4 Echo Txt 12bit\n"), std::string::npos) << text.text;
+  EXPECT_NE(binary.text.find("\n  file size     290 bytes\n  frequency     200000 to 450000 Hz\n"),
+            std::string::npos);
   const auto from = [](const std::string& report) { return report.substr(report.find("  pings")); };
   const auto upTo = [](const std::string& report) { return report.substr(0, report.find("  damaged")); };
   EXPECT_EQ(upTo(from(binary.text)), upTo(from(text.text)));
   EXPECT_NE(text.text.find("damaged       0 of 1268 bytes"), std::string::npos) << text.text;
+}
+
+// What one ping adds to the figures, given the one before.
+TEST(Figures, AreThoseOfTheSteps) {
+  constexpr double kRadians = 3.14159265358979323846 / 180;
+  const struct {
+    const char* what;
+    double longitude_deg;  // of three pings at the equator, from 179.9999 on
+    int64_t times_ms[3];
+    uint32_t numbers[3];
+    double distance_m;
+    uint64_t jumps, gaps, setBack, missing, restarts;
+  } rows[] = {
+      {"over 180 degrees", -179.9999, {1'000, 3'000, 5'000}, {1, 2, 3}, 22.2, 0, 0, 0, 0, 0},
+      {"a gap and missing numbers", 179.9998, {1'000, 3'000, 5'001}, {1, 3, 6}, 11.1, 0, 1, 0, 3, 0},
+      {"a clock set back, numbers anew", 179.9998, {9'000, 5'000, 5'100}, {7, 1, 2}, 11.1, 0, 0, 1, 0, 1},
+      {"a jump to the other side", 0.0, {1'000, 1'100, 1'200}, {1, 2, 3}, 0.0, 1, 0, 0, 0, 0},
+      {"no times", 179.9998, {0, 0, 0}, {1, 2, 3}, 11.1, 0, 0, 0, 0, 0},
+  };
+  for (const auto& row : rows) {
+    RecordingFigures figures;
+    ThinTrack track;
+    for (size_t i = 0; i < 3; ++i) {
+      RecordedPing ping{};
+      ping.hasPosition = ping.hasMilliseconds = true;
+      ping.hasTime = row.times_ms[i] != 0;
+      ping.time_ms = row.times_ms[i];
+      ping.header.ping = row.numbers[i];
+      ping.longitude_rad = (i == 0 ? 179.9999 : row.longitude_deg) * kRadians;
+      figures.Add(ping);
+      track.Add(ping);
+    }
+    EXPECT_NEAR(figures.distance_m, row.distance_m, 0.1) << row.what;
+    EXPECT_EQ(figures.jumps, row.jumps) << row.what;
+    EXPECT_EQ(figures.gaps, row.gaps) << row.what;
+    EXPECT_EQ(figures.setBack, row.setBack) << row.what;
+    EXPECT_EQ(figures.missing, row.missing) << row.what;
+    EXPECT_EQ(figures.restarts, row.restarts) << row.what;
+    ASSERT_EQ(track.Points().size(), 2u) << row.what;
+    EXPECT_EQ(track.Points()[1].begins, row.jumps != 0) << row.what;
+    EXPECT_LT(std::abs(track.Points()[1].longitude_deg - 179.9999), 180.0001) << row.what;
+  }
+}
+
+// 10,000 pings of 100 samples at 75 kHz are 2,500 columns of four, 1 m deep; one strong echo stays to be
+// seen.
+TEST(Echogram, AColumnIsTheStrongestOfItsPings) {
+  EchogramColumns columns(4'000, 200, 1'500.0f);
+  std::vector<uint16_t> samples(100, 0);
+  RecordedPing ping{};
+  ping.header.samplingFrequency_hz = 75'000;
+  ping.factor = 4;
+  for (int i = 0; i < 10'000; ++i) {
+    samples[55] = i == 5'000 ? 1'000 : 0;
+    ping.samples = samples;
+    columns.Add(ping);
+  }
+  columns.End();
+  EXPECT_EQ(columns.PingsOfColumn(), 4u);
+  EXPECT_EQ(columns.Columns(), 2'500u);
+  EXPECT_DOUBLE_EQ(columns.To_m(), 1.0);
+  size_t y = 0;
+  EXPECT_TRUE(columns.Draw(2'500, 100, [&](std::span<const uint8_t> row) {
+    for (size_t x = 0; x < row.size(); ++x) {
+      const bool strong = x == 1'250 && y == 55;
+      EXPECT_EQ(row[x], strong ? 4'000 / 16 : 0) << x << ' ' << y;
+    }
+    ++y;
+    return true;
+  }));
+  EXPECT_EQ(y, 100u);
+}
+
+// Names may hold what has a meaning in HTML, JSON and tables; the index is one more output.
+TEST_F(Work, ReportsAndTotals) {
+  const fs::path recording = folder_ / "=a<b>&\"c\".log";
+  fs::copy_file(kGolden / "three_pings.log", recording);
+  WriteWhole(folder_ / "events.csv",
+             "2024-02-29T23:59:58.000Z,mark,\"7, ping 7, 4.250 m, no position, <wreck>\"\n");
+  Options options;
+  options.task = Task::report;
+  EXPECT_TRUE(Do(Task::report, recording).done);
+  EXPECT_TRUE(EndBatch(options, batch_).done);
+  const std::string page = ReadWhole(folder_ / "=a<b>&\"c\".html");
+  EXPECT_NE(page.find("<h1>=a&lt;b&gt;&amp;&quot;c&quot;.log</h1>"), std::string::npos);
+  EXPECT_NE(page.find("src=\"data:image/png;base64,iVBORw0KGgo"), std::string::npos);
+  EXPECT_NE(page.find("&lt;wreck&gt;"), std::string::npos);
+  EXPECT_EQ(page.find("<script"), std::string::npos);
+  EXPECT_EQ(page.find("nan"), std::string::npos);
+  EXPECT_NE(ReadWhole(folder_ / "index.html").find("<a href=\"%3Da%3Cb%3E%26%22c%22.html\">=a&lt;b&gt;"),
+            std::string::npos);
+  batch_ = {};
+  options.task = Task::info;
+  options.form = InfoForm::json;
+  EXPECT_TRUE(WorkOn(recording.string(), options, interrupted_, batch_).done);
+  const std::string document = EndBatch(options, batch_).text;
+  EXPECT_NE(document.find("=a<b>&\\\"c\\\".log\",\n      \"size_bytes\": 290,"), std::string::npos)
+      << document;
+  EXPECT_NE(document.find("\"totals\": {\n    \"recordings\": 1,"), std::string::npos) << document;
+  EXPECT_EQ(CsvCell("=1+\"2\",3"), "\"'=1+\"\"2\"\",3\"");
+  batch_ = {};
+  options.form = InfoForm::csv;
+  EXPECT_TRUE(WorkOn("./" + fs::relative(recording).string(), options, interrupted_, batch_).done);
+  const std::string table = EndBatch(options, batch_).text;
+  const size_t row = table.find("\r\n") + 2;
+  EXPECT_EQ(std::count(table.begin(), table.begin() + static_cast<std::ptrdiff_t>(row), ','),
+            std::count(table.begin() + static_cast<std::ptrdiff_t>(row), table.end(), ','));
 }
 
 // 16 pings at one place, of which 5 had stood there for more than 10 s, then a boat under way.
@@ -418,6 +530,15 @@ TEST(Options, AreRead) {
       {{"xyz", "a.log", "--draught", "nan"}, "--draught needs metres from -100 to 100"},
       {{"xyz", "a.log", "--sound-speed", "1500m"}, "--sound-speed needs metres a second from 1000 to 2000"},
       {{"xyz", "a.log", "--every"}, "--every needs a number from 1 to 1000000"},
+      {{"info", "--json", "a.log"}, ""},
+      {{"csv", "--csv", "a.log"}, "--json and --csv belong to info"},
+      {{"png", "--width", "800", "--height", "300", "--depth", "0-25.5", "--channel", "2", "a.log"}, ""},
+      {{"png", "--width", "0", "a.log"}, "--width needs a number of columns up to 8000"},
+      {{"png", "--depth", "5-nan", "a.log"}, "--depth needs two depths in metres, as 0-25.5"},
+      {{"png", "--depth", "9-8", "a.log"}, "--depth needs two depths in metres, as 0-25.5"},
+      {{"png", "a.log", "--channel"}, "--channel needs 1 or 2"},
+      {{"png", "--width", "8000", "--height", "4000", "a.log"}, "width times height is more than 4 million"},
+      {{"report", "--height", "300", "a.log"}, "--width, --height, --depth and --channel belong to png"},
   };
   for (const auto& row : rows) {
     Options options;

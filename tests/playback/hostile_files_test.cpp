@@ -25,8 +25,8 @@ namespace {
 using echotool::Task;
 
 constexpr size_t kLineEnd = 2;
-constexpr Task kOutputTasks[] = {Task::segy, Task::text,    Task::csv, Task::kml, Task::netcdf,
-                                 Task::gpx,  Task::geojson, Task::xyz, Task::nmea};
+constexpr Task kOutputTasks[] = {Task::segy,    Task::text, Task::csv,  Task::kml, Task::netcdf, Task::gpx,
+                                 Task::geojson, Task::xyz,  Task::nmea, Task::png, Task::report};
 const SampleKind kFrames{"Frames", sim::DeviceFamily::first, 100};
 const SampleKind kFramesWithoutInfo{"FramesAlone", sim::DeviceFamily::first, 100, false};
 
@@ -460,9 +460,9 @@ TEST_F(HostileFiles, FullDisk) {
     EXPECT_EQ(Convert(file_, ConvertToSegy), L"Convert completed");
     EXPECT_EQ(Content("hostile.sgy"), whole.substr(0, room));
     for (const Task task : kOutputTasks) {
-      LimitDiskSpace(task == Task::segy || task == Task::text || task == Task::netcdf
-                         ? room
-                         : std::min<size_t>(room, 40));
+      const bool isLarge =
+          task == Task::segy || task == Task::text || task == Task::netcdf || task == Task::report;
+      LimitDiskSpace(isLarge ? room : std::min<size_t>(room, 40));
       EXPECT_FALSE(Works(task)) << room;
     }
     ClearFaults();

@@ -41,6 +41,10 @@ std::wstring_view EndingOf(Task task) {
       return L".xyz";
     case Task::nmea:
       return L".nmea";
+    case Task::png:
+      return L".png";
+    case Task::report:
+      return L".html";
   }
   return {};
 }
@@ -59,14 +63,20 @@ std::string NarrowName(const std::wstring& path) {
   return out;
 }
 
-std::string ShownName(const std::string& path) {
-  const std::wstring wide = WideName(path);
-  const std::string name = NarrowName(wide.substr(BeginOfName(wide)));
-  std::wstring text(name.size() + 1, L'\0');
-  text.resize(WidenText(text, name));
-  std::string out(4 * text.size() + 1, '\0');
-  out.resize(NarrowText(out, text));
+std::wstring LastOfPath(const std::wstring& path) {
+  return path.substr(BeginOfName(path));
+}
+
+std::string ReadableText(const std::string& text) {
+  std::wstring wide(text.size() + 1, L'\0');
+  wide.resize(WidenText(wide, text));
+  std::string out(4 * wide.size() + 1, '\0');
+  out.resize(NarrowText(out, wide));
   return out;
+}
+
+std::string ShownName(const std::string& path) {
+  return ReadableText(NarrowName(LastOfPath(WideName(path))));
 }
 
 std::wstring FullPath(const std::wstring& path) {

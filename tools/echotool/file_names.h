@@ -11,6 +11,12 @@ namespace tw::echotool {
 [[nodiscard]] std::wstring WideName(const std::string& path);
 [[nodiscard]] std::string NarrowName(const std::wstring& path);
 
+// The last component.
+[[nodiscard]] std::wstring LastOfPath(const std::wstring& path);
+
+// As text that can be shown anywhere: what is no UTF-8 in it is replaced.
+[[nodiscard]] std::string ReadableText(const std::string& text);
+
 // The last component, as text that can be shown anywhere: what is no UTF-8 in it is replaced.
 [[nodiscard]] std::string ShownName(const std::string& path);
 

@@ -53,6 +53,8 @@ int Run(const std::vector<std::string>& arguments) {
     failed = !Tell(result) || !result.done || failed;
     if (interrupted.load()) return kInterrupted;
   }
+  const Result end = EndBatch(options, batch);
+  failed = !Tell(end) || !end.done || failed;
   if (std::fflush(stdout) != 0) {
     Complain("standard output cannot be written");
     failed = true;

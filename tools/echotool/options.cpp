@@ -1,7 +1,9 @@
 #include "tools/echotool/options.h"
 
 #include <algorithm>
+#include <charconv>
 #include <iterator>
+#include <optional>
 
 namespace tw::echotool {
 namespace {
@@ -14,7 +16,7 @@ struct TaskName {
 constexpr TaskName kTasks[] = {
     {"info", Task::info}, {"segy", Task::segy},     {"text", Task::text}, {"csv", Task::csv},
     {"kml", Task::kml},   {"netcdf", Task::netcdf}, {"gpx", Task::gpx},   {"geojson", Task::geojson},
-    {"xyz", Task::xyz},   {"nmea", Task::nmea},
+    {"xyz", Task::xyz},   {"nmea", Task::nmea},     {"png", Task::png},   {"report", Task::report},
 };
 
 constexpr std::string_view kHelp =
@@ -31,6 +33,8 @@ constexpr std::string_view kHelp =
     "  echotool nmea FILE... [-o DIR]   depths and positions as NMEA 0183, to be replayed (NAME.nmea)\n"
     "  echotool netcdf FILE... [-o DIR] NetCDF for science (NAME.nc; of two channels NAME_ch1.nc and "
     "_ch2.nc)\n"
+    "  echotool png  FILE... [-o DIR]   the echogram as a picture (NAME.png)\n"
+    "  echotool report FILE... [-o DIR] a page to read each (NAME.html), and index.html over all\n"
     "\n"
     "  -o DIR        where outputs are written; without it beside each recording\n"
     "  --pad         segy: every trace as long as the longest, zeros behind, for readers that want it so\n"
@@ -43,6 +47,12 @@ constexpr std::string_view kHelp =
     "  --sound-speed V  xyz: altitudes at this speed of sound (m/s) instead of the recorded one\n"
     "  --median N    xyz: the median of so many depths around each\n"
     "  --every N     xyz: one sounding of so many\n"
+    "  --json, --csv info: for programs; one document, or a table of one row a file\n"
+    "  --width N     png: columns of the picture; without it one a ping or one for 2, 4, 8 ... pings, up to "
+    "4000\n"
+    "  --height N    png: rows of the picture, without it 600; width times height up to 4 million\n"
+    "  --depth A-B   png: depths in metres, without it all that the echoes reach\n"
+    "  --channel N   png: 1, or 2 for the low frequency of a recording of both\n"
     "  --no-clobber  no output replaces an older file\n"
     "  --force       an output may replace a file that is a recording itself\n"
     "  --version     which echotool this is\n"
@@ -54,8 +64,55 @@ constexpr std::string_view kHelp =
 
 constexpr std::string_view kVersion = "echotool " TW_VERSION "\n";
 
+constexpr uint32_t kMostWidth = 8'000;
+constexpr uint32_t kMostHeight = 4'000;
+constexpr uint64_t kMostPixels = 4'000'000;
+constexpr double kDeepest_m = 15'000.0;
+
+bool IsWhole(const std::string& word, uint32_t most, uint32_t& value) {
+  const char* const end = word.data() + word.size();
+  const auto [stopped, fault] = std::from_chars(word.data(), end, value);
+  return fault == std::errc{} && stopped == end && value >= 1 && value <= most;
+}
+
+bool IsDepths(const std::string& word, double& from_m, double& to_m) {
+  const char* const end = word.data() + word.size();
+  const auto from = std::from_chars(word.data(), end, from_m, std::chars_format::fixed);
+  if (from.ec != std::errc{} || from.ptr == end || *from.ptr != '-') return false;
+  const auto to = std::from_chars(from.ptr + 1, end, to_m, std::chars_format::fixed);
+  return to.ec == std::errc{} && to.ptr == end && from_m >= 0 && to_m > from_m && to_m <= kDeepest_m;
+}
+
+// Those of a picture, each with a value behind it; nothing when the word is none of them.
+std::optional<bool> TakePictureOption(const std::string& word, std::span<const std::string>& rest,
+                                      PictureOptions& picture, std::string& error) {
+  const std::string value = rest.empty() ? "" : rest.front();
+  bool sound = false;
+  if (word == "--width") {
+    sound = IsWhole(value, kMostWidth, picture.width);
+    error = "--width needs a number of columns up to " + std::to_string(kMostWidth);
+  } else if (word == "--height") {
+    sound = IsWhole(value, kMostHeight, picture.height);
+    error = "--height needs a number of rows up to " + std::to_string(kMostHeight);
+  } else if (word == "--depth") {
+    sound = IsDepths(value, picture.from_m, picture.to_m);
+    error = "--depth needs two depths in metres, as 0-25.5";
+  } else if (word == "--channel") {
+    sound = IsWhole(value, 2, picture.channel);
+    error = "--channel needs 1 or 2";
+  } else {
+    return std::nullopt;
+  }
+  if (!sound) return false;
+  error.clear();
+  picture.any = true;
+  rest = rest.subspan(1);
+  return true;
+}
+
 bool TakeOption(const std::string& word, std::span<const std::string>& rest, Options& options,
                 std::string& error) {
+  if (const auto taken = TakePictureOption(word, rest, options.picture, error)) return *taken;
   if (word == "--help" || word == "-h") {
     options.help = true;
   } else if (word == "--version") {
@@ -68,6 +125,10 @@ bool TakeOption(const std::string& word, std::span<const std::string>& rest, Opt
     options.pad = true;
   } else if (word == "--inline") {
     options.numbered = true;
+  } else if (word == "--json") {
+    options.form = InfoForm::json;
+  } else if (word == "--csv") {
+    options.form = InfoForm::csv;
   } else if (word == "-o") {
     if (rest.empty() || rest.front().empty()) {
       error = "-o needs a folder";
@@ -123,6 +184,12 @@ bool ParseOptions(std::span<const std::string> arguments, Options& options, std:
     error = "--pad and --inline belong to segy";
   } else if (options.xyzAsked && options.task != Task::xyz) {
     error = "--columns, --draught, --tide, --sound-speed, --every and --median belong to xyz";
+  } else if (options.form != InfoForm::lines && options.task != Task::info) {
+    error = "--json and --csv belong to info";
+  } else if (options.picture.any && options.task != Task::png) {
+    error = "--width, --height, --depth and --channel belong to png";
+  } else if (uint64_t{options.picture.width} * options.picture.height > kMostPixels) {
+    error = "width times height is more than 4 million";
   } else if (!options.folder.empty() && options.task == Task::info) {
     error = "info writes no files";
   } else if (options.force && options.noClobber) {

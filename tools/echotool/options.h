@@ -11,14 +11,29 @@
 
 namespace tw::echotool {
 
-enum class Task : uint8_t { info, segy, text, csv, kml, netcdf, gpx, geojson, xyz, nmea };
+enum class Task : uint8_t { info, segy, text, csv, kml, netcdf, gpx, geojson, xyz, nmea, png, report };
+enum class InfoForm : uint8_t { lines, json, csv };
+
+inline constexpr uint32_t kMostPictureColumns = 4'000;  // of a picture whose width is not asked for
+
+// Of the bare echogram.
+struct PictureOptions {
+  uint32_t width = 0;  // 0: a column a ping, or one for 2, 4, 8 … of them
+  uint32_t height = 600;
+  double from_m = 0;
+  double to_m = 0;  // 0: as deep as the echoes go
+  uint32_t channel = 1;
+  bool any = false;  // one of these has been asked for
+};
 
 struct Options {
   Task task = Task::info;
   std::vector<std::string> files;
-  std::string folder;      // of the outputs; empty: each beside its input
-  bool pad = false;        // SEG-Y: all traces as long as the longest
-  bool numbered = false;   // SEG-Y: inline and crossline numbers
+  std::string folder;     // of the outputs; empty: each beside its input
+  bool pad = false;       // SEG-Y: all traces as long as the longest
+  bool numbered = false;  // SEG-Y: inline and crossline numbers
+  InfoForm form = InfoForm::lines;
+  PictureOptions picture;
   bool force = false;      // an output may replace a recording
   bool noClobber = false;  // no output replaces anything
   XyzOptions xyz;

@@ -20,6 +20,8 @@ class Summary {
 
   [[nodiscard]] uint64_t Pings() const { return pings_; }
   [[nodiscard]] uint32_t LongestTrace() const { return longest_; }
+  // Pings whose position had not changed for more than ten seconds.
+  [[nodiscard]] uint64_t Stood() const { return stood_; }
 
  private:
   struct Span {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <list>
+#include <map>
 #include <memory>
 
 #include "platform/file.h"
@@ -17,7 +18,9 @@
 #include "tools/echotool/map_output.h"
 #include "tools/echotool/netcdf_output.h"
 #include "tools/echotool/nmea_output.h"
+#include "tools/echotool/png_output.h"
 #include "tools/echotool/replacing.h"
+#include "tools/echotool/report_index.h"
 #include "tools/echotool/summary.h"
 #include "tools/echotool/track_output.h"
 #include "tools/echotool/whole_file.h"
@@ -25,6 +28,8 @@
 
 namespace tw::echotool {
 namespace {
+
+constexpr size_t kPointsOfIndex = 64;  // of each recording: a season has thousands
 
 struct Job {
   const std::string& file;
@@ -83,7 +88,8 @@ bool ForEachPing(const Job& job, PingSource& recording, const char* label, Take 
 }
 
 bool LooksConvertible(Task task, const RecordingKind& kind, std::string& error) {
-  if ((task == Task::segy || task == Task::text) && !kind.hasSamples) error = "holds no echoes to convert";
+  if ((task == Task::segy || task == Task::text || task == Task::png) && !kind.hasSamples)
+    error = "holds no echoes to convert";
   if (task == Task::text && kind.isText) error = "is text already";
   return error.empty();
 }
@@ -121,6 +127,7 @@ struct Output {
   Place place;
   WholeFile file;
   int32_t channel = 0;
+  ReportPage page;
 };
 
 // The operator's marks from the first ping's time to the second of the last one's. False when the recording
@@ -173,7 +180,7 @@ std::unique_ptr<PingWriter> MakeNetcdf(const Job& job, const PingSource& recordi
 }
 
 std::unique_ptr<PingWriter> MakeWriter(const Job& job, const PingSource& recording, int32_t channel,
-                                       const RecordingSurvey& survey, OutputFile& output,
+                                       const RecordingSurvey& survey, OutputFile& output, ReportPage& page,
                                        std::string& error) {
   const RecordingKind& kind = recording.Kind();
   switch (job.options.task) {
@@ -193,6 +200,10 @@ std::unique_ptr<PingWriter> MakeWriter(const Job& job, const PingSource& recordi
       return std::make_unique<TextWriter>(output);
     case Task::netcdf:
       return MakeNetcdf(job, recording, channel, survey, output, error);
+    case Task::png:
+      return std::make_unique<PngWriter>(output, kind.soundSpeed_mps, job.options.picture);
+    case Task::report:
+      return std::make_unique<ReportWriter>(output, recording, WideName(job.file), page);
     case Task::segy: {
       SegyOptions segy{.paddedLength = 0, .numbered = job.options.numbered};
       if (job.options.pad && !LongestTrace(job, segy.paddedLength, error)) return nullptr;
@@ -237,14 +248,27 @@ bool Inform(const Job& job, Result& result) {
   const auto recording = Open(job.file, error);
   if (recording == nullptr) return false;
   Summary summary;
+  RecordingFigures figures;
   const bool whole = ForEachPing(job, *recording, "", [&](const RecordedPing& ping) {
     summary.Add(ping);
+    figures.Add(ping);
     return true;
   });
   if (!whole) return false;
   if (recording->Failed()) error = FaultText(RecordingFault::unread);
   if (!error.empty() || !IsRecording(*recording, summary.Pings(), error)) return false;
-  result.text = job.file + "\n" + summary.Text(*recording);
+  job.batch.totals.Add(*recording, figures);
+  switch (job.options.form) {
+    case InfoForm::lines:
+      result.text = job.file + "\n" + summary.Text(*recording) + FiguresText(*recording, figures);
+      break;
+    case InfoForm::json:
+      job.batch.told.push_back(FiguresJson(ReadableText(job.file), *recording, figures));
+      break;
+    case InfoForm::csv:
+      job.batch.told.push_back(FiguresCsvRow(ReadableText(job.file), *recording, figures));
+      break;
+  }
   NoteDamage(*recording, result);
   NoteSampling(*recording, result);
   return true;
@@ -274,11 +298,11 @@ class Watch final : public ConversionWatch {
 };
 
 // All pings, from the recording into the output.
-bool Convert(const Job& job, PingSource& recording, const Output& to, const RecordingSurvey& survey,
+bool Convert(const Job& job, PingSource& recording, Output& to, const RecordingSurvey& survey,
              Result& result) {
   std::string& error = result.text;
   OutputFile output(to.file.File());
-  const auto writer = MakeWriter(job, recording, to.channel, survey, output, error);
+  const auto writer = MakeWriter(job, recording, to.channel, survey, output, to.page, error);
   if (writer == nullptr) return false;
   Watch watch(job, recording);
   const ConversionEnd end = RunConversion(recording, *writer, watch);
@@ -292,7 +316,9 @@ bool Convert(const Job& job, PingSource& recording, const Output& to, const Reco
     error = writer->Emptiness();
   }
   NoteDamage(recording, result);
-  if (job.options.task == Task::segy || job.options.task == Task::netcdf) NoteSampling(recording, result);
+  const Task task = job.options.task;
+  if (task == Task::segy || task == Task::netcdf || task == Task::png || task == Task::report)
+    NoteSampling(recording, result);
   const std::string note = writer->Note();
   if (!note.empty()) Note(note, result);
   return error.empty();
@@ -341,18 +367,70 @@ bool Write(const Job& job, Result& result) {
     const std::wstring part = oneOfTwo ? L"_ch" + std::to_wstring(channel + 1) : L"";
     Output& output = outputs.emplace_back();
     output.channel = channel;
+    output.page.recording = ShownName(job.file);
     if (!Begin(job, output, part, error)) return false;
+    output.page.path = output.place.path;
     if (outputs.size() > 1 && !recording->Rewind()) error = FaultText(RecordingFault::unread);
     if (!error.empty() || !Convert(job, *recording, output, survey, result)) return false;
   }
   for (Output& output : outputs) {
     if (!Complete(output.file, output.place, result)) return false;
     job.batch.outputs.push_back(FullPath(output.place.path));
+    if (job.options.task != Task::report) continue;
+    output.page.track.ThinTo(kPointsOfIndex);
+    job.batch.pages.push_back(std::move(output.page));
+  }
+  return true;
+}
+
+constexpr const wchar_t* kIndexName = L"index.html";
+
+// The index over the pages in one folder (ending in its separator, or empty).
+bool WriteIndex(const std::wstring& folder, const std::vector<const ReportPage*>& pages,
+                const Options& options, const Batch& batch, Result& result) {
+  Place place{.path = folder + kIndexName};
+  if (!LookAt(place, "", options, batch, result.text)) return false;
+  WholeFile file;
+  if (!file.Create(place.path)) {
+    result.text = NarrowName(place.path) + " cannot be made: " + ReasonText(file.Error());
+    return false;
+  }
+  OutputFile output(file.File());
+  if (!PutText(output, ReportIndex(pages)) || !output.Flush()) {
+    result.text = NarrowName(place.path) + " cannot be written: " + ReasonText(output.Error());
+    return false;
+  }
+  return Complete(file, place, result);
+}
+
+// One in each folder that has pages.
+bool WriteIndexes(const Options& options, const Batch& batch, Result& result) {
+  std::map<std::wstring, std::vector<const ReportPage*>> folders;
+  for (const ReportPage& page : batch.pages)
+    folders[page.path.substr(0, page.path.size() - LastOfPath(page.path).size())].push_back(&page);
+  for (const auto& [folder, pages] : folders) {
+    if (!WriteIndex(folder, pages, options, batch, result)) return false;
   }
   return true;
 }
 
 }  // namespace
+
+Result EndBatch(const Options& options, Batch& batch) {
+  Result result;
+  result.done = true;
+  if (options.task == Task::report) {
+    result.done = WriteIndexes(options, batch, result);
+  } else if (options.task == Task::info && options.form == InfoForm::json) {
+    result.text = DocumentJson(batch.told, batch.totals);
+  } else if (options.task == Task::info && options.form == InfoForm::csv) {
+    result.text = FiguresCsvHeader();
+    for (const std::string& row : batch.told) result.text += row;
+  } else if (options.task == Task::info && options.files.size() > 1) {
+    result.text = TotalsText(batch.totals);
+  }
+  return result;
+}
 
 Batch BeginBatch(const Options& options) {
   Batch batch;

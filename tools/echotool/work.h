@@ -5,7 +5,9 @@
 #include <string>
 #include <vector>
 
+#include "tools/echotool/info_output.h"
 #include "tools/echotool/options.h"
+#include "tools/echotool/report_output.h"
 
 namespace tw::echotool {
 
@@ -20,6 +22,9 @@ struct Batch {
   std::vector<std::wstring> inputs;   // all recordings of the call
   std::vector<std::wstring> outputs;  // made so far
   size_t number = 0;                  // of the recording that is worked on, from 1
+  std::vector<std::string> told;      // info: of each recording, for programs
+  InfoTotals totals;                  // info
+  std::vector<ReportPage> pages;      // report: made so far
 };
 
 [[nodiscard]] Batch BeginBatch(const Options& options);
@@ -28,5 +33,8 @@ struct Batch {
 // `interrupted` is set.
 [[nodiscard]] Result WorkOn(const std::string& file, const Options& options,
                             const std::atomic<bool>& interrupted, Batch& batch);
+
+// Behind the last recording: what is told or made of all of them together. Not when interrupted.
+[[nodiscard]] Result EndBatch(const Options& options, Batch& batch);
 
 }  // namespace tw::echotool
