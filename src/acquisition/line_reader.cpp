@@ -33,6 +33,7 @@ void LineReader::Break() {
 }
 
 bool LineReader::Take(uint8_t byte) {
+  ++behindLead_;
   if (gathering_) Gather(byte);
   const std::string_view start = hunt_.Take(byte);
   if (!start.empty()) {
@@ -45,6 +46,7 @@ bool LineReader::Take(uint8_t byte) {
     Drop();
   } else if (!start_.empty() && start_ == form_.leading) {
     lineStart_ = length_;
+    behindLead_ = 0;
     gathering_ = false;
   } else if (std::exchange(broken_, false) && !leads) {
     Drop();

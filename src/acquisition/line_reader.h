@@ -40,6 +40,10 @@ class LineReader final : public StreamReader {
 
   // One line, both marks included, behind its leading line if there was one.
   [[nodiscard]] std::string_view Block() const override { return {buffer_, length_}; }
+  [[nodiscard]] size_t LastPiece() const override {
+    const size_t line = length_ - lineStart_;
+    return lineStart_ == 0 || behindLead_ == line ? length_ : line;
+  }
 
  private:
   [[nodiscard]] bool Take(uint8_t byte);
@@ -53,7 +57,8 @@ class LineReader final : public StreamReader {
   char buffer_[2 * kMaxLine];  // a leading line and a line
   size_t lineStart_ = 0;       // length of the leading line that is kept
   size_t length_ = 0;
-  std::string_view start_;  // of the line that is being gathered
+  uint64_t behindLead_ = 0;  // bytes that have come since the leading line
+  std::string_view start_;   // of the line that is being gathered
   bool gathering_;
   bool overlong_ = false;  // a line without a mark that is no longer gathered; its end is still waited for
   bool complete_ = false;

@@ -26,6 +26,10 @@ class StreamReader {
 
   // The last complete block.
   [[nodiscard]] virtual std::string_view Block() const = 0;
+
+  // How many bytes of its end came in one piece: all of them, unless the reader has left out what stood
+  // between two parts of it.
+  [[nodiscard]] virtual size_t LastPiece() const { return Block().size(); }
 };
 
 // A reader with all the memory that it will ever need; null without memory.

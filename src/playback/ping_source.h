@@ -30,6 +30,7 @@ struct RecordedPing {
   int64_t time_ms;
   bool hasMilliseconds;  // it tells `time_ms`, be it that of the ping before, finer than in seconds
   uint64_t begin;        // place of its first byte in the file
+  uint64_t recordBegin;  // the same of what was recorded with it: a line of its own may stand ahead of it
 };
 
 // What the recording's start tells. Texts are constants.

@@ -104,14 +104,17 @@ class Recording final : public PingSource {
 
   [[nodiscard]] bool Next(RecordedPing& ping) override {
     interrupted_ = false;
+    const uint64_t ahead = behind_;
     PassFrequencyLine();
     while (ReadBlock()) {
       const uint64_t end = source_.Position();
-      const uint64_t begin = end - reader_->Block().size();
+      const uint64_t begin = end - reader_->LastPiece();
       if (begin < earliest_ || !form_.parse(reader_->Block(), context_, ping_)) continue;
+      const uint64_t recordBegin = begin == behind_ ? ahead : begin;
       if (begin > behind_) skipped_ += begin - behind_;
       behind_ = end;
       Describe(begin, ping);
+      ping.recordBegin = recordBegin;
       return true;
     }
     if (interrupted_) return false;
@@ -172,8 +175,7 @@ class Recording final : public PingSource {
     ping_.channelFrequency_hz = 0;
   }
 
-  // Reads until the reader has a whole block. The block's bytes stood in one piece in the file, so that it
-  // began at source_.Position() - Block().size().
+  // Reads until the reader has a whole block. Its last piece stood in the file up to source_.Position().
   bool ReadBlock() {
     while (source_.Position() < reach_) {
       if (source_.Bytes().empty() && interruption_.isAsked != nullptr &&

@@ -33,7 +33,8 @@ def check_exit_codes(folder):
     shutil.copy(os.path.join(DATA, 'three_pings.log'), good)
     with open(bad, 'w') as out:
         out.write('no recording')
-    for words, code, told in ((['info', good], 0, ''), (['csv', good], 0, ''), (['--help'], 0, ''), (['--version'], 0, ''),
+    for words, code, told in ((['info', good], 0, ''), (['csv', good], 0, ''), (['--help'], 0, ''), (['check', bad], 1, 'echotool: %s: ' % bad),
+                              (['repair', good], 0, ''), (['--version'], 0, ''),
                               (['kml', bad, good], 1, 'echotool: %s: ' % bad), (['draw', good], 2, 'echotool: '),
                               ([], 2, 'echotool: ')):
         seen = run(*words)
@@ -41,6 +42,11 @@ def check_exit_codes(folder):
         expect('quiet but for errors, %s' % words, seen[2].startswith(told) and bool(told) == bool(seen[2]), seen)
         expect('answers to %s' % words, bool(seen[1]) == (words[:1] in (['info'], ['--help'], ['--version'])), seen)
     expect('the good one is done', os.path.exists(os.path.join(folder, 'good.kml')))
+    with open(good, 'rb') as whole, open(os.path.join(folder, 'damaged.log'), 'wb') as out:
+        out.write(whole.read()[:-1])
+    seen = run('check', good, out.name)
+    lines = ['%s: %s' % (good, 'time: '), '%s: %s' % (out.name, 'damaged: ')]
+    expect('faults', seen[0] == 1 and list(map(str.startswith, seen[1].splitlines(), lines)) == [True, True], seen)
     with open('/dev/full', 'w') as full:
         code = run('info', good, stdout=full, stderr=subprocess.DEVNULL)[0]
     expect('a report that nobody gets', code == 1, code)
@@ -54,12 +60,12 @@ def long_recording(folder):
     return path
 
 
-def check_interruption(folder, number):
+def check_interruption(folder, number, task='segy', ending='.sgy'):
     path = long_recording(folder)
-    older = os.path.join(folder, 'long.sgy')
+    older = os.path.join(folder, 'long' + ending)
     with open(older, 'w') as out:
         out.write('older')
-    process = subprocess.Popen([ECHOTOOL, 'segy', path], stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
+    process = subprocess.Popen([ECHOTOOL, task, path], stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
     deadline = time.monotonic() + 20
     while not os.path.exists(older + '.part') and time.monotonic() < deadline:
         time.sleep(0.01)
@@ -67,7 +73,7 @@ def check_interruption(folder, number):
     _, told = process.communicate(timeout=20)
     expect('exit code', process.returncode == 130, process.returncode)
     expect('it says so', told == 'echotool: %s: interrupted\n' % path, told)
-    expect('no half file', sorted(os.listdir(folder)) == ['long.log', 'long.sgy'], os.listdir(folder))
+    expect('no half file', sorted(os.listdir(folder)) == ['long.log', 'long' + ending], os.listdir(folder))
     with open(older) as kept:
         expect('the older output', kept.read() == 'older')
 
@@ -128,7 +134,7 @@ def check_bar(folder):
 
 
 for check, *arguments in ((check_exit_codes,), (check_interruption, signal.SIGINT), (check_interruption, signal.SIGTERM),
-                          (check_interruption, signal.SIGHUP), (check_interruption, signal.SIGQUIT),
+                          (check_interruption, signal.SIGHUP, 'repair', '_repaired.log'), (check_interruption, signal.SIGQUIT),
                           (check_strange_names,), (check_pictures,), (check_bar,)):
     with tempfile.TemporaryDirectory() as work:
         check(work, *arguments)

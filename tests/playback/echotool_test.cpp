@@ -539,6 +539,19 @@ TEST(Options, AreRead) {
       {{"png", "a.log", "--channel"}, "--channel needs 1 or 2"},
       {{"png", "--width", "8000", "--height", "4000", "a.log"}, "width times height is more than 4 million"},
       {{"report", "--height", "300", "a.log"}, "--width, --height, --depth and --channel belong to png"},
+      {{"cut", "a.log", "--from", "2024-02-29T23:59:59.5Z", "--area", "-5.5,-35,-5.5,40"}, ""},
+      {{"cut", "a.log"}, "--from, --to, --pings and --area belong to cut, which needs one of them"},
+      {{"csv", "a.log", "--to", "5"},
+       "--from, --to, --pings and --area belong to cut, which needs one of them"},
+      {{"cut", "a.log", "--to", "2023-02-29T00:00:00"},
+       "--to needs a time, as 2025-03-14T09:30:00 in UTC, or seconds from the start"},
+      {{"cut", "a.log", "--from", "nan"},
+       "--from needs a time, as 2025-03-14T09:30:00 in UTC, or seconds from the start"},
+      {{"cut", "a.log", "--pings", "9-8"}, "--pings needs the first and the last number, as 100-250"},
+      {{"cut", "a.log", "--area", "1,2,3,91"},
+       "--area needs west, south, east and north in degrees, as -5.5,35,3,40.25"},
+      {{"check", "a.log", "-o", "out"}, "check writes no files"},
+      {{"join", "a.log"}, "join needs two recordings or more"},
   };
   for (const auto& row : rows) {
     Options options;

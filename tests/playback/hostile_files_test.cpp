@@ -25,8 +25,9 @@ namespace {
 using echotool::Task;
 
 constexpr size_t kLineEnd = 2;
-constexpr Task kOutputTasks[] = {Task::segy,    Task::text, Task::csv,  Task::kml, Task::netcdf, Task::gpx,
-                                 Task::geojson, Task::xyz,  Task::nmea, Task::png, Task::report};
+constexpr Task kOutputTasks[] = {Task::segy,   Task::text, Task::csv,     Task::kml,
+                                 Task::netcdf, Task::gpx,  Task::geojson, Task::xyz,
+                                 Task::nmea,   Task::png,  Task::report,  Task::repair};
 const SampleKind kFrames{"Frames", sim::DeviceFamily::first, 100};
 const SampleKind kFramesWithoutInfo{"FramesAlone", sim::DeviceFamily::first, 100, false};
 

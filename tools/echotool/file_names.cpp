@@ -22,7 +22,14 @@ size_t BeginOfName(std::wstring_view path) {
 std::wstring_view EndingOf(Task task) {
   switch (task) {
     case Task::info:
+    case Task::check:
       break;
+    case Task::repair:
+      return L"_repaired.log";
+    case Task::cut:
+      return L"_cut.log";
+    case Task::join:
+      return L"_joined.log";
     case Task::segy:
       return L".sgy";
     case Task::text:

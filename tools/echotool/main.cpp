@@ -50,8 +50,9 @@ int Run(const std::vector<std::string>& arguments) {
   Batch batch = BeginBatch(options);
   for (const std::string& file : options.files) {
     const Result result = WorkOn(file, options, interrupted, batch);
-    failed = !Tell(result) || !result.done || failed;
+    failed = !Tell(result) || !result.done || !result.sound || failed;
     if (interrupted.load()) return kInterrupted;
+    if (options.task == Task::join) break;  // has been given them all
   }
   const Result end = EndBatch(options, batch);
   failed = !Tell(end) || !end.done || failed;

@@ -14,9 +14,10 @@ struct TaskName {
 };
 
 constexpr TaskName kTasks[] = {
-    {"info", Task::info}, {"segy", Task::segy},     {"text", Task::text}, {"csv", Task::csv},
-    {"kml", Task::kml},   {"netcdf", Task::netcdf}, {"gpx", Task::gpx},   {"geojson", Task::geojson},
-    {"xyz", Task::xyz},   {"nmea", Task::nmea},     {"png", Task::png},   {"report", Task::report},
+    {"info", Task::info}, {"segy", Task::segy},     {"text", Task::text},   {"csv", Task::csv},
+    {"kml", Task::kml},   {"netcdf", Task::netcdf}, {"gpx", Task::gpx},     {"geojson", Task::geojson},
+    {"xyz", Task::xyz},   {"nmea", Task::nmea},     {"check", Task::check}, {"repair", Task::repair},
+    {"cut", Task::cut},   {"join", Task::join},     {"png", Task::png},     {"report", Task::report},
 };
 
 constexpr std::string_view kHelp =
@@ -35,6 +36,14 @@ constexpr std::string_view kHelp =
     "_ch2.nc)\n"
     "  echotool png  FILE... [-o DIR]   the echogram as a picture (NAME.png)\n"
     "  echotool report FILE... [-o DIR] a page to read each (NAME.html), and index.html over all\n"
+    "  echotool check FILE...           a line for each fault of a recording, exit code 1 if there is one\n"
+    "  echotool repair FILE... [-o DIR] the whole pings of a damaged recording (NAME_repaired.log)\n"
+    "  echotool cut FILE... [-o DIR]    the pings chosen (NAME_cut.log), which all that is given must fit:\n"
+    "      --from T --to T  from T on, before T: UTC as 2025-03-14T09:30:00, or seconds from the start\n"
+    "      --pings A-B      by their numbers, both included\n"
+    "      --area W,S,E,N   by position, degrees; W greater than E: across the 180th meridian\n"
+    "  echotool join FILE... [-o DIR]   one recording of several of one channel, in order of time\n"
+    "                                   (the first one's NAME_joined.log)\n"
     "\n"
     "  -o DIR        where outputs are written; without it beside each recording\n"
     "  --pad         segy: every trace as long as the longest, zeros behind, for readers that want it so\n"
@@ -60,7 +69,7 @@ constexpr std::string_view kHelp =
     "\n"
     "An output appears whole or not at all, and never replaces a recording of the same call. What was\n"
     "replaced, left out or skipped as damaged is told on standard error. Exit code: 0 all files done,\n"
-    "1 at least one failed, 2 the command line makes no sense, 130 interrupted.\n";
+    "1 at least one failed or, of check, has a fault, 2 the command line makes no sense, 130 interrupted.\n";
 
 constexpr std::string_view kVersion = "echotool " TW_VERSION "\n";
 
@@ -113,6 +122,7 @@ std::optional<bool> TakePictureOption(const std::string& word, std::span<const s
 bool TakeOption(const std::string& word, std::span<const std::string>& rest, Options& options,
                 std::string& error) {
   if (const auto taken = TakePictureOption(word, rest, options.picture, error)) return *taken;
+  if (const auto taken = TakeSelectionOption(word, rest, options.selection, error)) return *taken;
   if (word == "--help" || word == "-h") {
     options.help = true;
   } else if (word == "--version") {
@@ -190,6 +200,12 @@ bool ParseOptions(std::span<const std::string> arguments, Options& options, std:
     error = "--width, --height, --depth and --channel belong to png";
   } else if (uint64_t{options.picture.width} * options.picture.height > kMostPixels) {
     error = "width times height is more than 4 million";
+  } else if (options.selection.Any() != (options.task == Task::cut)) {
+    error = "--from, --to, --pings and --area belong to cut, which needs one of them";
+  } else if (!options.folder.empty() && options.task == Task::check) {
+    error = "check writes no files";
+  } else if (options.task == Task::join && options.files.size() < 2) {
+    error = "join needs two recordings or more";
   } else if (!options.folder.empty() && options.task == Task::info) {
     error = "info writes no files";
   } else if (options.force && options.noClobber) {

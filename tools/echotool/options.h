@@ -7,11 +7,29 @@
 #include <string_view>
 #include <vector>
 
+#include "tools/echotool/selection.h"
 #include "tools/echotool/xyz_options.h"
 
 namespace tw::echotool {
 
-enum class Task : uint8_t { info, segy, text, csv, kml, netcdf, gpx, geojson, xyz, nmea, png, report };
+enum class Task : uint8_t {
+  info,
+  segy,
+  text,
+  csv,
+  kml,
+  netcdf,
+  gpx,
+  geojson,
+  xyz,
+  nmea,
+  check,
+  repair,
+  cut,
+  join,
+  png,
+  report
+};
 enum class InfoForm : uint8_t { lines, json, csv };
 
 inline constexpr uint32_t kMostPictureColumns = 4'000;  // of a picture whose width is not asked for
@@ -34,6 +52,7 @@ struct Options {
   bool numbered = false;  // SEG-Y: inline and crossline numbers
   InfoForm form = InfoForm::lines;
   PictureOptions picture;
+  Selection selection;     // cut: which pings
   bool force = false;      // an output may replace a recording
   bool noClobber = false;  // no output replaces anything
   XyzOptions xyz;

@@ -16,6 +16,10 @@ bool Contains(const std::vector<std::wstring>& paths, const std::wstring& path) 
   return std::find(paths.begin(), paths.end(), path) != paths.end();
 }
 
+bool MakesRecording(Task task) {
+  return task == Task::text || task == Task::repair || task == Task::cut || task == Task::join;
+}
+
 enum class Found : uint8_t { recording, anotherFile, unreadable };
 
 Found LookInside(const std::wstring& path) {
@@ -37,7 +41,7 @@ bool LookAtFile(Place& place, const Options& options, std::string& error) {
       return false;
     case Found::recording:
       place.mustHold = true;
-      if (options.task != Task::text) error = IsRecordingText(place);
+      if (!MakesRecording(options.task)) error = IsRecordingText(place);
       return error.empty();
   }
   return false;

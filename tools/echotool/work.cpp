@@ -11,14 +11,17 @@
 #include "playback/conversion_run.h"
 #include "playback/ping_source.h"
 #include "playback/recording_marks.h"
+#include "tools/echotool/checking.h"
 #include "tools/echotool/console.h"
 #include "tools/echotool/converter_output.h"
 #include "tools/echotool/file_names.h"
 #include "tools/echotool/file_sum.h"
+#include "tools/echotool/joining.h"
 #include "tools/echotool/map_output.h"
 #include "tools/echotool/netcdf_output.h"
 #include "tools/echotool/nmea_output.h"
 #include "tools/echotool/png_output.h"
+#include "tools/echotool/recording_output.h"
 #include "tools/echotool/replacing.h"
 #include "tools/echotool/report_index.h"
 #include "tools/echotool/summary.h"
@@ -36,6 +39,7 @@ struct Job {
   const Options& options;
   const std::atomic<bool>& interrupted;
   Batch& batch;
+  std::vector<std::wstring> following = {};  // join: what comes behind the file
 };
 
 std::string FaultText(RecordingFault fault) {
@@ -180,12 +184,18 @@ std::unique_ptr<PingWriter> MakeNetcdf(const Job& job, const PingSource& recordi
 }
 
 std::unique_ptr<PingWriter> MakeWriter(const Job& job, const PingSource& recording, int32_t channel,
-                                       const RecordingSurvey& survey, OutputFile& output, ReportPage& page,
-                                       std::string& error) {
+                                       const RecordingSurvey& survey, Handle file, OutputFile& output,
+                                       ReportPage& page, std::string& error) {
   const RecordingKind& kind = recording.Kind();
   switch (job.options.task) {
     case Task::info:
+    case Task::check:
       return nullptr;
+    case Task::repair:
+    case Task::cut:
+    case Task::join:
+      return std::make_unique<RecordingWriter>(CopiedFiles{recording, WideName(job.file), job.following},
+                                               file, output, job.options.selection, job.interrupted);
     case Task::csv:
       return std::make_unique<CsvWriter>(output);
     case Task::kml:
@@ -274,6 +284,25 @@ bool Inform(const Job& job, Result& result) {
   return true;
 }
 
+bool LookForFaults(const Job& job, Result& result) {
+  std::string& error = result.text;
+  const auto recording = Open(job.file, error);
+  if (recording == nullptr) return false;
+  Check check;
+  uint64_t pings = 0;
+  const bool whole = ForEachPing(job, *recording, "", [&](const RecordedPing& ping) {
+    ++pings;
+    check.Add(ping, recording->Kind().hasSamples);  // others are counted by their reader
+    return true;
+  });
+  if (!whole) return false;
+  if (recording->Failed()) error = FaultText(RecordingFault::unread);
+  if (!error.empty() || !IsRecording(*recording, pings, error)) return false;
+  result.text = check.Text(job.file, *recording);
+  result.sound = result.text.empty();
+  return true;
+}
+
 // Counts the pings of a conversion for its bar, and ends it when the user wants that.
 class Watch final : public ConversionWatch {
  public:
@@ -302,7 +331,7 @@ bool Convert(const Job& job, PingSource& recording, Output& to, const RecordingS
              Result& result) {
   std::string& error = result.text;
   OutputFile output(to.file.File());
-  const auto writer = MakeWriter(job, recording, to.channel, survey, output, to.page, error);
+  const auto writer = MakeWriter(job, recording, to.channel, survey, to.file.File(), output, to.page, error);
   if (writer == nullptr) return false;
   Watch watch(job, recording);
   const ConversionEnd end = RunConversion(recording, *writer, watch);
@@ -414,6 +443,61 @@ bool WriteIndexes(const Options& options, const Batch& batch, Result& result) {
   return true;
 }
 
+bool Describe(const Job& job, std::vector<Part>& parts, std::string& error) {
+  const auto recording = Open(job.file, error);
+  if (recording == nullptr) return false;
+  Part& part = parts.emplace_back(job.file, *recording);
+  const bool whole = ForEachPing(job, *recording, " (measuring)", [&](const RecordedPing& ping) {
+    part.Add(ping);
+    return true;
+  });
+  if (whole && recording->Failed()) error = FaultText(RecordingFault::unread);
+  return whole && error.empty();
+}
+
+// All recordings of the call in order of time, as one.
+bool Join(const Job& job, Result& result) {
+  std::vector<Part> parts;
+  for (const std::string& file : job.options.files) {
+    if (!Describe({file, job.options, job.interrupted, job.batch}, parts, result.text)) {
+      result.text = file + ": " + result.text;
+      return false;
+    }
+  }
+  if (!PutInOrder(parts, result.text)) return false;
+  Job all{parts.front().file, job.options, job.interrupted, job.batch};
+  for (size_t i = 1; i < parts.size(); ++i) all.following.push_back(WideName(parts[i].file));
+  if (Write(all, result)) return true;
+  result.text = all.file + ": " + result.text;
+  return false;
+}
+
+bool Do(const Job& job, Result& result) {
+  switch (job.options.task) {
+    case Task::info:
+      return Inform(job, result);
+    case Task::check:
+      return LookForFaults(job, result);
+    case Task::join:
+      return Join(job, result);
+    case Task::segy:
+    case Task::text:
+    case Task::csv:
+    case Task::kml:
+    case Task::netcdf:
+    case Task::gpx:
+    case Task::geojson:
+    case Task::xyz:
+    case Task::nmea:
+    case Task::repair:
+    case Task::cut:
+    case Task::png:
+    case Task::report:
+      return Write(job, result);
+  }
+  return false;
+}
+
 }  // namespace
 
 Result EndBatch(const Options& options, Batch& batch) {
@@ -434,7 +518,7 @@ Result EndBatch(const Options& options, Batch& batch) {
 
 Batch BeginBatch(const Options& options) {
   Batch batch;
-  if (options.task == Task::info) return batch;
+  if (options.task == Task::info || options.task == Task::check) return batch;
   for (const std::string& file : options.files) batch.inputs.push_back(FullPath(WideName(file)));
   return batch;
 }
@@ -444,9 +528,9 @@ Result WorkOn(const std::string& file, const Options& options, const std::atomic
   ++batch.number;
   const Job job{file, options, interrupted, batch};
   Result result;
-  result.done = options.task == Task::info ? Inform(job, result) : Write(job, result);
+  result.done = Do(job, result);
   if (interrupted.load() && !result.done) result.text = "interrupted";
-  if (!result.done) result.text = file + ": " + result.text;
+  if (!result.done && options.task != Task::join) result.text = file + ": " + result.text;
   for (std::string& note : result.notes) note = file + ": " + note;
   return result;
 }

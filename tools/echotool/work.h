@@ -13,6 +13,7 @@ namespace tw::echotool {
 
 struct Result {
   bool done = false;
+  bool sound = true;               // check: the recording has no fault
   std::string text;                // for the user: a report, or what went wrong
   std::vector<std::string> notes;  // for the user too, of what was done: damage, what was cut or replaced
 };
