@@ -42,13 +42,11 @@ bool LineReader::Take(uint8_t byte) {
   }
   if (!gathering_ || byte != static_cast<uint8_t>(form_.end.back()) || !AtEnd()) return false;
   const bool leads = lineStart_ != 0;
-  if (overlong_) {
-    Drop();
-  } else if (!start_.empty() && start_ == form_.leading) {
+  if (!overlong_ && !start_.empty() && start_ == form_.leading) {
     lineStart_ = length_;
     behindLead_ = 0;
     gathering_ = false;
-  } else if (std::exchange(broken_, false) && !leads) {
+  } else if (overlong_ || (std::exchange(broken_, false) && !leads)) {
     Drop();
   } else {
     complete_ = true;
