@@ -112,8 +112,8 @@ void OverviewMaker::LookForBegin() {
 
 // The last ping that tells a time, looked for in a longer and longer last part of the file.
 void OverviewMaker::LookForEnd() {
-  constexpr uint64_t kShortest = 64 * 1024;
-  constexpr uint64_t kLongest = 16 * 1024 * 1024;
+  constexpr uint64_t kShortest = uint64_t{64} * 1024;
+  constexpr uint64_t kLongest = uint64_t{16} * 1024 * 1024;
   int64_t end_ms = kNoRecordedTime;
   endSize_ = recording_.Size();
   for (uint64_t part = kShortest; end_ms == kNoRecordedTime && part <= kLongest && !IsAsked(); part *= 4) {

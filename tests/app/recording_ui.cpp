@@ -112,7 +112,7 @@ void SetStatusText(AppState&, StatusPart part, const wchar_t* text) {
 }
 
 void ShowNotice(AppState&, const wchar_t* text) {
-  Ui().notices.push_back(text);
+  Ui().notices.emplace_back(text);
 }
 void OpenFolder(AppState&, const wchar_t* path, bool select) {
   Ui().folders.push_back((select ? L"file " : L"folder ") + std::wstring(path));

@@ -96,7 +96,7 @@ std::string CrashedDisk::Pages(const File& file, std::mt19937& random) {
   std::string content = file.content;
   for (size_t at = file.flushed.size(); at < content.size(); at = (at / kPage + 1) * kPage) {
     const size_t end = std::min(content.size(), (at / kPage + 1) * kPage);
-    if (random() % 2 == 0) std::fill(content.begin() + at, content.begin() + end, '\0');
+    if (random() % 2 == 0) std::fill_n(content.data() + at, end - at, '\0');
   }
   return content;
 }
