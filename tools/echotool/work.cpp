@@ -1,7 +1,6 @@
 #include "tools/echotool/work.h"
 
 #include <algorithm>
-#include <cmath>
 #include <list>
 #include <map>
 #include <memory>
@@ -9,121 +8,25 @@
 #include "platform/file.h"
 #include "platform/system_error.h"
 #include "playback/conversion_run.h"
-#include "playback/ping_source.h"
-#include "playback/recording_marks.h"
 #include "tools/echotool/checking.h"
-#include "tools/echotool/console.h"
-#include "tools/echotool/converter_output.h"
-#include "tools/echotool/file_names.h"
-#include "tools/echotool/file_sum.h"
+#include "tools/echotool/job.h"
 #include "tools/echotool/joining.h"
-#include "tools/echotool/map_output.h"
-#include "tools/echotool/netcdf_output.h"
-#include "tools/echotool/nmea_output.h"
-#include "tools/echotool/png_output.h"
-#include "tools/echotool/recording_output.h"
 #include "tools/echotool/replacing.h"
 #include "tools/echotool/report_index.h"
 #include "tools/echotool/summary.h"
-#include "tools/echotool/track_output.h"
 #include "tools/echotool/whole_file.h"
-#include "tools/echotool/xyz_output.h"
+#include "tools/echotool/writers.h"
 
 namespace tw::echotool {
 namespace {
 
 constexpr size_t kPointsOfIndex = 64;  // of each recording: a season has thousands
 
-struct Job {
-  const std::string& file;
-  const Options& options;
-  const std::atomic<bool>& interrupted;
-  Batch& batch;
-  std::vector<std::wstring> following = {};  // join: what comes behind the file
-};
-
-std::string FaultText(RecordingFault fault) {
-  switch (fault) {
-    case RecordingFault::none:
-      return "";
-    case RecordingFault::notOpened:
-      return "cannot be opened: " + ReasonText(LastSystemError());
-    case RecordingFault::unknown:
-      return "is no recording of a known kind";
-    case RecordingFault::noPing:
-      return "holds no ping";
-    case RecordingFault::unread:
-      return "cannot be read";
-    case RecordingFault::noMemory:
-      return "needs more memory than there is";
-  }
-  return "";
-}
-
-std::unique_ptr<PingSource> Open(const std::string& file, std::string& error) {
-  const std::wstring path = WideName(file);
-  RecordingFault fault = RecordingFault::none;
-  auto recording = OpenRecording(path.c_str(), fault);
-  if (recording != nullptr) return recording;
-  error = FaultText(fault);
-  const PathKind kind = KindOfPath(path.c_str());
-  if (kind == PathKind::folder) error = "is a folder";
-  if (kind == PathKind::other)
-    error = "is no file that can be read twice, but a pipe, a device or a broken link";
-  return nullptr;
-}
-
-// Hands each ping to `take` until it declines. False when interrupted, be it in the middle of garbage.
-template <typename Take>
-bool ForEachPing(const Job& job, PingSource& recording, const char* label, Take take) {
-  const auto isInterrupted = [](void* watched) {
-    return static_cast<const Job*>(watched)->interrupted.load();
-  };
-  Job watched = job;
-  recording.SetInterruption({isInterrupted, &watched});
-  ProgressBar bar({job.batch.number, job.options.files.size()}, ShownName(job.file), label, recording.Size());
-  RecordedPing ping{};
-  while (!job.interrupted.load(std::memory_order_relaxed) && recording.Next(ping)) {
-    bar.Show(recording.Position());
-    if (!take(ping)) break;
-  }
-  recording.SetInterruption({});
-  return !job.interrupted.load();
-}
-
 bool LooksConvertible(Task task, const RecordingKind& kind, std::string& error) {
   if ((task == Task::segy || task == Task::text || task == Task::png) && !kind.hasSamples)
     error = "holds no echoes to convert";
   if (task == Task::text && kind.isText) error = "is text already";
   return error.empty();
-}
-
-bool LongestTrace(const Job& job, uint32_t& longest, std::string& error) {
-  const auto recording = Open(job.file, error);
-  if (recording == nullptr) return false;
-  Summary summary;
-  const bool whole = ForEachPing(job, *recording, " (measuring)", [&](const RecordedPing& ping) {
-    summary.Add(ping);
-    return true;
-  });
-  longest = summary.LongestTrace();
-  if (recording->Failed()) error = FaultText(RecordingFault::unread);
-  return whole && !recording->Failed();
-}
-
-// The first pass of an output that has to know its form beforehand.
-bool Survey(const Job& job, RecordingSurvey& survey, std::string& error) {
-  const auto recording = Open(job.file, error);
-  if (recording == nullptr) return false;
-  const bool whole = ForEachPing(job, *recording, " (measuring)", [&](const RecordedPing& ping) {
-    survey.Add(ping);
-    return true;
-  });
-  survey.samplingAssumed = recording->IsSamplingAssumed();
-  const bool read = !recording->Failed() && (job.options.task != Task::netcdf ||
-                                             SumOfFile(WideName(job.file), job.interrupted, survey.sha256));
-  if (whole && !read) error = FaultText(RecordingFault::unread);
-  return whole && read;
 }
 
 // An output of a recording: all of it, or one of its channels.
@@ -133,95 +36,6 @@ struct Output {
   int32_t channel = 0;
   ReportPage page;
 };
-
-// The operator's marks from the first ping's time to the second of the last one's. False when the recording
-// cannot be read to find these.
-bool FindMarks(const Job& job, std::vector<EventMark>& marks, std::string& error) {
-  marks = ReadMarksBeside(WideName(job.file));
-  RecordingSurvey survey;
-  if (marks.empty()) return true;
-  if (!Survey(job, survey, error)) return false;
-  constexpr int64_t kSecond_ms = 1'000;
-  std::erase_if(marks, [&](const EventMark& mark) {
-    return !survey.first_ms || mark.time_ms < *survey.first_ms ||
-           mark.time_ms >= *survey.last_ms + kSecond_ms;
-  });
-  return true;
-}
-
-std::unique_ptr<PingWriter> MakeMap(const Job& job, OutputFile& output, std::string& error) {
-  std::vector<EventMark> marks;
-  if (!FindMarks(job, marks, error)) return nullptr;
-  const std::string name = ShownName(job.file);
-  if (job.options.task == Task::gpx) return std::make_unique<GpxWriter>(output, name, std::move(marks));
-  if (job.options.task == Task::geojson)
-    return std::make_unique<GeoJsonWriter>(output, name, std::move(marks));
-  return std::make_unique<KmlWriter>(output, name, std::move(marks));
-}
-
-std::unique_ptr<PingWriter> MakeXyz(const Job& job, const RecordingKind& kind, OutputFile& output,
-                                    std::string& error) {
-  const XyzOptions& options = job.options.xyz;
-  Tide tide;
-  if (!options.tide.empty() && !tide.Read(options.tide, error)) return nullptr;
-  double scale = 1;
-  if (options.soundSpeed_mps > 0) {
-    scale = options.soundSpeed_mps / static_cast<double>(kind.soundSpeed_mps);
-    if (!kind.hasInfo || !(kind.soundSpeed_mps > 0.0f) || !std::isfinite(kind.soundSpeed_mps))
-      error = "tells no speed of sound, which --sound-speed needs";
-  }
-  if (!error.empty()) return nullptr;
-  return std::make_unique<XyzWriter>(output, options, scale, std::move(tide));
-}
-
-std::unique_ptr<PingWriter> MakeNetcdf(const Job& job, const PingSource& recording, int32_t channel,
-                                       const RecordingSurvey& survey, OutputFile& output,
-                                       std::string& error) {
-  auto writer =
-      std::make_unique<NetcdfWriter>(output, NetcdfTold{recording, survey, ShownName(job.file), channel});
-  if (!writer->Prepare(error)) return nullptr;
-  return writer;
-}
-
-std::unique_ptr<PingWriter> MakeWriter(const Job& job, const PingSource& recording, int32_t channel,
-                                       const RecordingSurvey& survey, Handle file, OutputFile& output,
-                                       ReportPage& page, std::string& error) {
-  const RecordingKind& kind = recording.Kind();
-  switch (job.options.task) {
-    case Task::info:
-    case Task::check:
-      return nullptr;
-    case Task::repair:
-    case Task::cut:
-    case Task::join:
-      return std::make_unique<RecordingWriter>(CopiedFiles{recording, WideName(job.file), job.following},
-                                               file, output, job.options.selection, job.interrupted);
-    case Task::csv:
-      return std::make_unique<CsvWriter>(output);
-    case Task::kml:
-    case Task::gpx:
-    case Task::geojson:
-      return MakeMap(job, output, error);
-    case Task::xyz:
-      return MakeXyz(job, kind, output, error);
-    case Task::nmea:
-      return std::make_unique<NmeaWriter>(output);
-    case Task::text:
-      return std::make_unique<TextWriter>(output);
-    case Task::netcdf:
-      return MakeNetcdf(job, recording, channel, survey, output, error);
-    case Task::png:
-      return std::make_unique<PngWriter>(output, kind.soundSpeed_mps, job.options.picture);
-    case Task::report:
-      return std::make_unique<ReportWriter>(output, recording, WideName(job.file), page);
-    case Task::segy: {
-      SegyOptions segy{.paddedLength = 0, .numbered = job.options.numbered};
-      if (job.options.pad && !LongestTrace(job, segy.paddedLength, error)) return nullptr;
-      return std::make_unique<SegyWriter>(output, kind.soundSpeed_mps, segy);
-    }
-  }
-  return nullptr;
-}
 
 // Judges a recording that has been read to its end. What has neither settings nor a binary mark and hardly a
 // ping is something else, in which a few bytes look like a line.
@@ -255,7 +69,7 @@ void NoteSampling(const PingSource& recording, Result& result) {
 
 bool Inform(const Job& job, Result& result) {
   std::string& error = result.text;
-  const auto recording = Open(job.file, error);
+  const auto recording = OpenInput(job.file, error);
   if (recording == nullptr) return false;
   Summary summary;
   RecordingFigures figures;
@@ -286,7 +100,7 @@ bool Inform(const Job& job, Result& result) {
 
 bool LookForFaults(const Job& job, Result& result) {
   std::string& error = result.text;
-  const auto recording = Open(job.file, error);
+  const auto recording = OpenInput(job.file, error);
   if (recording == nullptr) return false;
   Check check;
   uint64_t pings = 0;
@@ -386,7 +200,7 @@ bool Begin(const Job& job, Output& output, const std::wstring& part, std::string
 
 bool Write(const Job& job, Result& result) {
   std::string& error = result.text;
-  const auto recording = Open(job.file, error);
+  const auto recording = OpenInput(job.file, error);
   if (recording == nullptr || !LooksConvertible(job.options.task, recording->Kind(), error)) return false;
   RecordingSurvey survey;
   if (job.options.task == Task::netcdf && !Survey(job, survey, error)) return false;
@@ -444,7 +258,7 @@ bool WriteIndexes(const Options& options, const Batch& batch, Result& result) {
 }
 
 bool Describe(const Job& job, std::vector<Part>& parts, std::string& error) {
-  const auto recording = Open(job.file, error);
+  const auto recording = OpenInput(job.file, error);
   if (recording == nullptr) return false;
   Part& part = parts.emplace_back(job.file, *recording);
   const bool whole = ForEachPing(job, *recording, " (measuring)", [&](const RecordedPing& ping) {
