@@ -1,58 +1,84 @@
 #include "tools/echotool/escapes.h"
 
-#include <cinttypes>
-
-#include "base/calendar.h"
 #include "base/text_format.h"
 
 namespace tw::echotool {
+namespace {
 
-std::string EscapedXml(std::string_view text) {
+bool IsControl(char c) {
+  return static_cast<unsigned char>(c) < ' ' || c == 0x7F;
+}
+
+bool StandsInLinks(char c) {
+  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-' || c == '_' ||
+         c == '.' || c == '~';
+}
+
+std::string_view EntityOf(char c) {
+  switch (c) {
+    case '&':
+      return "&amp;";
+    case '<':
+      return "&lt;";
+    case '>':
+      return "&gt;";
+    case '"':
+      return "&quot;";
+    case '\'':
+      return "&#39;";
+    default:
+      return {};
+  }
+}
+
+}  // namespace
+
+std::string MarkupText(std::string_view text) {
   std::string out;
   for (const char c : text) {
-    switch (c) {
-      case '&':
-        out += "&amp;";
-        break;
-      case '<':
-        out += "&lt;";
-        break;
-      case '>':
-        out += "&gt;";
-        break;
-      case '"':
-        out += "&quot;";
-        break;
-      default:  // control characters are none of XML
-        out += static_cast<unsigned char>(c) < ' ' ? ' ' : c;
+    const std::string_view entity = EntityOf(c);
+    if (!entity.empty()) {
+      out += entity;
+    } else {
+      out += IsControl(c) ? ' ' : c;
     }
   }
   return out;
 }
 
-std::string JsonText(std::string_view text) {
+std::string QuotedJson(std::string_view text) {
   std::string out = "\"";
   for (const char c : text) {
-    char escaped[8];
-    if (static_cast<unsigned char>(c) < ' ') {
-      out.append(escaped, FormatText(escaped, "\\u%04x", static_cast<unsigned>(c)));
-    } else {
-      if (c == '"' || c == '\\') out += '\\';
-      out += c;
-    }
+    if (c == '"' || c == '\\') out += '\\';
+    out += IsControl(c) ? ' ' : c;
   }
   return out + '"';
 }
 
-std::string IsoTime(int64_t time_ms) {
-  const CalendarTime t = CalendarFromUnixSeconds(time_ms / 1000);
-  const auto milliseconds = static_cast<int32_t>(time_ms % 1000);
-  char text[64];
-  size_t size =
-      FormatText(text, "%04" PRId32 "-%02" PRId32 "-%02" PRId32 "T%02" PRId32 ":%02" PRId32 ":%02" PRId32,
-                 t.year, t.month, t.day, t.hour, t.minute, t.second);
-  if (milliseconds != 0) size += FormatText(std::span(text).subspan(size), ".%03" PRId32, milliseconds);
-  return std::string(text, size) + 'Z';
+std::string CsvCell(std::string_view text) {
+  constexpr std::string_view kFormula = "=+-@";
+  std::string cell;
+  if (!text.empty() && kFormula.find(text[0]) != std::string_view::npos) cell += '\'';
+  bool quoted = false;
+  for (const char c : text) {
+    quoted = quoted || c == ',' || c == '"' || c == ';';
+    if (c == '"') cell += '"';
+    cell += IsControl(c) ? ' ' : c;
+  }
+  return quoted ? '"' + cell + '"' : cell;
+}
+
+std::string LinkText(std::string_view name) {
+  std::string out;
+  for (const char c : name) {
+    char code[8];
+    if (StandsInLinks(c)) {
+      out += c;
+    } else {
+      out.append(code, FormatText(code, "%%%02X", static_cast<unsigned>(static_cast<unsigned char>(c))));
+    }
+  }
+  return out;
 }
 
 }  // namespace tw::echotool

@@ -1,19 +1,23 @@
-// Texts as other formats want them. Pure; any thread.
+// Foreign text (names of files, identities, words of marks) on its way into a format that gives some of its
+// characters a meaning. What is no character to show becomes a blank. Pure; any thread.
 #pragma once
 
-#include <cstdint>
 #include <string>
 #include <string_view>
 
 namespace tw::echotool {
 
-// UTF-8 as the content of an XML element or of an attribute in double quotes.
-[[nodiscard]] std::string EscapedXml(std::string_view text);
+// For HTML, SVG and other XML, between tags and within quoted attributes.
+[[nodiscard]] std::string MarkupText(std::string_view text);
 
-// UTF-8 as a JSON string, with its quotes.
-[[nodiscard]] std::string JsonText(std::string_view text);
+// With its quotes.
+[[nodiscard]] std::string QuotedJson(std::string_view text);
 
-// "2026-05-01T09:30:00Z", with milliseconds where there are any; UTC, from milliseconds since 1970.
-[[nodiscard]] std::string IsoTime(int64_t time_ms);
+// A cell of a comma-separated table, in quotes where it needs them. Behind an apostrophe where a spreadsheet
+// would take it for a formula.
+[[nodiscard]] std::string CsvCell(std::string_view text);
+
+// The name of a file as a relative link, for an attribute.
+[[nodiscard]] std::string LinkText(std::string_view name);
 
 }  // namespace tw::echotool

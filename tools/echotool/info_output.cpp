@@ -4,9 +4,9 @@
 #include <cinttypes>
 #include <cmath>
 
-#include "base/calendar.h"
 #include "base/text_format.h"
-#include "tools/echotool/cell_text.h"
+#include "tools/echotool/escapes.h"
+#include "tools/echotool/iso_time.h"
 #include "tools/echotool/summary.h"
 
 namespace tw::echotool {
@@ -73,7 +73,7 @@ std::string Told(bool known, double value, int decimals) {
 }
 
 std::string TimeField(const RecordingFigures& figures, int64_t time_ms) {
-  return figures.timed != 0 ? IsoMilliseconds(time_ms) : "";
+  return figures.timed != 0 ? IsoTime(time_ms, Milliseconds::always) : "";
 }
 
 void AddExtent(std::vector<Field>& fields, const char* low, const char* high, const Extent& extent,
@@ -142,16 +142,6 @@ std::string ObjectOf(const std::vector<Field>& fields, std::string_view indent) 
 
 }  // namespace
 
-std::string IsoMilliseconds(int64_t time_ms) {
-  const CalendarTime t = CalendarFromUnixSeconds(time_ms / kSecond_ms);
-  char text[64];
-  return {
-      text,
-      FormatText(text,
-                 "%04" PRId32 "-%02" PRId32 "-%02" PRId32 "T%02" PRId32 ":%02" PRId32 ":%02" PRId32 ".%03dZ",
-                 t.year, t.month, t.day, t.hour, t.minute, t.second, static_cast<int>(time_ms % kSecond_ms))};
-}
-
 std::string DurationText(int64_t duration_ms) {
   const int64_t seconds = duration_ms / kSecond_ms;
   char text[64];
@@ -215,8 +205,8 @@ std::string TotalsText(const InfoTotals& totals) {
   Line(out, "file size", "%" PRIu64 " bytes", totals.bytes);
   Line(out, "pings", "%" PRIu64, figures.pings);
   if (figures.timed != 0)
-    Line(out, "time", "%s to %s", IsoMilliseconds(figures.begin_ms).c_str(),
-         IsoMilliseconds(figures.end_ms).c_str());
+    Line(out, "time", "%s to %s", IsoTime(figures.begin_ms, Milliseconds::always).c_str(),
+         IsoTime(figures.end_ms, Milliseconds::always).c_str());
   if (figures.depth_m.count != 0) Line(out, "depth", "%s m", ExtentText(figures.depth_m, 3).c_str());
   RunningLines(out, figures);
   Line(out, "damaged", "%" PRIu64 " of %" PRIu64 " bytes skipped", totals.skipped, totals.bytes);

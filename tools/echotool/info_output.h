@@ -12,8 +12,6 @@
 
 namespace tw::echotool {
 
-// "2024-02-29T23:59:58.250Z"
-[[nodiscard]] std::string IsoMilliseconds(int64_t time_ms);
 // "1:02:03", hours without a bound
 [[nodiscard]] std::string DurationText(int64_t duration_ms);
 

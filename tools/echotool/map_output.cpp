@@ -5,6 +5,7 @@
 
 #include "base/text_format.h"
 #include "tools/echotool/escapes.h"
+#include "tools/echotool/iso_time.h"
 #include "tools/echotool/options.h"
 
 namespace tw::echotool {
@@ -66,12 +67,12 @@ bool GpxWriter::Begin() {
                                 "\" xmlns=\"http://www.topografix.com/GPX/1/1\""
                                 " xmlns:gpxtpx=\"http://www.garmin.com/xmlschemas/TrackPointExtension/v1\">\n"
                                 "<metadata><name>" +
-                                EscapedXml(name_) + "</name></metadata>\n");
+                                MarkupText(name_) + "</name></metadata>\n");
   for (const EventMark& mark : marks_) {
     if (!mark.hasPosition) continue;
     written = written && AppendText(output_, Formatted("<wpt lat=\"%.8f\" lon=\"%.8f\">", mark.latitude_deg,
                                                        mark.longitude_deg) +
-                                                 GpxTime(mark.time_ms) + "<name>" + EscapedXml(NameOf(mark)) +
+                                                 GpxTime(mark.time_ms) + "<name>" + MarkupText(NameOf(mark)) +
                                                  "</name>" + GpxDepth(DepthOf(mark)) + "</wpt>\n");
   }
   return written;
@@ -80,7 +81,7 @@ bool GpxWriter::Begin() {
 bool GpxWriter::Append(const RecordedPing& ping) {
   const auto point = track_.Next(ping);
   if (!point) return true;
-  if (!any_ && !AppendText(output_, "<trk><name>" + EscapedXml(name_) + "</name><trkseg>\n")) return false;
+  if (!any_ && !AppendText(output_, "<trk><name>" + MarkupText(name_) + "</name><trkseg>\n")) return false;
   any_ = true;
   return AppendText(
       output_, Formatted("<trkpt lat=\"%.8f\" lon=\"%.8f\">", point->place.latitude, point->place.longitude) +
@@ -105,7 +106,7 @@ bool GeoJsonWriter::Begin() {
   for (const EventMark& mark : marks_) {
     if (!mark.hasPosition) continue;
     written = written && AppendFeature(JsonPoint(mark.latitude_deg, mark.longitude_deg),
-                                       "{\"kind\":\"mark\",\"name\":" + JsonText(NameOf(mark)) +
+                                       "{\"kind\":\"mark\",\"name\":" + QuotedJson(NameOf(mark)) +
                                            ",\"time\":" + JsonTime(mark.time_ms) +
                                            Formatted(",\"ping\":%" PRIu32, mark.ping) +
                                            ",\"depth_m\":" + JsonDepth(DepthOf(mark)) + "}");
@@ -138,7 +139,7 @@ bool GeoJsonWriter::AppendLine(const std::vector<TrackPoint>& points) {
   const std::string feature = std::string(any_ ? ",\n" : "\n") +
                               "{\"type\":\"Feature\",\"geometry\":{\"type\":\"MultiLineString\","
                               "\"coordinates\":[" +
-                              parts + "]},\"properties\":{\"kind\":\"track\",\"name\":" + JsonText(name_) +
+                              parts + "]},\"properties\":{\"kind\":\"track\",\"name\":" + QuotedJson(name_) +
                               "}}";
   for (std::string_view rest = feature; !rest.empty();
        rest.remove_prefix(std::min<size_t>(rest.size(), 4'096)))

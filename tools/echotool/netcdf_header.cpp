@@ -4,8 +4,10 @@
 #include <iterator>
 #include <limits>
 
+#include "base/calendar.h"
 #include "base/text_format.h"
 #include "platform/clock.h"
+#include "tools/echotool/iso_time.h"
 #include "tools/echotool/options.h"
 #include "tools/echotool/ping_values.h"
 
@@ -181,12 +183,10 @@ void TellSettings(const InfoLine& info, std::vector<CdfAttribute>& attributes) {
 }
 
 std::string History(const std::string& name) {
-  const CalendarTime now = UtcNow();
-  char text[64];
-  const size_t length = FormatText(text, "%04d-%02d-%02dT%02d:%02d:%02dZ ", now.year, now.month, now.day,
-                                   now.hour, now.minute, now.second);
+  constexpr int64_t kSecond_ms = 1'000;
+  const std::string now = IsoTime(UnixSecondsFromCalendar(UtcNow()) * kSecond_ms);
   const std::string_view version = VersionText();
-  return std::string(text, length) + std::string(version.substr(0, version.find('\n'))) + " netcdf " + name;
+  return now + ' ' + std::string(version.substr(0, version.find('\n'))) + " netcdf " + name;
 }
 
 std::vector<CdfAttribute> GlobalAttributes(const NetcdfTold& told) {

@@ -6,8 +6,9 @@
 
 #include "base/text_format.h"
 #include "display/palette.h"
-#include "tools/echotool/cell_text.h"
+#include "tools/echotool/escapes.h"
 #include "tools/echotool/info_output.h"
+#include "tools/echotool/iso_time.h"
 
 namespace tw::echotool {
 namespace {
@@ -76,7 +77,7 @@ std::string Times(const SeriesColumns& columns) {
   std::string out = "<div class=\"x\">";
   for (int i = 0; i < kTimes; ++i) {
     const int64_t time_ms = columns.TimeAt(static_cast<double>(i) / (kTimes - 1));
-    const std::string time = IsoMilliseconds(time_ms);
+    const std::string time = IsoTime(time_ms);
     out += "<span>";
     if (time_ms != 0) out += days ? time.substr(5, 5) + ' ' + time.substr(11, 5) : time.substr(11, 8);
     out += "</span>";

@@ -1,8 +1,9 @@
 #include "tools/echotool/report_index.h"
 
-#include "tools/echotool/cell_text.h"
+#include "tools/echotool/escapes.h"
 #include "tools/echotool/file_names.h"
 #include "tools/echotool/info_output.h"
+#include "tools/echotool/iso_time.h"
 #include "tools/echotool/report_charts.h"
 
 namespace tw::echotool {
@@ -15,10 +16,10 @@ std::string Cell(const std::string& value, bool warns = false) {
 std::string Row(const ReportPage& page) {
   const RecordingFigures& figures = page.figures;
   const std::string name = NarrowName(LastOfPath(page.path));
-  const std::string begin = figures.timed == 0 ? "not told" : IsoMilliseconds(figures.begin_ms);
+  const std::string begin =
+      figures.timed == 0 ? "not told" : IsoDate(figures.begin_ms) + ' ' + IsoClock(figures.begin_ms);
   return "<tr><td><a href=\"" + LinkText(name) + "\">" + MarkupText(page.recording) + "</a></td><td>" +
-         MarkupText(figures.timed == 0 ? begin : begin.substr(0, 10) + ' ' + begin.substr(11, 8)) + "</td>" +
-         Cell(figures.timed == 0 ? "" : DurationText(figures.running_ms)) +
+         begin + "</td>" + Cell(figures.timed == 0 ? "" : DurationText(figures.running_ms)) +
          Cell(std::to_string(figures.pings)) + Cell(DepthText(figures)) + Cell(DistanceText(figures)) +
          Cell(PercentText(figures.positions, figures.pings), figures.positions < figures.pings) +
          Cell(std::to_string(figures.missing), figures.missing != 0) +
@@ -54,8 +55,8 @@ std::string ReportIndex(const std::vector<const ReportPage*>& pages) {
   const std::string title = std::to_string(pages.size()) + (pages.size() == 1 ? " recording" : " recordings");
   std::string heading = "<header><h1>" + title + "</h1><p>";
   if (all.timed != 0) {
-    const std::string first = IsoMilliseconds(all.begin_ms).substr(0, 10);
-    const std::string last = IsoMilliseconds(all.end_ms).substr(0, 10);
+    const std::string first = IsoDate(all.begin_ms);
+    const std::string last = IsoDate(all.end_ms);
     heading += first == last ? first : first + " to " + last;
   }
   return PageHead(title) + heading + "</p></header>\n" + Tiles(all, size, skipped) +

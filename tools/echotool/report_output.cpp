@@ -5,8 +5,9 @@
 #include <cstring>
 
 #include "base/text_format.h"
-#include "tools/echotool/cell_text.h"
+#include "tools/echotool/escapes.h"
 #include "tools/echotool/info_output.h"
+#include "tools/echotool/iso_time.h"
 #include "tools/echotool/options.h"
 #include "tools/echotool/png_image.h"
 #include "tools/echotool/report_style.h"
@@ -60,12 +61,10 @@ std::string Heading(const ReportPage& page, const RecordingKind& kind) {
   const RecordingFigures& figures = page.figures;
   std::string out = "<header><h1>" + MarkupText(page.recording) + "</h1><p>";
   if (figures.timed != 0)
-    out += IsoMilliseconds(figures.begin_ms).substr(0, 10) + ' ' +
-           IsoMilliseconds(figures.begin_ms).substr(11, 8) + " to " +
-           (figures.end_ms / 86'400'000 != figures.begin_ms / 86'400'000
-                ? IsoMilliseconds(figures.end_ms).substr(0, 10) + ' '
-                : "") +
-           IsoMilliseconds(figures.end_ms).substr(11, 8) + " UTC, ";
+    out +=
+        IsoDate(figures.begin_ms) + ' ' + IsoClock(figures.begin_ms) + " to " +
+        (figures.end_ms / 86'400'000 != figures.begin_ms / 86'400'000 ? IsoDate(figures.end_ms) + ' ' : "") +
+        IsoClock(figures.end_ms) + " UTC, ";
   return out + MarkupText(kind.name) + "</p></header>\n";
 }
 

@@ -4,8 +4,9 @@
 
 #include "acquisition/output_mode.h"
 #include "base/text_format.h"
-#include "tools/echotool/cell_text.h"
+#include "tools/echotool/escapes.h"
 #include "tools/echotool/info_output.h"
+#include "tools/echotool/iso_time.h"
 #include "tools/echotool/report_output.h"
 #include "tools/echotool/summary.h"
 
@@ -135,7 +136,7 @@ std::string MarksTable(const std::vector<EventMark>& marks) {
     NarrowText(word, mark.word);
     out += Text("<tr><td class=\"n\">%" PRIu32 "</td><td>%s</td><td class=\"n\">%" PRIu32
                 "</td><td class=\"n\">",
-                mark.number, IsoMilliseconds(mark.time_ms).substr(11, 8).c_str(), mark.ping);
+                mark.number, IsoClock(mark.time_ms).c_str(), mark.ping);
     out += mark.hasDepth ? Text("%.3f m", mark.depth_m) : "no bottom";
     out += "</td><td>" +
            (mark.hasPosition ? Text("%.6f %.6f", mark.latitude_deg, mark.longitude_deg) : "no position");

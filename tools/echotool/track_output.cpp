@@ -4,9 +4,9 @@
 #include <cmath>
 #include <cstring>
 
-#include "base/calendar.h"
 #include "base/text_format.h"
 #include "tools/echotool/escapes.h"
+#include "tools/echotool/iso_time.h"
 #include "tools/echotool/ping_values.h"
 
 namespace tw::echotool {
@@ -48,12 +48,7 @@ class Row {
  private:
   static constexpr int64_t kSecond_ms = 1'000;
 
-  void WholeSeconds(int64_t seconds) {
-    const CalendarTime t = CalendarFromUnixSeconds(seconds);
-    size_ +=
-        FormatText(Rest(), "%04" PRId32 "-%02" PRId32 "-%02" PRId32 "T%02" PRId32 ":%02" PRId32 ":%02" PRId32,
-                   t.year, t.month, t.day, t.hour, t.minute, t.second);
-  }
+  void WholeSeconds(int64_t seconds) { size_ += StoreIsoSeconds(Rest(), seconds); }
   void Separate() {
     if (fields_++ != 0) text_[size_++] = ',';
   }
@@ -101,7 +96,7 @@ bool CsvWriter::Append(const RecordedPing& ping) {
 }
 
 bool KmlWriter::Begin() {
-  const std::string name = EscapedXml(name_);
+  const std::string name = MarkupText(name_);
   return AppendText(
       output_,
       "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
@@ -113,7 +108,7 @@ bool KmlWriter::Begin() {
 }
 
 bool KmlWriter::AppendPlacemark(std::string_view geometry) {
-  return AppendText(output_, "<Placemark>\n<name>" + EscapedXml(name_) +
+  return AppendText(output_, "<Placemark>\n<name>" + MarkupText(name_) +
                                  "</name>\n<styleUrl>#track</styleUrl>\n" + std::string(geometry));
 }
 
@@ -169,7 +164,7 @@ bool KmlWriter::AppendMarks() {
     char text[kRowSize];
     const size_t length = FormatText(text, "<Point>\n<coordinates>\n%.8f,%.8f\n</coordinates>\n</Point>\n",
                                      mark.longitude_deg, mark.latitude_deg);
-    if (!AppendText(output_, "<Placemark>\n<name>" + EscapedXml(NameOf(mark)) + "</name>\n<TimeStamp><when>" +
+    if (!AppendText(output_, "<Placemark>\n<name>" + MarkupText(NameOf(mark)) + "</name>\n<TimeStamp><when>" +
                                  IsoTime(mark.time_ms) + "</when></TimeStamp>\n" + std::string(text, length) +
                                  "</Placemark>\n"))
       return false;

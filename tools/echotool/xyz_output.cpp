@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "base/text_format.h"
-#include "tools/echotool/escapes.h"
+#include "tools/echotool/iso_time.h"
 
 namespace tw::echotool {
 namespace {
