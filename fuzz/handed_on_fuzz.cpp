@@ -2,6 +2,7 @@
 // soundings, NMEA; and as a file of tides.
 #include <unistd.h>
 
+#include <atomic>
 #include <cstdlib>
 #include <string>
 
@@ -43,12 +44,13 @@ void Run(PingSource& recording, PingWriter& writer) {
 
 // The file is as long as its header says.
 void RunNetcdf(PingSource& recording, Handle file) {
+  static const std::atomic<bool> interrupted = false;
   RecordingSurvey survey;
   Require(recording.Rewind());
   for (RecordedPing ping{}; recording.Next(ping);) survey.Add(ping);
   for (int32_t channel = 0; channel < 2; ++channel) {
     OutputFile output(file);
-    NetcdfWriter writer(output, {recording, survey, "name", channel});
+    NetcdfWriter writer(output, {recording, survey, "name", channel}, {L"", file, interrupted});
     std::string error;
     Require(writer.Prepare(error));
     Run(recording, writer);

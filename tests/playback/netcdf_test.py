@@ -56,6 +56,14 @@ def check_table(data, rows, channel):
         expect('time of %d' % i, same(float(data.time[i]), seconds(row)), (float(data.time[i]), row))
 
 
+def check_size(path, file):
+    """Nothing stands behind the last record."""
+    parts = [(v, v.dtype.itemsize * math.prod(v.shape[1:])) for v in file.variables.values()]
+    records = sum(-(-part // 4) * 4 for v, part in parts if v.dimensions[0] == 'ping') * len(file.dimensions['ping'])
+    fixed = sum(v.shape[0] * part for v, part in parts if v.dimensions[0] != 'ping')
+    expect('size', 0 < os.path.getsize(path) - records - fixed < 8192, os.path.getsize(path) - records - fixed)
+
+
 def check_conventions(file):
     expect('format', file.data_model == 'NETCDF3_64BIT_OFFSET' and file.Conventions == 'CF-1.10', file.data_model)
     for name, variable in file.variables.items():
@@ -104,6 +112,7 @@ def check(folder, content, outputs):
         with xarray.open_dataset(path, decode_times=False) as data, netCDF4.Dataset(path) as file:
             check_table(data, rows, data.attrs['channel'])
             check_conventions(file)
+            check_size(path, file)
             expect('sum', file.source_sha256 == hashlib.sha256(content).hexdigest(), file.source_sha256)
             expect('echo', ('echo' in file.variables) == bool(traces), list(file.variables))
             if traces:
@@ -116,10 +125,25 @@ def check(folder, content, outputs):
 
 
 short = [golden.PINGS[0][:15] + (s,) for s in ([1, 2, 3], [32766, 5], [7] * 51)]  # an odd length, so padded
+many = [golden.PINGS[0][:15] + ([8] * 900,)] * 300  # by whose first ones the file is laid out
+
+
+def late(samples, sampling=100000):
+    """A ping behind many others that does not fit in with them."""
+    return many + [many[0][:2] + (sampling,) + many[0][3:15] + (samples,)]
+
+
+def row(pings, kind, far):
+    return ((INFO % 100).encode() + b''.join(golden.frame(p) for p in pings), [('', [p[15] for p in pings], kind, far)])
+
+
 for recording, outputs in (
         (b''.join(golden.frame(p) for p in golden.PINGS), [('', [p[15] for p in golden.PINGS], 'int32', None)]),
-        ((INFO % 100).encode() + b''.join(golden.frame(p) for p in short),
-         [('', [p[15] for p in short], 'int16', 50 * 1480 / 2 / 100000)]),
+        row(short, 'int16', 50 * 1480 / 2 / 100000),
+        row(many, 'int16', 899 * 1480 / 2 / 100000),
+        row(late([1] * 901), 'int16', 900 * 1480 / 2 / 100000),
+        row(late([32767]), 'int32', 899 * 1480 / 2 / 100000),
+        row(late([1], sampling=50000), 'int16', None),  # and so shorter than what was begun
         ((INFO % 7 * 2 + LINES * 3).encode(), [('_ch1', [], None, None), ('_ch2', [], None, None)])):
     with tempfile.TemporaryDirectory() as work:
         check(work, recording, outputs)

@@ -2,10 +2,14 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 #include "base/bytes.h"
+#include "platform/file.h"
 #include "playback/segy_format.h"
+#include "tools/echotool/file_sum.h"
 #include "tools/echotool/netcdf_header.h"
+#include "tools/echotool/ping_copy.h"
 #include "tools/echotool/ping_values.h"
 
 namespace tw::echotool {
@@ -13,6 +17,8 @@ namespace {
 
 constexpr size_t kPiece = 32'768;  // samples laid out together
 constexpr uint16_t kFirstLarge = 32'767;
+constexpr size_t kSumDigits = 64;
+constexpr const char* kUnread = "cannot be read";
 
 bool AppendBytes(OutputFile& output, std::string_view bytes) {
   while (!bytes.empty()) {
@@ -61,32 +67,91 @@ void RecordingSurvey::Add(const RecordedPing& ping) {
   last_ms = std::max(last_ms.value_or(*time_ms), *time_ms);
 }
 
-NetcdfWriter::NetcdfWriter(OutputFile& output, const NetcdfTold& told)
+bool ChannelSurvey::Holds(const ChannelSurvey& other) const {
+  return other.longest <= longest && (large || !other.large) && (!sameSampling || other.sameSampling) &&
+         (!sameSampling || other.pings == 0 || other.sampling_hz == sampling_hz);
+}
+
+NetcdfWriter::NetcdfWriter(OutputFile& output, const NetcdfTold& told, NetcdfFiles files)
     : output_(output),
+      recording_(told.recording),
+      name_(told.name),
       channel_(told.channel),
-      survey_(told.survey.channels[told.channel]),
-      soundSpeed_mps_(told.recording.Kind().soundSpeed_mps),
+      files_(std::move(files)),
       lowFrequency_hz_(told.recording.Told().low ? told.recording.Told().low->frequency_hz : 0),
-      sampleType_(NetcdfSampleType(survey_)),
-      hasRange_(NetcdfHasRange(survey_, soundSpeed_mps_)),
-      contents_(NetcdfContents(told)) {}
+      survey_(told.survey) {}
 
 bool NetcdfWriter::Prepare(std::string& error) {
-  return LayOutCdf(contents_, layout_, error);
+  if (survey_.sha256.empty()) survey_.sha256.assign(kSumDigits, '0');  // as long as the sum
+  return LayOutCdf(NetcdfContents({recording_, survey_, name_, channel_}), layout_, error);
 }
 
 uint64_t NetcdfWriter::Size() const {
-  const uint64_t range = hasRange_ ? sizeof(double) * uint64_t{survey_.longest} : 0;
-  return layout_.header.size() + range + survey_.pings * layout_.recordSize;
+  const bool hasRange = NetcdfHasRange(Laid(), SoundSpeed_mps());
+  return layout_.header.size() + (hasRange ? sizeof(double) * uint64_t{Laid().longest} : 0) +
+         Laid().pings * layout_.recordSize;
 }
 
 bool NetcdfWriter::Begin() {
-  return AppendBytes(output_, layout_.header) && (!hasRange_ || AppendRange());
+  found_ = {};
+  fits_ = true;
+  return AppendBytes(output_, layout_.header) && AppendRange();
+}
+
+bool NetcdfWriter::Append(const RecordedPing& ping) {
+  if (!Concerns(ping, channel_)) return true;
+  found_.Add(ping);
+  fits_ = fits_ && Laid().Holds(found_);
+  if (!fits_) return true;
+  uint8_t* const out = output_.Room(kNetcdfValuesSize);
+  if (out == nullptr) return false;
+  output_.Take(StoreNetcdfValues({ping, channel_, SoundSpeed_mps(), lowFrequency_hz_}, out));
+  return Laid().longest == 0 ||
+         (AppendSamples(ping.samples) && AppendFill(Laid().longest - ping.samples.size()));
+}
+
+bool NetcdfWriter::End() {
+  if (!survey_.whole) return Complete();
+  if (!fits_ || found_.pings != Laid().pings) fault_ = "has changed while it was read";
+  return output_.Flush();
+}
+
+// Now that all pings are known.
+bool NetcdfWriter::Complete() {
+  survey_.whole = true;
+  survey_.channels[channel_] = found_;
+  survey_.samplingAssumed = recording_.IsSamplingAssumed();
+  if (!SumOfFile(files_.recording, files_.interrupted, survey_.sha256)) {
+    fault_ = kUnread;
+    return true;
+  }
+  const size_t size = layout_.header.size();
+  if (!Prepare(fault_)) return true;
+  return fits_ && layout_.header.size() == size ? CompleteHeader() : WriteAnew();
+}
+
+bool NetcdfWriter::CompleteHeader() {
+  return output_.Flush() && SeekFile(files_.output, 0) && AppendBytes(output_, layout_.header) &&
+         output_.Flush();
+}
+
+bool NetcdfWriter::WriteAnew() {
+  if (!output_.Flush() || !SeekFile(files_.output, 0) || !TruncateFile(files_.output, 0) || !Begin())
+    return false;
+  RecordingFault fault = RecordingFault::none;
+  const auto recording = OpenRecording(files_.recording.c_str(), fault);
+  if (recording != nullptr) recording->SetInterruption(InterruptionBy(files_.interrupted));
+  for (RecordedPing ping{}; recording != nullptr && !files_.interrupted.load() && recording->Next(ping);) {
+    if (!Append(ping)) return false;
+  }
+  if (recording == nullptr || recording->Failed()) fault_ = kUnread;
+  return fault_.empty() ? End() : true;
 }
 
 bool NetcdfWriter::AppendRange() {
-  const double step_m = static_cast<double>(soundSpeed_mps_) / 2.0 / survey_.sampling_hz;
-  for (uint32_t i = 0; i < survey_.longest; ++i) {
+  if (!NetcdfHasRange(Laid(), SoundSpeed_mps())) return true;
+  const double step_m = static_cast<double>(SoundSpeed_mps()) / 2.0 / Laid().sampling_hz;
+  for (uint32_t i = 0; i < Laid().longest; ++i) {
     uint8_t* const out = output_.Room(sizeof(double));
     if (out == nullptr) return false;
     output_.Take(StoreCdfValue(out, CdfType::float64, i * step_m));
@@ -95,12 +160,13 @@ bool NetcdfWriter::AppendRange() {
 }
 
 bool NetcdfWriter::AppendSamples(std::span<const uint16_t> samples) {
+  const CdfType type = NetcdfSampleType(Laid());
   while (!samples.empty()) {
     const auto piece = samples.first(std::min(samples.size(), kPiece));
-    const size_t size = piece.size() * SizeOf(sampleType_);
+    const size_t size = piece.size() * SizeOf(type);
     uint8_t* out = output_.Room(size);
     if (out == nullptr) return false;
-    if (sampleType_ == CdfType::int16) {
+    if (type == CdfType::int16) {
       StoreSegySamples(piece, out);
     } else {
       for (const uint16_t sample : piece) {
@@ -116,30 +182,14 @@ bool NetcdfWriter::AppendSamples(std::span<const uint16_t> samples) {
 
 // The padding of a record of shorts is filled as well.
 bool NetcdfWriter::AppendFill(size_t samples) {
-  if (sampleType_ == CdfType::int16) samples += survey_.longest % 2;
+  const CdfType type = NetcdfSampleType(Laid());
+  if (type == CdfType::int16) samples += Laid().longest % 2;
   for (; samples != 0; --samples) {
     uint8_t* const out = output_.Room(sizeof(int32_t));
     if (out == nullptr) return false;
-    output_.Take(StoreCdfValue(out, sampleType_, CdfFill(sampleType_)));
+    output_.Take(StoreCdfValue(out, type, CdfFill(type)));
   }
   return true;
-}
-
-bool NetcdfWriter::Append(const RecordedPing& ping) {
-  if (!Concerns(ping, channel_)) return true;
-  changed_ = changed_ || pings_ == survey_.pings || ping.samples.size() > survey_.longest ||
-             (!survey_.large && HasLargeSample(ping.samples));
-  if (changed_) return true;
-  ++pings_;
-  uint8_t* const out = output_.Room(kNetcdfValuesSize);
-  if (out == nullptr) return false;
-  output_.Take(StoreNetcdfValues({ping, channel_, soundSpeed_mps_, lowFrequency_hz_}, out));
-  return survey_.longest == 0 ||
-         (AppendSamples(ping.samples) && AppendFill(survey_.longest - ping.samples.size()));
-}
-
-std::string NetcdfWriter::Emptiness() const {
-  return changed_ || pings_ != survey_.pings ? "has changed while it was read" : "";
 }
 
 }  // namespace tw::echotool

@@ -203,7 +203,7 @@ bool Write(const Job& job, Result& result) {
   const auto recording = OpenInput(job.file, error);
   if (recording == nullptr || !LooksConvertible(job.options.task, recording->Kind(), error)) return false;
   RecordingSurvey survey;
-  if (job.options.task == Task::netcdf && !Survey(job, survey, error)) return false;
+  if (job.options.task == Task::netcdf && !SurveyLayout(job, survey, error)) return false;
   std::list<Output> outputs;
   for (const int32_t channel : ChannelsOf(job, *recording, survey)) {
     const bool oneOfTwo = job.options.task == Task::netcdf && recording->Kind().channels > 1;

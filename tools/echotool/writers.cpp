@@ -72,10 +72,11 @@ std::unique_ptr<PingWriter> MakeXyz(const Job& job, const RecordingKind& kind, O
 }
 
 std::unique_ptr<PingWriter> MakeNetcdf(const Job& job, const PingSource& recording, int32_t channel,
-                                       const RecordingSurvey& survey, OutputFile& output,
+                                       const RecordingSurvey& survey, Handle file, OutputFile& output,
                                        std::string& error) {
   auto writer =
-      std::make_unique<NetcdfWriter>(output, NetcdfTold{recording, survey, ShownName(job.file), channel});
+      std::make_unique<NetcdfWriter>(output, NetcdfTold{recording, survey, ShownName(job.file), channel},
+                                     NetcdfFiles{WideName(job.file), file, job.interrupted});
   if (!writer->Prepare(error)) return nullptr;
   return writer;
 }
@@ -90,10 +91,25 @@ bool Survey(const Job& job, RecordingSurvey& survey, std::string& error) {
     return true;
   });
   survey.samplingAssumed = recording->IsSamplingAssumed();
-  const bool read = !recording->Failed() && (job.options.task != Task::netcdf ||
-                                             SumOfFile(WideName(job.file), job.interrupted, survey.sha256));
-  if (whole && !read) error = FaultText(RecordingFault::unread);
-  return whole && read;
+  if (whole && recording->Failed()) error = FaultText(RecordingFault::unread);
+  return whole && error.empty();
+}
+
+bool SurveyLayout(const Job& job, RecordingSurvey& survey, std::string& error) {
+  constexpr int kFirstPings = 256;
+  const auto recording = OpenInput(job.file, error);
+  if (recording == nullptr) return false;
+  if (recording->Kind().channels > 1) {
+    if (!Survey(job, survey, error)) return false;
+    const bool read = SumOfFile(WideName(job.file), job.interrupted, survey.sha256);
+    if (!read && !job.interrupted.load()) error = FaultText(RecordingFault::unread);
+    return read;
+  }
+  RecordedPing ping{};
+  for (int i = 0; i < kFirstPings && recording->Next(ping); ++i) survey.Add(ping);
+  survey.samplingAssumed = recording->IsSamplingAssumed();
+  survey.whole = false;
+  return true;
 }
 
 std::unique_ptr<PingWriter> MakeWriter(const Job& job, const PingSource& recording, int32_t channel,
@@ -122,7 +138,7 @@ std::unique_ptr<PingWriter> MakeWriter(const Job& job, const PingSource& recordi
     case Task::text:
       return std::make_unique<TextWriter>(output);
     case Task::netcdf:
-      return MakeNetcdf(job, recording, channel, survey, output, error);
+      return MakeNetcdf(job, recording, channel, survey, file, output, error);
     case Task::png:
       return std::make_unique<PngWriter>(output, kind.soundSpeed_mps, job.options.picture);
     case Task::report:

@@ -18,6 +18,9 @@ namespace tw::echotool {
 // reason in `error` when the recording cannot be read.
 [[nodiscard]] bool Survey(const Job& job, RecordingSurvey& survey, std::string& error);
 
+// The same of what NetCDF files are laid out by: of a recording of one channel its first pings.
+[[nodiscard]] bool SurveyLayout(const Job& job, RecordingSurvey& survey, std::string& error);
+
 // The writer of the job's task into `output`, which is written to `file`; all that is referred to outlives
 // it. Null with the reason in `error`, when interrupted, and for a task that writes nothing.
 [[nodiscard]] std::unique_ptr<PingWriter> MakeWriter(const Job& job, const PingSource& recording,
