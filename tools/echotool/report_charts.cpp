@@ -277,9 +277,10 @@ std::string EchogramCard(const EchogramPicture& picture, const SeriesColumns& co
   const Axis axis{0, picture.to_m, RoundStep(picture.to_m / 6)};
   return "<section class=\"card echo\"><h2>" + picture.title + "<span class=\"key\">weak" + Ramp() +
          "strong</span></h2><div class=\"plot\">" + Ticks(axis, "m", true) + "<div class=\"box\"><img" +
-         (picture.columns < kFewColumns ? " class=\"few\"" : "") + " alt=\"\" src=\"data:image/png;base64," +
-         picture.png + "\">" + (marks.empty() ? "" : OpenSvg() + MarkLines(marks) + "</svg>") + "</div>" +
-         Times(columns) + "</div><div class=\"note\">" + picture.note + "</div></section>\n";
+         (picture.columns < kFewColumns ? " class=\"few\"" : "") +
+         " alt=\"Echogram\" src=\"data:image/png;base64," + picture.png + "\">" +
+         (marks.empty() ? "" : OpenSvg() + MarkLines(marks) + "</svg>") + "</div>" + Times(columns) +
+         "</div><div class=\"note\">" + picture.note + "</div></section>\n";
 }
 
 std::string TrackCard(const std::vector<NamedTrack>& tracks, const std::vector<Place2d>& places) {

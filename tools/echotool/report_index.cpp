@@ -60,12 +60,12 @@ std::string ReportIndex(const std::vector<const ReportPage*>& pages) {
     heading += first == last ? first : first + " to " + last;
   }
   return PageHead(title) + heading + "</p></header>\n" + Tiles(all, size, skipped) +
-         "<section class=\"card\"><h2>Recordings</h2><div class=\"scroll\"><table "
-         "class=\"list\"><tr><th>recording</th>"
+         "<section class=\"card long\"><h2>Recordings</h2><div class=\"scroll\"><table "
+         "class=\"list files\"><thead><tr><th>recording</th>"
          "<th>begins</th><th class=\"n\">duration</th><th class=\"n\">pings</th><th class=\"n\">depth</th>"
          "<th class=\"n\">distance</th><th class=\"n\">with position</th><th class=\"n\">missing</th><th "
          "class=\"n\">gaps</th>"
-         "<th class=\"n\">damage</th><th class=\"n\">size</th></tr>\n" +
+         "<th class=\"n\">damage</th><th class=\"n\">size</th></tr></thead>\n" +
          rows + "</table></div></section>\n" + TrackCard(tracks, {}) + PageEnd();
 }
 

@@ -176,7 +176,7 @@ bool ReportWriter::PutEchogram(size_t channel) {
   if (frequency.count != 0) picture.title += Text(" <small>%.0f", frequency.low / 1'000);
   if (frequency.high > frequency.low) picture.title += Text(" to %.0f", frequency.high / 1'000);
   if (frequency.count != 0) picture.title += " kHz</small>";
-  picture.note = Text("%zu columns, ", echo.Columns()) +
+  picture.note = Text(echo.Columns() == 1 ? "%zu column, " : "%zu columns, ", echo.Columns()) +
                  (echo.PingsOfColumn() == 1
                       ? std::string("one ping each.")
                       : Text("each the strongest echoes of %" PRIu64 " pings.", echo.PingsOfColumn()));

@@ -62,6 +62,7 @@ td.n, th.n { text-align: right; }
 .scroll { overflow-x: auto; }
 .list th { white-space: nowrap; }
 .list td { white-space: nowrap; }
+.files td:first-child { white-space: normal; overflow-wrap: anywhere; min-width: 10em; }
 footer { color: var(--soft); font-size: .82rem; }
 @media (max-width: 600px) { main { padding: 16px 12px 28px; } .card { padding: 12px 12px 14px; } .plot { grid-template-columns: 46px 1fr; }
   .x span:nth-child(even) { display: none; } .echo .box { height: 240px; } .box { height: 140px; } .key { float: none; display: block; }
@@ -75,7 +76,10 @@ footer { color: var(--soft); font-size: .82rem; }
   .tiles dd { font-size: 1rem; } .echo .box { height: 215px; } .box { height: 92px; } .track svg { max-height: 235px; }
   .pair .x span:nth-child(even) { display: none; }
   table { font-size: 8pt; } th, td { padding: 2px 8px 2px 0; } .track text { font-size: 24px; } h2 { margin-bottom: 5px; }
-  .pair { grid-template-columns: 1fr 1fr; } .scroll { overflow: visible; } .list { font-size: .78rem; } .list td { white-space: normal; } }
+  .pair { grid-template-columns: 1fr 1fr; } .scroll { overflow: visible; } .list td { white-space: normal; }
+  .long { break-inside: auto; } thead { display: table-header-group; } tr { break-inside: avoid; }
+  .files { font-size: 6.5pt; } .files th { white-space: normal; vertical-align: bottom; } .files td { white-space: nowrap; }
+  .files td, .files th { padding-right: 6px; } .files td:first-child { min-width: 8em; } .list :last-child { padding-right: 0; } }
 )";
 }
 

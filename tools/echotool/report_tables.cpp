@@ -128,9 +128,10 @@ std::string PositionTable(const RecordingFigures& figures, uint64_t stood) {
 std::string MarksTable(const std::vector<EventMark>& marks) {
   if (marks.empty()) return "";
   std::string out =
-      "<section class=\"card\"><h2>Marks <small>the dashed lines above</small></h2><div class=\"scroll\">"
-      "<table class=\"list\"><tr><th class=\"n\">number</th><th>time</th><th class=\"n\">ping</th>"
-      "<th class=\"n\">depth</th><th>position</th><th>word</th></tr>\n";
+      "<section class=\"card long\"><h2>Marks <small>the dashed lines above</small></h2><div "
+      "class=\"scroll\">"
+      "<table class=\"list\"><thead><tr><th class=\"n\">number</th><th>time</th><th class=\"n\">ping</th>"
+      "<th class=\"n\">depth</th><th>position</th><th>word</th></tr></thead>\n";
   for (const EventMark& mark : marks) {
     char word[4 * kMarkWordSize];
     NarrowText(word, mark.word);
