@@ -25,15 +25,23 @@ namespace {
 using echotool::Task;
 
 constexpr size_t kLineEnd = 2;
-constexpr Task kOutputTasks[] = {Task::segy,   Task::text, Task::csv,     Task::kml,
-                                 Task::netcdf, Task::gpx,  Task::geojson, Task::xyz,
-                                 Task::nmea,   Task::png,  Task::report,  Task::repair};
+constexpr Task kOutputTasks[] = {Task::segy,   Task::text,    Task::csv, Task::kml,  Task::netcdf,
+                                 Task::gpx,    Task::geojson, Task::xyz, Task::nmea, Task::png,
+                                 Task::report, Task::repair,  Task::cut, Task::join};
 const SampleKind kFrames{"Frames", sim::DeviceFamily::first, 100};
 const SampleKind kFramesWithoutInfo{"FramesAlone", sim::DeviceFamily::first, 100, false};
 
 // The same bytes with another value, little-endian, at a place.
 std::string Altered(std::string bytes, size_t at, uint32_t value) {
   StoreLe(reinterpret_cast<uint8_t*>(bytes.data()) + at, value);
+  return bytes;
+}
+
+// A ping of three years before the others, which they can be joined to.
+std::string Earlier() {
+  std::string bytes = SampleRecording(kFrames, 1);
+  const size_t frame = bytes.find("TR57");
+  for (const size_t time : {8, 16}) bytes = Altered(std::move(bytes), frame + time, 1'600'000'000);
   return bytes;
 }
 
@@ -141,16 +149,23 @@ class HostileFiles : public Playback {
     fs::create_directory(outputs);
     echotool::Options options;
     options.task = task;
-    if (task != Task::info) options.folder = outputs.string();
+    const bool writes = task != Task::info && task != Task::check;
+    if (writes) options.folder = outputs.string();
+    if (task == Task::cut) options.selection.pings = {1, UINT32_MAX};
+    if (task == Task::join) {
+      const fs::path other = folder_ / "earlier.log";
+      WriteWhole(other, Earlier());
+      options.files = {other.string(), fs::path(file_).string()};
+    }
     echotool::Batch batch;
     const echotool::Result result = echotool::WorkOn(fs::path(file_).string(), options, interrupted_, batch);
     const auto files = std::distance(fs::directory_iterator(outputs), fs::directory_iterator());
     const bool two = fs::exists(outputs / "hostile_ch2.nc") && fs::exists(outputs / "hostile_ch1.nc");
-    EXPECT_EQ(files, result.done && task != Task::info ? (two ? 2 : 1) : 0) << result.text;
+    EXPECT_EQ(files, result.done && writes ? (two ? 2 : 1) : 0) << result.text;
     return result.done;
   }
   void ThroughAll() {
-    static_cast<void>(Works(Task::info));
+    for (const Task task : {Task::info, Task::check}) static_cast<void>(Works(task));
     for (const Task task : kOutputTasks) static_cast<void>(Works(task));
     static_cast<void>(Plays());
     for (void (*const command)(AppState&) : {ConvertToSegy, ConvertToText}) {
@@ -439,6 +454,7 @@ TEST_F(HostileFiles, FailingReadsAreNotTheEndOfTheFile) {
 
 TEST_F(HostileFiles, NoPermissionToWrite) {
   WriteWhole(file_, SampleRecording(kFrames, 3));
+  EXPECT_TRUE(Works(Task::join));
   InjectFault({.point = FaultPoint::createFile, .repeat = kEveryCall, .code = EACCES});
   EXPECT_EQ(Convert(file_, ConvertToSegy), L"Unable to open file.");
   EXPECT_EQ(Convert(file_, ConvertToText), L"Unable to open file.");

@@ -3,7 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <map>
 #include <random>
+#include <sstream>
 
 #include "base/text_format.h"
 #include "tests/app/test_files.h"
@@ -79,7 +81,7 @@ class Mending : public testing::TestWithParam<SampleKind> {
     const std::string bare = SampleRecording(GetParam(), kPings);
     const size_t head = GetParam().hasInfo ? bare.find("\r\n") + 2 : 0;
     std::vector<std::string> pieces = {bare.substr(0, head)};
-    const bool isEpoch = GetParam().family == sim::DeviceFamily::second && GetParam().outputMode == 3;
+    const bool isEpoch = GetParam().family != sim::DeviceFamily::first && GetParam().outputMode == 3;
     for (const std::string& message : PingsOf(Write("bare.log", bare))) {
       const bool isText = GetParam().outputMode < 100;
       pieces.push_back((isEpoch ? "#F 450000 Hz\r\n" : "") + message +
@@ -95,6 +97,22 @@ class Mending : public testing::TestWithParam<SampleKind> {
     return bytes;
   }
 
+  static bool HasEchoes() {
+    const int32_t mode = GetParam().outputMode;
+    return mode == 2 || mode == 4 || mode >= 100;
+  }
+  // From the third ping to the seventh.
+  fs::path CutOf(const fs::path& file) {
+    RecordingFault fault{};
+    RecordedPing third{};
+    const auto recording = OpenRecording(file.wstring().c_str(), fault);
+    EXPECT_TRUE(recording->Next(third) && recording->Next(third) && recording->Next(third));
+    const uint32_t number = third.header.ping;
+    const Result cut = Do(Task::cut, file, {.pings = NumberRange{number, number + 4}});
+    EXPECT_TRUE(cut.done) << cut.text;
+    return folder_ / "a_cut.log";
+  }
+
   // What the task makes of the recording, line by line; ping numbers, which some recordings do not tell, left
   // out.
   std::vector<std::string> Rows(const fs::path& recording) {
@@ -107,19 +125,56 @@ class Mending : public testing::TestWithParam<SampleKind> {
     }
     return rows;
   }
-  // SEG-Y traces without the two numbers that a trace begins with.
+  // SEG-Y traces, which are numbered from 1 on, without that number; ahead of each the headers of the file.
+  // Nothing of a recording without echoes.
   std::vector<std::string> Traces(const fs::path& recording) {
-    EXPECT_TRUE(Do(Task::segy, recording).done);
-    const std::string segy = ReadWhole(fs::path(recording).replace_extension(".sgy"));
     std::vector<std::string> traces;
+    if (!Do(Task::segy, recording).done) return traces;
+    const std::string segy = ReadWhole(fs::path(recording).replace_extension(".sgy"));
     constexpr size_t kHead = 240;
     for (size_t at = 3'600; at < segy.size();) {
+      const std::string number = {'\0', '\0', '\0', static_cast<char>(traces.size() + 1)};
+      EXPECT_EQ(segy.substr(at + 4, 4), number);
       const size_t samples =
           static_cast<uint8_t>(segy[at + 114]) * 256u + static_cast<uint8_t>(segy[at + 115]);
-      traces.push_back(segy.substr(at + 8, kHead - 8 + 2 * samples));
+      traces.push_back(segy.substr(0, 3'600) + segy.substr(at, 4) +
+                       segy.substr(at + 8, kHead - 8 + 2 * samples));
       at += kHead + 2 * samples;
     }
     return traces;
+  }
+
+  // What is told of a recording, by its names.
+  std::map<std::string, std::string> InfoOf(const fs::path& recording) {
+    const Result result = Do(Task::info, recording);
+    EXPECT_TRUE(result.done) << result.text;
+    std::istringstream lines(result.text.substr(result.text.find('\n') + 1));
+    std::map<std::string, std::string> told;
+    for (std::string line; std::getline(lines, line);)
+      told[line.substr(2, line.find("  ", 2) - 2)] = line.substr(std::min<size_t>(16, line.size()));
+    return told;
+  }
+  // Of a cut: the settings are those of the whole, all else that of its rows.
+  static void ExpectInfo(std::map<std::string, std::string> whole, std::map<std::string, std::string> cut,
+                         const std::vector<std::string>& rows) {
+    for (const char* const name : {"kind", "device family", "output mode", "channels", "frequency",
+                                   "sampling", "sound speed", "gain", "range"})
+      EXPECT_EQ(cut[name], whole[name]) << name;
+    EXPECT_TRUE(cut["pings"].starts_with("5, ")) << cut["pings"];
+    double low = 1e9;
+    double high = 0;
+    size_t positions = 0;
+    for (size_t i = 1; i < rows.size(); ++i) {
+      std::vector<std::string> cells;
+      std::istringstream row(rows[i]);
+      for (std::string cell; std::getline(row, cell, ',');) cells.push_back(cell);
+      low = std::min(low, std::stod(cells.at(4)));
+      high = std::max(high, std::stod(cells[4]));
+      positions += cells[2].empty() ? 0 : 1;
+    }
+    char text[64];
+    EXPECT_EQ(cut["depth"], std::string(text, FormatText(text, "%.3f to %.3f m", low, high)));
+    EXPECT_TRUE(cut["positions"].starts_with(std::to_string(positions) + " pings"));
   }
 
   const test::TestFolder testFolder_;
@@ -138,24 +193,63 @@ TEST_P(Mending, ASoundRecordingIsLeftAsItIsAndCutByteForByte) {
   EXPECT_TRUE(checked.done && checked.sound && checked.text.empty()) << checked.text;
   ASSERT_TRUE(Do(Task::repair, file).done);
   EXPECT_EQ(ReadWhole(folder_ / "a_repaired.log"), ReadWhole(file));
+  EXPECT_EQ(ReadWhole(CutOf(file)), Joined(pieces, 3, 8));
+}
 
-  RecordingFault fault{};
-  RecordedPing third{};
-  const auto recording = OpenRecording(file.wstring().c_str(), fault);
-  ASSERT_TRUE(recording->Next(third) && recording->Next(third) && recording->Next(third));
-  const uint32_t number = third.header.ping;
-  const Result cut = Do(Task::cut, file, {.pings = NumberRange{number, number + 4}});
-  ASSERT_TRUE(cut.done) << cut.text;
-  EXPECT_EQ(ReadWhole(folder_ / "a_cut.log"), Joined(pieces, 3, 8));
-
-  const auto rows = Rows(file);
-  const auto cutRows = Rows(folder_ / "a_cut.log");
-  ASSERT_EQ(cutRows.size(), 6u);
-  for (size_t i = 1; i < cutRows.size(); ++i) EXPECT_EQ(cutRows[i], rows[i + 2]);
-  if (recording->Kind().hasSamples) {
+// Of one channel, of the low one of a pair, and of both in one file.
+TEST_P(Mending, WhatIsMadeOfACutIsThatOfItsPings) {
+  std::vector<std::string> pieces = Recorded();
+  std::vector<std::string> heads = {pieces[0]};
+  if (GetParam().hasInfo) {
+    std::string low = heads[0];
+    heads.push_back(low.replace(low.find("450000"), 6, "200000"));
+    const bool shares = GetParam().family == sim::DeviceFamily::first && GetParam().outputMode >= 6;
+    if (shares && GetParam().outputMode <= 8) heads.push_back(heads[0] + heads[1]);
+  }
+  for (const std::string& head : heads) {
+    SCOPED_TRACE(head);
+    pieces[0] = head;
+    const fs::path file = Write("a.log", Joined(pieces, 1, pieces.size()));
+    const fs::path cut = CutOf(file);
+    const auto rows = Rows(file);
+    const auto cutRows = Rows(cut);
+    ASSERT_EQ(cutRows.size(), 6u);
+    EXPECT_TRUE(std::equal(cutRows.begin() + 1, cutRows.end(), rows.begin() + 3));
+    ExpectInfo(InfoOf(file), InfoOf(cut), cutRows);
     const auto traces = Traces(file);
-    const auto cutTraces = Traces(folder_ / "a_cut.log");
+    const auto cutTraces = Traces(cut);
+    ASSERT_EQ(traces.size(), HasEchoes() ? kPings : 0);
+    ASSERT_EQ(cutTraces.size(), HasEchoes() ? 5u : 0u);
     EXPECT_TRUE(std::equal(cutTraces.begin(), cutTraces.end(), traces.begin() + 2));
+    ASSERT_EQ(Do(Task::text, cut).done, Do(Task::text, file).done);
+    if (GetParam().outputMode < 100) continue;
+    const std::string text = ReadWhole(folder_ / "a_cut_txt.log");
+    EXPECT_GT(text.size(), 5 * 100u);
+    EXPECT_NE(ReadWhole(folder_ / "a_txt.log").find(text.substr(text.find('#'))), std::string::npos);
+  }
+}
+
+TEST_P(Mending, EveryTaskMakesWhatTheKindHolds) {
+  const std::vector<std::string> pieces = Recorded();
+  const fs::path file = Write("a.log", Joined(pieces, 1, pieces.size()));
+  const fs::path out = folder_ / "out";
+  const bool placed = GetParam().outputMode < 100;  // by the sentences behind each ping
+  const struct {
+    Task task;
+    bool done;
+  } rows[] = {{Task::info, true},   {Task::check, true},  {Task::csv, true},         {Task::kml, true},
+              {Task::gpx, true},    {Task::nmea, true},   {Task::netcdf, true},      {Task::geojson, true},
+              {Task::report, true}, {Task::repair, true}, {Task::segy, HasEchoes()}, {Task::png, HasEchoes()},
+              {Task::xyz, placed},  {Task::text, !placed}};
+  for (const auto& row : rows) {
+    const bool writes = row.task != Task::info && row.task != Task::check;
+    fs::remove_all(out);
+    fs::create_directory(out);
+    options_.folder = writes ? out.string() : "";
+    const Result result = Do(row.task, file);
+    EXPECT_EQ(result.done, row.done) << static_cast<int>(row.task) << result.text;
+    const auto files = std::distance(fs::directory_iterator(out), fs::directory_iterator());
+    EXPECT_EQ(files, writes && row.done ? 1 : 0) << static_cast<int>(row.task);
   }
 }
 

@@ -8,6 +8,7 @@ const std::vector<SampleKind>& SampleKinds() {
   using sim::BinaryForm;
   constexpr auto kFirst = sim::DeviceFamily::first;
   constexpr auto kSecond = sim::DeviceFamily::second;
+  constexpr auto kThird = sim::DeviceFamily::third;
   static const std::vector<SampleKind> kinds = {
       {"FirstSimple", kFirst, 1},
       {"FirstText", kFirst, 2},
@@ -29,6 +30,9 @@ const std::vector<SampleKind>& SampleKinds() {
       {"SecondDfx", kSecond, 9},
       {"SecondOld", kSecond, 10},
       {"SecondFrames", kSecond, 100},
+      {"ThirdText", kThird, 2},
+      {"ThirdNmea", kThird, 3},
+      {"ThirdFrames", kThird, 100},
   };
   return kinds;
 }

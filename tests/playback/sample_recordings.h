@@ -18,7 +18,8 @@ struct SampleKind {
   sim::BinaryForm binaryForm = sim::BinaryForm::frame;
 };
 
-// One of each form that a recording can have, and each mode of the families 1 and 2.
+// One of each form that a recording can have, and each mode of the families 1 and 2, whose modes the third
+// has too.
 [[nodiscard]] const std::vector<SampleKind>& SampleKinds();
 
 // So many messages of it; of modes with samples, 100 in each unless said otherwise.
