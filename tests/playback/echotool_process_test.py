@@ -60,22 +60,33 @@ def long_recording(folder):
     return path
 
 
-def check_interruption(folder, number, task='segy', ending='.sgy'):
+def check_interruption(folder, number):
+    """Every task in the middle of its work: an older output stays as it is, and nothing is left but by a kill."""
     path = long_recording(folder)
-    older = os.path.join(folder, 'long' + ending)
-    with open(older, 'w') as out:
-        out.write('older')
-    process = subprocess.Popen([ECHOTOOL, task, path], stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
-    deadline = time.monotonic() + 20
-    while not os.path.exists(older + '.part') and time.monotonic() < deadline:
-        time.sleep(0.01)
-    process.send_signal(number)
-    _, told = process.communicate(timeout=20)
-    expect('exit code', process.returncode == 130, process.returncode)
-    expect('it says so', told == 'echotool: %s: interrupted\n' % path, told)
-    expect('no half file', sorted(os.listdir(folder)) == ['long.log', 'long' + ending], os.listdir(folder))
-    with open(older) as kept:
-        expect('the older output', kept.read() == 'older')
+    for task, ending in (('segy', '.sgy'), ('segy --pad', '.sgy'), ('text', '_txt.log'), ('csv', '.csv'), ('kml', '.kml'), ('gpx', '.gpx'),
+                         ('geojson', '.geojson'), ('xyz --median 3', '.xyz'), ('nmea', '.nmea'), ('netcdf', '.nc'), ('png', '.png'),
+                         ('report', '.html'), ('repair', '_repaired.log'), ('cut --from 0', '_cut.log'), ('join ' + path, '_joined.log')):
+        older = os.path.join(folder, 'long' + ending)
+        with open(older, 'w') as out:
+            out.write('older')
+        terminal, theirs = pty.openpty()
+        process = subprocess.Popen([ECHOTOOL, *task.split(), path], stdout=subprocess.DEVNULL, stderr=theirs)
+        os.close(theirs)
+        told = ''
+        try:
+            while piece := os.read(terminal, 65536).decode():
+                told += piece
+                if '%' in piece:  # of its bar
+                    process.send_signal(number)
+        except OSError:  # all has been read, and nobody is at the other end
+            os.close(terminal)
+        killed = number == signal.SIGKILL
+        expect('exit code of ' + task, process.wait(timeout=20) == (-number if killed else 130), process.returncode)
+        expect('it says so', killed or told.endswith(': interrupted\r\n'), told)
+        expect('no half file', killed or set(os.listdir(folder)) == {'long.log', 'long' + ending}, os.listdir(folder))
+        with open(older) as kept:
+            expect('the older output of ' + task, kept.read() == 'older')
+        os.unlink(older)
 
 
 def check_strange_names(folder):
@@ -134,7 +145,7 @@ def check_bar(folder):
 
 
 for check, *arguments in ((check_exit_codes,), (check_interruption, signal.SIGINT), (check_interruption, signal.SIGTERM),
-                          (check_interruption, signal.SIGHUP, 'repair', '_repaired.log'), (check_interruption, signal.SIGQUIT),
+                          (check_interruption, signal.SIGHUP), (check_interruption, signal.SIGQUIT), (check_interruption, signal.SIGKILL),
                           (check_strange_names,), (check_pictures,), (check_bar,)):
     with tempfile.TemporaryDirectory() as work:
         check(work, *arguments)
