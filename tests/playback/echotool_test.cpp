@@ -277,6 +277,20 @@ TEST(Figures, AreThoseOfTheSteps) {
   }
 }
 
+// A single-precision number, as binary recordings tell it, has no 180 degrees: the nearest lies above.
+TEST(Figures, APingOnTheDateLineHasAPosition) {
+  constexpr float kPi = 3.14159274f;
+  for (const float longitude_rad : {kPi, -kPi}) {
+    RecordedPing ping{};
+    ping.hasPosition = true;
+    ping.longitude_rad = static_cast<double>(longitude_rad);
+    RecordingFigures figures;
+    figures.Add(ping);
+    EXPECT_EQ(figures.positions, 1u);
+    EXPECT_EQ(figures.longitude_deg.low, longitude_rad > 0 ? 180.0 : -180.0);
+  }
+}
+
 // 10,000 pings of 100 samples at 75 kHz are 2,500 columns of four, 1 m deep; one strong echo stays to be
 // seen.
 TEST(Echogram, AColumnIsTheStrongestOfItsPings) {

@@ -34,8 +34,11 @@ std::string ExtentText(const Extent& extent, int decimals) {
   return low == high ? low : low + " to " + high;
 }
 
+// Never 100.0 or 0.0 for what is not all or nothing.
 double Percent(uint64_t part, uint64_t whole) {
-  return whole == 0 ? 0.0 : 100.0 * static_cast<double>(part) / static_cast<double>(whole);
+  if (part == 0 || whole == 0) return 0.0;
+  if (part >= whole) return 100.0;
+  return std::clamp(100.0 * static_cast<double>(part) / static_cast<double>(whole), 0.1, 99.9);
 }
 
 double Seconds(int64_t milliseconds) {

@@ -1,5 +1,6 @@
 #include "tools/echotool/ping_values.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <numbers>
@@ -10,11 +11,15 @@ double Degrees(double radians) {
   return radians * (180.0 / std::numbers::pi);
 }
 
-// The bounds are not kept by what is no number.
+// Binary recordings have single precision, whose nearest number to 180 degrees lies above. The bounds are not
+// kept by what is no number.
 std::optional<Place_deg> PlaceOf(const RecordedPing& ping) {
+  constexpr double kBeyond_deg = 0.00001;
   const Place_deg place{Degrees(ping.latitude_rad), Degrees(ping.longitude_rad)};
-  const bool onEarth = std::fabs(place.latitude) <= 90.0 && std::fabs(place.longitude) <= 180.0;
-  return ping.hasPosition && onEarth ? std::optional(place) : std::nullopt;
+  const bool onEarth =
+      std::fabs(place.latitude) <= 90.0 + kBeyond_deg && std::fabs(place.longitude) <= 180.0 + kBeyond_deg;
+  if (!ping.hasPosition || !onEarth) return std::nullopt;
+  return Place_deg{std::clamp(place.latitude, -90.0, 90.0), std::clamp(place.longitude, -180.0, 180.0)};
 }
 
 std::optional<int64_t> TimeOf(const RecordedPing& ping) {

@@ -4,6 +4,8 @@
 #include <cmath>
 #include <numbers>
 
+#include "tools/echotool/ping_values.h"
+
 namespace tw::echotool {
 namespace {
 
@@ -36,10 +38,9 @@ void Extent::Add(const Extent& other) {
 }
 
 bool PlaceOf(const RecordedPing& ping, Place2d& place) {
-  if (!ping.hasPosition) return false;
-  place = {ping.latitude_rad * kDegrees, ping.longitude_rad * kDegrees};
-  // Not for what is no number.
-  return std::fabs(place.latitude_deg) <= 90.0 && std::fabs(place.longitude_deg) <= 180.0;
+  const auto told = PlaceOf(ping);
+  if (told) place = {told->latitude, told->longitude};
+  return told.has_value();
 }
 
 double Distance_m(const Place2d& from, const Place2d& to) {
