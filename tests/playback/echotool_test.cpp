@@ -238,6 +238,7 @@ TEST_F(Work, TextTellsTheSameAsTheBinaryItWasMadeOf) {
 // What one ping adds to the figures, given the one before.
 TEST(Figures, AreThoseOfTheSteps) {
   constexpr double kRadians = 3.14159265358979323846 / 180;
+  static constexpr uint16_t kSamples[1] = {};
   const struct {
     const char* what;
     double longitude_deg;  // of three pings at the equator, from 179.9999 on
@@ -245,9 +246,12 @@ TEST(Figures, AreThoseOfTheSteps) {
     uint32_t numbers[3];
     double distance_m;
     uint64_t jumps, gaps, setBack, missing, restarts;
+    bool echoes = true;
   } rows[] = {
       {"over 180 degrees", -179.9999, {1'000, 3'000, 5'000}, {1, 2, 3}, 22.2, 0, 0, 0, 0, 0},
       {"a gap and missing numbers", 179.9998, {1'000, 3'000, 5'001}, {1, 3, 6}, 11.1, 0, 1, 0, 3, 0},
+      {"every second number, as of a dual run", 179.9998, {1, 2, 3}, {1, 3, 5}, 11.1, 0, 0, 0, 0, 0},
+      {"numbers that the reader counts", 179.9998, {1, 2, 3}, {1, 3, 6}, 11.1, 0, 0, 0, 0, 0, false},
       {"a clock set back, numbers anew", 179.9998, {9'000, 5'000, 5'100}, {7, 1, 2}, 11.1, 0, 0, 1, 0, 1},
       {"a jump to the other side", 0.0, {1'000, 1'100, 1'200}, {1, 2, 3}, 0.0, 1, 0, 0, 0, 0},
       {"no times", 179.9998, {0, 0, 0}, {1, 2, 3}, 11.1, 0, 0, 0, 0, 0},
@@ -261,6 +265,7 @@ TEST(Figures, AreThoseOfTheSteps) {
       ping.hasTime = row.times_ms[i] != 0;
       ping.time_ms = row.times_ms[i];
       ping.header.ping = row.numbers[i];
+      if (row.echoes) ping.samples = kSamples;
       ping.longitude_rad = (i == 0 ? 179.9999 : row.longitude_deg) * kRadians;
       figures.Add(ping);
       track.Add(ping);
@@ -275,6 +280,22 @@ TEST(Figures, AreThoseOfTheSteps) {
     EXPECT_EQ(track.Points()[1].begins, row.jumps != 0) << row.what;
     EXPECT_LT(std::abs(track.Points()[1].longitude_deg - 179.9999), 180.0001) << row.what;
   }
+}
+
+// A column of a chart is a ping of each channel, whatever is missing.
+TEST(Figures, ChannelsThatTakeTurnsShareTheirColumns) {
+  SeriesColumns columns;
+  for (const int32_t channel : {0, 1, 0, 1, 1, 0, 1}) {
+    RecordedPing ping{};
+    ping.channel = channel;
+    ping.header.altitude_m = 5.0f;
+    columns.Add(ping);
+  }
+  std::string shown;
+  for (const SeriesColumn& column : columns.Columns())
+    shown += std::string(column.Of(Series::depth).any ? "h" : "-") +
+             (column.Of(Series::depthLow).any ? "l " : "- ");
+  EXPECT_EQ(shown, "hl hl hl -l ");
 }
 
 // A single-precision number, as binary recordings tell it, has no 180 degrees: the nearest lies above.

@@ -25,6 +25,8 @@ struct Finding {
 class NumberCheck {
  public:
   void Add(uint32_t number);
+  // The next number is as good as the first.
+  void BeginAnew() { latest_.reset(); }
   // The gaps between numbers, and how many are missing in all.
   [[nodiscard]] const Finding& Gaps() const { return gaps_[Step() - 1]; }
   [[nodiscard]] uint64_t Missing() const { return missing_[Step() - 1]; }

@@ -61,16 +61,15 @@ bool TimeOf(const RecordedPing& ping, int64_t& time_ms) {
 
 void RecordingFigures::NoteNumber(const RecordedPing& ping, Channel& channel) {
   const uint32_t number = ping.header.ping;
-  if (channel.any) {
-    const uint32_t step = number - channel.number;
-    if (step == 0 || step > kMostMissing) {
-      ++restarts;
-    } else {
-      missing += step - 1;
-    }
+  const uint32_t step = number - channel.number;
+  if (channel.any && (step == 0 || step > kMostMissing)) {
+    ++restarts;
+    channel.numbers.BeginAnew();
   }
   channel.any = true;
   channel.number = number;
+  channel.numbers.Add(number);
+  if (longestTrace != 0) missing = channels_[0].numbers.Missing() + channels_[1].numbers.Missing();
 }
 
 void RecordingFigures::NoteTime(const RecordedPing& ping, Channel& channel) {

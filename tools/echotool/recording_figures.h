@@ -8,6 +8,7 @@
 #include <cstdint>
 
 #include "playback/ping_source.h"
+#include "tools/echotool/checking.h"
 
 namespace tw::echotool {
 
@@ -64,7 +65,7 @@ struct RecordingFigures {
   uint64_t setBack = 0;    // times that went backwards
   uint64_t gaps = 0;
   int64_t longestGap_ms = 0;
-  uint64_t missing = 0;   // ping numbers that do not come
+  uint64_t missing = 0;   // ping numbers that do not come; without echoes devices send none
   uint64_t restarts = 0;  // numbers that begin anew
 
   uint64_t positions = 0;
@@ -81,6 +82,7 @@ struct RecordingFigures {
 
  private:
   struct Channel {
+    NumberCheck numbers;
     uint32_t number = 0;
     bool any = false;
     bool timed = false;

@@ -38,12 +38,15 @@ void SeriesColumns::Halve() {
 }
 
 void SeriesColumns::Add(const RecordedPing& ping) {
-  if (pingsOfLast_ == 0) {
+  uint64_t& pings = pingsOfLast_[ping.channel == 0 ? 0 : 1];
+  if (columns_.empty() || pings == pingsOfColumn_) {
     if (columns_.size() == kMostColumns) Halve();
     SeriesColumn column{};
     if (!TimeOf(ping, column.time_ms)) column.time_ms = 0;
     columns_.push_back(column);
+    pingsOfLast_ = {};
   }
+  ++pings;
   auto& values = columns_.back().values;
   const auto of = [&](Series series) -> Between& { return values[static_cast<size_t>(series)]; };
   const PingHeader& header = ping.header;
@@ -55,7 +58,6 @@ void SeriesColumns::Add(const RecordedPing& ping) {
     Take(of(Series::pitch), header.pitch_deg);
     Take(of(Series::roll), header.roll_deg);
   }
-  if (++pingsOfLast_ >= pingsOfColumn_) pingsOfLast_ = 0;
 }
 
 double SeriesColumns::PlaceOfTime(int64_t time_ms) const {

@@ -39,8 +39,8 @@ class SeriesColumns {
   void Halve();
 
   std::vector<SeriesColumn> columns_;
-  uint64_t pingsOfColumn_ = 1;
-  uint64_t pingsOfLast_ = 0;
+  uint64_t pingsOfColumn_ = 1;                // of each channel
+  std::array<uint64_t, 2> pingsOfLast_ = {};  // of each channel
 };
 
 struct ThinPoint {
