@@ -385,6 +385,9 @@ TEST_P(LineRecording, PartsAreJoinedInOrderOfTime) {
     EXPECT_EQ(result.done, *row.says == '\0') << result.text;
     EXPECT_NE(result.text.find(row.says), std::string::npos) << result.text;
     if (!result.done) continue;
+    const std::string told = result.notes.empty() ? "" : result.notes[0];
+    const std::string wanted = "dropped: of " + second.string() + " 20 of ";
+    EXPECT_EQ(told.find(wanted) != told.npos, row.second.ends_with('~')) << told;
     const std::string pings = row.second.substr(0, row.second.find('~'));
     EXPECT_EQ(ReadWhole(folder_ / "a_joined.log"), Lines(1, 10) + pings.substr(pings.find("Alt")));
   }

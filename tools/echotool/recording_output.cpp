@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "tools/echotool/file_names.h"
+#include "tools/echotool/summary.h"
 
 namespace tw::echotool {
 namespace {
@@ -58,6 +59,7 @@ bool RecordingWriter::AppendFile(const std::wstring& path) {
     if (!copy_.Take(*recording, ping)) return false;
   }
   if (recording->Failed()) fault_ = NarrowName(path) + " " + kUnread;
+  if (recording->Skipped() != 0) others_ += "; of " + NarrowName(path) + " " + DamageText(*recording);
   return true;
 }
 
@@ -88,9 +90,11 @@ void RecordingWriter::Judge() {
 }
 
 std::string RecordingWriter::Note() const {
-  if (selection_.Any() || dropped_ == 0) return {};
+  if (selection_.Any() || (dropped_ == 0 && others_.empty())) return {};
+  if (dropped_ == 0) return "dropped:" + others_.substr(1);
   return "dropped: " + std::to_string(dropped_) + " bytes in " + std::to_string(places_) +
-         (places_ == 1 ? " place, at byte " : " places, the first at byte ") + std::to_string(firstPlace_);
+         (places_ == 1 ? " place, at byte " : " places, the first at byte ") + std::to_string(firstPlace_) +
+         others_;
 }
 
 }  // namespace tw::echotool

@@ -45,6 +45,7 @@ class RecordingWriter final : public PingWriter {
   Chooser chooser_;
   uint64_t read_ = 0;
   std::string fault_;
+  std::string others_;  // of the recordings behind the first: which were damaged
 
   // Of the first recording: bytes between its pings that have been left out.
   uint64_t behind_ = 0;
