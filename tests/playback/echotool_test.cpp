@@ -11,6 +11,7 @@
 #include "tools/echotool/echogram_columns.h"
 #include "tools/echotool/escapes.h"
 #include "tools/echotool/options.h"
+#include "tools/echotool/ping_clock.h"
 #include "tools/echotool/report_series.h"
 #include "tools/echotool/sha256.h"
 #include "tools/echotool/summary.h"
@@ -593,6 +594,34 @@ TEST(Options, AreRead) {
     std::string error;
     EXPECT_EQ(ParseOptions(row.words, options, error), *row.error == '\0') << row.error;
     EXPECT_EQ(error, row.error);
+  }
+}
+
+// The computer's seconds and the device's milliseconds, ping by ping; -1: none.
+TEST(PingClock, GoesByTheComputerInStepsOfTheDevice) {
+  const struct {
+    const char* what;
+    std::vector<std::array<int64_t, 3>> pings;  // computer in s, device in ms, told in ms
+  } rows[] = {
+      {"no clock", {{0, -1, -1}, {0, 0, -1}}},
+      {"the computer's alone", {{100, -1, 100'000}, {101, -1, 101'000}}},
+      {"the device's alone", {{0, 7, 7}, {0, 90'500, 90'500}}},
+      {"both are right", {{100, 100'250, 100'250}, {101, 101'750, 101'750}, {102, -1, 102'000}}},
+      {"a second ahead, now less, now more",
+       {{100, 100'990, 100'990}, {100, 101'100, 101'100}, {101, 101'980, 101'980}, {101, 102'050, 102'050}}},
+      {"never set", {{100, 5'300, 100'000}, {101, 6'400, 101'100}, {102, 7'200, 101'900}}},
+      {"set back by an hour", {{8'000, 8'000'500, 8'000'500}, {4'400, 8'001'000, 4'400'000}}},
+      {"the device starts anew", {{100, 100'500, 100'500}, {103, 20, 103'000}, {104, 1'020, 104'000}}},
+  };
+  for (const auto& row : rows) {
+    PingClock clock;
+    for (const auto& [computer_s, device_ms, told_ms] : row.pings) {
+      RecordedPing ping{};
+      ping.header.timeOfWork_s = static_cast<uint32_t>(computer_s);
+      ping.hasMilliseconds = device_ms >= 0;
+      ping.time_ms = device_ms;
+      EXPECT_EQ(clock.TimeOf(ping).value_or(-1), told_ms) << row.what;
+    }
   }
 }
 

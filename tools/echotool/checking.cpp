@@ -2,26 +2,15 @@
 
 #include <algorithm>
 #include <cinttypes>
-#include <cmath>
 
 #include "base/text_format.h"
-#include "tools/echotool/selection.h"
 #include "tools/echotool/summary.h"
 
 namespace tw::echotool {
 namespace {
 
-constexpr double kEarthRadius_m = 6'371'000.0;
 constexpr double kFastest_mps = 100.0;
 constexpr double kShortest_s = 1.0;  // so that no step below 100 m is a jump: times may be whole seconds
-
-// Along the great circle, across the 180th meridian too.
-double Distance_m(double latitudeA, double longitudeA, double latitudeB, double longitudeB) {
-  const double north = std::sin((latitudeB - latitudeA) / 2);
-  const double east = std::sin((longitudeB - longitudeA) / 2);
-  const double h = north * north + std::cos(latitudeA) * std::cos(latitudeB) * east * east;
-  return 2 * kEarthRadius_m * std::asin(std::sqrt(std::clamp(h, 0.0, 1.0)));
-}
 
 template <typename... Values>
 void Line(std::string& out, const std::string& name, const char* format, Values... values) {
@@ -59,28 +48,28 @@ size_t NumberCheck::Step() const {
   return allEven_ && seconds_ >= kFewest ? 2 : 1;
 }
 
-void Check::AddPosition(const RecordedPing& ping) {
-  if (!ping.hasPosition || !std::isfinite(ping.latitude_rad) || !std::isfinite(ping.longitude_rad)) return;
-  const auto time_ms = ToldTime(ping);
-  const Place here{ping.latitude_rad, ping.longitude_rad, time_ms};
-  if (place_ && place_->time_ms && time_ms) {
-    const double seconds = static_cast<double>(*time_ms - *place_->time_ms) / 1'000.0;
-    const double way_m =
-        Distance_m(place_->latitude_rad, place_->longitude_rad, here.latitude_rad, here.longitude_rad);
+void Check::AddPosition(const RecordedPing& ping, std::optional<int64_t> time_ms) {
+  const auto place = PlaceOf(ping);
+  if (!place) return;
+  if (place_ && place_ms_ && time_ms) {
+    const double seconds = static_cast<double>(*time_ms - *place_ms_) / 1'000.0;
+    const double way_m = Distance_m(*place_, *place);
     if (way_m > kFastest_mps * std::max(seconds, kShortest_s)) jumps_.Note(ping.header.ping, way_m);
   }
-  place_ = here;
+  place_ = place;
+  place_ms_ = time_ms;
 }
 
 void Check::Add(const RecordedPing& ping, bool isNumbered) {
   Channel& channel = channels_[ping.channel == 0 ? 0 : 1];
   if (isNumbered) channel.numbers.Add(ping.header.ping);
-  if (const auto time_ms = ToldTime(ping)) {
+  const auto time_ms = clock_.TimeOf(ping);
+  if (time_ms) {
     if (channel.time_ms && *time_ms < *channel.time_ms)
       back_.Note(ping.header.ping, static_cast<double>(*channel.time_ms - *time_ms) / 1'000.0);
     channel.time_ms = time_ms;
   }
-  AddPosition(ping);
+  AddPosition(ping, time_ms);
 }
 
 std::string Check::Text(const std::string& name, const PingSource& recording) const {

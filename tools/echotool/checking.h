@@ -8,6 +8,8 @@
 #include <string>
 
 #include "playback/ping_source.h"
+#include "tools/echotool/ping_clock.h"
+#include "tools/echotool/ping_values.h"
 
 namespace tw::echotool {
 
@@ -55,15 +57,13 @@ class Check {
     NumberCheck numbers;
     std::optional<int64_t> time_ms;
   };
-  struct Place {
-    double latitude_rad, longitude_rad;
-    std::optional<int64_t> time_ms;
-  };
 
-  void AddPosition(const RecordedPing& ping);
+  void AddPosition(const RecordedPing& ping, std::optional<int64_t> time_ms);
 
+  PingClock clock_;
   std::array<Channel, 2> channels_;
-  std::optional<Place> place_;
+  std::optional<Place_deg> place_;
+  std::optional<int64_t> place_ms_;
   Finding back_;   // seconds
   Finding jumps_;  // metres
 };

@@ -5,7 +5,6 @@
 #include <utility>
 
 #include "tools/echotool/file_names.h"
-#include "tools/echotool/selection.h"
 
 namespace tw::echotool {
 namespace {
@@ -51,7 +50,7 @@ Part::Part(std::string name, const PingSource& recording)
     : file(std::move(name)), kind(recording.Kind()), info(recording.Told().info), low(recording.Told().low) {}
 
 void Part::Add(const RecordedPing& ping) {
-  const auto time_ms = ToldTime(ping);
+  const auto time_ms = clock.TimeOf(ping);
   if (!time_ms) return;
   first_ms = std::min(first_ms.value_or(*time_ms), *time_ms);
   last_ms = std::max(last_ms.value_or(*time_ms), *time_ms);

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "playback/ping_source.h"
+#include "tools/echotool/ping_clock.h"
 
 namespace tw::echotool {
 
@@ -19,6 +20,7 @@ struct Part {
   std::optional<InfoLine> low;
   std::optional<int64_t> first_ms;  // times of its pings, the earliest and the latest
   std::optional<int64_t> last_ms;
+  PingClock clock = {};
 
   Part(std::string name, const PingSource& recording);
   void Add(const RecordedPing& ping);

@@ -45,8 +45,7 @@ constexpr Variable kVariables[] = {
     {"time", CdfType::float64, "time", "time of the ping", "seconds since 1970-01-01 00:00:00",
      "UTC; of the recording, not put in order",
      [](const ChannelPing& each) {
-       const auto time_ms = TimeOf(each.ping);
-       return If(time_ms.has_value(), static_cast<double>(time_ms.value_or(0)) / 1000.0);
+       return If(each.time_ms.has_value(), static_cast<double>(each.time_ms.value_or(0)) / 1000.0);
      }},
     {"latitude", CdfType::float64, "latitude", "latitude of the receiver", "degrees_north", "",
      [](const ChannelPing& each) {

@@ -18,6 +18,7 @@ namespace tw::echotool {
 
 struct ChannelPing {
   const RecordedPing& ping;
+  std::optional<int64_t> time_ms;
   int32_t channel;
   float soundSpeed_mps;
   double lowFrequency_hz;  // of the line that tells both channels

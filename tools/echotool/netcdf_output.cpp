@@ -61,7 +61,7 @@ bool Concerns(const RecordedPing& ping, int32_t channel) {
 void RecordingSurvey::Add(const RecordedPing& ping) {
   for (int32_t channel = 0; channel < 2; ++channel)
     if (Concerns(ping, channel)) channels[channel].Add(ping);
-  const auto time_ms = TimeOf(ping);
+  const auto time_ms = clock.TimeOf(ping);
   if (!time_ms) return;
   first_ms = std::min(first_ms.value_or(*time_ms), *time_ms);
   last_ms = std::max(last_ms.value_or(*time_ms), *time_ms);
@@ -94,6 +94,7 @@ uint64_t NetcdfWriter::Size() const {
 
 bool NetcdfWriter::Begin() {
   found_ = {};
+  clock_ = {};
   fits_ = true;
   return AppendBytes(output_, layout_.header) && AppendRange();
 }
@@ -105,7 +106,8 @@ bool NetcdfWriter::Append(const RecordedPing& ping) {
   if (!fits_) return true;
   uint8_t* const out = output_.Room(kNetcdfValuesSize);
   if (out == nullptr) return false;
-  output_.Take(StoreNetcdfValues({ping, channel_, SoundSpeed_mps(), lowFrequency_hz_}, out));
+  output_.Take(
+      StoreNetcdfValues({ping, clock_.TimeOf(ping), channel_, SoundSpeed_mps(), lowFrequency_hz_}, out));
   return Laid().longest == 0 ||
          (AppendSamples(ping.samples) && AppendFill(Laid().longest - ping.samples.size()));
 }

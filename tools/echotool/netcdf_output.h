@@ -12,6 +12,7 @@
 
 #include "platform/handle.h"
 #include "tools/echotool/cdf.h"
+#include "tools/echotool/ping_clock.h"
 #include "tools/echotool/track_output.h"
 
 namespace tw::echotool {
@@ -39,6 +40,7 @@ struct RecordingSurvey {
   std::optional<int64_t> last_ms;
   bool whole = true;   // all pings have been looked at, else the first ones
   std::string sha256;  // of the file; empty: not known yet
+  PingClock clock = {};
 
   void Add(const RecordedPing& ping);
 };
@@ -91,6 +93,7 @@ class NetcdfWriter final : public PingWriter {
   RecordingSurvey survey_;
   CdfLayout layout_;
   ChannelSurvey found_;  // while it is written
+  PingClock clock_;
   bool fits_ = true;
   std::string fault_;
 };

@@ -58,7 +58,7 @@ bool NmeaWriter::AppendPosition(const RecordedPing& ping, const Place_deg& place
 bool NmeaWriter::Append(const RecordedPing& ping) {
   char text[kSentenceText];
   const PingHeader& header = ping.header;
-  const auto time_ms = TimeOf(ping);
+  const auto time_ms = clock_.TimeOf(ping);
   if (time_ms && !AppendText(output_, {text, BuildZda(text, CalendarFromUnixSeconds(*time_ms / 1000),
                                                       static_cast<int>(*time_ms % 1000 / 10))}))
     return false;

@@ -27,6 +27,7 @@ class NmeaWriter final : public PingWriter {
   [[nodiscard]] bool AppendPosition(const RecordedPing& ping, const Place_deg& place, int64_t time_ms);
 
   OutputFile& output_;
+  PingClock clock_;
   Track track_;
 };
 

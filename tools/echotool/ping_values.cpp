@@ -2,10 +2,21 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdlib>
 #include <numbers>
 
 namespace tw::echotool {
+namespace {
+
+double Radians(double degrees) {
+  return degrees * (std::numbers::pi / 180.0);
+}
+
+double HalfVersine(double degrees) {
+  const double sine = std::sin(Radians(degrees) / 2);
+  return sine * sine;
+}
+
+}  // namespace
 
 double Degrees(double radians) {
   return radians * (180.0 / std::numbers::pi);
@@ -22,12 +33,12 @@ std::optional<Place_deg> PlaceOf(const RecordedPing& ping) {
   return Place_deg{std::clamp(place.latitude, -90.0, 90.0), std::clamp(place.longitude, -180.0, 180.0)};
 }
 
-std::optional<int64_t> TimeOf(const RecordedPing& ping) {
-  constexpr int64_t kSecond_ms = 1'000;
-  const int64_t computer_ms = ping.header.timeOfWork_s * kSecond_ms;
-  const bool agree = std::llabs(ping.time_ms - computer_ms) <= kSecond_ms;
-  if (ping.hasMilliseconds && ping.time_ms >= kSecond_ms && (agree || computer_ms == 0)) return ping.time_ms;
-  return computer_ms != 0 ? std::optional(computer_ms) : std::nullopt;
+double Distance_m(const Place_deg& from, const Place_deg& to) {
+  constexpr double kEarth_m = 6'371'008.8;  // its mean radius
+  const double h = HalfVersine(to.latitude - from.latitude) + std::cos(Radians(from.latitude)) *
+                                                                  std::cos(Radians(to.latitude)) *
+                                                                  HalfVersine(to.longitude - from.longitude);
+  return 2 * kEarth_m * std::asin(std::sqrt(std::min(1.0, h)));
 }
 
 float AltitudeOf(const RecordedPing& ping, int32_t channel) {

@@ -18,9 +18,8 @@ struct Place_deg {
 // Where the ping was; nothing without a position on earth.
 [[nodiscard]] std::optional<Place_deg> PlaceOf(const RecordedPing& ping);
 
-// When it was, UTC, in milliseconds since 1970; nothing when the recording tells none. The computer's time,
-// which has seconds; the device's own, which is finer, where the two agree to a second.
-[[nodiscard]] std::optional<int64_t> TimeOf(const RecordedPing& ping);
+// Along the great circle.
+[[nodiscard]] double Distance_m(const Place_deg& from, const Place_deg& to);
 
 // The depth below the transducer, m, of a channel (0 or 1) of the ping.
 [[nodiscard]] float AltitudeOf(const RecordedPing& ping, int32_t channel);

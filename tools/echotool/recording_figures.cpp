@@ -2,22 +2,12 @@
 
 #include <algorithm>
 #include <cmath>
-#include <numbers>
-
-#include "tools/echotool/ping_values.h"
 
 namespace tw::echotool {
 namespace {
 
-constexpr double kDegrees = 180.0 / std::numbers::pi;
-constexpr double kEarth_m = 6'371'008.8;      // its mean radius
 constexpr double kLongestJump_m = 1'000.0;    // between two positions without times
 constexpr uint32_t kMostMissing = 1'000'000;  // beyond it the numbers began anew
-
-double HalfVersine(double degrees) {
-  const double sine = std::sin(degrees / kDegrees / 2);
-  return sine * sine;
-}
 
 }  // namespace
 
@@ -37,28 +27,6 @@ void Extent::Add(const Extent& other) {
   count += other.count;
 }
 
-bool PlaceOf(const RecordedPing& ping, Place2d& place) {
-  const auto told = PlaceOf(ping);
-  if (told) place = {told->latitude, told->longitude};
-  return told.has_value();
-}
-
-double Distance_m(const Place2d& from, const Place2d& to) {
-  const double h = HalfVersine(to.latitude_deg - from.latitude_deg) +
-                   std::cos(from.latitude_deg / kDegrees) * std::cos(to.latitude_deg / kDegrees) *
-                       HalfVersine(to.longitude_deg - from.longitude_deg);
-  return 2 * kEarth_m * std::asin(std::sqrt(std::min(1.0, h)));
-}
-
-bool TimeOf(const RecordedPing& ping, int64_t& time_ms) {
-  if (ping.hasTime && ping.hasMilliseconds) {
-    time_ms = ping.time_ms;
-  } else {
-    time_ms = int64_t{ping.header.timeOfWork_s} * 1'000;
-  }
-  return time_ms > 0;
-}
-
 void RecordingFigures::NoteNumber(const RecordedPing& ping, Channel& channel) {
   const uint32_t number = ping.header.ping;
   const uint32_t step = number - channel.number;
@@ -72,14 +40,12 @@ void RecordingFigures::NoteNumber(const RecordedPing& ping, Channel& channel) {
   if (longestTrace != 0) missing = channels_[0].numbers.Missing() + channels_[1].numbers.Missing();
 }
 
-void RecordingFigures::NoteTime(const RecordedPing& ping, Channel& channel) {
-  int64_t time_ms = 0;
-  if (!TimeOf(ping, time_ms)) return;
+void RecordingFigures::NoteTime(int64_t time_ms, Channel& channel) {
   begin_ms = timed == 0 ? time_ms : std::min(begin_ms, time_ms);
   end_ms = timed == 0 ? time_ms : std::max(end_ms, time_ms);
   ++timed;
-  if (channel.timed) {
-    const int64_t step_ms = time_ms - channel.time_ms;
+  if (channel.time_ms) {
+    const int64_t step_ms = time_ms - *channel.time_ms;
     if (step_ms < 0) {
       ++setBack;
     } else if (step_ms > kLongestPause_ms) {
@@ -91,39 +57,33 @@ void RecordingFigures::NoteTime(const RecordedPing& ping, Channel& channel) {
     }
     if (step_ms > 0 && &channel == channels_) running_ms += step_ms;
   }
-  channel.timed = true;
   channel.time_ms = time_ms;
 }
 
 // A receiver is slower than an echosounder: most pings have the position of the one before.
-void RecordingFigures::NotePlace(const RecordedPing& ping) {
-  Place2d place{};
-  if (!PlaceOf(ping, place)) return;
+void RecordingFigures::NotePlace(const RecordedPing& ping, std::optional<int64_t> time_ms) {
+  const auto place = PlaceOf(ping);
+  if (!place) return;
   ++positions;
   pdop.Add(static_cast<double>(ping.header.gpsPdop));
-  if (hasPlace_ && place.latitude_deg == place_.latitude_deg && place.longitude_deg == place_.longitude_deg)
-    return;
-  latitude_deg.Add(place.latitude_deg);
-  longitude_deg.Add(place.longitude_deg);
-  int64_t time_ms = 0;
-  const bool timed_now = TimeOf(ping, time_ms);
-  if (hasPlace_) {
+  if (place_ && place->latitude == place_->latitude && place->longitude == place_->longitude) return;
+  latitude_deg.Add(place->latitude);
+  longitude_deg.Add(place->longitude);
+  if (place_) {
     double most_m = kLongestJump_m;
-    if (timed_now && placeTimed_ && time_ms >= place_ms_)
-      most_m = kFastestBoat_mps * std::max(1.0, static_cast<double>(time_ms - place_ms_) / 1'000.0);
-    if (Distance_m(place_, place) > most_m) {
+    if (time_ms && place_ms_ && *time_ms >= *place_ms_)
+      most_m = kFastestBoat_mps * std::max(1.0, static_cast<double>(*time_ms - *place_ms_) / 1'000.0);
+    if (Distance_m(*place_, *place) > most_m) {
       ++jumps;
-      anchor_ = place;
-    } else if (const double step_m = Distance_m(anchor_, place); step_m >= kShortestStep_m) {
+      anchor_ = *place;
+    } else if (const double step_m = Distance_m(anchor_, *place); step_m >= kShortestStep_m) {
       distance_m += step_m;
-      anchor_ = place;
+      anchor_ = *place;
     }
   } else {
-    anchor_ = place;
+    anchor_ = *place;
   }
-  hasPlace_ = true;
   place_ = place;
-  placeTimed_ = timed_now;
   place_ms_ = time_ms;
 }
 
@@ -146,8 +106,9 @@ void RecordingFigures::Add(const RecordedPing& ping) {
     roll_deg.Add(static_cast<double>(header.roll_deg));
   }
   NoteNumber(ping, channels_[index]);
-  NoteTime(ping, channels_[index]);
-  NotePlace(ping);
+  const auto time_ms = clock_.TimeOf(ping);
+  if (time_ms) NoteTime(*time_ms, channels_[index]);
+  NotePlace(ping, time_ms);
 }
 
 double RecordingFigures::Rate() const {

@@ -6,9 +6,12 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 
 #include "playback/ping_source.h"
 #include "tools/echotool/checking.h"
+#include "tools/echotool/ping_clock.h"
+#include "tools/echotool/ping_values.h"
 
 namespace tw::echotool {
 
@@ -26,19 +29,6 @@ struct Extent {
   void Add(const Extent& other);
   [[nodiscard]] double Mean() const { return count == 0 ? 0.0 : sum / static_cast<double>(count); }
 };
-
-// A position that can be shown, in degrees. False: the ping has none.
-struct Place2d {
-  double latitude_deg;
-  double longitude_deg;
-};
-[[nodiscard]] bool PlaceOf(const RecordedPing& ping, Place2d& place);
-
-// Along the great circle.
-[[nodiscard]] double Distance_m(const Place2d& from, const Place2d& to);
-
-// Milliseconds since 1970, and whether the recording tells them: the ping's own time, else whole seconds.
-[[nodiscard]] bool TimeOf(const RecordedPing& ping, int64_t& time_ms);
 
 struct RecordingFigures {
   uint64_t pings = 0;
@@ -85,21 +75,19 @@ struct RecordingFigures {
     NumberCheck numbers;
     uint32_t number = 0;
     bool any = false;
-    bool timed = false;
-    int64_t time_ms = 0;
+    std::optional<int64_t> time_ms;
   };
   void NoteNumber(const RecordedPing& ping, Channel& channel);
-  void NoteTime(const RecordedPing& ping, Channel& channel);
-  void NotePlace(const RecordedPing& ping);
+  void NoteTime(int64_t time_ms, Channel& channel);
+  void NotePlace(const RecordedPing& ping, std::optional<int64_t> time_ms);
 
   Channel channels_[2];
   uint64_t steps_ = 0;  // between two pings of a channel, gaps left out
   int64_t steps_ms_ = 0;
-  bool hasPlace_ = false;
-  Place2d place_{};
-  Place2d anchor_{};  // up to which the distance is counted
-  bool placeTimed_ = false;
-  int64_t place_ms_ = 0;
+  PingClock clock_;
+  std::optional<Place_deg> place_;
+  std::optional<int64_t> place_ms_;
+  Place_deg anchor_{};  // up to which the distance is counted
 };
 
 }  // namespace tw::echotool

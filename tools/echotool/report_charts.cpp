@@ -283,7 +283,7 @@ std::string EchogramCard(const EchogramPicture& picture, const SeriesColumns& co
          "</div><div class=\"note\">" + picture.note + "</div></section>\n";
 }
 
-std::string TrackCard(const std::vector<NamedTrack>& tracks, const std::vector<Place2d>& places) {
+std::string TrackCard(const std::vector<NamedTrack>& tracks, const std::vector<Place_deg>& places) {
   std::vector<NamedTrack> drawn;
   for (const NamedTrack& track : tracks) {
     if (!track.points->empty()) drawn.push_back(track);
@@ -295,9 +295,9 @@ std::string TrackCard(const std::vector<NamedTrack>& tracks, const std::vector<P
       "<section class=\"card track\"><h2>Track <small>north up; the ring is where it begins</small></h2>"
       "<svg viewBox=\"0 0 1000 440\" role=\"img\" aria-label=\"Track\">";
   for (const NamedTrack& track : drawn) out += TrackPath(track, map, first_deg);
-  for (const Place2d& place : places) {
+  for (const Place_deg& place : places) {
     Put(out, "<circle class=\"place\" r=\"4\" cx=\"%.1f\" cy=\"%.1f\"/>",
-        map.X(Beside(place.longitude_deg, first_deg)), map.Y(place.latitude_deg));
+        map.X(Beside(place.longitude, first_deg)), map.Y(place.latitude));
   }
   return out + ScaleAndNorth(map) + "</svg></section>\n";
 }

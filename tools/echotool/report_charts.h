@@ -44,7 +44,7 @@ struct NamedTrack {
 };
 // Tracks with a scale bar, north up; empty without a position. `places` are drawn as dots.
 [[nodiscard]] std::string TrackCard(const std::vector<NamedTrack>& tracks,
-                                    const std::vector<Place2d>& places);
+                                    const std::vector<Place_deg>& places);
 
 [[nodiscard]] std::string Base64(std::string_view bytes);
 

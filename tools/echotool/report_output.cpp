@@ -37,8 +37,8 @@ class StringSink final : public PngImage::Sink {
   std::string bytes_;
 };
 
-std::vector<Place2d> PlacesOf(const std::vector<EventMark>& marks) {
-  std::vector<Place2d> places;
+std::vector<Place_deg> PlacesOf(const std::vector<EventMark>& marks) {
+  std::vector<Place_deg> places;
   for (const EventMark& mark : marks) {
     if (mark.hasPosition) places.push_back({mark.latitude_deg, mark.longitude_deg});
   }

@@ -42,7 +42,7 @@ void SeriesColumns::Add(const RecordedPing& ping) {
   if (columns_.empty() || pings == pingsOfColumn_) {
     if (columns_.size() == kMostColumns) Halve();
     SeriesColumn column{};
-    if (!TimeOf(ping, column.time_ms)) column.time_ms = 0;
+    column.time_ms = clock_.TimeOf(ping).value_or(0);
     columns_.push_back(column);
     pingsOfLast_ = {};
   }
@@ -101,26 +101,25 @@ void ThinTrack::ThinTo(size_t most) {
 }
 
 void ThinTrack::Add(const RecordedPing& ping) {
-  Place2d place{};
-  if (!PlaceOf(ping, place)) return;
-  ThinPoint point{place.latitude_deg, place.longitude_deg, points_.empty()};
-  int64_t time_ms = 0;
-  const bool timed = TimeOf(ping, time_ms);
+  const auto place = PlaceOf(ping);
+  if (!place) return;
+  ThinPoint point{place->latitude, place->longitude, points_.empty()};
+  const auto time_ms = clock_.TimeOf(ping);
   if (!points_.empty()) {
     point.longitude_deg += 360.0 * std::round((last_.longitude_deg - point.longitude_deg) / 360.0);
-    const double step_m = Distance_m({last_.latitude_deg, last_.longitude_deg}, place);
-    const double seconds = static_cast<double>(time_ms - last_ms_) / 1'000.0;
-    const double most_m =
-        timed && last_ms_ > 0 && seconds >= 0 ? kFastestBoat_mps * std::max(1.0, seconds) : kFarStep_m;
+    const double step_m = Distance_m({last_.latitude_deg, last_.longitude_deg}, *place);
+    double most_m = kFarStep_m;
+    if (time_ms && last_ms_ && *time_ms >= *last_ms_)
+      most_m = kFastestBoat_mps * std::max(1.0, static_cast<double>(*time_ms - *last_ms_) / 1'000.0);
     point.begins = step_m > most_m;
     const ThinPoint& drawn = points_.back();
-    const bool near = Distance_m({drawn.latitude_deg, drawn.longitude_deg}, place) < step_m_;
+    const bool near = Distance_m({drawn.latitude_deg, drawn.longitude_deg}, *place) < step_m_;
     last_ = point;
-    last_ms_ = timed ? time_ms : 0;
+    last_ms_ = time_ms;
     if (near && !point.begins) return;
   }
   last_ = point;
-  last_ms_ = timed ? time_ms : 0;
+  last_ms_ = time_ms;
   if (points_.size() == kMostPoints) Thin();
   points_.push_back(point);
 }

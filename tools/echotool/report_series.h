@@ -38,6 +38,7 @@ class SeriesColumns {
  private:
   void Halve();
 
+  PingClock clock_;
   std::vector<SeriesColumn> columns_;
   uint64_t pingsOfColumn_ = 1;                // of each channel
   std::array<uint64_t, 2> pingsOfLast_ = {};  // of each channel
@@ -61,10 +62,11 @@ class ThinTrack {
  private:
   void Thin();
 
+  PingClock clock_;
   std::vector<ThinPoint> points_;
   double step_m_ = 0.5;  // positions closer to the last one add nothing
   ThinPoint last_{};     // of all
-  int64_t last_ms_ = 0;
+  std::optional<int64_t> last_ms_;
 };
 
 }  // namespace tw::echotool

@@ -132,11 +132,6 @@ std::optional<bool> TakeSelectionOption(const std::string& word, std::span<const
   return sound;
 }
 
-std::optional<int64_t> ToldTime(const RecordedPing& ping) {
-  if ((!ping.hasTime && !ping.hasMilliseconds) || ping.time_ms <= 0) return std::nullopt;
-  return ping.time_ms;
-}
-
 bool Chooser::FitsTime() const {
   if (!selection_.from && !selection_.to) return true;
   if (!start_ms_) return false;
@@ -148,7 +143,7 @@ bool Chooser::FitsTime() const {
 }
 
 bool Chooser::Takes(const RecordedPing& ping) {
-  if (const auto told = ToldTime(ping)) {
+  if (const auto told = clock_.TimeOf(ping)) {
     if (!start_ms_) start_ms_ = told;
     time_ms_ = *told;
   }

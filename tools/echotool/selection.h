@@ -7,6 +7,7 @@
 #include <string>
 
 #include "playback/ping_source.h"
+#include "tools/echotool/ping_clock.h"
 
 namespace tw::echotool {
 
@@ -42,10 +43,6 @@ struct Selection {
                                                       std::span<const std::string>& rest,
                                                       Selection& selection, std::string& error);
 
-// When the ping was, in ms since 1970, UTC; a receiver may tell the same time for many. Nothing when the
-// recording does not tell.
-[[nodiscard]] std::optional<int64_t> ToldTime(const RecordedPing& ping);
-
 // Judges the pings of a recording in their order. One that tells no time has that of the ping before it.
 class Chooser {
  public:
@@ -58,6 +55,7 @@ class Chooser {
   [[nodiscard]] bool FitsTime() const;
 
   Selection selection_;
+  PingClock clock_;
   std::optional<int64_t> start_ms_;
   int64_t time_ms_ = 0;
 };

@@ -14,7 +14,7 @@ std::optional<TrackPoint> Track::Next(const RecordedPing& ping) {
   latitude_rad_ = ping.latitude_rad;
   longitude_rad_ = ping.longitude_rad;
   const float altitude_m = AltitudeOf(ping, 0);
-  TrackPoint point{*place, TimeOf(ping), std::nullopt, ping.header.ping};
+  TrackPoint point{*place, clock_.TimeOf(ping), std::nullopt, ping.header.ping};
   if (std::isfinite(altitude_m) && altitude_m > 0.0f) point.depth_m = altitude_m;
   return point;
 }

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "app/state/event_marks.h"
+#include "tools/echotool/ping_clock.h"
 #include "tools/echotool/ping_values.h"
 
 namespace tw::echotool {
@@ -24,6 +25,7 @@ class Track {
   [[nodiscard]] std::optional<TrackPoint> Next(const RecordedPing& ping);
 
  private:
+  PingClock clock_;
   bool any_ = false;
   double latitude_rad_ = 0;
   double longitude_rad_ = 0;

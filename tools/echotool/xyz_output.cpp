@@ -87,7 +87,7 @@ bool XyzWriter::Append(const RecordedPing& ping) {
   if (!error_.empty() || !place || !std::isfinite(altitude_m) || altitude_m <= 0.0f) return true;
   const double scaled_m = static_cast<double>(altitude_m) * scale_;
   Sounding sounding{*place,
-                    TimeOf(ping),
+                    clock_.TimeOf(ping),
                     scaled_m + options_.draught_m,
                     scaled_m,
                     static_cast<double>(ping.header.temperature_c),

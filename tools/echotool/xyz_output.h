@@ -10,6 +10,7 @@
 #include <optional>
 #include <string>
 
+#include "tools/echotool/ping_clock.h"
 #include "tools/echotool/ping_values.h"
 #include "tools/echotool/tide.h"
 #include "tools/echotool/track_output.h"
@@ -64,6 +65,7 @@ class XyzWriter final : public PingWriter {
   const XyzOptions options_;
   const double scale_;
   const Tide tide_;
+  PingClock clock_;
   std::array<RunningMedian, 2> medians_{RunningMedian(options_.median), RunningMedian(options_.median)};
   uint64_t soundings_ = 0;
   std::string error_;
