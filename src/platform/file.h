@@ -5,7 +5,9 @@
 #include <cstddef>
 #include <cstdint>
 #include <span>
+#include <string>
 #include <string_view>
+#include <vector>
 
 #include "platform/handle.h"
 
@@ -82,6 +84,21 @@ enum class PathKind : uint8_t {
 
 // Creates one folder; its parent must exist.
 [[nodiscard]] bool CreateFolder(const wchar_t* path);
+
+// What lies in a folder.
+struct FolderEntry {
+  std::wstring name;  // of its own, without the folder
+  PathKind kind;      // of what it leads to
+  bool isLink;        // it leads elsewhere: a symbolic link, or a junction
+  bool isHidden;      // its name begins with a point, or its attributes say so
+};
+
+// Puts all that lies in a folder, itself and its parent left out, behind what stands in `entries`, in no
+// order. False when the system refuses, be it midway: then not all of it may stand there.
+[[nodiscard]] bool ListFolder(const wchar_t* path, std::vector<FolderEntry>& entries);
+
+// The full path of a folder, as PathOfFile tells that of a file in it: however it is named, it is the same.
+[[nodiscard]] bool PathOfFolder(const wchar_t* path, std::span<wchar_t> full);
 
 // Paths as command lines and terminals have them, to wide text and back, each with a terminating zero, cut to
 // fit. On Windows that is UTF-8. On other systems names are bytes: all of them come back, those that are no

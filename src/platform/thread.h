@@ -17,6 +17,9 @@ enum class ThreadWait : uint8_t { ended, timedOut, failed };
 // Waits until the thread has ended. `failed` when the handle is none (closed already).
 [[nodiscard]] ThreadWait WaitForThread(Handle thread, uint32_t timeout_ms);
 
+// How many threads this process can run at the same time: at least 1.
+[[nodiscard]] uint32_t ProcessorCount();
+
 // The calling thread stands back behind the others from now on, as far as the system does that.
 void StandBack();
 

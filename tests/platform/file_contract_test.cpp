@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cwchar>
 #include <deque>
 #include <filesystem>
@@ -216,6 +217,46 @@ TEST_F(FileContract, FoldersAndFilesAreToldApart) {
   EXPECT_EQ(CreateFileAnew(L"no such folder\\file"), Handle::invalid);
   EXPECT_EQ(OpenFileForReading(L"no such file", WriteSharing::allowed), Handle::invalid);
   EXPECT_NE(LastSystemError(), 0u);
+}
+
+TEST_F(FileContract, AFolderTellsWhatLiesInIt) {
+  CloseFile(Create(Path(L"a \u00E9.log"), ""));
+  CloseFile(Create(Path(L".hidden"), ""));
+  ASSERT_TRUE(CreateFolder(Path(L"below")) && CreateFolder(Path(L"below\\empty")));
+  std::vector<FolderEntry> entries;
+  ASSERT_TRUE(ListFolder(Path(L"."), entries) && ListFolder(Path(L"below\\empty"), entries));
+  std::sort(entries.begin(), entries.end(), [](const auto& a, const auto& b) { return a.name < b.name; });
+  const FolderEntry expected[] = {{L".hidden", PathKind::file, false, true},
+                                  {L"a \u00E9.log", PathKind::file, false, false},
+                                  {L"below", PathKind::folder, false, false}};
+  ASSERT_EQ(entries.size(), 3u);
+  for (size_t i = 0; i < 3; ++i) {
+    EXPECT_TRUE(entries[i].name == expected[i].name) << i;
+    EXPECT_EQ(entries[i].kind, expected[i].kind) << i;
+    EXPECT_EQ(entries[i].isLink, expected[i].isLink) << i;
+    EXPECT_EQ(entries[i].isHidden, expected[i].isHidden) << i;
+  }
+  for (const wchar_t* const none : {L"no such folder", Path(L".hidden")}) {
+    EXPECT_FALSE(ListFolder(none, entries));
+    EXPECT_NE(LastSystemError(), 0u);
+  }
+  EXPECT_EQ(entries.size(), 3u);
+}
+
+TEST_F(FileContract, AFolderTellsItsFullPath) {
+  ASSERT_TRUE(CreateFolder(Path(L"below")));
+  const Handle file = Create(Path(L"below\\file"), "");
+  wchar_t full[1024];
+  wchar_t inside[1024];
+  ASSERT_TRUE(PathOfFile(file, inside));
+  for (const wchar_t* const name : {L"below", L".\\below\\", L"below\\..\\below"}) {
+    ASSERT_TRUE(PathOfFolder(Path(name), full));
+    EXPECT_TRUE(std::wstring(full) + L"\\file" == inside) << full;
+  }
+  EXPECT_FALSE(PathOfFolder(Path(L"absent"), full));
+  wchar_t small[8];
+  EXPECT_FALSE(PathOfFolder(Path(L"below"), small));
+  CloseFile(file);
 }
 
 TEST_F(FileContract, AFolderTellsItsFreeSpace) {

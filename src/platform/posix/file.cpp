@@ -80,6 +80,10 @@ bool CreateFolder(const wchar_t* path) {
   return posix::CreateFolder(path);
 }
 
+bool ListFolder(const wchar_t* path, std::vector<FolderEntry>& entries) {
+  return posix::ListFolder(path, entries);
+}
+
 bool FreeSpace(const wchar_t* folder, uint64_t& bytes) {
   return posix::FreeSpace(folder, bytes);
 }

@@ -5,7 +5,6 @@
 #include <sys/statvfs.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <climits>
 #include <mutex>
@@ -141,12 +140,7 @@ bool OpenFile::Path(std::span<wchar_t> path) const {
   char target[PATH_MAX];
   const ssize_t length = readlink(link, target, sizeof(target));
   if (length < 0) return FailWithErrno();
-  wchar_t full[PATH_MAX];
-  const size_t units = WidenPath(full, {target, static_cast<size_t>(length)});
-  if (units >= path.size()) return FailWith(ENAMETOOLONG);
-  std::replace(full, full + units, L'/', L'\\');
-  CopyWide(path, {full, units});
-  return true;
+  return TellFullPath({target, static_cast<size_t>(length)}, path);
 }
 
 Handle Open(const std::shared_ptr<OpenFile>& file, const wchar_t* path, int flags, WriteSharing sharing) {

@@ -55,6 +55,7 @@ class OpenFile {
 [[nodiscard]] bool RemoveFile(const wchar_t* path);
 [[nodiscard]] bool RenameFile(const wchar_t* from, const wchar_t* to, Existing existing);
 [[nodiscard]] bool CreateFolder(const wchar_t* path);
+[[nodiscard]] bool ListFolder(const wchar_t* path, std::vector<FolderEntry>& entries);
 [[nodiscard]] bool FreeSpace(const wchar_t* folder, uint64_t& bytes);
 // Gives out a folder of the system's; null is none.
 [[nodiscard]] bool TellFolder(const char* bytes, std::span<wchar_t> path);

@@ -3,9 +3,12 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <cerrno>
+#include <climits>
 
 #include "base/text_format.h"
 #include "platform/file.h"
+#include "platform/posix/last_error.h"
 
 namespace tw {
 namespace {
@@ -36,6 +39,15 @@ size_t TakeCharacter(std::string_view text, wchar_t& wide) {
 posix::NarrowedPath::NarrowedPath(std::wstring_view path)
     : bytes_(kLongestCharacter * path.size() + 1, '\0') {
   NarrowPath(bytes_, path);
+}
+
+bool posix::TellFullPath(std::string_view bytes, std::span<wchar_t> path) {
+  wchar_t full[PATH_MAX];
+  const size_t units = WidenPath(full, bytes);
+  if (units >= path.size()) return FailWith(ENAMETOOLONG);
+  std::replace(full, full + units, L'/', L'\\');
+  CopyWide(path, {full, units});
+  return true;
 }
 
 PathKind KindOfPath(const wchar_t* path) {

@@ -5,12 +5,16 @@
 #pragma once
 
 #include <cstddef>
+#include <span>
 #include <string>
 #include <string_view>
 
 namespace tw::posix {
 
 inline constexpr size_t kLongestCharacter = 4;  // in UTF-8
+
+// Gives out a full path, with backslashes and a terminating zero. False when it does not fit.
+[[nodiscard]] bool TellFullPath(std::string_view bytes, std::span<wchar_t> path);
 
 class NarrowedPath {
  public:

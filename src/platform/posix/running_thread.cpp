@@ -1,9 +1,11 @@
 #include "platform/posix/running_thread.h"
 
 #include <pthread.h>
+#include <sched.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 
 #include "platform/posix/handle_table.h"
@@ -72,6 +74,13 @@ ThreadWait WaitForThread(Handle handle, uint32_t timeout_ms) {
     thread->monitor.WaitUntil(deadline_us, "a thread's end");
   }
   return ThreadWait::ended;
+}
+
+// As many as the process may use, which can be fewer than there are.
+uint32_t ProcessorCount() {
+  cpu_set_t allowed;
+  if (sched_getaffinity(0, sizeof(allowed), &allowed) != 0) return 1;
+  return static_cast<uint32_t>(std::max(CPU_COUNT(&allowed), 1));
 }
 
 // Without the right to it the thread runs like the others.

@@ -25,6 +25,7 @@ enum class FaultPoint : uint8_t {
   removeFile,     //
   renameFile,     // subject: the old path
   createFolder,   //
+  listFolder,     //
   freeSpace,      //
   documents,      // no subject
   readRegistry,   // subject: the value's name
@@ -33,7 +34,7 @@ enum class FaultPoint : uint8_t {
   makeEvent,      // no subject
   allocate,       // no subject
 };
-inline constexpr int kFaultPoints = 24;
+inline constexpr int kFaultPoints = 25;
 
 inline constexpr uint64_t kEveryCall = UINT64_MAX;
 

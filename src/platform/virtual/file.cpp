@@ -198,6 +198,10 @@ bool CreateFolder(const wchar_t* path) {
   return !FaultAt(FaultPoint::createFolder, path) && posix::CreateFolder(path);
 }
 
+bool ListFolder(const wchar_t* path, std::vector<FolderEntry>& entries) {
+  return !FaultAt(FaultPoint::listFolder, path) && posix::ListFolder(path, entries);
+}
+
 bool FreeSpace(const wchar_t* folder, uint64_t& bytes) {
   if (FaultAt(FaultPoint::freeSpace, folder) || !posix::FreeSpace(folder, bytes)) return false;
   bytes = std::min(bytes, DiskSpaceLeft());

@@ -54,6 +54,17 @@ constexpr size_t kPathUnits = 32'768;  // the longest path that the system knows
   return Handle::invalid;
 }
 
+// Files that a service keeps elsewhere until they are wanted have a mark as links have, but lie here.
+[[nodiscard]] FolderEntry Described(const WIN32_FIND_DATAW& found) {
+  const DWORD attributes = found.dwFileAttributes;
+  const bool marked = (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
+  return {.name = found.cFileName,
+          .kind = (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0 ? PathKind::folder : PathKind::file,
+          .isLink = marked && (found.dwReserved0 == IO_REPARSE_TAG_SYMLINK ||
+                               found.dwReserved0 == IO_REPARSE_TAG_MOUNT_POINT),
+          .isHidden = (attributes & FILE_ATTRIBUTE_HIDDEN) != 0 || found.cFileName[0] == L'.'};
+}
+
 }  // namespace
 
 Handle CreateFileAnew(const wchar_t* path) {
@@ -179,6 +190,39 @@ size_t NarrowPath(std::span<char> out, std::wstring_view path) {
 
 bool CreateFolder(const wchar_t* path) {
   return CreateDirectoryW(path, nullptr) != 0;
+}
+
+bool ListFolder(const wchar_t* path, std::vector<FolderEntry>& entries) {
+  WIN32_FIND_DATAW found;
+  const std::wstring pattern = std::wstring(path) + L"\\*";
+  const HANDLE search = FindFirstFileExW(pattern.c_str(), FindExInfoBasic, &found, FindExSearchNameMatch,
+                                         nullptr, FIND_FIRST_EX_LARGE_FETCH);
+  // The root of a disk has no entry for itself.
+  if (search == INVALID_HANDLE_VALUE) return GetLastError() == ERROR_FILE_NOT_FOUND && IsFolder(path);
+  do {
+    const std::wstring_view name = found.cFileName;
+    if (name != L"." && name != L"..") entries.push_back(Described(found));
+  } while (FindNextFileW(search, &found) != FALSE);
+  const DWORD error = GetLastError();
+  FindClose(search);
+  SetLastError(error);
+  return error == ERROR_NO_MORE_FILES;
+}
+
+bool PathOfFolder(const wchar_t* path, std::span<wchar_t> full) {
+  if (!IsFolder(path)) {
+    SetLastError(ERROR_DIRECTORY);
+    return false;
+  }
+  constexpr DWORD kAnySharing = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+  const Handle folder = FromSystem(
+      CreateFileW(path, 0, kAnySharing, nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr));
+  if (folder == Handle::invalid) return false;
+  const bool told = PathOfFile(folder, full);
+  const DWORD error = GetLastError();
+  CloseIfOpen(folder);
+  SetLastError(error);
+  return told;
 }
 
 bool DocumentsFolder(std::span<wchar_t> path) {

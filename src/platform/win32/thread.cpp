@@ -2,6 +2,7 @@
 
 #include <process.h>
 
+#include <algorithm>
 #include <memory>
 #include <new>
 
@@ -45,6 +46,12 @@ ThreadWait WaitForThread(Handle thread, uint32_t timeout_ms) {
     default:
       return ThreadWait::failed;
   }
+}
+
+uint32_t ProcessorCount() {
+  SYSTEM_INFO system;
+  GetSystemInfo(&system);
+  return std::max<uint32_t>(system.dwNumberOfProcessors, 1);
 }
 
 void StandBack() {
