@@ -128,12 +128,9 @@ def check_pictures(folder):
     expect('table', len(table) == 1 and table[0].keys() == same.keys() and table[0]['pings'] == '3', table)
 
 
-def check_bar(folder):
-    """On a terminal, and taken away at the end."""
-    shutil.copy(os.path.join(DATA, 'three_pings.log'), folder)
+def shown_on_terminal(*words):
     terminal, theirs = pty.openpty()
-    path = os.path.join(folder, 'three_pings.log')
-    subprocess.run([ECHOTOOL, 'info', path, path], stdout=subprocess.DEVNULL, stderr=theirs, check=True)
+    subprocess.run([ECHOTOOL, *words], stdout=subprocess.DEVNULL, stderr=theirs, check=True)
     os.close(theirs)
     shown = ''
     try:
@@ -141,12 +138,49 @@ def check_bar(folder):
             shown += piece.decode()
     except OSError:  # all has been read, and nobody is at the other end
         pass
-    expect('bar', '\r2 of 2 three_pings.log [' in shown and '100 %' in shown and shown.endswith('\r' + 79 * ' ' + '\r'), shown)
+    return shown
+
+
+def check_bar(folder):
+    """On a terminal, and taken away at the end."""
+    shutil.copy(os.path.join(DATA, 'three_pings.log'), folder)
+    path = os.path.join(folder, 'three_pings.log')
+    for words, starts in (((path,), ('\rthree_pings.log [', '100 %')),
+                          ((path, path, '-j', '2'), ('\r1 of 2, 1 at work, ', ' % three_pings.log')), (('--quiet', '-r', folder), ())):
+        shown = shown_on_terminal('info', *words)
+        expect('bar', all(start in shown for start in starts) and shown.endswith('\r' + 79 * ' ' + '\r') == bool(starts), shown)
+        expect('quiet', bool(shown) == bool(starts), shown)
+
+
+def check_many(folder):
+    """A day's folder, and Ctrl-C with two at work."""
+    for name in ('b.log', 'a.log', 'deep/c.log'):
+        os.makedirs(os.path.dirname(os.path.join(folder, name)), exist_ok=True)
+        shutil.copy(os.path.join(DATA, 'three_pings.log'), os.path.join(folder, name))
+    seen = run('check', '-r', '-j', '3', folder)
+    expect('in order', seen[0] == 1 and [line.split(': ')[0] for line in seen[1].splitlines()] ==
+           [os.path.join(folder, name) for name in ('a.log', 'b.log', 'deep/c.log')], seen)
+    for quiet in ((), ('--quiet',)):
+        run('kml', '-r', folder)
+        seen = run('kml', '-r', folder, *quiet)
+        expect('notes', seen[:2] == (0, '') and seen[2].count('has been replaced') == (0 if quiet else 3) and bool(seen[2]) != bool(quiet), seen)
+    for name in ('a.log', 'b.log'):
+        os.truncate(os.path.join(folder, name), 64 << 30)
+    process = subprocess.Popen([ECHOTOOL, 'csv', '-r', '-j', '2', folder], stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
+    deadline = time.monotonic() + 20
+    parts = [os.path.join(folder, name) for name in ('a.csv.part', 'b.csv.part')]
+    while not all(map(os.path.exists, parts)) and time.monotonic() < deadline:
+        time.sleep(0.01)
+    process.send_signal(signal.SIGINT)
+    _, told = process.communicate(timeout=20)
+    lines = ['echotool: %s: interrupted' % os.path.join(folder, name) for name in ('a.log', 'b.log')]
+    expect('both interrupted', process.returncode == 130 and told.splitlines() == lines, (process.returncode, told))
+    expect('no half files', not [name for name in os.listdir(folder) if 'csv' in name], os.listdir(folder))
 
 
 for check, *arguments in ((check_exit_codes,), (check_interruption, signal.SIGINT), (check_interruption, signal.SIGTERM),
                           (check_interruption, signal.SIGHUP), (check_interruption, signal.SIGQUIT), (check_interruption, signal.SIGKILL),
-                          (check_strange_names,), (check_pictures,), (check_bar,)):
+                          (check_strange_names,), (check_pictures,), (check_bar,), (check_many,)):
     with tempfile.TemporaryDirectory() as work:
         check(work, *arguments)
 for problem in problems:

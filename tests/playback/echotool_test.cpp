@@ -5,6 +5,7 @@
 #include "base/bytes.h"
 #include "tests/app/test_files.h"
 #include "tests/app/test_folder.h"
+#include "tests/playback/echotool_call.h"
 #include "tests/playback/info_text.h"
 #include "tools/echotool/cdf.h"
 #include "tools/echotool/console.h"
@@ -16,7 +17,6 @@
 #include "tools/echotool/sha256.h"
 #include "tools/echotool/summary.h"
 #include "tools/echotool/tide.h"
-#include "tools/echotool/work.h"
 
 namespace tw::echotool {
 namespace {
@@ -588,6 +588,11 @@ TEST(Options, AreRead) {
        "--area needs west, south, east and north in degrees, as -5.5,35,3,40.25"},
       {{"check", "a.log", "-o", "out"}, "check writes no files"},
       {{"join", "a.log"}, "join needs two recordings or more"},
+      {{"join", "-r", "folder"}, ""},
+      {{"netcdf", "-r", "-j", "64", "--quiet", "--dry-run", "folder"}, ""},
+      {{"csv", "a.log", "-j", "65"}, "-j needs a number from 1 to 64"},
+      {{"csv", "a.log", "-j"}, "-j needs a number from 1 to 64"},
+      {{"info", "--dry-run", "a.log"}, "--dry-run belongs to tasks that write files"},
   };
   for (const auto& row : rows) {
     Options options;

@@ -15,9 +15,9 @@
 #include "playback/converter.h"
 #include "simulator/sent_ping.h"
 #include "tests/app/run/playback_fixture.h"
+#include "tests/playback/echotool_call.h"
 #include "tests/playback/info_text.h"
 #include "tests/playback/sample_recordings.h"
-#include "tools/echotool/work.h"
 
 namespace tw::test {
 namespace {

@@ -10,9 +10,9 @@
 #include "base/text_format.h"
 #include "tests/app/test_files.h"
 #include "tests/app/test_folder.h"
+#include "tests/playback/echotool_call.h"
 #include "tests/playback/info_text.h"
 #include "tests/playback/sample_recordings.h"
-#include "tools/echotool/work.h"
 
 namespace tw::echotool {
 namespace {

@@ -1,5 +1,8 @@
 #include "tools/echotool/file_names.h"
 
+#include <algorithm>
+#include <iterator>
+
 #include "base/text_format.h"
 #include "platform/owned_file.h"
 #include "platform/system_error.h"
@@ -19,39 +22,34 @@ size_t BeginOfName(std::wstring_view path) {
   return separator == std::wstring_view::npos ? 0 : separator + 1;
 }
 
+struct Ending {
+  Task task;
+  std::wstring_view text;
+};
+
+constexpr Ending kEndings[] = {
+    {Task::repair, L"_repaired.log"},
+    {Task::cut, L"_cut.log"},
+    {Task::join, L"_joined.log"},
+    {Task::text, L"_txt.log"},
+    {Task::segy, L".sgy"},
+    {Task::csv, L".csv"},
+    {Task::kml, L".kml"},
+    {Task::netcdf, L".nc"},
+    {Task::gpx, L".gpx"},
+    {Task::geojson, L".geojson"},
+    {Task::xyz, L".xyz"},
+    {Task::nmea, L".nmea"},
+    {Task::png, L".png"},
+    {Task::report, L".html"},
+};
+
+constexpr std::wstring_view kOnePart[] = {L""};
+constexpr std::wstring_view kParts[] = {L"", L"_ch1", L"_ch2"};
+
 std::wstring_view EndingOf(Task task) {
-  switch (task) {
-    case Task::info:
-    case Task::check:
-      break;
-    case Task::repair:
-      return L"_repaired.log";
-    case Task::cut:
-      return L"_cut.log";
-    case Task::join:
-      return L"_joined.log";
-    case Task::segy:
-      return L".sgy";
-    case Task::text:
-      return L"_txt.log";
-    case Task::csv:
-      return L".csv";
-    case Task::kml:
-      return L".kml";
-    case Task::netcdf:
-      return L".nc";
-    case Task::gpx:
-      return L".gpx";
-    case Task::geojson:
-      return L".geojson";
-    case Task::xyz:
-      return L".xyz";
-    case Task::nmea:
-      return L".nmea";
-    case Task::png:
-      return L".png";
-    case Task::report:
-      return L".html";
+  for (const Ending& ending : kEndings) {
+    if (ending.task == task) return ending.text;
   }
   return {};
 }
@@ -93,16 +91,55 @@ std::wstring FullPath(const std::wstring& path) {
   return told ? full : L"";
 }
 
-std::wstring OutputPath(const std::string& recording, const Options& options, const std::wstring& part) {
-  const std::wstring input = WideName(recording);
-  const size_t begin = BeginOfName(input);
-  std::wstring name = input.substr(begin);
+std::wstring FullPathToBe(const std::wstring& path) {
+  const std::wstring folder = FolderOfPath(path);
+  wchar_t full[kFullPathSize];
+  const bool told = PathOfFolder(folder.empty() ? L"." : folder.c_str(), full);
+  return PathIn(told ? full : folder, LastOfPath(path));
+}
+
+std::wstring PathIn(const std::wstring& folder, const std::wstring& name) {
+  const bool separated = folder.empty() || kSeparators.find(folder.back()) != std::wstring_view::npos;
+  return separated ? folder + name : folder + kPathSeparator + name;
+}
+
+std::wstring FolderOfPath(const std::wstring& path) {
+  return path.substr(0, BeginOfName(path));
+}
+
+std::wstring StemOf(const std::wstring& name) {
   const size_t point = name.find_last_of(L'.');
-  if (point != std::wstring::npos && point != 0) name.resize(point);
-  name += part;
-  name += EndingOf(options.task);
-  return options.folder.empty() ? input.substr(0, begin) + name
-                                : WideName(options.folder) + kPathSeparator + name;
+  return point == std::wstring::npos || point == 0 ? name : name.substr(0, point);
+}
+
+std::wstring OutputPath(const std::string& recording, const std::wstring& folder, Task task,
+                        const std::wstring& part) {
+  const std::wstring input = WideName(recording);
+  const std::wstring name = StemOf(LastOfPath(input)) + part + std::wstring(EndingOf(task));
+  return PathIn(folder.empty() ? FolderOfPath(input) : folder, name);
+}
+
+std::span<const std::wstring_view> PartsOf(Task task) {
+  if (EndingOf(task).empty()) return {};
+  return task == Task::netcdf ? std::span<const std::wstring_view>(kParts) : kOnePart;
+}
+
+std::vector<std::wstring> OriginalStems(const std::wstring& name) {
+  std::vector<std::wstring> stems;
+  for (const Ending& ending : kEndings) {
+    for (const std::wstring_view part : PartsOf(ending.task)) {
+      const std::wstring behind = std::wstring(part) + std::wstring(ending.text);
+      if (name.size() > behind.size() && name.ends_with(behind))
+        stems.push_back(name.substr(0, name.size() - behind.size()));
+    }
+  }
+  return stems;
+}
+
+bool IsNameOfOutput(const std::wstring& name) {
+  return std::any_of(std::begin(kEndings), std::end(kEndings), [&](const Ending& ending) {
+    return ending.text.starts_with(L'.') && name.ends_with(ending.text);
+  });
 }
 
 std::string ReasonText(uint32_t error) {

@@ -195,11 +195,11 @@ std::string FiguresCsvHeader() {
          "latitude_max_deg,longitude_min_deg,longitude_max_deg,distance_m,skipped_bytes\r\n";
 }
 
-void InfoTotals::Add(const PingSource& recording, const RecordingFigures& added) {
+void InfoTotals::Add(const RecordingTold& told) {
   ++files;
-  bytes += recording.Size();
-  skipped += recording.Skipped();
-  figures.Add(added);
+  bytes += told.bytes;
+  skipped += told.skipped;
+  figures.Add(told.figures);
 }
 
 std::string TotalsText(const InfoTotals& totals) {

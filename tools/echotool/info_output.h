@@ -25,12 +25,19 @@ namespace tw::echotool {
                                         const RecordingFigures& figures);
 [[nodiscard]] std::string FiguresCsvHeader();
 
+// What a recording adds to the totals.
+struct RecordingTold {
+  uint64_t bytes;
+  uint64_t skipped;  // bytes
+  RecordingFigures figures;
+};
+
 struct InfoTotals {
   uint64_t files = 0;
   uint64_t bytes = 0;
   uint64_t skipped = 0;
   RecordingFigures figures;
-  void Add(const PingSource& recording, const RecordingFigures& added);
+  void Add(const RecordingTold& told);
 };
 
 [[nodiscard]] std::string TotalsText(const InfoTotals& totals);

@@ -7,17 +7,18 @@
 #include <vector>
 
 #include "playback/ping_source.h"
-#include "tools/echotool/console.h"
 #include "tools/echotool/file_names.h"
 #include "tools/echotool/work.h"
 
 namespace tw::echotool {
 
 struct Job {
-  const std::string& file;
-  const Options& options;
-  const std::atomic<bool>& interrupted;
-  Batch& batch;
+  const Call& call;
+  const Input& input;
+  FileProgress& progress;
+  const std::string& file = input.file;
+  const Options& options = call.options;
+  const std::atomic<bool>& interrupted = call.interrupted;
   std::vector<std::wstring> following = {};  // join: what comes behind the file
 };
 
@@ -27,6 +28,19 @@ struct Job {
 // Null with the reason in `error`.
 [[nodiscard]] std::unique_ptr<PingSource> OpenInput(const std::string& file, std::string& error);
 
+// True when nothing says that the file is a recording: what is found in folders, and so is no mistake of
+// anybody. One that begins with its settings is, though it may hold no ping.
+[[nodiscard]] bool IsAnotherFile(const std::string& file);
+
+// Judges a recording that has been read to its end. What has neither settings nor a binary mark and hardly a
+// ping is something else, in which a few bytes look like a line. False with the reason in `result`.
+[[nodiscard]] bool IsRecording(const Job& job, const PingSource& recording, uint64_t pings, Result& result);
+
+// Once, however many outputs are made of the recording.
+void Note(const std::string& note, Result& result);
+void NoteDamage(const PingSource& recording, Result& result);
+void NoteSampling(const PingSource& recording, Result& result);
+
 // Hands each ping to `take` until it declines. False when interrupted, be it in the middle of garbage.
 template <typename Take>
 bool ForEachPing(const Job& job, PingSource& recording, const char* label, Take take) {
@@ -35,10 +49,10 @@ bool ForEachPing(const Job& job, PingSource& recording, const char* label, Take 
   };
   Job watched = job;
   recording.SetInterruption({isInterrupted, &watched});
-  ProgressBar bar({job.batch.number, job.options.files.size()}, ShownName(job.file), label, recording.Size());
+  job.progress.BeginPass(ShownName(job.file), label, recording.Size());
   RecordedPing ping{};
   while (!job.interrupted.load(std::memory_order_relaxed) && recording.Next(ping)) {
-    bar.Show(recording.Position());
+    job.progress.Show(recording.Position());
     if (!take(ping)) break;
   }
   recording.SetInterruption({});

@@ -2,12 +2,15 @@
 #include <atomic>
 #include <cstdio>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "platform/console.h"
 #include "platform/file.h"
+#include "tools/echotool/batch.h"
+#include "tools/echotool/folders.h"
+#include "tools/echotool/gathering.h"
 #include "tools/echotool/options.h"
-#include "tools/echotool/work.h"
 
 namespace tw::echotool {
 namespace {
@@ -23,14 +26,48 @@ void Complain(const std::string& what) {
   WriteError("echotool: " + what + "\n");
 }
 
-// False when the report cannot be written.
-bool Tell(const Result& result) {
-  if (!result.done) {
-    Complain(result.text);
-    return true;
+// What the user is told of a call, and whether something has failed.
+class Teller final : public Listener {
+ public:
+  Teller(Progress& progress, bool isQuiet) : progress_(progress), isQuiet_(isQuiet) {}
+
+  void Hear(Result result) override {
+    Tell(result);
+    gathering_.Add(std::move(result));
   }
-  for (const std::string& note : result.notes) Complain(note);
-  return std::fputs(result.text.c_str(), stdout) >= 0;
+  void Tell(const Result& result) {
+    const Progress::Pause pause(progress_);
+    failed_ = failed_ || !result.done || !result.sound;
+    if (!result.done) return Complain(result.text);
+    if (!isQuiet_) {
+      for (const std::string& note : result.notes) Complain(note);
+    }
+    if (std::fputs(result.text.c_str(), stdout) < 0) failed_ = true;
+  }
+  [[nodiscard]] Gathering& Gathered() { return gathering_; }
+  [[nodiscard]] bool HasFailed() const { return failed_; }
+
+ private:
+  Progress& progress_;
+  const bool isQuiet_;
+  Gathering gathering_;
+  bool failed_ = false;
+};
+
+int Work(const Options& options) {
+  const Inputs inputs = FindInputs(options, interrupted);
+  uint64_t bytes = 0;
+  for (const Input& input : inputs.list) bytes += input.size;
+  Claims claims(inputs.list);
+  Progress progress(options.task == Task::join ? 1 : inputs.list.size(), bytes, options.quiet);
+  const Call call{options, inputs.list, interrupted, claims, progress};
+  Teller teller(progress, options.quiet);
+  if (!interrupted.load()) RunBatch(call, teller);
+  if (interrupted.load()) return kInterrupted;
+  teller.Tell(teller.Gathered().End(call, inputs));
+  if (std::fflush(stdout) == 0) return teller.HasFailed() ? kFailed : kDone;
+  Complain("standard output cannot be written");
+  return kFailed;
 }
 
 int Run(const std::vector<std::string>& arguments) {
@@ -46,21 +83,7 @@ int Run(const std::vector<std::string>& arguments) {
     return kDone;
   }
   WatchInterruption(interrupted);
-  bool failed = false;
-  Batch batch = BeginBatch(options);
-  for (const std::string& file : options.files) {
-    const Result result = WorkOn(file, options, interrupted, batch);
-    failed = !Tell(result) || !result.done || !result.sound || failed;
-    if (interrupted.load()) return kInterrupted;
-    if (options.task == Task::join) break;  // has been given them all
-  }
-  const Result end = EndBatch(options, batch);
-  failed = !Tell(end) || !end.done || failed;
-  if (std::fflush(stdout) != 0) {
-    Complain("standard output cannot be written");
-    failed = true;
-  }
-  return failed ? kFailed : kDone;
+  return Work(options);
 }
 
 }  // namespace

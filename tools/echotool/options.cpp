@@ -46,6 +46,12 @@ constexpr std::string_view kHelp =
     "                                   (the first one's NAME_joined.log)\n"
     "\n"
     "  -o DIR        where outputs are written; without it beside each recording\n"
+    "  -r            search folders, those below too; with -o, outputs lie below DIR as recordings in "
+    "theirs\n"
+    "  -j N          so many recordings side by side, up to 64; without it one a processor. Each takes its\n"
+    "                memory\n"
+    "  --dry-run     write nothing, tell what would be written, replaced and refused\n"
+    "  --quiet       neither progress nor what was replaced, left out or skipped; errors are told\n"
     "  --pad         segy: every trace as long as the longest, zeros behind, for readers that want it so\n"
     "  --inline      segy: inline and crossline numbers, for readers that want a geometry\n"
     "  --columns LIST  xyz: other columns than longitude,latitude,depth; also time, ping, channel, "
@@ -119,10 +125,30 @@ std::optional<bool> TakePictureOption(const std::string& word, std::span<const s
   return true;
 }
 
+// Those of many recordings.
+bool TakeBatchOption(const std::string& word, std::span<const std::string>& rest, Options& options,
+                     std::string& error) {
+  if (word == "-r") {
+    options.recursive = true;
+  } else if (word == "--quiet") {
+    options.quiet = true;
+  } else if (word == "--dry-run") {
+    options.dryRun = true;
+  } else if (word != "-j") {
+    return false;
+  } else if (rest.empty() || !IsWhole(rest.front(), kMostJobs, options.jobs)) {
+    error = "-j needs a number from 1 to " + std::to_string(kMostJobs);
+  } else {
+    rest = rest.subspan(1);
+  }
+  return true;
+}
+
 bool TakeOption(const std::string& word, std::span<const std::string>& rest, Options& options,
                 std::string& error) {
   if (const auto taken = TakePictureOption(word, rest, options.picture, error)) return *taken;
   if (const auto taken = TakeSelectionOption(word, rest, options.selection, error)) return *taken;
+  if (TakeBatchOption(word, rest, options, error)) return error.empty();
   if (word == "--help" || word == "-h") {
     options.help = true;
   } else if (word == "--version") {
@@ -204,7 +230,9 @@ bool ParseOptions(std::span<const std::string> arguments, Options& options, std:
     error = "--from, --to, --pings and --area belong to cut, which needs one of them";
   } else if (!options.folder.empty() && options.task == Task::check) {
     error = "check writes no files";
-  } else if (options.task == Task::join && options.files.size() < 2) {
+  } else if (options.dryRun && (options.task == Task::info || options.task == Task::check)) {
+    error = "--dry-run belongs to tasks that write files";
+  } else if (options.task == Task::join && options.files.size() < 2 && !options.recursive) {
     error = "join needs two recordings or more";
   } else if (!options.folder.empty() && options.task == Task::info) {
     error = "info writes no files";

@@ -32,6 +32,7 @@ enum class Task : uint8_t {
 };
 enum class InfoForm : uint8_t { lines, json, csv };
 
+inline constexpr uint32_t kMostJobs = 64;
 inline constexpr uint32_t kMostPictureColumns = 4'000;  // of a picture whose width is not asked for
 
 // Of the bare echogram.
@@ -55,6 +56,10 @@ struct Options {
   Selection selection;     // cut: which pings
   bool force = false;      // an output may replace a recording
   bool noClobber = false;  // no output replaces anything
+  bool recursive = false;  // folders are searched
+  uint32_t jobs = 0;       // recordings side by side; 0: one a processor
+  bool quiet = false;      // neither notes nor progress
+  bool dryRun = false;     // nothing is written, but told what would be
   XyzOptions xyz;
   bool xyzAsked = false;  // one of them was given
   bool help = false;

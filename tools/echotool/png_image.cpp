@@ -16,8 +16,7 @@ std::string BigEndian(size_t value) {
 }
 
 std::string Colours() {
-  static DisplayPalette palette;
-  BuildPalette(palette);
+  const DisplayPalette& palette = PicturePalette();
   std::string colours(3, '\0');
   for (size_t step = 1; step < kSteps; ++step) {
     const uint8_t* const entry = palette.entries[step * 16];  // blue, green, red
@@ -27,6 +26,15 @@ std::string Colours() {
 }
 
 }  // namespace
+
+const DisplayPalette& PicturePalette() {
+  static const DisplayPalette palette = [] {
+    DisplayPalette built;
+    BuildPalette(built);
+    return built;
+  }();
+  return palette;
+}
 
 PngImage::~PngImage() {
   if (begun_) deflateEnd(&stream_);

@@ -10,7 +10,12 @@
 #include <string>
 #include <string_view>
 
+#include "app/state/display_palette.h"
+
 namespace tw::echotool {
+
+// The colours of all pictures. Any thread.
+[[nodiscard]] const DisplayPalette& PicturePalette();
 
 class PngImage {
  public:

@@ -1,6 +1,5 @@
 #include "tools/echotool/replacing.h"
 
-#include <algorithm>
 #include <cstring>
 #include <vector>
 
@@ -11,10 +10,6 @@
 
 namespace tw::echotool {
 namespace {
-
-bool Contains(const std::vector<std::wstring>& paths, const std::wstring& path) {
-  return std::find(paths.begin(), paths.end(), path) != paths.end();
-}
 
 bool MakesRecording(Task task) {
   return task == Task::text || task == Task::repair || task == Task::cut || task == Task::join;
@@ -47,29 +42,38 @@ bool LookAtFile(Place& place, const Options& options, std::string& error) {
   return false;
 }
 
+// What was found in a folder, only if it is a recording.
+bool IsToBeRead(const std::wstring& full, const Place& place, const Call& call) {
+  const Input* const input = call.claims.InputAt(full);
+  return input != nullptr && (!input->isFound || LookInside(place.path) != Found::anotherFile);
+}
+
 }  // namespace
 
-bool LookAt(Place& place, const std::string& recording, const Options& options, const Batch& batch,
-            std::string& error) {
+bool LookAt(Place& place, const Input& input, const Call& call, std::string& error) {
   const PathKind kind = KindOfPath(place.path.c_str());
   place.taken = kind != PathKind::nothing;
+  const std::string name = NarrowName(place.path);
+  if (call.options.dryRun && call.claims.IsMade(FullPathToBe(place.path))) {
+    error = name + " would have been made of another recording";
+    return false;
+  }
   if (!place.taken) return true;
   const std::wstring full = FullPath(place.path);
-  const std::string name = NarrowName(place.path);
   if (kind == PathKind::folder) {
     error = name + " is a folder";
   } else if (kind == PathKind::other) {
     error = name + " is no file";
-  } else if (!full.empty() && full == FullPath(WideName(recording))) {
+  } else if (!full.empty() && full == input.full) {
     error = "the output would replace it";
-  } else if (!full.empty() && Contains(batch.inputs, full)) {
+  } else if (!full.empty() && IsToBeRead(full, place, call)) {
     error = "the output would replace " + name + ", which is to be read";
-  } else if (!full.empty() && Contains(batch.outputs, full)) {
+  } else if (!full.empty() && call.claims.IsMade(full)) {
     error = name + " has just been made of another recording";
-  } else if (options.noClobber) {
+  } else if (call.options.noClobber) {
     error = name + " is there already";
   }
-  return error.empty() && LookAtFile(place, options, error);
+  return error.empty() && LookAtFile(place, call.options, error);
 }
 
 bool MayReplace(const Place& place, Handle output) {

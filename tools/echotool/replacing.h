@@ -17,9 +17,8 @@ struct Place {
   bool mustHold = false;  // only by an output that holds all of it
 };
 
-// Looks at the place of the output of `recording`. False with the reason when none may be written there.
-[[nodiscard]] bool LookAt(Place& place, const std::string& recording, const Options& options,
-                          const Batch& batch, std::string& error);
+// Looks at the place of the output of a recording. False with the reason when none may be written there.
+[[nodiscard]] bool LookAt(Place& place, const Input& input, const Call& call, std::string& error);
 
 // True when `output` may stand in the place: it begins with all that the older file holds, where it must.
 [[nodiscard]] bool MayReplace(const Place& place, Handle output);

@@ -5,10 +5,10 @@
 #include <numbers>
 
 #include "base/text_format.h"
-#include "display/palette.h"
 #include "tools/echotool/escapes.h"
 #include "tools/echotool/info_output.h"
 #include "tools/echotool/iso_time.h"
+#include "tools/echotool/png_image.h"
 
 namespace tw::echotool {
 namespace {
@@ -165,8 +165,7 @@ bool Has(const SeriesColumns& columns, Series series) {
 }
 
 std::string Ramp() {
-  static DisplayPalette palette;
-  BuildPalette(palette);
+  const DisplayPalette& palette = PicturePalette();
   std::string out = "<i class=\"ramp\" style=\"background:linear-gradient(90deg,#000";
   for (size_t i = 64; i < kPaletteEntries; i += 448) {
     const uint8_t* const entry = palette.entries[i];
