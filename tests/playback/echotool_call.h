@@ -21,7 +21,7 @@ struct Batch {
 inline Result WorkOn(const std::string& file, const Options& options, const std::atomic<bool>& interrupted,
                      Batch& batch) {
   Options asked = options;
-  asked.files = {file};
+  if (asked.task != Task::join) asked.files = {file};
   Inputs inputs = FindInputs(asked, interrupted);
   for (const std::wstring& full : batch.inputs)
     inputs.list.push_back({.file = NarrowName(full), .full = full});

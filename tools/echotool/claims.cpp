@@ -1,7 +1,7 @@
 #include "tools/echotool/claims.h"
 
+#include <algorithm>
 #include <numeric>
-#include <span>
 
 #include "tools/echotool/file_names.h"
 

@@ -129,19 +129,17 @@ bool Do(const Job& job, Result& result) {
   return false;
 }
 
-// A file that was found in a folder need not be a recording.
+// A file that was found in a folder need not be a recording: what fails is looked at again.
 bool DoOne(const Job& job, Result& result) {
   const Input& input = job.input;
   result.text = input.fault;
   if (!result.text.empty()) return false;
-  if (input.isFound && IsAnotherFile(input.file)) {
-    ++result.others;
+  if (Do(job, result)) {
+    if (input.isAlike) result.alike = input.file;
     return true;
   }
-  const bool done = Do(job, result);
-  if (input.isAlike) result.alike = input.file;
-  if (result.others == 0) return done;
-  result.alike.clear();
+  if (result.others == 0 && input.isFound && IsAnotherFile(input.file)) ++result.others;
+  if (result.others == 0) return false;
   result.text.clear();
   result.notes.clear();
   return true;

@@ -32,7 +32,7 @@ struct Result {
   std::string text;   // for the user: a report, or what went wrong
   std::vector<std::string> notes;  // for the user too, of what was done: damage, what was cut or replaced
 
-  std::string alike;               // its name, if it may hold the same as another recording of the call
+  std::string alike;  // its name, if it may hold the same as another recording of the call
 
   // For what is told or made of all recordings together.
   std::optional<RecordingTold> told;  // info
