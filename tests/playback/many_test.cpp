@@ -277,7 +277,7 @@ TEST_F(Many, WithoutThreadsTheCallGoesOn) {
   for (const char* const file : {"a.log", "b.log", "c.log"}) Write(file);
   const std::vector<std::string> files = {"a.log", "b.log", "c.log"};
   const std::string told = Run(Task::info, files, 1);
-  for (const uint64_t call : {1, 2}) {
+  for (const uint64_t call : {uint64_t{1}, uint64_t{2}}) {
     InjectFault({.point = FaultPoint::startThread, .call = call, .repeat = kEveryCall});
     EXPECT_EQ(Run(Task::info, files), told);
     ClearFaults();

@@ -13,8 +13,7 @@ namespace {
 std::wstring KeyOf(const std::wstring& path) {
   std::wstring key;
   for (const wchar_t unit : path) {
-    const auto code = static_cast<uint32_t>(unit);
-    if (code >= 0x80) {
+    if (unit >= 0x80) {
       if (key.empty() || key.back() != L'?') key += L'?';
     } else {
       key += unit == L'/'                   ? L'\\'
