@@ -160,6 +160,8 @@ def check_many(folder):
     seen = run('check', '-r', '-j', '3', folder)
     expect('in order', seen[0] == 1 and [line.split(': ')[0] for line in seen[1].splitlines()] ==
            [os.path.join(folder, name) for name in ('a.log', 'b.log', 'deep/c.log')], seen)
+    seen = run('kml', '-r', '--dry-run', folder, os.path.join(folder, 'absent.log'))
+    expect('foreseen', seen[0] == 1 and seen[1].count(': would write ') == 3 and len(os.listdir(folder)) == 3, seen)
     for quiet in ((), ('--quiet',)):
         run('kml', '-r', folder)
         seen = run('kml', '-r', folder, *quiet)
