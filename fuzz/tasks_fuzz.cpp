@@ -8,10 +8,12 @@
 #include <fstream>
 #include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "platform/virtual/virtual_clock.h"
-#include "tools/echotool/work.h"
+#include "tools/echotool/batch.h"
+#include "tools/echotool/gathering.h"
 
 namespace tw::echotool {
 namespace {
@@ -72,29 +74,39 @@ void TakeOutputs(const Options& options, size_t done) {
     fs::remove(entry.path());
     ++outputs;
   }
-  const bool writes = options.task != Task::info && options.task != Task::check;
+  const bool writes = options.task != Task::info && options.task != Task::check && !options.dryRun;
   Require(writes ? (outputs != 0) == (done != 0) : outputs == 0);
 }
+
+class Counter final : public Listener {
+ public:
+  void Hear(Result result) override {
+    Require(result.done || !result.text.empty());
+    done += result.done ? 1 : 0;
+    gathering.Add(std::move(result));
+  }
+  size_t done = 0;
+  Gathering gathering;
+};
 
 void Run(Options options) {
   const std::string second = (Folder() / "b.log").string();
   options.files = {(Folder() / "a.log").string()};
   if (options.task == Task::join || options.form != InfoForm::lines) options.files.push_back(second);
   options.folder.clear();
+  options.jobs = 1;
   if (!options.xyz.tide.empty()) options.xyz.tide = second;
   const std::atomic<bool> interrupted = false;
-  Batch batch = BeginBatch(options);
-  size_t done = 0;
-  for (const std::string& file : options.files) {
-    const Result result = WorkOn(file, options, interrupted, batch);
-    done += result.done ? 1 : 0;
-    Require(result.done || !result.text.empty());
-    if (options.task == Task::join) break;
-  }
-  const Result end = EndBatch(options, batch);
-  Require(end.done || done == 0);
+  const Inputs inputs = FindInputs(options, interrupted);
+  Claims claims(inputs.list);
+  Progress progress(inputs.list.size(), 0, true);
+  const Call call{options, inputs.list, interrupted, claims, progress};
+  Counter counter;
+  RunBatch(call, counter);
+  const Result end = counter.gathering.End(call, inputs);
+  Require(end.done || counter.done == 0);
   if (options.form == InfoForm::json) RequireNumbers(Bare(end.text));
-  TakeOutputs(options, done);
+  TakeOutputs(options, counter.done);
 }
 
 void RunWords(std::string_view text) {
