@@ -153,6 +153,8 @@ TEST_F(Work, WhatStandsInThePlaceOfAnOutput) {
     const char* says;
   } rows[] = {
       {Task::kml, "three_pings.kml", "older", false, false, "three_pings.kml has been replaced"},
+      {Task::png, "three_pings.png", "a picture with DA1.5 m*\r\n", false, false,
+       "three_pings.png has been replaced"},
       {Task::text, "three_pings_txt.log", text, false, false, "three_pings_txt.log has been replaced"},
       {Task::text, "three_pings_txt.log", text + text, false, false,
        "is itself a recording; --force replaces it"},

@@ -51,13 +51,19 @@ bool IsAnotherFile(const std::string& file) {
   return candidates.count == 0 || !candidates.ways[0].info;
 }
 
-bool IsRecording(const Job& job, const PingSource& recording, uint64_t pings, Result& result) {
+bool IsDoubtful(const RecordingKind& kind) {
+  return kind.isText && !kind.hasInfo;
+}
+
+bool IsBelievable(const PingSource& recording, uint64_t pings) {
   constexpr uint64_t kFewestPings = 3;
   constexpr uint64_t kLargestPart = 100;  // at least a hundredth of the bytes is known
-  const RecordingKind& kind = recording.Kind();
   const uint64_t known = recording.Size() - recording.Skipped();
-  if (!kind.isText || kind.hasInfo || (pings >= kFewestPings && known * kLargestPart >= recording.Size()))
-    return true;
+  return !IsDoubtful(recording.Kind()) || (pings >= kFewestPings && known * kLargestPart >= recording.Size());
+}
+
+bool IsRecording(const Job& job, const PingSource& recording, uint64_t pings, Result& result) {
+  if (IsBelievable(recording, pings)) return true;
   if (job.input.isFound) ++result.others;
   result.text = "is no recording: " + std::to_string(pings) + " pings in " +
                 std::to_string(recording.Size()) + " bytes";

@@ -32,8 +32,12 @@ struct Job {
 // anybody. One that begins with its settings is, though it may hold no ping.
 [[nodiscard]] bool IsAnotherFile(const std::string& file);
 
-// Judges a recording that has been read to its end. What has neither settings nor a binary mark and hardly a
-// ping is something else, in which a few bytes look like a line. False with the reason in `result`.
+// What has neither settings nor a binary mark may be something else, in which a few bytes look like a line;
+// it is, if hardly a ping was found when it had been read to its end.
+[[nodiscard]] bool IsDoubtful(const RecordingKind& kind);
+[[nodiscard]] bool IsBelievable(const PingSource& recording, uint64_t pings);
+
+// The same of the job's recording; false with the reason in `result`.
 [[nodiscard]] bool IsRecording(const Job& job, const PingSource& recording, uint64_t pings, Result& result);
 
 // Once, however many outputs are made of the recording.

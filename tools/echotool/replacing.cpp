@@ -7,6 +7,8 @@
 #include "platform/system_error.h"
 #include "playback/ping_source.h"
 #include "tools/echotool/file_names.h"
+#include "tools/echotool/job.h"
+#include "tools/echotool/ping_copy.h"
 
 namespace tw::echotool {
 namespace {
@@ -17,17 +19,26 @@ bool MakesRecording(Task task) {
 
 enum class Found : uint8_t { recording, anotherFile, unreadable };
 
-Found LookInside(const std::wstring& path) {
+// What can be a recording by chance alone is read to its end: pictures are full of what begins like a line.
+Found LookInside(const std::wstring& path, const std::atomic<bool>& interrupted) {
   RecordingFault fault = RecordingFault::none;
-  if (OpenRecording(path.c_str(), fault) != nullptr) return Found::recording;
+  const auto recording = OpenRecording(path.c_str(), fault);
+  if (recording != nullptr) {
+    recording->SetInterruption(InterruptionBy(interrupted));
+    uint64_t pings = 0;
+    for (RecordedPing ping{}; IsDoubtful(recording->Kind()) && !interrupted.load() && recording->Next(ping);)
+      ++pings;
+    if (recording->Failed() || interrupted.load()) return Found::unreadable;
+    return IsBelievable(*recording, pings) ? Found::recording : Found::anotherFile;
+  }
   const bool read = fault == RecordingFault::unknown || fault == RecordingFault::noPing;
   return read ? Found::anotherFile : Found::unreadable;
 }
 
 // Whether an older file may be replaced by a file that is not known yet.
-bool LookAtFile(Place& place, const Options& options, std::string& error) {
-  if (options.force) return true;
-  switch (LookInside(place.path)) {
+bool LookAtFile(Place& place, const Call& call, std::string& error) {
+  if (call.options.force) return true;
+  switch (LookInside(place.path, call.interrupted)) {
     case Found::anotherFile:
       return true;
     case Found::unreadable:
@@ -36,7 +47,7 @@ bool LookAtFile(Place& place, const Options& options, std::string& error) {
       return false;
     case Found::recording:
       place.mustHold = true;
-      if (!MakesRecording(options.task)) error = IsRecordingText(place);
+      if (!MakesRecording(call.options.task)) error = IsRecordingText(place);
       return error.empty();
   }
   return false;
@@ -45,7 +56,8 @@ bool LookAtFile(Place& place, const Options& options, std::string& error) {
 // What was found in a folder, only if it is a recording.
 bool IsToBeRead(const std::wstring& full, const Place& place, const Call& call) {
   const Input* const input = call.claims.InputAt(full);
-  return input != nullptr && (!input->isFound || LookInside(place.path) != Found::anotherFile);
+  return input != nullptr &&
+         (!input->isFound || LookInside(place.path, call.interrupted) != Found::anotherFile);
 }
 
 }  // namespace
@@ -73,7 +85,7 @@ bool LookAt(Place& place, const Input& input, const Call& call, std::string& err
   } else if (call.options.noClobber) {
     error = name + " is there already";
   }
-  return error.empty() && LookAtFile(place, call.options, error);
+  return error.empty() && LookAtFile(place, call, error);
 }
 
 bool MayReplace(const Place& place, Handle output) {

@@ -111,8 +111,7 @@ bool Begin(const Job& job, Output& output, std::string& error) {
 
 // What a dry run has to find out by reading: which channels have pings, and whether it is a recording at all.
 bool Skim(const Job& job, PingSource& recording, RecordingSurvey& survey, Result& result) {
-  const RecordingKind& kind = recording.Kind();
-  const bool isCertain = !kind.isText || kind.hasInfo;
+  const bool isCertain = !IsDoubtful(recording.Kind());
   const bool two = HasTwoOutputs(job, recording);
   if (isCertain && !two) return true;
   uint64_t pings = 0;
