@@ -25,12 +25,13 @@ import functools
 import itertools
 import math
 import os
+import re
 import subprocess
 import sys
 import tempfile
 from dataclasses import dataclass
 from pathlib import Path
-from typing import Iterable, Iterator
+from typing import Any, Iterator
 
 import dask
 import dask.array
@@ -38,15 +39,17 @@ import distributed
 import numpy
 import pandas
 import xarray
+from dask.delayed import Delayed
 
 METRES_A_DEGREE = 60 * 1852.0  # of latitude
 BATCH = 100  # files opened as one dataset: what its description takes in memory and time grows with them
+FILES_A_COMMAND = 1000  # as many as a command line holds
 RETRIES = 3  # of a task that fails, on whichever worker; what a lost worker had is done again in any case
 LARGEST_RASTER = 25_000_000  # cells; one wrong position can make the box of all others that large
 
 # Values stay as they are stored: two bytes a sample instead of four or eight. What a ping does not have is far
 # outside of the bounds by which it is taken, and a sample behind the end of its trace below 0.
-STORED = {'engine': 'netcdf4', 'mask_and_scale': False, 'decode_times': False}
+STORED: dict[str, Any] = {'engine': 'netcdf4', 'mask_and_scale': False, 'decode_times': False}
 VALUES = ('transmit_frequency', 'time', 'altitude', 'latitude', 'longitude')
 
 
@@ -80,25 +83,32 @@ class Grid:
 # Recordings to NetCDF
 
 
-def is_converted(recording: Path, stem: Path) -> bool:
-    made = [path for ending in ('.nc', '_ch1.nc', '_ch2.nc') if (path := Path(f'{stem}{ending}')).exists()]
-    return bool(made) and min(path.stat().st_mtime for path in made) > recording.stat().st_mtime
+def is_older(made: Path, recording: Path) -> bool:
+    return not made.exists() or made.stat().st_mtime < recording.stat().st_mtime
 
 
 def convert(recordings: Path, netcdf: Path, echotool: str, jobs: int) -> bool:
     """False when echotool could not do all of them; it has said which and why."""
-    every = sorted(path for path in recordings.rglob('*.log') if netcdf.parent not in path.parents)
-    waiting = [path for path in every if not is_converted(path, netcdf / path.relative_to(recordings).with_suffix(''))]
-    command = [echotool, 'netcdf', '-j', str(jobs)]
-    if len(waiting) == len(every):
-        commands = [[*command, '-r', str(recordings), '-o', str(netcdf)]]
+    whole = [echotool, 'netcdf', '-r', '-j', str(jobs), str(recordings), '-o', str(netcdf)]
+    plan = subprocess.run([*whole, '--dry-run'], capture_output=True, text=True, check=False)
+    pairs = re.findall('^(.+): would (?:write|replace) (.+)$', plan.stdout, re.MULTILINE)
+    waiting = sorted({Path(recording) for recording, made in pairs if is_older(Path(made), Path(recording))})
+    if len(waiting) == len({recording for recording, _ in pairs}):
+        commands = [whole]
     else:
-        commands = [[*command, *map(str, files), '-o', str(netcdf / folder.relative_to(recordings))]
-                    for folder, files in itertools.groupby(waiting, key=lambda path: path.parent)]
-    codes = [subprocess.run(each, check=False).returncode for each in commands]
-    if any(code not in (0, 1) for code in codes):
-        raise SystemExit(f'season.py: echotool ended with {max(codes)}')
-    return not any(codes)
+        sys.stderr.write(plan.stderr)
+        commands = [[echotool, 'netcdf', '-j', str(jobs), *map(str, files), '-o',
+                     str(netcdf / folder.relative_to(recordings))]
+                    for folder, group in itertools.groupby(waiting, key=lambda path: path.parent)
+                    for files in pieces(list(group), FILES_A_COMMAND)]
+    codes = {plan.returncode, *(subprocess.run(each, check=False).returncode for each in commands)}
+    if not codes <= {0, 1}:
+        raise SystemExit(f'season.py: echotool ended with {max(codes - {0, 1})}')
+    return 1 not in codes
+
+
+def pieces(files: list, most: int) -> Iterator[list]:
+    return (files[begin:begin + most] for begin in range(0, len(files), most))
 
 
 # What is read of one file
@@ -145,7 +155,7 @@ def summarised(grid: Grid, frequency: numpy.ndarray, time: numpy.ndarray, altitu
                latitude: numpy.ndarray, longitude: numpy.ndarray,
                echo: numpy.ndarray | None = None) -> tuple[pandas.DataFrame, pandas.DataFrame]:
     """The minutes of a chunk, each between the pings `first` and `last` of it, and its cells."""
-    pings = pandas.DataFrame({'frequency_hz': known(frequency, 1e9, 0), 'minute': known(time, 1e11, numpy.nan) // 60,
+    pings = pandas.DataFrame({'frequency_hz': known(frequency, 1e9, 0), 'minute': known(time, 9e9, numpy.nan) // 60,
                               'depth': known(altitude, 1e5, numpy.nan), 'latitude': latitude, 'longitude': longitude})
     pings['at'] = numpy.arange(len(pings))
     groups = pings.groupby(['frequency_hz', 'minute'])  # leaves out those without a time
@@ -177,13 +187,14 @@ def chunk_pings(recording: Recording, chunk_mib: float) -> int:
     return max(1, int(chunk_mib * 2**20 / max(32, recording.samples * recording.sample_bytes)))
 
 
-def graph_of(recordings: list[Recording], grid: Grid, chunk_mib: float) -> list[dask.delayed.Delayed]:
+def graph_of(recordings: list[Recording], grid: Grid, chunk_mib: float) -> list[Delayed]:
     """A task for each chunk: a range of the pings of one file, in their order. The recordings have the same number of
     samples: xarray puts no others behind one another, and filled up to the longest of the season they would not fit in
     memory any more."""
-    data = xarray.open_mfdataset([each.path for each in recordings], parallel=True, combine='nested', concat_dim='ping',
-                                 preprocess=values_only, chunks={'ping': chunk_pings(recordings[0], chunk_mib)},
-                                 inline_array=True, **STORED)
+    with dask.annotate(retries=RETRIES):
+        data = xarray.open_mfdataset([each.path for each in recordings], parallel=True, combine='nested',
+                                     concat_dim='ping', preprocess=values_only, inline_array=True,
+                                     chunks={'ping': chunk_pings(recordings[0], chunk_mib)}, **STORED)
     arrays = [data[name].variable.data for name in (*VALUES, 'echo') if name in data]
     chunks = dask.array.blockwise(functools.partial(summarised, grid), 'p',
                                   *itertools.chain.from_iterable(zip(arrays, (*('p' for _ in VALUES), 'ps'))),
@@ -196,8 +207,7 @@ def batches(recordings: list[Recording]) -> Iterator[list[Recording]]:
     def alike(each: Recording) -> tuple[int, int, int]:
         return each.channel, each.samples, each.sample_bytes
     for _, group in itertools.groupby(sorted(recordings, key=alike), key=alike):
-        files = list(group)
-        yield from (files[begin:begin + BATCH] for begin in range(0, len(files), BATCH))
+        yield from pieces(list(group), BATCH)
 
 
 def merged(cells: list[pandas.DataFrame]) -> pandas.DataFrame:
@@ -207,17 +217,18 @@ def merged(cells: list[pandas.DataFrame]) -> pandas.DataFrame:
 
 def reduced(client: distributed.Client, recordings: list[Recording], grid: Grid,
             chunk_mib: float) -> tuple[pandas.DataFrame, pandas.DataFrame]:
-    minutes, cells, done = [], [], 0
+    minutes: list[pandas.DataFrame] = []
+    cells: list[pandas.DataFrame] = []
+    done = 0
     for batch in batches(recordings):
         step = chunk_pings(batch[0], chunk_mib)
         places = [(each.path, begin) for each in batch for begin in range(0, each.pings, step)]
         tasks = client.compute(graph_of(batch, grid, chunk_mib), retries=RETRIES)
-        of_batch = []
         for (path, begin), (of_minutes, of_cells) in zip(places, client.gather(tasks), strict=True):
-            minutes.append(of_minutes.assign(channel=batch[0].channel, path=path, first=of_minutes['first'] + begin,
-                                             last=of_minutes['last'] + begin))
-            of_batch.append(of_cells.assign(channel=batch[0].channel))
-        cells = [merged([*cells, *of_batch])]
+            of_minutes[['first', 'last']] += begin
+            minutes.append(of_minutes.assign(channel=batch[0].channel, path=path))
+            cells.append(of_cells.assign(channel=batch[0].channel))
+        cells = [merged(cells)]
         done += len(batch)
         print(f'season.py: {done} of {len(recordings)} files', file=sys.stderr, flush=True)
     return whole_minutes(client, pandas.concat(minutes)), cells[0]
@@ -228,9 +239,10 @@ def whole_minutes(client: distributed.Client, parts: pandas.DataFrame) -> pandas
     minutes = parts.groupby(key).agg(pings=('pings', 'sum'), depths=('depths', 'sum'), sum=('sum', 'sum'),
                                      median_echo=('median_echo', 'first'))
     cut = parts[parts.duplicated(key, keep=False)].groupby(key)
-    tasks = [client.submit(median_of_parts, *name, list(zip(each['path'], each['first'], each['last'])),
-                           retries=RETRIES, pure=False) for name, each in cut]
-    minutes.loc[list(cut.groups), 'median_echo'] = client.gather(tasks)
+    tasks = {name: client.submit(median_of_parts, *name, list(zip(each['path'], each['first'], each['last'])),
+                                 retries=RETRIES, pure=False) for name, each in cut}
+    for name, median in client.gather(tasks).items():
+        minutes.loc[name, 'median_echo'] = median
     return minutes.reset_index()
 
 
@@ -308,7 +320,8 @@ def command_line() -> argparse.Namespace:
     where.add_argument('--workers', metavar='N', type=int, default=2, help='processes on this computer (2)')
     parser.add_argument('--cell', metavar='M', type=float, default=5.0, help='size of a cell of the grid in metres (5)')
     parser.add_argument('--chunk', metavar='MIB', type=float, default=64.0, help='of echoes read in one task (64)')
-    parser.add_argument('--jobs', metavar='N', type=int, default=os.cpu_count(), help='recordings converted at a time')
+    parser.add_argument('--jobs', metavar='N', type=int, default=os.cpu_count() or 1,
+                        help='recordings converted at a time')
     parser.add_argument('--echotool', metavar='PATH', default='echotool', help='where it is not on the search path')
     options = parser.parse_args()
     if not (options.cell > 0 and options.chunk > 0):
@@ -321,8 +334,10 @@ def main() -> int:
     netcdf = options.output.resolve() / 'netcdf'
     netcdf.mkdir(parents=True, exist_ok=True)
     all_converted = convert(options.recordings.resolve(), netcdf, options.echotool, options.jobs)
+    paths = sorted(map(str, netcdf.rglob('*.nc')))
+    if not paths:
+        raise SystemExit(f'season.py: {options.recordings} holds no recordings')
     with cluster_of(options) as client:
-        paths = sorted(map(str, netcdf.rglob('*.nc')))
         recordings = client.gather(client.map(described, paths, retries=RETRIES))
         position = next(filter(None, map(first_position, paths)), (0.0, 0.0))
         grid = Grid(options.cell, round(position[0], 1), round(position[1]))

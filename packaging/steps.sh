@@ -46,8 +46,8 @@ WINE_PACKAGES=(wine wine64 xvfb xauth xdotool imagemagick x11-utils fonts-open-s
                fonts-unfonts-core)
 # clang-format and clang-tidy by version: another one lays out and finds other things.
 TEST_PACKAGES=(libgtest-dev googletest clang libclang-rt-dev clang-format-14 clang-tidy-14 gpsd-clients
-               python3-nmea2 python3-segyio netcdf-bin python3-netcdf4 python3-xarray cdo gdal-bin gpsbabel
-               chromium poppler-utils)
+               python3-nmea2 python3-segyio netcdf-bin python3-netcdf4 python3-xarray python3-dask
+               python3-distributed python3-pandas cdo gdal-bin gpsbabel chromium poppler-utils)
 
 configure_and_build() {
   local preset=$1

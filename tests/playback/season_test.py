@@ -1,19 +1,24 @@
 #!/usr/bin/env python3
 """examples/season.py on two workers gives what a plain program computes of the tables of `echotool csv` and of the
 samples that stand in the recordings: season_test.py ECHOTOOL RECORDING_MAKER SEASON"""
+import contextlib
 import csv
 import datetime
 import functools
+import glob
 import itertools
+import json
 import math
 import os
-import shutil
+import re
 import signal
 import statistics
 import subprocess
 import sys
 import tempfile
+import time
 
+import distributed
 import netCDF4
 import numpy
 
@@ -105,16 +110,19 @@ def write_season(folder, work):
     return {**samples, path: None}
 
 
+def seconds(text):
+    return int(datetime.datetime.fromisoformat(text.replace('Z', '+00:00')).timestamp()) if text else None
+
+
 def pings_of(table, traces):
     """Channel, frequency, time, depth, position and samples of each ping."""
     with open(table, newline='') as file:
         for row, trace in itertools.zip_longest(csv.DictReader(file), traces or [], fillvalue=()):
-            time = datetime.datetime.fromisoformat(row['time_utc'].replace('Z', '+00:00')).timestamp() \
-                if row['time_utc'] else None
             place = tuple(float(row[name]) for name in ('latitude_deg', 'longitude_deg') if row[name])
-            yield int(row['channel']), int(row['frequency_hz'] or 0), time, float(row['altitude_m'] or 0), place, trace
+            told = seconds(row['time_utc']), float(row['altitude_m']), place, trace
+            yield int(row['channel']), int(row['frequency_hz']), *told
             if row['altitude_low_m']:
-                yield 2, 30000, time, float(row['altitude_low_m']), place, trace
+                yield 2, 30000, told[0], float(row['altitude_low_m']), *told[2:]
 
 
 def plain(samples, tables):
@@ -123,10 +131,10 @@ def plain(samples, tables):
     height = CELL / 111120
     width = height / math.cos(math.radians(round(NORTH, 1)))
     for path, traces in samples.items():
-        name = os.path.relpath(path, os.path.dirname(tables) + '/recordings')[:-4].replace(os.sep, '_')
-        for channel, frequency, time, depth, place, trace in pings_of(os.path.join(tables, name + '.csv'), traces):
-            if time is not None:
-                minute = minutes.setdefault((channel, frequency, int(time // 60)), [0, [], []])
+        table = os.path.join(tables, table_name(path)[:-4] + '.csv')
+        for channel, frequency, at, depth, place, trace in pings_of(table, traces):
+            if at is not None:
+                minute = minutes.setdefault((channel, frequency, at // 60), [0, [], []])
                 minute[0] += 1
                 minute[1] += [depth] if depth > 0 else []
                 minute[2].append(trace)
@@ -145,12 +153,12 @@ def check_minutes(path, minutes):
         rows = list(csv.DictReader(file))
     expect('minutes', len(rows) == len(minutes), (len(rows), len(minutes)))
     for row in rows:
-        time = datetime.datetime.fromisoformat(row['minute_utc'].replace('Z', '+00:00')).timestamp()
-        key = int(row['channel']), int(row['frequency_hz']), int(time // 60)
+        key = int(row['channel']), int(row['frequency_hz']), seconds(row['minute_utc']) // 60
         pings, depths, traces = minutes.get(key, (0, [], []))
         echo = numpy.concatenate(traces) if traces else ()
         expect('pings of %s' % (key,), (int(row['pings']), int(row['depths'])) == (pings, len(depths)), row)
-        expect('depth of %s' % (key,), close(row['mean_depth_m'], statistics.fmean(depths) if depths else None, 1e-4), row)
+        depth = statistics.fmean(depths) if depths else None
+        expect('depth of %s' % (key,), close(row['mean_depth_m'], depth, 1e-4), row)
         expect('echo of %s' % (key,), close(row['median_echo'], numpy.median(echo) if len(echo) else None, 0), row)
 
 
@@ -169,7 +177,8 @@ def check_grid(output, cells, height, width):
         expect('cell %s' % (key,), numpy.allclose(told, right, rtol=0, atol=1e-4), (told, right))
         raster = rasters.setdefault((channel, frequency), netCDF4.Dataset(os.path.join(
             output, 'grid_ch%d_%dkHz.nc' % (channel, frequency // 1000))))
-        at = (round((latitude - raster['latitude'][0]) / height), round((longitude % 360 - raster['longitude'][0]) / width))
+        at = tuple(round((place - raster[name][0]) / size) for name, place, size in (
+            ('latitude', latitude, height), ('longitude', longitude % 360, width)))
         drawn = [float(raster[name][at]) for name in ('pings', 'mean_depth', 'min_depth', 'max_depth')]
         expect('raster at %s' % (key,), numpy.allclose(drawn, right, rtol=0, atol=1e-4), (drawn, right))
     for raster in rasters.values():
@@ -177,38 +186,91 @@ def check_grid(output, cells, height, width):
     expect('pings of the rasters', total == sum(map(len, cells.values())), total)
 
 
-def run_season(recordings, output, *options):
-    process = subprocess.Popen([sys.executable, '-B', SEASON, recordings, output, '--echotool', ECHOTOOL,
-                                '--cell', str(CELL), '--chunk', '1', *options], start_new_session=True)
+@contextlib.contextmanager
+def started(*words, **options):
+    """A process that does not outlive the test, nor do those that it has started."""
+    process = subprocess.Popen(words, start_new_session=True, **options)
     try:
-        expect('exit code', process.wait(timeout=1800 if FULL else 300) == 0, process.returncode)
+        yield process
     finally:
-        try:
-            os.killpg(process.pid, signal.SIGKILL)  # the workers too, where it did not come to its end
-        except ProcessLookupError:
-            pass
+        with contextlib.suppress(ProcessLookupError):
+            os.killpg(process.pid, signal.SIGKILL)
+        process.wait()
 
 
-def main():
-    with tempfile.TemporaryDirectory(dir='.') as work:
-        work = os.path.abspath(work)
-        recordings, tables, output = (os.path.join(work, name) for name in ('recordings', 'tables', 'output'))
-        os.mkdir(recordings)
-        samples = write_season(recordings, work)
-        run_season(recordings, output)
-        os.mkdir(tables)
-        for path in samples:
-            flat = os.path.join(tables, os.path.relpath(path, recordings).replace(os.sep, '_'))
-            os.link(path, flat)
-        subprocess.run([ECHOTOOL, 'csv', *(os.path.join(tables, each) for each in sorted(os.listdir(tables)))], check=True)
-        minutes, cells, height, width = plain(samples, tables)
-        check_minutes(os.path.join(output, 'minutes.csv'), minutes)
-        check_grid(output, cells, height, width)
-        if 'KEEP' in os.environ:
-            shutil.copytree(work, os.environ['KEEP'])
+def run_season(recordings, output, *options, behind_first=lambda: None):
+    """With little in a task, so that there are many, and minutes that are cut."""
+    with started(sys.executable, '-B', SEASON, recordings, output, '--echotool', ECHOTOOL, '--cell', str(CELL),
+                 '--chunk', '1.3', *options, stderr=subprocess.PIPE, text=True) as season:
+        for line in season.stderr:
+            print(line, end='', flush=True)
+            if re.match('season.py: [0-9]+ of', line):
+                behind_first()
+                behind_first = lambda: None  # noqa: E731
+        expect('exit code', season.wait() == 0, season.returncode)
 
 
-main()
+def lose(worker, address):
+    """Kills it while it has something to do."""
+    with distributed.Client(address) as client:
+        own = next(each for each, number in client.run(os.getpid).items() if number == worker.pid)
+        while worker.poll() is None:
+            if client.processing()[own]:
+                worker.kill()
+                worker.wait()
+
+
+def run_on_cluster(recordings, output, work):
+    """The workers are started by hand, and one of them is lost when the first files are done."""
+    contact = os.path.join(work, 'scheduler.json')
+    options = ['--scheduler-file', contact, '--host', '127.0.0.1', '--no-dashboard']
+    with started('dask', 'scheduler', *options, '--port', '0') as scheduler:
+        while not os.path.exists(contact) and scheduler.poll() is None:
+            time.sleep(0.05)
+        with open(contact) as file:
+            address = json.load(file)['address']
+        worker = ['dask', 'worker', *options, '--nthreads', '1', '--no-nanny', '--local-directory', work]
+        with started(*worker) as lost, started(*worker):
+            run_season(recordings, output, '--scheduler', address, behind_first=lambda: lose(lost, address))
+
+
+def made_when(output):
+    return {path: os.stat(path).st_mtime_ns for path in glob.glob(output + '/netcdf/**/*.nc', recursive=True)}
+
+
+def write_tables(recordings, folder):
+    os.mkdir(folder)
+    for path in recordings:
+        os.link(path, os.path.join(folder, table_name(path)))
+    subprocess.run([ECHOTOOL, 'csv', *sorted(glob.glob(folder + '/*.log'))], check=True)
+
+
+def table_name(path):
+    return '_'.join(path.split(os.sep)[-2:])
+
+
+def check_season(work):
+    recordings, tables, output = (os.path.join(work, name) for name in ('recordings', 'tables', 'output'))
+    os.mkdir(recordings)
+    samples = write_season(recordings, work)
+    write_tables(samples, tables)
+    minutes, cells, height, width = plain(samples, tables)
+    run_season(recordings, output)
+    first = made_when(output)
+    check_minutes(os.path.join(output, 'minutes.csv'), minutes)
+    check_grid(output, cells, height, width)
+    for name in ('minutes.csv', 'grid.csv'):
+        os.remove(os.path.join(output, name))
+    os.utime(min(samples))
+    run_on_cluster(recordings, output, work)
+    again = [path for path, made in made_when(output).items() if made != first[path]]
+    expect('made again', list(map(table_name, again)) == [table_name(min(samples))[:-4] + '.nc'], again)
+    check_minutes(os.path.join(output, 'minutes.csv'), minutes)
+    check_grid(output, cells, height, width)
+
+
+with tempfile.TemporaryDirectory(dir='.') as work:
+    check_season(os.path.abspath(work))
 for problem in problems[:20]:
     print(problem)
 sys.exit(1 if problems else 0)
