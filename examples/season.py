@@ -143,8 +143,11 @@ def cells_of(grid: Grid, pings: pandas.DataFrame) -> pandas.DataFrame:
 
 
 def median_echo(echo: numpy.ndarray) -> float:
-    samples = echo[echo >= 0]
-    return float(numpy.median(samples)) if samples.size else math.nan
+    """Samples are whole numbers below 65,536: to count them is several times as fast as to put them in order."""
+    up_to = numpy.bincount(echo[echo >= 0]).cumsum()
+    if not up_to.size:
+        return math.nan
+    return float(numpy.searchsorted(up_to, [(up_to[-1] - 1) // 2, up_to[-1] // 2], side='right').mean())
 
 
 def known(values: numpy.ndarray, largest: float, otherwise: float) -> numpy.ndarray:
@@ -172,7 +175,7 @@ def median_of_parts(channel: int, frequency_hz: float, minute: float, parts: lis
         with xarray.open_dataset(path, **STORED) as data:
             pings = data.isel(ping=slice(first, last + 1)).load()
             wanted = (pings.time // 60 == minute) & (known(pings.transmit_frequency, 1e9, 0) == frequency_hz)
-            echo.append(pings.echo.values[wanted].ravel() if 'echo' in data else numpy.empty(0))
+            echo.append(pings.echo.values[wanted].ravel() if 'echo' in data else numpy.empty(0, 'int16'))
     return median_echo(numpy.concatenate(echo))
 
 
@@ -320,7 +323,7 @@ def command_line() -> argparse.Namespace:
     where.add_argument('--workers', metavar='N', type=int, default=2, help='processes on this computer (2)')
     parser.add_argument('--cell', metavar='M', type=float, default=5.0, help='size of a cell of the grid in metres (5)')
     parser.add_argument('--chunk', metavar='MIB', type=float, default=64.0, help='of echoes read in one task (64)')
-    parser.add_argument('--jobs', metavar='N', type=int, default=os.cpu_count() or 1,
+    parser.add_argument('--jobs', metavar='N', type=int, default=min(64, os.cpu_count() or 1),
                         help='recordings converted at a time')
     parser.add_argument('--echotool', metavar='PATH', default='echotool', help='where it is not on the search path')
     options = parser.parse_args()
