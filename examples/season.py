@@ -65,8 +65,8 @@ class Recording:
 
 @dataclass(frozen=True)
 class Grid:
-    """Cells that are `cell_m` high everywhere and `cell_m` wide at the latitude `latitude`, counted from the equator
-    and the meridian of Greenwich, so that those of two seasons fit; longitudes within 180 degrees of `longitude`."""
+    """Cells that are `cell_m` high everywhere and as wide at `latitude`, counted from the equator and the meridian of
+    Greenwich; longitudes are those within 180 degrees of `longitude`. Runs with the same values have the same cells."""
     cell_m: float
     latitude: float
     longitude: float
@@ -314,6 +314,13 @@ def cluster_of(options: argparse.Namespace) -> Iterator[distributed.Client]:
         yield client
 
 
+def position_of(text: str) -> tuple[float, float]:
+    latitude, longitude = map(float, text.split(','))
+    if not (abs(latitude) < 90 and abs(longitude) <= 180):
+        raise ValueError
+    return latitude, longitude
+
+
 def command_line() -> argparse.Namespace:
     parser = argparse.ArgumentParser(description=__doc__.split('\n')[0])
     parser.add_argument('recordings', type=Path, help='folder with recordings, and folders of them')
@@ -322,6 +329,8 @@ def command_line() -> argparse.Namespace:
     where.add_argument('--scheduler', metavar='ADDRESS', help='of a running cluster, as tcp://HOST:8786')
     where.add_argument('--workers', metavar='N', type=int, default=2, help='processes on this computer (2)')
     parser.add_argument('--cell', metavar='M', type=float, default=5.0, help='size of a cell of the grid in metres (5)')
+    parser.add_argument('--middle', metavar='LAT,LON', type=position_of,
+                        help='where cells are as wide as high; else the first position (--middle=-17.3,179.5)')
     parser.add_argument('--chunk', metavar='MIB', type=float, default=64.0, help='of echoes read in one task (64)')
     parser.add_argument('--jobs', metavar='N', type=int, default=min(64, os.cpu_count() or 1),
                         help='recordings converted at a time')
@@ -342,8 +351,8 @@ def main() -> int:
         raise SystemExit(f'season.py: {options.recordings} holds no recordings')
     with cluster_of(options) as client:
         recordings = client.gather(client.map(described, paths, retries=RETRIES))
-        position = next(filter(None, map(first_position, paths)), (0.0, 0.0))
-        grid = Grid(options.cell, round(position[0], 1), round(position[1]))
+        middle = options.middle or next(filter(None, map(first_position, paths)), (0.0, 0.0))
+        grid = Grid(options.cell, round(middle[0], 1), round(middle[1]))
         write(*reduced(client, recordings, grid, options.chunk), grid, options.output)
     return 0 if all_converted else 1
 

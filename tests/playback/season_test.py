@@ -231,7 +231,8 @@ def run_on_cluster(recordings, output, work):
             address = json.load(file)['address']
         worker = ['dask', 'worker', *options, '--nthreads', '1', '--no-nanny', '--local-directory', work]
         with started(*worker) as lost, started(*worker):
-            run_season(recordings, output, '--scheduler', address, behind_first=lambda: lose(lost, address))
+            run_season(recordings, output, '--scheduler', address, '--middle=-17.32,180',
+                       behind_first=lambda: lose(lost, address))
 
 
 def made_when(output):
