@@ -89,7 +89,9 @@ def is_older(made: Path, recording: Path) -> bool:
 
 def convert(recordings: Path, netcdf: Path, echotool: str, jobs: int) -> bool:
     """False when echotool could not do all of them; it has said which and why."""
-    whole = [echotool, 'netcdf', '-r', '-j', str(jobs), str(recordings), '-o', str(netcdf)]
+    # All in that folder is NetCDF of ours; without --force every older one is searched for a recording first.
+    command = [echotool, 'netcdf', '--force', '-j', str(jobs)]
+    whole = [*command, '-r', str(recordings), '-o', str(netcdf)]
     plan = subprocess.run([*whole, '--dry-run'], capture_output=True, text=True, check=False)
     pairs = re.findall('^(.+): would (?:write|replace) (.+)$', plan.stdout, re.MULTILINE)
     waiting = sorted({Path(recording) for recording, made in pairs if is_older(Path(made), Path(recording))})
@@ -97,8 +99,7 @@ def convert(recordings: Path, netcdf: Path, echotool: str, jobs: int) -> bool:
         commands = [whole]
     else:
         sys.stderr.write(plan.stderr)
-        commands = [[echotool, 'netcdf', '-j', str(jobs), *map(str, files), '-o',
-                     str(netcdf / folder.relative_to(recordings))]
+        commands = [[*command, *map(str, files), '-o', str(netcdf / folder.relative_to(recordings))]
                     for folder, group in itertools.groupby(waiting, key=lambda path: path.parent)
                     for files in pieces(list(group), FILES_A_COMMAND)]
     codes = {plan.returncode, *(subprocess.run(each, check=False).returncode for each in commands)}

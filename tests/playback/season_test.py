@@ -23,8 +23,7 @@ import netCDF4
 import numpy
 
 ECHOTOOL, MAKER, SEASON = map(os.path.abspath, sys.argv[1:4])
-FULL = 'TW_FULL' in os.environ
-RECORDINGS, PINGS = (400, 4000) if FULL else (40, 1780)
+RECORDINGS, PINGS = (120, 4000) if 'TW_FULL' in os.environ else (40, 1780)
 CELL = 8.0
 NORTH, EAST = -17.31, 180.00001  # of the area's middle; no position is 180 degrees itself, which is none
 INFO = 'INFO:1,450000,30000,0.1,20,0.0,0,15,0.08,0,150,20,0,1500.0,%d\r\n'
@@ -162,11 +161,19 @@ def check_minutes(path, minutes):
         expect('echo of %s' % (key,), close(row['median_echo'], numpy.median(echo) if len(echo) else None, 0), row)
 
 
+@functools.cache
+def raster_of(output, channel, frequency):
+    return netCDF4.Dataset(os.path.join(output, 'grid_ch%d_%dkHz.nc' % (channel, frequency // 1000)))
+
+
 def check_grid(output, cells, height, width):
     with open(os.path.join(output, 'grid.csv'), newline='') as file:
         rows = list(csv.DictReader(file))
     expect('cells', len(rows) == len(cells), (len(rows), len(cells)))
-    rasters, total = {}, 0
+    total = 0
+    for each in {key[:2] for key in cells}:
+        total += int(raster_of(output, *each)['pings'][:].sum())
+    expect('pings of the rasters', total == sum(map(len, cells.values())), total)
     for row in rows:
         channel, frequency = int(row['channel']), int(row['frequency_hz'])
         latitude, longitude = float(row['latitude']), float(row['longitude'])
@@ -175,15 +182,11 @@ def check_grid(output, cells, height, width):
         told = [float(row[name]) for name in ('pings', 'mean_depth_m', 'min_depth_m', 'max_depth_m')]
         right = [len(depths), statistics.fmean(depths), min(depths), max(depths)]
         expect('cell %s' % (key,), numpy.allclose(told, right, rtol=0, atol=1e-4), (told, right))
-        raster = rasters.setdefault((channel, frequency), netCDF4.Dataset(os.path.join(
-            output, 'grid_ch%d_%dkHz.nc' % (channel, frequency // 1000))))
+        raster = raster_of(output, channel, frequency)
         at = tuple(round((place - raster[name][0]) / size) for name, place, size in (
             ('latitude', latitude, height), ('longitude', longitude % 360, width)))
         drawn = [float(raster[name][at]) for name in ('pings', 'mean_depth', 'min_depth', 'max_depth')]
         expect('raster at %s' % (key,), numpy.allclose(drawn, right, rtol=0, atol=1e-4), (drawn, right))
-    for raster in rasters.values():
-        total += int(raster['pings'][:].sum())
-    expect('pings of the rasters', total == sum(map(len, cells.values())), total)
 
 
 @contextlib.contextmanager
@@ -213,6 +216,7 @@ def run_season(recordings, output, *options, behind_first=lambda: None):
 def lose(worker, address):
     """Kills it while it has something to do."""
     with distributed.Client(address) as client:
+        client.wait_for_workers(2)
         own = next(each for each, number in client.run(os.getpid).items() if number == worker.pid)
         while worker.poll() is None:
             if client.processing()[own]:
@@ -225,10 +229,11 @@ def run_on_cluster(recordings, output, work):
     contact = os.path.join(work, 'scheduler.json')
     options = ['--scheduler-file', contact, '--host', '127.0.0.1', '--no-dashboard']
     with started('dask', 'scheduler', *options, '--port', '0') as scheduler:
-        while not os.path.exists(contact) and scheduler.poll() is None:
+        address = None
+        while address is None and scheduler.poll() is None:
+            with contextlib.suppress(OSError, json.JSONDecodeError), open(contact) as file:
+                address = json.load(file)['address']
             time.sleep(0.05)
-        with open(contact) as file:
-            address = json.load(file)['address']
         worker = ['dask', 'worker', *options, '--nthreads', '1', '--no-nanny', '--local-directory', work]
         with started(*worker) as lost, started(*worker):
             run_season(recordings, output, '--scheduler', address, '--middle=-17.32,180',
@@ -257,11 +262,12 @@ def check_season(work):
     write_tables(samples, tables)
     minutes, cells, height, width = plain(samples, tables)
     run_season(recordings, output)
-    first = made_when(output)
     check_minutes(os.path.join(output, 'minutes.csv'), minutes)
     check_grid(output, cells, height, width)
-    for name in ('minutes.csv', 'grid.csv'):
-        os.remove(os.path.join(output, name))
+    first = made_when(output)
+    for path in glob.glob(output + '/*.*'):
+        os.remove(path)
+    raster_of.cache_clear()
     os.utime(min(samples))
     run_on_cluster(recordings, output, work)
     again = [path for path, made in made_when(output).items() if made != first[path]]
@@ -270,6 +276,8 @@ def check_season(work):
     check_grid(output, cells, height, width)
 
 
+signal.signal(signal.SIGALRM, signal.default_int_handler)  # so that a hung cluster is ended and its files go
+signal.alarm(1200 if 'TW_FULL' in os.environ else 300)
 with tempfile.TemporaryDirectory(dir='.') as work:
     check_season(os.path.abspath(work))
 for problem in problems[:20]:
