@@ -25,7 +25,7 @@ import numpy
 ECHOTOOL, MAKER, SEASON = map(os.path.abspath, sys.argv[1:4])
 RECORDINGS, PINGS = (120, 4000) if 'TW_FULL' in os.environ else (40, 1780)
 CELL = 8.0
-NORTH, EAST = -17.31, 180.00001  # of the area's middle; no position is 180 degrees itself, which is none
+NORTH, EAST = -17.31, 180.0  # of the area's middle: on both sides of the date line, and on it
 INFO = 'INFO:1,450000,30000,0.1,20,0.0,0,15,0.08,0,150,20,0,1500.0,%d\r\n'
 FRAME = numpy.dtype([('magic', 'S4'), ('length', '<u4'), ('device', '<u4', 2), ('time', '<u4'), ('ping', '<u4'),
                      ('sampling', '<u4'), ('', '<u4'), ('count', '<u4'), ('range', '<f4'), ('frequency', '<i4'),
