@@ -204,6 +204,9 @@ TEST_F(Many, FilesThatAreNoRecordingsAreCounted) {
             "(in/index.html has been replaced)\n(3 other files left out)\n"
             "(warning: 1 recording taken that may be made of others elsewhere, the first "
             "in/deep/er/a_cut.log)\n");
+  EXPECT_NE(ReadWhole("in/index.html").find("<a href=\"deep/er/a_cut.html\">deep/er/a_cut.log</a>"),
+            std::string::npos);
+  EXPECT_EQ(ReadWhole("in/deep/er/index.html").find("a.html\">"), std::string::npos);
   EXPECT_EQ(Run(Task::csv, {"in/deep", "in/note.txt"}),
             "in/note.txt: is no recording of a known kind\n(1 other file left out)\n"
             "(1 file left out as made of recordings beside them)\n");

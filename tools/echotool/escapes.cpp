@@ -11,7 +11,7 @@ bool IsControl(char c) {
 
 bool StandsInLinks(char c) {
   return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-' || c == '_' ||
-         c == '.' || c == '~';
+         c == '.' || c == '~' || c == '/';
 }
 
 std::string_view EntityOf(char c) {

@@ -17,7 +17,7 @@ namespace tw::echotool {
 // would take it for a formula.
 [[nodiscard]] std::string CsvCell(std::string_view text);
 
-// The name of a file as a relative link, for an attribute.
+// The name of a file, or its way from here with slashes, as a relative link, for an attribute.
 [[nodiscard]] std::string LinkText(std::string_view name);
 
 }  // namespace tw::echotool

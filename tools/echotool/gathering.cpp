@@ -27,11 +27,18 @@ bool WriteIndex(const std::wstring& folder, const std::vector<const ReportPage*>
     return false;
   }
   OutputFile output(file.File());
-  if (!PutText(output, ReportIndex(pages)) || !output.Flush()) {
+  if (!PutText(output, ReportIndex(folder, pages)) || !output.Flush()) {
     result.text = NarrowName(place.path) + " cannot be written: " + ReasonText(output.Error());
     return false;
   }
   return Complete(file, place, result);
+}
+
+// The folder over all pages, ending in its separator: that of the outputs, or the one that was searched.
+// Empty when there is none.
+std::wstring FolderOver(const Options& options) {
+  if (!options.folder.empty()) return PathIn(WideName(options.folder), L"");
+  return options.recursive && options.files.size() == 1 ? PathIn(WideName(options.files[0]), L"") : L"";
 }
 
 std::string CountText(size_t count, const char* one, const char* many) {
@@ -49,10 +56,16 @@ void Gathering::Add(Result result) {
   if (result.page) pages_.push_back(std::move(*result.page));
 }
 
-// One in each folder that has pages.
+// One in each folder that has pages, and one over all.
 bool Gathering::WriteIndexes(const Call& call, Result& result) const {
   std::map<std::wstring, std::vector<const ReportPage*>> folders;
   for (const ReportPage& page : pages_) folders[FolderOfPath(page.path)].push_back(&page);
+  const std::wstring over = FolderOver(call.options);
+  if (!over.empty() && !pages_.empty() && pages_.front().path.starts_with(over)) {
+    std::vector<const ReportPage*>& all = folders[over];
+    all.clear();
+    for (const ReportPage& page : pages_) all.push_back(&page);
+  }
   for (const auto& [folder, pages] : folders) {
     if (!WriteIndex(folder, pages, call, result)) return false;
   }

@@ -1,5 +1,8 @@
 #include "tools/echotool/report_index.h"
 
+#include <algorithm>
+
+#include "platform/file.h"
 #include "tools/echotool/escapes.h"
 #include "tools/echotool/file_names.h"
 #include "tools/echotool/info_output.h"
@@ -13,13 +16,22 @@ std::string Cell(const std::string& value, bool warns = false) {
   return std::string(warns ? "<td class=\"n warn\">" : "<td class=\"n\">") + MarkupText(value) + "</td>";
 }
 
-std::string Row(const ReportPage& page) {
+// The folders below that the page stands in, each with a slash behind it.
+std::string FoldersOf(const std::wstring& folder, const ReportPage& page) {
+  std::string below = NarrowName(FolderOfPath(page.path).substr(folder.size()));
+  std::replace(below.begin(), below.end(), static_cast<char>(kPathSeparator), '/');
+  return below;
+}
+
+std::string Row(const std::wstring& folder, const ReportPage& page) {
   const RecordingFigures& figures = page.figures;
-  const std::string name = NarrowName(LastOfPath(page.path));
+  const std::string below = FoldersOf(folder, page);
+  const std::string link = LinkText(below + NarrowName(LastOfPath(page.path)));
   const std::string begin =
       figures.timed == 0 ? "not told" : IsoDate(figures.begin_ms) + ' ' + IsoClock(figures.begin_ms);
-  return "<tr><td><a href=\"" + LinkText(name) + "\">" + MarkupText(page.recording) + "</a></td><td>" +
-         begin + "</td>" + Cell(figures.timed == 0 ? "" : DurationText(figures.running_ms)) +
+  return "<tr><td><a href=\"" + link + "\">" + MarkupText(ReadableText(below) + page.recording) +
+         "</a></td><td>" + begin + "</td>" +
+         Cell(figures.timed == 0 ? "" : DurationText(figures.running_ms)) +
          Cell(std::to_string(figures.pings)) + Cell(DepthText(figures)) + Cell(DistanceText(figures)) +
          Cell(PercentText(figures.positions, figures.pings), figures.positions < figures.pings) +
          Cell(std::to_string(figures.missing), figures.missing != 0) +
@@ -39,7 +51,7 @@ std::string Tiles(const RecordingFigures& all, uint64_t size, uint64_t skipped) 
 
 }  // namespace
 
-std::string ReportIndex(const std::vector<const ReportPage*>& pages) {
+std::string ReportIndex(const std::wstring& folder, const std::vector<const ReportPage*>& pages) {
   RecordingFigures all;
   uint64_t size = 0;
   uint64_t skipped = 0;
@@ -49,7 +61,7 @@ std::string ReportIndex(const std::vector<const ReportPage*>& pages) {
     all.Add(page->figures);
     size += page->size;
     skipped += page->skipped;
-    rows += Row(*page);
+    rows += Row(folder, *page);
     tracks.push_back({&page->track.Points(), page->recording});
   }
   const std::string title = std::to_string(pages.size()) + (pages.size() == 1 ? " recording" : " recordings");

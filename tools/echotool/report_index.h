@@ -8,7 +8,8 @@
 
 namespace tw::echotool {
 
-// Of pages that stand in one folder, in their order.
-[[nodiscard]] std::string ReportIndex(const std::vector<const ReportPage*>& pages);
+// Of pages in the folder (ending in its separator, or empty) and those below, in their order.
+[[nodiscard]] std::string ReportIndex(const std::wstring& folder,
+                                      const std::vector<const ReportPage*>& pages);
 
 }  // namespace tw::echotool
