@@ -98,9 +98,10 @@ bool Join(const Job& job, Result& result) {
                                   [&](const Input& input) { return input.file == parts.front().file; });
   Job all{job.call, *first, job.progress};
   for (size_t i = 1; i < parts.size(); ++i) all.following.push_back(WideName(parts[i].file));
-  if (WriteOutputs(all, result)) return true;
-  result.text = all.file + ": " + result.text;
-  return false;
+  const bool done = WriteOutputs(all, result);
+  for (std::string& note : result.notes) note = all.file + ": " + note;
+  if (!done) result.text = all.file + ": " + result.text;
+  return done;
 }
 
 bool Do(const Job& job, Result& result) {
@@ -154,7 +155,8 @@ Result WorkOn(const Call& call, const Input& input) {
   Result result;
   result.done = joins ? Join(job, result) : DoOne(job, result);
   if (call.interrupted.load() && !result.done) result.text = "interrupted";
-  if (!result.done && !joins) result.text = input.file + ": " + result.text;
+  if (joins) return result;  // its texts name the recordings themselves
+  if (!result.done) result.text = input.file + ": " + result.text;
   for (std::string& note : result.notes) note = input.file + ": " + note;
   return result;
 }

@@ -10,6 +10,7 @@
 #include "tools/echotool/file_sum.h"
 #include "tools/echotool/map_output.h"
 #include "tools/echotool/nmea_output.h"
+#include "tools/echotool/ping_copy.h"
 #include "tools/echotool/png_output.h"
 #include "tools/echotool/recording_output.h"
 #include "tools/echotool/summary.h"
@@ -105,6 +106,7 @@ bool SurveyLayout(const Job& job, RecordingSurvey& survey, std::string& error) {
     if (!read && !job.interrupted.load()) error = FaultText(RecordingFault::unread);
     return read;
   }
+  recording->SetInterruption(InterruptionBy(job.interrupted));
   RecordedPing ping{};
   for (int i = 0; i < kFirstPings && recording->Next(ping); ++i) survey.Add(ping);
   survey.samplingAssumed = recording->IsSamplingAssumed();

@@ -79,8 +79,8 @@ bool Convert(const Job& job, PingSource& recording, Output& to, const RecordingS
   } else if (IsRecording(job, recording, watch.Pings(), result)) {
     error = writer->Emptiness();
   }
-  NoteDamage(recording, result);
   const Task task = job.options.task;
+  if (task != Task::repair && task != Task::join) NoteDamage(recording, result);  // these tell what they drop
   if (task == Task::segy || task == Task::netcdf || task == Task::png || task == Task::report)
     NoteSampling(recording, result);
   const std::string note = writer->Note();
