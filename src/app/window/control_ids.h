@@ -74,6 +74,7 @@
 #define ID_REPLAY_SKIP_GAPS 1112
 #define ID_REPLAY_TIME 1113
 #define ID_REPLAY_GO_TO 1114
+#define ID_REPLAY_STRIP 1115  // a place in it, no window
 
 // Its keys
 #define ID_REPLAY_HOLD 32810
@@ -99,6 +100,14 @@
 #define ID_MENU_FIND 32850
 #define ID_MENU_SHOW_IN_FOLDER 32793
 #define ID_MENU_RECENT 32840  // and those behind it
+
+// Controls of the small dialogs
+#define ID_DIALOG_OK 1  // the system's IDOK
+#define ID_FOLDER_EDIT 1023
+#define ID_FOLDER_BROWSE 1005
+#define ID_MARK_WORD 1023
+#define ID_BAUD_SPEED 1001
+#define ID_BAUD_CHANGE 1005
 
 // Controls of "Find device"
 #define ID_FIND_PORTS 1201
