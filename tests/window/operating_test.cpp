@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
+#include <commctrl.h>
 #include <oleacc.h>
 
 #include <optional>
@@ -23,12 +24,6 @@ class Operating : public ::testing::Test {
   Operating() {
     StoreRunChoices(folder_.Path());
     program_.emplace();
-  }
-
-  void RestOn(int id) const {
-    RECT place{};
-    GetWindowRect(program_->Control(id), &place);
-    SetCursorPos(place.left + 8, place.top + 6);
   }
 
   // A key with those that are held down meanwhile.
@@ -67,9 +62,8 @@ constexpr TipRow kTips[] = {
 
 TEST_F(Operating, ControlsTellWhatTheyDoAndWhyTheyAreGrey) {
   for (const TipRow& row : kTips) {
-    RestOn(row.id);
-    EXPECT_TRUE(WaitUntil([&] { return program_->Tip().starts_with(row.begin); }, 10)) << row.id;
-    EXPECT_TRUE(program_->Tip().ends_with(row.end)) << row.id;
+    RestOn(program_->Control(row.id));
+    EXPECT_TRUE(program_->TipComes(row.begin, row.end)) << row.id;
     SavePicture(program_->Window(), row.id == ID_APPLY ? "tip-grey" : "tip");
   }
 }
@@ -143,6 +137,23 @@ TEST_F(Operating, APictureTellsItsName) {
   EXPECT_TRUE(WaitUntil([&] { return program_->Status(2).ends_with(L"ScreenShot(Manual)_1.png"); }, 10));
   EXPECT_EQ(folder_.Files().size(), 1u);
   EXPECT_TRUE(WaitUntil([&] { return program_->Status(2).empty(); }, 10));
+}
+
+// Only pixels tell: while Start keeps the window busy its texts cannot be asked for, and no timer comes.
+TEST_F(Operating, TheTalkOfAStartTakesThePlaceOfAPicturesName) {
+  const HWND bar = FindWindowExW(program_->Window(), nullptr, STATUSCLASSNAMEW, nullptr);
+  const auto part = [&] {  // the left of the third one
+    const Picture all = PictureOf(bar);
+    std::vector<uint32_t> pixels;
+    for (int x = 430; x < 700; ++x) pixels.push_back(all.At(x, all.height / 2));
+    return pixels;
+  };
+  Press('S', {VK_CONTROL});
+  ASSERT_TRUE(WaitUntil([&] { return !program_->Status(2).empty(); }, 10));
+  SendMessageW(bar, WM_NULL, 0, 0);
+  const std::vector<uint32_t> name = part();
+  program_->Click(ID_START);
+  EXPECT_TRUE(WaitUntil([&] { return part() != name && program_->IsBusy(); }, 5));
 }
 
 }  // namespace

@@ -88,6 +88,12 @@ std::wstring TextOf(HWND control) {
   return text;
 }
 
+void RestOn(HWND control) {
+  RECT place{};
+  GetWindowRect(control, &place);
+  SetCursorPos(place.left + 8, place.top + 6);
+}
+
 std::vector<std::wstring> ItemsOf(HWND combo) {
   std::vector<std::wstring> items;
   const LRESULT count = SendMessageW(combo, CB_GETCOUNT, 0, 0);
@@ -169,10 +175,25 @@ std::wstring Program::Tip() const {
   return tip == nullptr ? L"" : TextOf(tip);
 }
 
+bool Program::TipComes(std::wstring_view begin, std::wstring_view end) const {
+  return WaitUntil(
+      [&] {
+        const std::wstring tip = Tip();
+        return tip.starts_with(begin) && tip.ends_with(end);
+      },
+      10);
+}
+
 SIZE Program::ClientSize() const {
   RECT client{};
   GetClientRect(window_, &client);
   return {client.right, client.bottom};
+}
+
+bool Program::IsBusy() const {
+  constexpr UINT kPatience_ms = 300;
+  DWORD_PTR answer = 0;
+  return SendMessageTimeoutW(window_, WM_NULL, 0, 0, 0, kPatience_ms, &answer) == 0;
 }
 
 void Program::Click(int id) const {

@@ -7,6 +7,7 @@
 #include <functional>
 #include <ostream>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace tw {
@@ -36,6 +37,7 @@ struct ControlPlace {
 [[nodiscard]] std::vector<ControlPlace> ControlsOf(HWND window);
 
 [[nodiscard]] std::wstring TextOf(HWND control);
+void RestOn(HWND control);  // with the mouse
 [[nodiscard]] std::vector<std::wstring> ItemsOf(HWND combo);
 
 class Program {
@@ -57,7 +59,9 @@ class Program {
   [[nodiscard]] std::wstring Status(int part) const;
   [[nodiscard]] std::vector<ControlPlace> Controls() const { return ControlsOf(window_); }
   [[nodiscard]] std::wstring Tip() const;  // that is shown now, else empty
+  [[nodiscard]] bool TipComes(std::wstring_view begin, std::wstring_view end) const;
   [[nodiscard]] SIZE ClientSize() const;
+  [[nodiscard]] bool IsBusy() const;  // it takes no message at the moment
 
   // Posted, because Start keeps the window busy for seconds.
   void Click(int id) const;

@@ -115,11 +115,7 @@ class QueuedInput : public Run {
   void StartAndComeInBetween() {
     program_.emplace();
     program_->Click(ID_START);
-    const auto isBusy = [this] {
-      DWORD_PTR answer = 0;
-      return SendMessageTimeoutW(program_->Window(), WM_NULL, 0, 0, 0, 300, &answer) == 0;
-    };
-    ASSERT_TRUE(WaitUntil(isBusy, 10));
+    ASSERT_TRUE(WaitUntil([this] { return program_->IsBusy(); }, 10));
   }
 
   // In the middle of a control; the message goes to `receiver`.

@@ -32,7 +32,7 @@ struct Notice {
 };
 constinit Notice notice{};
 
-void EndNotice(HWND statusBar) {
+void TakeNoticeAway(HWND statusBar) {
   KillTimer(statusBar, kNoticeTimer);
   notice.shown = false;
   DefSubclassProc(statusBar, SB_SETTEXTW, kNoticePart, reinterpret_cast<LPARAM>(notice.behind));
@@ -41,7 +41,7 @@ void EndNotice(HWND statusBar) {
 LRESULT CALLBACK StatusBarProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR,
                                     DWORD_PTR) {
   if (message == WM_TIMER && wParam == kNoticeTimer) {
-    EndNotice(window);
+    TakeNoticeAway(window);
     return 0;
   }
   if (message != SB_SETTEXTW) return DefSubclassProc(window, message, wParam, lParam);
@@ -70,6 +70,10 @@ void ShowNotice(AppState& state, const wchar_t* text) {
   SendMessageW(statusBar, SB_SETTEXTW, kNoticePart, reinterpret_cast<LPARAM>(text));
   CopyWide(notice.behind, behind);
   notice.shown = SetTimer(statusBar, kNoticeTimer, kNotice_ms, nullptr) != 0;
+}
+
+void EndNotice(AppState& state) {
+  if (notice.shown) TakeNoticeAway(ToWindow(state.statusBar));
 }
 
 // A text that cannot be posted is lost; the next one comes within a second.

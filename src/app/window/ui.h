@@ -29,11 +29,13 @@ void ShowSystemError(AppState& state, uint32_t code);
 void SetStatusText(AppState& state, StatusPart part, const wchar_t* text);
 
 // Shows what a command does that keeps the window busy, in the part of progress texts: painted at once,
-// without a message being taken. An empty text brings back what stood there.
+// without a message being taken, and in the place of a notice. An empty text brings back what stood there.
 void ShowProgress(AppState& state, const wchar_t* text);
 // Shows a text in the position's part for three seconds; then comes back what stood there, or what was to
 // stand there meanwhile.
 void ShowNotice(AppState& state, const wchar_t* text);
+// Its time is over.
+void EndNotice(AppState& state);
 
 // Opens a folder in the system's own window; or, with `select`, the folder of a file, which is marked.
 void OpenFolder(AppState& state, const wchar_t* path, bool select);

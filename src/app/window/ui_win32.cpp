@@ -77,6 +77,7 @@ void ShowProgress(AppState& state, const wchar_t* text) {
   static wchar_t before[kStatusTextSize];  // what stood there
   static wchar_t shown[kStatusTextSize];   // the progress that stands there now; empty: none
   const HWND statusBar = ToWindow(state.statusBar);
+  EndNotice(state);  // its timer waits for the end of the talk
   if (shown[0] == L'\0' && LOWORD(SendMessageW(statusBar, SB_GETTEXTLENGTHW, kPart, 0)) < kStatusTextSize) {
     SendMessageW(statusBar, SB_GETTEXTW, kPart, reinterpret_cast<LPARAM>(before));
   }
