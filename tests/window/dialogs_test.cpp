@@ -51,10 +51,12 @@ struct NamedDialog {
   int menuEntry;
   const wchar_t* caption;
   const char* picture;
+  int control = 0;  // one that tells what it does
+  const wchar_t* tip = L"";
 };
 constexpr NamedDialog kDialogs[] = {
-    {ID_MENU_FOLDER, L"Working folder change", "working-folder"},
-    {ID_MENU_BAUD, L"Change Device Baudrate", "change-baudrate"},
+    {ID_MENU_FOLDER, L"Working folder change", "working-folder", ID_FOLDER_EDIT, L"Recordings, pictures"},
+    {ID_MENU_BAUD, L"Change Device Baudrate", "change-baudrate", ID_BAUD_SPEED, L"What device and program"},
     {ID_MENU_ABOUT, L"About Tidewriter", "about"},
     {ID_MENU_SHORTCUTS, L"Keyboard Shortcuts", "shortcuts"},
 };
@@ -65,6 +67,8 @@ TEST_F(Dialogs, AreWellMadeAndLeftWithEscape) {
     EXPECT_EQ(dialog.Caption(), row.caption);
     ExpectWellMade(dialog);
     SavePicture(dialog.Window(), row.picture);
+    RestOn(GetDlgItem(dialog.Window(), row.control));
+    EXPECT_TRUE(program_->TipComes(row.tip, L"")) << row.picture;
     dialog.Press(VK_ESCAPE);
     EXPECT_TRUE(dialog.CloseHasCome()) << row.picture;
     EXPECT_EQ(program_->Exit(), 0);
@@ -117,6 +121,9 @@ TEST_F(Dialogs, OptionsHoldWhatIsEnteredWithinItsBounds) {
   }
   const Dialog link = PageOf(sheet, 0);
   EXPECT_FALSE(IsWindowEnabled(link.Field(kSilence)));
+  RestOn(link.Field(kSilence));
+  EXPECT_TRUE(program_->TipComes(L"Longer", L"\nTick \"Keep the run going when the link is lost\" first."));
+  SavePicture(sheet.Window(), "options-tip");
   SendMessageW(Switch(link, kKeepGoing), BM_CLICK, 0, 0);
   EXPECT_TRUE(IsWindowEnabled(link.Field(kSilence)));
   for (const wchar_t* const bad : {L"61", L""}) {
@@ -195,6 +202,8 @@ TEST_F(FindDevice, IsFoundAndGoesIntoTheSelectors) {
   EXPECT_EQ(dialog.Caption(), L"Find device");
   ExpectWellMade(dialog);
   EXPECT_FALSE(IsWindowEnabled(GetDlgItem(dialog.Window(), IDOK)));
+  RestOn(GetDlgItem(dialog.Window(), IDOK));
+  EXPECT_TRUE(program_->TipComes(L"Puts port and speed", L"none has answered there yet."));
   for (const wchar_t* const text : {L"Searching...", L"The search was cancelled.", L"Searching..."}) {
     click(ID_FIND_SEARCH);
     EXPECT_TRUE(says(text));

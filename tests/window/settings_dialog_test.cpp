@@ -136,10 +136,8 @@ TEST_F(DualSettings, BothChannelsStandSideBySide) {
   SavePicture(first.Window(), "settings-dual");
   EXPECT_FALSE(IsWindowEnabled(first.Field(L"Range [m]", 0))) << "the high one is that of both";
   EXPECT_TRUE(IsWindowEnabled(first.Field(L"TVG mode")));
-  RECT grey{};
-  GetWindowRect(first.Field(L"Range [m]", 0), &grey);
-  SetCursorPos(grey.left + 8, grey.top + 6);
-  EXPECT_TRUE(WaitUntil([&] { return program_->Tip().ends_with(L"takes the high range for both."); }, 10));
+  RestOn(first.Field(L"Range [m]", 0));
+  EXPECT_TRUE(program_->TipComes(L"", L"takes the high range for both."));
   first.Enter(L"Gain [dB]", L"3", 0);
   first.Enter(L"Gain [dB]", L"61", 1);
   first.Press(VK_RETURN);

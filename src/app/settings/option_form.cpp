@@ -91,6 +91,13 @@ void NarrowLabel(std::span<char> out, std::wstring_view label) {
   NarrowText(out.subspan(before), label.substr(key + 1));
 }
 
+const OptionRow* SwitchOf(const OptionRow& row) {
+  for (const OptionRow& other : OptionRows()) {
+    if (row.needs != nullptr && other.value == row.needs) return &other;
+  }
+  return nullptr;
+}
+
 void ExplainBounds(const OptionRow& row, std::span<wchar_t> error) {
   char label[96];
   char unit[16];
@@ -140,12 +147,32 @@ int32_t ControlOf(const OptionRow& row) {
   return FirstId(row);
 }
 
+const OptionRow* RowOfControl(int32_t id) {
+  const auto rows = OptionRows();
+  if (id < ID_OPTIONS_FIRST) return nullptr;
+  const auto place = static_cast<size_t>(id - ID_OPTIONS_FIRST) / kIdsPerRow;
+  return place < rows.size() ? &rows[place] : nullptr;
+}
+
 bool IsLocked(const OptionRow& row, bool running) {
   return running && row.atStart;
 }
 
 bool IsUsable(const OptionRow& row, const Options& shown, bool running) {
   return !IsLocked(row, running) && (row.needs == nullptr || shown.*row.needs != 0);
+}
+
+void WhyUnusable(const OptionRow& row, const Options& shown, bool running, std::span<wchar_t> reason) {
+  CopyWide(reason, L"");
+  if (IsUsable(row, shown, running)) return;
+  const OptionRow* const needed = SwitchOf(row);
+  if (IsLocked(row, running) || needed == nullptr) {
+    CopyWide(reason, L"It is taken over when a run starts: press Stop first.");
+    return;
+  }
+  char label[96];
+  NarrowLabel(label, needed->text);
+  FormatWide(reason, "Tick \"%s\" first.", label);
 }
 
 void FormatOption(const OptionRow& row, const Options& options, std::span<wchar_t> text) {

@@ -24,6 +24,9 @@ struct OptionItem {
   DialogRect place;
 };
 
+// The row of an item by the item's control; null for any other.
+[[nodiscard]] const OptionRow* RowOfControl(int32_t id);
+
 // In the order of the keyboard: each label ahead of its number.
 inline constexpr size_t kMaxOptionItems = 64;
 struct OptionForm {
@@ -46,6 +49,9 @@ struct OptionForm {
 
 inline constexpr size_t kOptionTextSize = 16;
 inline constexpr size_t kOptionErrorSize = 160;
+
+// Why it is grey; empty where it can be changed.
+void WhyUnusable(const OptionRow& row, const Options& shown, bool running, std::span<wchar_t> reason);
 
 // The text of a number's or an address' field, and of a slider's value.
 void FormatOption(const OptionRow& row, const Options& options, std::span<wchar_t> text);

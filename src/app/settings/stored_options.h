@@ -21,6 +21,7 @@ struct OptionRow {
   int32_t Options::*value;
   const wchar_t* name;  // in the registry
   const wchar_t* text;  // beside its box, with its access key
+  const wchar_t* tip;   // what it is good for, while the mouse rests on it
   const wchar_t* unit;  // behind its number; null: the option is a switch or a choice
   int32_t standard;
   int32_t least;

@@ -15,6 +15,7 @@
 #include "app/settings/port_selectors.h"
 #include "app/state/posts.h"
 #include "app/window/control_ids.h"
+#include "app/window/control_tips_win32.h"
 #include "app/window/dialogs_win32.h"
 #include "app/window/search_thread_win32.h"
 #include "app/window/view_placement_win32.h"
@@ -257,6 +258,7 @@ void OnInit(HWND window, LPARAM parameter) {
   FillPorts(dialog, receiver);
   FillSpeeds(dialog);
   Refresh(dialog);
+  PrepareControlTips(window, ID_DIALOG_FIND);
 }
 
 INT_PTR CALLBACK FindDialogProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {

@@ -8,6 +8,7 @@
 #include "app/state/app_state.h"
 #include "app/state/event_log.h"
 #include "app/window/control_ids.h"
+#include "app/window/control_tips_win32.h"
 #include "app/window/dialogs_win32.h"
 #include "app/window/window_handles_win32.h"
 #include "platform/file.h"
@@ -16,8 +17,6 @@
 namespace tw {
 namespace {
 
-constexpr int kFolderEdit = 1023;
-constexpr int kBrowse = 1005;
 // Folders of the file system alone, none of a network below its domain, computers; an edit box, the new
 // style.
 constexpr UINT kBrowserFlags =
@@ -39,7 +38,7 @@ int CALLBACK OnBrowse(HWND browser, UINT message, LPARAM, LPARAM folder) {
 void Browse(HWND dialog) {
   const HRESULT com = CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
   wchar_t standing[kFolderLimit + 1];
-  GetDlgItemTextW(dialog, kFolderEdit, standing, static_cast<int>(std::size(standing)));
+  GetDlgItemTextW(dialog, ID_FOLDER_EDIT, standing, static_cast<int>(std::size(standing)));
   wchar_t name[MAX_PATH];
   BROWSEINFOW request{};
   request.hwndOwner = dialog;
@@ -50,7 +49,7 @@ void Browse(HWND dialog) {
   request.lParam = reinterpret_cast<LPARAM>(standing);
   if (PIDLIST_ABSOLUTE chosen = SHBrowseForFolderW(&request)) {
     wchar_t path[MAX_PATH];
-    if (SHGetPathFromIDListW(chosen, path) != FALSE) SetDlgItemTextW(dialog, kFolderEdit, path);
+    if (SHGetPathFromIDListW(chosen, path) != FALSE) SetDlgItemTextW(dialog, ID_FOLDER_EDIT, path);
     CoTaskMemFree(chosen);
   }
   if (SUCCEEDED(com)) CoUninitialize();
@@ -61,14 +60,14 @@ void Refuse(HWND dialog, uint32_t code) {
   wchar_t text[512];
   SystemErrorText(code, text);
   MessageBoxW(dialog, text, L"GetLastError", MB_OK);
-  SetFocus(GetDlgItem(dialog, kFolderEdit));
+  SetFocus(GetDlgItem(dialog, ID_FOLDER_EDIT));
 }
 
 // The folder is there, or has been made. A name that could be stored but not be read back is refused before
 // anything is made of it.
 void TakeFolder(HWND dialog, AppState& state) {
   wchar_t folder[kFolderLimit + 1];
-  const UINT length = GetDlgItemTextW(dialog, kFolderEdit, folder, static_cast<int>(std::size(folder)));
+  const UINT length = GetDlgItemTextW(dialog, ID_FOLDER_EDIT, folder, static_cast<int>(std::size(folder)));
   if (length > kMaxWorkingFolder) return Refuse(dialog, ERROR_FILENAME_EXCED_RANGE);
   if (!IsFolder(folder) && !CreateFolder(folder)) return Refuse(dialog, LastSystemError());
   SaveWorkingFolder(folder);
@@ -80,13 +79,14 @@ void TakeFolder(HWND dialog, AppState& state) {
 INT_PTR CALLBACK FolderDialogProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
   if (message == WM_INITDIALOG) {
     SetWindowLongPtrW(dialog, DWLP_USER, lParam);
-    SendDlgItemMessageW(dialog, kFolderEdit, EM_SETLIMITTEXT, kFolderLimit, 0);
-    SetDlgItemTextW(dialog, kFolderEdit, reinterpret_cast<AppState*>(lParam)->workingFolder);
+    SendDlgItemMessageW(dialog, ID_FOLDER_EDIT, EM_SETLIMITTEXT, kFolderLimit, 0);
+    SetDlgItemTextW(dialog, ID_FOLDER_EDIT, reinterpret_cast<AppState*>(lParam)->workingFolder);
+    PrepareControlTips(dialog, ID_DIALOG_FOLDER);
     return TRUE;
   }
   if (message != WM_COMMAND) return FALSE;
   switch (LOWORD(wParam)) {
-    case kBrowse:
+    case ID_FOLDER_BROWSE:
       Browse(dialog);
       return TRUE;
     case IDOK:

@@ -227,9 +227,6 @@ LRESULT CALLBACK MainWindowProcedure(HWND window, UINT message, WPARAM wParam, L
     case WM_TIMER:
       OnTimer(*state, wParam);
       return 0;
-    case WM_NOTIFY:
-      AnswerTipRequest(*state, *reinterpret_cast<NMHDR*>(lParam));
-      return 0;
     case WM_DRAWITEM:
       DrawLampItem(*state, *reinterpret_cast<const DRAWITEMSTRUCT*>(lParam));
       return TRUE;
@@ -289,7 +286,7 @@ AppState* CreateMainWindow(HINSTANCE instance) {
   AppState* const state = StateOf(window);
   RememberHiddenControls(*state);
   SetArrowFont(*state);
-  PrepareLamps(*state, PrepareControlTips(*state));
+  PrepareLamps(*state, PrepareMainTips(window));
   FitOutputFont(*state);
   NameControls(*state);
   DragAcceptFiles(window, TRUE);

@@ -3,14 +3,13 @@
 
 #include "app/state/event_marks.h"
 #include "app/window/control_ids.h"
+#include "app/window/control_tips_win32.h"
 #include "app/window/dialogs_win32.h"
 #include "app/window/event_mark.h"
 #include "app/window/window_handles_win32.h"
 
 namespace tw {
 namespace {
-
-constexpr int kWordEdit = 1023;
 
 struct Word {
   wchar_t text[kMarkWordSize];
@@ -19,14 +18,15 @@ struct Word {
 INT_PTR CALLBACK MarkProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
   if (message == WM_INITDIALOG) {
     SetWindowLongPtrW(dialog, DWLP_USER, lParam);
-    SendDlgItemMessageW(dialog, kWordEdit, EM_SETLIMITTEXT, kMarkWordSize - 1, 0);
+    SendDlgItemMessageW(dialog, ID_MARK_WORD, EM_SETLIMITTEXT, kMarkWordSize - 1, 0);
+    PrepareControlTips(dialog, ID_DIALOG_MARK);
     return TRUE;
   }
   if (message != WM_COMMAND) return FALSE;
   const int id = LOWORD(wParam);
   if (id != IDOK && id != IDCANCEL) return FALSE;
   Word& word = *reinterpret_cast<Word*>(GetWindowLongPtrW(dialog, DWLP_USER));
-  GetDlgItemTextW(dialog, kWordEdit, word.text, static_cast<int>(kMarkWordSize));
+  GetDlgItemTextW(dialog, ID_MARK_WORD, word.text, static_cast<int>(kMarkWordSize));
   EndDialog(dialog, id);
   return TRUE;
 }

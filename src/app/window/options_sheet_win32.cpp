@@ -8,10 +8,12 @@
 #include <cwchar>
 
 #include "app/run/run_control.h"
+#include "app/settings/control_tips.h"
 #include "app/settings/option_form.h"
 #include "app/settings/port_selectors.h"
 #include "app/window/commands.h"
 #include "app/window/control_ids.h"
+#include "app/window/control_tips_win32.h"
 #include "app/window/dialogs_win32.h"
 #include "app/window/display_options.h"
 #include "app/window/window_handles_win32.h"
@@ -221,6 +223,22 @@ void OnSize(HWND window) {
   PlaceAtFoot(window, ID_OPTIONS_DEFAULTS, kMargin, true);
 }
 
+void TellTip(HWND window, int number, int id, std::span<wchar_t> tip) {
+  const OptionRow* const row = RowOfControl(id);
+  if (row == nullptr) return FormatControlTip(number, id, false, tip);
+  const Page& page = PageOf(window);
+  Options shown = page.sheet->entered;
+  ReadChosen(window, page.form, shown);
+  wchar_t reason[kOptionErrorSize];
+  WhyUnusable(*row, shown, page.sheet->running, reason);
+  ComposeTip(tip, row->tip, reason);
+}
+
+void PrepareTips(HWND window, const OptionForm& form) {
+  const HWND tips = PrepareControlTips(window, ID_DIALOG_OPTIONS, TellTip);
+  for (size_t i = 0; i < form.count; ++i) AddControlTip(tips, GetDlgItem(window, form.items[i].id));
+}
+
 void OnInit(HWND window, const PROPSHEETPAGEW& description) {
   SetWindowLongPtrW(window, DWLP_USER, description.lParam);
   const Page& page = PageOf(window);
@@ -228,6 +246,7 @@ void OnInit(HWND window, const PROPSHEETPAGEW& description) {
   for (size_t i = 0; i < page.form.count; ++i)
     ShowValue(window, *page.form.items[i].row, page.sheet->entered);
   RefreshUsable(window);
+  PrepareTips(window, page.form);
 }
 
 void Refuse(HWND window, HWND number, const wchar_t* error) {

@@ -12,6 +12,7 @@
 #include "app/state/overview.h"
 #include "app/state/slider_messages.h"
 #include "app/window/control_ids.h"
+#include "app/window/control_tips_win32.h"
 #include "app/window/playback_bar.h"
 #include "app/window/selector_wheel_win32.h"
 #include "app/window/view_placement_win32.h"
@@ -50,28 +51,16 @@ struct PartRow {
   const wchar_t* text;
   DWORD style;
   Box BarLayout::*box;
-  const wchar_t* tip;
 };
-
-constexpr wchar_t kKeysTip[] =
-    L"Space: hold, and go on. Left and right: 20 pings back and on, with Ctrl 100. Home: to the beginning.\n"
-    L"The keys count while the echogram, the slider or this bar has the focus.";
-constexpr wchar_t kGoToTip[] = L"A time of the recording, as 1:02:03, 2:03 or 3: Enter goes there.";
-constexpr wchar_t kNoTimesTip[] = L"This recording tells no times that one could go to.";
-constexpr wchar_t kStripTip[] =
-    L"The whole recording: its echoes, and the depth as a line. A click goes there.";
 
 // In the order of the keyboard.
 constexpr PartRow kParts[] = {
-    {0, WC_STATICW, L"Pace", SS_LEFTNOWORDWRAP, &BarLayout::paceLabel, nullptr},
-    {ID_REPLAY_PACE, WC_COMBOBOXW, L"", CBS_DROPDOWNLIST | WS_VSCROLL | WS_TABSTOP, &BarLayout::pace,
-     L"How fast the recording is played, against its own time; as given: a ping each 16 ms. + faster, \u2212 "
-     L"slower."},
-    {ID_REPLAY_SKIP_GAPS, WC_BUTTONW, L"Skip gaps", BS_AUTOCHECKBOX | WS_TABSTOP, &BarLayout::skipGaps,
-     L"Gaps of more than 5 s are not waited for."},
-    {ID_REPLAY_TIME, WC_STATICW, L"", SS_LEFTNOWORDWRAP | SS_NOTIFY, &BarLayout::time, kKeysTip},
-    {0, WC_STATICW, L"Go to", SS_LEFTNOWORDWRAP, &BarLayout::goToLabel, nullptr},
-    {ID_REPLAY_GO_TO, WC_EDITW, L"", ES_AUTOHSCROLL | WS_BORDER | WS_TABSTOP, &BarLayout::goTo, kGoToTip},
+    {0, WC_STATICW, L"Pace", SS_LEFTNOWORDWRAP, &BarLayout::paceLabel},
+    {ID_REPLAY_PACE, WC_COMBOBOXW, L"", CBS_DROPDOWNLIST | WS_VSCROLL | WS_TABSTOP, &BarLayout::pace},
+    {ID_REPLAY_SKIP_GAPS, WC_BUTTONW, L"Skip gaps", BS_AUTOCHECKBOX | WS_TABSTOP, &BarLayout::skipGaps},
+    {ID_REPLAY_TIME, WC_STATICW, L"", SS_LEFTNOWORDWRAP | SS_NOTIFY, &BarLayout::time},
+    {0, WC_STATICW, L"Go to", SS_LEFTNOWORDWRAP, &BarLayout::goToLabel},
+    {ID_REPLAY_GO_TO, WC_EDITW, L"", ES_AUTOHSCROLL | WS_BORDER | WS_TABSTOP, &BarLayout::goTo},
 };
 
 Bar* BarOf(HWND window) {
@@ -121,42 +110,6 @@ LRESULT CALLBACK GoToProcedure(HWND edit, UINT message, WPARAM wParam, LPARAM lP
   return DefSubclassProc(edit, message, wParam, lParam);
 }
 
-void AddTip(HWND tips, HWND bar, HWND control, const RECT& place, const wchar_t* text) {
-  TTTOOLINFOW tool{};
-  tool.cbSize = sizeof(tool);
-  tool.hwnd = bar;
-  tool.uFlags = control != nullptr ? TTF_SUBCLASS | TTF_IDISHWND : TTF_SUBCLASS;
-  tool.uId = control != nullptr ? reinterpret_cast<UINT_PTR>(control) : reinterpret_cast<UINT_PTR>(text);
-  tool.rect = place;
-  tool.lpszText = const_cast<wchar_t*>(text);
-  SendMessageW(tips, TTM_ADDTOOLW, 0, reinterpret_cast<LPARAM>(&tool));
-}
-
-HWND MakeTips(HWND bar) {
-  const HWND tips =
-      CreateWindowExW(WS_EX_TOPMOST, TOOLTIPS_CLASSW, nullptr, WS_POPUP | TTS_ALWAYSTIP | TTS_NOPREFIX, 0, 0,
-                      0, 0, bar, nullptr, GetModuleHandleW(nullptr), nullptr);
-  constexpr int kMostWidth = 420;
-  SendMessageW(tips, TTM_SETMAXTIPWIDTH, 0, ScalePixels(kMostWidth, ScreenDpi()));
-  constexpr int kShown_ms = 15'000;
-  SendMessageW(tips, TTM_SETDELAYTIME, TTDT_AUTOPOP, kShown_ms);
-  for (const PartRow& part : kParts) {
-    if (part.tip != nullptr) AddTip(tips, bar, GetDlgItem(bar, part.id), {}, part.tip);
-  }
-  AddTip(tips, bar, nullptr, {}, kStripTip);
-  AddTip(tips, bar, nullptr, {}, kNoTimesTip);  // under the field, which gets no mouse while it is grey
-  return tips;
-}
-
-void PlaceTip(HWND tips, HWND bar, const wchar_t* text, const RECT& place) {
-  TTTOOLINFOW tool{};
-  tool.cbSize = sizeof(tool);
-  tool.hwnd = bar;
-  tool.uId = reinterpret_cast<UINT_PTR>(text);
-  tool.rect = place;
-  SendMessageW(tips, TTM_NEWTOOLRECTW, 0, reinterpret_cast<LPARAM>(&tool));
-}
-
 void MakeParts(HWND bar) {
   const HFONT font =
       reinterpret_cast<HFONT>(SendMessageW(GetDlgItem(GetParent(bar), ID_START), WM_GETFONT, 0, 0));
@@ -177,7 +130,7 @@ bool OnCreate(HWND window) {
   if (bar == nullptr) return false;
   SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(bar));
   MakeParts(window);
-  SetPropW(window, kClassName, MakeTips(window));
+  SetPropW(window, kClassName, PrepareControlTips(window, ID_PLAYBACK_BAR));
   return true;
 }
 
@@ -198,8 +151,8 @@ void OnSize(HWND window, Bar& bar, int width, int height) {
     control = GetWindow(control, GW_HWNDNEXT);
   }
   const HWND tips = static_cast<HWND>(GetPropW(window, kClassName));
-  PlaceTip(tips, window, kStripTip, RectOf(bar.layout.strip));
-  PlaceTip(tips, window, kNoTimesTip, RectOf(bar.layout.goTo));
+  PlaceTip(tips, window, ID_REPLAY_STRIP, RectOf(bar.layout.strip));
+  PlaceTip(tips, window, ID_REPLAY_GO_TO, RectOf(bar.layout.goTo));  // while the field is grey
   InvalidateRect(window, nullptr, TRUE);
 }
 

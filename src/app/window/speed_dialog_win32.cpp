@@ -5,6 +5,7 @@
 #include "app/settings/port_selectors.h"
 #include "app/window/commands.h"
 #include "app/window/control_ids.h"
+#include "app/window/control_tips_win32.h"
 #include "app/window/dialogs_win32.h"
 #include "app/window/selector_wheel_win32.h"
 #include "app/window/system_colours_win32.h"
@@ -15,8 +16,6 @@
 namespace tw {
 namespace {
 
-constexpr int kSpeeds = 1001;
-constexpr int kChange = 1005;
 constexpr int kNothingChosen = 0;
 
 struct WarningLine {
@@ -61,14 +60,14 @@ void FillSpeeds(HWND dialog) {
     wchar_t text[16];
     FormatWide(text, "%" PRId32, speed);
     const LRESULT index =
-        SendDlgItemMessageW(dialog, kSpeeds, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(text));
+        SendDlgItemMessageW(dialog, ID_BAUD_SPEED, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(text));
     if (speed == globals.deviceBaud) chosenItem = index;
   }
-  SendDlgItemMessageW(dialog, kSpeeds, CB_SETCURSEL, static_cast<WPARAM>(chosenItem), 0);
+  SendDlgItemMessageW(dialog, ID_BAUD_SPEED, CB_SETCURSEL, static_cast<WPARAM>(chosenItem), 0);
 }
 
 int32_t ChosenSpeed(HWND dialog) {
-  const LRESULT index = SendDlgItemMessageW(dialog, kSpeeds, CB_GETCURSEL, 0, 0);
+  const LRESULT index = SendDlgItemMessageW(dialog, ID_BAUD_SPEED, CB_GETCURSEL, 0, 0);
   const auto speeds = DeviceSpeeds();
   if (index < 0 || static_cast<size_t>(index) >= speeds.size()) return kNothingChosen;
   chosenItem = index;
@@ -80,12 +79,13 @@ INT_PTR CALLBACK SpeedDialogProcedure(HWND dialog, UINT message, WPARAM wParam, 
     case WM_INITDIALOG:
       FillSpeeds(dialog);
       KeepWheelFromSelectors(dialog);
+      PrepareControlTips(dialog, ID_DIALOG_BAUD);
       return TRUE;
     case WM_PAINT:
       PaintWarning(dialog);
       return TRUE;
     case WM_COMMAND:
-      if (LOWORD(wParam) == kChange) EndDialog(dialog, ChosenSpeed(dialog));
+      if (LOWORD(wParam) == ID_BAUD_CHANGE) EndDialog(dialog, ChosenSpeed(dialog));
       if (LOWORD(wParam) == IDCANCEL) EndDialog(dialog, kNothingChosen);
       return TRUE;
     default:

@@ -39,12 +39,21 @@ TEST(OptionForm, NumbersOutOfTheirBoundsAreRefusedByName) {
   EXPECT_EQ(options.silence_s, 60);
 }
 
-TEST(OptionForm, WhatNeedsASwitchOrNoRunIsGreyWithout) {
+std::wstring Reason(const OptionRow& row, const Options& shown, bool running) {
+  wchar_t reason[kOptionErrorSize];
+  WhyUnusable(row, shown, running, reason);
+  return reason;
+}
+
+TEST(OptionForm, WhatNeedsASwitchOrNoRunIsGreyWithoutAndSaysSo) {
   for (const OptionRow& row : OptionRows()) {
     Options shown = StandardOptions();
     EXPECT_EQ(IsUsable(row, shown, false), row.needs == nullptr) << row.text;
+    EXPECT_EQ(Reason(row, shown, false).empty(), row.needs == nullptr) << row.text;
     if (row.needs != nullptr) shown.*row.needs = 1;
     EXPECT_EQ(IsUsable(row, shown, true), !row.atStart) << row.text;
+    EXPECT_EQ(Reason(row, shown, true).empty(), !row.atStart) << row.text;
+    EXPECT_EQ(RowOfControl(ControlOf(row)), &row);
   }
 }
 
