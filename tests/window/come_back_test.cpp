@@ -124,13 +124,21 @@ TEST_F(ComeBack, WhateverTheOperatorDoesMeanwhile) {
   EXPECT_TRUE(WaitUntil([this] { return program_->Status(1) == L"GPS: COM6,4800bps"; }, 20));
   SavePicture(program_->Window(), "after");
 
-  program_->Choose(ID_MENU_ABOUT);
-  const Dialog box(*program_);
+  program_->Click(ID_DETAIL);
+  const Dialog settings(*program_);
+  settings.Enter(L"Gain [dB]", L"-7.5");
   TakeInstrumentsAway();
   GiveInstrumentsBack();
-  EXPECT_TRUE(box.IsOpen());
-  box.Press(VK_ESCAPE);
-  EXPECT_TRUE(box.CloseHasCome());
+  EXPECT_TRUE(settings.IsOpen());
+  settings.Press(VK_RETURN);  // the device that has come back is told, and the run goes on in a second file
+  EXPECT_TRUE(settings.CloseHasCome());
+  SendMessageW(program_->Window(), WM_NULL, 0, 0);  // answered when the device has been told
+  EXPECT_EQ(program_->Status(0), kConnected);
+  program_->Click(ID_DETAIL);
+  const Dialog told(*program_);
+  EXPECT_EQ(told.Value(L"Gain [dB]"), L"-7.5");
+  told.Press(VK_ESCAPE);
+  EXPECT_TRUE(told.CloseHasCome());
 
   ShowWindow(program_->Window(), SW_MINIMIZE);
   TakeInstrumentsAway();
@@ -157,11 +165,13 @@ TEST_F(ComeBack, WhateverTheOperatorDoesMeanwhile) {
   EXPECT_TRUE(WaitUntil([this] { return program_->IsEnabled(ID_START); }, 3)) << "Stop waits for nothing";
   EXPECT_EQ(program_->Exit(), 0);
   const std::vector<std::wstring> files = folder_.Files();
-  ASSERT_EQ(files.size(), 1u) << "one run, one file";
-  const std::string file = test::ReadWhole(files.front());
-  const Recording recording = TakeApart(file);
-  EXPECT_EQ(recording.fault, "");
-  EXPECT_GT(recording.blocks.size(), 20u);
+  ASSERT_EQ(files.size(), 2u) << "of one run, up to Apply and from there on";
+  for (const std::wstring& path : files) {
+    const std::string file = test::ReadWhole(path);
+    const Recording recording = TakeApart(file);
+    EXPECT_EQ(recording.fault, "");
+    EXPECT_GT(recording.blocks.size(), 20u);
+  }
 }
 
 }  // namespace
