@@ -23,6 +23,7 @@ constexpr int32_t kButtonGap = 6;
 
 constexpr int32_t kFirstId = 2000;
 constexpr int32_t kIdsPerField = 4;
+static_assert(kIdsPerField > 1 + static_cast<int32_t>(FieldChannel::high), "a label and its values");
 constexpr int32_t kHeadingId = kFirstId + kIdsPerField * static_cast<int32_t>(kSettingsFields);
 
 int32_t LabelId(SettingsField field) {
