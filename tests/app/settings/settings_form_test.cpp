@@ -83,6 +83,33 @@ TEST(SettingsForm, ValuesAsTexts) {
   }
 }
 
+// Each value of the record stands in its own field: no two of them are alike.
+TEST(SettingsForm, EachFieldShowsItsOwnValue) {
+  DeviceSettings s{};
+  s.rangeLow_mm = 25'000, s.rangeHigh_mm = 35'000;
+  s.txLengthLow = 33, s.txLengthHigh = 34;
+  s.txPower = 55.5f;
+  s.gainLow = -3.5f, s.gainHigh = 4.25f;
+  s.tvgMode = 3;
+  s.tvgSpreadingLow = 22.5f, s.tvgSpreadingHigh = 23.5f;
+  s.tvgAbsorptionLow = 0.125f, s.tvgAbsorptionHigh = 0.25f;
+  s.attenuationLow = 17, s.attenuationHigh = 18;
+  s.deadZoneLow_mm = 321, s.deadZoneHigh_mm = 322;
+  s.offsetLow_mm = -12, s.offsetHigh_mm = 13;
+  s.thresholdLow_percent = 31, s.thresholdHigh_percent = 32;
+  s.medianFilter = 5, s.movingAverageFilter = 7;
+  s.pingInterval_ms = 250, s.outputMode = 4;
+  s.soundSpeed_mps = 1'487.0f, s.outputRate = 12.5f;
+  std::wstring shown;
+  for (size_t i = 0; i <= static_cast<size_t>(F::outputRate); ++i) {
+    for (const FieldChannel channel : {low, high}) shown += Text(static_cast<F>(i), channel, kDual, s) + L"|";
+  }
+  EXPECT_EQ(
+      shown,
+      L"25|35|0.25|0.25|Echo Txt 12bit|Echo Txt 12bit|33|34|55.5|55.5|-3.5|4.25|3|3|22.5|23.5|0.125|0.25|"
+      L"17|18|321|322|-12|13|31|32|1487.0|1487.0|5|5|7|7|12.50|12.50|");
+}
+
 TEST(SettingsForm, TextsAreHeldAgainstTheLimits) {
   const std::wstring whole = L" must be a whole number from ";
   const struct {
