@@ -1,7 +1,6 @@
 // What the program shows, stores and takes when it starts, and how it ends.
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <filesystem>
 
 #include "app/window/control_ids.h"
@@ -29,18 +28,6 @@ TEST_F(StartUp, FirstStartStoresTheDefaults) {
   const std::filesystem::path folder = StoredText(L"WorkingFolder");
   EXPECT_EQ(folder.filename().wstring(), L"TIDEWRITERR57_DATA");
   EXPECT_TRUE(std::filesystem::is_directory(folder));
-}
-
-// The machine may have more ports than the two of the instruments.
-TEST_F(StartUp, OffersThePortsThatExist) {
-  Program program;
-  const std::vector<std::wstring> ports = program.Items(ID_DEVICE_PORT);
-  const auto first = std::find(ports.begin(), ports.end(), L"COM5");
-  ASSERT_NE(first, ports.end());
-  EXPECT_EQ(*(first + 1), L"COM6");
-  std::vector<std::wstring> withNone{L"N/A"};
-  withNone.insert(withNone.end(), ports.begin(), ports.end());
-  EXPECT_EQ(program.Items(ID_GPS_PORT), withNone);
 }
 
 // One notch over a selector would change the device.

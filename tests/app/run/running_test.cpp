@@ -178,6 +178,8 @@ TEST_F(Running, AFolderThatCannotBeMadeIsTold) {
   StartRun(*state_);
   RunLamps(2);
   EXPECT_EQ(RecordingLamp(), L"NOT RECORDING: folder missing");
+  EXPECT_GT(state_->ringIndexA, 0) << "the run goes on";
+  EXPECT_TRUE(Ui().boxes.empty());
   std::filesystem::remove(records_);
 }
 

@@ -124,14 +124,6 @@ TEST_F(StartTest, WritesItsTimesToTheDebugOutput) {
   EXPECT_EQ(texts.front(), L"Start  time : 0.000000\n");
 }
 
-TEST_F(StartTest, AFolderThatCannotBeMadeLosesOnlyTheRecording) {
-  std::filesystem::remove_all(folder_);
-  StartQuickRun(2);
-  EXPECT_TRUE(Ui().boxes.empty());
-  EXPECT_EQ(state_->recordFileA, Handle::invalid);
-  EXPECT_GT(state_->ringIndexA, 0);
-}
-
 // Another port than the chosen one is never opened in its place.
 TEST_F(StartTest, ANumberBeyondReasonIsAPortOfItsOwn) {
   ConnectSounder(QuickSounder());
