@@ -26,6 +26,7 @@ import itertools
 import math
 import os
 import re
+import shutil
 import subprocess
 import sys
 import tempfile
@@ -337,6 +338,10 @@ def command_line() -> argparse.Namespace:
                         help='recordings converted at a time')
     parser.add_argument('--echotool', metavar='PATH', default='echotool', help='where it is not on the search path')
     options = parser.parse_args()
+    if not options.recordings.is_dir():
+        parser.error(f'{options.recordings} is no folder')
+    if shutil.which(options.echotool) is None:
+        parser.error(f'{options.echotool} is not found: --echotool tells where it is')
     if not (options.cell > 0 and options.chunk > 0):
         parser.error('a size is more than 0')
     return options
