@@ -455,8 +455,9 @@ TEST_P(OutputModes, CarryEveryPingAndAFaultCostsNoMoreThanItMust) {
     ASSERT_NO_FATAL_FAILURE(Judge());
     ASSERT_FALSE(HasFailure());
     if (!each_.IsPlain()) return;
-    Figures& cell = cells.emplace_back(account_.messages.size(), 0, files_[0].Size() + files_[1].Size());
+    Figures cell{account_.messages.size(), 0, files_[0].Size() + files_[1].Size()};
     for (const SentMessage& message : account_.messages) cell.damaged += message.sent.faulty ? 1 : 0;
+    cells.push_back(cell);
   }
   table->rows.emplace_back(each_.Name(", "), std::move(cells));
 }

@@ -17,7 +17,7 @@ namespace tw {
 namespace {
 
 constexpr uint32_t kAskPeriod_ms = 10'000;
-constexpr uint64_t kRoomToGoOn_bytes = 8 * 1024 * 1024;
+constexpr uint64_t kRoomToGoOn_bytes = uint64_t{8} * 1024 * 1024;
 constexpr uint32_t kShortestSilence_ms = 3'000;
 constexpr uint32_t kIntervalsWithoutPing = 3;
 constexpr double kLongestInterval_ms = 10'000;  // of one that is measured: a gap is none
