@@ -50,6 +50,10 @@ namespace {
 
 constexpr wchar_t kLine[] = L"\\\\.\\COM4";
 
+Handle OpenReceiver(const wchar_t* name, int32_t speed_bps) {
+  return speed_bps == 4'800 ? OpenSerialLine(name, "baud=4800 parity=N data=8 stop=1", 100) : Handle::invalid;
+}
+
 // A receiver whose port can take its time to close.
 class ReceiverPeer final : public test::SimulatorPeer {
  public:
@@ -77,11 +81,14 @@ class GpsRace : public testing::Test {
     DetachSerialLines();
   }
 
-  void Start(const sim::GpsOptions& options = {}) {
+  void Connect(const sim::GpsOptions& options = {}) {
     gps_ = std::make_unique<sim::VirtualGps>(options);
     peer_ = std::make_unique<ReceiverPeer>(*gps_);
     AttachPeer(kLine, peer_.get());
-    state_->gpsPort = OpenSerialLine(kLine, "baud=4800 parity=N data=8 stop=1", 100);
+  }
+  void Start(const sim::GpsOptions& options = {}) {
+    Connect(options);
+    state_->gpsPort = OpenReceiver(kLine, 4'800);
     ASSERT_NE(state_->gpsPort, Handle::invalid);
     StartWorker();
   }
@@ -101,11 +108,26 @@ class GpsRace : public testing::Test {
     WaitForEnd();
     EXPECT_EQ(peer_->Closed(), 1);
   }
+  [[nodiscard]] ReceiverState Judged() const {
+    return JudgeReceiver(TimesOfReceiver(*state_), 3'000, MillisecondClock());
+  }
+  void ExpectQuality(int32_t quality) const {
+    EXPECT_EQ(globals.gpsQuality, quality);
+    EXPECT_EQ(globals.fix.quality, quality);
+  }
+  // Of a worker that is not that of the present run, once it has ended.
+  void ExpectUntouched(Handle port, uint32_t updates) {
+    WaitForEnd();
+    EXPECT_EQ(state_->gpsPort, port);
+    EXPECT_EQ(peer_->Closed(), 0);
+    ExpectQuality(5);
+    EXPECT_EQ(globals.fix.presence, 0u);
+    EXPECT_EQ(globals.gpsUpdates, updates);
+  }
   // Else a next run without a receiver would record the old position as a valid one.
   void ExpectNoQuality() const {
     EXPECT_EQ(state_->gpsPort, Handle::invalid);
-    EXPECT_EQ(globals.gpsQuality, 0);
-    EXPECT_EQ(globals.fix.quality, 0);
+    ExpectQuality(0);
   }
 
   std::unique_ptr<AppState> state_ = std::make_unique<AppState>();
@@ -158,9 +180,8 @@ TEST_F(GpsWorkerTest, InputThatTheLineLostIsCounted) {
 TEST_F(GpsWorkerTest, BeforeTheFirstSentenceTheTimeIsTheSystems) {
   Start({.faults = {.instrument = {.dead = true}}});
   SleepMilliseconds(500);
-  EXPECT_EQ(globals.fix.utc.year, 123);
-  EXPECT_EQ(globals.fix.utc.month, 10);
-  EXPECT_EQ(globals.fix.utc.day, 14);
+  const auto& utc = globals.fix.utc;
+  EXPECT_TRUE(utc.year == 123 && utc.month == 10 && utc.day == 14);
   EXPECT_EQ(globals.fix.quality, 1);
   EXPECT_EQ(globals.gpsQuality, 0);
   EXPECT_EQ(globals.gpsUpdates, 0u);
@@ -177,13 +198,12 @@ TEST_F(GpsWorkerTest, ASilentReceiverLeavesNoPositionIfThatIsWanted) {
     SleepMilliseconds(2'000);
     EXPECT_EQ(globals.gpsQuality, 2);
     SleepMilliseconds(5'000);
-    EXPECT_EQ(globals.gpsQuality, wanted ? 0 : 2);
-    EXPECT_EQ(globals.fix.quality, wanted ? 0 : 2);
-    EXPECT_EQ(JudgeReceiver(TimesOfReceiver(*state_), 3'000, MillisecondClock()), ReceiverState::silent);
+    ExpectQuality(wanted ? 0 : 2);
+    EXPECT_EQ(Judged(), ReceiverState::silent);
     RestoreLine(kLine);
     SleepMilliseconds(5'000);
     EXPECT_EQ(globals.gpsQuality, 2);
-    EXPECT_EQ(JudgeReceiver(TimesOfReceiver(*state_), 3'000, MillisecondClock()), ReceiverState::tells);
+    EXPECT_EQ(Judged(), ReceiverState::tells);
     Stop();
   }
 }
@@ -192,7 +212,7 @@ TEST_F(GpsWorkerTest, BytesThatAreNoSentencesAreToldApartFromSilence) {
   state_->dropPositionAfter_ms = 3'000;
   Start({.faults = {.badChecksumEvery = 1}});
   SleepMilliseconds(8'000);
-  EXPECT_EQ(JudgeReceiver(TimesOfReceiver(*state_), 3'000, MillisecondClock()), ReceiverState::noSentences);
+  EXPECT_EQ(Judged(), ReceiverState::noSentences);
   EXPECT_EQ(globals.fix.quality, 0) << "1 until a sentence tells";
   Stop();
 }
@@ -216,10 +236,7 @@ TEST_F(GpsWorkerTest, APulledPlugComesBackWhereThatIsWanted) {
     bool fails;
   } kRows[] = {{5'300, true}, {8'000, true}, {30'000, true}, {8'000, false}, {30'000, false}};
   for (const auto& [stopAt_ms, fails] : kRows) {
-    state_->openReceiver = [](const wchar_t* name, int32_t speed_bps) {
-      return speed_bps == 4'800 ? OpenSerialLine(name, "baud=4800 parity=N data=8 stop=1", 100)
-                                : Handle::invalid;
-    };
+    state_->openReceiver = OpenReceiver;
     CopyWide(state_->gpsPortName, kLine);
     globals.gpsBaud = 4'800;
     Start({.faults = {.instrument = {.hangUpAt_us = fails ? VirtualNow_us() + 5'000'000 : sim::kNever}}});
@@ -239,19 +256,12 @@ TEST_F(GpsWorkerTest, APulledPlugComesBackWhereThatIsWanted) {
     EXPECT_EQ(globals.gpsQuality, 0);
     EXPECT_EQ(peer_->Closed(), 1) << "the dead handle";
     if (stopAt_ms > 20'000) {
-      sim::VirtualGps again{sim::GpsOptions{}};
-      ReceiverPeer peer(again);
-      AttachPeer(kLine, &peer);
+      Connect();
       SleepMilliseconds(8'000);
       EXPECT_EQ(globals.gpsQuality, 2);
-      StoreShared(state_->runNumber, state_->runNumber + 1);
-      CloseSerialLine(ExchangeShared(state_->gpsPort, Handle::invalid));
-      WaitForEnd();
-      EXPECT_EQ(peer.Closed(), 1);
-      DetachSerialLines();
-    } else {
-      Stop();
     }
+    Stop();
+    DetachSerialLines();
     EXPECT_EQ(state_->gpsPort, Handle::invalid);
   }
 }
@@ -262,7 +272,7 @@ TEST_F(GpsWorkerTest, AReceiverThatComesBackAfterStopTouchesNothing) {
   state = state_.get();
   state_->openReceiver = [](const wchar_t* name, int32_t) {
     StoreShared(state->runNumber, state->runNumber + 2);
-    return OpenSerialLine(name, "baud=4800 parity=N data=8 stop=1", 100);
+    return OpenReceiver(name, 4'800);
   };
   CopyWide(state_->gpsPortName, kLine);
   Start();
@@ -303,7 +313,7 @@ TEST_F(GpsWorkerTest, OfNoRunOrOfAnEarlierOneItTouchesNothing) {
   for (const bool early : {true, false}) {
     Start();
     const Handle port = state_->gpsPort;
-    globals.fix.quality = 5;
+    globals.fix.quality = globals.gpsQuality = 5;
     if (early) {  // before its first step
       state_->runNumber += 2;
     } else {
@@ -311,11 +321,7 @@ TEST_F(GpsWorkerTest, OfNoRunOrOfAnEarlierOneItTouchesNothing) {
       state_->gpsPort = Handle::invalid;
     }
     SleepMilliseconds(3'000);
-    WaitForEnd();
-    EXPECT_EQ(state_->gpsPort, early ? port : Handle::invalid);
-    EXPECT_EQ(peer_->Closed(), 0) << early;
-    EXPECT_EQ(globals.fix.quality, 5) << early;
-    EXPECT_EQ(globals.gpsUpdates, 0u) << early;
+    ExpectUntouched(early ? port : Handle::invalid, 0);
     CloseSerialLine(port);
   }
 }
@@ -340,30 +346,20 @@ TEST_F(GpsWorkerTest, OvertakenByAnotherStartItTouchesNothing) {
     StoreShared(state_->gpsPort, other);
     StoreShared(state_->runNumber, state_->runNumber + 2);
     globals.fix = {};
-    globals.fix.quality = 5;
-    globals.gpsQuality = 5;
-    const uint32_t updates = globals.gpsUpdates;
-    WaitForEnd();
-    EXPECT_EQ(state_->gpsPort, other);
-    EXPECT_EQ(peer_->Closed(), 0);
-    EXPECT_EQ(globals.fix.quality, 5);
-    EXPECT_EQ(globals.fix.presence, 0u);
-    EXPECT_EQ(globals.gpsQuality, 5);
-    EXPECT_EQ(globals.gpsUpdates, updates);
+    globals.fix.quality = globals.gpsQuality = 5;
+    ExpectUntouched(other, globals.gpsUpdates);
   }
   CloseSerialLine(first);
 }
 
 TEST_F(GpsWorkerTest, TheTalkerFlagChangesOnlyWithASentenceThatIsApplied) {
   globals.gpsTalkerGn = 1;  // of the last run
-  Start({.faults = {.instrument = {}, .badChecksumEvery = 1}});
-  SleepMilliseconds(3'000);
-  Stop();
-  EXPECT_EQ(globals.gpsTalkerGn, 1);
-  Start();
-  SleepMilliseconds(3'000);
-  Stop();
-  EXPECT_EQ(globals.gpsTalkerGn, 0);
+  for (const int32_t badEvery : {1, 0}) {
+    Start({.faults = {.instrument = {}, .badChecksumEvery = badEvery}});
+    SleepMilliseconds(3'000);
+    Stop();
+    EXPECT_EQ(globals.gpsTalkerGn, badEvery == 1 ? 1 : 0);
+  }
 }
 
 TEST_F(GpsWorkerTest, PositionStatusTextsStayWholeForAWhile) {

@@ -18,13 +18,13 @@ std::string Build(Builder builder, const GpsFix& fix, bool gn, size_t size = 256
   return text.substr(0, length);
 }
 
-GpsFix Munich() {
+GpsFix NorthWest() {
   GpsFix fix{};
   fix.utc = {.year = 94, .month = 2, .day = 23, .hour = 12, .minute = 35, .second = 19, .hundredth = 7};
   fix.quality = 1;
   fix.hdop = 0.9;
   fix.latitude = 4807.038;
-  fix.longitude = 1131.0;
+  fix.longitude = -1131.0;
   fix.elevation_m = 545.4;
   fix.geoidHeight_m = 46.9;
   fix.speed_kmh = 41.4848;  // 22.4 kn
@@ -34,7 +34,7 @@ GpsFix Munich() {
   return fix;
 }
 
-GpsFix BuenosAires() {
+GpsFix SouthWest() {
   GpsFix fix{};
   fix.utc = {.year = 99, .month = 0, .day = 1, .hour = 23, .minute = 59, .second = 59, .hundredth = 99};
   fix.quality = 4;
@@ -55,8 +55,9 @@ GpsFix BuenosAires() {
 
 // Put together, and their checksums counted, by hand (a shell and another language).
 TEST(NmeaBuild, WholeSentences) {
-  GpsFix lost = BuenosAires();
+  GpsFix lost = SouthWest();
   lost.quality = 0;
+  lost.longitude = 5812.4321;
   const struct {
     const char* what;
     Builder builder;
@@ -64,14 +65,14 @@ TEST(NmeaBuild, WholeSentences) {
     bool gn;
     const char* text;
   } rows[] = {
-      {"GPGGA", BuildGga, Munich(), false,
-       "$GPGGA,123519.07,4807.0380,N,1131.0000,E,1,08,0.9,545.400,M,46.900,M,0.0,0000*70\r\n"},
-      {"GPRMC", BuildRmc, Munich(), false,
-       "$GPRMC,123519.07,A,4807.0380,N,1131.0000,E,22.4,84.4,230394,3.1,W,A*1e\r\n"},
-      {"GNGGA", BuildGga, BuenosAires(), true,
+      {"GPGGA", BuildGga, NorthWest(), false,
+       "$GPGGA,123519.07,4807.0380,N,1131.0000,W,1,08,0.9,545.400,M,46.900,M,0.0,0000*62\r\n"},
+      {"GPRMC", BuildRmc, NorthWest(), false,
+       "$GPRMC,123519.07,A,4807.0380,N,1131.0000,W,22.4,84.4,230394,3.1,W,A*0c\r\n"},
+      {"GNGGA", BuildGga, SouthWest(), true,
        "$GNGGA,235959.99,3351.123456,S,5812.432100,W,4,17,12.3,-3.250,M,-10.125,M,1.5,0042*59\r\n"},
       {"GNRMC without quality", BuildRmc, lost, true,
-       "$GNRMC,235959.99,V,3351.123456,S,5812.432100,W,10.0,359.9,010199,20.3,E,N*02\r\n"},
+       "$GNRMC,235959.99,V,3351.123456,S,5812.432100,E,10.0,359.9,010199,20.3,E,N*10\r\n"},
       {"an empty fix is south and west", BuildGga, GpsFix{}, false,
        "$GPGGA,000000.00,00.0000,S,00.0000,W,0,00,0.0,0.000,M,0.000,M,0.0,0000*4c\r\n"},
   };
@@ -79,7 +80,7 @@ TEST(NmeaBuild, WholeSentences) {
 }
 
 TEST(NmeaBuild, YearsOfBothCenturiesAndModeLetters) {
-  GpsFix fix = Munich();
+  GpsFix fix = NorthWest();
   for (const auto& [year, end] :
        {std::pair{99, "230399,3.1,W,A"}, {100, "230300,3.1,W,A"}, {125, "230325,3.1,W,A"}}) {
     fix.utc.year = year;
@@ -94,12 +95,12 @@ TEST(NmeaBuild, YearsOfBothCenturiesAndModeLetters) {
 }
 
 TEST(NmeaBuild, WhatDoesNotFitIsNoSentence) {
-  const std::string whole = Build(BuildGga, Munich(), false);
-  EXPECT_EQ(Build(BuildGga, Munich(), false, whole.size() + 1), whole);
+  const std::string whole = Build(BuildGga, NorthWest(), false);
+  EXPECT_EQ(Build(BuildGga, NorthWest(), false, whole.size() + 1), whole);
   for (size_t size = 0; size <= whole.size(); ++size) {
-    EXPECT_EQ(Build(BuildGga, Munich(), false, size), "") << size;
+    EXPECT_EQ(Build(BuildGga, NorthWest(), false, size), "") << size;
   }
-  GpsFix huge = Munich();
+  GpsFix huge = NorthWest();
   huge.latitude = huge.longitude = huge.hdop = huge.elevation_m = huge.speed_kmh = huge.direction_deg = 1e300;
   for (const Builder builder : {BuildGga, BuildRmc}) EXPECT_EQ(Build(builder, huge, true), "");
 }

@@ -9,6 +9,12 @@ constexpr char kGga[] = "GPGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46
 
 class NmeaSentences : public ParserTest {
  protected:
+  void ExpectGga(std::array<double, 9> expected) const {
+    EXPECT_EQ((std::array{fix_.latitude, fix_.longitude, double(fix_.quality), double(fix_.satellitesInUse),
+                          fix_.hdop, fix_.elevation_m, fix_.geoidHeight_m, fix_.differentialAge_s,
+                          double(fix_.differentialStation)}),
+              expected);
+  }
   // Years since 1900, months from 0, and the digits behind the seconds as they stand.
   void ExpectTime(std::array<int32_t, 7> expected) const {
     const auto& [year, month, day, hour, minute, second, hundredth] = fix_.utc;
@@ -19,23 +25,10 @@ class NmeaSentences : public ParserTest {
 TEST_F(NmeaSentences, GgaFillsPositionAndQuality) {
   EXPECT_EQ(Take("$GPGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,*47\r\n"), 1);
   ExpectTime({0, 0, 0, 12, 35, 19, 0});
-  EXPECT_EQ(fix_.latitude, 4807.038);
-  EXPECT_EQ(fix_.longitude, 1131.0);
-  EXPECT_EQ(fix_.quality, 1);
-  EXPECT_EQ(fix_.satellitesInUse, 8);
-  EXPECT_EQ(fix_.hdop, 0.9);
-  EXPECT_EQ(fix_.elevation_m, 545.4);
-  EXPECT_EQ(fix_.geoidHeight_m, 46.9);
-  EXPECT_EQ(fix_.differentialAge_s, 0);
-  EXPECT_EQ(fix_.differentialStation, 0);
+  ExpectGga({4807.038, 1131.0, 1, 8, 0.9, 545.4, 46.9, 0, 0});
   EXPECT_EQ(fix_.presence, kHasGga);
   EXPECT_EQ(Take(Sentence("GPGGA,123520,3351.1234,S,05812.4321,W,2,08,0.9,-5.4,M,-46.9,M,3.5,0120")), 1);
-  EXPECT_EQ(fix_.latitude, -3351.1234);
-  EXPECT_EQ(fix_.longitude, -5812.4321);
-  EXPECT_EQ(fix_.elevation_m, -5.4);
-  EXPECT_EQ(fix_.geoidHeight_m, -46.9);
-  EXPECT_EQ(fix_.differentialAge_s, 3.5);
-  EXPECT_EQ(fix_.differentialStation, 120);
+  ExpectGga({-3351.1234, -5812.4321, 2, 8, 0.9, -5.4, -46.9, 3.5, 120});
 }
 
 TEST_F(NmeaSentences, RmcFillsSpeedAndDate) {
@@ -116,11 +109,10 @@ TEST_F(NmeaSentences, DatesOfBothCenturiesAndNone) {
   const struct {
     const char* date;
     int32_t year, month, day;
-  } rows[] = {{"010190", 90, 0, 1},
-              {"311299", 99, 11, 31},
-              {"010189", 189, 0, 1},
-              {"010100", 100, 0, 1},
-              {"", 125, 6, 4}};  // what it was
+  } rows[] = {
+      {"010190", 90, 0, 1},  {"311299", 99, 11, 31}, {"010189", 189, 0, 1},
+      {"010100", 100, 0, 1}, {"", 125, 6, 4},  // what it was
+  };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.date);
     fix_.utc = {.year = 125, .month = 6, .day = 4, .hour = 0, .minute = 0, .second = 0, .hundredth = 0};
