@@ -26,9 +26,10 @@ constexpr int64_t kBegin_ms = 1'741'944'605'000;  // 2025-03-14 09:30:05
 
 }  // namespace
 
-sim::SounderOptions QuickSounder(int32_t outputMode) {
+sim::SounderOptions QuickSounder(int32_t outputMode, bool dual) {
   sim::SounderOptions options;
   options.outputMode = outputMode;
+  options.dual = dual;
   options.baud = 921'600;
   options.sampleCount = 200;
   options.depth_m = 4.0;  // within these samples
@@ -89,13 +90,28 @@ void RunControlTest::ConnectGps(const sim::GpsOptions& options) {
   gps_ = std::make_unique<sim::VirtualGps>(options);
   gpsPeer_ = std::make_unique<SimulatorPeer>(*gps_);
   AttachPeer(kGpsLine, gpsPeer_.get());
+  ChooseGps();
 }
 
-void RunControlTest::StartQuickRun(int seconds) {
-  ConnectSounder(QuickSounder());
+void RunControlTest::StartQuickRun(int seconds, const sim::SounderOptions& options) {
+  ConnectSounder(options);
   StartRun(*state_);
   ASSERT_NE(state_->acquisitionThread, Handle::null);
   Run(seconds);
+}
+
+void RunControlTest::SetRecording(bool on) {
+  Ui().controls[ID_RECORD].checked = on;
+  ToggleRecording(*state_);
+}
+
+int32_t RunControlTest::NewestSlot(bool second) const {
+  const Locked held(second ? state_->ringLockB : state_->ringLockA);
+  return second ? state_->ringIndexB : state_->ringIndexA;
+}
+
+PingHeader RunControlTest::NewestPing(bool second) const {
+  return LoadPingHeader((second ? state_->ringB : state_->ringA)->slots[NewestSlot(second)]);
 }
 
 void RunControlTest::Run(int seconds) {

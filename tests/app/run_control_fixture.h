@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "acquisition/ping_record.h"
 #include "app/state/app_state.h"
 #include "app/window/control_ids.h"
 #include "simulator/virtual_echosounder.h"
@@ -24,20 +25,25 @@ inline constexpr wchar_t kDeviceLine[] = L"\\\\.\\COM5";
 inline constexpr wchar_t kGpsLine[] = L"\\\\.\\COM6";
 
 // A device that is asked little and pings ten times a second.
-[[nodiscard]] sim::SounderOptions QuickSounder(int32_t outputMode = 2);
+[[nodiscard]] sim::SounderOptions QuickSounder(int32_t outputMode = 2, bool dual = false);
 
 class RunControlTest : public testing::Test {
  protected:
   RunControlTest();
   ~RunControlTest() override;
 
-  // Puts an instrument behind its line. Not more than once a test.
+  // Puts an instrument behind its line; the receiver is chosen, too. Not more than once a test.
   void ConnectSounder(const sim::SounderOptions& options, sim::PingObserver* observer = nullptr);
-  void ConnectGps(const sim::GpsOptions& options);
+  void ConnectGps(const sim::GpsOptions& options = {});
   void ChooseGps() { Ui().Choose(ID_GPS_PORT, L"COM6"); }
 
-  // Connects a quick device, starts a run that must succeed, and lets it go on.
-  void StartQuickRun(int seconds = 0);
+  // Connects a device, starts a run that must succeed, and lets it go on.
+  void StartQuickRun(int seconds = 0, const sim::SounderOptions& options = QuickSounder());
+  // "Record Data", as a click does it.
+  void SetRecording(bool on);
+  // Of the first ring, or of the second one.
+  [[nodiscard]] int32_t NewestSlot(bool second = false) const;
+  [[nodiscard]] PingHeader NewestPing(bool second = false) const;
 
   // Lets the program run, its one-second timer included.
   void Run(int seconds);
@@ -51,6 +57,7 @@ class RunControlTest : public testing::Test {
   // The one message box since the last call.
   static void ExpectBox(const wchar_t* text, const wchar_t* caption, BoxIcon icon,
                         BoxButtons buttons = BoxButtons::ok);
+  static void ExpectErrorBox(const wchar_t* text) { ExpectBox(text, L"Error", BoxIcon::error); }
 
   const TestFolder testFolder_;
   const std::filesystem::path& folder_ = testFolder_.Path();

@@ -14,12 +14,11 @@ namespace {
 class Apply : public RunControlTest {};
 
 TEST_F(Apply, WithoutADeviceItOnlySaysSo) {
-  ApplySettings(*state_);
-  ExpectBox(L"Echosounder is not connected", L"Error", BoxIcon::error);
-  RestoreDefaults(*state_);
-  ExpectBox(L"Echosounder is not connected", L"Error", BoxIcon::error);
-  ChangeSpeed(*state_, 9600);
-  ExpectBox(L"Echosounder is not connected", L"Error", BoxIcon::error);
+  const auto faster = [](AppState& state) { ChangeSpeed(state, 9'600); };
+  for (void (*command)(AppState&) : {+ApplySettings, +RestoreDefaults, +faster}) {
+    command(*state_);
+    ExpectErrorBox(L"Echosounder is not connected");
+  }
   ExpectIdle();
 }
 
@@ -49,8 +48,7 @@ TEST_F(Apply, AChangedOutputIsSentASecondLater) {
 }
 
 TEST_F(Apply, WithoutRecordDataNoFileIsOpened) {
-  Ui().controls[ID_RECORD].checked = false;
-  ToggleRecording(*state_);
+  SetRecording(false);
   StartQuickRun(1);
   ApplySettings(*state_);
   ChangeSpeed(*state_, 460'800);
@@ -62,8 +60,7 @@ TEST_F(Apply, WithoutRecordDataNoFileIsOpened) {
 TEST_F(Apply, SonarmiteOldForBothFrequenciesMayBeRefused) {
   sim::SounderOptions options = QuickSounder();
   options.refusesDualOld = true;
-  ConnectSounder(options);
-  StartRun(*state_);
+  StartQuickRun(0, options);
   const struct {
     bool dual;
     int32_t mode;
@@ -95,8 +92,7 @@ TEST_F(Apply, DefaultsAreNotSentWithoutConsent) {
 TEST_F(Apply, DefaultsAreNoOccasionForWhatWasOnlyChosen) {
   sim::SounderOptions options = QuickSounder();
   options.faults.lacksFrom = "#sound";
-  ConnectSounder(options);
-  StartRun(*state_);
+  StartQuickRun(0, options);
   state_->settings.soundSpeed_mps = 1'480.0f;
   RestoreDefaults(*state_);
   EXPECT_EQ(state_->settings.soundSpeed_mps, 1'500.0f);
@@ -107,8 +103,7 @@ TEST_F(Apply, ACommandThatIsCarriedOutSlowlyEndsNoRun) {
   for (const char* slow : {"#default", "#setfreqlow"}) {
     sim::SounderOptions options = QuickSounder();
     options.faults.late = slow;
-    ConnectSounder(options);
-    StartRun(*state_);
+    StartQuickRun(0, options);
     state_->settings.frequencyInUse_hz = 200'000;
     ApplySettings(*state_);
     EXPECT_EQ(state_->appliedSettings.frequencyInUse_hz, 200'000) << slow;
@@ -138,31 +133,35 @@ TEST_F(Apply, InputThatQueuesUpMeanwhileIsThrownAwayButStopAndExit) {
   EXPECT_EQ(Ui().carriedOut, 5);
 }
 
-TEST_F(Apply, ScreenshotsAreTakenWhileTickedAndRunning) {
+class AutoCapture : public Apply {
+ protected:
+  void Tick(bool on) {
+    Ui().controls[ID_AUTO_CAPTURE].checked = on;
+    ToggleAutoCapture(*state_);
+  }
+};
+
+TEST_F(AutoCapture, ScreenshotsAreTakenWhileTickedAndRunning) {
   constexpr uint32_t kPeriod_ms = 135'000;
-  Ui().controls[ID_AUTO_CAPTURE].checked = true;
   state_->timeScaleUpper = 60;
-  ToggleAutoCapture(*state_);
+  Tick(true);
   EXPECT_EQ(state_->timeScaleUpper, 150);
   EXPECT_FALSE(Ui().timers.contains(ID_TIMER_CAPTURE)) << "nothing runs yet";
   StartQuickRun(2);
   EXPECT_EQ(Ui().timers[ID_TIMER_CAPTURE], kPeriod_ms);
   Run(static_cast<int>(kPeriod_ms / 1000));
   EXPECT_EQ(ExchangeShared(globals.screenshotRequested, 0), 1);
-  Ui().controls[ID_AUTO_CAPTURE].checked = false;
-  ToggleAutoCapture(*state_);
+  Tick(false);
   EXPECT_FALSE(Ui().timers.contains(ID_TIMER_CAPTURE));
   EXPECT_EQ(ExchangeShared(globals.screenshotRequested, 0), 1) << "a last one";
-  Ui().controls[ID_AUTO_CAPTURE].checked = true;
-  ToggleAutoCapture(*state_);
+  Tick(true);
   EXPECT_TRUE(Ui().timers.contains(ID_TIMER_CAPTURE));
   StopRun(*state_);
   EXPECT_FALSE(Ui().timers.contains(ID_TIMER_CAPTURE));
 }
 
-TEST_F(Apply, WhatInterruptsARunLeavesTheScreenshotTimerAlone) {
-  Ui().controls[ID_AUTO_CAPTURE].checked = true;
-  ToggleAutoCapture(*state_);
+TEST_F(AutoCapture, WhatInterruptsARunLeavesItsTimerAlone) {
+  Tick(true);
   StartQuickRun(2);
   Ui().log.clear();
   ApplySettings(*state_);
@@ -177,8 +176,7 @@ TEST_F(Apply, WhatInterruptsARunLeavesTheScreenshotTimerAlone) {
 
 // The unplug itself is not told; what is written anew is true.
 TEST_F(Apply, AGpsReceiverThatIsGoneIsNotShownAsConnected) {
-  ConnectGps({});
-  ChooseGps();
+  ConnectGps();
   StartQuickRun(2);
   ChangeSpeed(*state_, 460'800);
   EXPECT_EQ(Ui().status[1], L"GPS: COM6,4800bps");

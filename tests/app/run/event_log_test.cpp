@@ -38,11 +38,8 @@ class Events : public RunControlTest {
 };
 
 TEST_F(Events, OfARunStandInTheirOrder) {
-  ConnectSounder(QuickSounder());
-  ConnectGps({});
-  ChooseGps();
-  StartRun(*state_);
-  Run(3);
+  ConnectGps();
+  StartQuickRun(3);
   ApplySettings(*state_);
   static_cast<void>(TickSecond(*state_, MillisecondClock()));
   static_cast<void>(TickSecond(*state_, MillisecondClock() - 3'000));
@@ -58,36 +55,26 @@ TEST_F(Events, OfARunStandInTheirOrder) {
   const std::vector<std::string> files = RecordFiles();
   ASSERT_EQ(files.size(), 3u);
   EXPECT_EQ(files[2], "events.csv");
-  EXPECT_EQ(Told(),
-            "UTC,event,detail\r\n"
-            "T,start,\"COM5 921600 bit/s, ID VIRTUAL-0001, receiver COM6 4800 bit/s\"\r\n"
-            "T,file opened,\"" +
-                files[0] +
-                "\"\r\n"
-                "T,file closed,\"" +
-                files[0] +
-                ", N pings, N bytes\"\r\n"
-                "T,settings changed,\"Apply: output 2, range 30000 mm, interval 0 ms, 921600 bit/s\"\r\n"
-                "T,file opened,\"" +
-                files[1] +
-                "\"\r\n"
-                "T,clock,\"+3.0 s\"\r\n"
-                "T,lost,\"no data\"\r\n"
-                "T,back,\"\"\r\n"
-                "T,receiver lost,\"its port has failed\"\r\n"
-                "T,file closed,\"" +
-                files[1] +
-                ", N pings, N bytes\"\r\n"
-                "T,lost,\"the run ends\"\r\n"
-                "T,stop,\"\"\r\n");
+  const std::pair<const char*, std::string> events[] = {
+      {"start", "COM5 921600 bit/s, ID VIRTUAL-0001, receiver COM6 4800 bit/s"},
+      {"file opened", files[0]},
+      {"file closed", files[0] + ", N pings, N bytes"},
+      {"settings changed", "Apply: output 2, range 30000 mm, interval 0 ms, 921600 bit/s"},
+      {"file opened", files[1]},
+      {"clock", "+3.0 s"},
+      {"lost", "no data"},
+      {"back", ""},
+      {"receiver lost", "its port has failed"},
+      {"file closed", files[1] + ", N pings, N bytes"},
+      {"lost", "the run ends"},
+      {"stop", ""}};
+  std::string lines = "UTC,event,detail\r\n";
+  for (const auto& [event, detail] : events) lines += "T," + (event + (",\"" + detail)) + "\"\r\n";
+  EXPECT_EQ(Told(), lines);
 }
 
 TEST_F(Events, EndWithTheProgram) {
-  sim::SounderOptions options = QuickSounder();
-  options.dual = true;
-  ConnectSounder(options);
-  StartRun(*state_);
-  Run(2);
+  StartQuickRun(2, QuickSounder(2, true));
   BeginShutDown(*state_);
   std::string closed;
   for (const size_t i : {1u, 0u}) {  // the first channel's, then the second's
@@ -107,12 +94,8 @@ TEST_F(Events, MarksComeBackInAPlayback) {
   options.eventLog = 0;
   TakeOptions(*state_, options);
   EXPECT_FALSE(TakeMoment(*state_).has_value()) << "nothing runs";
-  ConnectSounder(QuickSounder());
-  ConnectGps({});
-  ChooseGps();
-  Ui().controls[ID_RECORD].checked = true;
-  StartRun(*state_);
-  Run(4);
+  ConnectGps();
+  StartQuickRun(4);
   auto moment = TakeMoment(*state_);
   ASSERT_TRUE(moment.has_value());
   EXPECT_TRUE(moment->mark.hasDepth && moment->mark.hasPosition);

@@ -21,6 +21,13 @@ class IdentificationTest : public RunControlTest {
     std::string infoLine;
   };
 
+  static sim::SounderOptions OfFamily(int32_t family) {
+    sim::SounderOptions options = QuickSounder();
+    options.family = static_cast<sim::DeviceFamily>(family);
+    options.identity = "1042";
+    return options;
+  }
+
   // Leaves the device's commands in sounder_.
   Known Identify(const sim::SounderOptions& options) {
     ConnectSounder(options);
@@ -46,6 +53,13 @@ class IdentificationTest : public RunControlTest {
     return known;
   }
 
+  static void ExpectSame(const Known& known, const Known& expected) {
+    EXPECT_TRUE(known.settings == expected.settings);
+    EXPECT_EQ(known.beside, expected.beside);
+    EXPECT_EQ(known.file, expected.file);
+    EXPECT_EQ(known.infoLine, expected.infoLine);
+  }
+
   // The commands that the device has received, "#time" with any value.
   [[nodiscard]] std::string Commands() const {
     std::string all;
@@ -61,10 +75,9 @@ TEST_F(IdentificationTest, ADeviceOfNoFamilyIsAskedInThreeFormsAndNotForLong) {
     sim::SounderOptions options = QuickSounder();
     (answers ? options.faults.refused : options.faults.mute) = {"##maxrangel", "#iden", "#info"};
     ConnectSounder(options);
-    ConnectGps({});
-    ChooseGps();
+    ConnectGps();
     StartRun(*state_);
-    ExpectBox(L"Unable to read settings form the Echosounder", L"Error", BoxIcon::error);
+    ExpectErrorBox(L"Unable to read settings form the Echosounder");
     ExpectIdle();
     EXPECT_EQ(Commands(),
               answers ? "##maxrangel|#iden|#info|" : "##maxrangel|##maxrangel|#iden|#iden|#info|");
@@ -79,9 +92,8 @@ TEST_F(IdentificationTest, ADeviceOfNoFamilyIsAskedInThreeFormsAndNotForLong) {
 // Old firmware, in the state in which a program finds it that has just begun, and behind another device and a
 // played file.
 TEST_F(IdentificationTest, NothingOfADeviceOrFileBeforeIsTakenForThisOnes) {
-  sim::SounderOptions other = QuickSounder(4);
+  sim::SounderOptions other = QuickSounder(4, true);
   other.identity = "OTHER";
-  other.dual = true;
   other.preset = 7;
   other.firmware_hundredths = 395;
   other.interfaceWord = sim::InterfaceWord::usb;
@@ -96,9 +108,7 @@ TEST_F(IdentificationTest, NothingOfADeviceOrFileBeforeIsTakenForThisOnes) {
               {2, "#auto", 38},       {2, "#sound", 38},    {0, "", 13}};
   for (const auto& row : rows) {
     SCOPED_TRACE(std::to_string(row.family) + " " + row.lacksFrom);
-    sim::SounderOptions old = QuickSounder();
-    old.family = static_cast<sim::DeviceFamily>(row.family);
-    old.identity = "1042";
+    sim::SounderOptions old = OfFamily(row.family);
     old.faults.lacksFrom = row.lacksFrom;
     old.faults.informationBytes = row.informationBytes;
 
@@ -109,11 +119,7 @@ TEST_F(IdentificationTest, NothingOfADeviceOrFileBeforeIsTakenForThisOnes) {
     EXPECT_NE(Identify(other), fresh);
     ApplyInfoLine({1, 123'000, 7'000, 0.5f, 77, 3, 4, 5, 6, 7, 8, 9, 10, 1'400, 4}, FieldChannel::high,
                   state_->settings);
-    const Known after = Identify(old);
-    EXPECT_TRUE(after.settings == fresh.settings);
-    EXPECT_EQ(after.beside, fresh.beside);
-    EXPECT_EQ(after.file, fresh.file);
-    EXPECT_EQ(after.infoLine, fresh.infoLine);
+    ExpectSame(Identify(old), fresh);
     EXPECT_EQ(Commands(), commands) << "of the start of the run, too";
   }
 }
@@ -127,18 +133,12 @@ TEST_F(IdentificationTest, AReplyThatComesLateIsNotTakenForThatOfTheNextQuery) {
               {0, "##maxrangel"}, {0, "#iden"}, {0, "#info"}};
   for (const auto& row : rows) {
     SCOPED_TRACE(std::to_string(row.family) + " " + row.keyword);
-    sim::SounderOptions options = QuickSounder();
-    options.family = static_cast<sim::DeviceFamily>(row.family);
-    options.identity = "1042";
+    sim::SounderOptions options = OfFamily(row.family);
     options.smoothing = sim::Smoothing::on;
     options.preset = 3;
     const Known inTime = Identify(options);
     options.faults.late = row.keyword;
-    const Known late = Identify(options);
-    EXPECT_TRUE(late.settings == inTime.settings);
-    EXPECT_EQ(late.beside, inTime.beside);
-    EXPECT_EQ(late.file, inTime.file);
-    EXPECT_EQ(late.infoLine, inTime.infoLine);
+    ExpectSame(Identify(options), inTime);
   }
 }
 
@@ -150,13 +150,9 @@ TEST_F(IdentificationTest, EachFamilyHasItsControls) {
   } rows[] = {{1, true, true}, {0, false, false}, {2, false, true}};
   for (const auto& row : rows) {
     SCOPED_TRACE(row.family);
-    sim::SounderOptions options = QuickSounder();
-    options.family = static_cast<sim::DeviceFamily>(row.family);
-    options.identity = "42";
-    ConnectSounder(options);
     state_->settings.simultaneous = 1;
     state_->link->facts.smoothingSupported = true;
-    StartRun(*state_);
+    StartQuickRun(0, OfFamily(row.family));
     EXPECT_EQ(globals.deviceFamily, row.family);
     EXPECT_EQ(state_->settings.simultaneous, 0);
     EXPECT_EQ(state_->link->facts.smoothingSupported, row.family == 1);
@@ -176,9 +172,7 @@ TEST_F(IdentificationTest, ChannelsThatOlderFirmwareDoesNotTellGoByTheFrequencyI
       sim::SounderOptions options = QuickSounder();
       options.lowFrequency = low;
       options.faults.lacksFrom = lacksFrom;
-      ConnectSounder(options);
-      StartRun(*state_);
-      Run(2);
+      StartQuickRun(2, options);
       EXPECT_EQ(low ? globals.measuredLowFrequency_hz : globals.measuredHighFrequency_hz,
                 low ? 200'000 : 450'000);
       OpenRecordFiles(*state_, NamingMoment::recordSwitchedOn);

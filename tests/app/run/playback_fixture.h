@@ -28,12 +28,8 @@ class Playback : public RunControlTest {
  protected:
   // A run of some seconds that records.
   void Record(const sim::SounderOptions& options, int seconds = 20, const sim::GpsOptions& gps = {}) {
-    ConnectSounder(options);
     ConnectGps(gps);
-    ChooseGps();
-    StartRun(*state_);
-    ASSERT_NE(state_->acquisitionThread, Handle::null);
-    Run(seconds);
+    StartQuickRun(seconds, options);
     StopRun(*state_);
     ExpectIdle();
     for (const std::string& name : RecordFiles()) files_.push_back((records_ / name).wstring());
@@ -85,12 +81,6 @@ class Playback : public RunControlTest {
     EXPECT_EQ(recording == nullptr ? 1 : recording->Skipped(), 0u) << "nothing damaged";
     return pings;
   }
-
-  int32_t IndexA() {
-    Locked held(state_->ringLockA);
-    return state_->ringIndexA;
-  }
-  PingHeader HeaderAt(int32_t index) const { return LoadPingHeader(state_->ringA->slots[index]); }
 
   std::vector<std::wstring> files_;
 };

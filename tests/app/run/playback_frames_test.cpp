@@ -75,8 +75,8 @@ TEST_F(PlaybackFrames, SlotsGoByRecordedTime) {
   for (const auto& row : rows) {
     PlayFrames(row.frames);
     PlayToTheEnd();
-    EXPECT_EQ(IndexA(), row.index) << row.what;
-    EXPECT_EQ(HeaderAt(IndexA()).ping, row.frames.size()) << row.what;
+    EXPECT_EQ(NewestSlot(), row.index) << row.what;
+    EXPECT_EQ(NewestPing().ping, row.frames.size()) << row.what;
     StopRun(*state_);
   }
 }
@@ -86,21 +86,21 @@ TEST_F(PlaybackFrames, AfterTheEndTheSliderGoesOnAndOneTickIsOneTick) {
   for (uint32_t i = 0; i < 100; ++i) frames.push_back({1'000'000 + i * kDay_s, 1'000});
   PlayFrames(frames);
   PlayToTheEnd();
-  const int32_t end = IndexA();
+  const int32_t end = NewestSlot();
   EXPECT_EQ(StateOfProgram(*state_), ProgramState::paused);
   PausePlayback(*state_);
   Ui().progress.clear();
   RequestSeek(state_->seekRequest, 50 * frameSize_ - 3);
   SleepMilliseconds(100);
-  EXPECT_EQ(IndexA(), (end + 1) % kRingSlots) << "years back";
-  EXPECT_EQ(HeaderAt(IndexA()).ping, 51u) << "shown although held";
+  EXPECT_EQ(NewestSlot(), (end + 1) % kRingSlots) << "years back";
+  EXPECT_EQ(NewestPing().ping, 51u) << "shown although held";
   ASSERT_FALSE(Ui().progress.empty());
   EXPECT_EQ(state_->playbackAtEnd, 1);
   NotePlaybackProgress(*state_, Ui().progress.back());
   EXPECT_EQ(state_->playbackAtEnd, 0);
   ResumePlayback(*state_);
   SleepMilliseconds(40);
-  EXPECT_GT(HeaderAt(IndexA()).ping, 51u) << "on from there, not from the beginning";
+  EXPECT_GT(NewestPing().ping, 51u) << "on from there, not from the beginning";
   PlayToTheEnd();
 }
 

@@ -14,16 +14,10 @@ constexpr int32_t kLow_hz = 200'000;
 
 class PlaybackPair : public Playback, public testing::WithParamInterface<int32_t> {
  protected:
-  PingHeader NewestOfA() { return HeaderAt(IndexA()); }
-  PingHeader NewestOfB() {
-    Locked held(state_->ringLockB);
-    return LoadPingHeader(state_->ringB->slots[state_->ringIndexB]);
-  }
-
   // The two channels ping in turn, so the second's first ping at or after the first's time is the next one.
   void ExpectTogether(const char* when) {
-    const PingHeader a = NewestOfA();
-    const PingHeader b = NewestOfB();
+    const PingHeader a = NewestPing();
+    const PingHeader b = NewestPing(true);
     EXPECT_EQ(a.txFrequency_hz, kHigh_hz) << when;
     EXPECT_EQ(b.txFrequency_hz, kLow_hz) << when;
     EXPECT_GE(b.ping + 1, a.ping) << when;
@@ -33,49 +27,46 @@ class PlaybackPair : public Playback, public testing::WithParamInterface<int32_t
 
 // However the two are chosen, the higher frequency is the first.
 TEST_P(PlaybackPair, TheSecondFollowsStepsAndSeeks) {
-  sim::SounderOptions options = QuickSounder(GetParam());
-  options.dual = true;
-  Record(options, 60);
+  Record(QuickSounder(GetParam(), true), 60);
   ASSERT_EQ(files_.size(), 2u);
   Play(GetParam() == 4 ? files_ : std::vector{files_[1], files_[0]});
   SleepMilliseconds(3'000);
   PausePlayback(*state_);
   SleepMilliseconds(100);
   ExpectTogether("played");
-  const uint32_t middle = NewestOfA().ping;
+  const uint32_t middle = NewestPing().ping;
 
   StepPlaybackBack(*state_, kBack20);
   SleepMilliseconds(100);
   ExpectTogether("back 20, held");
-  const uint32_t earlier = NewestOfA().ping;
+  const uint32_t earlier = NewestPing().ping;
   EXPECT_LT(earlier + 20, middle);
-  const int32_t indexA = IndexA();
-  EXPECT_NEAR(state_->ringIndexB, indexA, 4) << "both rings went back";
+  EXPECT_NEAR(NewestSlot(true), NewestSlot(), 4) << "both rings went back";
 
   for (const int part : {9, 1, 5, 3, 7}) {
     RequestSeek(state_->seekRequest, fs::file_size(fs::path(files_[1])) / 10 * static_cast<uint64_t>(part));
     SleepMilliseconds(100);
     ExpectTogether("sought, held");
-    EXPECT_NEAR(NewestOfA().ping, part * 60, 30) << part;
+    EXPECT_NEAR(NewestPing().ping, part * 60, 30) << part;
   }
 
   ResumePlayback(*state_);
   PlayToTheEnd();
   SleepMilliseconds(1'000);
   ExpectTogether("at the end");
-  const uint32_t last = NewestOfA().ping;
+  const uint32_t last = NewestPing().ping;
   StepPlaybackBack(*state_, kBack100);
   SleepMilliseconds(10);
   PausePlayback(*state_);
   SleepMilliseconds(100);
-  EXPECT_LT(NewestOfA().ping + 60, last);
+  EXPECT_LT(NewestPing().ping + 60, last);
   ExpectTogether("back 100 from the end");
 
   ResumePlayback(*state_);
   PlayToTheEnd();
   ResumePlayback(*state_);
   SleepMilliseconds(60);
-  EXPECT_LT(NewestOfA().ping, 20u) << "begun anew";
+  EXPECT_LT(NewestPing().ping, 20u) << "begun anew";
   ExpectTogether("begun anew");
   EXPECT_EQ(LoadShared(globals.playedFrequencyA_hz), kHigh_hz);
   EXPECT_EQ(LoadShared(globals.playedFrequencyB_hz), kLow_hz);
@@ -84,9 +75,7 @@ TEST_P(PlaybackPair, TheSecondFollowsStepsAndSeeks) {
 
 // The two lists go by their own file's recorded time, which is played in a few seconds.
 TEST_P(PlaybackPair, MarksStand30RecordedSecondsApartAtTheirPings) {
-  sim::SounderOptions options = QuickSounder(GetParam());
-  options.dual = true;
-  Record(options, 70);
+  Record(QuickSounder(GetParam(), true), 70);
   StoreShared(globals.timestampTicked, 1);
   Play(files_);
   PlayToTheEnd();
@@ -118,10 +107,6 @@ class PlaybackPairOfText : public Playback {
     WriteWhole(path, text);
     return path.wstring();
   }
-  static uint32_t Newest(PingRing& ring, Lock& lock, const int32_t& index) {
-    Locked held(lock);
-    return LoadPingHeader(ring.slots[index]).ping;
-  }
 };
 
 // Ten pings a second, the second file's 40 ms behind the first one's.
@@ -138,13 +123,13 @@ TEST_F(PlaybackPairOfText, TheSecondKeepsToTheFirstsTime) {
   const struct {
     const char* what;
     int gapA, endA, gapB, endB;
-    bool clockIsSetBack;
+    bool clockIsSetBack = false;
   } rows[] = {
-      {"both whole", 0, 0, 0, 0, false},
-      {"the first lacks pings", 250, 550, 0, 0, false},
-      {"the second lacks pings", 0, 0, 250, 550, false},
-      {"the first begins later", 0, 300, 0, 0, false},
-      {"the second begins later", 0, 0, 0, 300, false},
+      {"both whole", 0, 0, 0, 0},
+      {"the first lacks pings", 250, 550, 0, 0},
+      {"the second lacks pings", 0, 0, 250, 550},
+      {"the first begins later", 0, 300, 0, 0},
+      {"the second begins later", 0, 0, 0, 300},
       {"the device's clock is set back", 0, 0, 0, 0, true},
   };
   for (const auto& row : rows) {
@@ -155,9 +140,8 @@ TEST_F(PlaybackPairOfText, TheSecondKeepsToTheFirstsTime) {
     uint32_t a = 0;
     for (int looks = 0; a + 1 < kPings && looks < 2'000 && !HasFailure(); ++looks) {
       SleepMilliseconds(17);
-      const bool jumped =
-          std::exchange(a, Newest(*state_->ringA, state_->ringLockA, state_->ringIndexA)) + 10 < a;
-      const uint32_t b = Newest(*state_->ringB, state_->ringLockB, state_->ringIndexB);
+      const bool jumped = std::exchange(a, NewestPing().ping) + 10 < a;
+      const uint32_t b = NewestPing(true).ping;
       const auto number = static_cast<int>(a);
       const bool missing = number >= row.gapB && number <= row.endB + 1;
       EXPECT_LE(b, a + 2) << "waits";
@@ -165,8 +149,7 @@ TEST_F(PlaybackPairOfText, TheSecondKeepsToTheFirstsTime) {
     }
     EXPECT_EQ(a + 1, kPings);
     SleepMilliseconds(200);
-    EXPECT_EQ(Newest(*state_->ringB, state_->ringLockB, state_->ringIndexB) + 1, kPings)
-        << "its end comes too";
+    EXPECT_EQ(NewestPing(true).ping + 1, kPings) << "its end comes too";
     StopRun(*state_);
   }
 }
@@ -182,7 +165,7 @@ TEST_F(PlaybackPairOfText, AFileWithoutPingsLeavesTheOtherOneToPlay) {
     Play({WriteFile(450'000, 0, row.firstIsBare ? kPings : 0, Steadily<0>),
           WriteFile(200'000, 0, row.secondIsBare ? kPings : 0, Steadily<0>)});
     if (row.frequency_hz == 0) {
-      ExpectBox(L"This file Cannot be playback", L"Error", BoxIcon::error);
+      ExpectErrorBox(L"This file Cannot be playback");
       continue;
     }
     EXPECT_TRUE(Ui().boxes.empty());

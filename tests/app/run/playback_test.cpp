@@ -161,7 +161,7 @@ TEST_F(Playback, WhatCannotBePlayedIsSaid) {
   for (const auto& row : rows) {
     SCOPED_TRACE(row.files.back());
     play(row.files);
-    ExpectBox(row.text, L"Error", BoxIcon::error);
+    ExpectErrorBox(row.text);
     EXPECT_EQ(StateOfProgram(*state_), ProgramState::idle);
     EXPECT_EQ(state_->inputFileA, Handle::invalid);
   }
@@ -183,7 +183,7 @@ TEST_F(Playback, AStartThatFailsLeavesStartUsable) {
       while (LoadShared(globals.playbackEnded) == 0) SleepMilliseconds(20);
     }
     StartRun(*state_);
-    ExpectBox(L"Echosounder is not connected", L"Error", BoxIcon::error);
+    ExpectErrorBox(L"Echosounder is not connected");
     ExpectIdle();
     EXPECT_EQ(state_->playbackAtEnd, 0) << converts;
   }
@@ -193,18 +193,14 @@ TEST_F(Playback, ARunBehindItBeginsWithAnEmptyPicture) {
   Record(QuickSounder(), 20);
   const struct {
     const char* before;
-    bool plays;
-    bool stops;
-    bool converts;
+    bool plays, stops, converts;
   } rows[] = {{"a playback", true, false, false},
               {"a playback that was stopped", true, true, false},
               {"a conversion", false, false, true},
               {"a run", false, false, false}};
   for (const auto& row : rows) {
     if (row.plays) Play(files_);
-    if (row.converts) {
-      EXPECT_EQ(Convert(files_[0], ConvertToSegy), L"Convert completed");
-    }
+    if (row.converts) static_cast<void>(Convert(files_[0], ConvertToSegy));
     SleepMilliseconds(5'000);
     if (row.stops) StopRun(*state_);
     globals.latestAltitudeHigh_m = globals.latestAltitudeLow_m = 7.0f;
@@ -219,20 +215,24 @@ TEST_F(Playback, ARunBehindItBeginsWithAnEmptyPicture) {
 }
 
 TEST_F(Playback, FilesAreForAfterARun) {
-  StartQuickRun();
+  constexpr wchar_t kStopFirst[] = L"To open a file you should press \"Stop\" button first.";
+  StartQuickRun(1);
   Ui().chosenFiles = {L"any.log"};
   for (void (*const command)(AppState&) : {PlayFiles, ConvertToSegy, ConvertToText}) {
     command(*state_);
-    ExpectBox(L"To open a file you should press \"Stop\" button first.", L"", BoxIcon::information);
+    ExpectBox(kStopFirst, L"", BoxIcon::information);
   }
+  PlayDropped(*state_, {L"any.log"});
+  EXPECT_EQ(Ui().notices.back(), kStopFirst);
+  EXPECT_EQ(StateOfProgram(*state_), ProgramState::running);
+  ShowInFolder(*state_);
+  EXPECT_TRUE(Ui().folders.back().ends_with(fs::path(RecordFiles()[0]).wstring())) << "what is recorded";
 }
 
 TEST_F(Playback, DroppedFilesPlayAndStandAmongTheRecentOnes) {
-  sim::SounderOptions options = QuickSounder();
-  options.dual = true;
   ShowInFolder(*state_);
   EXPECT_EQ(Ui().folders.back(), L"folder " + records_.wstring());
-  Record(options, 5);
+  Record(QuickSounder(2, true), 5);
   ASSERT_EQ(files_.size(), 2u);
   PlayDropped(*state_, files_);
   PlayDropped(*state_, {files_[1]});
@@ -246,8 +246,7 @@ TEST_F(Playback, DroppedFilesPlayAndStandAmongTheRecentOnes) {
 
   fs::remove(files_[1]);
   PlayRecent(*state_, 1);
-  ExpectBox((fs::path(files_[1]).filename().wstring() + L"  to open file.").c_str(), L"Error",
-            BoxIcon::error);
+  ExpectErrorBox((fs::path(files_[1]).filename().wstring() + L"  to open file.").c_str());
   EXPECT_EQ(LoadRecent(), (std::vector<RecordingPaths>{files_}));
   PlayRecent(*state_, 5);
   for (const std::wstring& hostile : {std::wstring(), std::wstring(32'767, L'x'), records_.wstring()}) {
@@ -255,23 +254,12 @@ TEST_F(Playback, DroppedFilesPlayAndStandAmongTheRecentOnes) {
     EXPECT_EQ(std::exchange(Ui().boxes, {}).size(), 1u);
   }
   PlayDropped(*state_, {files_[0], files_[0], files_[0]});
-  ExpectBox(L"Select correct pair of files!!", L"Error", BoxIcon::error);
+  ExpectErrorBox(L"Select correct pair of files!!");
   EXPECT_EQ(LoadRecent().size(), 1u);
-
-  StartRun(*state_);
-  PlayDropped(*state_, {files_[0]});
-  EXPECT_EQ(Ui().notices.back(), L"To open a file you should press \"Stop\" button first.");
-  EXPECT_EQ(StateOfProgram(*state_), ProgramState::running);
-  ShowInFolder(*state_);
-  EXPECT_TRUE(Ui().folders.back().ends_with(fs::path(RecordFiles().back()).filename().wstring()))
-      << "what is recorded";
-  StopRun(*state_);
 }
 
-using ConversionRun = Playback;
-
 // What stands in them is shown without a window.
-TEST_F(ConversionRun, OutputsAreNamedAfterTheRecording) {
+TEST_F(Playback, ConversionsAreNamedAfterTheRecording) {
   Record(QuickSounder(100), 5);
   const std::string stem = "Fj\u00E4llsj\u00F6";
   const std::wstring wideStem = records_.wstring() + L"/Fj\u00E4llsj\u00F6";
@@ -295,7 +283,7 @@ TEST_F(ConversionRun, OutputsAreNamedAfterTheRecording) {
 }
 
 // Its end is told however long the message queue is full, unless somebody waits for the worker.
-TEST_F(ConversionRun, TheEndIsToldThroughAFullQueue) {
+TEST_F(Playback, TheEndOfAConversionIsToldThroughAFullQueue) {
   Record(QuickSounder(100), 5);
   Ui().fullQueue = 100;
   EXPECT_EQ(Convert(files_[0], ConvertToSegy), L"");
@@ -332,10 +320,9 @@ TEST_F(Playback, TextsReadLateAreOfTheirPart) {
 }
 
 // Whichever piece of memory a worker does not get, it says so and leaves the program idle.
-TEST_F(ConversionRun, WithoutMemoryItEnds) {
+TEST_F(Playback, WithoutMemoryAWorkerEnds) {
   Record(QuickSounder(100), 5);
-  using Command = void (*)(AppState&);
-  for (const Command command : {PlayFiles, ConvertToSegy, ConvertToText}) {
+  for (void (*const command)(AppState&) : {PlayFiles, ConvertToSegy, ConvertToText}) {
     bool failed = true;
     for (int allocation = 1; failed && allocation < 100; ++allocation) {
       Ui().chosenFiles = {files_[0]};
@@ -358,7 +345,7 @@ TEST_F(ConversionRun, WithoutMemoryItEnds) {
 }
 
 // It closes all files that are being written.
-TEST_F(ConversionRun, ClearingRecordDataEndsTheOutput) {
+TEST_F(Playback, ClearingRecordDataEndsAConversion) {
   Record(QuickSounder(100), 120);
   const fs::path output = records_ / fs::path(files_[0]).stem().concat(".sgy");
   EXPECT_EQ(Convert(files_[0], ConvertToSegy), L"Convert completed");
@@ -366,8 +353,7 @@ TEST_F(ConversionRun, ClearingRecordDataEndsTheOutput) {
   ConvertToSegy(*state_);
   SleepMilliseconds(1);
   ASSERT_EQ(StateOfProgram(*state_), ProgramState::converting);
-  Ui().controls[ID_RECORD].checked = false;
-  ToggleRecording(*state_);
+  SetRecording(false);
   FinishConversion();
   EXPECT_EQ(Ui().status[2], L"Incomplete: " + output.wstring());
   EXPECT_GT(fs::file_size(output), 3'600u);
@@ -375,7 +361,7 @@ TEST_F(ConversionRun, ClearingRecordDataEndsTheOutput) {
 }
 
 // An older recording does not tell the sound speed that it was made with: the settings do.
-TEST_F(ConversionRun, SegyTellsTheSoundSpeedOfTheSettings) {
+TEST_F(Playback, SegyTellsTheSoundSpeedOfTheSettings) {
   const std::string ping =
       "#DeviceID a\r\n#NSamples 1\r\n#Sampling_Frequency,Hz 25000\r\n##DataStart\r\n7\r\n\r\n\r\n";
   const struct {
@@ -390,13 +376,12 @@ TEST_F(ConversionRun, SegyTellsTheSoundSpeedOfTheSettings) {
   }
 }
 
-TEST_F(ConversionRun, WhatCannotBeConvertedIsSaid) {
+TEST_F(Playback, WhatCannotBeConvertedIsSaid) {
   Record(QuickSounder(1), 5);
   const fs::path text = folder_ / "text.log";
   WriteWhole(text, kTextPing);
-  using Command = void (*)(AppState&);
   const struct {
-    Command command;
+    void (*command)(AppState&);
     std::vector<std::wstring> files;
     const wchar_t* message;
   } rows[] = {
@@ -412,7 +397,7 @@ TEST_F(ConversionRun, WhatCannotBeConvertedIsSaid) {
     Play({files_[0]});
     Ui().chosenFiles = row.files;
     row.command(*state_);
-    ExpectBox(row.message, L"Error", BoxIcon::error);
+    ExpectErrorBox(row.message);
     // One file ends the playback, whatever becomes of it.
     const bool plays = row.files.size() != 1;
     EXPECT_EQ(StateOfProgram(*state_), plays ? ProgramState::playing : ProgramState::idle) << row.message;

@@ -10,13 +10,6 @@ namespace {
 
 class Running : public RunControlTest {
  protected:
-  void Tick(int id, bool checked) { Ui().controls[id].checked = checked; }
-
-  void SetRecording(bool on) {
-    Tick(ID_RECORD, on);
-    ToggleRecording(*state_);
-  }
-
   // Lets the program run with the timers of its lamps.
   void RunLamps(int seconds) {
     for (int i = 0; i < seconds; ++i) {
@@ -34,12 +27,8 @@ class Running : public RunControlTest {
 };
 
 TEST_F(Running, ApplyLeavesTheZoomUnlessTheRangeIsAnother) {
-  sim::SounderOptions options = QuickSounder();
-  options.range_mm = 30'000;
-  ConnectSounder(options);
-  StartRun(*state_);
+  StartQuickRun();  // with 30 m
   EXPECT_EQ(state_->displayRangeUpper, 30'000);
-
   state_->displayRangeUpper = 5'000;
   state_->settings.gainHigh = 3.0f;
   ApplySettings(*state_);
@@ -50,7 +39,7 @@ TEST_F(Running, ApplyLeavesTheZoomUnlessTheRangeIsAnother) {
 
   state_->displayRangeUpper = 5'000;
   state_->displayRangeLower = 1'000;
-  Tick(ID_DUAL_MODE, true);
+  Ui().controls[ID_DUAL_MODE].checked = true;
   ApplySettings(*state_);
   EXPECT_EQ(state_->displayRangeUpper, 5'000);
   EXPECT_EQ(state_->displayRangeLower, 30'000) << "a panel that has just appeared shows all";
@@ -64,14 +53,18 @@ TEST_F(Running, AnOlderCodeOfDesoSharesAFileAsDesoDoes) {
   globals.deviceFamily = 1;
   globals.dualMode = 1;
   state_->settings.outputMode = 5;
-  OpenRecordFiles(*state_, NamingMoment::recordSwitchedOn);
-  EXPECT_EQ(state_->settings.outputMode, 5);
-  ASSERT_EQ(RecordFiles().size(), 1u);
-  EXPECT_TRUE(RecordFiles()[0].ends_with("_Dual_0kHz_0kHz_id__nmea.log")) << RecordFiles()[0];
-  OpenRecordFiles(*state_, NamingMoment::start);
-  EXPECT_EQ(state_->settings.outputMode, 6);
-  ASSERT_EQ(RecordFiles().size(), 2u);
-  EXPECT_TRUE(RecordFiles()[0].ends_with("_Dual_0kHz_0kHz_id__deso_M.log")) << RecordFiles()[0];
+  const struct {
+    NamingMoment moment;
+    int32_t mode;
+    const char* end;
+  } rows[] = {{NamingMoment::recordSwitchedOn, 5, "_Dual_0kHz_0kHz_id__nmea.log"},
+              {NamingMoment::start, 6, "_Dual_0kHz_0kHz_id__deso_M.log"}};
+  for (const auto& row : rows) {
+    OpenRecordFiles(*state_, row.moment);
+    EXPECT_EQ(state_->settings.outputMode, row.mode);
+    EXPECT_TRUE(RecordFiles()[0].ends_with(row.end)) << RecordFiles()[0];
+  }
+  EXPECT_EQ(RecordFiles().size(), 2u);
   CloseRecordFiles(*state_);
 }
 
@@ -106,10 +99,7 @@ TEST_F(Running, SettingsThatAreOnlyChosenStandInNoFile) {
 }
 
 TEST_F(Running, TheReportedSizeIsThatOfThePresentRecording) {
-  ConnectSounder(QuickSounder());
-  Tick(ID_RECORD, true);
-  StartRun(*state_);
-  Run(20);
+  StartQuickRun(20);
   SetRecording(false);
   SetRecording(true);
   const std::wstring told = ReportedSize();
@@ -129,11 +119,8 @@ TEST_F(Running, AFullDiskLeavesNoEmptyFileOfABinaryRun) {
     size_t left;
   } rows[] = {{100, 0}, {4, 1}};
   for (const auto& row : rows) {
-    sim::SounderOptions options = QuickSounder();
-    options.outputMode = row.outputMode;
-    ConnectSounder(options);
     LimitDiskSpace(0);
-    StartRun(*state_);
+    StartQuickRun(0, QuickSounder(row.outputMode));
     SetRecording(false);
     EXPECT_EQ(RecordFiles().size(), row.left) << row.outputMode;
     StopRun(*state_);
@@ -146,10 +133,8 @@ TEST_F(Running, AFullDiskLeavesNoEmptyFileOfABinaryRun) {
 // Today's silence of the program stays: no box.
 TEST_F(Running, AFullDiskIsToldAndRecordingGoesOnOnceThereIsRoomIfThatIsWanted) {
   state_->options.beepWhenEnded = 1;
-  ConnectSounder(QuickSounder());
-  Tick(ID_RECORD, true);
   LimitDiskSpace(40'000);
-  StartRun(*state_);
+  StartQuickRun();
   RunLamps(2);
   EXPECT_TRUE(RecordingLamp().starts_with(L"REC 00:00:0")) << RecordingLamp().size();
   RunLamps(30);
@@ -173,9 +158,7 @@ TEST_F(Running, AFullDiskIsToldAndRecordingGoesOnOnceThereIsRoomIfThatIsWanted) 
 TEST_F(Running, AFolderThatCannotBeMadeIsTold) {
   std::filesystem::remove_all(records_);
   WriteWhole(records_, "a file");
-  ConnectSounder(QuickSounder());
-  Tick(ID_RECORD, true);
-  StartRun(*state_);
+  StartQuickRun();
   RunLamps(2);
   EXPECT_EQ(RecordingLamp(), L"NOT RECORDING: folder missing");
   EXPECT_GT(state_->ringIndexA, 0) << "the run goes on";
@@ -184,9 +167,8 @@ TEST_F(Running, AFolderThatCannotBeMadeIsTold) {
 }
 
 TEST_F(Running, ARunWithoutPingsIsToldAfterThreeSecondsAndThreeIntervals) {
-  ConnectSounder(QuickSounder());
   state_->options.noDataOverEchogram = 0;
-  StartRun(*state_);
+  StartQuickRun();
   RunLamps(3);
   EXPECT_EQ(state_->noData_s, 0u);
   SilenceLine(kDeviceLine);
@@ -203,10 +185,8 @@ TEST_F(Running, ARunWithoutPingsIsToldAfterThreeSecondsAndThreeIntervals) {
 }
 
 TEST_F(Running, ASilentReceiverIsToldInPlaceOfItsPortUntilItSpeaks) {
-  ConnectSounder(QuickSounder());
-  ConnectGps({});
-  ChooseGps();
-  StartRun(*state_);
+  ConnectGps();
+  StartQuickRun();
   RunLamps(3);
   const std::wstring port = Ui().status[1];
   EXPECT_TRUE(port.starts_with(L"GPS: COM6,"));
@@ -230,10 +210,9 @@ TEST_F(Running, ASilentReceiverIsToldInPlaceOfItsPortUntilItSpeaks) {
 }
 
 TEST_F(Running, StartAndASpeedChangeTakeBackWhatAFileToldInTheStatusBar) {
-  ConnectSounder(QuickSounder());
   PostStatusText(*state_, StatusPart::position, L"File size: 3600Bytes");
   PostStatusText(*state_, StatusPart::pingLine, L"File size: 281655Bytes");
-  StartRun(*state_);
+  StartQuickRun();
   EXPECT_EQ(Ui().posts[2].back(), L"");
   EXPECT_EQ(Ui().posts[3].back(), L"");
   Run(3);
@@ -246,7 +225,6 @@ TEST_F(Running, StartAndASpeedChangeTakeBackWhatAFileToldInTheStatusBar) {
 TEST_F(Playback, AFileOfTheLowFrequencyIsShownByItsOwnValues) {
   sim::SounderOptions options = QuickSounder();
   options.lowFrequency = true;
-  options.range_mm = 30'000;
   Record(options, 5);
   state_->settings.rangeLow_mm = 10'000;
   state_->settings.thresholdLow_percent = 77;
@@ -261,9 +239,7 @@ TEST_F(Playback, AFileOfTheLowFrequencyIsShownByItsOwnValues) {
 }
 
 TEST_F(Playback, ThePairOfADualRunTicksDualMode) {
-  sim::SounderOptions options = QuickSounder();
-  options.dual = true;
-  Record(options, 5);
+  Record(QuickSounder(2, true), 5);
   state_->settings.simultaneous = 0;  // as a device of one frequency has left it
   Play(files_);
   EXPECT_TRUE(Ui().controls[ID_DUAL_MODE].checked);

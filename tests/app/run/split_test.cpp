@@ -15,9 +15,7 @@ namespace {
 class Split : public RunControlTest {
  protected:
   void Start(bool dual) {
-    sim::SounderOptions options = QuickSounder();
-    options.dual = dual;
-    ConnectSounder(options, &account_);
+    ConnectSounder(QuickSounder(2, dual), &account_);
     StartRun(*state_);
     ASSERT_NE(state_->acquisitionThread, Handle::null);
   }
@@ -108,16 +106,12 @@ TEST_F(Split, BySizeAndNeverOverAFileThatExists) {
 }
 
 TEST_F(Split, WithTheOptionNoRecordingIsReplaced) {
-  Start(false);
-  Run(2);
+  StartQuickRun(2);
   for (const int32_t option : {0, 1}) {
     state_->options.neverReplace = option;
     const size_t before = RecordFiles().size();
     for (int i = 0; i < 3; ++i) {
-      Ui().controls[ID_RECORD].checked = false;
-      ToggleRecording(*state_);
-      Ui().controls[ID_RECORD].checked = true;
-      ToggleRecording(*state_);
+      for (const bool on : {false, true}) SetRecording(on);
     }
     EXPECT_EQ(RecordFiles().size() - before, option == 0 ? 1u : 3u) << "within a second";
     Run(2);

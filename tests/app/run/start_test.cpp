@@ -41,9 +41,9 @@ TEST_F(StartTest, ByItselfItWaitsForItsPorts) {
   PutNumber(L"DeviceCOMSpeed", 921'600);
   PutNumber(L"GPSCOMPort", 6);
   SetSerialLineList({L"COM3"});
-  FillCommunicationControls(*state_);
   ConnectSounder(QuickSounder());
-  ConnectGps({});
+  ConnectGps();
+  FillCommunicationControls(*state_);
   state_->startsByItself = 1;
   const std::vector<std::wstring> lists[] = {{L"COM3"}, {L"COM3", L"COM5"}, {L"COM3", L"COM5", L"COM6"}};
   for (const auto& list : lists) {
@@ -135,24 +135,27 @@ TEST_F(StartTest, ANumberBeyondReasonIsAPortOfItsOwn) {
   ExpectIdle();
 }
 
-TEST_F(StartTest, APlaybackIsOverAlsoWhenThePortIsMissing) {
+// A playback is over all the same.
+TEST_F(StartTest, PortsThatDoNotOpenShowTheSystemsError) {
+  const auto refused = [this](uint32_t code) {
+    StartRun(*state_);
+    EXPECT_EQ(std::exchange(Ui().systemErrors, {}), std::vector<uint32_t>{code});
+    EXPECT_TRUE(Ui().boxes.empty());
+    ExpectIdle();
+  };
   state_->playbackActive = 1;
   RefreshControlStates(*state_);
   ASSERT_TRUE(Ui().controls[ID_PAUSE].enabled);
-  StartRun(*state_);
-  EXPECT_EQ(Ui().systemErrors, std::vector<uint32_t>{ENOENT});
-  EXPECT_TRUE(Ui().boxes.empty());
+  refused(ENOENT);
   EXPECT_FALSE(Ui().controls[ID_PAUSE].enabled);
   EXPECT_FALSE(Ui().controls[ID_STOP].enabled);
-  ExpectIdle();
-}
-
-TEST_F(StartTest, APortThatIsHeldShowsTheSystemsError) {
   ConnectSounder(QuickSounder());
   InjectFault({.point = FaultPoint::openLine, .code = EBUSY});
-  StartRun(*state_);
-  EXPECT_EQ(Ui().systemErrors, std::vector<uint32_t>{EBUSY});
-  ExpectIdle();
+  refused(EBUSY);
+  ChooseGps();
+  refused(ENOENT);
+  EXPECT_EQ(sounderPeer_->Closed(), 1);
+  Ui().Choose(ID_GPS_PORT, L"N/A");
   StartRun(*state_);  // usable again at once
   EXPECT_NE(state_->acquisitionThread, Handle::null);
 }
@@ -172,7 +175,7 @@ TEST_F(StartTest, NobodyAnswers) {
   StopDebugCapture();
   EXPECT_EQ(shown.highFrequency_hz, 447'000);
   EXPECT_EQ(shown.soundSpeed_mps, 1500.0f);
-  ExpectBox(L"Echosounder is not connected", L"Error", BoxIcon::error);
+  ExpectErrorBox(L"Echosounder is not connected");
   EXPECT_TRUE(texts.back().starts_with(L"After Stop Fail time :  "));
   EXPECT_EQ(sounderPeer_->Closed(), 1);
   ExpectIdle();
@@ -207,8 +210,8 @@ TEST_F(StartTest, AReceiverInThePlaceOfTheDeviceIsHeard) {
 // Each setting that is asked for, and each command of the start, of Start, Apply and Stop.
 TEST_F(StartTest, TheTalkWithTheDeviceIsShown) {
   const auto shown = [](const std::string& text) { return std::ranges::count(Ui().talk, text); };
+  ConnectSounder(QuickSounder());
   for (const auto command : {StartRun, ApplySettings, StopRun}) {
-    if (command == StartRun) ConnectSounder(QuickSounder());
     Ui().talk.clear();
     command(*state_);
     ASSERT_FALSE(Ui().talk.empty());
@@ -220,15 +223,6 @@ TEST_F(StartTest, TheTalkWithTheDeviceIsShown) {
     }
   }
   EXPECT_EQ(Ui().talk, (std::vector<std::string>{"Ending the run", ""}));
-}
-
-TEST_F(StartTest, AGpsPortThatFailsClosesTheDevicePortToo) {
-  ConnectSounder(QuickSounder());
-  ChooseGps();
-  StartRun(*state_);
-  EXPECT_EQ(Ui().systemErrors, std::vector<uint32_t>{ENOENT});
-  EXPECT_EQ(sounderPeer_->Closed(), 1);
-  ExpectIdle();
 }
 
 TEST_F(StartTest, FirstStartWithoutGpsRunsAWorkerOnTheNullHandleAndLaterOnesDoNot) {
@@ -251,7 +245,7 @@ TEST_F(StartTest, WithoutMemoryForTheWorkerTheLinkCountsAsLost) {
     largeBlocks = given;
     StartRun(*state_);
     Run(2);
-    ExpectBox(L"Connection lost!", L"Error", BoxIcon::error);
+    ExpectErrorBox(L"Connection lost!");
     const auto& told = Ui().posts[static_cast<int>(StatusPart::position)];
     EXPECT_NE(std::find(told.begin(), told.end(), L"Insufficient memory!"), told.end());
     Ui().posts[static_cast<int>(StatusPart::position)].clear();
@@ -274,22 +268,19 @@ TEST_F(StartTest, WithoutAnAcquisitionThreadTheProcessEnds) {
 }
 
 TEST_F(StartTest, ARunWithoutAReceiverHasNothingOfThePositionBefore) {
-  ConnectGps({});
-  ChooseGps();
+  ConnectGps();
   StartQuickRun(5);
-  EXPECT_NE(LoadPingHeader(state_->ringA->slots[state_->ringIndexA]).gpsLatitude_rad, 0.0f);
+  EXPECT_NE(NewestPing().gpsLatitude_rad, 0.0f);
   EXPECT_EQ(globals.gpsQuality, 2);
   StopRun(*state_);
   EXPECT_EQ(globals.gpsQuality, 0);
   Ui().Choose(ID_GPS_PORT, L"N/A");
   StartRun(*state_);
   Run(2);
-  const PingHeader ping = LoadPingHeader(state_->ringA->slots[state_->ringIndexA]);
-  EXPECT_EQ(ping.gpsLatitude_rad, 0.0f);
-  EXPECT_EQ(ping.gpsLongitude_rad, 0.0f);
-  EXPECT_EQ(ping.gpsAltitude_m, 0.0f);
+  const PingHeader ping = NewestPing();
+  for (const float value : {ping.gpsLatitude_rad, ping.gpsLongitude_rad, ping.gpsAltitude_m, ping.gpsPdop})
+    EXPECT_EQ(value, 0.0f);
   EXPECT_EQ(ping.gpsTime_s, 0u);
-  EXPECT_EQ(ping.gpsPdop, 0.0f);
   EXPECT_EQ(ping.gpsValid, 0);
   StopRun(*state_);
   const std::string content = Content(RecordFiles().back());
@@ -301,7 +292,7 @@ TEST_F(StartTest, NoGpsThread) {
   ConnectSounder(QuickSounder());
   InjectFault({.point = FaultPoint::startThread, .call = 2});
   StartRun(*state_);
-  ExpectBox(L"Unable to run GPS working thread", L"Error", BoxIcon::error);
+  ExpectErrorBox(L"Unable to run GPS working thread");
   EXPECT_EQ(state_->gpsPort, Handle::invalid);
   ExpectIdle();
 }

@@ -26,7 +26,10 @@ class StopTest : public RunControlTest {
   }
 };
 
-TEST_F(StopTest, WhileStreamingEndsTheRunAndLeavesTheDeviceStreaming) {
+TEST_F(StopTest, WhileIdleDoesNoHarmAndLeavesAStreamingDeviceStreaming) {
+  StopRun(*state_);
+  ExpectIdle();
+  EXPECT_EQ(state_->gpsPort, Handle::null);
   StartQuickRun(3);
   EXPECT_LT(Stop_ms(), 500u);
   EXPECT_EQ(Ui().status[2], L"");
@@ -34,12 +37,6 @@ TEST_F(StopTest, WhileStreamingEndsTheRunAndLeavesTheDeviceStreaming) {
   EXPECT_EQ(sounderPeer_->Closed(), 1);
   EXPECT_TRUE(sounder_->Streaming());
   ExpectIdle();
-}
-
-TEST_F(StopTest, WhileIdleDoesNoHarm) {
-  StopRun(*state_);
-  ExpectIdle();
-  EXPECT_EQ(state_->gpsPort, Handle::null);
 }
 
 // Stands for an acquisition worker that does not come back: a call of the system that hangs.
@@ -76,10 +73,7 @@ TEST_F(StopTest, AStalledDiskHoldsNobodyUpForMoreThanThreeSecondsAndLosesNothing
   EXPECT_LT(MillisecondClock() - began_ms, 10'000u);
   Run(5);
   began_ms = MillisecondClock();
-  for (const bool on : {false, true, false, true}) {
-    Ui().controls[ID_RECORD].checked = on;
-    ToggleRecording(*state_);
-  }
+  for (const bool on : {false, true, false, true}) SetRecording(on);
   EXPECT_LE(MillisecondClock() - began_ms, 1'010u) << "another name for the second within a second";
   ASSERT_NE(state_->recordFileA, Handle::invalid);
   Run(5);
@@ -107,7 +101,7 @@ TEST_F(StopTest, APulledPlugIsReportedOnceAndNothingIsSentToALostDevice) {
   NoteChoice(*state_);
   HangUpLine(kDeviceLine);
   Run(2);
-  ExpectBox(L"Connection lost!", L"Error", BoxIcon::error);
+  ExpectErrorBox(L"Connection lost!");
   ExpectIdle();
   EXPECT_EQ(Ui().settingsClosed, 1) << "what would be entered there has no device";
   EXPECT_EQ(RecordFiles().size(), 1u);
@@ -122,15 +116,12 @@ TEST_F(StopTest, QuickTicksOfRecordDataLeaveWholeFiles) {
   const std::string first = RecordFiles()[0];
   size_t size = 0;
   for (int click = 0; click < 25; ++click) {
-    bool& checked = Ui().controls[ID_RECORD].checked;
-    checked = !checked;
-    ToggleRecording(*state_);
+    SetRecording(click % 2 != 0);
     SleepMilliseconds(static_cast<uint32_t>(37 * click));
-    EXPECT_EQ(state_->recordFileA != Handle::invalid, checked);
+    EXPECT_EQ(state_->recordFileA != Handle::invalid, click % 2 != 0);
     if (click == 0) size = Content(first).size();
   }
   EXPECT_EQ(Content(first).size(), size) << "closed for good";
-  EXPECT_FALSE(Ui().controls[ID_RECORD].checked);
   StopRun(*state_);
   EXPECT_GT(RecordFiles().size(), 5u);
   for (const std::string& name : RecordFiles()) ExpectWhole(name);
