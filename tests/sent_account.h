@@ -22,6 +22,8 @@ class SentAccount final : public sim::PingObserver {
   }
   // Messages end in their order.
   void PingEnded(const sim::SentPing& ping) override { messages[ended_++].sent = ping; }
+  // The device that sent so far sends no more.
+  void PowerOff() { ended_ = messages.size(); }
 
   std::vector<SentMessage> messages;
 

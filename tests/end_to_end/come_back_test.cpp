@@ -14,7 +14,6 @@
 #include "platform/clock.h"
 #include "platform/virtual/faults.h"
 #include "platform/virtual/file_sink.h"
-#include "platform/virtual/serial_peer.h"
 #include "platform/virtual/virtual_clock.h"
 #include "tests/app/run_control_fixture.h"
 #include "tests/end_to_end/cut_line.h"
@@ -26,24 +25,8 @@ namespace {
 
 constexpr int32_t kLow_hz = 200'000;
 
-// A record that is torn has the mark of no message.
-Mark MarkOfRecord(std::string_view record) {
-  if (!record.starts_with("TR57")) {
-    if (record.starts_with("#F ")) record.remove_prefix(record.find('\n') + 1);
-    record = record.substr(0, record.rfind("$GPGGA,"));
-    return {record.size(), sim::HashOf({reinterpret_cast<const uint8_t*>(record.data()), record.size()})};
-  }
-  const auto* const frame = reinterpret_cast<const uint8_t*>(record.data());
-  const PingHeader header = LoadPingHeader(frame);
-  if (record.size() != 88 + 2 * size_t{header.sampleCount}) return {0, 1};
-  std::vector<uint16_t> samples = SamplesAt(frame + 88, header.sampleCount);
-  for (size_t i = 0; i < samples.size() / kRepeat; ++i) samples[i] = samples[i * kRepeat];
-  samples.resize(samples.size() / kRepeat);
-  return MarkOfPing(header.ping, header.deviceSeconds, header.txFrequency_hz, header.altitude_m, samples);
-}
-
 struct Record {
-  Mark mark;
+  std::string bytes;
   int64_t time_us;
 };
 
@@ -54,7 +37,7 @@ class Records final : public FileSink {
     const std::string_view record(reinterpret_cast<const char*>(bytes.data()), bytes.size());
     std::vector<Record>& records = files[std::wstring(path)];
     if (offset != 0 && !record.starts_with("INFO:"))
-      records.push_back({MarkOfRecord(record), VirtualNow_us()});
+      records.push_back({std::string(record), VirtualNow_us()});
   }
   std::map<std::wstring, std::vector<Record>> files;
 };
@@ -72,8 +55,7 @@ class ComeBack : public RunControlTest, public testing::WithParamInterface<ModeC
     state_->options.keepRunGoing = 1;
     state_->options.silence_s = 5;
     AttachPeer(kDeviceLine, &line_);
-    ConnectGps({});
-    ChooseGps();
+    ConnectGps();
     StartRun(*state_);
     ASSERT_TRUE(Ui().boxes.empty());
     const uint64_t before = line_.Sent();
@@ -121,10 +103,6 @@ class ComeBack : public RunControlTest, public testing::WithParamInterface<ModeC
     return line_.account.messages[message].sent;
   }
   [[nodiscard]] std::vector<size_t> MessagesOfFile(bool low) const;
-  [[nodiscard]] Mark MarkOf(size_t message) const {
-    const Message& each = line_.account.messages[message];
-    return GetParam().IsBinary() ? each.mark : Mark{each.sent.size, each.sent.hash};
-  }
 
   Records records_;
   CutLine line_{GetParam()};
@@ -151,7 +129,7 @@ void ComeBack::Judge(const std::vector<Record>& records, bool low) {
   const std::vector<size_t> sent = MessagesOfFile(low);
   ASSERT_FALSE(records.empty() || sent.empty());
   const int64_t late_us = records[0].time_us - Sent(sent[0]).time_us;
-  const std::vector<Account::TurnAt>& turns = line_.account.turns;
+  const std::vector<CutLine::Turn>& turns = line_.turns;
   size_t next = 0;
   size_t turn = 0;
   bool owed = false;
@@ -161,7 +139,7 @@ void ComeBack::Judge(const std::vector<Record>& records, bool low) {
   const auto passOver = [&](const Record* record) {
     for (; next < sent.size(); ++next) {
       takeTurns();
-      if (record != nullptr && MarkOf(sent[next]) == record->mark &&
+      if (record != nullptr && Holds(record->bytes, line_.account.messages[sent[next]]) &&
           std::abs(record->time_us - Sent(sent[next]).time_us - late_us) < between_us) {
         return;
       }
@@ -305,7 +283,7 @@ TEST_P(EachKind, TheOperatorGoesOnMeanwhile) {
   Run(1);
   EXPECT_TRUE(Ui().status[0].ends_with(L" s, new: COM9 COM11, the port is not there"));
   ApplySettings(*state_);
-  ExpectBox(L"Echosounder is not connected", L"Error", BoxIcon::error);
+  ExpectErrorBox(L"Echosounder is not connected");
   line_.Mend();
   SetSerialLineList({L"COM11", L"COM5", L"COM6", L"COM9"});
   HandleTimer(*state_, ID_TIMER_PORTS);

@@ -36,23 +36,16 @@ class Crash : public Playback, public testing::WithParamInterface<ModeCase> {
   void RunWhole() {
     sim::SounderOptions options = QuickSounder();
     GetParam().Configure(options);
-    ConnectSounder(options);
-    ConnectGps({});
-    ChooseGps();
+    ConnectGps();
     StartDiskCalls();
-    StartRun(*state_);
-    ASSERT_NE(state_->acquisitionThread, Handle::null);
-    Run(5);
+    StartQuickRun(5, options);
     EXPECT_TRUE(SplitRecordFiles(*state_));
     Run(5);
     ApplySettings(*state_);
     Run(3);
     InjectFault({.point = FaultPoint::writeFile, .taken = 7});
     Run(1);
-    for (const bool on : {false, true}) {
-      Ui().controls[ID_RECORD].checked = on;
-      ToggleRecording(*state_);
-    }
+    for (const bool on : {false, true}) SetRecording(on);
     Run(3);
     StopRun(*state_);
     EXPECT_EQ(CallCount(FaultPoint::renameFile), 0u) << "is not followed here";

@@ -162,7 +162,7 @@ void OutputModes::Start(StreamFault fault) {
   sounder_ = std::make_unique<sim::VirtualEchosounder>(options, &account_);
   sounderPeer_ = std::make_unique<ListeningPeer>(*sounder_);
   AttachPeer(kDeviceLine, sounderPeer_.get());
-  ConnectGps({});
+  ConnectGps();
   Ui().Choose(ID_GPS_PORT, IsSound() ? L"COM6" : L"N/A");
   StartRun(*state_);
   ASSERT_TRUE(Ui().boxes.empty()) << "a box was shown at Start";

@@ -74,15 +74,11 @@ class TerminalSpeed : public RunControlTest {
 
   // Pings come.
   void ExpectPings(const char* what) {
-    const int32_t before = Index();
+    const int32_t before = NewestSlot();
     Run(1);
-    EXPECT_GT(Index(), before) << what;
+    EXPECT_GT(NewestSlot(), before) << what;
     EXPECT_EQ(StateOfProgram(*state_), ProgramState::running) << what;
     EXPECT_TRUE(Ui().boxes.empty() && Ui().systemErrors.empty()) << what;
-  }
-  int32_t Index() {
-    Locked held(state_->ringLockA);
-    return state_->ringIndexA;
   }
 };
 

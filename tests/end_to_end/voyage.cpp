@@ -27,17 +27,6 @@ constexpr int64_t kOnItsWay_us = 50'000;
 constexpr int32_t kSilenceLimit_s = 60;  // of the program
 constexpr int32_t kFilled_s = 60'000;
 
-// Splits off the message, which stands before the position and in NMEA behind a frequency line of the
-// program's; empty when there is none.
-std::string_view TakeMessage(std::string_view& record) {
-  if (record.starts_with("#F ")) record.remove_prefix(std::min(record.find('\n') + 1, record.size()));
-  const size_t position = record.rfind("$GPGGA,");
-  if (position == record.npos) return {};
-  const std::string_view message = record.substr(0, position);
-  record.remove_prefix(position);
-  return message;
-}
-
 // "$GPGGA,time,latitude,N,longitude,E,quality,..."
 bool HasFix(std::string_view gga) {
   for (int field = 0; field < 6; ++field) gga.remove_prefix(std::min(gga.find(',') + 1, gga.size()));
@@ -51,7 +40,7 @@ bool HasFix(std::string_view gga) {
 void VoyageLog::PingMade(const sim::SentPing& ping, std::span<const uint16_t> samples) {
   ++figures.sent;
   ++leaving_;
-  pending_.push_back({ping, {samples.begin(), samples.end()}, kNever, excuse_});
+  pending_.push_back({{ping, {samples.begin(), samples.end()}}, kNever, excuse_});
 }
 
 // Pings end in their order.
@@ -92,27 +81,6 @@ void VoyageLog::Written(std::wstring_view, uint64_t offset, std::span<const uint
   if (offset != 0) return TakeRecord(text);
   ++figures.files;
   if (!text.starts_with("INFO:1,")) Fail("a file without settings");
-}
-
-bool VoyageLog::Holds(std::string_view record, const Ping& ping) {
-  if (!record.starts_with("TR57")) {
-    const std::string_view message = TakeMessage(record);
-    if (message.size() != ping.sent.size) return false;
-    return sim::HashOf({reinterpret_cast<const uint8_t*>(message.data()), message.size()}) == ping.sent.hash;
-  }
-  const auto* frame = reinterpret_cast<const uint8_t*>(record.data());
-  const PingHeader header = LoadPingHeader(frame);
-  const sim::SentPing& sent = ping.sent;
-  if (header.ping != sent.number || header.altitude_m != sent.altitude_m ||
-      header.temperature_c != sent.temperature_c || header.pitch_deg != sent.pitch_deg ||
-      header.roll_deg != sent.roll_deg || header.txFrequency_hz != sent.txFrequency_hz ||
-      header.deviceSeconds != sent.deviceTime_s || record.size() != 88 + 2 * kRepeat * ping.samples.size()) {
-    return false;
-  }
-  const std::vector<uint16_t> samples = SamplesAt(frame + 88, kRepeat * ping.samples.size());
-  size_t i = 0;
-  return std::all_of(samples.begin(), samples.end(),
-                     [&](uint16_t sample) { return sample == ping.samples[i++ / kRepeat]; });
 }
 
 // Lines have no numbers: one that is excused may look like the next one, which is not and so comes first.
@@ -161,7 +129,6 @@ void Voyage::Begin() {
   peer_ = std::make_unique<LossyPeer>(options, log_);
   AttachPeer(kDeviceLine, peer_.get());
   ConnectGps({.delivery_us = 100'000, .logSize = options.logSize});
-  ChooseGps();
   Ui().controls[ID_RECORD].checked = true;
 }
 
@@ -205,7 +172,7 @@ void Voyage::HangUp() {
     peer_->link = LossyPeer::Link::up;
     return AwaitLink();
   }
-  ExpectBox(L"Connection lost!", L"Error", BoxIcon::error);
+  ExpectErrorBox(L"Connection lost!");
   Ui().boxes.clear();
   peer_->link = LossyPeer::Link::up;
   Start();
@@ -221,7 +188,7 @@ void Voyage::FallSilent() {
   peer_->link = LossyPeer::Link::up;
   if (goesOn_) return AwaitLink();
   if (seconds > kSilenceLimit_s) {
-    ExpectBox(L"Connection lost!", L"Error", BoxIcon::error);
+    ExpectErrorBox(L"Connection lost!");
     Ui().boxes.clear();
     return Start();
   }
@@ -234,7 +201,9 @@ void Voyage::LosePower() {
   ++log_.figures.powerLosses;
   log_.Open(Excuse::linkDown);
   peer_->link = Draw(0, 1) == 1 ? LossyPeer::Link::hungUp : LossyPeer::Link::silent;
-  peer_->PowerOn(Draw(0, 1) == 1 ? 115'200 : 921'600);
+  peer_->options.baud = Draw(0, 1) == 1 ? 115'200 : 921'600;
+  log_.PowerOff();
+  peer_->PowerOn();
   Leg(Draw(1, 60));
   peer_->link = LossyPeer::Link::up;
   log_.Close();
@@ -269,11 +238,6 @@ void Voyage::ApplyAnotherMode() {
   log_.Close();
   EXPECT_TRUE(Ui().boxes.empty()) << "a box at Apply";
   EXPECT_EQ(state_->appliedSettings.outputMode, mode);
-}
-
-void Voyage::SetRecording(bool on) {
-  Ui().controls[ID_RECORD].checked = on;
-  ToggleRecording(*state_);
 }
 
 void Voyage::PauseRecording() {

@@ -18,6 +18,7 @@
 
 #include "platform/virtual/file_sink.h"
 #include "tests/app/run_control_fixture.h"
+#include "tests/sent_account.h"
 
 namespace tw::test {
 
@@ -79,15 +80,13 @@ class VoyageLog final : public sim::PingObserver, public FileSink {
   std::string firstFailure;  // empty: there was none
 
  private:
-  struct Ping {
-    sim::SentPing sent;
-    std::vector<uint16_t> samples;
+  struct Ping : SentMessage {
     int64_t ended_us;  // kNever while it is leaving
     Excuse excuse;
   };
 
   void TakeRecord(std::string_view record);
-  [[nodiscard]] bool Holds(std::string_view record, const Ping& ping);
+
   void Lose(const Ping& ping);
   void Fail(const std::string& what);
 
@@ -118,7 +117,7 @@ class Voyage : public RunControlTest {
   void FallAsleep();
   void ApplyAnotherMode();
   void PauseRecording();
-  void SetRecording(bool on);
+
   void ForgetPosts();
   void Happen();
   [[nodiscard]] Held Measure() const;
