@@ -13,16 +13,29 @@
 #include "app/window/commands.h"
 #include "app/window/file_commands.h"
 #include "base/shared_value.h"
+#include "base/text_format.h"
 #include "platform/clock.h"
 #include "playback/ping_source.h"
 #include "tests/app/run_control_fixture.h"
 
 namespace tw::test {
 
-struct ReadPing {
-  PingHeader header;
-  std::vector<uint16_t> samples;
-};
+// Of recordings that are written by a test.
+inline constexpr char kTextInfo[] = "INFO:1,450000,10000,0.1,20,0.0,0,15,0.08,0,150,20,0,1500.0,4\r\n";
+
+// An echo in text with these samples, at 25 kHz; a time below 0 is none.
+inline std::string PingText(int number, int64_t time_ms, const std::vector<int>& samples) {
+  std::string text = "#DeviceID a\r\n";
+  char line[64];
+  if (time_ms >= 0) {
+    text.append(line, FormatText(line, "#TimeWork %d.%03d\r\n", static_cast<int>(time_ms / 1000),
+                                 static_cast<int>(time_ms % 1000)));
+  }
+  text += "#NSamples " + std::to_string(samples.size()) + "\r\n#Sampling_Frequency,Hz 25000\r\n#Altitude " +
+          std::to_string(number % 8) + ".5\r\n#Ping " + std::to_string(number) + "\r\n##DataStart\r\n";
+  for (const int sample : samples) text += std::to_string(sample) + "\r\n";
+  return text + "\r\n\r\n";
+}
 
 class Playback : public RunControlTest {
  protected:
@@ -70,14 +83,13 @@ class Playback : public RunControlTest {
     return boxes.empty() ? L"" : boxes[0].text;
   }
 
-  static std::vector<ReadPing> ReadPings(const std::wstring& file) {
-    std::vector<ReadPing> pings;
+  // Their samples are gone.
+  static std::vector<RecordedPing> ReadPings(const std::wstring& file) {
+    std::vector<RecordedPing> pings;
     RecordingFault fault{};
     const auto recording = OpenRecording(file.c_str(), fault);
     EXPECT_NE(recording, nullptr);
-    for (RecordedPing ping{}; recording != nullptr && recording->Next(ping);) {
-      pings.push_back({ping.header, {ping.samples.begin(), ping.samples.end()}});
-    }
+    for (RecordedPing ping{}; recording != nullptr && recording->Next(ping);) pings.push_back(ping);
     EXPECT_EQ(recording == nullptr ? 1 : recording->Skipped(), 0u) << "nothing damaged";
     return pings;
   }

@@ -2,7 +2,6 @@
 // goes.
 #include <utility>
 
-#include "base/text_format.h"
 #include "tests/app/run/playback_fixture.h"
 #include "tests/display/marks_at_pings.h"
 
@@ -91,16 +90,9 @@ class PlaybackPairOfText : public Playback {
 
   // One file of a pair: ping i at a time of its own, but for those from `gap` up to `end`.
   std::wstring WriteFile(int32_t frequency_hz, int gap, int end, int64_t (*time_ms)(int)) {
-    std::string text =
-        "INFO:1," + std::to_string(frequency_hz) + ",10000,0.1,20,0.0,0,15,0.08,0,150,20,0,1500.0,4\r\n";
+    std::string text = std::string(kTextInfo).replace(7, 6, std::to_string(frequency_hz));
     for (int i = 0; i < kPings; ++i) {
-      if (i >= gap && i < end) continue;
-      const int64_t at_ms = time_ms(i);
-      char block[256];
-      text.append(block, FormatText(block,
-                                    "#DeviceID a\r\n#TimeWork %d.%d\r\n#NSamples 1\r\n#Sampling_Frequency,Hz "
-                                    "25000\r\n#Ping %d\r\n##DataStart\r\n7\r\n\r\n\r\n",
-                                    static_cast<int>(at_ms / 1000), static_cast<int>(at_ms % 1000), i));
+      if (i < gap || i >= end) text += PingText(i, time_ms(i), {7});
     }
     const fs::path path =
         folder_ / ("20250314_093005_Dual_" + std::to_string(frequency_hz / 1000) + "kHz_id_a_txt12.log");

@@ -14,29 +14,12 @@
 namespace tw::test {
 namespace {
 
-struct TextPing {
-  uint64_t begin;
-  uint32_t number;
-};
-
-// Found without the program's readers.
-std::vector<TextPing> PingsInText(const std::wstring& path) {
-  const std::string text = ReadWhole(path);
-  std::vector<TextPing> pings;
-  for (size_t at = text.find("#DeviceID"); at != text.npos; at = text.find("#DeviceID", at + 1)) {
-    constexpr std::string_view kKey = "#Ping ";
-    pings.push_back(
-        {at, static_cast<uint32_t>(std::stoul(text.substr(text.find(kKey, at) + kKey.size(), 9)))});
-  }
-  return pings;
-}
-
 TEST_F(Playback, StepsBackPausesAndSeeks) {
   Record(QuickSounder(4), 60);
-  const std::vector<TextPing> pings = PingsInText(files_[0]);
+  const std::vector<RecordedPing> pings = ReadPings(files_[0]);
   ASSERT_GT(pings.size(), 500u);
-  const uint32_t first = pings.front().number;
-  const uint32_t last = pings.back().number;
+  const uint32_t first = pings.front().header.ping;
+  const uint32_t last = pings.back().header.ping;
   const auto shown = [] {
     SleepMilliseconds(50);
     return LoadShared(globals.pingCounter);
@@ -95,10 +78,9 @@ TEST_F(Playback, StepsBackPausesAndSeeks) {
   std::mt19937_64 random(3);
   for (int i = 0; i < 200; ++i) {
     const uint64_t place = random() % (pings.back().begin + 1);
-    const auto next = std::lower_bound(pings.begin(), pings.end(), place,
-                                       [](const TextPing& ping, uint64_t at) { return ping.begin < at; });
+    const auto next = std::ranges::lower_bound(pings, place, {}, &RecordedPing::begin);
     RequestSeek(state_->seekRequest, place);
-    EXPECT_EQ(shown(), next->number) << place;
+    EXPECT_EQ(shown(), next->header.ping) << place;
   }
 }
 
@@ -277,7 +259,7 @@ TEST_F(Playback, ConversionsAreNamedAfterTheRecording) {
   EXPECT_EQ(Ui().title, kProgramTitle);
 
   EXPECT_EQ(Convert(wideStem + L".log", ConvertToText), L"Convert completed");
-  const std::vector<ReadPing> pings = ReadPings(wideStem + L"_txt.log");
+  const std::vector<RecordedPing> pings = ReadPings(wideStem + L"_txt.log");
   ASSERT_GT(pings.size(), 30u);
   EXPECT_EQ(pings.back().header.ping - pings.front().header.ping + 1, pings.size());
 }

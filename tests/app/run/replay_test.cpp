@@ -4,13 +4,11 @@
 
 #include "app/run/file_run.h"
 #include "app/state/overview.h"
-#include "base/text_format.h"
 #include "tests/app/run/playback_fixture.h"
 
 namespace tw::test {
 namespace {
 
-constexpr char kInfo[] = "INFO:1,450000,10000,0.1,20,0.0,0,15,0.08,0,150,20,0,1500.0,4\r\n";
 constexpr int64_t kBegin_ms = 1'000'000;
 
 // Ten pings a second.
@@ -25,24 +23,15 @@ class Replay : public Playback {
     folder_450_ = folder_ / "20250314_093005_Dual_450kHz_id_a_txt12.log";
   }
 
-  // A ping with a strong echo at half its samples; a time below 0 is none.
-  static std::string PingText(int number, int64_t time_ms) {
-    char time[64] = "";
-    if (time_ms >= 0)
-      FormatText(time, "#TimeWork %d.%03d\r\n", static_cast<int>(time_ms / 1000),
-                 static_cast<int>(time_ms % 1000));
-    char block[512];
-    const size_t size = FormatText(block,
-                                   "#DeviceID a\r\n%s#NSamples 100\r\n#Sampling_Frequency,Hz 25000\r\n"
-                                   "#Altitude %d.5\r\n#Ping %d\r\n##DataStart\r\n",
-                                   time, number % 8, number);
-    std::string text(block, size);
-    for (int i = 0; i < 100; ++i) text += i == 50 ? "3000\r\n" : "7\r\n";
-    return text + "\r\n\r\n";
+  // A ping with a strong echo at half its samples.
+  static std::string Ping(int number, int64_t time_ms) {
+    std::vector<int> samples(100, 7);
+    samples[50] = 3'000;
+    return PingText(number, time_ms, samples);
   }
   std::wstring WritePings(int count, int64_t (*time_ms)(int), const std::string& hole = {}) {
-    std::string text = kInfo;
-    for (int i = 0; i < count; ++i) text += (i == count / 2 ? hole : "") + PingText(i, time_ms(i));
+    std::string text = kTextInfo;
+    for (int i = 0; i < count; ++i) text += (i == count / 2 ? hole : "") + Ping(i, time_ms(i));
     WriteWhole(folder_450_, text);
     return folder_450_.wstring();
   }
@@ -210,7 +199,7 @@ TEST_F(Replay, AGrowingFileIsFollowedWithTheBarAlone) {
     PlayToTheEnd();
     EXPECT_EQ(Shown(), 99u);
     std::string more;
-    for (int i = 100; i < 150; ++i) more += PingText(i, Steady(i));
+    for (int i = 100; i < 150; ++i) more += Ping(i, Steady(i));
     std::ofstream file(folder_450_, std::ios::app | std::ios::binary);
     file.write(more.data(), 1'000).flush();  // not whole pings alone
     SleepMilliseconds(200);
