@@ -49,10 +49,7 @@ class Panel : public testing::Test {
 
 TEST_F(Panel, SingleViewFollowsTheFrequencyInUse) {
   const struct {
-    int32_t family;
-    int32_t used_hz;
-    int32_t threshold_percent;
-    int32_t deviceRange_mm;
+    int32_t family, used_hz, threshold_percent, deviceRange_mm;
   } rows[] = {{1, 447'000, 30, 20'000},
               {1, 200'000, 10, 50'000},
               {2, 200'000, 30, 20'000},  // of one channel, whose values are the high ones
@@ -91,12 +88,8 @@ TEST_F(Panel, ChoicesThatWaitForApplyAreNotShown) {
 TEST_F(Panel, DualPanelsShareThePingRateWhenLive) {
   const struct {
     const char* what;
-    Handle fileA;
-    Handle fileB;
-    int32_t upperScale_s;
-    int32_t lowerScale_s;
-    int32_t upper_hz;
-    int32_t lower_hz;
+    Handle fileA, fileB;
+    int32_t upperScale_s, lowerScale_s, upper_hz, lower_hz;
   } rows[] = {
       {"live", Handle::invalid, Handle::invalid, 75, 30, 447'000, 200'000},
       {"a played pair of files", Handle{60}, Handle{64}, 150, 60, 430'000, 180'000},
@@ -127,8 +120,7 @@ TEST_F(Panel, OverwritesAllOfThePanel) {
   for (const Pixel pixel : canvas_.Pixels()) ASSERT_NE(pixel, 0x123456u);
   const struct {
     const char* what;
-    int32_t x;
-    int32_t y;
+    int32_t x, y;
     Pixel colour;
   } rows[] = {
       {"the colour bar's frame", 450, 20, kGrid},
@@ -201,8 +193,7 @@ TEST_F(Panel, StatusShowsTheNewestPing) {
     const char* what;
     bool isDual;
     float pitch_deg;
-    int32_t attitudePresent;
-    int32_t outputMode;
+    int32_t attitudePresent, outputMode;
     std::wstring text;
   } rows[] = {
       {"with attitude", false, 449.9f, 1, 4, single + attitude},

@@ -38,8 +38,7 @@ class Profile : public testing::Test {
 TEST_F(Profile, PointsLieBetweenSamples) {
   const struct {
     const char* what;
-    int32_t index;
-    int32_t amplitude;
+    int32_t index, amplitude;
     Numbers place;
   } rows[] = {
       {"first sample", 0, 0, {286, 21}},       {"a quarter of the way to the next", 1, 250, {289, 21}},
@@ -59,9 +58,7 @@ TEST_F(Profile, PointsLieBetweenSamples) {
 TEST_F(Profile, StrongEchoesAreColouredWeakOnesGrey) {
   const struct {
     const char* what;
-    int32_t threshold_percent;
-    int32_t x;
-    int32_t y;
+    int32_t threshold_percent, x, y;
     Pixel colour;
   } rows[] = {
       {"below the threshold", 50, 286, 40, kGrey},

@@ -51,10 +51,8 @@ TEST(Slider, ThumbStandsWhereTheFileIs) {
 TEST(Slider, CursorMeansAPosition) {
   const struct {
     const char* what;
-    int32_t x;
-    int32_t sliderWidth;
-    uint64_t fileSize;
-    uint64_t position;
+    int32_t x, sliderWidth;
+    uint64_t fileSize, position;
   } rows[] = {
       {"the thumb's middle at the left end", 50, 1'000, 3'200'000, 0},
       {"left of that", 10, 1'000, 3'200'000, 0},

@@ -38,8 +38,7 @@ TEST(Zoom, GoesThroughAllStepsAndStopsAtTheEnds) {
 TEST(Zoom, MovesTheDisplayRangeOneStep) {
   const struct {
     const char* what;
-    int32_t range_mm;
-    int32_t deviceRange_mm;
+    int32_t range_mm, deviceRange_mm;
     WheelTurn turn;
     int32_t expected_mm;
   } rows[] = {

@@ -149,8 +149,7 @@ TEST_F(PlaybackPairOfText, TheSecondKeepsToTheFirstsTime) {
 // A channel that has not pinged leaves nothing but its settings behind.
 TEST_F(PlaybackPairOfText, AFileWithoutPingsLeavesTheOtherOneToPlay) {
   const struct {
-    bool firstIsBare;
-    bool secondIsBare;
+    bool firstIsBare, secondIsBare;
     int32_t frequency_hz;  // of what is played
   } rows[] = {{false, true, 450'000}, {true, false, 200'000}, {true, true, 0}};
   for (const auto& row : rows) {

@@ -18,6 +18,13 @@ class ControlStates : public RunControlTest {
     RefreshControlStates(*state_);
   }
   void TearDown() override { Enter(ProgramState::idle); }
+
+  void ExpectUse(const std::vector<int>& controls, bool use, const std::string& where) {
+    for (const int id : controls) {
+      EXPECT_EQ(Ui().controls[id].enabled, use) << where << ", " << id;
+      EXPECT_EQ(WhyDisabled(*state_, id) == nullptr, use) << where << ", " << id;
+    }
+  }
 };
 
 constexpr ProgramState kStates[] = {ProgramState::idle, ProgramState::running, ProgramState::playing,
@@ -48,12 +55,8 @@ TEST_F(ControlStates, WhatCanBeUsedWhen) {
   for (size_t state = 0; state < std::size(kStates); ++state) {
     Enter(kStates[state]);
     EXPECT_EQ(StateOfProgram(*state_), kStates[state]);
-    for (const auto& row : rows) {
-      for (const int id : row.controls) {
-        EXPECT_EQ(Ui().controls[id].enabled, row.use[state] == 'x') << id << " in state " << state;
-        EXPECT_EQ(WhyDisabled(*state_, id) == nullptr, row.use[state] == 'x') << id << " in state " << state;
-      }
-    }
+    for (const auto& row : rows)
+      ExpectUse(row.controls, row.use[state] == 'x', "state " + std::to_string(state));
   }
 }
 
@@ -79,12 +82,8 @@ TEST_F(ControlStates, WhatTheDeviceAllows) {
     state_->link->facts.presetCapable = row.presets;
     state_->settings.preset = row.preset;
     Enter(ProgramState::running);
-    for (size_t group = 0; group < std::size(groups); ++group) {
-      for (const int id : groups[group]) {
-        EXPECT_EQ(Ui().controls[id].enabled, row.use[group]) << row.what << ", " << id;
-        EXPECT_EQ(WhyDisabled(*state_, id) == nullptr, row.use[group]) << row.what << ", " << id;
-      }
-    }
+    for (size_t group = 0; group < std::size(groups); ++group)
+      ExpectUse(groups[group], row.use[group], row.what);
   }
 }
 

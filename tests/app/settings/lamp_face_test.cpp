@@ -19,8 +19,9 @@ TEST(RecordingLamp, TellsWhatBecomesOfThePings) {
     change(facts);
     return facts;
   };
-  const auto fault = [&](RecordFault why, uint32_t now_ms) {
-    return with([&](RecordingFacts& f) { f.open = false, f.fault = why, f.now_ms = now_ms; });
+  // One file of a pair may go on.
+  const auto fault = [&](RecordFault why, uint32_t now_ms, bool oneGoesOn = false) {
+    return with([&](RecordingFacts& f) { f.open = oneGoesOn, f.fault = why, f.now_ms = now_ms; });
   };
   const struct {
     RecordingFacts facts;
@@ -37,9 +38,7 @@ TEST(RecordingLamp, TellsWhatBecomesOfThePings) {
       {fault(RecordFault::folderMissing, 0), L"NOT RECORDING: folder missing", LampColour::alarm},
       {fault(RecordFault::diskRefuses, 0), L"NOT RECORDING: disk error", LampColour::alarm},
       {fault(RecordFault::none, 0), L"NOT RECORDING", LampColour::alarm},
-      // One file of a pair goes on.
-      {with([](RecordingFacts& f) { f.fault = RecordFault::diskFull; }), L"NOT RECORDING: disk full",
-       LampColour::alarm},
+      {fault(RecordFault::diskFull, 0, true), L"NOT RECORDING: disk full", LampColour::alarm},
   };
   for (const auto& row : rows) {
     const LampFace face = LampOf(row.facts);
@@ -95,15 +94,14 @@ TEST(ReceiverLamp, SilenceIsJudgedByTheTimesOfBytesAndSentences) {
 
 TEST(DiskState, IsToldTheWorstFirstAndItsRoomFromADayDown) {
   constexpr uint64_t kHour_bytes = 3'600 * 1'000;
+  constexpr wchar_t kTooSlow[] = L"Pings not recorded, the disk is too slow : 7";
   const struct {
     DiskFacts facts;
     const wchar_t* text;
     bool alarm;
   } rows[] = {
-      {{7, 2'048, true, RecordFault::diskFull, 1'000, 0},
-       L"Pings not recorded, the disk is too slow : 7",
-       true},
-      {{7, 0, false, RecordFault::none, 0, 0}, L"Pings not recorded, the disk is too slow : 7", true},
+      {{7, 2'048, true, RecordFault::diskFull, 1'000, 0}, kTooSlow, true},
+      {{7, 0, false, RecordFault::none, 0, 0}, kTooSlow, true},
       {{0, 2'049, true, RecordFault::diskFull, 1'000, 0}, L"Still to be written : 3 KB", false},
       {{0, 1, true, RecordFault::none, 1'000, kHour_bytes}, L"Still to be written : 1 KB", false},
       {{0, 0, false, RecordFault::diskFull, 1'000, 0}, L"", false},

@@ -24,6 +24,14 @@ using Writes = std::vector<std::wstring>;
 
 class PersistentSettings : public testing::Test {
  protected:
+  static inline const std::wstring kNames[] = {L"DeviceCOMPort", L"DeviceCOMSpeed", L"GPSCOMPort",
+                                               L"GPSCOMSpeed"};
+  static std::vector<uint32_t> StoredNumbers() {
+    std::vector<uint32_t> numbers;
+    for (const std::wstring& name : kNames) numbers.push_back(StoredNumber(name.c_str()));
+    return numbers;
+  }
+
   PersistentSettings() {
     ClearRegistry();
     ClearFaults();
@@ -41,34 +49,25 @@ class PersistentSettings : public testing::Test {
 };
 
 TEST_F(PersistentSettings, OneMissingValueMakesAllFourTheDefaults) {
-  const std::wstring names[] = {L"DeviceCOMPort", L"DeviceCOMSpeed", L"GPSCOMPort", L"GPSCOMSpeed"};
-  for (const std::wstring& missing : names) {
+  for (const std::wstring& missing : kNames) {
     ClearRegistry();
-    for (const std::wstring& name : names) {
+    for (const std::wstring& name : kNames) {
       if (name != missing) PutNumber(name.c_str(), 7);
     }
     const CommunicationSettings read = LoadCommunicationSettings();
-    EXPECT_EQ(read.devicePort, 1);
-    EXPECT_EQ(read.deviceSpeed_bps, 115'200);
-    EXPECT_EQ(read.gpsPort, -1);
-    EXPECT_EQ(read.gpsSpeed_bps, 4'800);
-    EXPECT_EQ(StoredNumber(L"DeviceCOMPort"), 1u);
-    EXPECT_EQ(StoredNumber(L"DeviceCOMSpeed"), 115'200u);
-    EXPECT_EQ(StoredNumber(L"GPSCOMPort"), 0xFFFFFFFFu);
-    EXPECT_EQ(StoredNumber(L"GPSCOMSpeed"), 4'800u);
+    EXPECT_EQ((std::vector{read.devicePort, read.deviceSpeed_bps, read.gpsPort, read.gpsSpeed_bps}),
+              (std::vector{1, 115'200, -1, 4'800}));
+    EXPECT_EQ(StoredNumbers(), (std::vector<uint32_t>{1, 115'200, 0xFFFFFFFF, 4'800}));
   }
 }
 
 TEST_F(PersistentSettings, WritingGoesInItsOrderAndStopsAtTheFirstFailure) {
   SaveCommunicationSettings({1, 2, 3, 4});
-  EXPECT_EQ(RegistryWrites(), (Writes{L"DeviceCOMPort", L"DeviceCOMSpeed", L"GPSCOMPort", L"GPSCOMSpeed"}));
+  EXPECT_EQ(RegistryWrites(), Writes(std::begin(kNames), std::end(kNames)));
   ClearRegistry();
   InjectFault({.point = FaultPoint::writeRegistry, .subject = L"GPSCOMPort"});
   SaveCommunicationSettings({4, 9'600, 5, 19'200});
-  EXPECT_EQ(StoredNumber(L"DeviceCOMPort"), 4u);
-  EXPECT_EQ(StoredNumber(L"DeviceCOMSpeed"), 9'600u);
-  EXPECT_EQ(StoredNumber(L"GPSCOMPort"), kNoNumber);
-  EXPECT_EQ(StoredNumber(L"GPSCOMSpeed"), kNoNumber);
+  EXPECT_EQ(StoredNumbers(), (std::vector<uint32_t>{4, 9'600, kNoNumber, kNoNumber}));
 }
 
 TEST_F(PersistentSettings, RecordingIsOnUnlessItWasSwitchedOff) {
@@ -79,13 +78,6 @@ TEST_F(PersistentSettings, RecordingIsOnUnlessItWasSwitchedOff) {
   EXPECT_EQ(StoredNumber(L"Recording"), 0u);
   PutNumber(L"Recording", 2);
   EXPECT_TRUE(LoadRecordingFlag());
-}
-
-TEST_F(PersistentSettings, FirstStartMakesAFolderInTheDocuments) {
-  LoadWorkingFolder(*state_);
-  EXPECT_EQ(state_->workingFolder, default_.wstring());
-  EXPECT_EQ(StoredText(L"WorkingFolder"), default_.wstring());
-  EXPECT_TRUE(std::filesystem::is_directory(default_));
 }
 
 TEST_F(PersistentSettings, AStoredFolderStaysUpTo129CharactersAlthoughItIsAbsent) {
@@ -101,10 +93,16 @@ TEST_F(PersistentSettings, AStoredFolderStaysUpTo129CharactersAlthoughItIsAbsent
   EXPECT_EQ(StoredText(L"WorkingFolder"), default_.wstring());
 }
 
-TEST_F(PersistentSettings, ARegistryThatTakesNothingStillGivesAFolder) {
-  InjectFault({.point = FaultPoint::writeRegistry, .repeat = kEveryCall});
-  LoadWorkingFolder(*state_);
-  EXPECT_EQ(state_->workingFolder, default_.wstring());
+// Also where the registry takes nothing.
+TEST_F(PersistentSettings, FirstStartMakesAFolderInTheDocuments) {
+  for (const bool stores : {false, true}) {
+    if (!stores) InjectFault({.point = FaultPoint::writeRegistry, .repeat = kEveryCall});
+    LoadWorkingFolder(*state_);
+    EXPECT_EQ(state_->workingFolder, default_.wstring());
+    EXPECT_EQ(StoredText(L"WorkingFolder"), stores ? default_.wstring() : L"(none)");
+    EXPECT_TRUE(std::filesystem::remove(default_));
+    ClearFaults();
+  }
 }
 
 TEST_F(PersistentSettings, ThePlacementIsEightLittleEndianWords) {

@@ -14,8 +14,7 @@ TEST(DepthText, HasTheUnitsFigureAndItsName) {
   struct Row {
     double metres;
     DepthUnit unit;
-    int decimals;
-    int width;
+    int decimals, width;
     const wchar_t* text;
   };
   const Row rows[] = {

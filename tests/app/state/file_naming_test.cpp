@@ -35,8 +35,7 @@ NamingFacts Facts(NamingMoment moment, int32_t family, bool dual, const char* wo
 
 TEST(FileNaming, RoundsToTenKilohertz) {
   const struct {
-    int32_t hz;
-    int32_t kHz;
+    int32_t hz, kHz;
   } rows[] = {{447'000, 450}, {200'000, 200}, {204'999, 200},          {205'000, 210},
               {0, 0},         {4'999, 0},     {2'147'483'647, 2147480}};
   for (const auto& row : rows) EXPECT_EQ(NameKHz(row.hz), row.kHz) << row.hz;
@@ -77,9 +76,7 @@ TEST(FileNaming, ThirdFamilysFrequencyIsFixedAtStartOnly) {
 
 TEST(FileNaming, ChannelOfASingleRun) {
   const struct {
-    int32_t inUse_hz;
-    int32_t atStart_hz;
-    int32_t switchedOn_hz;
+    int32_t inUse_hz, atStart_hz, switchedOn_hz;
   } rows[] = {{450'000, 447'000, 447'000}, {200'000, 204'999, 204'999}, {300'000, 204'999, 447'000}};
   for (const auto& row : rows) {
     NamingFacts facts = Facts(kStart, 1, false);

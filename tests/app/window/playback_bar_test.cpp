@@ -37,24 +37,24 @@ TEST(PlaybackBar, ReadsATimeThatIsTypedIn) {
   const struct {
     const wchar_t* text;
     int64_t time_ms;  // below 0: it is none
-  } rows[] = {{L"1:02:03", 3'723'000},
-              {L"02:03", 123'000},
-              {L" 90 ", 90'000},
-              {L"100:00:00", 360'000'000},
-              {L"1.5", 1'500},
-              {L"0:0.0019", 1},
-              {L"", -1},
-              {L"1:", -1},
-              {L"1:60", -1},
-              {L"1:2:3:4", -1},
-              {L"-1", -1},
-              {L"1:2x", -1},
-              {L":1", -1},
-              {L"1000001", -1},
-              {L"9999999999999", -1}};
-  for (const auto& row : rows) {
-    EXPECT_EQ(ParseTimeOfRecording(row.text).value_or(-1), row.time_ms);
-  }
+  } rows[] = {
+      {L"1:02:03", 3'723'000},
+      {L"02:03", 123'000},
+      {L" 90 ", 90'000},
+      {L"100:00:00", 360'000'000},
+      {L"1.5", 1'500},
+      {L"0:0.0019", 1},
+      {L"", -1},
+      {L"1:", -1},
+      {L"1:60", -1},
+      {L"1:2:3:4", -1},
+      {L"-1", -1},
+      {L"1:2x", -1},
+      {L":1", -1},
+      {L"1000001", -1},
+      {L"9999999999999", -1},
+  };
+  for (const auto& row : rows) EXPECT_EQ(ParseTimeOfRecording(row.text).value_or(-1), row.time_ms);
 }
 
 TEST(PlaybackBar, ItsPartsStandBesideEachOther) {

@@ -18,8 +18,7 @@ TEST(WindowLayout, PlacesEchogramAndSlider) {
   const struct {
     const char* what;
     WindowLayout layout;
-    Numbers echogram;
-    Numbers slider;
+    Numbers echogram, slider;
   } rows[] = {
       {"normal view", {964, 691, false, false, 96}, {186, 6, 772, 655}, {186, 647, 772, 22}},
       {"normal view while playing", {964, 691, false, true, 96}, {186, 6, 772, 640}, {186, 647, 772, 22}},
@@ -28,10 +27,7 @@ TEST(WindowLayout, PlacesEchogramAndSlider) {
       {"large", {1904, 1021, false, false, 96}, {186, 6, 1712, 985}, {186, 977, 1712, 22}},
       {"half as dense again", {1446, 1036, false, true, 144}, {279, 9, 1158, 959}, {279, 970, 1158, 33}},
       {"with the playback bar", {964, 691, false, true, 96, true}, {186, 6, 772, 576}, {186, 647, 772, 22}},
-      {"a bar without a playback",
-       {964, 691, false, false, 96, true},
-       {186, 6, 772, 655},
-       {186, 647, 772, 22}},
+      {"a bar alone", {964, 691, false, false, 96, true}, {186, 6, 772, 655}, {186, 647, 772, 22}},
       {"narrower than the controls", {100, 20, false, false, 96}, {186, 6, 0, 0}, {186, -24, 0, 22}},
   };
   for (const auto& row : rows) {
