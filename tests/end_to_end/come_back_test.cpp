@@ -51,7 +51,7 @@ class ComeBack : public RunControlTest, public testing::WithParamInterface<ModeC
     SinkFiles(nullptr, nullptr);
   }
 
-  void Start() {
+  void SetUp() override {
     state_->options.keepRunGoing = 1;
     state_->options.silence_s = 5;
     AttachPeer(kDeviceLine, &line_);
@@ -159,7 +159,6 @@ void ComeBack::Judge(const std::vector<Record>& records, bool low) {
 }
 
 TEST_P(ComeBack, NoPingIsLostBesideThoseOfTheCuts) {
-  ASSERT_NO_FATAL_FAILURE(Start());
   std::mt19937 random(7);
   const int cuts = std::getenv("TW_FULL") != nullptr ? 1'000 : 12;
   for (int i = 0; i < cuts; ++i) {
@@ -181,7 +180,6 @@ TEST_P(ComeBack, NoPingIsLostBesideThoseOfTheCuts) {
 class EachKind : public ComeBack {};
 
 TEST_P(EachKind, ACutAtEachCommandOfTheComeBack) {
-  ASSERT_NO_FATAL_FAILURE(Start());
   int command = 1;
   for (bool reached = true; reached; ++command) {
     ASSERT_NO_FATAL_FAILURE(CutAndMend(1, Cut::plugPower, 3));
@@ -198,7 +196,6 @@ TEST_P(EachKind, ACutAtEachCommandOfTheComeBack) {
 }
 
 TEST_P(EachKind, StopInEachStepEndsTheRunAtOnce) {
-  ASSERT_NO_FATAL_FAILURE(Start());
   int command = 1;
   for (bool reached = true; reached; ++command) {
     ASSERT_NO_FATAL_FAILURE(CutAndMend(100, kCuts[command % 4], command % 30));
@@ -219,7 +216,6 @@ TEST_P(EachKind, StopInEachStepEndsTheRunAtOnce) {
 
 // What answers is not the run's device, or not well enough: told, tried on, and the run goes on with its own.
 TEST_P(EachKind, WaitsForItsOwnDeviceAsItWas) {
-  ASSERT_NO_FATAL_FAILURE(Start());
   const sim::SounderOptions own = line_.options;
   const struct {
     const char* what;
@@ -269,7 +265,6 @@ TEST_P(EachKind, WaitsForItsOwnDeviceAsItWas) {
 }
 
 TEST_P(EachKind, TheOperatorGoesOnMeanwhile) {
-  ASSERT_NO_FATAL_FAILURE(Start());
   line_.CutBehind(1, Cut::plug);
   AwaitCut();
   Ui().Choose(ID_RANGE, L"10");
@@ -298,7 +293,6 @@ TEST_P(EachKind, TheOperatorGoesOnMeanwhile) {
 }
 
 TEST_P(EachKind, AWorkerThatIsLateDisturbsNoOtherRun) {
-  ASSERT_NO_FATAL_FAILURE(Start());
   line_.CutBehind(1, Cut::plug);
   AwaitCut();
   line_.opening_ms = 60'000;
@@ -315,7 +309,6 @@ TEST_P(EachKind, AWorkerThatIsLateDisturbsNoOtherRun) {
 }
 
 TEST_P(EachKind, ACutBehindTheFirstPingIsNoticedAsSoonAsAnother) {
-  ASSERT_NO_FATAL_FAILURE(Start());
   ASSERT_NO_FATAL_FAILURE(CutAndMend(1, Cut::plug, 60));
   while (!IsBack()) SleepMilliseconds(1);
   line_.CutBehind(1, Cut::cable);
@@ -325,7 +318,6 @@ TEST_P(EachKind, ACutBehindTheFirstPingIsNoticedAsSoonAsAnother) {
 
 // Drivers whose reads of an adapter that is gone end with nothing, as those of a silent device do.
 TEST_P(EachKind, ADeadHandleIsNoSilence) {
-  ASSERT_NO_FATAL_FAILURE(Start());
   SilenceLine(kDeviceLine);
   Run(2);
   EXPECT_TRUE(IsBack());
@@ -340,8 +332,9 @@ TEST_P(EachKind, ADeadHandleIsNoSilence) {
 // A long wait is no dead line to a device that pings seldom.
 TEST_P(EachKind, SeldomPingsAfterAMinuteAway) {
   line_.options.pingsPerSecond = 1;
-  line_.PowerOn();
-  ASSERT_NO_FATAL_FAILURE(Start());
+  ASSERT_NO_FATAL_FAILURE(CutAndMend(1, Cut::power, 3));
+  ASSERT_NO_FATAL_FAILURE(AwaitReturn());
+  Run(20);
   for (const Cut cut : kCuts) {
     ASSERT_NO_FATAL_FAILURE(CutAndMend(1, cut, 90));
     ASSERT_NO_FATAL_FAILURE(AwaitReturn());

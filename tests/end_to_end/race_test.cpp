@@ -106,22 +106,14 @@ void RestartWorker(AppState& state) {
 
 // What an operator can do to the settings with one click, whichever it is.
 void ChooseAnyhow(AppState& state, int cycle) {
-  switch (cycle % 5) {
-    case 0:
-      Ui().Choose(ID_RANGE, cycle % 2 == 0 ? L"10" : L"5");
-      return TakeSettingsChoice(state, ID_RANGE);
-    case 1:
-      Ui().Choose(ID_INTERVAL, L"Auto");
-      return TakeSettingsChoice(state, ID_INTERVAL);
-    case 2:
-      return TakeSettingsChoice(state, ID_LOW_FREQUENCY);
-    case 3:
-      Ui().controls[ID_DUAL_MODE].checked = cycle % 2 == 0;
-      return TakeSettingsChoice(state, ID_DUAL_MODE);
-    default:
-      Ui().controls[ID_RECORD].checked = !Ui().controls[ID_RECORD].checked;
-      return ToggleRecording(state);
-  }
+  constexpr int kControls[] = {ID_RANGE, ID_INTERVAL, ID_LOW_FREQUENCY, ID_DUAL_MODE, ID_RECORD};
+  const int control = kControls[cycle % 5];
+  if (control == ID_RANGE) Ui().Choose(control, cycle % 2 == 0 ? L"10" : L"5");
+  if (control == ID_INTERVAL) Ui().Choose(control, L"Auto");
+  if (control == ID_DUAL_MODE) Ui().controls[control].checked = cycle % 2 == 0;
+  if (control != ID_RECORD) return TakeSettingsChoice(state, control);
+  Ui().controls[control].checked = !Ui().controls[control].checked;
+  ToggleRecording(state);
 }
 
 const std::vector<std::string> kInstruments = {"--samples", "400",        "--rate", "25",          "--mode",
@@ -185,30 +177,29 @@ std::wstring WriteRecording(const TestFolder& folder, int32_t frequency_hz) {
   return path.wstring();
 }
 
+void ChooseReplayAnyhow(AppState& state, uint64_t choice) {
+  state.options.skipGaps = static_cast<int32_t>(choice % 2);
+  TakeReplayOptions(state);
+  if (state.options.playbackBar != 0)
+    StoreShared(state.replay.pace_percent, 500 * static_cast<int32_t>(choice / 2 % 3));
+}
+
 // One thing that an operator does during a playback, whichever it is.
 void SteerAnyhow(AppState& state, uint64_t choice, uint64_t place) {
-  switch (choice % 9) {
-    case 0:
-      return PausePlayback(state);
-    case 1:
-      return ResumePlayback(state);
-    case 2:
-      return StepPlaybackBack(state, kBack20);
-    case 3:
-      return StepPlaybackBack(state, kBack100);
-    case 4:
-      return RequestStepOn(state.replay.stepOn, 20);
-    case 5:
-      return RequestTime(state.replay.timeRequest, 1'700'000'000'000 + static_cast<int64_t>(place % 120'000));
-    case 6:
-      state.options.skipGaps = static_cast<int32_t>(choice / 9 % 2);
-      TakeReplayOptions(state);
-      if (state.options.playbackBar != 0)
-        StoreShared(state.replay.pace_percent, 500 * static_cast<int32_t>(choice / 18 % 3));
-      return;
-    default:
-      return RequestSeek(state.seekRequest, place);
-  }
+  constexpr void (*kSteps[])(AppState&, uint64_t) = {
+      [](AppState& s, uint64_t) { PausePlayback(s); },
+      [](AppState& s, uint64_t) { ResumePlayback(s); },
+      [](AppState& s, uint64_t) { StepPlaybackBack(s, kBack20); },
+      [](AppState& s, uint64_t) { StepPlaybackBack(s, kBack100); },
+      [](AppState& s, uint64_t) { RequestStepOn(s.replay.stepOn, 20); },
+      [](AppState& s, uint64_t at) {
+        RequestTime(s.replay.timeRequest, 1'700'000'000'000 + static_cast<int64_t>(at % 120'000));
+      },
+      ChooseReplayAnyhow,
+      [](AppState& s, uint64_t at) { RequestSeek(s.seekRequest, at); },
+      [](AppState& s, uint64_t at) { RequestSeek(s.seekRequest, at); },
+  };
+  kSteps[choice % std::size(kSteps)](state, place);
 }
 
 TEST(Race, PlaybackIsSteeredWhileTheViewPaints) {
@@ -235,18 +226,11 @@ TEST(Race, PlaybackIsSteeredWhileTheViewPaints) {
       std::this_thread::sleep_for(kGesture);
     }
     pairs += LoadShared(globals.playedFrequencyB_hz) != 0 ? 1 : 0;
-    switch (playbacks % 3) {
-      case 0:
-        StopRun(state);
-        break;
-      case 1:
-        Ui().chosenFiles = {pair[0]};
-        playbacks % 2 == 0 ? ConvertToSegy(state) : ConvertToText(state);
-        painter.Paint();
-        break;
-      default:  // the next one ends it
-        break;
-    }
+    if (playbacks % 3 == 0) StopRun(state);
+    if (playbacks % 3 != 1) continue;  // the next one ends it
+    Ui().chosenFiles = {pair[0]};
+    playbacks % 2 == 0 ? ConvertToSegy(state) : ConvertToText(state);
+    painter.Paint();
   }
   StopRun(state);
   EXPECT_TRUE(Ui().boxes.empty());
