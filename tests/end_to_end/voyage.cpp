@@ -162,20 +162,20 @@ void Voyage::AwaitLink() {
   log_.Close();
 }
 
-// The program finds out, ends the run, and is started again when the link is back.
+// A run that does not go on by itself has ended where the program has found out, and is started again.
+void Voyage::MendLink(bool lost) {
+  if (lost && !goesOn_) ExpectErrorBox(L"Connection lost!");
+  peer_->link = LossyPeer::Link::up;
+  if (lost && !goesOn_) return Start();
+  AwaitLink();
+}
+
 void Voyage::HangUp() {
   ++log_.figures.hangUps;
   log_.Open(Excuse::linkDown);
   peer_->link = LossyPeer::Link::hungUp;
   Leg(Draw(3, 120));
-  if (goesOn_) {
-    peer_->link = LossyPeer::Link::up;
-    return AwaitLink();
-  }
-  ExpectErrorBox(L"Connection lost!");
-  Ui().boxes.clear();
-  peer_->link = LossyPeer::Link::up;
-  Start();
+  MendLink(true);
 }
 
 // A short silence passes; a long one ends the run.
@@ -185,15 +185,7 @@ void Voyage::FallSilent() {
   peer_->link = LossyPeer::Link::silent;
   const int32_t seconds = Draw(1, 2) == 1 ? Draw(1, kSilenceLimit_s - 5) : kSilenceLimit_s + Draw(5, 30);
   Leg(seconds);
-  peer_->link = LossyPeer::Link::up;
-  if (goesOn_) return AwaitLink();
-  if (seconds > kSilenceLimit_s) {
-    ExpectErrorBox(L"Connection lost!");
-    Ui().boxes.clear();
-    return Start();
-  }
-  SleepMilliseconds(300);  // a ping that was torn may take the next one with it
-  log_.Close();
+  MendLink(seconds > kSilenceLimit_s);
 }
 
 // The device is at its prompt, perhaps at its own speed, and sends nothing that need not be recorded.

@@ -111,6 +111,7 @@ class Voyage : public RunControlTest {
   void Start();
   void Leg(int32_t seconds);
   void AwaitLink();
+  void MendLink(bool lost);
   void HangUp();
   void FallSilent();
   void LosePower();

@@ -34,11 +34,9 @@ TEST_F(NmeaSentences, GgaFillsPositionAndQuality) {
 TEST_F(NmeaSentences, RmcFillsSpeedAndDate) {
   EXPECT_EQ(Take("$GPRMC,225446.5,A,3351.1234,S,05812.4321,W,5.5,270.0,191194,020.3,E,D*02\r\n"), 1);
   ExpectTime({94, 10, 19, 22, 54, 46, 5});
-  EXPECT_EQ(fix_.latitude, -3351.1234);
-  EXPECT_EQ(fix_.longitude, -5812.4321);
+  EXPECT_EQ((std::array{fix_.latitude, fix_.longitude, fix_.direction_deg, fix_.declination_deg}),
+            (std::array{-3351.1234, -5812.4321, 270.0, 20.3}));
   EXPECT_NEAR(fix_.speed_kmh, 10.186, 1e-9);
-  EXPECT_EQ(fix_.direction_deg, 270.0);
-  EXPECT_EQ(fix_.declination_deg, 20.3);
   EXPECT_EQ(fix_.modeCode, 1);
   EXPECT_EQ(fix_.presence, kHasRmc);
   EXPECT_EQ(Take(Sentence("GPRMC,225447,A,3351.1234,S,05812.4321,W,5.5,270.0,191194,003.1,W")), 1);
@@ -51,14 +49,11 @@ TEST_F(NmeaSentences, DilutionSatellitesAndCourse) {
                  "$GPVTG,054.7,T,034.4,M,005.5,N,010.2,K*48\r\n"),
             3);
   EXPECT_EQ(fix_.fixType, 3);
-  EXPECT_EQ(fix_.pdop, 2.5);
-  EXPECT_EQ(fix_.hdop, 1.3);
-  EXPECT_EQ(fix_.vdop, 2.1);
+  EXPECT_EQ((std::array{fix_.pdop, fix_.hdop, fix_.vdop}), (std::array{2.5, 1.3, 2.1}));
   EXPECT_EQ(fix_.satellitesInView, 8);
   const auto& [id, elevation_deg, azimuth_deg, signal_db] = fix_.satellites[2];
   EXPECT_EQ((std::array{id, elevation_deg, azimuth_deg, signal_db}), (std::array{12, 7, 344, 39}));
-  EXPECT_EQ(fix_.direction_deg, 54.7);
-  EXPECT_EQ(fix_.speed_kmh, 10.2);
+  EXPECT_EQ((std::array{fix_.direction_deg, fix_.speed_kmh}), (std::array{54.7, 10.2}));
 }
 
 TEST_F(NmeaSentences, NewerReceiversSendMoreFieldsAndTheOtherTalker) {
@@ -69,10 +64,8 @@ TEST_F(NmeaSentences, NewerReceiversSendMoreFieldsAndTheOtherTalker) {
             4);
   ExpectTime({102, 11, 9, 9, 27, 25, 0});
   EXPECT_EQ(fix_.modeCode, 0);
-  EXPECT_EQ(fix_.latitude, 4717.11399);
-  EXPECT_EQ(fix_.longitude, 833.9159);
-  EXPECT_EQ(fix_.vdop, 1.54);
-  EXPECT_EQ(fix_.speed_kmh, 0.008);
+  EXPECT_EQ((std::array{fix_.latitude, fix_.longitude, fix_.vdop, fix_.speed_kmh}),
+            (std::array{4717.11399, 833.9159, 1.54, 0.008}));
   // Ten satellites: the third sentence holds two, and a signal number behind them.
   EXPECT_EQ(Take("$GPGSV,3,3,10,26,82,187,47,28,43,056,46,1*6A\r\n"), 1);
   EXPECT_EQ(fix_.satellites[9].id, 28);
@@ -202,9 +195,8 @@ TEST_F(NmeaSentences, RefusedOnes) {
 
 TEST_F(NmeaSentences, OtherSentencesAreSkippedInSilence) {
   for (const char* body : {"GNGSA,A,3,04,05,,09,12,,,24,,,,,2.5,1.3,2.1", "GLGSV,1,1,00", "GPZDA,1,2,3", "GP",
-                           "", "gpgga,123519"}) {
+                           "", "gpgga,123519"})
     EXPECT_EQ(Take(Sentence(body)), 0) << body;
-  }
   EXPECT_TRUE(errors_.empty());
   EXPECT_EQ(fix_.presence, 0u);
 }

