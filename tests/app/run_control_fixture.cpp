@@ -101,7 +101,7 @@ void RunControlTest::StartQuickRun(int seconds, const sim::SounderOptions& optio
 }
 
 void RunControlTest::SetRecording(bool on) {
-  Ui().controls[ID_RECORD].checked = on;
+  Of(ID_RECORD).checked = on;
   ToggleRecording(*state_);
 }
 
@@ -136,7 +136,7 @@ void RunControlTest::ExpectIdle() const {
   EXPECT_EQ(state_->gpsThread, Handle::null);
   EXPECT_EQ(state_->recordFileA, Handle::invalid);
   EXPECT_EQ(state_->recordFileB, Handle::invalid);
-  EXPECT_TRUE(Ui().controls[ID_START].enabled);
+  EXPECT_TRUE(Of(ID_START).enabled);
   EXPECT_TRUE(Ui().PointerIsArrow());
   EXPECT_FALSE(Ui().timers.contains(ID_TIMER_LINK));
   EXPECT_EQ(Ui().status[0], L"Device: Disconnected");

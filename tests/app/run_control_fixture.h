@@ -45,6 +45,8 @@ class RunControlTest : public testing::Test {
   [[nodiscard]] int32_t NewestSlot(bool second = false) const;
   [[nodiscard]] PingHeader NewestPing(bool second = false) const;
 
+  static Control& Of(int id) { return Ui().controls[id]; }
+
   // Lets the program run, its one-second timer included.
   void Run(int seconds);
 

@@ -91,39 +91,35 @@ class EchogramImage : public testing::Test {
   std::vector<Pixel> pixels_;
 };
 
-struct ImageCase {
-  const char* what;
-  int32_t width;
-  int32_t height;
-  EchogramScale scale;
-};
-
-constexpr ImageCase kImages[] = {
-    {"one pixel", 1, 1, {500, 10, 10'000, 1'500.0f}},
-    {"three columns", 3, 7, {500, 10, 10'000, 1'500.0f}},
-    {"one column more than a tile", 17, 33, {500, 10, 10'000, 1'500.0f}},
-    {"each slot in many columns", 640, 200, {400, 10, 10'000, 1'500.0f}},
-    {"more pings than columns", 90, 200, {700, 60, 50'000, 1'500.0f}},
-    {"shallow range, slow sound", 100, 300, {300, 20, 1'000, 1'400.5f}},
-    {"rows beyond the slot are black", 50, 500, {300, 20, 250'000, 1'480.0f}},
-    {"more rows than a band", 20, 2'100, {300, 20, 200'000, 1'500.0f}},
-    {"the newest ping is at index 0", 120, 50, {0, 20, 10'000, 1'500.0f}},
-    {"old columns go below index 0", 333, 50, {40, 30, 10'000, 1'500.0f}},
-    {"the last slot of the ring", 100, 50, {9'999, 10, 10'000, 1'500.0f}},
-    {"one pixel at index 0", 1, 1, {0, 300, 200'000, 1'500.0f}},
-    {"a column", 1, 960, {3, 150, 30'000, 1'500.0f}},
-    {"a row", 1'770, 1, {3, 150, 30'000, 1'500.0f}},
-    {"a screen of the largest kind", 3'840, 2'160, {500, 60, 120'000, 1'480.0f}},
-};
-
 TEST_F(EchogramImage, FollowsTheRulesPixelByPixel) {
+  const struct {
+    const char* what;
+    int32_t width, height;
+    EchogramScale scale;
+  } rows[] = {
+      {"one pixel", 1, 1, {500, 10, 10'000, 1'500.0f}},
+      {"three columns", 3, 7, {500, 10, 10'000, 1'500.0f}},
+      {"one column more than a tile", 17, 33, {500, 10, 10'000, 1'500.0f}},
+      {"each slot in many columns", 640, 200, {400, 10, 10'000, 1'500.0f}},
+      {"more pings than columns", 90, 200, {700, 60, 50'000, 1'500.0f}},
+      {"shallow range, slow sound", 100, 300, {300, 20, 1'000, 1'400.5f}},
+      {"rows beyond the slot are black", 50, 500, {300, 20, 250'000, 1'480.0f}},
+      {"more rows than a band", 20, 2'100, {300, 20, 200'000, 1'500.0f}},
+      {"the newest ping is at index 0", 120, 50, {0, 20, 10'000, 1'500.0f}},
+      {"old columns go below index 0", 333, 50, {40, 30, 10'000, 1'500.0f}},
+      {"the last slot of the ring", 100, 50, {9'999, 10, 10'000, 1'500.0f}},
+      {"one pixel at index 0", 1, 1, {0, 300, 200'000, 1'500.0f}},
+      {"a column", 1, 960, {3, 150, 30'000, 1'500.0f}},
+      {"a row", 1'770, 1, {3, 150, 30'000, 1'500.0f}},
+      {"a screen of the largest kind", 3'840, 2'160, {500, 60, 120'000, 1'480.0f}},
+  };
   for (int32_t i = 0; i < 800; ++i) FillSlot(*ring_, i, 88, 29'636);
   for (int32_t i = 9'800; i < kRingSlots; ++i) FillSlot(*ring_, i, 88, 29'636);
   // 2^32 modulo 10,000 is 7,296: where columns below index 0 are found.
   for (int32_t i = 6'996; i < 7'296; ++i) FillSlot(*ring_, i, 88, 2'000);
-  for (const ImageCase& c : kImages) {
-    SCOPED_TRACE(c.what);
-    ExpectRules(c.scale, c.width, c.height);
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.what);
+    ExpectRules(row.scale, row.width, row.height);
   }
 }
 

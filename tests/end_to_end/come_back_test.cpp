@@ -219,34 +219,25 @@ TEST_P(EachKind, WaitsForItsOwnDeviceAsItWas) {
   const sim::SounderOptions own = line_.options;
   const struct {
     const char* what;
-    void (*change)(sim::SounderOptions& options);
-    AwayFor away;
-    const wchar_t* told;
+    const char* identity;
+    int32_t baud, mode;
+    bool mute, streaming;
+    AwayFor away = AwayFor::nothing;
+    const wchar_t* told = L"";
   } rows[] = {
-      {"another device", [](sim::SounderOptions& o) { o.identity = "4711"; }, AwayFor::otherDevice,
-       L"another device answers"},
-      {"it tells nothing",
-       [](sim::SounderOptions& o) {
-         o.faults.mute = {"#iden", "#rangeh", "#info"};
-       },
-       AwayFor::answer, L"the device does not answer"},
-      {"at its own speed", [](sim::SounderOptions& o) { o.baud = 115'200; }, AwayFor::nothing, L""},
-      {"at its own speed, streaming",
-       [](sim::SounderOptions& o) {
-         o.baud = 115'200;
-         o.streaming = true;
-       },
-       AwayFor::nothing, L""},
-      {"streaming in another mode",
-       [](sim::SounderOptions& o) {
-         o.streaming = true;
-         o.outputMode = 3;
-       },
-       AwayFor::nothing, L""},
+      {"another device", "4711", 921'600, 2, false, false, AwayFor::otherDevice, L"another device answers"},
+      {"it tells nothing", nullptr, 921'600, 2, true, false, AwayFor::answer, L"the device does not answer"},
+      {"at its own speed", nullptr, 115'200, 2, false, false},
+      {"at its own speed, streaming", nullptr, 115'200, 2, false, true},
+      {"streaming in another mode", nullptr, 921'600, 3, false, true},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.what);
-    row.change(line_.options);
+    if (row.identity != nullptr) line_.options.identity = row.identity;
+    if (row.mute) line_.options.faults.mute = {"#iden", "#rangeh", "#info"};
+    line_.options.baud = row.baud;
+    line_.options.outputMode = row.mode;
+    line_.options.streaming = row.streaming;
     ASSERT_NO_FATAL_FAILURE(CutAndMend(1, Cut::plugPower, 3));
     if (row.away != AwayFor::nothing) {
       for (int i = 0; i < 100 && LoadShared(state_->linkAway) != static_cast<int32_t>(row.away); ++i) Run(1);

@@ -28,11 +28,11 @@ TEST_F(Apply, AChangedOutputIsSentASecondLater) {
   state_->settings.outputMode = 4;
   NoteChoice(*state_);
   EXPECT_EQ(Ui().timers[ID_TIMER_CHANGES], 1000u);
-  Ui().controls[ID_OUTPUT].open = true;
+  Of(ID_OUTPUT).open = true;
   HandleTimer(*state_, ID_TIMER_CHANGES);
   EXPECT_TRUE(Ui().timers.contains(ID_TIMER_CHANGES)) << "while a list is open it waits";
   EXPECT_EQ(state_->appliedSettings.outputMode, 2);
-  Ui().controls[ID_OUTPUT].open = false;
+  Of(ID_OUTPUT).open = false;
   HandleTimer(*state_, ID_TIMER_CHANGES);
   Run(2);
   EXPECT_FALSE(Ui().timers.contains(ID_TIMER_CHANGES));
@@ -67,7 +67,7 @@ TEST_F(Apply, SonarmiteOldForBothFrequenciesMayBeRefused) {
     bool refused;
   } rows[] = {{true, 2, false}, {true, 9, true}, {true, 4, false}, {false, 9, false}, {true, 9, true}};
   for (const auto& row : rows) {
-    Ui().controls[ID_DUAL_MODE].checked = row.dual;
+    Of(ID_DUAL_MODE).checked = row.dual;
     state_->settings.outputMode = row.mode;
     ApplySettings(*state_);
     if (row.refused) {
@@ -136,7 +136,7 @@ TEST_F(Apply, InputThatQueuesUpMeanwhileIsThrownAwayButStopAndExit) {
 class AutoCapture : public Apply {
  protected:
   void Tick(bool on) {
-    Ui().controls[ID_AUTO_CAPTURE].checked = on;
+    Of(ID_AUTO_CAPTURE).checked = on;
     ToggleAutoCapture(*state_);
   }
 };
@@ -169,7 +169,7 @@ TEST_F(AutoCapture, WhatInterruptsARunLeavesItsTimerAlone) {
   ChangeSpeed(*state_, 460'800);
   EXPECT_FALSE(std::any_of(Ui().log.begin(), Ui().log.end(),
                            [](const std::string& entry) { return entry.starts_with("timer 6 "); }));
-  Ui().controls[ID_DUAL_MODE].checked = true;
+  Of(ID_DUAL_MODE).checked = true;
   ApplySettings(*state_);
   EXPECT_EQ(Ui().timers[ID_TIMER_CAPTURE], 67'000u) << "an image half as long";
 }
@@ -194,7 +194,7 @@ TEST_F(Apply, APortThatDoesNotReopenEndsTheRun) {
   ChangeSpeed(*state_, 3'000'000);
   EXPECT_EQ(Ui().systemErrors, std::vector<uint32_t>{EBUSY});
   EXPECT_EQ(globals.deviceBaud, 3'000'000);
-  EXPECT_EQ(Ui().controls[ID_DEVICE_SPEED].text, L"3000000");
+  EXPECT_EQ(Of(ID_DEVICE_SPEED).text, L"3000000");
   ExpectIdle();
   StartRun(*state_);
   EXPECT_EQ(StateOfProgram(*state_), ProgramState::running) << "at the new speed";

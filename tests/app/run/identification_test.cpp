@@ -152,10 +152,9 @@ TEST_F(IdentificationTest, EachFamilyHasItsControls) {
     EXPECT_EQ(globals.deviceFamily, row.family);
     EXPECT_EQ(state_->settings.simultaneous, 0);
     EXPECT_EQ(state_->link->facts.smoothingSupported, row.family == 1);
-    EXPECT_TRUE(Ui().controls[ID_HIGH_FREQUENCY].visible);
-    for (const int id : {ID_LOW_FREQUENCY, ID_DUAL_MODE})
-      EXPECT_EQ(Ui().controls[id].visible, row.both) << id;
-    for (const int id : {ID_PRESET, ID_PRESET_LABEL}) EXPECT_EQ(Ui().controls[id].visible, row.presets) << id;
+    EXPECT_TRUE(Of(ID_HIGH_FREQUENCY).visible);
+    for (const int id : {ID_LOW_FREQUENCY, ID_DUAL_MODE}) EXPECT_EQ(Of(id).visible, row.both) << id;
+    for (const int id : {ID_PRESET, ID_PRESET_LABEL}) EXPECT_EQ(Of(id).visible, row.presets) << id;
     StopRun(*state_);
     DetachSerialLines();
   }

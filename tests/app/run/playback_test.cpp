@@ -383,7 +383,7 @@ TEST_F(Playback, WhatCannotBeConvertedIsSaid) {
     // One file ends the playback, whatever becomes of it.
     const bool plays = row.files.size() != 1;
     EXPECT_EQ(StateOfProgram(*state_), plays ? ProgramState::playing : ProgramState::idle) << row.message;
-    EXPECT_EQ(Ui().controls[ID_STOP].enabled, plays) << row.message;
+    EXPECT_EQ(Of(ID_STOP).enabled, plays) << row.message;
   }
 }
 

@@ -39,7 +39,7 @@ TEST_F(Running, ApplyLeavesTheZoomUnlessTheRangeIsAnother) {
 
   state_->displayRangeUpper = 5'000;
   state_->displayRangeLower = 1'000;
-  Ui().controls[ID_DUAL_MODE].checked = true;
+  Of(ID_DUAL_MODE).checked = true;
   ApplySettings(*state_);
   EXPECT_EQ(state_->displayRangeUpper, 5'000);
   EXPECT_EQ(state_->displayRangeLower, 30'000) << "a panel that has just appeared shows all";
@@ -229,8 +229,8 @@ TEST_F(Playback, AFileOfTheLowFrequencyIsShownByItsOwnValues) {
   state_->settings.rangeLow_mm = 10'000;
   state_->settings.thresholdLow_percent = 77;
   Play(files_);
-  EXPECT_TRUE(Ui().controls[ID_LOW_FREQUENCY].checked);
-  EXPECT_FALSE(Ui().controls[ID_HIGH_FREQUENCY].checked);
+  EXPECT_TRUE(Of(ID_LOW_FREQUENCY).checked);
+  EXPECT_FALSE(Of(ID_HIGH_FREQUENCY).checked);
   EXPECT_EQ(DeviceRangeOf(state_->settings, PanelPlace::single), 30'000);
   EXPECT_EQ(DescribePanel(*state_, PanelPlace::single).threshold_percent, 10) << "as the device told it";
   const int32_t zoomed = ZoomedRange(state_->displayRangeUpper, 30'000, WheelTurn::forward);
@@ -242,8 +242,8 @@ TEST_F(Playback, ThePairOfADualRunTicksDualMode) {
   Record(QuickSounder(2, true), 5);
   state_->settings.simultaneous = 0;  // as a device of one frequency has left it
   Play(files_);
-  EXPECT_TRUE(Ui().controls[ID_DUAL_MODE].checked);
-  EXPECT_FALSE(Ui().controls[ID_HIGH_FREQUENCY].checked);
+  EXPECT_TRUE(Of(ID_DUAL_MODE).checked);
+  EXPECT_FALSE(Of(ID_HIGH_FREQUENCY).checked);
 }
 
 TEST_F(Running, ClosingIsAskedWhileItRecordsAndNotTwice) {

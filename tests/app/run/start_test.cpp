@@ -53,8 +53,8 @@ TEST_F(StartTest, ByItselfItWaitsForItsPorts) {
   }
   EXPECT_NE(state_->acquisitionThread, Handle::null);
   EXPECT_EQ(gpsPeer_->Opened(), 1);
-  EXPECT_EQ(Ui().controls[ID_DEVICE_PORT].text, L"COM5");
-  EXPECT_EQ(Ui().controls[ID_GPS_PORT].text, L"COM6");
+  EXPECT_EQ(Of(ID_DEVICE_PORT).text, L"COM5");
+  EXPECT_EQ(Of(ID_GPS_PORT).text, L"COM6");
   EXPECT_EQ(state_->startsByItself, 0);
 }
 
@@ -145,10 +145,10 @@ TEST_F(StartTest, PortsThatDoNotOpenShowTheSystemsError) {
   };
   state_->playbackActive = 1;
   RefreshControlStates(*state_);
-  ASSERT_TRUE(Ui().controls[ID_PAUSE].enabled);
+  ASSERT_TRUE(Of(ID_PAUSE).enabled);
   refused(ENOENT);
-  EXPECT_FALSE(Ui().controls[ID_PAUSE].enabled);
-  EXPECT_FALSE(Ui().controls[ID_STOP].enabled);
+  EXPECT_FALSE(Of(ID_PAUSE).enabled);
+  EXPECT_FALSE(Of(ID_STOP).enabled);
   ConnectSounder(QuickSounder());
   InjectFault({.point = FaultPoint::openLine, .code = EBUSY});
   refused(EBUSY);

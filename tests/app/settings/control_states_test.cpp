@@ -21,7 +21,7 @@ class ControlStates : public RunControlTest {
 
   void ExpectUse(const std::vector<int>& controls, bool use, const std::string& where) {
     for (const int id : controls) {
-      EXPECT_EQ(Ui().controls[id].enabled, use) << where << ", " << id;
+      EXPECT_EQ(Of(id).enabled, use) << where << ", " << id;
       EXPECT_EQ(WhyDisabled(*state_, id) == nullptr, use) << where << ", " << id;
     }
   }

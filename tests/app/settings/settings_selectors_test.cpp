@@ -35,8 +35,6 @@ class SettingsSelectors : public RunControlTest {
     state_->link->facts.presetCapable = family != 0;
   }
 
-  static Control& Of(int id) { return Ui().controls[id]; }
-
   void ChooseItem(int id, const std::wstring& text) {
     ASSERT_NE(std::find(Of(id).items.begin(), Of(id).items.end(), text), Of(id).items.end());
     Ui().Choose(id, text);

@@ -17,10 +17,7 @@ namespace {
 
 using Items = std::vector<std::wstring>;
 
-class StartUpTest : public RunControlTest {
- protected:
-  static Control& Of(int id) { return Ui().controls[id]; }
-};
+class StartUpTest : public RunControlTest {};
 
 TEST_F(StartUpTest, FirstStartOfAll) {
   FillCommunicationControls(*state_);
