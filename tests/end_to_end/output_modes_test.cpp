@@ -105,17 +105,74 @@ class OutputModes : public RunControlTest, public testing::WithParamInterface<Mo
   // A column of the table.
   void Start(StreamFault fault);
   void Receive();
-  void Judge();
+  void Judge() {
+    MarkOwed();
+    for (size_t file = 0; file < each_.Files(); ++file) ExpectRecorded(file);
+    // A line may be recorded behind one that was kept, and with a line end of the program's.
+    if (!each_.IsBinary() && each_.TellsAttitude()) {
+      for (const RecordedFile& file : files_) ExpectSent(file);
+    }
+    ExpectShown(false);
+    if (each_.dual) ExpectShown(true);
+  }
 
   void ReadFile(std::string_view file, RecordedFile& out);
-  void ReadFrame(std::string_view& file, RecordedFile& out);
+  void ReadFrame(std::string_view& file, RecordedFile& out) {
+    ASSERT_GE(file.size(), 88u);
+    ASSERT_TRUE(file.starts_with(std::string_view("TR57\x58\0\0\0", 8)));
+    EXPECT_EQ(file.substr(28, 4), std::string_view("\0\0\0\0", 4)) << "reserved";
+    EXPECT_EQ(file.substr(44, 4), std::string_view("\0\0\0\0", 4)) << "reserved";
+    const auto* frame = reinterpret_cast<const uint8_t*>(file.data());
+    const PingHeader header = LoadPingHeader(frame);
+    const size_t size = 88 + 2 * size_t{header.sampleCount};
+    ASSERT_GE(file.size(), size) << "a torn frame";
+    out.frames.push_back({header, SamplesAt(frame + 88, header.sampleCount)});
+    file.remove_prefix(size);
+  }
   void ReadText(std::string_view& file, RecordedFile& out);
-  void ExpectViewOfTheHighChannel() const;
-  void MarkOwed();
+  // Threshold line and wheel go by what the device has told.
+  void ExpectViewOfTheHighChannel() const {
+    const PanelPlace place = each_.dual ? PanelPlace::upper : PanelPlace::single;
+    const PanelSource view = DescribePanel(*state_, place);
+    EXPECT_EQ(view.threshold_percent, 10);
+    EXPECT_EQ(view.scale.range_mm, each_.range_mm);
+    const int32_t deviceRange_mm = DeviceRangeOf(ShownSettings(*state_), place);
+    EXPECT_EQ(ZoomedRange(view.scale.range_mm, deviceRange_mm, WheelTurn::back), each_.range_mm);
+  }
+  // Which messages must have been received: the intact ones that do not stand within a damage.
+  void MarkOwed() {
+    owed_.clear();
+    uint64_t cleanFrom = 0;
+    bool behindDamage = false;
+    for (const SentMessage& message : std::span(account_.messages).first(judged_)) {
+      const bool clean = each_.IsBinary() ? message.sent.offset >= cleanFrom : !behindDamage;
+      const bool readable = message.sent.intact || DiffersInSamplesOnly(message);
+      owed_.push_back(clean && readable);
+      behindDamage = !readable;
+      // Counted even within another's: the reader may have seen through that one.
+      if (!readable) cleanFrom = std::max(cleanFrom, EndOfDamage(message));
+    }
+  }
   void ExpectRecorded(size_t file);
   void ExpectShown(bool low);
-  void ExpectPosition(const PingHeader& ping);
-  void ExpectSent(const RecordedFile& file) const;
+  // A place where the receiver has been by then.
+  void ExpectPosition(const PingHeader& ping) {
+    if (ping.gpsLatitude_rad == 0 && ping.gpsLongitude_rad == 0) return;  // before the first fix
+    ++positions_;
+    EXPECT_EQ(ping.gpsValid, 1);
+    EXPECT_TRUE(HasBeenAt(*gps_, static_cast<double>(ping.gpsLatitude_rad) * kRadian,
+                          static_cast<double>(ping.gpsLongitude_rad) * kRadian, 1e-5));
+    EXPECT_LE(static_cast<int64_t>(ping.gpsTime_s), gps_->Epochs().Entries().back().utc_centi / 100);
+  }
+  // Nothing is recorded that was not sent so, in that order.
+  void ExpectSent(const RecordedFile& file) const {
+    size_t from = 0;
+    for (const std::string& message : file.messages) {
+      const size_t at = Bytes().find(message, from);
+      ASSERT_NE(at, Bytes().npos) << "recorded, but never sent: " << message;
+      from = at + 1;
+    }
+  }
 
   [[nodiscard]] bool IsSound() const { return fault_ == StreamFault::none; }
   [[nodiscard]] bool IsLow(const SentMessage& message) const {
@@ -127,12 +184,37 @@ class OutputModes : public RunControlTest, public testing::WithParamInterface<Mo
   [[nodiscard]] const std::string& Bytes() const {
     return static_cast<const ListeningPeer&>(*sounderPeer_).bytes;
   }
-  [[nodiscard]] bool DiffersInSamplesOnly(const SentMessage& message) const;
-  [[nodiscard]] uint64_t EndOfDamage(const SentMessage& message) const;
-  [[nodiscard]] bool ShowsPulse(const Shown& shown, float altitude_m) const;
+  // Other samples move nothing: the ping is owed, and differs there only.
+  [[nodiscard]] bool DiffersInSamplesOnly(const SentMessage& message) const {
+    return each_.IsBinary() && fault_ == StreamFault::flippedBytes && !message.sent.intact &&
+           message.sent.faultAt >= kBlockHeader;
+  }
+  // Where the bytes end that a damaged device block may cost: those of the length that it tells, if such a
+  // block can be.
+  [[nodiscard]] uint64_t EndOfDamage(const SentMessage& message) const {
+    constexpr std::string_view kMagic = "TIDEWRITEC";
+    constexpr uint64_t kLongest = 256'000;
+    const uint64_t end = message.sent.offset + message.sent.size;
+    const size_t magic = Bytes().find(kMagic, message.sent.offset);
+    if (magic >= end || magic + kMagic.size() + 4 > Bytes().size()) return end;
+    const auto* length = reinterpret_cast<const uint8_t*>(Bytes().data()) + magic + kMagic.size();
+    const uint64_t told = LoadLe<uint32_t>(length);
+    return told > kLongest ? end : std::max(end, magic + told);
+  }
+  [[nodiscard]] bool ShowsPulse(const Shown& shown, float altitude_m) const {
+    const std::vector<uint16_t>& samples = shown.samples;
+    // 10 us a sample, at 1,500 m/s.
+    const auto pulse = static_cast<size_t>(static_cast<double>(altitude_m) * 2 / 1'500.0 / 0.00001);
+    const auto first = std::find_if(samples.begin(), samples.end(), [](uint16_t each) { return each != 0; });
+    return static_cast<size_t>(first - samples.begin()) == pulse && samples[pulse] == 921 &&
+           samples[pulse + 4] == 3685 && samples[pulse + 9] == 921 && samples[pulse + 10] == 0;
+  }
   [[nodiscard]] bool ShowsSamples(const Shown& shown, const SentMessage& message) const;
   [[nodiscard]] bool Shows(const Shown& shown, const SentMessage& message, bool low) const;
-  [[nodiscard]] bool Holds(const RecordedFile& file, size_t record, const SentMessage& message) const;
+  [[nodiscard]] bool Holds(const RecordedFile& file, size_t record, const SentMessage& message) const {
+    if (each_.IsBinary()) return Shows(file.frames[record], message, false);
+    return file.messages[record] == std::string_view(Bytes()).substr(message.sent.offset, message.sent.size);
+  }
 
   const ModeCase& each_ = GetParam();
   StreamFault fault_ = StreamFault::none;
@@ -171,16 +253,6 @@ void OutputModes::Start(StreamFault fault) {
   EXPECT_EQ(state_->settings.outputMode, each_.row->code);
   EXPECT_EQ(state_->echogramEnabled, each_.IsPulse() ? 0 : 1);
   if (!each_.IsPulse()) ExpectViewOfTheHighChannel();
-}
-
-// Threshold line and wheel go by what the device has told.
-void OutputModes::ExpectViewOfTheHighChannel() const {
-  const PanelPlace place = each_.dual ? PanelPlace::upper : PanelPlace::single;
-  const PanelSource view = DescribePanel(*state_, place);
-  EXPECT_EQ(view.threshold_percent, 10);
-  EXPECT_EQ(view.scale.range_mm, each_.range_mm);
-  const int32_t deviceRange_mm = DeviceRangeOf(ShownSettings(*state_), place);
-  EXPECT_EQ(ZoomedRange(view.scale.range_mm, deviceRange_mm, WheelTurn::back), each_.range_mm);
 }
 
 void OutputModes::Receive() {
@@ -238,19 +310,6 @@ void OutputModes::ReadFile(std::string_view file, RecordedFile& out) {
   }
 }
 
-void OutputModes::ReadFrame(std::string_view& file, RecordedFile& out) {
-  ASSERT_GE(file.size(), 88u);
-  ASSERT_TRUE(file.starts_with(std::string_view("TR57\x58\0\0\0", 8)));
-  EXPECT_EQ(file.substr(28, 4), std::string_view("\0\0\0\0", 4)) << "reserved";
-  EXPECT_EQ(file.substr(44, 4), std::string_view("\0\0\0\0", 4)) << "reserved";
-  const auto* frame = reinterpret_cast<const uint8_t*>(file.data());
-  const PingHeader header = LoadPingHeader(frame);
-  const size_t size = 88 + 2 * size_t{header.sampleCount};
-  ASSERT_GE(file.size(), size) << "a torn frame";
-  out.frames.push_back({header, SamplesAt(frame + 88, header.sampleCount)});
-  file.remove_prefix(size);
-}
-
 // A message as it came, in NMEA behind a frequency line; behind it the position, and in echo text an empty
 // line.
 void OutputModes::ReadText(std::string_view& file, RecordedFile& out) {
@@ -271,49 +330,6 @@ void OutputModes::ReadText(std::string_view& file, RecordedFile& out) {
   if (each_.IsPulse()) return;
   ASSERT_TRUE(file.starts_with("\r\n\r\n"));
   file.remove_prefix(4);
-}
-
-// Where the bytes end that a damaged device block may cost: those of the length that it tells, if such a
-// block can be.
-uint64_t OutputModes::EndOfDamage(const SentMessage& message) const {
-  constexpr std::string_view kMagic = "TIDEWRITEC";
-  constexpr uint64_t kLongest = 256'000;
-  const uint64_t end = message.sent.offset + message.sent.size;
-  const size_t magic = Bytes().find(kMagic, message.sent.offset);
-  if (magic >= end || magic + kMagic.size() + 4 > Bytes().size()) return end;
-  const auto* length = reinterpret_cast<const uint8_t*>(Bytes().data()) + magic + kMagic.size();
-  const uint64_t told = LoadLe<uint32_t>(length);
-  return told > kLongest ? end : std::max(end, magic + told);
-}
-
-// Other samples move nothing: the ping is owed, and differs there only.
-bool OutputModes::DiffersInSamplesOnly(const SentMessage& message) const {
-  return each_.IsBinary() && fault_ == StreamFault::flippedBytes && !message.sent.intact &&
-         message.sent.faultAt >= kBlockHeader;
-}
-
-// Which messages must have been received: the intact ones that do not stand within a damage.
-void OutputModes::MarkOwed() {
-  owed_.clear();
-  uint64_t cleanFrom = 0;
-  bool behindDamage = false;
-  for (const SentMessage& message : std::span(account_.messages).first(judged_)) {
-    const bool clean = each_.IsBinary() ? message.sent.offset >= cleanFrom : !behindDamage;
-    const bool readable = message.sent.intact || DiffersInSamplesOnly(message);
-    owed_.push_back(clean && readable);
-    behindDamage = !readable;
-    // Counted even within another's: the reader may have seen through that one.
-    if (!readable) cleanFrom = std::max(cleanFrom, EndOfDamage(message));
-  }
-}
-
-bool OutputModes::ShowsPulse(const Shown& shown, float altitude_m) const {
-  const std::vector<uint16_t>& samples = shown.samples;
-  // 10 us a sample, at 1,500 m/s.
-  const auto pulse = static_cast<size_t>(static_cast<double>(altitude_m) * 2 / 1'500.0 / 0.00001);
-  const auto first = std::find_if(samples.begin(), samples.end(), [](uint16_t each) { return each != 0; });
-  return static_cast<size_t>(first - samples.begin()) == pulse && samples[pulse] == 921 &&
-         samples[pulse + 4] == 3685 && samples[pulse + 9] == 921 && samples[pulse + 10] == 0;
 }
 
 bool OutputModes::ShowsSamples(const Shown& shown, const SentMessage& message) const {
@@ -355,11 +371,6 @@ bool OutputModes::Shows(const Shown& shown, const SentMessage& message, bool low
          header.txFrequency_hz == sent.txFrequency_hz && ShowsSamples(shown, message);
 }
 
-bool OutputModes::Holds(const RecordedFile& file, size_t record, const SentMessage& message) const {
-  if (each_.IsBinary()) return Shows(file.frames[record], message, false);
-  return file.messages[record] == std::string_view(Bytes()).substr(message.sent.offset, message.sent.size);
-}
-
 // The file holds each message that is owed to it, in order. What it holds besides stems from damaged ones: no
 // more of it than was damaged so far. (Lines have no numbers, so one may be taken for its like.)
 void OutputModes::ExpectRecorded(size_t file) {
@@ -390,16 +401,6 @@ void OutputModes::ExpectRecorded(size_t file) {
   }
 }
 
-// A place where the receiver has been by then.
-void OutputModes::ExpectPosition(const PingHeader& ping) {
-  if (ping.gpsLatitude_rad == 0 && ping.gpsLongitude_rad == 0) return;  // before the first fix
-  ++positions_;
-  EXPECT_EQ(ping.gpsValid, 1);
-  EXPECT_TRUE(HasBeenAt(*gps_, static_cast<double>(ping.gpsLatitude_rad) * kRadian,
-                        static_cast<double>(ping.gpsLongitude_rad) * kRadian, 1e-5));
-  EXPECT_LE(static_cast<int64_t>(ping.gpsTime_s), gps_->Epochs().Entries().back().utc_centi / 100);
-}
-
 // Each message that is owed was on view, and of a sound stream nothing else. One that a damaged message
 // follows at once may have been covered.
 void OutputModes::ExpectShown(bool low) {
@@ -423,27 +424,6 @@ void OutputModes::ExpectShown(bool low) {
   EXPECT_GE(view + 1, kPings);
   EXPECT_LE(seen.size() - view, account_.messages.size() - judged_);
   EXPECT_GT(positions_, view * 9 / 10);
-}
-
-// Nothing is recorded that was not sent so, in that order.
-void OutputModes::ExpectSent(const RecordedFile& file) const {
-  size_t from = 0;
-  for (const std::string& message : file.messages) {
-    const size_t at = Bytes().find(message, from);
-    ASSERT_NE(at, Bytes().npos) << "recorded, but never sent: " << message;
-    from = at + 1;
-  }
-}
-
-void OutputModes::Judge() {
-  MarkOwed();
-  for (size_t file = 0; file < each_.Files(); ++file) ExpectRecorded(file);
-  // A line may be recorded behind one that was kept, and with a line end of the program's.
-  if (!each_.IsBinary() && each_.TellsAttitude()) {
-    for (const RecordedFile& file : files_) ExpectSent(file);
-  }
-  ExpectShown(false);
-  if (each_.dual) ExpectShown(true);
 }
 
 TEST_P(OutputModes, CarryEveryPingAndAFaultCostsNoMoreThanItMust) {
