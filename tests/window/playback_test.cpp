@@ -190,7 +190,7 @@ TEST_F(Playback, PlaysHoldsStepsBackAndStops) {
   Sleep(2'000);
   program_.Click(ID_PAUSE);
   ASSERT_TRUE(Comes(ID_RESUME));
-  EXPECT_FALSE(program_.IsEnabled(ID_PAUSE));
+  EXPECT_TRUE(WaitUntil([&] { return !program_.IsEnabled(ID_PAUSE); }, 10));  // a moment later
   EXPECT_TRUE(Rests()) << "it holds";
   SavePicture(program_.Window(), "playback");
   for (const int back : {ID_BACK, ID_FAST_BACK}) {
