@@ -2,12 +2,16 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <fstream>
+
 #include "base/bytes.h"
+#include "platform/owned_file.h"
 #include "tests/app/test_files.h"
 #include "tests/app/test_folder.h"
 #include "tests/playback/echotool_call.h"
 #include "tests/playback/info_text.h"
 #include "tools/echotool/escapes.h"
+#include "tools/echotool/netcdf_output.h"
 
 namespace tw::echotool {
 namespace {
@@ -144,8 +148,10 @@ TEST_F(Work, WhatStandsInThePlaceOfAnOutput) {
     const char* says;
   } rows[] = {
       {Task::kml, "three_pings.kml", "older", false, false, "three_pings.kml has been replaced"},
-      {Task::png, "three_pings.png", "a picture with DA1.5 m*\r\n", false, false,
+      {Task::png, "three_pings.png", std::string(2'000, '\xE5') + "DA1.5 m*\r\n", false, false,
        "three_pings.png has been replaced"},
+      {Task::png, "three_pings.png", "DA1.5 m*\r\n", false, false,
+       "is itself a recording; --force replaces it"},
       {Task::text, "three_pings_txt.log", text, false, false, "three_pings_txt.log has been replaced"},
       {Task::text, "three_pings_txt.log", text + text, false, false,
        "is itself a recording; --force replaces it"},
@@ -162,6 +168,28 @@ TEST_F(Work, WhatStandsInThePlaceOfAnOutput) {
     const std::string said = result.done && !result.notes.empty() ? result.notes[0] : result.text;
     EXPECT_TRUE(said.ends_with(row.says)) << said;
     EXPECT_EQ(ReadWhole(folder_ / row.name) == row.content, !result.done || row.content == text) << row.says;
+  }
+}
+
+// Its sum would be that of other bytes than those that were converted.
+TEST_F(Work, NetcdfOfARecordingThatGrowsMeanwhileIsRefused) {
+  const std::wstring path = Copy("three_pings.log").wstring();
+  RecordingFault fault{};
+  const auto recording = OpenRecording(path.c_str(), fault);
+  for (const bool grows : {false, true}) {
+    const OwnedFile file(CreateFileAnew((folder_ / "a.nc").wstring().c_str()));
+    OutputFile output(file.Get());
+    RecordingSurvey survey;
+    survey.whole = false;
+    ASSERT_TRUE(recording->Rewind());
+    for (RecordedPing ping{}; recording->Next(ping);) survey.Add(ping);
+    NetcdfWriter writer(output, {*recording, survey, "a", 0}, {path, file.Get(), interrupted_});
+    std::string error;
+    ASSERT_TRUE(recording->Rewind() && writer.Prepare(error) && writer.Begin());
+    for (RecordedPing ping{}; recording->Next(ping);) ASSERT_TRUE(writer.Append(ping));
+    if (grows) std::ofstream(fs::path(path), std::ios::app) << ReadWhole(kGolden / "three_pings.log");
+    EXPECT_TRUE(writer.End());
+    EXPECT_EQ(writer.Emptiness(), grows ? "has changed while it was read" : "");
   }
 }
 

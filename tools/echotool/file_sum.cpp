@@ -7,18 +7,20 @@
 
 namespace tw::echotool {
 
-bool SumOfFile(const std::wstring& path, const std::atomic<bool>& interrupted, std::string& sum) {
+std::optional<FileSum> SumOfFile(const std::wstring& path, const std::atomic<bool>& interrupted) {
   const OwnedFile file(OpenFileForReading(path.c_str(), WriteSharing::denied));
-  if (file.Get() == Handle::invalid) return false;
+  if (file.Get() == Handle::invalid) return std::nullopt;
   constexpr uint32_t kPiece = 128 * 1024;
   std::vector<uint8_t> bytes(kPiece);
   Sha256 sha;
+  FileSum sum;
   for (uint32_t count = 1; count != 0;) {
-    if (interrupted.load() || !ReadFileBytes(file.Get(), bytes.data(), kPiece, count)) return false;
+    if (interrupted.load() || !ReadFileBytes(file.Get(), bytes.data(), kPiece, count)) return std::nullopt;
+    sum.size += count;
     sha.Add(std::span<const uint8_t>(bytes.data(), count));
   }
-  sum = sha.Hex();
-  return true;
+  sum.digits = sha.Hex();
+  return sum;
 }
 
 }  // namespace tw::echotool

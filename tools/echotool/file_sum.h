@@ -2,12 +2,19 @@
 #pragma once
 
 #include <atomic>
+#include <cstdint>
+#include <optional>
 #include <string>
 
 namespace tw::echotool {
 
-// As 64 hexadecimal digits. False when the file cannot be read to its end, and when interrupted.
-[[nodiscard]] bool SumOfFile(const std::wstring& path, const std::atomic<bool>& interrupted,
-                             std::string& sum);
+struct FileSum {
+  std::string digits;  // 64, hexadecimal
+  uint64_t size = 0;   // of what was summed, in bytes
+};
+
+// Nothing when the file cannot be read to its end, and when interrupted.
+[[nodiscard]] std::optional<FileSum> SumOfFile(const std::wstring& path,
+                                               const std::atomic<bool>& interrupted);
 
 }  // namespace tw::echotool

@@ -55,11 +55,15 @@ bool IsDoubtful(const RecordingKind& kind) {
   return kind.isText && !kind.hasInfo;
 }
 
+bool IsMostlyUnknown(const PingSource& recording) {
+  constexpr uint64_t kLargestPart = 100;  // at least a hundredth of the bytes of a recording is known
+  const uint64_t known = recording.Size() - recording.Skipped();
+  return known * kLargestPart < recording.Size();
+}
+
 bool IsBelievable(const PingSource& recording, uint64_t pings) {
   constexpr uint64_t kFewestPings = 3;
-  constexpr uint64_t kLargestPart = 100;  // at least a hundredth of the bytes is known
-  const uint64_t known = recording.Size() - recording.Skipped();
-  return !IsDoubtful(recording.Kind()) || (pings >= kFewestPings && known * kLargestPart >= recording.Size());
+  return !IsDoubtful(recording.Kind()) || (pings >= kFewestPings && !IsMostlyUnknown(recording));
 }
 
 bool IsRecording(const Job& job, const PingSource& recording, uint64_t pings, Result& result) {

@@ -35,6 +35,7 @@ struct Job {
 // What has neither settings nor a binary mark may be something else, in which a few bytes look like a line;
 // it is, if hardly a ping was found when it had been read to its end.
 [[nodiscard]] bool IsDoubtful(const RecordingKind& kind);
+[[nodiscard]] bool IsMostlyUnknown(const PingSource& recording);
 [[nodiscard]] bool IsBelievable(const PingSource& recording, uint64_t pings);
 
 // The same of the job's recording; false with the reason in `result`.

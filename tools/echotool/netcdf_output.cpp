@@ -19,6 +19,7 @@ constexpr size_t kPiece = 32'768;  // samples laid out together
 constexpr uint16_t kFirstLarge = 32'767;
 constexpr size_t kSumDigits = 64;
 constexpr const char* kUnread = "cannot be read";
+constexpr const char* kChanged = "has changed while it was read";
 
 bool AppendBytes(OutputFile& output, std::string_view bytes) {
   while (!bytes.empty()) {
@@ -114,7 +115,7 @@ bool NetcdfWriter::Append(const RecordedPing& ping) {
 
 bool NetcdfWriter::End() {
   if (!survey_.whole) return Complete();
-  if (!fits_ || found_.pings != Laid().pings) fault_ = "has changed while it was read";
+  if (!fits_ || found_.pings != Laid().pings) fault_ = kChanged;
   return output_.Flush();
 }
 
@@ -123,10 +124,12 @@ bool NetcdfWriter::Complete() {
   survey_.whole = true;
   survey_.channels[channel_] = found_;
   survey_.samplingAssumed = recording_.IsSamplingAssumed();
-  if (!SumOfFile(files_.recording, files_.interrupted, survey_.sha256)) {
-    fault_ = kUnread;
+  const auto sum = SumOfFile(files_.recording, files_.interrupted);
+  if (!sum || sum->size != recording_.Size()) {
+    fault_ = sum ? kChanged : kUnread;
     return true;
   }
+  survey_.sha256 = sum->digits;
   const size_t size = layout_.header.size();
   if (!Prepare(fault_)) return true;
   return fits_ && layout_.header.size() == size ? CompleteHeader() : WriteAnew();

@@ -20,16 +20,17 @@ bool MakesRecording(Task task) {
 enum class Found : uint8_t { recording, anotherFile, unreadable };
 
 // What can be a recording by chance alone is read to its end: pictures are full of what begins like a line.
+// One of a ping or two is kept as well: it may have been all that there was.
 Found LookInside(const std::wstring& path, const std::atomic<bool>& interrupted) {
   RecordingFault fault = RecordingFault::none;
   const auto recording = OpenRecording(path.c_str(), fault);
   if (recording != nullptr) {
     recording->SetInterruption(InterruptionBy(interrupted));
-    uint64_t pings = 0;
-    for (RecordedPing ping{}; IsDoubtful(recording->Kind()) && !interrupted.load() && recording->Next(ping);)
-      ++pings;
+    if (!IsDoubtful(recording->Kind())) return Found::recording;
+    for (RecordedPing ping{}; !interrupted.load() && recording->Next(ping);) {
+    }
     if (recording->Failed() || interrupted.load()) return Found::unreadable;
-    return IsBelievable(*recording, pings) ? Found::recording : Found::anotherFile;
+    return IsMostlyUnknown(*recording) ? Found::anotherFile : Found::recording;
   }
   const bool read = fault == RecordingFault::unknown || fault == RecordingFault::noPing;
   return read ? Found::anotherFile : Found::unreadable;

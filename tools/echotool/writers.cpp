@@ -102,9 +102,10 @@ bool SurveyLayout(const Job& job, RecordingSurvey& survey, std::string& error) {
   if (recording == nullptr) return false;
   if (recording->Kind().channels > 1) {
     if (!Survey(job, survey, error)) return false;
-    const bool read = SumOfFile(WideName(job.file), job.interrupted, survey.sha256);
-    if (!read && !job.interrupted.load()) error = FaultText(RecordingFault::unread);
-    return read;
+    const auto sum = SumOfFile(WideName(job.file), job.interrupted);
+    if (sum) survey.sha256 = sum->digits;
+    if (!sum && !job.interrupted.load()) error = FaultText(RecordingFault::unread);
+    return sum.has_value();
   }
   recording->SetInterruption(InterruptionBy(job.interrupted));
   RecordedPing ping{};
